@@ -1,0 +1,34 @@
+# kestova_component(FOLDER [USES FOLDER...]): the static library kestova_FOLDER of all sources in a folder. Slashes
+# in the folder's name become underscores in the target's.
+function(kestova_component folder)
+  cmake_parse_arguments(PARSE_ARGV 1 component "" "" "USES")
+  string(REPLACE "/" "_" target kestova_${folder})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/${folder}/*.h)
+  add_library(${target} STATIC ${sources})
+  set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+  target_link_libraries(${target} PUBLIC kestova_platform)
+  foreach(used IN LISTS component_USES)
+    string(REPLACE "/" "_" used kestova_${used})
+    target_link_libraries(${target} PUBLIC ${used})
+  endforeach()
+endfunction()
+
+# Logging.dll, and its import library under the name that the product links.
+function(kestova_logging_dll)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/logging/*.cpp)
+  add_library(kestova_logging SHARED ${sources})
+  set_target_properties(kestova_logging PROPERTIES OUTPUT_NAME Logging PREFIX "")
+  target_compile_definitions(kestova_logging PRIVATE LOGGING_EXPORTS)
+  target_link_libraries(kestova_logging PUBLIC kestova_platform)
+  target_link_options(kestova_logging PRIVATE -static)
+endfunction()
+
+# Kestova.dll: the product's folders in one module that exports the one class.
+function(kestova_dll)
+  target_compile_definitions(kestova_manager PRIVATE KESTOVA_EXPORTS)
+  add_library(Kestova SHARED $<TARGET_OBJECTS:kestova_manager>)
+  set_target_properties(Kestova PROPERTIES PREFIX "" LINKER_LANGUAGE CXX)
+  target_link_libraries(Kestova PRIVATE kestova_vds kestova_device kestova_diag kestova_text kestova_logging
+    PUBLIC kestova_platform)
+  target_link_options(Kestova PRIVATE -static)
+endfunction()

@@ -1,0 +1,20 @@
+# What every source is compiled with: the platform's headers, wide text, and warnings as errors.
+
+add_library(kestova_platform INTERFACE)
+target_include_directories(kestova_platform INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_definitions(kestova_platform INTERFACE UNICODE _UNICODE NOMINMAX)
+
+if(WIN32)
+  target_link_libraries(kestova_platform INTERFACE ole32 oleaut32 wbemuuid setupapi shlwapi advapi32 uuid)
+else()
+  find_path(KESTOVA_WINE_HEADERS windows.h PATHS /usr/include/wine/wine/windows /usr/include/wine/windows
+    NO_DEFAULT_PATH REQUIRED DOC "The Wine development headers (package libwine-dev)")
+  target_include_directories(kestova_platform SYSTEM INTERFACE ${KESTOVA_WINE_HEADERS})
+endif()
+
+if(MSVC)
+  target_compile_options(kestova_platform INTERFACE /W4 /WX /utf-8)
+else()
+  target_compile_options(kestova_platform INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    -Wnon-virtual-dtor -Werror)
+endif()

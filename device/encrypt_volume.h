@@ -1,0 +1,5 @@
+// The volumes that BitLocker has encrypted.
+#pragma once
+
+// Holds nothing.
+class CEncryptVolume {};

@@ -1,0 +1,56 @@
+// A diagnostic record as one expression: LogRecord(LOG_LEVEL_TRACE).Text(TEXT("... bRet = ")).Int(bRet);
+#pragma once
+
+#include "logging/logging.h"
+#include "text/wide_string.h"
+
+// Begins a record when it is made and ends it, after the empty text that closes every record, when the
+// expression ends. The logger is fetched afresh both times and never kept. Nothing is allocated here.
+class LogRecord {
+  public:
+    explicit LogRecord(int level) : writer_(CLoggingFactory::GetInstance().BeginRecord(level)) {}
+    ~LogRecord() {
+        writer_.AppendText(TEXT(""));
+        CLoggingFactory::GetInstance().EndRecord();
+    }
+    LogRecord(const LogRecord&) = delete;
+    LogRecord& operator=(const LogRecord&) = delete;
+
+    // A literal: a message or a label. Also string values.
+    LogRecord& Text(const WCHAR* text) {
+        writer_.AppendText(text);
+        return *this;
+    }
+    // A message that was formatted beforehand.
+    LogRecord& String(const WideString& text) {
+        writer_.AppendString(text);
+        return *this;
+    }
+    LogRecord& Pointer(const void* address) {
+        writer_.AppendPointer(address);
+        return *this;
+    }
+    // GetLastError codes, sizes.
+    LogRecord& ULong(ULONG value) {
+        writer_.AppendULong(value);
+        return *this;
+    }
+    // HRESULT codes.
+    LogRecord& Long(LONG value) {
+        writer_.AppendLong(value);
+        return *this;
+    }
+    // BOOL results, disk and partition numbers, flags of one byte.
+    LogRecord& Int(INT value) {
+        writer_.AppendInt(value);
+        return *this;
+    }
+    // Drive letters.
+    LogRecord& Char(WCHAR value) {
+        writer_.AppendChar(value);
+        return *this;
+    }
+
+  private:
+    ILogRecord& writer_;
+};

@@ -1,0 +1,81 @@
+// The platform's headers in the one order that compiles with every toolchain, plus the few declarations that
+// some of them lack. Everything that calls Windows includes this file and no system header of its own.
+#pragma once
+
+#include <windows.h>
+// The next ones rely on the types of windows.h.
+#include <ntddscsi.h>
+#include <ntddstor.h>
+#include <objbase.h>
+#include <oleauto.h>
+#include <setupapi.h>
+#include <shlwapi.h>
+#include <wbemcli.h>
+#include <winioctl.h>
+
+// windows.h renames every method that bears this name; the VDS and WMI interfaces have one each.
+#undef GetObject
+
+#ifndef _WIN32
+// Records of the partition controls that the Wine headers lack; the layout is that of winioctl.h.
+
+typedef enum _PARTITION_STYLE {
+    PARTITION_STYLE_MBR,
+    PARTITION_STYLE_GPT,
+    PARTITION_STYLE_RAW
+} PARTITION_STYLE;
+
+typedef struct _PARTITION_INFORMATION_MBR {
+    BYTE PartitionType;
+    BOOLEAN BootIndicator;
+    BOOLEAN RecognizedPartition;
+    DWORD HiddenSectors;
+} PARTITION_INFORMATION_MBR;
+
+typedef struct _PARTITION_INFORMATION_GPT {
+    GUID PartitionType;
+    GUID PartitionId;
+    DWORD64 Attributes;
+    WCHAR Name[36];
+} PARTITION_INFORMATION_GPT;
+
+typedef struct _PARTITION_INFORMATION_EX {
+    PARTITION_STYLE PartitionStyle;
+    LARGE_INTEGER StartingOffset;
+    LARGE_INTEGER PartitionLength;
+    DWORD PartitionNumber;
+    BOOLEAN RewritePartition;
+    union {
+        PARTITION_INFORMATION_MBR Mbr;
+        PARTITION_INFORMATION_GPT Gpt;
+    };
+} PARTITION_INFORMATION_EX;
+
+typedef struct _DRIVE_LAYOUT_INFORMATION_MBR {
+    DWORD Signature;
+} DRIVE_LAYOUT_INFORMATION_MBR;
+
+typedef struct _DRIVE_LAYOUT_INFORMATION_GPT {
+    GUID DiskId;
+    LARGE_INTEGER StartingUsableOffset;
+    LARGE_INTEGER UsableLength;
+    DWORD MaxPartitionCount;
+} DRIVE_LAYOUT_INFORMATION_GPT;
+
+typedef struct _DRIVE_LAYOUT_INFORMATION_EX {
+    DWORD PartitionStyle;
+    DWORD PartitionCount;
+    union {
+        DRIVE_LAYOUT_INFORMATION_MBR Mbr;
+        DRIVE_LAYOUT_INFORMATION_GPT Gpt;
+    };
+    PARTITION_INFORMATION_EX PartitionEntry[1];
+} DRIVE_LAYOUT_INFORMATION_EX;
+#endif
+
+static_assert(sizeof(WCHAR) == 2);
+static_assert(sizeof(SCSI_ADDRESS) == 8);
+static_assert(sizeof(STORAGE_PROPERTY_QUERY) == 12);
+static_assert(sizeof(STORAGE_DEVICE_DESCRIPTOR) == 40);
+static_assert(sizeof(VOLUME_DISK_EXTENTS) == 32);
+static_assert(sizeof(PARTITION_INFORMATION_EX) == 144);
