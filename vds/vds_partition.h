@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/vds.h"
-#include "vds/partition_types.h"
+#include "platform/partition_types.h"
 
 // What SetDriveLetter does; any other value than the first two queries.
 inline constexpr int FLAG_QUERY = 0;

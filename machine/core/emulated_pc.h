@@ -15,7 +15,7 @@ namespace machine {
 
 // While it lives it answers every platform call of the process and keeps the log records of the library; one
 // at a time. Its parts are open: tests look at them and change them between two operations.
-class EmulatedPc : private ILogSink {
+class EmulatedPc final : private ILogSink {
   public:
     explicit EmulatedPc(Pc facts);
     ~EmulatedPc();

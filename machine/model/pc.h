@@ -158,7 +158,6 @@ struct RunningSystem {
     std::string windowsDirectory = "C:\\Windows";
     std::optional<std::string> startOptions =
         " NOEXECUTE=OPTIN";  // SystemStartOptions; absent: no such value
-    bool ramDrive = false;   // X:, the RAM drive of Windows PE, exists
     bool operator==(const RunningSystem&) const = default;
 };
 

@@ -1,4 +1,4 @@
-// Partition styles' types: every MBR ID and GPT type GUID that the library knows, once.
+// Partition types: every MBR ID and GPT type GUID that the library and the emulated PC know, once.
 #pragma once
 
 #include <cstring>

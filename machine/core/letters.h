@@ -1,0 +1,25 @@
+// Which letter opens what.
+#pragma once
+
+#include <string>
+
+#include "machine/model/pc.h"
+
+namespace machine {
+
+// A volume and where it lies; disk and partition are null for one without a disk.
+struct LocatedVolume {
+    Volume* volume = nullptr;
+    Partition* partition = nullptr;
+    Disk* disk = nullptr;
+
+    explicit operator bool() const { return volume != nullptr; }
+};
+
+// What the letter (in either case) opens; partitions come before volumes without a disk.
+LocatedVolume FindLetter(Pc& pc, char letter);
+
+// Every letter in use, upper case, ascending, each once.
+std::string UsedLetters(const Pc& pc);
+
+}  // namespace machine

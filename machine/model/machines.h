@@ -1,0 +1,33 @@
+// The machines that come with the project.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "machine/model/pc.h"
+
+namespace machine {
+
+// BIOS, installed Windows. Disk 0, MBR: 1 hidden recovery, 2 Windows (active, C:), 3 data (D:), 4
+// hibernation.
+Pc FactoryMbr();
+
+// UEFI, installed Windows. Disk 0, GPT: 1 maker's boot, 2 Windows RE, 3 EFI system, 4 reserved, 5 Windows
+// (C:), 6 recovery.
+Pc FactoryGpt();
+
+// BIOS, Windows PE from the recovery partition. Disk 0 as FactoryMbr with partition 1 active, disk 1 a small
+// cache disk; IDE.INI beside the host program prefers the controller of disk 0.
+Pc WinPeTwoDisks();
+
+struct NamedMachine {
+    std::string_view name;
+    std::string_view summary;
+    Pc (*make)();
+};
+
+// "factory-mbr", "factory-gpt", "winpe-two-disks".
+const std::vector<NamedMachine>& NamedMachines();
+
+}  // namespace machine
