@@ -1,0 +1,154 @@
+// Choosing what the machine boots: the recovery partition, or the system that was active before it. The
+// record of the latter is on disk before the active flag moves, and gone after a switch back.
+
+#include "diag/log_record.h"
+#include "diag/module.h"
+#include "manager/kestova.h"
+#include "manager/system_volume_ini.h"
+#include "vds/vds_partition.h"
+
+namespace {
+
+constexpr int recoveryPartition = 1;
+constexpr int systemPartition = 2;
+constexpr size_t iniPathCapacity = MAX_PATH + 1;
+
+// What an operation writes when it ends with a code; the code is the index. No text: no record.
+struct Outcome {
+    int level;
+    const WCHAR* text;
+};
+
+constexpr Outcome setRcvprtActive[] = {
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetRcvprtActive\t\tEnd. Return 0")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetRcvprtActive\tGetActivePartitionNumber return False. 1")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetRcvprtActive\tGetActivePartitionNumber PartitionNumber is -1. 2")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetRcvprtActive\tGetSystemVolumeIni return False. 3")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetRcvprtActive\tWritePrivateProfileString return False. 4")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetRcvprtActive\tSetActive return False. 5")},
+};
+
+constexpr Outcome setSystemActive[] = {
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetSystemActive\t\tEnd")},
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetSystemActive\t\tGetActivePartitionNumber return false. 1")},
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetSystemActive\t\tGetActivePartitionNumber PartitionNumber is -1. 2")},
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetSystemActive\t\tGetSystemVolumeIni return FALSE. 3")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetSystemActive  SetActive return FALSE. 4")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetSystemActive  DeleteFile return FALSE. 4")},
+};
+
+constexpr Outcome setPOneActive[] = {
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetPOneActive\t\tEnd")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetPOneActive\tGetActivePartitionNumber bReturn is FALSE. (1)")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetPOneActive\tGetActivePartitionNumber PartitionNumber is -1.(2)")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetPOneActive\tGetSystemVolumeIni bReturn is FALSE. (3)")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetPOneActive\tWritePrivateProfileString bReturn is FALSE.(4)")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetPOneActive\tSetActive bReturn is FALSE.(5)")},
+    {LOG_LEVEL_ERROR, TEXT("Kestova::SetPOneActive\tDeleteFile bReturn is FALSE.(6)")},
+};
+
+constexpr Outcome setPTwoActive[] = {
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetPTwoActive\t\tEnd")},
+    {LOG_LEVEL_TRACE, nullptr},
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetPTwoActive\tGetSystemVolumeIni return FALSE.(2)")},
+    {LOG_LEVEL_TRACE, TEXT("Kestova::SetPTwoActive\tDeleteFile return FALSE.(3)")},
+};
+
+int Finish(const Outcome* outcomes, int code) {
+    const Outcome& outcome = outcomes[code];
+    if (outcome.text != nullptr) LogRecord(outcome.level).Text(outcome.text);
+    return code;
+}
+
+// Records the previous partition and makes the recovery partition active; both or neither. 0, 4 or 5.
+int SwitchToRecovery(CVDSPartition& partitions, const WCHAR* file, int previous) {
+    if (!RecordActivePartition(file, previous)) return 4;
+    if (partitions.SetActive(recoveryPartition)) return 0;
+    DeleteFileW(file);
+    partitions.SetActive(previous);
+    return 5;
+}
+
+}  // namespace
+
+int Kestova::SetRcvprtActive() {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetRcvprtActive\t\tStart"));
+    int previous = -1;
+    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(previous)) {
+        return Finish(setRcvprtActive, 1);
+    }
+    if (previous == -1) return Finish(setRcvprtActive, 2);
+    if (previous == recoveryPartition) {
+        LogRecord(LOG_LEVEL_TRACE)
+            .Text(TEXT("Kestova::SetRcvprtActive\tGetActivePartitionNumber PartitionNumber is 1. 0"));
+        return 0;
+    }
+    WCHAR file[iniPathCapacity] = {};
+    if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setRcvprtActive, 3);
+    return Finish(setRcvprtActive, SwitchToRecovery(*m_pVDSPartition, file, previous));
+}
+
+int Kestova::SetPOneActive() {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetPOneActive\t\tStart"));
+    int previous = -1;
+    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(previous)) {
+        return Finish(setPOneActive, 1);
+    }
+    if (previous == -1) return Finish(setPOneActive, 2);
+    WCHAR file[iniPathCapacity] = {};
+    if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setPOneActive, 3);
+    if (previous != recoveryPartition) {
+        if (const int code = SwitchToRecovery(*m_pVDSPartition, file, previous); code != 0) {
+            return Finish(setPOneActive, code);
+        }
+    }
+    if (!PathFileExistsW(file)) {
+        LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::SetPOneActive\tPathFileExists bReturn is FALSE.(5)"));
+        LogRecord(LOG_LEVEL_ERROR).Text(file);
+        return 0;
+    }
+    // Without a usable record a switch back takes the system partition: a record that says so is not kept
+    // either.
+    int recorded = 0;
+    const bool worthKeeping = ReadRecordedPartition(file, recorded) && recorded != systemPartition;
+    if (!worthKeeping && !DeleteFileW(file)) return Finish(setPOneActive, 6);
+    return Finish(setPOneActive, 0);
+}
+
+int Kestova::SetSystemActive() {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tStart"));
+    int current = -1;
+    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(current)) {
+        return Finish(setSystemActive, 1);
+    }
+    if (current == -1) return Finish(setSystemActive, 2);
+    WCHAR file[iniPathCapacity] = {};
+    if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setSystemActive, 3);
+    int target = systemPartition;
+    if (PathFileExistsW(file)) {
+        if (!ReadRecordedPartition(file, target)) target = systemPartition;
+    } else if (current != recoveryPartition) {
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tPartitionNumber is not 1. 0"));
+        return 0;
+    }
+    if (!m_pVDSPartition->SetActive(target)) return Finish(setSystemActive, 4);
+    if (PathFileExistsW(file) && !DeleteFileW(file)) return Finish(setSystemActive, 5);
+    return Finish(setSystemActive, 0);
+}
+
+int Kestova::SetPTwoActive() {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetPTwoActive\t\tStart"));
+    if (m_pVDSPartition == nullptr) return Finish(setPTwoActive, 1);
+    if (!m_pVDSPartition->SetActive(systemPartition)) {
+        m_pVDSPartition->SetActive(recoveryPartition);
+        return Finish(setPTwoActive, 1);
+    }
+    WCHAR file[iniPathCapacity] = {};
+    if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setPTwoActive, 2);
+    if (PathFileExistsW(file) && !DeleteFileW(file)) return Finish(setPTwoActive, 3);
+    return Finish(setPTwoActive, 0);
+}

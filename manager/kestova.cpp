@@ -1,0 +1,83 @@
+// The manager object's life: what it owns, from construction to destruction.
+
+#include "manager/kestova.h"
+
+#include <cstdarg>
+#include <new>
+#include <vector>
+
+#include "device/encrypt_volume.h"
+#include "diag/log_record.h"
+#include "diag/module.h"
+#include "text/format.h"
+#include "vds/vds_partition.h"
+
+// Part of the object's layout and lifetime; no operation uses one.
+class CReservedObject {};
+
+namespace {
+
+template <typename Owned>
+void Destroy(Owned*& owned) {
+    delete owned;
+    owned = nullptr;
+}
+
+void FreeBuffers(std::map<WCHAR, tagDeviceData_t>& devices) {
+    for (auto& [letter, data] : devices)
+        delete[] data.pData;
+    devices.clear();
+}
+
+}  // namespace
+
+Kestova::Kestova() {
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Kestova\tStart"));
+    m_pEncryptVolume = new (std::nothrow) CEncryptVolume;
+    m_pVDSPartition = new (std::nothrow) CVDSPartition;
+    m_pReserved1 = new (std::nothrow) CReservedObject;
+    m_pReserved2 = new (std::nothrow) CReservedObject;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Kestova\tEnd"));
+}
+
+Kestova::Kestova(const Kestova& other) = default;
+
+Kestova& Kestova::operator=(const Kestova& other) = default;
+
+Kestova::~Kestova() {
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::~Kestova\tStart"));
+    Destroy(m_pEncryptVolume);
+    Destroy(m_pVDSPartition);
+    Destroy(m_pReserved1);
+    Destroy(m_pReserved2);
+    CleanMap();
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::~Kestova\tEnd"));
+}
+
+int Kestova::Initialize(bool) {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Initialize\tStart"));
+    const int bRet = m_pVDSPartition != nullptr ? m_pVDSPartition->Initialize() : 0;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Initialize\tEnd. bRet = ")).Int(bRet);
+    return bRet;
+}
+
+WideString Kestova::StringFormat(const WCHAR* format, ...) {
+    if (format == nullptr) return {};
+    va_list arguments;
+    va_start(arguments, format);
+    va_list counted;
+    va_copy(counted, arguments);
+    std::vector<WCHAR> buffer(FormatBounded(nullptr, 0, format, counted) + 1);
+    va_end(counted);
+    FormatBounded(buffer.data(), buffer.size(), format, arguments);
+    va_end(arguments);
+    return buffer.data();
+}
+
+void Kestova::CleanMap() {
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::CleanMap\tStart"));
+    FreeBuffers(m_mapPEDrive);
+    FreeBuffers(m_mapWinDrive);
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::CleanMap\tEnd"));
+}

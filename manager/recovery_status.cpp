@@ -1,0 +1,57 @@
+// The check, and repair, of the recovery partition's MBR ID.
+
+#include "manager/recovery_status.h"
+
+#include "diag/log_record.h"
+#include "manager/kestova.h"
+#include "manager/recovery_media.h"
+#include "vds/vds_partition.h"
+
+int Kestova::CheckMBRRcvprtStatus(int partition) {
+    LogRecord(LOG_LEVEL_TRACE)
+        .Text(TEXT("Kestova::CheckMBRRcvprtStatus\t\tStart. iPartitionNumber = "))
+        .Int(partition);
+
+    // A visible recovery partition is hidden; it keeps its files, and the letter is the platform's affair.
+    const auto hide = [&]() -> int {
+        const WCHAR letter = GetDriveLetter(GetFirstInternalDriveNumber(), partition);
+        if (letter == TEXT('0')) {
+            LogRecord(LOG_LEVEL_ERROR)
+                .Text(TEXT("Kestova::CheckMBRRcvprtStatus\tGETLETTER_FAILED. _T('0') == cDriveLetter"));
+            return GETLETTER_FAILED;
+        }
+        if (!IsRCVVolume(letter, TYPE_HDD)) {
+            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::CheckMBRRcvprtStatus\tNO_RCVPRT"));
+            return NO_RCVPRT;
+        }
+        if (!m_pVDSPartition->ChangePartitionType(partition, MBR_ID_HIDDEN_RECOVERY)) {
+            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::CheckMBRRcvprtStatus\tCHANGEID_FAILED"));
+            return CHANGEID_FAILED;
+        }
+        return RCVPRT_READY;
+    };
+
+    const auto check = [&]() -> int {
+        BYTE type = MBR_ID_NONE;
+        if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetPartitionType(partition, type)) {
+            LogRecord(LOG_LEVEL_ERROR)
+                .Text(TEXT("Kestova::CheckMBRRcvprtStatus\tGetPartitionType return FALSE"));
+            return GETTYPE_FAILED;
+        }
+        switch (type) {
+            case MBR_ID_NTFS:
+                return hide();
+            case MBR_ID_OEM_RECOVERY:
+            case MBR_ID_HIDDEN_RECOVERY:
+                return RCVPRT_READY;
+        }
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(TEXT("Kestova::CheckMBRRcvprtStatus\tUNEXPECT_ID. PartitionType = "))
+            .Int(type);
+        return UNEXPECT_ID;
+    };
+
+    const int iRet = check();
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::CheckMBRRcvprtStatus\t\tEnd. iRet = ")).Int(iRet);
+    return iRet;
+}

@@ -1,0 +1,85 @@
+#include "manager/system_volume_ini.h"
+
+#include "diag/log_record.h"
+#include "manager/kestova.h"
+#include "manager/recovery_media.h"
+#include "text/format.h"
+#include "text/scan.h"
+#include "text/wide_string.h"
+#include "vds/vds_partition.h"
+
+namespace {
+
+constexpr const WCHAR* section = TEXT("System");
+constexpr const WCHAR* key = TEXT("Active");
+constexpr const WCHAR* noValue = TEXT("_NO_VALUE_");
+
+}  // namespace
+
+bool RecordActivePartition(const WCHAR* file, int partition) {
+    WCHAR number[16];
+    FormatInto(number, std::size(number), TEXT("%d"), partition);
+    return WritePrivateProfileStringW(section, key, number, file);
+}
+
+bool ReadRecordedPartition(const WCHAR* file, int& partition) {
+    WCHAR value[MAX_PATH] = {};
+    GetPrivateProfileStringW(section, key, noValue, value, MAX_PATH, file);
+    return !EqualIgnoringCase(value, noValue) && ScanNumbers(value, TEXT("%d"), {&partition}) == 1;
+}
+
+int Kestova::GetSystemVolumeIni(WCHAR* pszFile, DWORD dwFileNumberOfElements) {
+    LogRecord(LOG_LEVEL_TRACE)
+        .Text(TEXT("Kestova::GetSystemVolumeIni\t\tStart. pszFile = "))
+        .Text(pszFile)
+        .Text(TEXT(" dwFileNumberOfElements"))
+        .ULong(dwFileNumberOfElements);
+
+    const auto locate = [&]() -> int {
+        THardDiskType style = HARD_DISK_UNKNOWN;
+        if (!GetDiskStyle(style)) {
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(
+                    TEXT("Kestova::GetSystemVolumeIni\tGetDiskStyle\tERROR_GET_DISK_STYLE. enumDiskStyle = "))
+                .Int(style);
+            return FALSE;
+        }
+        if (style == HARD_DISK_GPT) {
+            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::GetSystemVolumeIni does support GPT."));
+            return FALSE;
+        }
+        if (style != HARD_DISK_MBR) {
+            LogRecord(LOG_LEVEL_ERROR)
+                .Text(TEXT("Kestova::GetSystemVolumeIni\tGetDiskStyle\tPARTITION_TYPE_NONE"));
+            return FALSE;
+        }
+        if (const int nReturn = CheckMBRRcvprtStatus(1); nReturn != 0) {
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT("Kestova::GetSystemVolumeIni\tCheckRcvprtStatus\tError. nReturn = "))
+                .Int(nReturn);
+            return FALSE;
+        }
+        if (!m_pVDSPartition->SetDriveLetter(1, FLAG_ASSIGN)) {
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT("Kestova::GetSystemVolumeIni\tSetDriveLetter\tFLAG_ASSIGN\tError"));
+            return FALSE;
+        }
+        const WCHAR letter = m_pVDSPartition->GetDriveLetter();
+        if (letter == TEXT('0')) {
+            // Succeeds all the same, with the caller's buffer as it was.
+            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetSystemVolumeIni\tGetDriveLetter\tError"));
+            return TRUE;
+        }
+        if (!IsRCVVolume(letter, TYPE_HDD)) {
+            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetSystemVolumeIni\tIsRCVVolume\tError"));
+            return FALSE;
+        }
+        FormatInto(pszFile, dwFileNumberOfElements, TEXT("%c:\\"), letter);
+        PathAppendW(pszFile, TEXT("SystemVolume.ini"));
+        return TRUE;
+    };
+
+    const int bReturn = locate();
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetSystemVolumeIni\t\tEnd. bReturn = ")).Int(bReturn);
+    return bReturn;
+}
