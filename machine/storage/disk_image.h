@@ -1,0 +1,36 @@
+// Raw disk images under the emulated PC: a file's partition table and file systems become the facts of a
+// disk.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "machine/model/pc.h"
+
+namespace machine {
+
+// Overlay is a dry run: changes are kept in memory, and nothing reaches the file.
+enum class ImageAccess { Read, Write, Overlay };
+
+// A file that cannot be used as the disk it should be. what() reads "FILE: what is wrong[, where]".
+class ImageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// Opens the image that disk.image names, and fills in the disk's size, style, signature or GUID, its
+// partitions with their volumes and files, and where table changes go. Partitions described beforehand are
+// matched by number: the image tells where they lie and what is on them, the description keeps letters, drive
+// type and whatever else an image cannot tell.
+//
+// Throws ImageError, and has changed neither the disk nor one byte of the file then. Write and Overlay refuse
+// NTFS volumes that are dirty or hibernated; Write locks the file for as long as the disk or a copy of it
+// lives.
+void AttachImage(Disk& disk, ImageAccess access);
+
+// The PC whose disks 0, 1, ... are these images: SATA disks, with the letters that the running system gives.
+// Throws ImageError.
+Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAccess access);
+
+}  // namespace machine
