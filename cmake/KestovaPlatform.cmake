@@ -16,5 +16,5 @@ if(MSVC)
   target_compile_options(kestova_platform INTERFACE /W4 /WX /utf-8)
 else()
   target_compile_options(kestova_platform INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-    -Wnon-virtual-dtor -Werror)
+    -Werror)
 endif()

@@ -30,14 +30,14 @@ bool Query(HANDLE volume, DWORD control, Output& output) {
 
 bool IsLetterOfPartition(WCHAR letter, int disk, int partition) {
     if (!IsFixedDrive(letter)) return false;
-    const UniqueFile volume(OpenVolume(letter, GENERIC_READ | GENERIC_WRITE));
+    const FileHandle volume(OpenVolume(letter, GENERIC_READ | GENERIC_WRITE));
     if (!volume) return false;
     VOLUME_DISK_EXTENTS extents{};
-    if (!Query(volume.get(), IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, extents) ||
+    if (!Query(volume.Get(), IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, extents) ||
         static_cast<int>(extents.Extents[0].DiskNumber) != disk) {
         return false;
     }
     PARTITION_INFORMATION_EX information{};
-    return Query(volume.get(), IOCTL_DISK_GET_PARTITION_INFO_EX, information) &&
+    return Query(volume.Get(), IOCTL_DISK_GET_PARTITION_INFO_EX, information) &&
            static_cast<int>(information.PartitionNumber) == partition;
 }
