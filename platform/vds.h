@@ -101,6 +101,8 @@ inline constexpr VDS_HEALTH VDS_H_HEALTHY = 1;
 inline constexpr HRESULT VDS_E_NOT_SUPPORTED = static_cast<HRESULT>(0x80042400);
 inline constexpr HRESULT VDS_E_INITIALIZED_FAILED = static_cast<HRESULT>(0x80042401);
 inline constexpr HRESULT VDS_E_OBJECT_NOT_FOUND = static_cast<HRESULT>(0x80042405);
+inline constexpr HRESULT VDS_E_OBJECT_DELETED = static_cast<HRESULT>(0x8004240B);
+inline constexpr HRESULT VDS_E_DEVICE_IN_USE = static_cast<HRESULT>(0x80042413);
 inline constexpr HRESULT VDS_E_INVALID_OPERATION = static_cast<HRESULT>(0x80042415);
 inline constexpr HRESULT VDS_E_DISK_NOT_INITIALIZED = static_cast<HRESULT>(0x80042417);
 inline constexpr HRESULT VDS_E_ACCESS_DENIED = static_cast<HRESULT>(0x80042427);
@@ -112,6 +114,8 @@ inline constexpr HRESULT VDS_E_INVALID_OBJECT_TYPE = static_cast<HRESULT>(0x8004
 inline constexpr HRESULT VDS_E_INVALID_PARTITION_TYPE = static_cast<HRESULT>(0x80042565);
 inline constexpr HRESULT VDS_E_INVALID_QUERY_PROVIDER_FLAG = static_cast<HRESULT>(0x8004256C);
 inline constexpr HRESULT VDS_E_PARTITION_STYLE_MISMATCH = static_cast<HRESULT>(0x80042571);
+inline constexpr HRESULT VDS_E_PARTITION_MSR = static_cast<HRESULT>(0x8004258C);
+inline constexpr HRESULT VDS_E_PARTITION_LDM = static_cast<HRESULT>(0x8004258D);
 
 // --- records
 // -------------------------------------------------------------------------------------------------
@@ -194,27 +198,32 @@ struct VDS_FILE_SYSTEM_PROP {
     LPWSTR pwszLabel;
 };
 
+// The types of the unions' members have names of their own, since clang takes no unnamed ones there.
 struct CHANGE_ATTRIBUTES_PARAMETERS {
+    struct MBR_PART_INFO {
+        BOOLEAN bootIndicator;
+    };
+    struct GPT_PART_INFO {
+        ULONGLONG attributes;
+    };
     VDS_PARTITION_STYLE style;
     union {
-        struct {
-            BOOLEAN bootIndicator;
-        } MbrPartInfo;
-        struct {
-            ULONGLONG attributes;
-        } GptPartInfo;
+        MBR_PART_INFO MbrPartInfo;
+        GPT_PART_INFO GptPartInfo;
     };
 };
 
 struct CHANGE_PARTITION_TYPE_PARAMETERS {
+    struct MBR_PART_INFO {
+        BYTE partitionType;
+    };
+    struct GPT_PART_INFO {
+        GUID partitionType;
+    };
     VDS_PARTITION_STYLE style;
     union {
-        struct {
-            BYTE partitionType;
-        } MbrPartInfo;
-        struct {
-            GUID partitionType;
-        } GptPartInfo;
+        MBR_PART_INFO MbrPartInfo;
+        GPT_PART_INFO GptPartInfo;
     };
 };
 
