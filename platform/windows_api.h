@@ -3,6 +3,8 @@
 #pragma once
 
 #include <windows.h>
+// windows.h renames every method that bears this name; the VDS and WMI interfaces have one each.
+#undef GetObject
 // The next ones rely on the types of windows.h.
 #include <ntddscsi.h>
 #include <ntddstor.h>
@@ -12,9 +14,6 @@
 #include <shlwapi.h>
 #include <wbemcli.h>
 #include <winioctl.h>
-
-// windows.h renames every method that bears this name; the VDS and WMI interfaces have one each.
-#undef GetObject
 
 #ifndef _WIN32
 // Records of the partition controls that the Wine headers lack; the layout is that of winioctl.h.
