@@ -2,6 +2,7 @@
 // of the first internal one.
 #pragma once
 
+#include "device/owners.h"
 #include "platform/windows_api.h"
 #include "text/wide_string.h"
 
@@ -13,6 +14,25 @@ enum : int {
     INTERFACE_SCSI = 2,
     INTERFACE_USB = 3,
     INTERFACE_1394 = 4
+};
+
+// The values of STORAGE_BUS_TYPE that count.
+enum : int { BUS_TYPE_ATA = 3, BUS_TYPE_RAID = 8, BUS_TYPE_SATA = 11, BUS_TYPE_UNKNOWN = 127 };
+
+// The steps that the device helpers fail in; 0 is success. The records show the same numbers.
+enum : DWORD {
+    LOCATION_NO_DEVICE_SET = 1,
+    LOCATION_NO_DEVICE = 2,
+
+    PROPERTY_SIZE_UNKNOWN = 1,
+    PROPERTY_NO_MEMORY = 2,
+    PROPERTY_NOT_READ = 3,
+
+    DEVICE_NOT_OPENED = 1,
+    SCSI_ADDRESS_NOT_READ = 2,
+    STORAGE_SIZE_UNKNOWN = 2,
+    STORAGE_NO_MEMORY = 3,
+    STORAGE_NOT_READ = 4
 };
 
 // One column an array, one row a disk.
@@ -29,7 +49,7 @@ struct tagDiskDriveTable_t {
     BYTE PathId[MAX_DISK_DRIVES];
     BYTE TargetId[MAX_DISK_DRIVES];
     BYTE Lun[MAX_DISK_DRIVES];
-    int nBusType[MAX_DISK_DRIVES];         // STORAGE_BUS_TYPE; 127: unknown
+    int nBusType[MAX_DISK_DRIVES];         // BUS_TYPE_..., any STORAGE_BUS_TYPE
     int nTargetLocation[MAX_DISK_DRIVES];  // 1: the location is a Target Id of bus 6; -1: no location text
     int nCount;                            // rows in use
 };
@@ -38,10 +58,12 @@ struct tagDiskDriveTable_t {
 struct tagControllerLinkTable_t {
     WideString Antecedent[MAX_DISK_DRIVES];  // object path of the controller
     WideString Dependent[MAX_DISK_DRIVES];   // object path of the device
-    int nCount;
+    int nCount;                              // rows in use
 };
 
 // Holds nothing; every call looks at the machine afresh and releases all it took. COM must be initialised.
+// Result codes of WMI are failures when they are negative; the normal end of an enumeration is a positive
+// one.
 class CDiskDrive {
   public:
     // The first internal disk by IDE.INI's exclusions and order and by location, as below with nothing
@@ -57,4 +79,44 @@ class CDiskDrive {
     // The disk that holds the Windows directory. FALSE, and -1: no fixed drive, or a volume that cannot be
     // opened or lies on more than one disk extent.
     BOOL GetCurrentDriveNumber(int& driveNumber);
+
+    // --- the steps of the search ---
+
+    // The whole table: rows of WMI, then each row's controller, drive number, location, SCSI address and bus
+    // type; of what a disk does not tell, its column keeps "unknown". S_OK, or the code of the first failure
+    // in WMI.
+    HRESULT GetDiskDrive(tagDiskDriveTable_t& table);
+    // The disks that WMI lists (Win32_DiskDrive). E_OUTOFMEMORY as soon as the table is full, so already with
+    // 64 disks; else the status of the last call, WBEM_S_FALSE after the last disk.
+    HRESULT Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t& table);
+    // The links of an association class; what does not fit is not read. The status of the last call.
+    HRESULT Enum_ControllerDevice(IWbemServices* services, const WCHAR* associationClass,
+                                  tagControllerLinkTable_t& links);
+
+    // The location text of a device. 0, with no text when the device has none; LOCATION_..., or the step that
+    // GetDeviceRegistryProperty failed in.
+    DWORD GetLocationInformation(const WideString& pnpDeviceId, GlobalBuffer<WCHAR>& text);
+    // A text property (SPDRP_...) of a device. 0, with no text when the device has no such property;
+    // PROPERTY_..., and the last error of the call that failed. Rests on SetupDiGetDeviceRegistryPropertyW.
+    DWORD GetDeviceRegistryProperty(HDEVINFO devices, SP_DEVINFO_DATA& device, DWORD property,
+                                    GlobalBuffer<WCHAR>& text, DWORD& lastError);
+    // 0, DEVICE_NOT_OPENED or SCSI_ADDRESS_NOT_READ. Rests on IOCTL_SCSI_GET_ADDRESS.
+    DWORD GetScsiAddress(const WideString& devicePath, SCSI_ADDRESS& address);
+    // 0, DEVICE_NOT_OPENED or STORAGE_.... Rests on IOCTL_STORAGE_QUERY_PROPERTY.
+    DWORD QueryStorageProperty(const WideString& devicePath,
+                               GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR>& descriptor);
+
+    // Whether IDE.INI's section "Exclude" names the controller. A missing file excludes nothing.
+    BOOL ExistExcludeID(const WideString& controllerId, const WideString& fileName);
+    // Whether IDE.INI's section "OrderIndex" names the controller, and with which number: 1 is preferred
+    // most, 0 is none. A missing file orders nothing.
+    BOOL GetOrderIndex(const WideString& controllerId, const WideString& fileName, int& orderIndex);
+    // Puts the candidate row in the place of the best one when it comes before it: by location where both are
+    // known, else by SCSI address, else, when no row `hasScsi` address nor `hasLocation`, by drive number.
+    void Compare(const tagDiskDriveTable_t& table, int candidate, int& best, bool hasScsi, bool hasLocation);
+
+  private:
+    HRESULT FindControllers(IWbemServices* services, int interfaceType, const WCHAR* associationClass,
+                            tagDiskDriveTable_t& table);
+    void ReadDevices(tagDiskDriveTable_t& table);
 };

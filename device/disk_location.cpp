@@ -1,0 +1,99 @@
+#include "device/disk_location.h"
+
+#include "device/disk_drive.h"
+#include "diag/log_record.h"
+#include "text/scan.h"
+
+namespace {
+
+// The records that are wider than a line.
+// clang-format off
+constexpr const WCHAR* noDeviceSet = TEXT("Kestova CDiskDrive::GetLocationInformation SetupDiCreateDeviceInfoList hDevInfo == INVALID_HANDLE_VALUE (1)");
+constexpr const WCHAR* noDevice = TEXT("Kestova CDiskDrive::GetLocationInformation SetupDiOpenDeviceInfo bReturn == FALSE (2)");
+constexpr const WCHAR* propertyFailed = TEXT("Kestova CDiskDrive::GetLocationInformation GetDeviceRegistryProperty dwReturn != 0. dwReturn = ");
+constexpr const WCHAR* noSuchProperty = TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty GetLastError == ERROR_INVALID_DATA. (0)");
+constexpr const WCHAR* sizeUnknown = TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty GetLastError != ERROR_INVALID_DATA. (1)");
+constexpr const WCHAR* noMemory = TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty lpProperty == NULL (2)");
+constexpr const WCHAR* notRead = TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty return FALSE. (3)");
+// clang-format on
+
+// On this bus number the target tells the disks apart.
+constexpr int targetBus = 6;
+
+}  // namespace
+
+int ReadLocation(const WCHAR* text, int& targetLocation) {
+    int location = -1;
+    if (ScanNumbers(text, TEXT("%d"), {&location}) == 1) return location;
+    int bus = -1;
+    int target = -1;
+    if (ScanNumbers(text, TEXT("Bus Number %d, Target Id %d"), {&bus, &target}) < 2) return -1;
+    if (bus != targetBus) return bus;
+    targetLocation = 1;
+    return target;
+}
+
+DWORD CDiskDrive::GetLocationInformation(const WideString& pnpDeviceId, GlobalBuffer<WCHAR>& text) {
+    text.Reset();
+    DeviceInfoSet devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));
+    if (!devices) {
+        LogRecord(LOG_LEVEL_ERROR).Text(noDeviceSet);
+        return LOCATION_NO_DEVICE_SET;
+    }
+    SP_DEVINFO_DATA device = {};
+    device.cbSize = sizeof device;
+    if (!SetupDiOpenDeviceInfoW(devices.Get(), pnpDeviceId.c_str(), nullptr, 0, &device)) {
+        const DWORD lastError = GetLastError();
+        LogRecord(LOG_LEVEL_ERROR).Text(noDevice).Text(TEXT(" GetLastError = ")).ULong(lastError);
+        return LOCATION_NO_DEVICE;
+    }
+    DWORD lastError = ERROR_SUCCESS;
+    const DWORD step =
+        GetDeviceRegistryProperty(devices.Get(), device, SPDRP_LOCATION_INFORMATION, text, lastError);
+    devices.Reset();
+    if (step != 0) {
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(propertyFailed)
+            .ULong(step)
+            .Text(TEXT(" GetLastError = "))
+            .ULong(lastError);
+        return step;
+    }
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova CDiskDrive::GetLocationInformation End (0)"));
+    return 0;
+}
+
+DWORD CDiskDrive::GetDeviceRegistryProperty(HDEVINFO devices, SP_DEVINFO_DATA& device, DWORD property,
+                                            GlobalBuffer<WCHAR>& text, DWORD& lastError) {
+    text.Reset();
+    DWORD size = 0;
+    if (!SetupDiGetDeviceRegistryPropertyW(devices, &device, property, nullptr, nullptr, 0, &size)) {
+        lastError = GetLastError();
+        if (lastError == ERROR_INVALID_DATA) {
+            LogRecord(LOG_LEVEL_TRACE).Text(noSuchProperty);
+            return 0;
+        }
+        if (lastError != ERROR_INSUFFICIENT_BUFFER) {
+            LogRecord(LOG_LEVEL_ERROR).Text(sizeUnknown);
+            return PROPERTY_SIZE_UNKNOWN;
+        }
+    }
+    // One unit more: the text ends even when the registry's does not.
+    text.Reset(static_cast<WCHAR*>(GlobalAlloc(GMEM_ZEROINIT, size + sizeof(WCHAR))));
+    if (!text) {
+        lastError = GetLastError();
+        LogRecord(LOG_LEVEL_ERROR).Text(noMemory);
+        return PROPERTY_NO_MEMORY;
+    }
+    BYTE* const bytes = reinterpret_cast<BYTE*>(text.Get());
+    if (!SetupDiGetDeviceRegistryPropertyW(devices, &device, property, nullptr, bytes, size, nullptr)) {
+        lastError = GetLastError();
+        text.Reset();
+        LogRecord(LOG_LEVEL_ERROR).Text(notRead);
+        return PROPERTY_NOT_READ;
+    }
+    LogRecord(LOG_LEVEL_TRACE)
+        .Text(TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty End (0) lpProperty = "))
+        .Text(text.Get());
+    return 0;
+}

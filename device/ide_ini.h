@@ -1,0 +1,14 @@
+// IDE.INI, the site's word on controllers: sections of keys DeviceID1, DeviceID2, ... without gaps, each the
+// beginning of a controller's PNP device id.
+#pragma once
+
+#include "platform/windows_api.h"
+#include "text/wide_string.h"
+
+// Where IDE.INI is looked for: the folder of the host process's executable. Empty when that path cannot be
+// had whole in 260 units. Rests on GetModuleFileNameW.
+WideString IdeIniPath();
+
+// The number of the first key of the section whose value the controller id begins with, without regard to
+// case; 0 when none does. Reading ends at the first missing or empty key. Values count up to 259 units.
+int FindControllerKey(const WCHAR* section, const WideString& controllerId, const WideString& fileName);

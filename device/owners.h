@@ -1,0 +1,113 @@
+// Owners of what the platform lends: each releases it once, with the call that belongs to it.
+#pragma once
+
+#include <utility>
+
+#include "platform/windows_api.h"
+#include "text/wide_string.h"
+
+// Owns one resource, or none. `Resource` names its type, the value that means none, and its release.
+template <typename Resource>
+class Owner {
+  public:
+    using Type = typename Resource::Type;
+
+    Owner() = default;
+    explicit Owner(Type value) : value_(value) {}
+    ~Owner() { Reset(); }
+    Owner(Owner&& other) noexcept : value_(other.Detach()) {}
+    Owner& operator=(Owner&& other) noexcept {
+        if (this != &other) Reset(other.Detach());
+        return *this;
+    }
+    Owner(const Owner&) = delete;
+    Owner& operator=(const Owner&) = delete;
+
+    explicit operator bool() const { return value_ != Resource::None(); }
+    Type Get() const { return value_; }
+    Type operator->() const { return value_; }
+    // Where a call stores the resource that it hands out; what was owned is released first.
+    Type* Put() {
+        Reset();
+        return &value_;
+    }
+    // Gives the resource away.
+    Type Detach() { return std::exchange(value_, Resource::None()); }
+    // Releases what is owned and takes the other value.
+    void Reset(Type value = Resource::None()) {
+        const Type released = std::exchange(value_, value);
+        if (released != Resource::None()) Resource::Release(released);
+    }
+
+  private:
+    Type value_ = Resource::None();
+};
+
+template <typename Interface>
+struct ComReference {
+    using Type = Interface*;
+    static Type None() { return nullptr; }
+    static void Release(Type value) { value->Release(); }
+};
+
+template <typename Content>
+struct GlobalMemory {
+    using Type = Content*;
+    static Type None() { return nullptr; }
+    static void Release(Type value) { GlobalFree(value); }
+};
+
+struct SystemString {
+    using Type = BSTR;
+    static Type None() { return nullptr; }
+    static void Release(Type value) { SysFreeString(value); }
+};
+
+struct OpenFile {
+    using Type = HANDLE;
+    static Type None() { return INVALID_HANDLE_VALUE; }
+    static void Release(Type value) { CloseHandle(value); }
+};
+
+struct DeviceInfoList {
+    using Type = HDEVINFO;
+    static Type None() { return INVALID_HANDLE_VALUE; }
+    static void Release(Type value) { SetupDiDestroyDeviceInfoList(value); }
+};
+
+template <typename Interface>
+using ComPtr = Owner<ComReference<Interface>>;
+template <typename Content>
+using GlobalBuffer = Owner<GlobalMemory<Content>>;  // of GlobalAlloc, fixed memory
+using Bstr = Owner<SystemString>;
+using FileHandle = Owner<OpenFile>;
+using DeviceInfoSet = Owner<DeviceInfoList>;
+
+// The result of a call that hands out an interface: E_INVALIDARG for a success that came without one.
+inline HRESULT WithInterface(HRESULT result, const void* interfacePointer) {
+    return SUCCEEDED(result) && interfacePointer == nullptr ? E_INVALIDARG : result;
+}
+
+// A VARIANT that a call fills.
+class Variant {
+  public:
+    Variant() { VariantInit(&value_); }
+    ~Variant() { VariantClear(&value_); }
+    Variant(const Variant&) = delete;
+    Variant& operator=(const Variant&) = delete;
+
+    // Where a call stores its value; what was there is cleared first.
+    VARIANT* Put() {
+        VariantClear(&value_);
+        return &value_;
+    }
+    const VARIANT& Get() const { return value_; }
+    // The text of a string; every other value, VT_NULL above all, is the empty text.
+    WideString Text() const {
+        const bool isText = value_.vt == VT_BSTR && value_.bstrVal != nullptr;
+        return isText ? WideString(value_.bstrVal) : WideString();
+    }
+
+  private:
+    VARIANT value_;
+};

@@ -1,0 +1,135 @@
+// The enumerations of WMI: disks, and the links between controllers and devices.
+#include <initializer_list>
+
+#include "device/disk_drive.h"
+#include "diag/log_record.h"
+
+namespace {
+
+constexpr const WCHAR* diskEnumerationFailed =
+    TEXT("Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )");
+
+HRESULT OpenEnumeration(IWbemServices* services, const Bstr& className,
+                        ComPtr<IEnumWbemClassObject>& instances) {
+    const HRESULT result = services->CreateInstanceEnum(
+        className.Get(), WBEM_FLAG_RETURN_IMMEDIATELY | WBEM_FLAG_FORWARD_ONLY, nullptr, instances.Put());
+    return WithInterface(result, instances.Get());
+}
+
+// A property to read, and where its text goes: empty for VT_NULL.
+struct TextProperty {
+    const WCHAR* name;
+    WideString& text;
+};
+
+// Reads the properties of the next instance. Answers the status of the last call, at the end the positive
+// WBEM_S_FALSE; `complete` tells whether an instance came and every property was read.
+HRESULT ReadNext(IEnumWbemClassObject* instances, std::initializer_list<TextProperty> properties,
+                 bool& complete) {
+    complete = false;
+    ComPtr<IWbemClassObject> instance;
+    ULONG returned = 0;
+    HRESULT result = instances->Next(WBEM_INFINITE, 1, instance.Put(), &returned);
+    if (FAILED(result) || !instance) return result;
+    for (const TextProperty& property : properties) {
+        Variant value;
+        result = instance->Get(property.name, 0, value.Put(), nullptr, nullptr);
+        if (FAILED(result)) return result;
+        property.text = value.Text();
+    }
+    complete = true;
+    return result;
+}
+
+int InterfaceTypeOf(const WideString& name) {
+    static constexpr struct {
+        const WCHAR* name;
+        int type;
+    } types[] = {{TEXT("IDE"), INTERFACE_IDE},
+                 {TEXT("SCSI"), INTERFACE_SCSI},
+                 {TEXT("USB"), INTERFACE_USB},
+                 {TEXT("1394"), INTERFACE_1394}};
+    for (const auto& row : types) {
+        if (EqualIgnoringCase(name.c_str(), row.name)) return row.type;
+    }
+    return INTERFACE_OTHER;
+}
+
+// What WMI tells about a disk; everything else starts as unknown.
+void AddDisk(tagDiskDriveTable_t& table, const WideString& deviceId, const WideString& pnpDeviceId,
+             const WideString& interfaceType) {
+    const int row = table.nCount++;
+    table.strDeviceID[row] = deviceId;
+    table.strPNPDeviceID[row] = pnpDeviceId;
+    table.strControllerID[row].clear();
+    table.nInterfaceType[row] = InterfaceTypeOf(interfaceType);
+    table.nDriveNumber[row] = -1;
+    table.nLocation[row] = -1;
+    table.bScsiAddress[row] = FALSE;
+    table.PortNumber[row] = table.PathId[row] = table.TargetId[row] = table.Lun[row] = 255;
+    table.nBusType[row] = BUS_TYPE_UNKNOWN;
+    table.nTargetLocation[row] = -1;
+}
+
+}  // namespace
+
+HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t& table) {
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova CDiskDrive::Enum_DiskDrive Start"));
+    table.nCount = 0;
+    const Bstr className(SysAllocString(TEXT("Win32_DiskDrive")));
+    ComPtr<IEnumWbemClassObject> instances;
+    HRESULT result = OpenEnumeration(services, className, instances);
+    if (FAILED(result)) {
+        LogRecord(LOG_LEVEL_TRACE).Text(diskEnumerationFailed);
+        return result;
+    }
+    bool overflow = false;
+    bool complete = false;
+    do {
+        // Asked before the next disk is looked for: a table that is just full counts as one disk too many.
+        overflow = table.nCount == MAX_DISK_DRIVES;
+        if (overflow) break;
+        WideString deviceId;
+        WideString pnpDeviceId;
+        WideString interfaceType;
+        result = ReadNext(instances.Get(),
+                          {{TEXT("DeviceID"), deviceId},
+                           {TEXT("PNPDeviceID"), pnpDeviceId},
+                           {TEXT("InterfaceType"), interfaceType}},
+                          complete);
+        if (complete) AddDisk(table, deviceId, pnpDeviceId, interfaceType);
+    } while (complete && result == S_OK);
+    LogRecord(LOG_LEVEL_TRACE)
+        .Text(TEXT("Kestova CDiskDrive::Enum_DiskDrive End bOverBuffer = "))
+        .Int(overflow);
+    return overflow ? E_OUTOFMEMORY : result;
+}
+
+HRESULT CDiskDrive::Enum_ControllerDevice(IWbemServices* services, const WCHAR* associationClass,
+                                          tagControllerLinkTable_t& links) {
+    links.nCount = 0;
+    const Bstr className(SysAllocString(associationClass));
+    ComPtr<IEnumWbemClassObject> instances;
+    HRESULT result = OpenEnumeration(services, className, instances);
+    if (FAILED(result)) {
+        const DWORD lastError = GetLastError();
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(TEXT("Kestova CDiskDrive::Enum_ControllerDevice CreateInstanceEnum FAILED. hResult = "))
+            .Long(result)
+            .Text(TEXT("GetLastError = "))
+            .ULong(lastError);
+        return result;
+    }
+    bool complete = false;
+    do {
+        result = ReadNext(instances.Get(),
+                          {{TEXT("Antecedent"), links.Antecedent[links.nCount]},
+                           {TEXT("Dependent"), links.Dependent[links.nCount]}},
+                          complete);
+        if (complete) ++links.nCount;
+    } while (complete && result == S_OK && links.nCount < MAX_DISK_DRIVES);
+    LogRecord(LOG_LEVEL_TRACE)
+        .Text(TEXT("Kestova CDiskDrive::Enum_ControllerDevice End. hResult = "))
+        .Long(result);
+    return result;
+}
