@@ -1,0 +1,103 @@
+// The check, and repair, of the recovery partition's MBR ID.
+
+#include "manager/recovery_status.h"
+
+#include <gtest/gtest.h>
+
+#include "machine/model/machines.h"
+#include "platform/partition_types.h"
+#include "tests/manager/internals.h"
+#include "tests/support/application/application.h"
+#include "tests/support/transcript.h"
+
+namespace {
+
+using machine::FactoryMbr;
+
+int Check(Application& application) {
+    return (application.kestova.*Open(internals::CheckMBRRcvprtStatusTag()))(1);
+}
+
+// The recovery partition shown as an ordinary one, with the letter R.
+machine::Pc VisibleRecovery() {
+    machine::Pc facts = FactoryMbr();
+    PartitionOf(facts, 1).mbrType = MBR_ID_NTFS;
+    PartitionOf(facts, 1).volume->letters = "R";
+    return facts;
+}
+
+class ReadyType : public testing::TestWithParam<int> {};
+
+TEST_P(ReadyType, IsAcceptedWithoutALookAtLetterOrContents) {
+    machine::Pc facts = FactoryMbr();
+    PartitionOf(facts, 1).mbrType = static_cast<uint8_t>(GetParam());
+    PartitionOf(facts, 1).volume->files = {};
+    Application application(facts);
+    EXPECT_EQ(Check(application), RCVPRT_READY);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, GetParam());
+    ExpectTranscript(application.pc.journal, "manager/check_status_ready");
+}
+
+INSTANTIATE_TEST_SUITE_P(Ids, ReadyType, testing::Values(MBR_ID_OEM_RECOVERY, MBR_ID_HIDDEN_RECOVERY));
+
+TEST(CheckMBRRcvprtStatus, HidesAVisibleRecoveryPartition) {
+    Application application(VisibleRecovery());
+    EXPECT_EQ(Check(application), RCVPRT_READY);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_HIDDEN_RECOVERY);
+    EXPECT_NE(PartitionOf(application.pc.pc, 1).volume->files.Find("sources/Qelhdrcv.ini"), nullptr);
+    ExpectTranscript(application.pc.journal, "manager/check_status_hides");
+}
+
+TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionWithoutALetter) {
+    machine::Pc facts = VisibleRecovery();
+    PartitionOf(facts, 1).volume->letters = "";
+    Application application(facts);
+    EXPECT_EQ(Check(application), GETLETTER_FAILED);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_NTFS);
+    ExpectTranscript(application.pc.journal, "manager/check_status_no_letter");
+}
+
+TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionThatIsNoRecoveryMedia) {
+    machine::Pc facts = VisibleRecovery();
+    PartitionOf(facts, 1).volume->files.RemoveFile("sources/Qelhdrcv.ini");
+    Application application(facts);
+    EXPECT_EQ(Check(application), NO_RCVPRT);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_NTFS);
+    ExpectTranscript(application.pc.journal, "manager/check_status_no_media");
+}
+
+TEST(CheckMBRRcvprtStatus, TellsThatThePartitionCouldNotBeHidden) {
+    Application application(VisibleRecovery());
+    application.pc.faults.Arm({.call = "IVdsAdvancedDisk2::ChangePartitionType", .code = 0x80042413});
+    EXPECT_EQ(Check(application), CHANGEID_FAILED);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_NTFS);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "R");
+    ExpectTranscript(application.pc.journal, "manager/check_status_not_hidden");
+}
+
+TEST(CheckMBRRcvprtStatus, RefusesAnyOtherId) {
+    machine::Pc facts = FactoryMbr();
+    PartitionOf(facts, 1).mbrType = 0xDE;
+    Application application(facts);
+    EXPECT_EQ(Check(application), UNEXPECT_ID);
+    ExpectTranscript(application.pc.journal, "manager/check_status_unexpected_id");
+}
+
+TEST(CheckMBRRcvprtStatus, TellsThatTheIdCouldNotBeRead) {
+    Application application(machine::FactoryGpt());
+    EXPECT_EQ(Check(application), GETTYPE_FAILED);
+    ExpectTranscript(application.pc.journal, "manager/check_status_no_id");
+}
+
+TEST(CheckMBRRcvprtStatus, WithoutAVolumeLayerTellsThatTheIdCouldNotBeRead) {
+    Application application(FactoryMbr());
+    delete std::exchange(application.kestova.*Open(internals::VolumeLayerTag()), nullptr);
+    application.pc.journal.Clear();
+    EXPECT_EQ(Check(application), GETTYPE_FAILED);
+    EXPECT_EQ(Transcript(application.pc.journal),
+              "4 Kestova::CheckMBRRcvprtStatus\\t\\tStart. iPartitionNumber = {int 1}\n"
+              "1 Kestova::CheckMBRRcvprtStatus\\tGetPartitionType return FALSE\n"
+              "4 Kestova::CheckMBRRcvprtStatus\\t\\tEnd. iRet = {int 16}\n");
+}
+
+}  // namespace
