@@ -63,7 +63,7 @@ struct SystemString {
     static void Release(Type value) { SysFreeString(value); }
 };
 
-struct OpenFile {
+struct OpenedFile {
     using Type = HANDLE;
     static Type None() { return INVALID_HANDLE_VALUE; }
     static void Release(Type value) { CloseHandle(value); }
@@ -80,7 +80,7 @@ using ComPtr = Owner<ComReference<Interface>>;
 template <typename Content>
 using GlobalBuffer = Owner<GlobalMemory<Content>>;  // of GlobalAlloc, fixed memory
 using Bstr = Owner<SystemString>;
-using FileHandle = Owner<OpenFile>;
+using FileHandle = Owner<OpenedFile>;
 using DeviceInfoSet = Owner<DeviceInfoList>;
 
 // The result of a call that hands out an interface: E_INVALIDARG for a success that came without one.
@@ -104,8 +104,8 @@ class Variant {
     const VARIANT& Get() const { return value_; }
     // The text of a string; every other value, VT_NULL above all, is the empty text.
     WideString Text() const {
-        const bool isText = value_.vt == VT_BSTR && value_.bstrVal != nullptr;
-        return isText ? WideString(value_.bstrVal) : WideString();
+        const bool isText = V_VT(&value_) == VT_BSTR && V_BSTR(&value_) != nullptr;
+        return isText ? WideString(V_BSTR(&value_)) : WideString();
     }
 
   private:
