@@ -176,13 +176,6 @@ const Story stories[] = {
      6,
      {1},
      Record(2)},
-    {"set_p_one_active_file_missing",
-     &Kestova::SetPOneActive,
-     Factory(2),
-     {{.call = writeProfile, .code = 0}, {.call = "GetLogicalDriveStringsW", .nth = 99, .code = 0}},
-     4,
-     {2},
-     {}},
 
     // --- back to the system ---
     {"set_system_active", &Kestova::SetSystemActive, Factory(1, Record(3)), {}, 0, {3}, {}},
@@ -366,15 +359,22 @@ constexpr WithoutLayer withoutLayer[] = {
 INSTANTIATE_TEST_SUITE_P(Every, BootSwitchWithoutVolumeLayer, testing::ValuesIn(withoutLayer),
                          [](const auto& tested) { return tested.param.name; });
 
-// --- a letter that the platform reports and does not tell ---
+// --- how the platform tells that a partition has no letter yet ---
 
-TEST(SetRcvprtActive, WithoutATellableLetterCannotWriteTheRecord) {
-    // Assigned, but the letter read back is '0': the search succeeds with an empty path.
+class Letterless : public testing::TestWithParam<machine::Switches::Letterless> {};
+
+TEST_P(Letterless, IsLetteredHoweverThePlatformTellsIt) {
     machine::Pc facts = Factory(2);
-    facts.switches.letterless = machine::Switches::Letterless::Zero;
+    facts.switches.letterless = GetParam();
     Application application(facts);
     EXPECT_EQ(application.kestova.SetRcvprtActive(), 0);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "E");
     EXPECT_EQ(SystemVolumeIni(application.pc), Record(2));
 }
+
+INSTANTIATE_TEST_SUITE_P(Every, Letterless,
+                         testing::Values(machine::Switches::Letterless::Fails,
+                                         machine::Switches::Letterless::Nul,
+                                         machine::Switches::Letterless::Zero));
 
 }  // namespace

@@ -1,0 +1,94 @@
+#include <gtest/gtest.h>
+
+#include "logging/logging.h"
+
+namespace {
+
+class Collector : public ILogSink {
+  public:
+    void Write(const LogEntry& entry) override { entries.push_back(entry); }
+    std::vector<LogEntry> entries;
+};
+
+class LoggerTest : public testing::Test {
+  protected:
+    LoggerTest() { logger_.AddSink(sink_); }
+    ~LoggerTest() override { logger_.RemoveSink(sink_); }
+
+    ILogger& logger_ = CLoggingFactory::GetInstance();
+    Collector sink_;
+};
+
+TEST_F(LoggerTest, IsOneForTheProcess) {
+    EXPECT_EQ(&CLoggingFactory::GetInstance(), &logger_);
+}
+
+TEST_F(LoggerTest, RendersEachKindOfValue) {
+    logger_.BeginRecord(LOG_LEVEL_ERROR)
+        .AppendString(TEXT("formatted "))
+        .AppendText(TEXT("literal "))
+        .AppendLong(static_cast<LONG>(0x80070057))
+        .AppendText(TEXT(" "))
+        .AppendULong(0x80070057)
+        .AppendText(TEXT(" "))
+        .AppendInt(-1)
+        .AppendText(TEXT(" "))
+        .AppendChar(TEXT('C'))
+        .AppendText(TEXT(" "))
+        .AppendPointer(&sink_)
+        .AppendText(nullptr);
+    logger_.EndRecord();
+    ASSERT_EQ(sink_.entries.size(), 1U);
+    EXPECT_EQ(sink_.entries[0].level, LOG_LEVEL_ERROR);
+    EXPECT_EQ(sink_.entries[0].Text(), TEXT("formatted literal -2147024809 2147942487 -1 C <pointer>"));
+    const LogItemKind kinds[] = {LogItemKind::String, LogItemKind::Text,    LogItemKind::Long,
+                                 LogItemKind::Text,   LogItemKind::ULong,   LogItemKind::Text,
+                                 LogItemKind::Int,    LogItemKind::Text,    LogItemKind::Char,
+                                 LogItemKind::Text,   LogItemKind::Pointer, LogItemKind::Text};
+    ASSERT_EQ(sink_.entries[0].items.size(), std::size(kinds));
+    for (size_t at = 0; at < std::size(kinds); ++at)
+        EXPECT_EQ(sink_.entries[0].items[at].kind, kinds[at]) << at;
+}
+
+TEST_F(LoggerTest, FormattedMessageReadsAsTheSameLiteral) {
+    logger_.BeginRecord(LOG_LEVEL_TRACE).AppendString(TEXT("same"));
+    logger_.EndRecord();
+    logger_.BeginRecord(LOG_LEVEL_TRACE).AppendText(TEXT("same"));
+    logger_.EndRecord();
+    ASSERT_EQ(sink_.entries.size(), 2U);
+    EXPECT_EQ(sink_.entries[0].Text(), sink_.entries[1].Text());
+}
+
+TEST_F(LoggerTest, RecordTellsItsLevelAndWhetherItIsEmpty) {
+    ILogRecord& record = logger_.BeginRecord(LOG_LEVEL_TRACE);
+    EXPECT_EQ(record.GetLevel(), LOG_LEVEL_TRACE);
+    EXPECT_TRUE(record.IsEmpty());
+    EXPECT_FALSE(record.AppendText(TEXT("")).IsEmpty());
+    logger_.EndRecord();
+}
+
+TEST_F(LoggerTest, StartsEachRecordAfresh) {
+    logger_.BeginRecord(LOG_LEVEL_ERROR).AppendText(TEXT("first"));
+    logger_.EndRecord();
+    logger_.BeginRecord(LOG_LEVEL_TRACE).AppendText(TEXT("second"));
+    logger_.EndRecord();
+    ASSERT_EQ(sink_.entries.size(), 2U);
+    EXPECT_EQ(sink_.entries[1].Text(), TEXT("second"));
+    EXPECT_EQ(sink_.entries[1].level, LOG_LEVEL_TRACE);
+}
+
+TEST_F(LoggerTest, WritesToASinkAddedTwiceOnce) {
+    logger_.AddSink(sink_);
+    logger_.BeginRecord(LOG_LEVEL_TRACE);
+    logger_.EndRecord();
+    EXPECT_EQ(sink_.entries.size(), 1U);
+}
+
+TEST_F(LoggerTest, WritesNothingToARemovedSink) {
+    logger_.RemoveSink(sink_);
+    logger_.BeginRecord(LOG_LEVEL_TRACE);
+    logger_.EndRecord();
+    EXPECT_TRUE(sink_.entries.empty());
+}
+
+}  // namespace
