@@ -68,21 +68,6 @@ Partition GptPartition(uint32_t number, uint64_t offset, uint64_t size, const GU
     return partition;
 }
 
-// A SATA disk as its port driver, WMI and the Virtual Disk Service report it.
-Disk SataDisk(uint32_t number, uint64_t size, std::string model, const char* controller) {
-    const std::string digit = std::to_string(number);
-    Disk disk;
-    disk.number = number;
-    disk.vdsName = "\\\\?\\PhysicalDrive" + digit;
-    disk.size = size;
-    disk.wmi = WmiDisk{"\\\\.\\PHYSICALDRIVE" + digit,
-                       "IDE\\DISK" + model + "\\5&37E07111&0&" + digit + ".0.0", "IDE"};
-    disk.location = digit;
-    disk.scsiAddress = ScsiAddress{0, static_cast<uint8_t>(number), 0, 0};
-    disk.controllers = {controller};
-    return disk;
-}
-
 Disk FactoryMbrDisk() {
     Disk disk = SataDisk(0, 500 * GiB, "ST500LT012_________________________SD13____", sataController);
     disk.signature = 0xB2F6B2F6;
@@ -97,6 +82,30 @@ Disk FactoryMbrDisk() {
 }
 
 }  // namespace
+
+Disk SataDisk(uint32_t number, uint64_t size, const std::string& model, const std::string& controller) {
+    const std::string digit = std::to_string(number);
+    Disk disk;
+    disk.number = number;
+    disk.vdsName = "\\\\?\\PhysicalDrive" + digit;
+    disk.size = size;
+    disk.wmi = WmiDisk{"\\\\.\\PHYSICALDRIVE" + digit,
+                       "IDE\\DISK" + model + "\\5&37E07111&0&" + digit + ".0.0", "IDE"};
+    disk.location = digit;
+    disk.scsiAddress = ScsiAddress{0, static_cast<uint8_t>(number), 0, 0};
+    disk.controllers = {controller};
+    return disk;
+}
+
+Pc WindowsPePc() {
+    Pc pc;
+    pc.system.kind = SystemKind::WindowsPe;
+    pc.system.windowsDirectory = "X:\\Windows";
+    pc.system.startOptions = " FASTDETECT MININT";
+    pc.volumes = {MakeVolume("X", "Boot", {{"Windows/System32/Winload.exe", "MZ"}})};
+    pc.host.path = "X:\\Recovery\\Recovery.exe";
+    return pc;
+}
 
 Pc FactoryMbr() {
     Pc pc;
@@ -131,13 +140,8 @@ Pc FactoryGpt() {
 }
 
 Pc WinPeTwoDisks() {
-    Pc pc;
+    Pc pc = WindowsPePc();
     pc.name = "winpe-two-disks";
-    pc.system.kind = SystemKind::WindowsPe;
-    pc.system.windowsDirectory = "X:\\Windows";
-    pc.system.startOptions = " FASTDETECT MININT";
-    pc.volumes = {MakeVolume("X", "Boot", {{"Windows/System32/Winload.exe", "MZ"}})};
-    pc.host.path = "X:\\Recovery\\Recovery.exe";
     pc.host.files.PutFile("IDE.INI", std::string("[OrderIndex]\r\nDeviceID1=") + sataController + "\r\n");
     Disk internal = FactoryMbrDisk();
     internal.partitions[0].bootIndicator = 1;

@@ -21,6 +21,14 @@ Pc FactoryGpt();
 // cache disk; IDE.INI beside the host program prefers the controller of disk 0.
 Pc WinPeTwoDisks();
 
+// A PC that runs Windows PE from its RAM drive X:, and has no disks.
+Pc WindowsPePc();
+
+// A SATA disk as its port driver, WMI and the Virtual Disk Service report it, without partitions. `model` is
+// its name in the PNP device id, padded with underscores to 40 characters; `controller` the PNP device id of
+// what it hangs on.
+Disk SataDisk(uint32_t number, uint64_t size, const std::string& model, const std::string& controller);
+
 struct NamedMachine {
     std::string_view name;
     std::string_view summary;

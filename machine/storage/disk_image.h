@@ -2,22 +2,13 @@
 // disk.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "machine/model/pc.h"
+#include "machine/storage/image_access.h"
 
 namespace machine {
-
-// Overlay is a dry run: changes are kept in memory, and nothing reaches the file.
-enum class ImageAccess { Read, Write, Overlay };
-
-// A file that cannot be used as the disk it should be. what() reads "FILE: what is wrong[, where]".
-class ImageError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 // Opens the image that disk.image names, and fills in the disk's size, style, signature or GUID, its
 // partitions with their volumes and files, and where table changes go. Partitions described beforehand are

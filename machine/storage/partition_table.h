@@ -6,7 +6,9 @@
 namespace machine {
 
 // Both answer 0, or the platform's error code, and have changed nothing then: 19 when the medium is open for
-// reading only, 1117 when it cannot be written. The bytes are on the medium when they answer.
+// reading only, 87 when there is no such partition or it cannot have that value (a flag or an MBR type on a
+// GPT disk, type 0, to or from an extended partition), 1117 when the medium cannot be read or written. The
+// bytes are on the medium when they answer.
 class PartitionTable {
   public:
     virtual ~PartitionTable() = default;

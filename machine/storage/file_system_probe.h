@@ -1,0 +1,38 @@
+// Names the file system at a place of an image, and reads its label.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "machine/storage/image_file.h"
+
+struct blkid_struct_probe;
+
+namespace machine {
+
+struct FileSystem {
+    std::string
+        kind;  // as GetVolumeInformationW names it: "NTFS", "FAT32", "FAT", "exFAT", "ReFS", "BitLocker"
+    std::string label;  // UTF-8
+};
+
+class FileSystemProbe {
+  public:
+    explicit FileSystemProbe(const ImageFile& image);
+    ~FileSystemProbe();
+    FileSystemProbe(const FileSystemProbe&) = delete;
+    FileSystemProbe& operator=(const FileSystemProbe&) = delete;
+
+    // Nothing when Windows would not recognise what is there.
+    std::optional<FileSystem> Identify(uint64_t offset, uint64_t size);
+
+  private:
+    std::string Value(const char* name) const;
+
+    const ImageFile& image_;
+    blkid_struct_probe* probe_;
+};
+
+}  // namespace machine
