@@ -1,5 +1,6 @@
 // The table of all disks, gathered from WMI, device set-up and the disks themselves.
 #include <algorithm>
+#include <cstring>
 
 #include "device/controller_path.h"
 #include "device/disk_drive.h"
@@ -19,6 +20,14 @@ int ReadDriveNumber(const WideString& deviceId) {
     const WideString name = UpperCase(deviceId.substr(0, maxDeviceIdLength));
     ScanNumbers(name.c_str(), TEXT("\\\\.\\PHYSICALDRIVE%d"), {&number});
     return number;
+}
+
+// Read as a plain number: a driver may report a bus that the headers do not know yet.
+int BusTypeOf(const STORAGE_DEVICE_DESCRIPTOR& descriptor) {
+    int busType = 0;
+    static_assert(sizeof busType == sizeof descriptor.BusType);
+    std::memcpy(&busType, &descriptor.BusType, sizeof busType);
+    return busType;
 }
 
 }  // namespace
@@ -89,6 +98,6 @@ void CDiskDrive::ReadDevices(tagDiskDriveTable_t& table) {
         }
         GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
         if (QueryStorageProperty(table.strDeviceID[row], descriptor) == 0 && descriptor)
-            table.nBusType[row] = static_cast<int>(descriptor->BusType);
+            table.nBusType[row] = BusTypeOf(*descriptor.Get());
     }
 }
