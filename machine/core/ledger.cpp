@@ -18,18 +18,19 @@ void* Ledger::Lend(const std::string& allocator, const std::string& kind, size_t
     return address;
 }
 
-void Ledger::Return(const std::string& allocator, void* address) {
-    if (address == nullptr) return;
+bool Ledger::Return(const std::string& allocator, void* address) {
+    if (address == nullptr) return true;
     const auto block = blocks_.find(address);
     if (block == blocks_.end()) {
         Violation("memory freed with " + allocator + " that is not on loan");
-        return;
+        return false;
     }
     if (block->second.allocator != allocator) {
         Violation(block->second.kind + " freed with " + allocator + " instead of " + block->second.allocator);
     }
     GiveBack(block->second.kind);
     blocks_.erase(block);
+    return true;
 }
 
 std::map<std::string, int> Ledger::Outstanding() const {

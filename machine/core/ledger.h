@@ -20,7 +20,8 @@ class Ledger {
     // the family ("CoTaskMem", "GlobalAlloc", "BSTR"); `kind` is what the ledger shows.
     void* Lend(const std::string& allocator, const std::string& kind, size_t size);
     // Frees the block. A null address is fine; an unknown one, or one of another family, is a violation.
-    void Return(const std::string& allocator, void* address);
+    // False when the address is not on loan, so that nothing was freed.
+    bool Return(const std::string& allocator, void* address);
 
     // What is still on loan; kinds at zero are left out.
     std::map<std::string, int> Outstanding() const;

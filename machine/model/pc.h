@@ -184,6 +184,7 @@ struct Switches {
     Letterless letterless = Letterless::Fails;
     bool volumesRefuseLetterCalls = true;  // letter calls fail on a partition that carries a volume
     bool hidingRemovesVolume = true;       // an unrecognised type takes letters and label away
+    bool profilesSkipUtf8Mark = false;     // a UTF-8 mark does not spoil the first line of a profile
     bool operator==(const Switches&) const = default;
 };
 

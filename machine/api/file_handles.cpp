@@ -1,0 +1,23 @@
+#include "machine/api/file_handles.h"
+
+#include <algorithm>
+
+namespace machine {
+
+std::string NameOf(EmulatedPc& pc, const void* handle) {
+    const FileHandle* const file = FileHandles::Of(pc).Find(handle);
+    return file != nullptr ? file->name : "<not open>";
+}
+
+LocatedVolume DeviceOf(EmulatedPc& pc, const FileHandle& file) {
+    if (file.disk) return {nullptr, nullptr, FindDisk(pc.pc, *file.disk)};
+    return file.letter != '\0' ? FindLetter(pc.pc, file.letter) : LocatedVolume();
+}
+
+Disk* FindDisk(Pc& pc, uint32_t number) {
+    const auto found = std::find_if(pc.disks.begin(), pc.disks.end(),
+                                    [&](const Disk& disk) { return disk.number == number; });
+    return found != pc.disks.end() ? &*found : nullptr;
+}
+
+}  // namespace machine

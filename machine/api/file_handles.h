@@ -1,0 +1,31 @@
+// What the handles of CreateFileW stand for.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "machine/api/handle_table.h"
+#include "machine/core/letters.h"
+
+namespace machine {
+
+struct FileHandle {
+    static constexpr const char* kind = "file handle";
+    std::string name;              // as it was opened
+    char letter = '\0';            // of a volume
+    std::optional<uint32_t> disk;  // number of a physical disk; with no letter either, a file or folder
+};
+
+using FileHandles = HandleTable<FileHandle>;
+
+// The name under which the handle was opened, or "<not open>": for the journal.
+std::string NameOf(EmulatedPc& pc, const void* handle);
+
+// The volume or disk behind the handle as the PC is now: a physical disk has no volume and no partition. All
+// parts are null for a file, and for a device that has gone.
+LocatedVolume DeviceOf(EmulatedPc& pc, const FileHandle& file);
+
+// The disk of that number, or null.
+Disk* FindDisk(Pc& pc, uint32_t number);
+
+}  // namespace machine

@@ -1,0 +1,19 @@
+#include "machine/core/text_case.h"
+
+#include <algorithm>
+
+namespace machine {
+
+std::string Upper(std::string_view text) {
+    std::string upper(text);
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](char unit) {
+        return unit >= 'a' && unit <= 'z' ? static_cast<char>(unit - 'a' + 'A') : unit;
+    });
+    return upper;
+}
+
+bool SameName(std::string_view left, std::string_view right) {
+    return left.size() == right.size() && Upper(left) == Upper(right);
+}
+
+}  // namespace machine
