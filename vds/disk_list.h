@@ -1,0 +1,34 @@
+// The list of all disks, held for the time of one operation.
+#pragma once
+
+#include <cstdlib>
+#include <span>
+
+#include "vds/vds_ex.h"
+
+class DiskList {
+  public:
+    DiskList() = default;
+    ~DiskList() { std::free(disks_); }
+    DiskList(const DiskList&) = delete;
+    DiskList& operator=(const DiskList&) = delete;
+
+    // Fills the list, once. The code of CVDSEx::QueryDisks; on a failure the list stays empty, for the array
+    // that was handed out is freed already.
+    HRESULT Query(IVdsService* service) {
+        VDS_DISK_PROP* disks = nullptr;
+        LONG count = 0;
+        const HRESULT hResult = CVDSEx::QueryDisks(service, &disks, &count);
+        if (hResult == S_OK) {
+            disks_ = disks;
+            count_ = count;
+        }
+        return hResult;
+    }
+    LONG Count() const { return count_; }
+    std::span<const VDS_DISK_PROP> Disks() const { return {disks_, static_cast<size_t>(count_)}; }
+
+  private:
+    VDS_DISK_PROP* disks_ = nullptr;
+    LONG count_ = 0;
+};

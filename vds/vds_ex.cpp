@@ -1,0 +1,23 @@
+// Opening the connection to the service.
+#include "vds/vds_ex.h"
+
+#include "device/owners.h"
+
+HRESULT CVDSEx::InitializeSecurity() {
+    const HRESULT hResult = CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
+                                                 RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
+    return hResult == RPC_E_TOO_LATE ? S_OK : hResult;
+}
+
+HRESULT CVDSEx::GetVdsService(IVdsService** service) {
+    ComPtr<IVdsServiceLoader> loader;
+    HRESULT hResult = CoCreateInstance(CLSID_VdsLoader, nullptr, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader,
+                                       reinterpret_cast<void**>(loader.Put()));
+    hResult = WithInterface(hResult, loader.Get());
+    if (hResult != S_OK) return hResult;
+    hResult = WithInterface(loader->LoadService(nullptr, service), *service);
+    loader.Reset();
+    if (hResult != S_OK) return hResult;
+    hResult = (*service)->WaitForServiceReady();
+    return hResult == S_OK ? (*service)->IsServiceReady() : hResult;
+}
