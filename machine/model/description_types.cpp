@@ -1,0 +1,224 @@
+#include "machine/model/description_types.h"
+
+#include <algorithm>
+
+#include "machine/model/description_values.h"
+#include "machine/model/standard_disk.h"
+
+namespace machine::description {
+
+namespace {
+
+const Words<FirmwareKind> firmwareKinds = {{"bios", FirmwareKind::Bios}, {"uefi", FirmwareKind::Uefi}};
+const Words<SystemKind> systemKinds = {{"windows", SystemKind::Windows},
+                                       {"windows-pe", SystemKind::WindowsPe}};
+const Words<PartitionStyle> partitionStyles = {
+    {"unknown", PartitionStyle::Unknown}, {"mbr", PartitionStyle::Mbr}, {"gpt", PartitionStyle::Gpt}};
+const Words<DriveType> driveTypes = {{"unknown", DriveType::Unknown},     {"no-root", DriveType::NoRoot},
+                                     {"removable", DriveType::Removable}, {"fixed", DriveType::Fixed},
+                                     {"remote", DriveType::Remote},       {"optical", DriveType::Optical},
+                                     {"ram-disk", DriveType::RamDisk}};
+const Words<Switches::Letterless> letterlessAnswers = {{"fails", Switches::Letterless::Fails},
+                                                       {"nul", Switches::Letterless::Nul},
+                                                       {"zero", Switches::Letterless::Zero}};
+const Words<uint32_t> busTypes = {{"unknown", 0}, {"scsi", 1}, {"atapi", 2}, {"ata", 3},   {"firewire", 4},
+                                  {"usb", 7},     {"raid", 8}, {"sas", 10},  {"sata", 11}, {"nvme", 17}};
+const Words<uint32_t> deviceTypes = {{"cd-rom", 2}, {"disk", 7}, {"dvd", 0x33}};
+const Words<int> extentTypes = {{"unknown", 0}, {"free", 1}, {"data", 2}, {"oem", 3},
+                                {"esp", 4},     {"msr", 5},  {"ldm", 6},  {"unusable", 0x7FFF}};
+const Words<int> packStatuses = {{"unknown", 0}, {"online", 1}, {"offline", 4}};
+
+Codec<uint32_t> ErrorCode() {
+    return Number<uint32_t>(Notation::Code);
+}
+
+RecordType<Extent> ExtentType() {
+    return {{Required("disk", &Extent::disk, Number<uint32_t>()),
+             Required("offset", &Extent::offset, ByteCount()), Required("size", &Extent::size, ByteCount())}};
+}
+
+// The same record on a disk image, which tells some of the keys itself.
+template <typename Record>
+RecordType<Record> OnImage(RecordType<Record> type, std::vector<std::string> toldByImage) {
+    std::erase_if(type.fields, [&](const Field<Record>& field) {
+        return std::find(toldByImage.begin(), toldByImage.end(), field.key) != toldByImage.end();
+    });
+    type.toldByImage = std::move(toldByImage);
+    return type;
+}
+
+RecordType<Volume> VolumeType() {
+    return {{Optional("letters", &Volume::letters, Letters()),
+             Optional("fileSystem", &Volume::fileSystem, Text()),
+             Optional("label", &Volume::label, OrError(Text(), ErrorCode())),
+             Optional("driveType", &Volume::driveType, Word(driveTypes)),
+             Optional("furtherExtents", &Volume::furtherExtents, ListOf(RecordOf(ExtentType()))),
+             Optional("openError", &Volume::openError, ErrorCode()),
+             Optional("extentType", &Volume::extentType, OrNull(WordOrNumber(extentTypes))),
+             Optional("files", &Volume::files, Files())}};
+}
+
+RecordType<Volume> ImageVolumeType() {
+    return OnImage(VolumeType(), {"fileSystem", "label", "files"});
+}
+
+RecordType<Partition> PartitionType(const RecordType<Volume>& volumeType) {
+    return {{Required("number", &Partition::number, Number<uint32_t>()),
+             Required("offset", &Partition::offset, ByteCount()),
+             Required("size", &Partition::size, ByteCount()),
+             Optional("mbrType", &Partition::mbrType, Number<uint8_t>(Notation::Hex)),
+             Optional("bootIndicator", &Partition::bootIndicator, Number<uint8_t>()),
+             Optional("gptType", &Partition::gptType, GuidValue()),
+             Optional("gptId", &Partition::gptId, GuidValue()),
+             Optional("attributes", &Partition::attributes, Number<uint64_t>(Notation::Hex)),
+             Optional("name", &Partition::name, Text()),
+             Optional("volume", &Partition::volume, OrNull(RecordOf(volumeType)))}};
+}
+
+RecordType<Partition> ImagePartitionType() {
+    return OnImage(PartitionType(ImageVolumeType()),
+                   {"offset", "size", "mbrType", "bootIndicator", "gptType", "gptId", "attributes", "name"});
+}
+
+RecordType<ScsiAddress> ScsiAddressType() {
+    return {{Optional("port", &ScsiAddress::port, Number<uint8_t>()),
+             Optional("path", &ScsiAddress::path, Number<uint8_t>()),
+             Optional("target", &ScsiAddress::target, Number<uint8_t>()),
+             Optional("lun", &ScsiAddress::lun, Number<uint8_t>())}};
+}
+
+RecordType<WmiDisk> WmiDiskType() {
+    return {{Optional("deviceId", &WmiDisk::deviceId, OrNull(Text())),
+             Optional("pnpDeviceId", &WmiDisk::pnpDeviceId, OrNull(Text())),
+             Optional("interfaceType", &WmiDisk::interfaceType, OrNull(Text()))}};
+}
+
+Disk StandardDiskOf(const Disk& leading) {
+    return StandardDisk(leading.number, leading.busType);
+}
+
+// The number and the bus decide what is usual for the rest.
+RecordType<Disk> DiskType(const RecordType<Partition>& partitionType) {
+    return {
+        {Required("number", &Disk::number, Number<uint32_t>()),
+         Optional("busType", &Disk::busType, WordOrNumber(busTypes)), Optional("image", &Disk::image, Text()),
+         Optional("vdsName", &Disk::vdsName, OrNull(Text())),
+         Optional("deviceType", &Disk::deviceType, WordOrNumber(deviceTypes)),
+         Optional("size", &Disk::size, ByteCount()), Optional("style", &Disk::style, Word(partitionStyles)),
+         Optional("signature", &Disk::signature, Number<uint32_t>(Notation::Hex)),
+         Optional("guid", &Disk::guid, GuidValue()), Optional("pack", &Disk::pack, Text()),
+         Optional("unallocated", &Disk::unallocated, Flag()),
+         Optional("wmi", &Disk::wmi, OrNull(RecordOf(WmiDiskType()))),
+         Optional("location", &Disk::location, OrError(Text(), ErrorCode())),
+         Optional("scsiAddress", &Disk::scsiAddress, OrError(RecordOf(ScsiAddressType()), ErrorCode())),
+         Optional("storageBusType", &Disk::storageBusType, OrError(WordOrNumber(busTypes), ErrorCode())),
+         Optional("controllers", &Disk::controllers, ListOf(Text())),
+         Optional("partitions", &Disk::partitions, ListOf(RecordOf(partitionType)))},
+        2,
+        StandardDiskOf};
+}
+
+RecordType<Disk> DescribedDiskType() {
+    return DiskType(PartitionType(VolumeType()));
+}
+
+RecordType<Disk> ImageDiskType() {
+    return OnImage(DiskType(ImagePartitionType()), {"size", "style", "signature", "guid"});
+}
+
+// A disk is on an image when its description names one.
+Codec<Disk> DiskCodec() {
+    const RecordType<Disk> described = DescribedDiskType();
+    const RecordType<Disk> image = ImageDiskType();
+    return {[=](const Node& node, const Disk& standard) {
+                const bool onImage = node.Value().is_object() && node.Value().contains("image");
+                if (onImage && node.Key("image").Text().empty()) node.Key("image").Fail("must name a file");
+                return ReadRecord(onImage ? image : described, node, standard);
+            },
+            [=](const Disk& disk, const Disk& standard) {
+                return WriteRecord(disk.image.empty() ? described : image, disk, standard);
+            }};
+}
+
+RecordType<Pack> PackType() {
+    return {{Required("name", &Pack::name, Text()),
+             Optional("status", &Pack::status, WordOrNumber(packStatuses)),
+             Optional("dynamic", &Pack::dynamic, Flag())}};
+}
+
+RecordType<Firmware> FirmwareType() {
+    return {{Optional("kind", &Firmware::kind, Word(firmwareKinds)),
+             Optional("error", &Firmware::error, OrNull(ErrorCode()))}};
+}
+
+// Windows PE runs from its RAM drive.
+RunningSystem StandardSystem(const RunningSystem& leading) {
+    RunningSystem system;
+    system.kind = leading.kind;
+    if (system.kind == SystemKind::WindowsPe) {
+        system.windowsDirectory = "X:\\Windows";
+        system.startOptions = " FASTDETECT MININT";
+    }
+    return system;
+}
+
+RecordType<RunningSystem> SystemType() {
+    return {{Optional("kind", &RunningSystem::kind, Word(systemKinds)),
+             Optional("windowsDirectory", &RunningSystem::windowsDirectory, Text()),
+             Optional("startOptions", &RunningSystem::startOptions, OrNull(Text()))},
+            1,
+            StandardSystem};
+}
+
+RecordType<HostProgram> HostType() {
+    return {{Optional("path", &HostProgram::path, Text()), Optional("files", &HostProgram::files, Files())}};
+}
+
+RecordType<Switches> SwitchesType() {
+    return {{Optional("activeFlagIsExclusive", &Switches::activeFlagIsExclusive, Flag()),
+             Optional("letterless", &Switches::letterless, Word(letterlessAnswers)),
+             Optional("volumesRefuseLetterCalls", &Switches::volumesRefuseLetterCalls, Flag()),
+             Optional("hidingRemovesVolume", &Switches::hidingRemovesVolume, Flag())}};
+}
+
+RecordType<FaultRule> FaultType() {
+    return {{Required("call", &FaultRule::call, Text()), Optional("nth", &FaultRule::nth, Number<uint32_t>()),
+             Optional("onwards", &FaultRule::onwards, Flag()),
+             Optional("afterEffect", &FaultRule::afterEffect, Flag()),
+             Required("code", &FaultRule::code, ErrorCode())}};
+}
+
+}  // namespace
+
+RecordType<Pc> PcType() {
+    return {{Optional("name", &Pc::name, Text()),
+             Optional("firmware", &Pc::firmware, RecordOf(FirmwareType())),
+             Optional("system", &Pc::system, RecordOf(SystemType())),
+             Optional("host", &Pc::host, RecordOf(HostType())),
+             Optional("packs", &Pc::packs, ListOf(RecordOf(PackType()))),
+             Optional("disks", &Pc::disks, ListOf(DiskCodec())),
+             Optional("wmiOrder", &Pc::wmiOrder, ListOf(Number<uint32_t>())),
+             Optional("volumes", &Pc::volumes, ListOf(RecordOf(VolumeType()))),
+             Optional("registry", &Pc::registry, Registry()),
+             Optional("offlineSystemHive", &Pc::offlineSystemHive, Registry()),
+             Optional("switches", &Pc::switches, RecordOf(SwitchesType())),
+             Optional("faults", &Pc::faults, ListOf(RecordOf(FaultType())))}};
+}
+
+std::vector<KeysOfObject> AllKeys() {
+    return {{"PC", PcType().Keys()},
+            {"firmware", FirmwareType().Keys()},
+            {"system", SystemType().Keys()},
+            {"host", HostType().Keys()},
+            {"pack", PackType().Keys()},
+            {"disk", DescribedDiskType().Keys()},
+            {"wmi", WmiDiskType().Keys()},
+            {"scsiAddress", ScsiAddressType().Keys()},
+            {"partition", PartitionType(VolumeType()).Keys()},
+            {"volume", VolumeType().Keys()},
+            {"extent", ExtentType().Keys()},
+            {"switches", SwitchesType().Keys()},
+            {"fault", FaultType().Keys()}};
+}
+
+}  // namespace machine::description
