@@ -16,7 +16,7 @@
 #include <winioctl.h>
 
 #ifndef _WIN32
-// Records of the partition controls that the Wine headers lack; the layout is that of winioctl.h.
+// What the Wine headers lack: records of the partition controls, laid out as in winioctl.h, and a call.
 
 typedef enum _PARTITION_STYLE {
     PARTITION_STYLE_MBR,
@@ -70,6 +70,8 @@ typedef struct _DRIVE_LAYOUT_INFORMATION_EX {
     };
     PARTITION_INFORMATION_EX PartitionEntry[1];
 } DRIVE_LAYOUT_INFORMATION_EX;
+
+extern "C" DWORD WINAPI GetFirmwareEnvironmentVariableW(LPCWSTR name, LPCWSTR guid, PVOID buffer, DWORD size);
 #endif
 
 static_assert(sizeof(WCHAR) == 2);
