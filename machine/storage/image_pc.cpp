@@ -2,6 +2,7 @@
 #include "machine/api/vds_extent_type.h"
 #include "machine/model/machines.h"
 #include "machine/storage/disk_image.h"
+#include "platform/partition_types.h"
 
 namespace machine {
 

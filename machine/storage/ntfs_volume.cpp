@@ -263,7 +263,7 @@ uint32_t WriteContent(ntfs_inode& inode, std::string_view content) {
         done += written;
     }
     if (ntfs_attr_pclose(data.get()) != 0) return PlatformError(errno);
-    ntfs_inode_update_times(&inode, NTFS_UPDATE_MCTIME);
+    ntfs_inode_update_times(&inode, static_cast<ntfs_time_update_flags>(NTFS_UPDATE_MCTIME));
     return 0;
 }
 
