@@ -7,9 +7,6 @@
 
 namespace {
 
-constexpr const WCHAR* diskTableFailed =
-    TEXT("Kestova CDiskDrive::GetFirstInternalDriveNumber GetDiskDrive hResult failed. hResult = ");
-
 bool IsEligible(const tagDiskDriveTable_t& table, int row) {
     const int interfaceType = table.nInterfaceType[row];
     const int busType = table.nBusType[row];
@@ -99,7 +96,10 @@ BOOL CDiskDrive::GetFirstInternalDriveNumber(int& driveNumber, int skippedDrive,
     tagDiskDriveTable_t table;
     const HRESULT result = GetDiskDrive(table);
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_ERROR).Text(diskTableFailed).Long(result);
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(TEXT(
+                "Kestova CDiskDrive::GetFirstInternalDriveNumber GetDiskDrive hResult failed. hResult = "))
+            .Long(result);
         return FALSE;
     }
     const bool hasScsi = AnyEligible(table, [&](int row) { return table.bScsiAddress[row] == TRUE; });

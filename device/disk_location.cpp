@@ -6,17 +6,6 @@
 
 namespace {
 
-// The records that are wider than a line.
-// clang-format off
-constexpr const WCHAR* noDeviceSet = TEXT("Kestova CDiskDrive::GetLocationInformation SetupDiCreateDeviceInfoList hDevInfo == INVALID_HANDLE_VALUE (1)");
-constexpr const WCHAR* noDevice = TEXT("Kestova CDiskDrive::GetLocationInformation SetupDiOpenDeviceInfo bReturn == FALSE (2)");
-constexpr const WCHAR* propertyFailed = TEXT("Kestova CDiskDrive::GetLocationInformation GetDeviceRegistryProperty dwReturn != 0. dwReturn = ");
-constexpr const WCHAR* noSuchProperty = TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty GetLastError == ERROR_INVALID_DATA. (0)");
-constexpr const WCHAR* sizeUnknown = TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty GetLastError != ERROR_INVALID_DATA. (1)");
-constexpr const WCHAR* noMemory = TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty lpProperty == NULL (2)");
-constexpr const WCHAR* notRead = TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty return FALSE. (3)");
-// clang-format on
-
 // On this bus number the target tells the disks apart.
 constexpr int targetBus = 6;
 
@@ -37,14 +26,20 @@ DWORD CDiskDrive::GetLocationInformation(const WideString& pnpDeviceId, GlobalBu
     text.Reset();
     DeviceInfoSet devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));
     if (!devices) {
-        LogRecord(LOG_LEVEL_ERROR).Text(noDeviceSet);
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(TEXT(
+                "Kestova CDiskDrive::GetLocationInformation SetupDiCreateDeviceInfoList hDevInfo == INVALID_HANDLE_VALUE (1)"));
         return LOCATION_NO_DEVICE_SET;
     }
     SP_DEVINFO_DATA device = {};
     device.cbSize = sizeof device;
     if (!SetupDiOpenDeviceInfoW(devices.Get(), pnpDeviceId.c_str(), nullptr, 0, &device)) {
         const DWORD lastError = GetLastError();
-        LogRecord(LOG_LEVEL_ERROR).Text(noDevice).Text(TEXT(" GetLastError = ")).ULong(lastError);
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(
+                TEXT("Kestova CDiskDrive::GetLocationInformation SetupDiOpenDeviceInfo bReturn == FALSE (2)"))
+            .Text(TEXT(" GetLastError = "))
+            .ULong(lastError);
         return LOCATION_NO_DEVICE;
     }
     DWORD lastError = ERROR_SUCCESS;
@@ -53,7 +48,8 @@ DWORD CDiskDrive::GetLocationInformation(const WideString& pnpDeviceId, GlobalBu
     devices.Reset();
     if (step != 0) {
         LogRecord(LOG_LEVEL_ERROR)
-            .Text(propertyFailed)
+            .Text(TEXT(
+                "Kestova CDiskDrive::GetLocationInformation GetDeviceRegistryProperty dwReturn != 0. dwReturn = "))
             .ULong(step)
             .Text(TEXT(" GetLastError = "))
             .ULong(lastError);
@@ -70,11 +66,15 @@ DWORD CDiskDrive::GetDeviceRegistryProperty(HDEVINFO devices, SP_DEVINFO_DATA& d
     if (!SetupDiGetDeviceRegistryPropertyW(devices, &device, property, nullptr, nullptr, 0, &size)) {
         lastError = GetLastError();
         if (lastError == ERROR_INVALID_DATA) {
-            LogRecord(LOG_LEVEL_TRACE).Text(noSuchProperty);
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT(
+                    "Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty GetLastError == ERROR_INVALID_DATA. (0)"));
             return 0;
         }
         if (lastError != ERROR_INSUFFICIENT_BUFFER) {
-            LogRecord(LOG_LEVEL_ERROR).Text(sizeUnknown);
+            LogRecord(LOG_LEVEL_ERROR)
+                .Text(TEXT(
+                    "Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty GetLastError != ERROR_INVALID_DATA. (1)"));
             return PROPERTY_SIZE_UNKNOWN;
         }
     }
@@ -82,14 +82,17 @@ DWORD CDiskDrive::GetDeviceRegistryProperty(HDEVINFO devices, SP_DEVINFO_DATA& d
     text.Reset(static_cast<WCHAR*>(GlobalAlloc(GMEM_ZEROINIT, size + sizeof(WCHAR))));
     if (!text) {
         lastError = GetLastError();
-        LogRecord(LOG_LEVEL_ERROR).Text(noMemory);
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty lpProperty == NULL (2)"));
         return PROPERTY_NO_MEMORY;
     }
     BYTE* const bytes = reinterpret_cast<BYTE*>(text.Get());
     if (!SetupDiGetDeviceRegistryPropertyW(devices, &device, property, nullptr, bytes, size, nullptr)) {
         lastError = GetLastError();
         text.Reset();
-        LogRecord(LOG_LEVEL_ERROR).Text(notRead);
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(TEXT(
+                "Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty return FALSE. (3)"));
         return PROPERTY_NOT_READ;
     }
     LogRecord(LOG_LEVEL_TRACE)

@@ -5,9 +5,6 @@
 
 namespace {
 
-constexpr const WCHAR* oneListIsNull =
-    TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pstrArrParameters or pvtArrArguments is NULL");
-
 // Records the failure of the call that was made last and hands its code on.
 HRESULT Failed(const WCHAR* message, HRESULT result) {
     const DWORD lastError = GetLastError();
@@ -104,7 +101,9 @@ HRESULT CWMIEx::ExecMethod(IWbemServices* services, const WideString& className,
         return E_INVALIDARG;
     }
     if ((names == nullptr) != (arguments == nullptr)) {
-        LogRecord(LOG_LEVEL_ERROR).Text(oneListIsNull);
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(TEXT(
+                "Kestova CWMIEx::ExecMethod CoSetProxyBlanket pstrArrParameters or pvtArrArguments is NULL"));
         return E_INVALIDARG;
     }
     MethodSignature signature;

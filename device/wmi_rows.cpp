@@ -6,9 +6,6 @@
 
 namespace {
 
-constexpr const WCHAR* diskEnumerationFailed =
-    TEXT("Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )");
-
 HRESULT OpenEnumeration(IWbemServices* services, const Bstr& className,
                         ComPtr<IEnumWbemClassObject>& instances) {
     const HRESULT result = services->CreateInstanceEnum(
@@ -80,7 +77,9 @@ HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t&
     ComPtr<IEnumWbemClassObject> instances;
     HRESULT result = OpenEnumeration(services, className, instances);
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE).Text(diskEnumerationFailed);
+        LogRecord(LOG_LEVEL_TRACE)
+            .Text(TEXT(
+                "Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )"));
         return result;
     }
     bool overflow = false;

@@ -4,7 +4,7 @@
 #include <ostream>
 
 #include "device/disk_drive.h"
-#include "machine/model/machines.h"
+#include "tests/device/hosted_pc.h"
 #include "tests/support/transcript.h"
 
 namespace {
@@ -117,10 +117,7 @@ const Case cases[] = {
     {"EqualAddressesKeepTheFirst", Scsi(0, 1, 1, 1), Scsi(5, 1, 1, 1), false},
     {"EqualAddressesDoNotAskTheNumber", Scsi(0, 1, 1, 1, 0), Scsi(0, 1, 1, 1, 1), false, false, false},
     {"AddressesAreUnsigned", Scsi(0, 200, 0, 0), Scsi(0, 100, 0, 0), false},
-    {"AddressesCountWhenOneLocationIsKnown",
-     {.location = 5, .scsi = {0, 0, 0, 0}},
-     Scsi(0, 0, 1, 0),
-     true},
+    {"AddressesCountWhenOneLocationIsKnown", {.location = 5, .scsi = {0, 0, 0, 0}}, Scsi(0, 0, 1, 0), true},
     // neither
     {"SmallerNumberWinsWithoutAnyOtherFact", Number(1), Number(2), true, false, false},
     {"LargerNumberLoses", Number(2), Number(1), false, false, false},
@@ -135,7 +132,7 @@ const Case cases[] = {
 class Compare : public testing::TestWithParam<Case> {};
 
 TEST_P(Compare, DecisionTable) {
-    const machine::EmulatedPc pc(machine::FactoryMbr());
+    const HostedPc pc(machine::FactoryMbr());
     tagDiskDriveTable_t table;
     table.nCount = 2;
     Put(table, 0, GetParam().best);
@@ -143,9 +140,9 @@ TEST_P(Compare, DecisionTable) {
     int best = 0;
     CDiskDrive().Compare(table, 1, best, GetParam().hasScsi, GetParam().hasLocation);
     EXPECT_EQ(best, GetParam().candidateWins ? 1 : 0);
-    EXPECT_EQ(Transcript(pc.journal), "4 Kestova CDiskDrive::Compare End. nTarget = {int " +
-                                          std::to_string(best) + "}\n");
+    EXPECT_EQ(Transcript(pc.emulated.journal),
+              "4 Kestova CDiskDrive::Compare End. nTarget = {int " + std::to_string(best) + "}\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Compare, testing::ValuesIn(cases),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });

@@ -22,9 +22,10 @@ TEST(ExtractPathValue, EmptyStaysEmpty) {
 }
 
 TEST(ExtractPathValue, KeyOfAnObjectPath) {
-    EXPECT_EQ(ExtractPathValue(TEXT("\\\\PC1\\root\\cimv2:Win32_IDEController.DeviceID=\"PCI\\\\VEN_8086&DEV_7111"
-                                    "\\\\3&18D45AA6&0&39\"")),
-              TEXT("PCI\\VEN_8086&DEV_7111\\3&18D45AA6&0&39"));
+    EXPECT_EQ(
+        ExtractPathValue(TEXT("\\\\PC1\\root\\cimv2:Win32_IDEController.DeviceID=\"PCI\\\\VEN_8086&DEV_7111"
+                              "\\\\3&18D45AA6&0&39\"")),
+        TEXT("PCI\\VEN_8086&DEV_7111\\3&18D45AA6&0&39"));
 }
 
 TEST(ExtractPathValue, WithoutEqualsTheWholeCleanedText) {
@@ -47,16 +48,19 @@ TEST(ExtractPathValue, BackslashesAreHalvedPairByPair) {
 
 TEST(FindTopController, NoLinkNamesTheDevice) {
     EXPECT_EQ(FindTopController(TEXT("DISK"), Links({})), TEXT(""));
-    EXPECT_EQ(FindTopController(TEXT("DISK"), Links({{TEXT("C.ID=\"PCI\""), TEXT("D.ID=\"CDROM\"")}})), TEXT(""));
+    EXPECT_EQ(FindTopController(TEXT("DISK"), Links({{TEXT("C.ID=\"PCI\""), TEXT("D.ID=\"CDROM\"")}})),
+              TEXT(""));
 }
 
 TEST(FindTopController, OneStep) {
-    EXPECT_EQ(FindTopController(TEXT("IDE\\DISK"), Links({{TEXT("C.ID=\"PCI\\\\A\""), TEXT("D.ID=\"IDE\\\\DISK\"")}})),
+    EXPECT_EQ(FindTopController(TEXT("IDE\\DISK"),
+                                Links({{TEXT("C.ID=\"PCI\\\\A\""), TEXT("D.ID=\"IDE\\\\DISK\"")}})),
               TEXT("PCI\\A"));
 }
 
 TEST(FindTopController, CaseDoesNotCount) {
-    EXPECT_EQ(FindTopController(TEXT("ide\\disk"), Links({{TEXT("C.ID=\"PCI\\\\a\""), TEXT("D.ID=\"IDE\\\\DISK\"")}})),
+    EXPECT_EQ(FindTopController(TEXT("ide\\disk"),
+                                Links({{TEXT("C.ID=\"PCI\\\\a\""), TEXT("D.ID=\"IDE\\\\DISK\"")}})),
               TEXT("PCI\\a"));
 }
 
@@ -67,8 +71,8 @@ TEST(FindTopController, ClimbsToTheTop) {
 }
 
 TEST(FindTopController, FirstLinkOfADeviceCounts) {
-    const auto links = Links({{TEXT("C.ID=\"FIRST\""), TEXT("D.ID=\"DISK\"")},
-                              {TEXT("C.ID=\"SECOND\""), TEXT("D.ID=\"DISK\"")}});
+    const auto links = Links(
+        {{TEXT("C.ID=\"FIRST\""), TEXT("D.ID=\"DISK\"")}, {TEXT("C.ID=\"SECOND\""), TEXT("D.ID=\"DISK\"")}});
     EXPECT_EQ(FindTopController(TEXT("DISK"), links), TEXT("FIRST"));
 }
 

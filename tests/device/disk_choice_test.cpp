@@ -1,0 +1,254 @@
+// Which disk is the first internal one.
+#include <gtest/gtest.h>
+
+#include "device/disk_drive.h"
+#include "tests/device/hosted_pc.h"
+#include "tests/support/transcript.h"
+
+namespace {
+
+struct Choice {
+    BOOL found = FALSE;
+    int number = 99;
+    int marker = 99;
+    bool operator==(const Choice&) const = default;
+};
+
+void PrintTo(const Choice& choice, std::ostream* out) {
+    *out << "{found " << choice.found << ", number " << choice.number << ", marker " << choice.marker << "}";
+}
+
+Choice Choose(const HostedPc&, int skippedDrive = -1) {
+    Choice choice;
+    choice.found = CDiskDrive().GetFirstInternalDriveNumber(choice.number, skippedDrive, choice.marker);
+    return choice;
+}
+
+// A disk at a location, on a controller of a few letters.
+machine::Disk DiskOn(uint32_t number, const char* controller, int location) {
+    machine::Disk disk = BareDisk(number);
+    disk.controllers = {controller};
+    disk.location = std::to_string(location);
+    return disk;
+}
+
+machine::Pc Ordered(std::vector<machine::Disk> disks, std::string ini) {
+    machine::Pc pc = PcWithDisks(std::move(disks));
+    pc.host.files.PutFile("IDE.INI", std::move(ini));
+    return pc;
+}
+
+constexpr const char* orderAThenB = "[OrderIndex]\r\nDeviceID1=A\r\nDeviceID2=B\r\n";
+
+}  // namespace
+
+TEST(GetFirstInternalDriveNumber, OneDisk) {
+    const HostedPc pc(PcWithDisks({DiskOn(0, "A", 0)}));
+    EXPECT_EQ(Choose(pc), (Choice{TRUE, 0, 0}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_one_disk");
+}
+
+TEST(GetFirstInternalDriveNumber, WithoutExclusionNothingIsSkipped) {
+    const HostedPc pc(PcWithDisks({DiskOn(0, "A", 0)}));
+    int number = 99;
+    int marker = 99;
+    EXPECT_EQ(CDiskDrive().GetFirstInternalDriveNumber(number, marker), TRUE);
+    EXPECT_EQ(number, 0);
+    EXPECT_EQ(marker, 0);
+    ExpectTranscript(pc.emulated.journal, "device/choice_one_disk");
+}
+
+TEST(GetFirstInternalDriveNumber, WinPeWithIdeIni) {
+    const HostedPc pc(machine::WinPeTwoDisks());
+    EXPECT_EQ(Choose(pc), (Choice{TRUE, 0, 0}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_winpe_two_disks");
+}
+
+TEST(GetFirstInternalDriveNumber, SecondChoiceOfWinPe) {
+    const HostedPc pc(machine::WinPeTwoDisks());
+    EXPECT_EQ(Choose(pc, 0), (Choice{TRUE, 1, 0}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_winpe_second");
+}
+
+TEST(GetFirstInternalDriveNumber, NoDisk) {
+    const HostedPc pc(PcWithDisks({}));
+    EXPECT_EQ(Choose(pc), (Choice{FALSE, -1, 99}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_no_disk");
+}
+
+TEST(GetFirstInternalDriveNumber, TableThatFails) {
+    HostedPc pc(PcWithDisks({DiskOn(0, "A", 0)}));
+    pc.Fail("IWbemLocator::ConnectServer", 0x8004100E);
+    EXPECT_EQ(Choose(pc), (Choice{FALSE, -1, 99}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_no_wmi");
+}
+
+TEST(GetFirstInternalDriveNumber, SixtyThreeDisksSucceedSixtyFourDoNot) {
+    std::vector<machine::Disk> disks;
+    for (uint32_t number = 0; number < 63; ++number)
+        disks.push_back(BareDisk(number));
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks(disks))), (Choice{TRUE, 0, -1}));
+    disks.push_back(BareDisk(63));
+    const HostedPc pc(PcWithDisks(disks));
+    EXPECT_EQ(Choose(pc), (Choice{FALSE, -1, 99}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_64_disks");
+}
+
+TEST(GetFirstInternalDriveNumber, OnlyAtaRaidAndSataAreInternal) {
+    for (uint32_t bus = 0; bus <= 127; ++bus) {
+        machine::Disk disk = DiskOn(0, "A", 0);
+        disk.storageBusType = bus;
+        const bool internal = bus == 3 || bus == 8 || bus == 11;
+        EXPECT_EQ(Choose(HostedPc(PcWithDisks({disk}))),
+                  (internal ? Choice{TRUE, 0, 0} : Choice{FALSE, -1, 99}))
+            << "bus " << bus;
+    }
+}
+
+TEST(GetFirstInternalDriveNumber, OnlyIdeAndScsiAreInternal) {
+    for (const char* kind : {"IDE", "SCSI", "USB", "1394", "HDC"}) {
+        machine::Disk disk = DiskOn(0, "A", 0);
+        disk.wmi->interfaceType = kind;
+        const bool internal = std::string(kind) == "IDE" || std::string(kind) == "SCSI";
+        EXPECT_EQ(Choose(HostedPc(PcWithDisks({disk}))),
+                  (internal ? Choice{TRUE, 0, 0} : Choice{FALSE, -1, 99}))
+            << kind;
+    }
+}
+
+TEST(GetFirstInternalDriveNumber, DiskWhoseBusStaysUnknownIsNeverChosen) {
+    machine::Disk disk = DiskOn(0, "A", 0);
+    disk.storageBusType = machine::Fact<uint32_t>::Fails(ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({disk}))), (Choice{FALSE, -1, 99}));
+}
+
+TEST(GetFirstInternalDriveNumber, SmallestLocationWins) {
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({DiskOn(0, "A", 2), DiskOn(1, "A", 0), DiskOn(2, "A", 1)}))),
+              (Choice{TRUE, 1, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, LowestNumberWhenNoDiskTellsAnything) {
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({BareDisk(3), BareDisk(1), BareDisk(2)}))), (Choice{TRUE, 1, -1}));
+}
+
+// A fact of any eligible disk takes the number's say away; the first seen stays.
+TEST(GetFirstInternalDriveNumber, FirstSeenWhenOneDiskTellsSomething) {
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({BareDisk(3), BareDisk(1), DiskOn(2, "A", 0)}))),
+              (Choice{TRUE, 3, -1}));
+    machine::Disk addressed = BareDisk(2);
+    addressed.scsiAddress = machine::ScsiAddress{};
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({BareDisk(3), BareDisk(1), addressed}))), (Choice{TRUE, 3, -1}));
+}
+
+TEST(GetFirstInternalDriveNumber, WhatExternalDisksTellDoesNotCount) {
+    machine::Disk usb = DiskOn(2, "A", 0);
+    usb.wmi->interfaceType = "USB";
+    usb.scsiAddress = machine::ScsiAddress{};
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({usb, BareDisk(3), BareDisk(1)}))), (Choice{TRUE, 1, -1}));
+}
+
+TEST(GetFirstInternalDriveNumber, MarkerOfTheChosenDisk) {
+    machine::Disk target = BareDisk(0);
+    target.location = std::string("Bus Number 6, Target Id 2, LUN 0");
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({target}))), (Choice{TRUE, 0, 1}));
+}
+
+TEST(GetFirstInternalDriveNumber, ExcludedControllerIsPassedOver) {
+    const HostedPc pc(Ordered({DiskOn(0, "A", 0), DiskOn(1, "B", 1)}, "[Exclude]\r\nDeviceID1=A\r\n"));
+    EXPECT_EQ(Choose(pc), (Choice{TRUE, 1, 0}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_excluded");
+}
+
+TEST(GetFirstInternalDriveNumber, EverythingExcluded) {
+    const HostedPc pc(Ordered({DiskOn(0, "A", 0)}, "[Exclude]\r\nDeviceID1=A\r\n"));
+    EXPECT_EQ(Choose(pc), (Choice{FALSE, -1, 99}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_everything_excluded");
+}
+
+TEST(GetFirstInternalDriveNumber, ExcludeKeysBehindAGapAreNotRead) {
+    const char* const ini = "[Exclude]\r\nDeviceID1=X\r\nDeviceID3=A\r\n";
+    EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 0)}, ini))), (Choice{TRUE, 0, 0}));
+}
+
+// The records at the end show the last answers of the two checks, whatever disk they were about.
+TEST(GetFirstInternalDriveNumber, LastExcludedIsWhatTheEndShows) {
+    const HostedPc pc(Ordered({DiskOn(0, "A", 0), DiskOn(1, "B", 1)},
+                              "[Exclude]\r\nDeviceID1=B\r\n[OrderIndex]\r\nDeviceID1=A\r\n"));
+    EXPECT_EQ(Choose(pc), (Choice{TRUE, 0, 0}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_last_excluded");
+}
+
+TEST(GetFirstInternalDriveNumber, ListedDiskReplacesAnUnlistedOne) {
+    const HostedPc pc(Ordered({DiskOn(0, "C", 0), DiskOn(1, "B", 5)}, orderAThenB));
+    EXPECT_EQ(Choose(pc), (Choice{TRUE, 1, 0}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_listed");
+}
+
+TEST(GetFirstInternalDriveNumber, UnlistedDiskDoesNotReplaceAListedOne) {
+    EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "B", 5), DiskOn(1, "C", 0)}, orderAThenB))),
+              (Choice{TRUE, 0, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, SmallerOrderWins) {
+    EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "B", 0), DiskOn(1, "A", 5)}, orderAThenB))),
+              (Choice{TRUE, 1, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, LargerOrderLoses) {
+    EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 5), DiskOn(1, "B", 0)}, orderAThenB))),
+              (Choice{TRUE, 0, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, EqualOrderComparesTheDisks) {
+    EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 5), DiskOn(1, "A", 2)}, orderAThenB))),
+              (Choice{TRUE, 1, 0}));
+    EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 2), DiskOn(1, "A", 5)}, orderAThenB))),
+              (Choice{TRUE, 0, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, UnlistedThenListedThenPreferred) {
+    EXPECT_EQ(
+        Choose(HostedPc(Ordered({DiskOn(0, "C", 0), DiskOn(1, "B", 0), DiskOn(2, "A", 9)}, orderAThenB))),
+        (Choice{TRUE, 2, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, OnlyDiskSkipped) {
+    const HostedPc pc(PcWithDisks({DiskOn(0, "A", 0)}));
+    EXPECT_EQ(Choose(pc, 0), (Choice{TRUE, -1, 99}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_only_disk_skipped");
+}
+
+TEST(GetFirstInternalDriveNumber, SkippedDiskIsNotCompared) {
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({DiskOn(0, "A", 5), DiskOn(1, "A", 0)})), 1), (Choice{TRUE, 0, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, SkippedListedDiskDoesNotReplaceAnUnlistedOne) {
+    EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "C", 0), DiskOn(1, "A", 0)}, orderAThenB)), 1),
+              (Choice{TRUE, 0, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, SkippedDiskOfEqualOrderIsNotCompared) {
+    EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 5), DiskOn(1, "A", 0)}, orderAThenB)), 1),
+              (Choice{TRUE, 0, 0}));
+}
+
+// Its order is not remembered either: disk 2 is still compared with disk 0, which has the same order.
+TEST(GetFirstInternalDriveNumber, SkippedDiskLeavesTheBestOrder) {
+    EXPECT_EQ(
+        Choose(HostedPc(Ordered({DiskOn(0, "B", 5), DiskOn(1, "A", 0), DiskOn(2, "B", 1)}, orderAThenB)), 1),
+        (Choice{TRUE, 2, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, SkippedFirstDiskLeavesTheBestOrder) {
+    EXPECT_EQ(
+        Choose(HostedPc(Ordered({DiskOn(0, "A", 0), DiskOn(1, "C", 5), DiskOn(2, "C", 1)}, orderAThenB)), 0),
+        (Choice{TRUE, 2, 0}));
+}
+
+// A device id that opens but names no physical drive: its row bears -1, the number of no disk.
+TEST(GetFirstInternalDriveNumber, DiskWithoutNumber) {
+    machine::Pc facts = machine::FactoryMbr();
+    facts.disks[0].wmi->deviceId = "\\\\.\\C:";
+    EXPECT_EQ(Choose(HostedPc(facts)), (Choice{TRUE, -1, 99}));
+    EXPECT_EQ(Choose(HostedPc(facts), 5), (Choice{TRUE, -1, 0}));
+}

@@ -1,0 +1,121 @@
+// What disks tell about themselves.
+#include <gtest/gtest.h>
+
+#include "device/disk_drive.h"
+#include "tests/device/hosted_pc.h"
+#include "tests/support/transcript.h"
+
+namespace {
+
+const WideString diskPath = TEXT("\\\\.\\PHYSICALDRIVE0");
+
+machine::Pc OneDisk() {
+    machine::Disk disk = BareDisk(0);
+    disk.scsiAddress = machine::ScsiAddress{1, 2, 3, 4};
+    disk.storageBusType = uint32_t{8};
+    return PcWithDisks({disk});
+}
+
+}  // namespace
+
+TEST(GetScsiAddress, AddressOfTheDisk) {
+    const HostedPc pc(OneDisk());
+    SCSI_ADDRESS address = {};
+    EXPECT_EQ(CDiskDrive().GetScsiAddress(diskPath, address), 0U);
+    EXPECT_EQ(address.PortNumber, 1);
+    EXPECT_EQ(address.PathId, 2);
+    EXPECT_EQ(address.TargetId, 3);
+    EXPECT_EQ(address.Lun, 4);
+    EXPECT_EQ(Transcript(pc.emulated.journal), "4 Kestova CDiskDrive::GetScsiAddress End (0)\n");
+}
+
+TEST(GetScsiAddress, NotOpened) {
+    const HostedPc pc(OneDisk());
+    SCSI_ADDRESS address = {};
+    EXPECT_EQ(CDiskDrive().GetScsiAddress(TEXT("\\\\.\\PHYSICALDRIVE9"), address), DEVICE_NOT_OPENED);
+    EXPECT_EQ(Transcript(pc.emulated.journal),
+              "4 Kestova CDiskDrive::GetScsiAddress CreateFile INVALID_HANDLE_VALUE (1)\n");
+}
+
+TEST(GetScsiAddress, DiskWithoutAddress) {
+    machine::Pc facts = OneDisk();
+    facts.disks[0].scsiAddress = machine::Fact<machine::ScsiAddress>::Fails(ERROR_NOT_SUPPORTED);
+    const HostedPc pc(facts);
+    SCSI_ADDRESS address = {};
+    EXPECT_EQ(CDiskDrive().GetScsiAddress(diskPath, address), SCSI_ADDRESS_NOT_READ);
+    EXPECT_EQ(
+        Transcript(pc.emulated.journal),
+        "4 Kestova CDiskDrive::GetScsiAddress DeviceIoControl return False (2) GetLastError = {ulong 50}\n");
+}
+
+// A failing CloseHandle must not hide why the control failed.
+TEST(GetScsiAddress, ErrorOfTheControlIsTheOneRecorded) {
+    HostedPc pc(OneDisk());
+    pc.Fail("DeviceIoControl", ERROR_GEN_FAILURE);
+    pc.emulated.faults.Arm({.call = "CloseHandle", .afterEffect = true, .code = ERROR_INVALID_HANDLE});
+    SCSI_ADDRESS address = {};
+    EXPECT_EQ(CDiskDrive().GetScsiAddress(diskPath, address), SCSI_ADDRESS_NOT_READ);
+    EXPECT_EQ(
+        Transcript(pc.emulated.journal),
+        "4 Kestova CDiskDrive::GetScsiAddress DeviceIoControl return False (2) GetLastError = {ulong 31}\n");
+}
+
+TEST(QueryStorageProperty, DescriptorOfTheDisk) {
+    const HostedPc pc(OneDisk());
+    GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+    EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), 0U);
+    ASSERT_TRUE(descriptor);
+    EXPECT_EQ(static_cast<int>(descriptor->BusType), BUS_TYPE_RAID);
+    EXPECT_GE(descriptor->Size, sizeof(STORAGE_DEVICE_DESCRIPTOR));
+    EXPECT_EQ(Transcript(pc.emulated.journal), "4 Kestova CDiskDrive::QueryStorageProperty End (0)\n");
+}
+
+TEST(QueryStorageProperty, NotOpened) {
+    const HostedPc pc(OneDisk());
+    GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+    EXPECT_EQ(CDiskDrive().QueryStorageProperty(TEXT("\\\\.\\PHYSICALDRIVE9"), descriptor),
+              DEVICE_NOT_OPENED);
+    EXPECT_FALSE(descriptor);
+    EXPECT_EQ(Transcript(pc.emulated.journal), "");
+}
+
+TEST(QueryStorageProperty, SizeUnknown) {
+    machine::Pc facts = OneDisk();
+    facts.disks[0].storageBusType = machine::Fact<uint32_t>::Fails(ERROR_NOT_SUPPORTED);
+    const HostedPc pc(facts);
+    GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+    EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), STORAGE_SIZE_UNKNOWN);
+    EXPECT_FALSE(descriptor);
+    EXPECT_EQ(Transcript(pc.emulated.journal), "");
+}
+
+TEST(QueryStorageProperty, NoMemory) {
+    HostedPc pc(OneDisk());
+    pc.Fail("GlobalAlloc", ERROR_NOT_ENOUGH_MEMORY);
+    GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+    EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), STORAGE_NO_MEMORY);
+    EXPECT_FALSE(descriptor);
+    EXPECT_EQ(Transcript(pc.emulated.journal), "");
+}
+
+TEST(QueryStorageProperty, NotRead) {
+    HostedPc pc(OneDisk());
+    pc.Fail("DeviceIoControl", ERROR_GEN_FAILURE, 2);
+    GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+    EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), STORAGE_NOT_READ);
+    EXPECT_FALSE(descriptor);
+    EXPECT_EQ(
+        Transcript(pc.emulated.journal),
+        "4 Kestova CDiskDrive::QueryStorageProperty DeviceIoControl return False GetLastError: {ulong 31}\n");
+}
+
+TEST(QueryStorageProperty, AsksForTheWholeDescriptor) {
+    const HostedPc pc(OneDisk());
+    GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+    CDiskDrive().QueryStorageProperty(diskPath, descriptor);
+    const auto allocations = pc.emulated.journal.Calls("GlobalAlloc");
+    ASSERT_EQ(allocations.size(), 1U);
+    EXPECT_EQ(allocations[0].arguments[0], "0x00000040");  // GMEM_ZEROINIT
+    EXPECT_EQ(allocations[0].arguments[1], std::to_string(descriptor->Size));
+    EXPECT_EQ(pc.emulated.journal.Calls("DeviceIoControl").size(), 2U);
+}

@@ -1,0 +1,238 @@
+// The table of all disks.
+#include <gtest/gtest.h>
+
+#include "device/disk_drive.h"
+#include "tests/device/hosted_pc.h"
+#include "tests/support/transcript.h"
+
+namespace {
+
+constexpr const char* bridge = "PCI\\VEN_8086&DEV_2922\\3&FA";
+constexpr const char* raid = "PCI\\VEN_8086&DEV_282A\\3&FB";
+
+// An IDE disk behind a channel, a SCSI disk, a USB disk.
+machine::Pc ThreeKinds() {
+    machine::Disk ide = BareDisk(0);
+    ide.controllers = {"PCIIDE\\IDECHANNEL\\4&0", bridge};
+    ide.location = std::string("1");
+    ide.scsiAddress = machine::ScsiAddress{1, 2, 3, 4};
+    ide.storageBusType = uint32_t{BUS_TYPE_ATA};
+    machine::Disk scsi = BareDisk(1);
+    scsi.wmi->pnpDeviceId = "SCSI\\DISK1";
+    scsi.wmi->interfaceType = "SCSI";
+    scsi.controllers = {raid};
+    scsi.location = std::string("Bus Number 2, Target Id 5, LUN 0");
+    scsi.storageBusType = uint32_t{BUS_TYPE_RAID};
+    machine::Disk usb = BareDisk(2);
+    usb.wmi->pnpDeviceId = "USBSTOR\\DISK2";
+    usb.wmi->interfaceType = "USB";
+    usb.storageBusType = machine::Fact<uint32_t>::Fails(ERROR_NOT_SUPPORTED);
+    return PcWithDisks({ide, scsi, usb});
+}
+
+machine::Pc DisksWithLocations(std::vector<std::optional<std::string>> locations) {
+    std::vector<machine::Disk> disks;
+    for (const auto& location : locations) {
+        disks.push_back(BareDisk(static_cast<uint32_t>(disks.size())));
+        if (location) disks.back().location = *location;
+    }
+    return PcWithDisks(disks);
+}
+
+int NumberOf(std::optional<std::string> deviceId) {
+    machine::Pc facts = PcWithDisks({BareDisk(0)});
+    facts.disks[0].wmi->deviceId = std::move(deviceId);
+    const HostedPc pc(facts);
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    return table.nDriveNumber[0];
+}
+
+// What GetDiskDrive answers when a call fails on the PC with three kinds of disks.
+HRESULT ResultWithFailure(const char* call, uint32_t code, uint32_t nth, const char* transcript) {
+    HostedPc pc(ThreeKinds());
+    pc.Fail(call, code, nth);
+    tagDiskDriveTable_t table;
+    const HRESULT result = CDiskDrive().GetDiskDrive(table);
+    ExpectTranscript(pc.emulated.journal, transcript);
+    return result;
+}
+
+constexpr auto accessDenied = static_cast<HRESULT>(0x80041003);
+
+}  // namespace
+
+TEST(GetDiskDrive, EveryColumn) {
+    const HostedPc pc(ThreeKinds());
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    ASSERT_EQ(table.nCount, 3);
+
+    EXPECT_EQ(table.strDeviceID[0], TEXT("\\\\.\\PHYSICALDRIVE0"));
+    EXPECT_EQ(table.strPNPDeviceID[0], TEXT("IDE\\DISK0"));
+    EXPECT_EQ(table.strControllerID[0], TEXT("PCI\\VEN_8086&DEV_2922\\3&FA"));
+    EXPECT_EQ(table.nInterfaceType[0], INTERFACE_IDE);
+    EXPECT_EQ(table.nDriveNumber[0], 0);
+    EXPECT_EQ(table.nLocation[0], 1);
+    EXPECT_EQ(table.bScsiAddress[0], 1);
+    EXPECT_EQ(table.PortNumber[0], 1);
+    EXPECT_EQ(table.PathId[0], 2);
+    EXPECT_EQ(table.TargetId[0], 3);
+    EXPECT_EQ(table.Lun[0], 4);
+    EXPECT_EQ(table.nBusType[0], BUS_TYPE_ATA);
+    EXPECT_EQ(table.nTargetLocation[0], 0);
+
+    EXPECT_EQ(table.strControllerID[1], TEXT("PCI\\VEN_8086&DEV_282A\\3&FB"));
+    EXPECT_EQ(table.nInterfaceType[1], INTERFACE_SCSI);
+    EXPECT_EQ(table.nDriveNumber[1], 1);
+    EXPECT_EQ(table.nLocation[1], 2);
+    EXPECT_EQ(table.bScsiAddress[1], 0);
+    EXPECT_EQ(table.PathId[1], 255);
+    EXPECT_EQ(table.nBusType[1], BUS_TYPE_RAID);
+    EXPECT_EQ(table.nTargetLocation[1], 0);
+
+    EXPECT_EQ(table.strControllerID[2], TEXT(""));
+    EXPECT_EQ(table.nInterfaceType[2], INTERFACE_USB);
+    EXPECT_EQ(table.nDriveNumber[2], 2);
+    EXPECT_EQ(table.nLocation[2], -1);
+    EXPECT_EQ(table.nBusType[2], BUS_TYPE_UNKNOWN);
+    EXPECT_EQ(table.nTargetLocation[2], -1);
+    ExpectTranscript(pc.emulated.journal, "device/table_three_kinds");
+}
+
+TEST(GetDiskDrive, RowsComeInTheOrderOfWmi) {
+    machine::Pc facts = ThreeKinds();
+    facts.wmiOrder = {2, 0, 1};
+    const HostedPc pc(facts);
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_EQ(table.nDriveNumber[0], 2);
+    EXPECT_EQ(table.nDriveNumber[1], 0);
+    EXPECT_EQ(table.nDriveNumber[2], 1);
+}
+
+TEST(GetDiskDrive, DiskThatWmiDoesNotListIsNoRow) {
+    machine::Pc facts = ThreeKinds();
+    facts.disks[0].wmi.reset();
+    const HostedPc pc(facts);
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_EQ(table.nCount, 2);
+    EXPECT_EQ(table.nDriveNumber[0], 1);
+}
+
+TEST(GetDiskDrive, ControllersAreAskedForOnlyWhereDisksNeedThem) {
+    for (const char* kind : {"IDE", "SCSI", "USB"}) {
+        machine::Pc facts = PcWithDisks({BareDisk(0)});
+        facts.disks[0].wmi->interfaceType = kind;
+        const HostedPc pc(facts);
+        tagDiskDriveTable_t table;
+        EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+        std::string classes;
+        for (const machine::CallRecord& call : pc.emulated.journal.Calls("IWbemServices::CreateInstanceEnum"))
+            classes += call.arguments[0] + " ";
+        const std::string association =
+            std::string(kind) == "USB" ? "" : "Win32_" + std::string(kind) + "ControllerDevice ";
+        EXPECT_EQ(classes, "Win32_DiskDrive " + association);
+    }
+}
+
+TEST(GetDiskDrive, ControllerOfTheOtherKindOfDiskIsNotTaken) {
+    machine::Pc facts = ThreeKinds();
+    facts.disks[0].controllers.clear();
+    const HostedPc pc(facts);
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_EQ(table.strControllerID[0], TEXT(""));
+}
+
+TEST(GetDiskDrive, DriveNumbers) {
+    EXPECT_EQ(NumberOf("\\\\.\\PHYSICALDRIVE0"), 0);
+    EXPECT_EQ(NumberOf("\\\\.\\PHYSICALDRIVE12"), 12);
+    EXPECT_EQ(NumberOf("\\\\.\\PhysicalDrive3"), 3);
+    EXPECT_EQ(NumberOf("\\\\.\\PHYSICALDRIVE"), -1);
+    EXPECT_EQ(NumberOf("\\\\?\\PHYSICALDRIVE1"), -1);
+    EXPECT_EQ(NumberOf("\\\\\\\\.\\\\PHYSICALDRIVE1"), -1);
+    EXPECT_EQ(NumberOf("PHYSICALDRIVE1"), -1);
+    EXPECT_EQ(NumberOf(""), -1);
+    EXPECT_EQ(NumberOf(std::nullopt), -1);
+    EXPECT_EQ(NumberOf("\\\\.\\PHYSICALDRIVE" + std::string(244, '0') + "7"), 0);  // cut at 260 units
+    EXPECT_EQ(NumberOf("\\\\.\\PHYSICALDRIVE" + std::string(242, '0') + "7"), 7);
+}
+
+TEST(GetDiskDrive, Locations) {
+    const HostedPc pc(
+        DisksWithLocations({"3", "Bus Number 2, Target Id 5, LUN 0", "Bus Number 2, Target ID 5, LUN 0",
+                            "Channel 0, Target 0, Lun 0", std::nullopt}));
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_THAT(std::vector(table.nLocation, table.nLocation + 5), testing::ElementsAre(3, 2, -1, -1, -1));
+    EXPECT_THAT(std::vector(table.nTargetLocation, table.nTargetLocation + 5),
+                testing::ElementsAre(0, 0, 0, 0, -1));
+}
+
+TEST(GetDiskDrive, MarkerOfBus6IsCarriedOn) {
+    const HostedPc pc(DisksWithLocations({"0", "Bus Number 6, Target Id 4, LUN 0", "1", std::nullopt,
+                                          "Bus Number 0, Target Id 2, LUN 0", "Channel 0"}));
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_THAT(std::vector(table.nLocation, table.nLocation + 6), testing::ElementsAre(0, 4, 1, -1, 0, -1));
+    EXPECT_THAT(std::vector(table.nTargetLocation, table.nTargetLocation + 6),
+                testing::ElementsAre(0, 1, 1, -1, 1, 1));
+}
+
+TEST(GetDiskDrive, UnknownBusTypesAreKeptAsTheyAre) {
+    machine::Pc facts = PcWithDisks({BareDisk(0)});
+    facts.disks[0].storageBusType = uint32_t{300};
+    const HostedPc pc(facts);
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_EQ(table.nBusType[0], 300);
+}
+
+TEST(GetDiskDrive, DiskThatDoesNotOpenKeepsItsUnknowns) {
+    HostedPc pc(ThreeKinds());
+    pc.Fail("CreateFileW", ERROR_ACCESS_DENIED);
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_EQ(table.bScsiAddress[0], 0);
+    EXPECT_EQ(table.nBusType[0], BUS_TYPE_UNKNOWN);
+    EXPECT_EQ(table.nLocation[0], 1);
+    ExpectTranscript(pc.emulated.journal, "device/table_disks_not_opened");
+}
+
+TEST(GetDiskDrive, NoSecurity) {
+    EXPECT_EQ(ResultWithFailure("CoInitializeSecurity", 0x80041003, 0, "device/table_no_security"),
+              accessDenied);
+}
+
+TEST(GetDiskDrive, NoLocator) {
+    EXPECT_EQ(ResultWithFailure("CoCreateInstance", 0x80041003, 0, "device/table_no_locator"), accessDenied);
+}
+
+TEST(GetDiskDrive, NoNamespace) {
+    EXPECT_EQ(ResultWithFailure("IWbemLocator::ConnectServer", 0x80041003, 0, "device/table_no_namespace"),
+              accessDenied);
+}
+
+TEST(GetDiskDrive, NoProxySecurity) {
+    EXPECT_EQ(ResultWithFailure("CoSetProxyBlanket", 0x80041003, 0, "device/table_no_proxy_security"),
+              accessDenied);
+}
+
+TEST(GetDiskDrive, NoDisks) {
+    EXPECT_EQ(ResultWithFailure("IWbemServices::CreateInstanceEnum", 0x80041003, 1, "device/table_no_disks"),
+              accessDenied);
+}
+
+TEST(GetDiskDrive, NoIdeControllers) {
+    EXPECT_EQ(ResultWithFailure("IWbemServices::CreateInstanceEnum", 0x80041003, 2,
+                                "device/table_no_ide_controllers"),
+              accessDenied);
+}
+
+TEST(GetDiskDrive, NoScsiControllers) {
+    EXPECT_EQ(ResultWithFailure("IWbemServices::CreateInstanceEnum", 0x80041003, 3,
+                                "device/table_no_scsi_controllers"),
+              accessDenied);
+}

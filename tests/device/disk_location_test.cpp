@@ -1,0 +1,140 @@
+// Location texts: reading them, and getting them from device set-up.
+#include "device/disk_location.h"
+
+#include <gtest/gtest.h>
+
+#include "device/disk_drive.h"
+#include "tests/device/hosted_pc.h"
+#include "tests/support/transcript.h"
+
+namespace {
+
+struct Location {
+    int number;
+    int marker;
+    bool operator==(const Location&) const = default;
+};
+
+Location Read(const WCHAR* text, int marker = 0) {
+    const int number = ReadLocation(text, marker);
+    return {number, marker};
+}
+
+machine::Pc PcWithLocation(machine::Fact<std::string> location) {
+    machine::Disk disk = BareDisk(0);
+    disk.location = std::move(location);
+    return PcWithDisks({disk});
+}
+
+const WideString diskId = TEXT("IDE\\DISK0");
+
+}  // namespace
+
+TEST(ReadLocation, BareNumber) {
+    EXPECT_EQ(Read(TEXT("0")), (Location{0, 0}));
+    EXPECT_EQ(Read(TEXT("1")), (Location{1, 0}));
+    EXPECT_EQ(Read(TEXT(" 7 of 8")), (Location{7, 0}));
+    EXPECT_EQ(Read(TEXT("6")), (Location{6, 0}));  // no bus, so no target either
+}
+
+TEST(ReadLocation, BusNumberIsTheLocation) {
+    EXPECT_EQ(Read(TEXT("Bus Number 0, Target Id 3, LUN 0")), (Location{0, 0}));
+    EXPECT_EQ(Read(TEXT("Bus Number 5, Target Id 3, LUN 0")), (Location{5, 0}));
+    EXPECT_EQ(Read(TEXT("Bus Number 7, Target Id 3, LUN 0")), (Location{7, 0}));
+}
+
+TEST(ReadLocation, TargetOfBus6IsTheLocation) {
+    EXPECT_EQ(Read(TEXT("Bus Number 6, Target Id 3, LUN 0")), (Location{3, 1}));
+}
+
+TEST(ReadLocation, MarkerIsNeverTakenBack) {
+    EXPECT_EQ(Read(TEXT("Bus Number 0, Target Id 3, LUN 0"), 1), (Location{0, 1}));
+    EXPECT_EQ(Read(TEXT("2"), 1), (Location{2, 1}));
+    EXPECT_EQ(Read(TEXT("Channel 0"), 1), (Location{-1, 1}));
+}
+
+TEST(ReadLocation, BothNumbersMustBeThere) {
+    EXPECT_EQ(Read(TEXT("Bus Number 0, Target ID 0, LUN 0")), (Location{-1, 0}));  // older drivers: capitals
+    EXPECT_EQ(Read(TEXT("Bus Number 6, Target ID 0, LUN 0")), (Location{-1, 0}));
+    EXPECT_EQ(Read(TEXT("Bus Number 6")), (Location{-1, 0}));
+    EXPECT_EQ(Read(TEXT("Bus Number 6, Target Id x")), (Location{-1, 0}));
+}
+
+TEST(ReadLocation, OtherTexts) {
+    EXPECT_EQ(Read(TEXT("Channel 0, Target 0, Lun 0")), (Location{-1, 0}));
+    EXPECT_EQ(Read(TEXT("Port_#0004.Hub_#0006")), (Location{-1, 0}));
+    EXPECT_EQ(Read(TEXT("")), (Location{-1, 0}));
+    EXPECT_EQ(Read(TEXT("   ")), (Location{-1, 0}));
+}
+
+TEST(GetLocationInformation, TextOfTheDevice) {
+    const HostedPc pc(PcWithLocation(std::string("Bus Number 1, Target Id 0, LUN 0")));
+    GlobalBuffer<WCHAR> text;
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), 0U);
+    ASSERT_TRUE(text);
+    EXPECT_EQ(WideString(text.Get()), TEXT("Bus Number 1, Target Id 0, LUN 0"));
+    EXPECT_EQ(
+        Transcript(pc.emulated.journal),
+        "4 Kestova CDiskDrive::GetDeviceRegistryProperty End (0) lpProperty = Bus Number 1, Target Id 0, "
+        "LUN 0\n"
+        "4 Kestova CDiskDrive::GetLocationInformation End (0)\n");
+}
+
+TEST(GetLocationInformation, DeviceWithoutTheProperty) {
+    const HostedPc pc(PcWithLocation(machine::Fact<std::string>::Fails(ERROR_INVALID_DATA)));
+    GlobalBuffer<WCHAR> text;
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), 0U);
+    EXPECT_FALSE(text);
+    ExpectTranscript(pc.emulated.journal, "device/location_no_such_property");
+}
+
+TEST(GetLocationInformation, NoDeviceSet) {
+    HostedPc pc(PcWithLocation(std::string("0")));
+    pc.Fail("SetupDiCreateDeviceInfoList", ERROR_NOT_ENOUGH_MEMORY);
+    GlobalBuffer<WCHAR> text;
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), LOCATION_NO_DEVICE_SET);
+    EXPECT_FALSE(text);
+    ExpectTranscript(pc.emulated.journal, "device/location_no_device_set");
+}
+
+TEST(GetLocationInformation, UnknownDevice) {
+    const HostedPc pc(PcWithLocation(std::string("0")));
+    GlobalBuffer<WCHAR> text;
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(TEXT("IDE\\NONE"), text), LOCATION_NO_DEVICE);
+    EXPECT_FALSE(text);
+    ExpectTranscript(pc.emulated.journal, "device/location_unknown_device");
+}
+
+TEST(GetLocationInformation, SizeUnknown) {
+    const HostedPc pc(PcWithLocation(machine::Fact<std::string>::Fails(ERROR_ACCESS_DENIED)));
+    GlobalBuffer<WCHAR> text;
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), PROPERTY_SIZE_UNKNOWN);
+    EXPECT_FALSE(text);
+    ExpectTranscript(pc.emulated.journal, "device/location_size_unknown");
+}
+
+TEST(GetLocationInformation, NoMemory) {
+    HostedPc pc(PcWithLocation(std::string("0")));
+    pc.Fail("GlobalAlloc", ERROR_NOT_ENOUGH_MEMORY);
+    GlobalBuffer<WCHAR> text;
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), PROPERTY_NO_MEMORY);
+    EXPECT_FALSE(text);
+    ExpectTranscript(pc.emulated.journal, "device/location_no_memory");
+}
+
+// Even ERROR_INVALID_DATA is a failure the second time.
+TEST(GetLocationInformation, TextNotRead) {
+    HostedPc pc(PcWithLocation(std::string("0")));
+    pc.Fail("SetupDiGetDeviceRegistryPropertyW", ERROR_INVALID_DATA, 2);
+    GlobalBuffer<WCHAR> text;
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), PROPERTY_NOT_READ);
+    EXPECT_FALSE(text);
+    ExpectTranscript(pc.emulated.journal, "device/location_not_read");
+}
+
+TEST(GetLocationInformation, StaleTextIsReleased) {
+    const HostedPc pc(PcWithLocation(machine::Fact<std::string>::Fails(ERROR_INVALID_DATA)));
+    GlobalBuffer<WCHAR> text(static_cast<WCHAR*>(GlobalAlloc(GMEM_ZEROINIT, 2)));
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), 0U);
+    EXPECT_FALSE(text);
+}
