@@ -91,11 +91,15 @@ Json WriteRecord(const RecordType<Record>& type, const Record& record, Record st
     return object;
 }
 
+// The type must live as long as the codec; a temporary does not compile.
 template <typename Record>
 Codec<Record> RecordOf(const RecordType<Record>& type) {
-    return {
-        [type](const Node& node, const Record& standard) { return ReadRecord(type, node, standard); },
-        [type](const Record& record, const Record& standard) { return WriteRecord(type, record, standard); }};
+    return {[&type](const Node& node, const Record& standard) { return ReadRecord(type, node, standard); },
+            [&type](const Record& record, const Record& standard) {
+                return WriteRecord(type, record, standard);
+            }};
 }
+template <typename Record>
+Codec<Record> RecordOf(RecordType<Record>&& type) = delete;
 
 }  // namespace machine::description

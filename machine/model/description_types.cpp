@@ -32,9 +32,11 @@ Codec<uint32_t> ErrorCode() {
     return Number<uint32_t>(Notation::Code);
 }
 
-RecordType<Extent> ExtentType() {
-    return {{Required("disk", &Extent::disk, Number<uint32_t>()),
-             Required("offset", &Extent::offset, ByteCount()), Required("size", &Extent::size, ByteCount())}};
+const RecordType<Extent>& ExtentType() {
+    static const RecordType<Extent> type = {{Required("disk", &Extent::disk, Number<uint32_t>()),
+                                             Required("offset", &Extent::offset, ByteCount()),
+                                             Required("size", &Extent::size, ByteCount())}};
+    return type;
 }
 
 // The same record on a disk image, which tells some of the keys itself.
@@ -47,19 +49,22 @@ RecordType<Record> OnImage(RecordType<Record> type, std::vector<std::string> tol
     return type;
 }
 
-RecordType<Volume> VolumeType() {
-    return {{Optional("letters", &Volume::letters, Letters()),
-             Optional("fileSystem", &Volume::fileSystem, Text()),
-             Optional("label", &Volume::label, OrError(Text(), ErrorCode())),
-             Optional("driveType", &Volume::driveType, Word(driveTypes)),
-             Optional("furtherExtents", &Volume::furtherExtents, ListOf(RecordOf(ExtentType()))),
-             Optional("openError", &Volume::openError, ErrorCode()),
-             Optional("extentType", &Volume::extentType, OrNull(WordOrNumber(extentTypes))),
-             Optional("files", &Volume::files, Files())}};
+const RecordType<Volume>& VolumeType() {
+    static const RecordType<Volume> type = {
+        {Optional("letters", &Volume::letters, Letters()),
+         Optional("fileSystem", &Volume::fileSystem, Text()),
+         Optional("label", &Volume::label, OrError(Text(), ErrorCode())),
+         Optional("driveType", &Volume::driveType, Word(driveTypes)),
+         Optional("furtherExtents", &Volume::furtherExtents, ListOf(RecordOf(ExtentType()))),
+         Optional("openError", &Volume::openError, ErrorCode()),
+         Optional("extentType", &Volume::extentType, OrNull(WordOrNumber(extentTypes))),
+         Optional("files", &Volume::files, Files())}};
+    return type;
 }
 
-RecordType<Volume> ImageVolumeType() {
-    return OnImage(VolumeType(), {"fileSystem", "label", "files"});
+const RecordType<Volume>& ImageVolumeType() {
+    static const RecordType<Volume> type = OnImage(VolumeType(), {"fileSystem", "label", "files"});
+    return type;
 }
 
 RecordType<Partition> PartitionType(const RecordType<Volume>& volumeType) {
@@ -75,22 +80,32 @@ RecordType<Partition> PartitionType(const RecordType<Volume>& volumeType) {
              Optional("volume", &Partition::volume, OrNull(RecordOf(volumeType)))}};
 }
 
-RecordType<Partition> ImagePartitionType() {
-    return OnImage(PartitionType(ImageVolumeType()),
-                   {"offset", "size", "mbrType", "bootIndicator", "gptType", "gptId", "attributes", "name"});
+const RecordType<Partition>& DescribedPartitionType() {
+    static const RecordType<Partition> type = PartitionType(VolumeType());
+    return type;
 }
 
-RecordType<ScsiAddress> ScsiAddressType() {
-    return {{Optional("port", &ScsiAddress::port, Number<uint8_t>()),
-             Optional("path", &ScsiAddress::path, Number<uint8_t>()),
-             Optional("target", &ScsiAddress::target, Number<uint8_t>()),
-             Optional("lun", &ScsiAddress::lun, Number<uint8_t>())}};
+const RecordType<Partition>& ImagePartitionType() {
+    static const RecordType<Partition> type =
+        OnImage(PartitionType(ImageVolumeType()),
+                {"offset", "size", "mbrType", "bootIndicator", "gptType", "gptId", "attributes", "name"});
+    return type;
 }
 
-RecordType<WmiDisk> WmiDiskType() {
-    return {{Optional("deviceId", &WmiDisk::deviceId, OrNull(Text())),
-             Optional("pnpDeviceId", &WmiDisk::pnpDeviceId, OrNull(Text())),
-             Optional("interfaceType", &WmiDisk::interfaceType, OrNull(Text()))}};
+const RecordType<ScsiAddress>& ScsiAddressType() {
+    static const RecordType<ScsiAddress> type = {{Optional("port", &ScsiAddress::port, Number<uint8_t>()),
+                                                  Optional("path", &ScsiAddress::path, Number<uint8_t>()),
+                                                  Optional("target", &ScsiAddress::target, Number<uint8_t>()),
+                                                  Optional("lun", &ScsiAddress::lun, Number<uint8_t>())}};
+    return type;
+}
+
+const RecordType<WmiDisk>& WmiDiskType() {
+    static const RecordType<WmiDisk> type = {
+        {Optional("deviceId", &WmiDisk::deviceId, OrNull(Text())),
+         Optional("pnpDeviceId", &WmiDisk::pnpDeviceId, OrNull(Text())),
+         Optional("interfaceType", &WmiDisk::interfaceType, OrNull(Text()))}};
+    return type;
 }
 
 Disk StandardDiskOf(const Disk& leading) {
@@ -118,37 +133,41 @@ RecordType<Disk> DiskType(const RecordType<Partition>& partitionType) {
         StandardDiskOf};
 }
 
-RecordType<Disk> DescribedDiskType() {
-    return DiskType(PartitionType(VolumeType()));
+const RecordType<Disk>& DescribedDiskType() {
+    static const RecordType<Disk> type = DiskType(DescribedPartitionType());
+    return type;
 }
 
-RecordType<Disk> ImageDiskType() {
-    return OnImage(DiskType(ImagePartitionType()), {"size", "style", "signature", "guid"});
+const RecordType<Disk>& ImageDiskType() {
+    static const RecordType<Disk> type =
+        OnImage(DiskType(ImagePartitionType()), {"size", "style", "signature", "guid"});
+    return type;
 }
 
 // A disk is on an image when its description names one.
 Codec<Disk> DiskCodec() {
-    const RecordType<Disk> described = DescribedDiskType();
-    const RecordType<Disk> image = ImageDiskType();
-    return {[=](const Node& node, const Disk& standard) {
+    return {[](const Node& node, const Disk& standard) {
                 const bool onImage = node.Value().is_object() && node.Value().contains("image");
                 if (onImage && node.Key("image").Text().empty()) node.Key("image").Fail("must name a file");
-                return ReadRecord(onImage ? image : described, node, standard);
+                return ReadRecord(onImage ? ImageDiskType() : DescribedDiskType(), node, standard);
             },
-            [=](const Disk& disk, const Disk& standard) {
-                return WriteRecord(disk.image.empty() ? described : image, disk, standard);
+            [](const Disk& disk, const Disk& standard) {
+                return WriteRecord(disk.image.empty() ? DescribedDiskType() : ImageDiskType(), disk,
+                                   standard);
             }};
 }
 
-RecordType<Pack> PackType() {
-    return {{Required("name", &Pack::name, Text()),
-             Optional("status", &Pack::status, WordOrNumber(packStatuses)),
-             Optional("dynamic", &Pack::dynamic, Flag())}};
+const RecordType<Pack>& PackType() {
+    static const RecordType<Pack> type = {{Required("name", &Pack::name, Text()),
+                                           Optional("status", &Pack::status, WordOrNumber(packStatuses)),
+                                           Optional("dynamic", &Pack::dynamic, Flag())}};
+    return type;
 }
 
-RecordType<Firmware> FirmwareType() {
-    return {{Optional("kind", &Firmware::kind, Word(firmwareKinds)),
-             Optional("error", &Firmware::error, OrNull(ErrorCode()))}};
+const RecordType<Firmware>& FirmwareType() {
+    static const RecordType<Firmware> type = {{Optional("kind", &Firmware::kind, Word(firmwareKinds)),
+                                               Optional("error", &Firmware::error, OrNull(ErrorCode()))}};
+    return type;
 }
 
 // Windows PE runs from its RAM drive.
@@ -162,47 +181,57 @@ RunningSystem StandardSystem(const RunningSystem& leading) {
     return system;
 }
 
-RecordType<RunningSystem> SystemType() {
-    return {{Optional("kind", &RunningSystem::kind, Word(systemKinds)),
-             Optional("windowsDirectory", &RunningSystem::windowsDirectory, Text()),
-             Optional("startOptions", &RunningSystem::startOptions, OrNull(Text()))},
-            1,
-            StandardSystem};
+const RecordType<RunningSystem>& SystemType() {
+    static const RecordType<RunningSystem> type = {
+        {Optional("kind", &RunningSystem::kind, Word(systemKinds)),
+         Optional("windowsDirectory", &RunningSystem::windowsDirectory, Text()),
+         Optional("startOptions", &RunningSystem::startOptions, OrNull(Text()))},
+        1,
+        StandardSystem};
+    return type;
 }
 
-RecordType<HostProgram> HostType() {
-    return {{Optional("path", &HostProgram::path, Text()), Optional("files", &HostProgram::files, Files())}};
+const RecordType<HostProgram>& HostType() {
+    static const RecordType<HostProgram> type = {
+        {Optional("path", &HostProgram::path, Text()), Optional("files", &HostProgram::files, Files())}};
+    return type;
 }
 
-RecordType<Switches> SwitchesType() {
-    return {{Optional("activeFlagIsExclusive", &Switches::activeFlagIsExclusive, Flag()),
-             Optional("letterless", &Switches::letterless, Word(letterlessAnswers)),
-             Optional("volumesRefuseLetterCalls", &Switches::volumesRefuseLetterCalls, Flag()),
-             Optional("hidingRemovesVolume", &Switches::hidingRemovesVolume, Flag())}};
+const RecordType<Switches>& SwitchesType() {
+    static const RecordType<Switches> type = {
+        {Optional("activeFlagIsExclusive", &Switches::activeFlagIsExclusive, Flag()),
+         Optional("letterless", &Switches::letterless, Word(letterlessAnswers)),
+         Optional("volumesRefuseLetterCalls", &Switches::volumesRefuseLetterCalls, Flag()),
+         Optional("hidingRemovesVolume", &Switches::hidingRemovesVolume, Flag()),
+         Optional("profilesSkipUtf8Mark", &Switches::profilesSkipUtf8Mark, Flag())}};
+    return type;
 }
 
-RecordType<FaultRule> FaultType() {
-    return {{Required("call", &FaultRule::call, Text()), Optional("nth", &FaultRule::nth, Number<uint32_t>()),
-             Optional("onwards", &FaultRule::onwards, Flag()),
-             Optional("afterEffect", &FaultRule::afterEffect, Flag()),
-             Required("code", &FaultRule::code, ErrorCode())}};
+const RecordType<FaultRule>& FaultType() {
+    static const RecordType<FaultRule> type = {{Required("call", &FaultRule::call, Text()),
+                                                Optional("nth", &FaultRule::nth, Number<uint32_t>()),
+                                                Optional("onwards", &FaultRule::onwards, Flag()),
+                                                Optional("afterEffect", &FaultRule::afterEffect, Flag()),
+                                                Required("code", &FaultRule::code, ErrorCode())}};
+    return type;
 }
 
 }  // namespace
 
-RecordType<Pc> PcType() {
-    return {{Optional("name", &Pc::name, Text()),
-             Optional("firmware", &Pc::firmware, RecordOf(FirmwareType())),
-             Optional("system", &Pc::system, RecordOf(SystemType())),
-             Optional("host", &Pc::host, RecordOf(HostType())),
-             Optional("packs", &Pc::packs, ListOf(RecordOf(PackType()))),
-             Optional("disks", &Pc::disks, ListOf(DiskCodec())),
-             Optional("wmiOrder", &Pc::wmiOrder, ListOf(Number<uint32_t>())),
-             Optional("volumes", &Pc::volumes, ListOf(RecordOf(VolumeType()))),
-             Optional("registry", &Pc::registry, Registry()),
-             Optional("offlineSystemHive", &Pc::offlineSystemHive, Registry()),
-             Optional("switches", &Pc::switches, RecordOf(SwitchesType())),
-             Optional("faults", &Pc::faults, ListOf(RecordOf(FaultType())))}};
+const RecordType<Pc>& PcType() {
+    static const RecordType<Pc> type = {{Optional("name", &Pc::name, Text()),
+                                         Optional("firmware", &Pc::firmware, RecordOf(FirmwareType())),
+                                         Optional("system", &Pc::system, RecordOf(SystemType())),
+                                         Optional("host", &Pc::host, RecordOf(HostType())),
+                                         Optional("packs", &Pc::packs, ListOf(RecordOf(PackType()))),
+                                         Optional("disks", &Pc::disks, ListOf(DiskCodec())),
+                                         Optional("wmiOrder", &Pc::wmiOrder, ListOf(Number<uint32_t>())),
+                                         Optional("volumes", &Pc::volumes, ListOf(RecordOf(VolumeType()))),
+                                         Optional("registry", &Pc::registry, Registry()),
+                                         Optional("offlineSystemHive", &Pc::offlineSystemHive, Registry()),
+                                         Optional("switches", &Pc::switches, RecordOf(SwitchesType())),
+                                         Optional("faults", &Pc::faults, ListOf(RecordOf(FaultType())))}};
+    return type;
 }
 
 std::vector<KeysOfObject> AllKeys() {
@@ -214,7 +243,7 @@ std::vector<KeysOfObject> AllKeys() {
             {"disk", DescribedDiskType().Keys()},
             {"wmi", WmiDiskType().Keys()},
             {"scsiAddress", ScsiAddressType().Keys()},
-            {"partition", PartitionType(VolumeType()).Keys()},
+            {"partition", DescribedPartitionType().Keys()},
             {"volume", VolumeType().Keys()},
             {"extent", ExtentType().Keys()},
             {"switches", SwitchesType().Keys()},

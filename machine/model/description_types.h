@@ -8,7 +8,7 @@
 
 namespace machine::description {
 
-RecordType<Pc> PcType();
+const RecordType<Pc>& PcType();
 
 // Every key that a description can hold, below the name of the object that holds it ("disk", "partition").
 struct KeysOfObject {
