@@ -80,15 +80,16 @@ HRESULT WriteType(Disk& disk, Partition& partition, const CHANGE_PARTITION_TYPE_
     return S_OK;
 }
 
-// The volume goes with its recognised type, or stays as the PC's switch has it.
-void HideVolume(EmulatedPc& pc, const Disk& disk, Partition& partition) {
+// What becomes of the volume when the type changes between a volume's and another: it goes with its letters,
+// and comes as a new one; or it stays, as the PC's switch has it.
+void ChangeVolume(EmulatedPc& pc, const Disk& disk, Partition& partition, bool hidden) {
     const VolumePlace place = {disk.number, partition.offset};
     if (!pc.pc.switches.hidingRemovesVolume) {
         VdsObjects::Of(pc).VolumeObject(pc, place);
         return;
     }
     VdsObjects::Of(pc).ForgetVolume(place);
-    if (partition.volume) partition.volume->letters.clear();
+    if (hidden && partition.volume) partition.volume->letters.clear();
 }
 
 }  // namespace
@@ -138,7 +139,7 @@ HRESULT VdsDisk::ChangePartitionType(ULONGLONG offset, BOOL force,
             if (result != S_OK) return result;
             const bool wasVolume = before == VDS_DET_DATA;
             const bool isVolume = ExtentTypeOf(at.disk->style, *at.partition) == VDS_DET_DATA;
-            if (wasVolume && !isVolume) HideVolume(pc, *at.disk, *at.partition);
+            if (wasVolume != isVolume) ChangeVolume(pc, *at.disk, *at.partition, wasVolume);
             return S_OK;
         });
 }

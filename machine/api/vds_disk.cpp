@@ -5,8 +5,8 @@
 
 #include "machine/api/com_memory.h"
 #include "machine/api/vds_extent_type.h"
+#include "machine/api/vds_extents.h"
 #include "machine/api/vds_pack.h"
-#include "machine/api/vds_volume.h"
 
 namespace machine {
 
@@ -35,71 +35,6 @@ void FillStrings(EmulatedPc& pc, const Disk& disk, VDS_DISK_PROP& properties) {
     properties.pwszAdaptorName = lend(disk.controllers.empty() ? "" : disk.controllers.front());
     properties.pwszDevicePath = lend(DevicePathOf(disk));
 }
-
-// Gathers the extents of one disk in the order of their offsets.
-class ExtentList {
-  public:
-    ExtentList(EmulatedPc& pc, const Disk& disk, const Guid& id) : pc_(pc), disk_(disk), id_(id) {
-        if (disk.style == PartitionStyle::Unknown && disk.partitions.empty()) {
-            Add(VDS_DET_UNUSABLE, 0, disk.size);
-            return;
-        }
-        uint64_t end = 0;
-        for (const Partition* partition : ByOffset()) {
-            if (partition->offset > end) Add(VDS_DET_FREE, end, partition->offset - end);
-            AddPartition(*partition);
-            end = std::max(end, partition->offset + partition->size);
-        }
-        if (disk.size > end) Add(VDS_DET_FREE, end, disk.size - end);
-    }
-
-    const std::vector<VDS_DISK_EXTENT>& Extents() const { return extents_; }
-
-  private:
-    std::vector<const Partition*> ByOffset() const {
-        std::vector<const Partition*> partitions;
-        for (const Partition& partition : disk_.partitions)
-            partitions.push_back(&partition);
-        std::stable_sort(
-            partitions.begin(), partitions.end(),
-            [](const Partition* left, const Partition* right) { return left->offset < right->offset; });
-        return partitions;
-    }
-
-    VDS_DISK_EXTENT& Add(VDS_DISK_EXTENT_TYPE type, uint64_t offset, uint64_t size) {
-        VDS_DISK_EXTENT extent{};
-        extent.diskId = id_;
-        extent.type = type;
-        extent.ullOffset = offset;
-        extent.ullSize = size;
-        return extents_.emplace_back(extent);
-    }
-
-    void AddPartition(const Partition& partition) {
-        const VDS_DISK_EXTENT_TYPE type = TypeOf(partition);
-        VDS_DISK_EXTENT& extent = Add(type, partition.offset, partition.size);
-        const bool hasVolume =
-            type == VDS_DET_DATA || (type != VDS_DET_UNKNOWN && type != VDS_DET_FREE && type != VDS_DET_OEM &&
-                                     type != VDS_DET_UNUSABLE && partition.volume.has_value());
-        if (hasVolume) {
-            extent.volumeId = VdsObjects::Of(pc_).VolumeObject(pc_, {disk_.number, partition.offset}).Id();
-        }
-    }
-
-    VDS_DISK_EXTENT_TYPE TypeOf(const Partition& partition) const {
-        if (partition.volume && partition.volume->extentType)
-            return static_cast<VDS_DISK_EXTENT_TYPE>(*partition.volume->extentType);
-        const bool keptItsVolume =
-            !pc_.pc.switches.hidingRemovesVolume &&
-            VdsObjects::Of(pc_).FindVolume(VolumePlace{disk_.number, partition.offset}) != nullptr;
-        return keptItsVolume ? VDS_DET_DATA : ExtentTypeOf(disk_.style, partition);
-    }
-
-    EmulatedPc& pc_;
-    const Disk& disk_;
-    const Guid& id_;
-    std::vector<VDS_DISK_EXTENT> extents_;
-};
 
 }  // namespace
 
@@ -142,10 +77,10 @@ HRESULT VdsDisk::QueryExtents(VDS_DISK_EXTENT** extents, LONG* count) {
         if (extents == nullptr || count == nullptr) return E_POINTER;
         const Disk* const disk = FindDisk(pc.pc, number_);
         if (disk == nullptr) return VDS_E_OBJECT_DELETED;
-        const ExtentList list(pc, *disk, id_);
-        *extents = LendRecords<VDS_DISK_EXTENT>(pc, "VDS_DISK_EXTENT array", list.Extents().size());
-        *count = static_cast<LONG>(list.Extents().size());
-        std::copy(list.Extents().begin(), list.Extents().end(), *extents);
+        const std::vector<VDS_DISK_EXTENT> list = ExtentsOf(pc, *disk, id_);
+        *extents = LendRecords<VDS_DISK_EXTENT>(pc, "VDS_DISK_EXTENT array", list.size());
+        *count = static_cast<LONG>(list.size());
+        std::copy(list.begin(), list.end(), *extents);
         return S_OK;
     });
 }

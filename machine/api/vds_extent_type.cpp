@@ -83,6 +83,10 @@ bool IsExtended(PartitionStyle style, const Partition& partition) {
     return style == PartitionStyle::Mbr && (partition.mbrType == 0x05 || partition.mbrType == 0x0F);
 }
 
+bool HasTable(const Disk& disk) {
+    return disk.style != PartitionStyle::Unknown || !disk.partitions.empty();
+}
+
 VDS_PARTITION_STYLE VdsStyle(PartitionStyle style) {
     switch (style) {
         case PartitionStyle::Mbr:

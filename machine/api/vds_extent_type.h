@@ -13,6 +13,9 @@ VDS_DISK_EXTENT_TYPE ExtentTypeOf(PartitionStyle style, const Partition& partiti
 // An extended partition only holds others.
 bool IsExtended(PartitionStyle style, const Partition& partition);
 
+// A disk of unknown style that nevertheless has partitions has a table that the service cannot name.
+bool HasTable(const Disk& disk);
+
 // As the service numbers them: unknown 0, MBR 1, GPT 2.
 VDS_PARTITION_STYLE VdsStyle(PartitionStyle style);
 

@@ -75,8 +75,8 @@ HRESULT VdsDisk::QueryPartitions(VDS_PARTITION_PROP** partitions, LONG* count) {
             if (partitions == nullptr || count == nullptr) return E_POINTER;
             const Disk* const disk = FindDisk(pc.pc, number_);
             if (disk == nullptr) return VDS_E_OBJECT_DELETED;
-            if (disk->partitions.empty())
-                return disk->style == PartitionStyle::Unknown ? VDS_E_DISK_NOT_INITIALIZED : S_FALSE;
+            if (!HasTable(*disk)) return VDS_E_DISK_NOT_INITIALIZED;
+            if (disk->partitions.empty()) return S_FALSE;
             *partitions =
                 LendRecords<VDS_PARTITION_PROP>(pc, "VDS_PARTITION_PROP array", disk->partitions.size());
             *count = static_cast<LONG>(disk->partitions.size());
