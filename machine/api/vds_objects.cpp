@@ -61,12 +61,6 @@ Guid VdsObjects::NextId() {
     return GUID{++lastId_, 0x0000, 0x4000, {0x80, 0x00, 0x76, 0x64, 0x73, 0x00, 0x00, 0x00}};
 }
 
-Disk* FindDisk(Pc& pc, uint32_t number) {
-    const auto disk = std::find_if(pc.disks.begin(), pc.disks.end(),
-                                   [&](const Disk& known) { return known.number == number; });
-    return disk != pc.disks.end() ? &*disk : nullptr;
-}
-
 Partition* FindPartition(Disk& disk, uint64_t offset) {
     const auto partition = std::find_if(disk.partitions.begin(), disk.partitions.end(),
                                         [&](const Partition& known) { return known.offset == offset; });
