@@ -123,8 +123,9 @@ TEST(GetFirstInternalDriveNumber, DiskWhoseBusStaysUnknownIsNeverChosen) {
 }
 
 TEST(GetFirstInternalDriveNumber, SmallestLocationWins) {
-    EXPECT_EQ(Choose(HostedPc(PcWithDisks({DiskOn(0, "A", 2), DiskOn(1, "A", 0), DiskOn(2, "A", 1)}))),
-              (Choice{TRUE, 1, 0}));
+    const HostedPc pc(PcWithDisks({DiskOn(0, "A", 2), DiskOn(1, "A", 0), DiskOn(2, "A", 1)}));
+    EXPECT_EQ(Choose(pc), (Choice{TRUE, 1, 0}));
+    ExpectTranscript(pc.emulated.journal, "device/choice_smallest_location");
 }
 
 TEST(GetFirstInternalDriveNumber, LowestNumberWhenNoDiskTellsAnything) {

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "device/device_handle.h"
 #include "tests/device/hosted_pc.h"
 
 namespace {
@@ -120,8 +121,7 @@ TEST(Owners, GiveBackWhatThePlatformLent) {
     HostedPc pc(facts);
     const Bstr text(SysAllocString(TEXT("text")));
     const GlobalBuffer<WCHAR> memory(static_cast<WCHAR*>(GlobalAlloc(GMEM_ZEROINIT, 8)));
-    const FileHandle file(CreateFileW(TEXT("\\\\.\\C:"), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const FileHandle file = OpenDevice(TEXT("\\\\.\\C:"));
     const DeviceInfoSet devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));
     EXPECT_TRUE(text && memory && file && devices);
     EXPECT_THAT(pc.emulated.ledger.Outstanding(), testing::SizeIs(5));  // with COM itself

@@ -5,6 +5,7 @@
 
 #include "device/owners.h"
 #include "machine/api/wmi_class.h"
+#include "machine/core/utf.h"
 #include "tests/device/hosted_pc.h"
 #include "tests/support/transcript.h"
 
@@ -57,10 +58,10 @@ struct LampPc : HostedPc {
         locator.Reset();
     }
 
-    HRESULT Exec(const WCHAR* method, const std::vector<WideString>* names = nullptr,
-                 VARIANT* arguments = nullptr) {
-        return CWMIEx::ExecMethod(services.Get(), TEXT("Test_Lamp"), method, machine::ToWide(path), names,
-                                  arguments, output.Put(), returnValue.Put());
+    HRESULT Exec(const WCHAR* method, const std::vector<WideString>* inputNames = nullptr,
+                 VARIANT* inputs = nullptr) {
+        return CWMIEx::ExecMethod(services.Get(), TEXT("Test_Lamp"), method, machine::ToWide(path),
+                                  inputNames, inputs, output.Put(), returnValue.Put());
     }
     HRESULT SetColor() { return Exec(TEXT("SetColor"), &names, colors); }
     size_t Count(const char* call) { return emulated.journal.Calls(call).size(); }
