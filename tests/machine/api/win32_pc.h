@@ -1,0 +1,29 @@
+// What the tests of the Win32 calls share.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "machine/core/emulated_pc.h"
+#include "machine/core/utf.h"
+#include "machine/model/machines.h"
+
+// A last error from before; a call that succeeds leaves it.
+inline constexpr DWORD staleError = 4711;
+
+// Everything is back and nothing was given back wrongly.
+inline void ExpectCleanLedger(const machine::EmulatedPc& pc) {
+    EXPECT_THAT(pc.ledger.Outstanding(), testing::IsEmpty());
+    EXPECT_THAT(pc.ledger.Violations(), testing::IsEmpty());
+}
+
+// The next call of that name fails with the code, before its effect or after it.
+inline void FailNext(machine::EmulatedPc& pc, const char* call, uint32_t code, bool afterEffect = false) {
+    pc.faults.Arm({.call = call, .nth = 1, .afterEffect = afterEffect, .code = code});
+}
+
+// Opens a device as the library does; the caller closes.
+inline HANDLE OpenShared(const WCHAR* name) {
+    return CreateFileW(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
