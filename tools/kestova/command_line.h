@@ -1,0 +1,24 @@
+// The words of the command line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/kestova/opened_pc.h"
+
+struct CommandLine {
+    PcChoice choice;
+    std::string command;
+    std::vector<std::string> arguments;  // of the command
+    std::string log;                     // file, or "-"
+    bool json = false;
+    bool initialize = true;
+    bool help = false;
+    bool version = false;
+};
+
+// Throws WrongUse.
+CommandLine ReadCommandLine(int count, const char* const* words);
+
+// The options in their groups, as help shows them.
+std::string OptionsText();

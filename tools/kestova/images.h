@@ -1,0 +1,15 @@
+// Disk images, where this build can open them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "machine/model/pc.h"
+#include "machine/storage/disk_image.h"
+
+// The PC of machine::PcOfImages. Throws UnreadablePc; WrongUse when this build has no image part.
+machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
+                       machine::ImageAccess access);
+
+// Opens the images that a description names. Throws as OpenImages.
+void AttachImages(machine::Pc& pc, machine::ImageAccess access);

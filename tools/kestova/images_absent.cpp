@@ -1,0 +1,22 @@
+// For a build without the image part.
+
+#include "tools/kestova/errors.h"
+#include "tools/kestova/images.h"
+
+namespace {
+
+[[noreturn]] void Refuse(const std::string& image) {
+    throw WrongUse(image + ": this build has no image part (build with KESTOVA_IMAGES=ON)");
+}
+
+}  // namespace
+
+machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind, machine::ImageAccess) {
+    Refuse(paths.front());
+}
+
+void AttachImages(machine::Pc& pc, machine::ImageAccess) {
+    for (const machine::Disk& disk : pc.disks) {
+        if (!disk.image.empty()) Refuse(disk.image);
+    }
+}

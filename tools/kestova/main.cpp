@@ -1,0 +1,42 @@
+// kestova: the recovery library on the command line.
+
+#include <iostream>
+
+#include "tools/kestova/command_line.h"
+#include "tools/kestova/commands.h"
+#include "tools/kestova/errors.h"
+
+namespace {
+
+int Run(int count, char** words) {
+    const CommandLine line = ReadCommandLine(count, words);
+    if (line.help) {
+        std::cout << HelpText();
+        return Done;
+    }
+    if (line.version) {
+        std::cout << "kestova " KESTOVA_VERSION "\n";
+        return Done;
+    }
+    return FindCommand(line).run(line);
+}
+
+int Complain(const std::exception& error, ExitStatus status) {
+    std::cerr << "kestova: " << error.what() << "\n";
+    return status;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    try {
+        return Run(count, words);
+    } catch (const WrongUse& error) {
+        std::cerr << "kestova: " << error.what() << "\n(kestova --help tells what there is)\n";
+        return WrongUseStatus;
+    } catch (const UnreadablePc& error) {
+        return Complain(error, UnreadablePcStatus);
+    } catch (const std::exception& error) {
+        return Complain(error, Failure);
+    }
+}

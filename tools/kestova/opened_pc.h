@@ -1,0 +1,57 @@
+// The PC that a command works on: an emulated one, or the PC that the program runs on. Which of them is
+// decided by the build; the commands cannot tell.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/kestova/json.h"
+
+// How the command line names a PC, and what it asks of it.
+struct PcChoice {
+    std::vector<std::string> images;  // disk 0, 1, ...
+    std::string pc;                   // name of a machine that comes with the tool, or a description file
+    bool windows = false;             // an installed Windows is running
+    bool windowsPe = false;           // Windows PE is running
+    bool dryRun = false;
+    bool trace = false;
+    std::vector<std::string> faults;  // NAME[#N][+]=CODE
+    std::string save;                 // description file to write afterwards
+};
+
+enum class Access { Ask, Change };
+
+// While it lives the library's calls reach this PC, and the library is loaded as a program's loader would.
+class OpenedPc {
+  public:
+    // Throws WrongUse for a choice that this build cannot serve or cannot understand, UnreadablePc for a PC
+    // that cannot be read.
+    OpenedPc(const PcChoice& choice, Access access);
+    ~OpenedPc();
+    OpenedPc(const OpenedPc&) = delete;
+    OpenedPc& operator=(const OpenedPc&) = delete;
+
+    // What the user should know about the choice; empty when there is nothing to say.
+    const std::string& Note() const;
+    // Platform calls and log records in order, since the last time.
+    Json TakeTrace();
+    // What is different since it was opened, a text each; nothing when this build cannot tell.
+    std::optional<std::vector<std::string>> Changes() const;
+    // Writes the PC's description. Throws Failed.
+    void Save(const std::string& file) const;
+
+  private:
+    struct Inside;
+    std::unique_ptr<Inside> inside_;
+};
+
+// A machine that comes with the tool.
+struct ComingMachine {
+    std::string name;
+    std::string summary;
+};
+
+// None on a build whose PC is the one it runs on.
+std::vector<ComingMachine> ComingMachines();

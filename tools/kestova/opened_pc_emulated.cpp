@@ -1,0 +1,194 @@
+// The PC is an emulated one: disk images, a description, or a machine that comes with the tool.
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "machine/core/emulated_pc.h"
+#include "machine/core/letters.h"
+#include "machine/model/description.h"
+#include "machine/model/machines.h"
+#include "platform/windows_api.h"
+#include "tools/kestova/changes.h"
+#include "tools/kestova/errors.h"
+#include "tools/kestova/fault_option.h"
+#include "tools/kestova/images.h"
+#include "tools/kestova/opened_pc.h"
+#include "tools/kestova/session.h"
+#include "tools/kestova/text.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
+
+namespace {
+
+namespace fs = std::filesystem;
+using machine::ImageAccess;
+using machine::NamedMachine;
+using machine::Pc;
+using machine::SystemKind;
+
+constexpr std::string_view standardMachine = "factory-mbr";
+
+const NamedMachine* FindMachine(std::string_view name) {
+    for (const NamedMachine& named : machine::NamedMachines()) {
+        if (named.name == name) return &named;
+    }
+    return nullptr;
+}
+
+// A word without a dot or a slash is meant as a machine's name, and is wrong when nobody knows it.
+[[noreturn]] void RefuseMissing(const std::string& nameOrFile) {
+    if (nameOrFile.find_first_of("./\\") != std::string::npos) {
+        throw UnreadablePc(nameOrFile + ": there is no such file");
+    }
+    std::vector<std::string> names;
+    for (const NamedMachine& named : machine::NamedMachines())
+        names.emplace_back(named.name);
+    throw WrongUse("--pc: " + UnknownWord("machine or file", nameOrFile, names));
+}
+
+// Images of a description lie relative to its file.
+Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
+    std::error_code error;
+    if (!fs::exists(name, error)) RefuseMissing(name);
+    std::ifstream file(name, std::ios::binary);
+    std::ostringstream text;
+    if (fs::is_directory(name, error) || !file || !(text << file.rdbuf())) {
+        throw UnreadablePc(name + ": cannot be read");
+    }
+    try {
+        Pc pc = machine::ReadDescription(text.str(), name);
+        for (machine::Disk& disk : pc.disks) {
+            if (!disk.image.empty()) disk.image = (fs::path(name).parent_path() / disk.image).string();
+        }
+        AttachImages(pc, access);
+        return pc;
+    } catch (const machine::DescriptionError& what) {
+        throw UnreadablePc(what.what());
+    }
+}
+
+// The other kind of system runs as it does on the machines that come with the tool.
+void Start(Pc& pc, SystemKind kind) {
+    if (pc.system.kind == kind) return;
+    const Pc example = kind == SystemKind::WindowsPe ? machine::WinPeTwoDisks() : machine::FactoryMbr();
+    pc.system = example.system;
+    for (const machine::Volume& volume : example.volumes) {
+        if (!machine::FindLetter(pc, volume.letters.front())) pc.volumes.push_back(volume);
+    }
+}
+
+ImageAccess AccessOfImages(const PcChoice& choice, Access access) {
+    if (choice.dryRun) return ImageAccess::Overlay;
+    return access == Access::Change ? ImageAccess::Write : ImageAccess::Read;
+}
+
+Pc Choose(const PcChoice& choice, Access access) {
+    const ImageAccess imageAccess = AccessOfImages(choice, access);
+    const SystemKind kind = choice.windows ? SystemKind::Windows : SystemKind::WindowsPe;
+    if (!choice.images.empty()) return OpenImages(choice.images, kind, imageAccess);
+    const std::string name = choice.pc.empty() ? std::string(standardMachine) : choice.pc;
+    const NamedMachine* const named = FindMachine(name);
+    Pc pc = named != nullptr ? named->make() : ReadDescriptionFile(name, imageAccess);
+    if (choice.windows || choice.windowsPe) Start(pc, kind);
+    return pc;
+}
+
+Pc Watched(Pc pc) {
+    WatchFiles(pc);
+    return pc;
+}
+
+// The library as a program's loader treats it.
+struct LoadedLibrary {
+    LoadedLibrary() {
+        if (!DllMain(nullptr, DLL_PROCESS_ATTACH, nullptr)) throw Failed("the library refused to be loaded");
+    }
+    ~LoadedLibrary() { DllMain(nullptr, DLL_PROCESS_DETACH, nullptr); }
+    LoadedLibrary(const LoadedLibrary&) = delete;
+    LoadedLibrary& operator=(const LoadedLibrary&) = delete;
+};
+
+Json TraceEntry(const machine::JournalEntry& entry) {
+    if (const auto* const record = std::get_if<LogEntry>(&entry)) return LogRecordJson(*record);
+    const auto& call = std::get<machine::CallRecord>(entry);
+    Json json = {{"call", call.call}, {"arguments", call.arguments}, {"result", call.result}};
+    if (call.injected) json["injected"] = true;
+    return json;
+}
+
+// What it replaces stays whole until the new text is complete.
+void WriteWhole(const std::string& file, const std::string& text) {
+    const std::string fresh = file + ".new";
+    std::ofstream stream(fresh, std::ios::binary);
+    stream << text;
+    stream.close();
+    std::error_code error;
+    if (stream) fs::rename(fresh, file, error);
+    if (!stream || error) {
+        fs::remove(fresh, error);
+        throw Failed(file + ": cannot be written");
+    }
+}
+
+}  // namespace
+
+struct OpenedPc::Inside {
+    Inside(const PcChoice& choice, Access access)
+        : before(Watched(Choose(choice, access))), emulated(before) {
+        for (const std::string& fault : choice.faults)
+            emulated.faults.Arm(ReadFault(fault));
+        if (choice.images.empty() && choice.pc.empty()) {
+            note = "no PC was named: this is " + before.name + ", a machine that comes with the tool";
+        }
+    }
+
+    std::string note;
+    Pc before;
+    machine::EmulatedPc emulated;
+    LoadedLibrary library;
+    size_t traced = 0;
+};
+
+OpenedPc::OpenedPc(const PcChoice& choice, Access access)
+    : inside_(std::make_unique<Inside>(choice, access)) {}
+
+OpenedPc::~OpenedPc() = default;
+
+const std::string& OpenedPc::Note() const {
+    return inside_->note;
+}
+
+Json OpenedPc::TakeTrace() {
+    Json trace = Json::array();
+    const auto& entries = inside_->emulated.journal.Entries();
+    for (; inside_->traced < entries.size(); ++inside_->traced) {
+        trace.push_back(TraceEntry(entries[inside_->traced]));
+    }
+    return trace;
+}
+
+std::optional<std::vector<std::string>> OpenedPc::Changes() const {
+    return ::Changes(inside_->before, inside_->emulated.pc);
+}
+
+void OpenedPc::Save(const std::string& file) const {
+    Pc pc = inside_->emulated.pc;
+    const fs::path folder = fs::absolute(file).parent_path();
+    for (machine::Disk& disk : pc.disks) {
+        if (!disk.image.empty()) disk.image = fs::proximate(fs::absolute(disk.image), folder).string();
+    }
+    try {
+        WriteWhole(file, machine::WriteDescription(pc));
+    } catch (const machine::DescriptionError& error) {
+        throw Failed(error.what());
+    }
+}
+
+std::vector<ComingMachine> ComingMachines() {
+    std::vector<ComingMachine> machines;
+    for (const NamedMachine& named : machine::NamedMachines()) {
+        machines.push_back({std::string(named.name), std::string(named.summary)});
+    }
+    return machines;
+}

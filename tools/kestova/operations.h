@@ -1,0 +1,56 @@
+// The public operations of the class, a row each. Calling, scripts, help, the list of operations, JSON and
+// the words of a result all read these rows: a new operation is a new row.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "manager/kestova.h"
+#include "tools/kestova/json.h"
+
+// How an argument is written: true or false, or a number.
+enum class Kind { Flag, Number };
+
+// A value in words.
+struct Meaning {
+    Json value;
+    const char* words = "";
+    bool failure = false;
+};
+
+struct Parameter {
+    std::string name;
+    Kind kind = Kind::Number;
+    const char* words = "";
+    bool output = false;
+    std::vector<Meaning> meanings = {};
+};
+
+struct Operation {
+    std::string name;
+    const char* summary = "";
+    std::vector<Parameter> parameters = {};
+    std::vector<Meaning> results = {};
+    const char* otherwise = "";  // any other result, in words; empty when there is none
+    bool changesPc = false;
+    // Answers the result. `arguments` has every input by name; outputs are put under theirs.
+    Json (*invoke)(Kestova& object, const Json& arguments, Json& outputs) = nullptr;
+};
+
+const std::vector<Operation>& Operations();
+
+// The operation of that name, which must be spelled exactly. Throws WrongUse that suggests the nearest one.
+const Operation& FindOperation(std::string_view name);
+
+// "GetDriveLetter DISK PARTITION".
+std::string Usage(const Operation& operation);
+
+// The arguments by name, from the words that follow the operation's. Throws WrongUse.
+Json ReadArguments(const Operation& operation, const std::vector<std::string>& words);
+
+// The meaning of that value, or null.
+const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Json& value);
+
+// Whether the result tells a failure.
+bool IsFailure(const Operation& operation, const Json& result);

@@ -1,0 +1,48 @@
+#include "tools/kestova/script.h"
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "tools/kestova/errors.h"
+
+namespace {
+
+std::vector<std::string> Words(const std::string& line) {
+    std::istringstream stream(line.substr(0, line.find('#')));
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;)
+        words.push_back(word);
+    return words;
+}
+
+PlannedCall Plan(const std::vector<std::string>& words) {
+    const Operation& operation = FindOperation(words.front());
+    return {&operation, ReadArguments(operation, {words.begin() + 1, words.end()})};
+}
+
+}  // namespace
+
+std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& name) {
+    std::vector<PlannedCall> calls;
+    int number = 0;
+    for (std::string line; std::getline(script, line);) {
+        ++number;
+        const std::vector<std::string> words = Words(line);
+        if (words.empty()) continue;
+        try {
+            calls.push_back(Plan(words));
+        } catch (const WrongUse& wrong) {
+            throw WrongUse(name + ":" + std::to_string(number) + ": " + wrong.what());
+        }
+    }
+    if (script.bad()) throw WrongUse(name + ": cannot be read");
+    return calls;
+}
+
+std::vector<PlannedCall> ReadScriptFile(const std::string& file) {
+    if (file == "-") return ReadScript(std::cin, "standard input");
+    std::ifstream script(file, std::ios::binary);
+    if (!script) throw WrongUse(file + ": cannot be read");
+    return ReadScript(script, file);
+}
