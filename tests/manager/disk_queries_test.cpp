@@ -18,7 +18,7 @@ using testing::Test;
 class WithoutVolumeLayer : public Test {
   protected:
     WithoutVolumeLayer() : application_(FactoryMbr()) {
-        delete std::exchange(application_.kestova.*Open(internals::VolumeLayerTag()), nullptr);
+        internals::DropVolumeLayer(application_.kestova);
         application_.pc.journal.Clear();
     }
     std::string Records() const { return Transcript(application_.pc.journal); }

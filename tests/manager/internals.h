@@ -2,7 +2,10 @@
 // the class needs no friend for this.
 #pragma once
 
+#include <utility>
+
 #include "manager/kestova.h"
+#include "vds/vds_partition.h"
 
 namespace internals {
 
@@ -31,5 +34,10 @@ OPEN_PRIVATE_MEMBER(CheckMBRRcvprtStatusTag, StatusTest, CheckMBRRcvprtStatus);
 OPEN_PRIVATE_MEMBER(GetSystemVolumeIniTag, IniSearch, GetSystemVolumeIni);
 
 #undef OPEN_PRIVATE_MEMBER
+
+// Leaves the object as if its volume layer could not have been made.
+inline void DropVolumeLayer(Kestova& kestova) {
+    delete std::exchange(kestova.*Open(VolumeLayerTag()), nullptr);
+}
 
 }  // namespace internals

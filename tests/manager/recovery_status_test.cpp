@@ -91,7 +91,7 @@ TEST(CheckMBRRcvprtStatus, TellsThatTheIdCouldNotBeRead) {
 
 TEST(CheckMBRRcvprtStatus, WithoutAVolumeLayerTellsThatTheIdCouldNotBeRead) {
     Application application(FactoryMbr());
-    delete std::exchange(application.kestova.*Open(internals::VolumeLayerTag()), nullptr);
+    internals::DropVolumeLayer(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Check(application), GETTYPE_FAILED);
     EXPECT_EQ(Transcript(application.pc.journal),

@@ -10,6 +10,7 @@
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/transcript.h"
+#include "text/wide_string.h"
 
 namespace {
 
@@ -88,7 +89,7 @@ TEST(GetSystemVolumeIni, FailsWhenTheRecoveryMediaAreGone) {
 
 TEST(GetSystemVolumeIni, WithoutAVolumeLayerTellsThatTheStyleIsMissing) {
     Application application(FactoryMbr());
-    delete std::exchange(application.kestova.*Open(internals::VolumeLayerTag()), nullptr);
+    internals::DropVolumeLayer(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Search(application, TEXT("before")).result, FALSE);
     EXPECT_EQ(Transcript(application.pc.journal),
