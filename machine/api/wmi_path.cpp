@@ -58,7 +58,7 @@ std::optional<WmiPath> ReadWmiPath(std::string_view path) {
     if (dot != std::string_view::npos) read.key = object.substr(dot + 1);
     if (equals != std::string_view::npos) read.value = Unquoted(path.substr(equals + 1));
     const bool valueFits = (equals != std::string_view::npos) == read.value.has_value();
-    const bool keyFits = read.key.empty() || read.value;
+    const bool keyFits = dot == std::string_view::npos || (!read.key.empty() && read.value);
     return !read.className.empty() && valueFits && keyFits ? std::optional(read) : std::nullopt;
 }
 
