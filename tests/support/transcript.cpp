@@ -55,12 +55,19 @@ std::string Line(const LogEntry& entry) {
     return line + "\n";
 }
 
+bool IsEmptyText(const LogItem& item) {
+    return item.kind == LogItemKind::Text && item.text.empty();
+}
+
+// A name that is missing is an empty value behind its label.
+bool IsLabel(const LogItem& item) {
+    return item.kind == LogItemKind::Text && item.text.ends_with(TEXT("= "));
+}
+
 bool EndsWithOneEmptyText(const LogEntry& entry) {
-    const auto isEmptyText = [](const LogItem& item) {
-        return item.kind == LogItemKind::Text && item.text.empty();
-    };
     const size_t count = entry.items.size();
-    return count >= 2 && isEmptyText(entry.items[count - 1]) && !isEmptyText(entry.items[count - 2]);
+    if (count < 2 || !IsEmptyText(entry.items[count - 1])) return false;
+    return !IsEmptyText(entry.items[count - 2]) || (count > 2 && IsLabel(entry.items[count - 3]));
 }
 
 }  // namespace
