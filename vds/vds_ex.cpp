@@ -15,8 +15,9 @@ HRESULT CVDSEx::GetVdsService(IVdsService** service) {
                                        reinterpret_cast<void**>(loader.Put()));
     hResult = WithInterface(hResult, loader.Get());
     if (hResult != S_OK) return hResult;
-    hResult = WithInterface(loader->LoadService(nullptr, service), *service);
+    hResult = loader->LoadService(nullptr, service);
     loader.Reset();
+    hResult = WithInterface(hResult, *service);
     if (hResult != S_OK) return hResult;
     hResult = (*service)->WaitForServiceReady();
     return hResult == S_OK ? (*service)->IsServiceReady() : hResult;

@@ -1,0 +1,286 @@
+// The first internal disk.
+#include "tests/vds/vds_session.h"
+
+namespace {
+
+constexpr uint32_t failure = 0x80004005;
+constexpr uint64_t GiB = uint64_t{1} << 30;
+const std::string method = "Kestova CVDSPartition::GetFirstInternalDriveNumber";
+
+// Result and number of one call.
+struct Decision {
+    BOOL found = FALSE;
+    int number = 12345;
+    bool operator==(const Decision&) const = default;
+};
+
+void PrintTo(const Decision& decision, std::ostream* out) {
+    *out << "found " << decision.found << ", number " << decision.number;
+}
+
+Decision FirstDisk(VdsSession& session) {
+    Decision decision;
+    decision.found = session->GetFirstInternalDriveNumber(decision.number);
+    return decision;
+}
+
+// A disk as WMI and its port driver report it, on a Target Id of bus 6 when told so.
+machine::Disk KnownDisk(uint32_t number, uint64_t size, const std::string& location) {
+    machine::Disk disk = PlainDisk(number, size);
+    const std::string digit = std::to_string(number);
+    disk.wmi = machine::WmiDisk{"\\\\.\\PHYSICALDRIVE" + digit, "IDE\\DISK" + digit, "IDE"};
+    disk.location = location;
+    disk.scsiAddress = machine::ScsiAddress{0, static_cast<uint8_t>(number), 0, 0};
+    disk.controllers = {"PCI\\VEN_8086&DEV_2922\\" + digit};
+    return disk;
+}
+
+machine::Pc WithSettingFile(std::vector<machine::Disk> disks) {
+    machine::Pc pc = WindowsPe(std::move(disks));
+    pc.host.files.PutFile("IDE.INI", "[Exclude]\r\n");
+    return pc;
+}
+
+machine::Pc TwoTargets(uint64_t firstSize, uint64_t secondSize) {
+    return WithSettingFile({KnownDisk(0, firstSize, "Bus Number 6, Target Id 0, LUN 0"),
+                            KnownDisk(1, secondSize, "Bus Number 6, Target Id 1, LUN 0")});
+}
+
+}  // namespace
+
+TEST(GetFirstInternalDriveNumber, InstalledWindowsIsOnIt) {
+    VdsSession session(machine::FactoryMbr());
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    EXPECT_EQ(session.Records(), firstDiskRecords);
+    EXPECT_EQ(session.Left(1), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, InstalledWindowsOnAnotherDisk) {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.disks.insert(pc.disks.begin(), PlainDisk(1));
+    VdsSession session(pc);
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_windows_two_disks");
+    EXPECT_EQ(session.Left(2), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, MissingServiceIsAnError) {
+    machine::EmulatedPc pc(machine::FactoryMbr());
+    CVDSPartition partition;
+    int number = 7;
+    EXPECT_FALSE(partition.GetFirstInternalDriveNumber(number));
+    EXPECT_EQ(number, -1);
+    EXPECT_EQ(Transcript(pc.journal),
+              Lines({"4 " + method + " Start", "1 " + method + " m_pVdsService = NULL"}));
+}
+
+TEST(GetFirstInternalDriveNumber, ServiceThatIsNotReadyIsAnError) {
+    VdsSession session(machine::FactoryMbr());
+    session.Fail("IVdsService::IsServiceReady", 1);
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
+    EXPECT_EQ(session.Records(),
+              Lines({"4 " + method + " Start", "1 " + method + " IsServiceReady Error hResult = {long 1}"}));
+}
+
+TEST(GetFirstInternalDriveNumber, WindowsOnTwoDisksHasNone) {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.disks[0].partitions[1].volume->furtherExtents = {{.disk = 1, .offset = 0, .size = GiB}};
+    VdsSession session(pc);
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
+    EXPECT_EQ(session.Records(), Lines({"4 " + method + " Start", "4 " + method + " bWindowsPE = FALSE",
+                                        "1 " + method +
+                                            " call pDiskDrive->GetCurrentDriveNumber Error bResult = {int 0}"
+                                            "  DiskNumber = {int -1}"}));
+    EXPECT_EQ(session.Left(0), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, DisksThatCannotBeListedAreAnError) {
+    VdsSession session(machine::FactoryMbr());
+    session.Fail("IVdsService::QueryProviders", failure);
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, 0}));
+    EXPECT_EQ(session.Records(),
+              Lines({"4 " + method + " Start", "4 " + method + " bWindowsPE = FALSE",
+                     "4 Kestova CVDSEx::QueryDisks\\tStart",
+                     "1 Kestova CVDSEx::QueryDisks QueryProviders S_OK != hResult. hResult = "
+                     "{long -2147467259} GetLastError = {ulong 2}",  // left by the search for IDE.INI
+                     "1 " + method + " call CVDSEx::QueryDisks Error hResult = {long -2147467259}"}));
+    EXPECT_EQ(session.Left(0), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, InstalledWindowsOnAnotherBusIsTheNumberButNoMatch) {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.disks[0].busType = VDS_BUS_TYPE_NVME;
+    VdsSession session(pc);
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, 0}));
+    EXPECT_EQ(session.Records(),
+              Lines({"4 " + method + " Start", "4 " + method + " bWindowsPE = FALSE",
+                     "4 Kestova CVDSEx::QueryDisks\\tStart", "4 " + method + " lNumberOfDisks = {long 1}",
+                     "4 " + method + " End DiskNumber = {int 0} bFind = {int 0}"}));
+}
+
+TEST(GetFirstInternalDriveNumber, OnlyThreeBusesAreInternal) {
+    for (uint32_t bus = 0; bus <= 19; ++bus) {
+        SCOPED_TRACE(bus);
+        machine::Disk disk = PlainDisk(0);
+        disk.busType = bus;
+        VdsSession session(WindowsPe({disk}));
+        const bool internal = bus == 3 || bus == 8 || bus == 11;
+        EXPECT_EQ(FirstDisk(session), (internal ? Decision{TRUE, 0} : Decision{FALSE, -1}));
+    }
+}
+
+TEST(GetFirstInternalDriveNumber, WindowsPeTakesTheLowestNumber) {
+    VdsSession session(WindowsPe({PlainDisk(2), PlainDisk(0)}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_lowest_number");
+    EXPECT_EQ(session.Left(2), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, WindowsPeKeepsTheLowestNumberWhenItComesFirst) {
+    VdsSession session(WindowsPe({PlainDisk(0, GiB), PlainDisk(2, 2 * GiB)}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    VDS_PARTITION_PROP* partitions = nullptr;
+    LONG count = 0;
+    EXPECT_TRUE(session->QueryPartitions(&partitions, &count));
+    ASSERT_EQ(count, 1);
+    EXPECT_EQ(partitions[0].ullSize, GiB / 2);
+    CoTaskMemFree(partitions);
+}
+
+TEST(GetFirstInternalDriveNumber, WindowsPeLeavesOtherDevicesAndNamesOut) {
+    machine::Disk disc = PlainDisk(0);
+    disc.deviceType = 2;
+    disc.vdsName = "\\\\?\\CdRom0";
+    machine::Disk stick = PlainDisk(1);
+    stick.busType = VDS_BUS_TYPE_USB;
+    machine::Disk nameless = PlainDisk(2);
+    nameless.vdsName.reset();
+    machine::Disk strange = PlainDisk(3);
+    strange.vdsName = "\\\\?\\Volume3";
+    VdsSession session(WindowsPe({disc, stick, nameless, strange, PlainDisk(4)}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 4}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_other_devices");
+}
+
+TEST(GetFirstInternalDriveNumber, WindowsPeWithAUsbDiskAloneHasNone) {
+    machine::Disk stick = PlainDisk(0);
+    stick.busType = VDS_BUS_TYPE_USB;
+    VdsSession session(WindowsPe({stick}));
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_usb_alone");
+}
+
+TEST(GetFirstInternalDriveNumber, SettingFileDecidesInWindowsPe) {
+    VdsSession session(machine::WinPeTwoDisks());
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_setting_file");
+    EXPECT_EQ(session.Left(2), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, SettingFileMeansNothingInInstalledWindows) {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.host.files.PutFile("IDE.INI", "[Exclude]\r\n");
+    VdsSession session(pc);
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    EXPECT_EQ(session.Records(), firstDiskRecords);
+}
+
+TEST(GetFirstInternalDriveNumber, HostWhosePathIsUnknownHasNoSettingFile) {
+    VdsSession session(machine::WinPeTwoDisks());
+    session.Fail("GetModuleFileNameW", 5);
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    const std::string records = session.Records();
+    EXPECT_NE(records.find("bExistSettingFile = FALSE"), std::string::npos) << records;
+}
+
+TEST(GetFirstInternalDriveNumber, SettingFileWithoutAnyDiskIsAnError) {
+    VdsSession session(WithSettingFile({}));
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_setting_file_no_disk");
+    EXPECT_EQ(session.Left(0), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, DiskWithoutAReadableNumberIsAnError) {
+    machine::Disk disk = KnownDisk(0, GiB, "0");
+    disk.wmi->deviceId = "\\\\.\\SOMETHING";
+    VdsSession session(WithSettingFile({disk}));
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_setting_file_no_number");
+}
+
+TEST(GetFirstInternalDriveNumber, ChosenDiskThatTheServiceDoesNotListIsTheNumberButNoMatch) {
+    machine::Disk chosen = KnownDisk(0, GiB, "0");
+    chosen.vdsName.reset();
+    VdsSession session(WithSettingFile({chosen}));
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, LargerSecondTargetBecomesTheFirstDisk) {
+    VdsSession session(TwoTargets(GiB, 2 * GiB));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 1}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_larger_second");
+    VDS_PARTITION_PROP* partitions = nullptr;
+    LONG count = 0;
+    ASSERT_TRUE(session->QueryPartitions(&partitions, &count));
+    EXPECT_EQ(partitions[0].ullSize, GiB);
+    CoTaskMemFree(partitions);
+    EXPECT_EQ(session.Left(4), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, SecondTargetThatIsNotLargerChangesNothing) {
+    for (const uint64_t secondSize : {GiB, GiB - 1}) {
+        VdsSession session(TwoTargets(GiB, secondSize));
+        EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    }
+}
+
+TEST(GetFirstInternalDriveNumber, SizesAreComparedOnlyBetweenTargetsOfBusSix) {
+    // The larger disk is read first, so that it does not inherit the mark of the other.
+    VdsSession session(
+        WithSettingFile({KnownDisk(1, 2 * GiB, "7"), KnownDisk(0, GiB, "Bus Number 6, Target Id 0, LUN 0")}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, SecondTargetThatTheServiceDoesNotListIsComparedAsTheListsFirst) {
+    // The list is disk 2, disk 0; the second choice, disk 1, is not in it and so counts as disk 2.
+    machine::Disk larger = PlainDisk(2, 4 * GiB);
+    machine::Disk unlisted = KnownDisk(1, 2 * GiB, "Bus Number 6, Target Id 1, LUN 0");
+    unlisted.vdsName.reset();
+    VdsSession session(
+        WithSettingFile({larger, KnownDisk(0, GiB, "Bus Number 6, Target Id 0, LUN 0"), unlisted}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 1}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_unlisted_second");
+    VDS_PARTITION_PROP* partitions = nullptr;
+    LONG count = 0;
+    ASSERT_TRUE(session->QueryPartitions(&partitions, &count));
+    EXPECT_EQ(partitions[0].ullSize, 2 * GiB);
+    CoTaskMemFree(partitions);
+}
+
+TEST(GetFirstInternalDriveNumber, TargetsWithoutAnyListedDiskAreNotCompared) {
+    machine::Pc pc = TwoTargets(GiB, 2 * GiB);
+    pc.packs = {{.name = "Away", .status = VDS_PS_OFFLINE}};
+    for (machine::Disk& disk : pc.disks)
+        disk.pack = "Away";
+    VdsSession session(pc);
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, 0}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_empty_list");
+}
+
+TEST(GetFirstInternalDriveNumber, NumberBeyondThirtyOneBitsIsAnError) {
+    constexpr uint32_t huge = 0xFFFFFFFF;  // -1 as a signed number
+    machine::Pc windows = machine::FactoryMbr();
+    windows.disks[0].number = huge;
+    {
+        VdsSession session(windows);
+        EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
+        EXPECT_EQ(session.Records(),
+                  Lines({"4 " + method + " Start", "4 " + method + " bWindowsPE = FALSE",
+                         "1 " + method +
+                             " call pDiskDrive->GetFirstInternalDriveNumber Error DiskNumber < 0."
+                             " DiskNumber = {int -1}"}));
+    }
+    VdsSession session(WithSettingFile({KnownDisk(huge, GiB, "0")}));
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
+    ExpectTranscript(session.pc.journal, "vds/first_disk_pe_huge_number");
+}

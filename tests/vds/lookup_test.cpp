@@ -1,0 +1,155 @@
+// Disks and volumes by id.
+#include "tests/vds/vds_session.h"
+
+namespace {
+
+constexpr uint32_t notFound = 0x80042405;
+
+// The ids of the selected disk and of the volume on its second partition.
+GUID DiskId(VdsSession& session) {
+    EXPECT_TRUE(session->SelectDisk(0));
+    session.pc.journal.Clear();
+    return session->DiskProperties().id;
+}
+
+// Calls a look-up, releases what it handed out and answers its code.
+template <typename Interface>
+HRESULT LookUp(HRESULT (*operation)(IVdsService*, VDS_OBJECT_ID, Interface**), IVdsService* service,
+               const GUID& id) {
+    Interface* found = nullptr;
+    const HRESULT result = operation(service, id, &found);
+    EXPECT_EQ(result == S_OK, found != nullptr);
+    if (found != nullptr) found->Release();
+    return result;
+}
+
+}  // namespace
+
+TEST(GetVdsDisk, HandsOutTheDisk) {
+    VdsSession session(machine::FactoryMbr());
+    const GUID id = DiskId(session);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, session->GetService(), id), S_OK);
+    EXPECT_EQ(session.Records(), "4 Kestova CVDSEx::GetVdsDisk\\tStart\n");
+    EXPECT_EQ(session.Left(1), Holdings());
+}
+
+TEST(GetVdsDisk, MissingServiceIsTraced) {
+    VdsSession session(machine::FactoryMbr());
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, nullptr, GUID{}), static_cast<HRESULT>(0x80070057));
+    EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSEx::GetVdsDisk\\tStart",
+                                        "4 Kestova CVDSEx::GetVdsDisk\\tNULL == pVdsService"}));
+}
+
+TEST(GetVdsDisk, ServiceThatIsNotReadyIsTracedWithoutItsCode) {
+    VdsSession session(machine::FactoryMbr());
+    session.Fail("IVdsService::IsServiceReady", 1);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, session->GetService(), GUID{}), S_FALSE);
+    EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSEx::GetVdsDisk\\tStart",
+                                        "4 Kestova CVDSEx::GetVdsDisk  IsServiceReady  S_OK != hResult"}));
+}
+
+TEST(GetVdsDisk, UnknownIdIsTracedInTheWordsOfTheServiceCheck) {
+    VdsSession session(machine::FactoryMbr());
+    session.pc.lastError = 9;
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, session->GetService(), GUID{}), static_cast<HRESULT>(notFound));
+    EXPECT_EQ(session.Records(),
+              Lines({"4 Kestova CVDSEx::GetVdsDisk\\tStart",
+                     "4 Kestova CVDSEx::GetVdsDisk  IsServiceReady  S_OK != hResult. hResult = "
+                     "{long -2147212283} GetLastError = {ulong 9}"}));
+}
+
+TEST(GetVdsDisk, MissingInterfaceIsToldInSilence) {
+    VdsSession session(machine::FactoryMbr());
+    const GUID id = DiskId(session);
+    session.Fail("IUnknown::QueryInterface", 0x80004002);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, session->GetService(), id), E_NOINTERFACE);
+    EXPECT_EQ(session.Records(), "4 Kestova CVDSEx::GetVdsDisk\\tStart\n");
+    EXPECT_EQ(session.Left(1), Holdings());
+}
+
+TEST(GetVdsAdvancedDisk, HandsOutTheDisk) {
+    VdsSession session(machine::FactoryMbr());
+    const GUID id = DiskId(session);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), id), S_OK);
+    EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+                                        "4 Kestova CVDSEx::GetVdsAdvancedDisk End"}));
+    EXPECT_EQ(session.Left(1), Holdings());
+}
+
+TEST(GetVdsAdvancedDisk, MissingServiceIsAnError) {
+    VdsSession session(machine::FactoryMbr());
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, nullptr, GUID{}), E_INVALIDARG);
+    EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+                                        "1 Kestova CVDSEx::GetVdsAdvancedDisk pVdsService is NULL."}));
+}
+
+TEST(GetVdsAdvancedDisk, ServiceThatIsNotReadyIsAnError) {
+    VdsSession session(machine::FactoryMbr());
+    session.Fail("IVdsService::IsServiceReady", 0x80042401);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), GUID{}), VDS_E_INITIALIZED_FAILED);
+    EXPECT_EQ(session.Records(),
+              Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+                     "1 Kestova CVDSEx::GetVdsAdvancedDisk IsServiceReady S_OK != hResult.hResult = "
+                     "{long -2147212287} GetLastError = {ulong 0}"}));
+}
+
+TEST(GetVdsAdvancedDisk, UnknownIdIsAnError) {
+    VdsSession session(machine::FactoryMbr());
+    session.pc.lastError = 9;
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), GUID{}), VDS_E_OBJECT_NOT_FOUND);
+    EXPECT_EQ(session.Records(),
+              Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+                     "1 Kestova CVDSEx::GetVdsAdvancedDisk pVdsService->GetObject S_OK != hResult.hResult = "
+                     "{long -2147212283} GetLastError = {ulong 9}"}));
+}
+
+TEST(GetVdsAdvancedDisk, SuccessWithoutAnObjectIsAnError) {
+    VdsSession session(machine::FactoryMbr());
+    session.Fail("IVdsService::GetObject", 0);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), GUID{}), E_INVALIDARG);
+    EXPECT_EQ(session.Records(),
+              Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+                     "1 Kestova CVDSEx::GetVdsAdvancedDisk pVdsService->GetObject S_OK != hResult.hResult = "
+                     "{long -2147024809} GetLastError = {ulong 0}"}));
+}
+
+TEST(GetVdsAdvancedDisk, MissingInterfaceIsAnError) {
+    VdsSession session(machine::FactoryMbr());
+    const GUID id = DiskId(session);
+    session.Fail("IUnknown::QueryInterface", 0x80004002);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), id), E_NOINTERFACE);
+    EXPECT_EQ(
+        session.Records(),
+        Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+               "1 Kestova CVDSEx::GetVdsAdvancedDisk pUnknown->QueryInterface S_OK != hResult.hResult = "
+               "{long -2147467262} GetLastError = {ulong 0}"}));
+    EXPECT_EQ(session.Left(1), Holdings());
+}
+
+TEST(GetVdsAdvancedDisk2, WritesNothing) {
+    VdsSession session(machine::FactoryMbr());
+    const GUID id = DiskId(session);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk2, session->GetService(), id), S_OK);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk2, session->GetService(), GUID{}), VDS_E_OBJECT_NOT_FOUND);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk2, nullptr, id), E_INVALIDARG);
+    session.Fail("IVdsService::IsServiceReady", 1);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk2, session->GetService(), id), S_FALSE);
+    session.pc.faults.Disarm();
+    session.Fail("IUnknown::QueryInterface", 0x80004002);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk2, session->GetService(), id), E_NOINTERFACE);
+    EXPECT_EQ(session.Records(), "");
+    EXPECT_EQ(session.Left(1), Holdings());
+}
+
+TEST(GetVdsVolumeMF, FindsVolumesOnlyAndWritesNothing) {
+    VdsSession session(machine::FactoryMbr());
+    const GUID disk = DiskId(session);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsVolumeMF, session->GetService(), disk), VDS_E_OBJECT_NOT_FOUND);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsVolumeMF, nullptr, disk), E_INVALIDARG);
+    EXPECT_EQ(session.Records(), "");
+    WCHAR label[32] = {};
+    EXPECT_TRUE(session->SelectPartition(2));
+    EXPECT_TRUE(session->GetVolumeLabel(label, 32));
+    EXPECT_EQ(machine::ToUtf8(label), "Windows");
+    EXPECT_EQ(session.Left(1), Holdings());
+}

@@ -1,0 +1,163 @@
+// Connecting to the Virtual Disk Service.
+#include "tests/vds/vds_session.h"
+
+namespace {
+
+constexpr uint32_t tooLate = 0x80010119;
+constexpr uint32_t accessDenied = 0x80070005;
+constexpr uint32_t notReady = 1;
+
+// A PC on whose thread COM is initialised, and nothing else done yet.
+class Host {
+  public:
+    Host() : pc(machine::FactoryMbr()) { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
+    ~Host() { CoUninitialize(); }
+
+    machine::EmulatedPc pc;
+};
+
+// Connects once and answers the code; what was handed out is released.
+HRESULT Connect(IVdsService*& service) {
+    service = nullptr;
+    return CVDSEx::GetVdsService(&service);
+}
+
+}  // namespace
+
+TEST(InitializeSecurity, AsksForImpersonation) {
+    Host host;
+    EXPECT_EQ(CVDSEx::InitializeSecurity(), S_OK);
+    const auto calls = host.pc.journal.Calls("CoInitializeSecurity");
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].arguments, (std::vector<std::string>{"0", "3"}));  // default, impersonate
+    EXPECT_EQ(Transcript(host.pc.journal), "");
+}
+
+TEST(InitializeSecurity, SetAlreadyIsSuccess) {
+    Host host;
+    CVDSEx::InitializeSecurity();
+    EXPECT_EQ(CVDSEx::InitializeSecurity(), S_OK);
+    host.pc.faults.Arm({.call = "CoInitializeSecurity", .code = tooLate});
+    EXPECT_EQ(CVDSEx::InitializeSecurity(), S_OK);
+}
+
+TEST(InitializeSecurity, AnotherFailureIsTold) {
+    Host host;
+    host.pc.faults.Arm({.call = "CoInitializeSecurity", .code = accessDenied});
+    EXPECT_EQ(CVDSEx::InitializeSecurity(), E_ACCESSDENIED);
+    EXPECT_EQ(Transcript(host.pc.journal), "");
+}
+
+TEST(GetVdsService, HandsOutAReadyService) {
+    Host host;
+    IVdsService* service = nullptr;
+    EXPECT_EQ(Connect(service), S_OK);
+    ASSERT_NE(service, nullptr);
+    service->Release();
+    EXPECT_EQ(Transcript(host.pc.journal), "");
+    EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsServiceLoader"), 0u);
+    EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsService"), 0u);
+}
+
+TEST(GetVdsService, TellsTheFirstStepThatFailed) {
+    for (const char* const call : {"CoCreateInstance", "IVdsServiceLoader::LoadService",
+                                   "IVdsService::WaitForServiceReady", "IVdsService::IsServiceReady"}) {
+        SCOPED_TRACE(call);
+        Host host;
+        host.pc.faults.Arm({.call = call, .code = accessDenied});
+        IVdsService* service = nullptr;
+        EXPECT_EQ(Connect(service), E_ACCESSDENIED);
+        EXPECT_EQ(host.pc.journal.Calls().back().call, call);
+        EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsServiceLoader"), 0u);
+        if (service != nullptr) service->Release();
+        EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsService"), 0u);
+    }
+}
+
+TEST(GetVdsService, ServiceThatIsStillStartingIsHandedOutWithItsCode) {
+    Host host;
+    host.pc.faults.Arm({.call = "IVdsService::IsServiceReady", .code = notReady});
+    IVdsService* service = nullptr;
+    EXPECT_EQ(Connect(service), S_FALSE);
+    ASSERT_NE(service, nullptr);
+    service->Release();
+}
+
+TEST(GetVdsService, SuccessWithoutAnInterfaceIsAFailure) {
+    for (const char* const call : {"CoCreateInstance", "IVdsServiceLoader::LoadService"}) {
+        SCOPED_TRACE(call);
+        Host host;
+        host.pc.faults.Arm({.call = call, .code = 0});
+        IVdsService* service = nullptr;
+        EXPECT_EQ(Connect(service), E_INVALIDARG);
+        EXPECT_EQ(service, nullptr);
+        EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsServiceLoader"), 0u);
+    }
+}
+
+TEST(Initialize, ConnectsAtTheFirstAttempt) {
+    Host host;
+    {
+        CVDSPartition partition;
+        EXPECT_EQ(partition.GetService(), nullptr);
+        EXPECT_TRUE(partition.Initialize());
+        EXPECT_NE(partition.GetService(), nullptr);
+    }
+    EXPECT_EQ(host.pc.clockMilliseconds, 0u);
+    EXPECT_EQ(Transcript(host.pc.journal), "");
+    EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsService"), 0u);
+}
+
+TEST(Initialize, ServiceThatNeverBecomesReadyIsAskedTwentyTimes) {
+    Host host;
+    host.pc.faults.Arm({.call = "IVdsService::IsServiceReady", .code = notReady});
+    {
+        CVDSPartition partition;
+        EXPECT_FALSE(partition.Initialize());
+    }
+    EXPECT_EQ(host.pc.journal.Calls("CoCreateInstance").size(), 20u);
+    EXPECT_EQ(host.pc.clockMilliseconds, 19'000u);
+    EXPECT_EQ(Transcript(host.pc.journal), "");
+    // Each new attempt drops the service of the one before; the last one is released with the object.
+    EXPECT_EQ(host.pc.ledger.Outstanding().at("IVdsService"), 19);
+}
+
+TEST(Initialize, ServiceThatIsReadyAtTheLastAttemptIsEnough) {
+    Host host;
+    for (uint32_t attempt = 1; attempt <= 19; ++attempt) {
+        host.pc.faults.Arm({.call = "IVdsServiceLoader::LoadService", .nth = attempt, .code = accessDenied});
+    }
+    {
+        CVDSPartition partition;
+        EXPECT_TRUE(partition.Initialize());
+        EXPECT_NE(partition.GetService(), nullptr);
+    }
+    EXPECT_EQ(host.pc.journal.Calls("IVdsServiceLoader::LoadService").size(), 20u);
+    EXPECT_EQ(host.pc.clockMilliseconds, 19'000u);
+    EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsService"), 0u);
+}
+
+TEST(Initialize, WithoutSecurityTheServiceIsNotAskedFor) {
+    Host host;
+    host.pc.faults.Arm({.call = "CoInitializeSecurity", .code = accessDenied});
+    CVDSPartition partition;
+    EXPECT_FALSE(partition.Initialize());
+    EXPECT_EQ(partition.GetService(), nullptr);
+    EXPECT_EQ(host.pc.journal.Calls("CoInitializeSecurity").size(), 20u);
+    EXPECT_TRUE(host.pc.journal.Calls("CoCreateInstance").empty());
+    EXPECT_EQ(host.pc.clockMilliseconds, 19'000u);
+}
+
+TEST(Initialize, SecuritySetByTheHostDoesNotStopTheConnection) {
+    Host host;
+    host.pc.faults.Arm({.call = "CoInitializeSecurity", .code = tooLate});
+    CVDSPartition partition;
+    EXPECT_TRUE(partition.Initialize());
+    EXPECT_EQ(host.pc.clockMilliseconds, 0u);
+}
+
+TEST(Initialize, SecondConnectionDropsTheFirst) {
+    VdsSession session(machine::FactoryMbr());
+    EXPECT_TRUE(session->Initialize());
+    EXPECT_EQ(session.Left(0), (Holdings{{"IVdsService", 1}}));
+}

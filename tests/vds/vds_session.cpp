@@ -1,0 +1,94 @@
+#include "tests/vds/vds_session.h"
+
+VdsSession::VdsSession(machine::Pc facts) : pc(std::move(facts)) {
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    partition_.emplace();
+    EXPECT_TRUE(partition_->Initialize());
+    pc.journal.Clear();
+}
+
+VdsSession::~VdsSession() {
+    End();
+    EXPECT_TRUE(pc.ledger.Violations().empty()) << pc.ledger.Violations().front();
+}
+
+void VdsSession::End() {
+    if (!partition_) return;
+    partition_.reset();
+    CoUninitialize();
+}
+
+machine::Partition& VdsSession::Partition(uint32_t number) {
+    for (machine::Partition& partition : Disk().partitions) {
+        if (partition.number == number) return partition;
+    }
+    throw std::out_of_range("no such partition");
+}
+
+void VdsSession::Fail(const std::string& call, uint32_t code, uint32_t nth, bool afterEffect) {
+    pc.faults.Arm({.call = call, .nth = nth, .afterEffect = afterEffect, .code = code});
+}
+
+Holdings VdsSession::Left(int diskRecords) {
+    constexpr int stringsOfRecord = 5;
+    End();
+    Holdings left = pc.ledger.Outstanding();
+    const auto strings = left.find("VDS_DISK_PROP string");
+    const int expected = diskRecords * stringsOfRecord;
+    if (expected == 0 || (strings != left.end() && strings->second == expected)) {
+        left.erase("VDS_DISK_PROP string");
+    }
+    return left;
+}
+
+std::string Lines(std::initializer_list<std::string_view> lines) {
+    std::string text;
+    for (const std::string_view line : lines) {
+        text.append(line).append("\n");
+    }
+    return text;
+}
+
+const std::string firstDiskRecords = Lines({
+    "4 Kestova CVDSPartition::GetFirstInternalDriveNumber Start",
+    "4 Kestova CVDSPartition::GetFirstInternalDriveNumber bWindowsPE = FALSE",
+    "4 Kestova CVDSEx::QueryDisks\\tStart",
+    "4 Kestova CVDSPartition::GetFirstInternalDriveNumber lNumberOfDisks = {long 1}",
+    "4 Kestova CVDSPartition::GetPhysicalDriveNumber\\tStart. pszName = \\\\?\\PhysicalDrive0",
+    "4 Kestova CVDSPartition::GetPhysicalDriveNumber\\tEnd (TRUE). Number = {int 0}",
+    "4 Kestova CVDSPartition::GetFirstInternalDriveNumber  DiskNumber = nDiskNumber = {int 0}",
+    "4 Kestova CVDSPartition::GetFirstInternalDriveNumber End DiskNumber = {int 0} bFind = {int 1}",
+});
+
+const std::string queryPartitionsRecords = "4 Kestova CVDSPartition::QueryPartitions Start\n" +
+                                           firstDiskRecords +
+                                           Lines({
+                                               "4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+                                               "4 Kestova CVDSEx::GetVdsAdvancedDisk End",
+                                               "4 Kestova CVDSPartition::QueryPartitions End",
+                                           });
+
+machine::Disk PlainDisk(uint32_t number, uint64_t size) {
+    machine::Disk disk;
+    disk.number = number;
+    disk.vdsName = "\\\\?\\PhysicalDrive" + std::to_string(number);
+    disk.size = size;
+    disk.signature = number + 1;
+    machine::Partition partition;
+    partition.number = 1;
+    partition.offset = 1024 * 1024;
+    partition.size = size / 2;
+    partition.mbrType = 0x07;
+    disk.partitions = {partition};
+    return disk;
+}
+
+machine::Pc WindowsPe(std::vector<machine::Disk> disks) {
+    machine::Pc pc;
+    pc.system.kind = machine::SystemKind::WindowsPe;
+    pc.system.windowsDirectory = "X:\\Windows";
+    pc.system.startOptions = " FASTDETECT MININT";
+    pc.host.path = "X:\\Recovery\\Recovery.exe";
+    pc.disks = std::move(disks);
+    return pc;
+}

@@ -1,0 +1,55 @@
+// A PC and a partition object connected to its Virtual Disk Service, as a host program has it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "machine/core/emulated_pc.h"
+#include "machine/core/utf.h"
+#include "machine/model/machines.h"
+#include "tests/support/transcript.h"
+#include "vds/vds_ex.h"
+#include "vds/vds_partition.h"
+
+using Holdings = std::map<std::string, int>;
+
+class VdsSession {
+  public:
+    // Initialises COM, connects and forgets what was recorded by then.
+    explicit VdsSession(machine::Pc facts);
+    ~VdsSession();
+
+    CVDSPartition* operator->() { return &*partition_; }
+    CVDSPartition& operator*() { return *partition_; }
+    machine::Disk& Disk(size_t position = 0) { return pc.pc.disks.at(position); }
+    machine::Partition& Partition(uint32_t number);
+    std::string Records() const { return Transcript(pc.journal); }
+    // Every call of that name fails with the code from now on, or the nth one alone.
+    void Fail(const std::string& call, uint32_t code, uint32_t nth = 0, bool afterEffect = false);
+    // Ends the object and COM; what is on loan still. The strings of the disks' properties, which nobody ever
+    // frees, are left out when there are as many as that many disk records have.
+    Holdings Left(int diskRecords);
+
+    machine::EmulatedPc pc;
+
+  private:
+    void End();
+
+    std::optional<CVDSPartition> partition_;
+};
+
+// Records as Transcript writes them, one a line.
+std::string Lines(std::initializer_list<std::string_view> lines);
+
+// What GetFirstInternalDriveNumber and QueryPartitions write in an installed Windows whose one disk is 0.
+extern const std::string firstDiskRecords;
+extern const std::string queryPartitionsRecords;
+
+// An MBR disk in Windows PE without IDE.INI, for lists of disks.
+machine::Disk PlainDisk(uint32_t number, uint64_t size = uint64_t{1} << 30);
+machine::Pc WindowsPe(std::vector<machine::Disk> disks);
