@@ -17,6 +17,7 @@ constexpr uint32_t errorIoDevice = 1117;
 constexpr uint8_t mbrUnused = 0x00;
 constexpr uint8_t mbrExtended = 0x05;
 constexpr uint8_t mbrExtendedLba = 0x0F;
+constexpr uint8_t mbrExtendedLinux = 0x85;  // which Windows does not look into
 constexpr uint8_t mbrProtective = 0xEE;
 
 bool IsExtended(uint8_t type) {
@@ -66,6 +67,8 @@ void ReadMbr(const ImageFile& image, const FdiskSession& session, Disk& disk) {
         const uint8_t type = MbrTypeOf(entry.get());
         if (type == mbrProtective)
             throw image.Error("the GUID partition table is damaged, or the image is truncated");
+        if (type == mbrExtendedLinux)
+            throw image.Error("an extended partition of type 0x85, which Windows does not know");
         Partition partition = PlaceOf(entry.get());
         if (IsExtended(type)) {
             const Region extended = {"the extended partition", partition.offset, partition.size};
@@ -137,7 +140,8 @@ uint32_t ImageTable::SetActive(uint64_t partitionOffset, bool active) {
 }
 
 uint32_t ImageTable::SetMbrType(uint64_t partitionOffset, uint8_t type) {
-    if (type == mbrUnused || IsExtended(type) || type == mbrProtective) return errorInvalidParameter;
+    if (type == mbrUnused || IsExtended(type) || type == mbrExtendedLinux || type == mbrProtective)
+        return errorInvalidParameter;
     return Change(partitionOffset, [type](fdisk_context* context, size_t slot) {
         const FdiskOwner<fdisk_parttype> value(fdisk_new_unknown_parttype(type, ""));
         return value && fdisk_set_partition_type(context, slot, value.get()) == 0;
