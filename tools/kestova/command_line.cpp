@@ -87,13 +87,14 @@ std::string OptionsText() {
     CommandLine line;
     CLI::App app;
     AddOptions(app, line);
-    CLI::Formatter formatter;
-    formatter.column_width(28);
     std::string text;
     for (const CLI::App* const group : app.get_subcommands({})) {
-        text += "\n" + group->get_description() + ":\n";
-        for (const CLI::Option* const option : group->get_options())
-            text += formatter.make_option(option, false);
+        std::vector<std::vector<std::string>> rows;
+        for (const CLI::Option* const option : group->get_options()) {
+            rows.push_back({"--" + option->get_lnames().front() + " " + option->get_option_text(),
+                            option->get_description()});
+        }
+        text += "\n" + group->get_group() + ":\n" + Table(rows, "  ");
     }
     return text;
 }

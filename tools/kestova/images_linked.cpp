@@ -4,7 +4,10 @@
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
                        machine::ImageAccess access) {
     try {
-        return machine::PcOfImages(paths, system, access);
+        machine::Pc pc = machine::PcOfImages(paths, system, access);
+        // A disk with two active flags boots nothing: on a real one the flag moves.
+        pc.switches.activeFlagIsExclusive = true;
+        return pc;
     } catch (const machine::ImageError& error) {
         throw UnreadablePc(error.what());
     }

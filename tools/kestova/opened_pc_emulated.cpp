@@ -139,7 +139,8 @@ struct OpenedPc::Inside {
         for (const std::string& fault : choice.faults)
             emulated.faults.Arm(ReadFault(fault));
         if (choice.images.empty() && choice.pc.empty()) {
-            note = "no PC was named: this is " + before.name + ", a machine that comes with the tool";
+            note =
+                "no PC was named: this is " + before.name + ", a machine in memory that comes with the tool";
         }
     }
 

@@ -1,0 +1,43 @@
+#include "tests/support/program/program.h"
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+ProgramTest::ProgramTest() {
+    std::string name = (fs::temp_directory_path() / "kestova-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the test");
+    folder_ = name;
+}
+
+ProgramTest::~ProgramTest() {
+    std::error_code error;
+    fs::remove_all(folder_, error);
+}
+
+Outcome ProgramTest::Kestova(const std::string& words, const std::string& input) {
+    WriteFile(".input", input);
+    return Run("'" KESTOVA_PROGRAM "' " + words + " <.input");
+}
+
+Outcome ProgramTest::Run(const std::string& command) {
+    const std::string line = "cd '" + folder_.string() + "' && { " + command + " ; } >.output 2>.errors";
+    const int status = std::system(line.c_str());
+    EXPECT_TRUE(WIFEXITED(status)) << command;
+    return {WEXITSTATUS(status), ReadFile(".output"), ReadFile(".errors")};
+}
+
+void ProgramTest::WriteFile(const std::string& name, const std::string& content) {
+    std::ofstream(folder_ / name, std::ios::binary) << content;
+}
+
+std::string ProgramTest::ReadFile(const std::string& name) {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}

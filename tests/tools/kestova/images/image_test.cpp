@@ -1,0 +1,109 @@
+// The program on real disk images, checked with tools that know nothing of it.
+
+#include <gmock/gmock.h>
+
+#include "tests/support/program/program.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class Image : public ProgramTest {
+  protected:
+    Image() {
+        EXPECT_EQ(Run("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
+    }
+
+    bool IsAsItWas() { return Run("cmp " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status == 0; }
+    std::string Table() { return Run("/usr/sbin/sfdisk --dump disk.img | grep ^disk").output; }
+    Outcome Record() {
+        return Run(
+            "dd if=disk.img of=recovery.ntfs bs=1M skip=1 count=60 status=none; "
+            "ntfscat --force recovery.ntfs SystemVolume.ini");
+    }
+};
+
+TEST_F(Image, StatusShowsItUnderWindowsPeAndWritesNothing) {
+    const Outcome outcome = Kestova("--image disk.img status");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.output,
+              "Firmware           BIOS\n"
+              "Running system     Windows PE\n"
+              "Windows directory  X:\\Windows\n"
+              "Internal disk      0\n"
+              "Partition style    MBR\n"
+              "Active partition   2\n"
+              "\n"
+              "  #  Size       Type                    Active  Letter  Label     File system\n"
+              "  1  60.0 MiB   hidden recovery (0x27)  -       C       Recovery  NTFS\n"
+              "  2  120.0 MiB  NTFS (0x07)             active  D       Windows   NTFS\n"
+              "  3  90.0 MiB   NTFS (0x07)             -       E       Data      NTFS\n"
+              "  4  28.0 MiB   hibernation (0x84)      -       -       -         -\n");
+    EXPECT_TRUE(IsAsItWas());
+}
+
+TEST_F(Image, BootRecoveryMovesTheFlagAndWritesTheRecord) {
+    const Outcome outcome = Kestova("--image disk.img boot recovery");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output,
+              "SetRcvprtActive() = 0: done, or it was active already\n"
+              "Changed:\n"
+              "  disk 0, partition 1: active now\n"
+              "  disk 0, partition 1: file SystemVolume.ini created:\n"
+              "    [System]\n"
+              "    Active=2\n"
+              "  disk 0, partition 2: no longer active\n");
+    EXPECT_THAT(Table(), HasSubstr("size=      122880, type=27, bootable\n"));
+    EXPECT_THAT(Table(), HasSubstr("size=      245760, type=7\n"));
+    EXPECT_EQ(Record().output, "[System]\r\nActive=2\r\n");
+}
+
+TEST_F(Image, ThereAndBackLeavesTheTableAndNoRecord) {
+    const std::string table = Table();
+    EXPECT_EQ(Kestova("--image disk.img boot recovery").status, 0);
+    EXPECT_NE(Table(), table);
+    EXPECT_EQ(Kestova("--image disk.img boot system").status, 0);
+    EXPECT_EQ(Table(), table);
+    EXPECT_NE(Record().status, 0);
+    EXPECT_EQ(Run("ntfsfix --no-action recovery.ntfs").status, 0);
+}
+
+TEST_F(Image, DryRunShowsTheSameAndWritesNothing) {
+    const Outcome outcome = Kestova("--image disk.img --dry-run boot recovery");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("Would change:\n  disk 0, partition 1: active now\n"
+                                          "  disk 0, partition 1: file SystemVolume.ini created:\n"));
+    EXPECT_TRUE(IsAsItWas());
+}
+
+TEST_F(Image, FailedFlagLeavesTableAndNoRecord) {
+    const std::string table = Table();
+    EXPECT_EQ(
+        Kestova("--image disk.img --fail 'IVdsAdvancedDisk::ChangeAttributes#1=0x80004005' boot recovery")
+            .status,
+        5);
+    EXPECT_EQ(Table(), table);
+    EXPECT_NE(Record().status, 0);
+}
+
+TEST_F(Image, SavedDescriptionFindsItFromItsOwnFolder) {
+    EXPECT_EQ(Run("mkdir pcs").status, 0);
+    EXPECT_EQ(Kestova("--image disk.img --save pcs/pc.json status").status, 0);
+    const Outcome outcome = Kestova("--pc pcs/pc.json call GetDriveLetter 0 2");
+    EXPECT_EQ(outcome.output, "GetDriveLetter(0, 2) = D: its letter\n");
+    EXPECT_TRUE(IsAsItWas());
+}
+
+TEST_F(Image, ThatIsNoneIsRefused) {
+    EXPECT_EQ(Run("head -c 1000 disk.img > short.img").status, 0);
+    for (const char* const name : {"none.img", "short.img"}) {
+        const Outcome outcome = Kestova(std::string("--image ") + name + " boot recovery");
+        EXPECT_EQ(outcome.status, 3);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, StartsWith(std::string("kestova: ") + name + ": "));
+    }
+}
+
+}  // namespace

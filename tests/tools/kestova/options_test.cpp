@@ -1,0 +1,217 @@
+// The options, wrong use, and the form of what scripts read.
+
+#include <gmock/gmock.h>
+
+#include "tests/support/program/program.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+using Json = ProgramTest;
+using Trace = ProgramTest;
+using Log = ProgramTest;
+using Fail = ProgramTest;
+using DryRun = ProgramTest;
+using Save = ProgramTest;
+using Help = ProgramTest;
+
+struct Mistake {
+    const char* name;
+    const char* words;
+    int status;
+    const char* message;
+};
+
+class WrongUse : public ProgramTest, public testing::WithParamInterface<Mistake> {};
+
+TEST_P(WrongUse, IsToldOnStandardErrorAlone) {
+    const Outcome outcome = Kestova(GetParam().words);
+    EXPECT_EQ(outcome.status, GetParam().status);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, StartsWith(std::string("kestova: ") + GetParam().message));
+}
+
+const Mistake mistakes[] = {
+    {"NoCommand", "", 2, "no command was given\n"},
+    {"Command", "stauts", 2, "there is no command 'stauts'; did you mean status?\n"},
+    {"Option", "--imgae=x status", 2, "there is no option '--imgae'; did you mean --image?\n"},
+    {"Operation", "call GetDriveLeter 0 1", 2,
+     "there is no operation 'GetDriveLeter'; did you mean GetDriveLetter?\n"},
+    {"OperationMissing", "call", 2, "usage: kestova [PC] call OPERATION [ARG...]\n"},
+    {"Target", "boot recvery", 2, "boot: there is no system to boot 'recvery'; did you mean recovery?\n"},
+    {"ArgumentMissing", "call SetActive", 2, "SetActive takes 1 argument, not 0: SetActive PARTITION\n"},
+    {"ArgumentTooMany", "call ClearActive 1", 2, "ClearActive takes 0 arguments, not 1: ClearActive\n"},
+    {"ArgumentNoNumber", "call SetActive one", 2, "partition: 'one' is not a number\n"},
+    {"ArgumentTooLarge", "call SetActive 2147483648", 2, "partition: 2147483648 does not fit into 32 bits\n"},
+    {"ArgumentNoFlag", "call Initialize maybe", 2, "reserved: 'maybe' is neither true nor false\n"},
+    {"Machine", "--pc factry-mbr status", 2,
+     "--pc: there is no machine or file 'factry-mbr'; did you mean factory-mbr?\n"},
+    {"DescriptionMissing", "--pc ./none.json status", 3, "./none.json: there is no such file\n"},
+    {"DescriptionFolder", "--pc / status", 3, "/: cannot be read\n"},
+    {"FaultCall", "--fail CreateFile=1 status", 2,
+     "--fail 'CreateFile=1': there is no call 'CreateFile'; did you mean CreateFileW?\n"},
+    {"FaultWithoutCode", "--fail CreateFileW status", 2, "--fail 'CreateFileW': no '=CODE'\n"},
+    {"FaultCode", "--fail CreateFileW=0x1ffffffff status", 2,
+     "--fail 'CreateFileW=0x1ffffffff': '0x1ffffffff' is not a code of 32 bits\n"},
+    {"FaultNumber", "--fail 'CreateFileW#0=1' status", 2,
+     "--fail 'CreateFileW#0=1': after '#' comes the number of the call, from 1\n"},
+    {"TwoPcs", "--pc factory-mbr --image x status", 2, "--image excludes --pc\n"},
+    {"TwoSystems", "--windows --pe status", 2, "--pe excludes --windows\n"},
+    {"LogFolder", "--log /nowhere/log status", 2, "--log: /nowhere/log cannot be written\n"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, WrongUse, testing::ValuesIn(mistakes),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST_F(Json, OfCallIsTheContract) {
+    const Outcome outcome = Kestova("--pc factory-mbr --json call GetDriveLetter 0 2");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(
+        outcome.output,
+        R"({"operation":"GetDriveLetter","arguments":{"disk":0,"partition":2},"result":"C","outputs":{},)"
+        R"("log":[{"level":4,"text":"Kestova::GetDriveLetter\tStart"},)"
+        R"({"level":4,"text":"Kestova::GetDriveLetter\tEnd. Driver is C"}]})"
+        "\n");
+}
+
+TEST_F(Json, OfRunHasALineForEachStepOfTheObjectsLife) {
+    const Outcome outcome = Kestova("--pc factory-mbr --json run -", "GetDriveLetter 0 3\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(
+        outcome.output,
+        R"({"operation":"Kestova","arguments":{},"result":null,"outputs":{},"log":[)"
+        R"({"level":4,"text":"Kestova::Kestova\tStart"},{"level":4,"text":"Kestova::Kestova\tEnd"}]})"
+        "\n"
+        R"({"operation":"Initialize","arguments":{"reserved":false},"result":1,"outputs":{},"log":[)"
+        R"({"level":4,"text":"Kestova::Initialize\tStart"},)"
+        R"({"level":4,"text":"Kestova::Initialize\tEnd. bRet = 1"}]})"
+        "\n"
+        R"({"operation":"GetDriveLetter","arguments":{"disk":0,"partition":3},"result":"D","outputs":{},)"
+        R"("log":[{"level":4,"text":"Kestova::GetDriveLetter\tStart"},)"
+        R"({"level":4,"text":"Kestova::GetDriveLetter\tEnd. Driver is D"}]})"
+        "\n"
+        R"({"operation":"~Kestova","arguments":{},"result":null,"outputs":{},"log":[)"
+        R"({"level":4,"text":"Kestova::~Kestova\tStart"},{"level":4,"text":"Kestova::CleanMap\tStart"},)"
+        R"({"level":4,"text":"Kestova::CleanMap\tEnd"},{"level":4,"text":"Kestova::~Kestova\tEnd"}]})"
+        "\n");
+}
+
+TEST_F(Json, NamesOutputsAsTheClassDoes) {
+    EXPECT_THAT(
+        Kestova("--pc factory-mbr --json call GetDiskStyle").output,
+        StartsWith(R"({"operation":"GetDiskStyle","arguments":{},"result":1,"outputs":{"style":1},"log":[)"));
+}
+
+TEST_F(Trace, InterleavesCallsAndRecords) {
+    const Outcome outcome =
+        Kestova("--pc factory-mbr --json --trace --fail 'GetDriveTypeW=3' call GetDriveLetter 0 9");
+    EXPECT_THAT(outcome.output,
+                HasSubstr(R"(,"trace":[{"level":4,"text":"Kestova::GetDriveLetter\tStart"},)"
+                          R"({"call":"GetDriveTypeW","arguments":["A:"],"result":"3","injected":true},)"
+                          R"({"call":"CreateFileW","arguments":["\\\\.\\A:")"));
+    EXPECT_THAT(outcome.output, EndsWith(R"({"level":4,"text":"Kestova::GetDriveLetter\tEnd. Driver is 0"}]})"
+                                         "\n"));
+}
+
+TEST_F(Trace, InTextPrecedesTheResult) {
+    const Outcome outcome = Kestova("--pc factory-mbr --trace call GetDriveLetter 0 2");
+    EXPECT_THAT(outcome.output,
+                StartsWith("  log 4  Kestova::GetDriveLetter\tStart\n  GetDriveTypeW(A:) = 1\n"));
+    EXPECT_THAT(outcome.output, EndsWith("GetDriveLetter(0, 2) = C: its letter\n"));
+}
+
+TEST_F(Log, HasALineForEachRecordOfTheObjectsLife) {
+    EXPECT_EQ(Kestova("--pc factory-mbr --no-initialize --log log call GetDriveLetter 0 2").status, 0);
+    EXPECT_EQ(ReadFile("log"),
+              "4\tKestova::Kestova\tStart\n4\tKestova::Kestova\tEnd\n"
+              "4\tKestova::GetDriveLetter\tStart\n4\tKestova::GetDriveLetter\tEnd. Driver is C\n"
+              "4\tKestova::~Kestova\tStart\n4\tKestova::CleanMap\tStart\n"
+              "4\tKestova::CleanMap\tEnd\n4\tKestova::~Kestova\tEnd\n");
+}
+
+TEST_F(Log, ShownBesideJsonGoesToStandardError) {
+    const Outcome outcome = Kestova("--pc factory-mbr --json --log - call GetDriveLetter 0 2");
+    EXPECT_THAT(outcome.output, StartsWith("{\"operation\""));
+    EXPECT_THAT(outcome.errors, StartsWith("4\tKestova::Kestova\tStart\n"));
+    EXPECT_THAT(Kestova("--pc factory-mbr --log - call GetDriveLetter 0 2").output,
+                StartsWith("4\tKestova::Kestova\tStart\n"));
+}
+
+TEST_F(Fail, OnwardsMeetsTheRestoringCallToo) {
+    const Outcome outcome = Kestova(
+        "--pc factory-mbr --trace --fail 'IVdsAdvancedDisk::ChangeAttributes#1+=0x80004005' boot recovery");
+    EXPECT_EQ(outcome.status, 5);
+    size_t count = 0;
+    for (size_t at = 0; (at = outcome.output.find("0x80004005  (injected)", at)) != std::string::npos; ++at)
+        ++count;
+    EXPECT_EQ(count, 2u);
+}
+
+TEST_F(Fail, OfInitializeIsSaid) {
+    const Outcome outcome = Kestova(
+        "--pc factory-mbr --fail 'IVdsServiceLoader::LoadService=0x80080005' call GetDriveLetter 0 2");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "kestova: Initialize: the service could not be loaded in 20 attempts\n");
+}
+
+TEST_F(DryRun, ShowsWhatWouldChange) {
+    const Outcome outcome = Kestova("--pc factory-mbr --dry-run call SetActive 3");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output,
+              "SetActive(3) = 0: done\n"
+              "Would change:\n"
+              "  disk 0, partition 3: active now\n");
+    EXPECT_THAT(Kestova("--pc factory-mbr --dry-run status").output, EndsWith("Nothing would change.\n"));
+}
+
+TEST_F(DryRun, BesideJsonIsShownOnStandardError) {
+    const Outcome outcome = Kestova("--pc factory-mbr --dry-run --json call ClearActive");
+    EXPECT_EQ(outcome.errors, "Would change:\n  disk 0, partition 2: no longer active\n");
+}
+
+TEST_F(Save, WritesAPcThatContinuesWhereThisOneStopped) {
+    EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json boot recovery").status, 0);
+    const Outcome outcome = Kestova("--pc pc.json --save pc.json boot system");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("  disk 0, partition 1: file SystemVolume.ini deleted\n"));
+    EXPECT_FALSE(std::filesystem::exists(Folder() / "pc.json.new"));
+}
+
+TEST_F(Save, ThatCannotBeWrittenFails) {
+    const Outcome outcome = Kestova("--pc factory-mbr --save none/pc.json status");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "kestova: none/pc.json: cannot be written\n");
+}
+
+TEST_F(Save, DoesNotGoWithADryRun) {
+    const Outcome outcome = Kestova("--pc factory-mbr --dry-run --save pc.json status");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_FALSE(std::filesystem::exists(Folder() / "pc.json"));
+}
+
+TEST_F(Help, DescriptionErrorNamesFileAndPlace) {
+    WriteFile("pc.json", "{\"nmae\": \"x\"}");
+    const Outcome outcome = Kestova("--pc pc.json status");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, StartsWith("kestova: pc.json: "));
+}
+
+TEST_F(Help, OtherSystemCanRunOnADescribedPc) {
+    EXPECT_THAT(Kestova("--pc factory-mbr --pe status").output,
+                HasSubstr("Running system     Windows PE\nWindows directory  X:\\Windows\n"));
+}
+
+TEST_F(Help, TellsCommandsOptionsAndStatuses) {
+    const Outcome outcome = Kestova("--help");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("  boot recovery|system     Choose what it boots\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("  --fail NAME[#N][+]=CODE  "));
+    EXPECT_THAT(outcome.output, HasSubstr("    4  the record could not be written\n"));
+    EXPECT_EQ(Kestova("--version").output, "kestova " KESTOVA_VERSION "\n");
+}
+
+}  // namespace
