@@ -14,7 +14,8 @@ WideString ReadDeviceId(const WCHAR* section, int number, const WideString& file
     WCHAR key[32];
     FormatInto(key, std::size(key), TEXT("DeviceID%d"), number);
     WCHAR value[valueCapacity] = {};
-    const DWORD length =
+    // The platform's headers disagree on the type of the count.
+    const auto length =
         GetPrivateProfileStringW(section, key, missingValue, value, valueCapacity, fileName.c_str());
     return length == 0 || WideString(value) == missingValue ? WideString() : WideString(value);
 }
