@@ -5,7 +5,7 @@
 
 namespace {
 
-// A third of a PC: a disk of that number, with nothing on it.
+// A disk of that number with an empty table, named D and its number.
 machine::Disk EmptyDisk(uint32_t number) {
     machine::Disk disk;
     disk.number = number;
