@@ -21,10 +21,10 @@ ProgramTest::~ProgramTest() {
 
 Outcome ProgramTest::Kestova(const std::string& words, const std::string& input) {
     WriteFile(".input", input);
-    return Run("'" KESTOVA_PROGRAM "' " + words + " <.input");
+    return Shell("'" KESTOVA_PROGRAM "' " + words + " <.input");
 }
 
-Outcome ProgramTest::Run(const std::string& command) {
+Outcome ProgramTest::Shell(const std::string& command) {
     const std::string line = "cd '" + folder_.string() + "' && { " + command + " ; } >.output 2>.errors";
     const int status = std::system(line.c_str());
     EXPECT_TRUE(WIFEXITED(status)) << command;

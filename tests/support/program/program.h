@@ -22,7 +22,7 @@ class ProgramTest : public testing::Test {
     // Runs the program with these words, as one would type them for a shell, in the test's folder.
     Outcome Kestova(const std::string& words, const std::string& input = "");
     // Runs any command there.
-    Outcome Run(const std::string& command);
+    Outcome Shell(const std::string& command);
 
     void WriteFile(const std::string& name, const std::string& content);
     std::string ReadFile(const std::string& name);

@@ -59,7 +59,7 @@ const Mistake mistakes[] = {
     {"FaultNumber", "--fail 'CreateFileW#0=1' status", 2,
      "--fail 'CreateFileW#0=1': after '#' comes the number of the call, from 1\n"},
     {"TwoPcs", "--pc factory-mbr --image x status", 2, "--image excludes --pc\n"},
-    {"TwoSystems", "--windows --pe status", 2, "--pe excludes --windows\n"},
+    {"TwoSystems", "--windows --pe status", 2, "--windows excludes --pe\n"},
     {"LogFolder", "--log /nowhere/log status", 2, "--log: /nowhere/log cannot be written\n"},
 };
 

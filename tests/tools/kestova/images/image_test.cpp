@@ -12,13 +12,13 @@ using testing::StartsWith;
 class Image : public ProgramTest {
   protected:
     Image() {
-        EXPECT_EQ(Run("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
+        EXPECT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
     }
 
-    bool IsAsItWas() { return Run("cmp " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status == 0; }
-    std::string Table() { return Run("/usr/sbin/sfdisk --dump disk.img | grep ^disk").output; }
+    bool IsAsItWas() { return Shell("cmp " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status == 0; }
+    std::string Table() { return Shell("/usr/sbin/sfdisk --dump disk.img | grep ^disk").output; }
     Outcome Record() {
-        return Run(
+        return Shell(
             "dd if=disk.img of=recovery.ntfs bs=1M skip=1 count=60 status=none; "
             "ntfscat --force recovery.ntfs SystemVolume.ini");
     }
@@ -67,7 +67,7 @@ TEST_F(Image, ThereAndBackLeavesTheTableAndNoRecord) {
     EXPECT_EQ(Kestova("--image disk.img boot system").status, 0);
     EXPECT_EQ(Table(), table);
     EXPECT_NE(Record().status, 0);
-    EXPECT_EQ(Run("ntfsfix --no-action recovery.ntfs").status, 0);
+    EXPECT_EQ(Shell("ntfsfix --no-action recovery.ntfs").status, 0);
 }
 
 TEST_F(Image, DryRunShowsTheSameAndWritesNothing) {
@@ -89,7 +89,7 @@ TEST_F(Image, FailedFlagLeavesTableAndNoRecord) {
 }
 
 TEST_F(Image, SavedDescriptionFindsItFromItsOwnFolder) {
-    EXPECT_EQ(Run("mkdir pcs").status, 0);
+    EXPECT_EQ(Shell("mkdir pcs").status, 0);
     EXPECT_EQ(Kestova("--image disk.img --save pcs/pc.json status").status, 0);
     const Outcome outcome = Kestova("--pc pcs/pc.json call GetDriveLetter 0 2");
     EXPECT_EQ(outcome.output, "GetDriveLetter(0, 2) = D: its letter\n");
@@ -97,7 +97,7 @@ TEST_F(Image, SavedDescriptionFindsItFromItsOwnFolder) {
 }
 
 TEST_F(Image, ThatIsNoneIsRefused) {
-    EXPECT_EQ(Run("head -c 1000 disk.img > short.img").status, 0);
+    EXPECT_EQ(Shell("head -c 1000 disk.img > short.img").status, 0);
     for (const char* const name : {"none.img", "short.img"}) {
         const Outcome outcome = Kestova(std::string("--image ") + name + " boot recovery");
         EXPECT_EQ(outcome.status, 3);
