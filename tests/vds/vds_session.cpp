@@ -68,6 +68,15 @@ const std::string queryPartitionsRecords = "4 Kestova CVDSPartition::QueryPartit
                                                "4 Kestova CVDSPartition::QueryPartitions End",
                                            });
 
+const std::string refusedPartitionsRecords =
+    "4 Kestova CVDSPartition::QueryPartitions Start\n" + firstDiskRecords +
+    Lines({
+        "4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+        "4 Kestova CVDSEx::GetVdsAdvancedDisk End",
+        "1 Kestova CVDSPartition::QueryPartitions QueryPartitions S_OK != hResult. hResult = "
+        "{long -2147467259} GetLastError = {ulong 2}",
+    });
+
 machine::Disk PlainDisk(uint32_t number, uint64_t size) {
     machine::Disk disk;
     disk.number = number;

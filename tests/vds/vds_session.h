@@ -49,6 +49,8 @@ std::string Lines(std::initializer_list<std::string_view> lines);
 // What GetFirstInternalDriveNumber and QueryPartitions write in an installed Windows whose one disk is 0.
 extern const std::string firstDiskRecords;
 extern const std::string queryPartitionsRecords;
+// The same when the list of partitions is refused with E_FAIL.
+extern const std::string refusedPartitionsRecords;
 
 // An MBR disk in Windows PE without IDE.INI, for lists of disks.
 machine::Disk PlainDisk(uint32_t number, uint64_t size = uint64_t{1} << 30);

@@ -1,0 +1,152 @@
+// Every platform call of every operation fails once, and from one call on for good: nothing crashes, nothing
+// is released twice, nothing is left but what the operation leaves by design, and FALSE is told wherever the
+// operation did not come to its end.
+#include <functional>
+#include <set>
+
+#include "machine/api/call_table.h"
+#include "tests/vds/vds_session.h"
+
+namespace {
+
+constexpr uint32_t failure = 0x80004005;
+
+struct Operation {
+    const char* name;
+    std::function<machine::Pc()> pc;
+    std::function<BOOL(CVDSPartition&)> call;
+    // Calls whose failure the operation survives: it shortens a list, or is handled.
+    std::set<std::string> survived = {};
+};
+
+void PrintTo(const Operation& operation, std::ostream* out) {
+    *out << operation.name;
+}
+
+machine::Pc LetteredRecovery() {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.disks[0].partitions[0].volume->letters = "R";
+    return pc;
+}
+
+BOOL ListSecond(CVDSPartition& partition) {
+    VDS_PARTITION_PROP* partitions = nullptr;
+    LONG count = 0;
+    const BOOL result = partition.QuerySecondPartitions(&partitions, &count);
+    CoTaskMemFree(partitions);
+    return result;
+}
+
+BOOL ActiveNumber(CVDSPartition& partition) {
+    int number = 0;
+    return partition.GetActivePartitionNumber(number);
+}
+
+BOOL Style(CVDSPartition& partition) {
+    int style = 0;
+    return partition.GetDiskPartitionStyle(style);
+}
+
+BOOL FirstNumber(CVDSPartition& partition) {
+    int number = 0;
+    return partition.GetFirstInternalDriveNumber(number);
+}
+
+BOOL GptType(CVDSPartition& partition) {
+    GUID type = {};
+    return partition.GetPartitionType(2, type);
+}
+
+BOOL LabelOfSecond(CVDSPartition& partition) {
+    WCHAR label[16] = {};
+    return partition.SelectDisk(0) && partition.SelectPartition(2) && partition.GetVolumeLabel(label, 16);
+}
+
+const Operation operations[] = {
+    {"GetFirstInternalDriveNumber", machine::FactoryMbr, FirstNumber},
+    {"GetDiskPartitionStyle", machine::FactoryMbr, Style},
+    {"QuerySecondPartitions", machine::WinPeTwoDisks, ListSecond},
+    {"GetActivePartitionNumber", machine::FactoryMbr, ActiveNumber},
+    {"GetPartitionType", machine::FactoryGpt, GptType},
+    {"GetVolumeLabel", machine::FactoryMbr, LabelOfSecond},
+    {"SetActive", machine::FactoryMbr, [](CVDSPartition& partition) { return partition.SetActive(1); }},
+    {"ClearActive", machine::FactoryMbr, [](CVDSPartition& partition) { return partition.ClearActive(); }},
+    {"ChangePartitionType", machine::FactoryMbr,
+     [](CVDSPartition& partition) { return partition.ChangePartitionType(2, MBR_ID_CACHE); }},
+    {"SetDriveLetter assign",
+     machine::FactoryMbr,
+     [](CVDSPartition& partition) { return partition.SetDriveLetter(1, FLAG_ASSIGN); },
+     {"IVdsAdvancedDisk::GetDriveLetter"}},
+    {"SetDriveLetter delete",
+     LetteredRecovery,
+     [](CVDSPartition& partition) { return partition.SetDriveLetter(1, FLAG_DELETE); },
+     {"IVdsAdvancedDisk::GetDriveLetter"}},
+    {"SetDriveLetter query", LetteredRecovery,
+     [](CVDSPartition& partition) { return partition.SetDriveLetter(1, FLAG_QUERY); }},
+};
+
+// Failures that every operation survives: the search for a setting file finds none, an unknown system counts
+// as an installed Windows, or a walk over disks ends early.
+const std::set<std::string> survivedByAll = {
+    "GetModuleFileNameW",
+    "PathFileExistsW",
+    "CloseHandle",
+    "PathRemoveFileSpecW",
+    "PathAppendW",
+    "RegOpenKeyExW",
+    "RegQueryValueExW",
+    "RegCloseKey",
+    "IEnumVdsObject::Next",
+    "IUnknown::QueryInterface",
+    "IVdsSwProvider::QueryPacks",
+    "IVdsPack::GetProperties",
+    "IVdsPack::QueryDisks",
+    "IVdsDisk::GetProperties",
+};
+
+std::string NameOf(const testing::TestParamInfo<Operation>& operation) {
+    std::string name = operation.param.name;
+    std::erase(name, ' ');
+    return name;
+}
+
+// What the operation leaves by design is the strings of the disks' records; nothing else may be left.
+void ExpectOnlyStringsLeft(VdsSession& session) {
+    Holdings left = session.Left(0);
+    left.erase("VDS_DISK_PROP string");
+    EXPECT_EQ(left, Holdings());
+}
+
+}  // namespace
+
+class VdsFaults : public testing::TestWithParam<Operation> {};
+
+TEST_P(VdsFaults, EveryCallMayFail) {
+    const Operation& operation = GetParam();
+    std::vector<machine::CallRecord> calls;
+    {
+        VdsSession session(operation.pc());
+        ASSERT_TRUE(operation.call(*session));
+        calls = session.pc.journal.Calls();
+    }
+    std::map<std::string, uint32_t> counts;
+    for (const machine::CallRecord& call : calls) {
+        if (machine::FindCall(call.call) == nullptr) continue;  // calls that cannot fail
+        const uint32_t nth = ++counts[call.call];
+        for (const bool onwards : {false, true}) {
+            SCOPED_TRACE(call.call + "#" + std::to_string(nth) + (onwards ? "+" : ""));
+            VdsSession session(operation.pc());
+            // A close that failed has closed all the same.
+            const bool closes = call.call == "CloseHandle" || call.call == "RegCloseKey";
+            session.pc.faults.Arm(
+                {.call = call.call, .nth = nth, .onwards = onwards, .afterEffect = closes, .code = failure});
+            const BOOL result = operation.call(*session);
+            EXPECT_GT(session.pc.faults.Fired(), 0);
+            const bool survived = survivedByAll.contains(call.call) || operation.survived.contains(call.call);
+            EXPECT_TRUE(!result || survived);
+            ExpectOnlyStringsLeft(session);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, VdsFaults, testing::ValuesIn(operations), NameOf);
