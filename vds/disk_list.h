@@ -25,7 +25,6 @@ class DiskList {
         }
         return hResult;
     }
-    LONG Count() const { return count_; }
     std::span<const VDS_DISK_PROP> Disks() const { return {disks_, static_cast<size_t>(count_)}; }
 
   private:

@@ -121,6 +121,29 @@ bool IsFirstDisk(FirstDiskSearch& search, int nDiskNumber, size_t position) {
     return true;
 }
 
+// Walks the list. Whether a disk of it is the first internal one; its id is stored.
+BOOL MatchDisks(CVDSPartition& partition, std::span<const VDS_DISK_PROP> disks, FirstDiskSearch& search,
+                GUID& firstDiskId) {
+    BOOL bFind = FALSE;
+    for (size_t position = 0; position < disks.size(); ++position) {
+        const VDS_DISK_PROP& disk = disks[position];
+        if (disk.dwDeviceType != FILE_DEVICE_DISK) {
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT("FILE_DEVICE_DISK != dwDeviceType, lDisk = "))
+                .Long(static_cast<LONG>(position));
+            continue;
+        }
+        int nDiskNumber = -1;
+        if (!IsInternalBus(disk.BusType)) continue;
+        if (!partition.GetPhysicalDriveNumber(disk.pwszName, nDiskNumber)) continue;
+        if (IsFirstDisk(search, nDiskNumber, position)) {
+            firstDiskId = disk.id;
+            bFind = TRUE;
+        }
+    }
+    return bFind;
+}
+
 // Of two candidates on Target Ids of bus 6 the larger disk is the internal one.
 bool PrefersSecond(const FirstDiskSearch& search, std::span<const VDS_DISK_PROP> disks) {
     return search.first.targetLocation == 1 && search.second.targetLocation == 1 &&
@@ -151,22 +174,7 @@ BOOL CVDSPartition::GetFirstInternalDriveNumber(int& diskNumber) {
     LogRecord(LOG_LEVEL_TRACE)
         .Text(TEXT("Kestova CVDSPartition::GetFirstInternalDriveNumber lNumberOfDisks = "))
         .Long(static_cast<LONG>(disks.size()));
-    BOOL bFind = FALSE;
-    for (size_t position = 0; position < disks.size(); ++position) {
-        const VDS_DISK_PROP& disk = disks[position];
-        if (disk.dwDeviceType != FILE_DEVICE_DISK) {
-            LogRecord(LOG_LEVEL_TRACE)
-                .Text(TEXT("FILE_DEVICE_DISK != dwDeviceType, lDisk = "))
-                .Long(static_cast<LONG>(position));
-            continue;
-        }
-        int nDiskNumber = -1;
-        if (!IsInternalBus(disk.BusType) || !GetPhysicalDriveNumber(disk.pwszName, nDiskNumber)) continue;
-        if (IsFirstDisk(search, nDiskNumber, position)) {
-            m_FirstDiskId = disk.id;
-            bFind = TRUE;
-        }
-    }
+    BOOL bFind = MatchDisks(*this, disks, search, m_FirstDiskId);
     if (PrefersSecond(search, disks)) {
         search.first.number = search.second.number;
         m_FirstDiskId = disks[search.second.position].id;

@@ -4,6 +4,7 @@
 #include "device/owners.h"
 #include "text/wide_string.h"
 #include "vds/first_disk_query.h"
+#include "vds/required_interface.h"
 #include "vds/vds_ex.h"
 
 namespace {
@@ -120,7 +121,7 @@ BOOL CVDSPartition::ChangePartitionType(int partitionNumber, BYTE newType) {
 
     ComPtr<IVdsAdvancedDisk2> disk;
     HRESULT hResult = CVDSEx::GetVdsAdvancedDisk2(m_pVdsService, m_FirstDiskId, disk.Put());
-    hResult = WithInterface(hResult, disk.Get());
+    hResult = RequireInterface(hResult, disk.Get());
     if (hResult != S_OK) {
         LogFailure(LOG_LEVEL_ERROR, changeNoDisk, hResult, GetLastError());
         return FALSE;

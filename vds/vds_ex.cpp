@@ -2,6 +2,7 @@
 #include "vds/vds_ex.h"
 
 #include "device/owners.h"
+#include "vds/required_interface.h"
 
 HRESULT CVDSEx::InitializeSecurity() {
     const HRESULT hResult = CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
@@ -13,11 +14,11 @@ HRESULT CVDSEx::GetVdsService(IVdsService** service) {
     ComPtr<IVdsServiceLoader> loader;
     HRESULT hResult = CoCreateInstance(CLSID_VdsLoader, nullptr, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader,
                                        reinterpret_cast<void**>(loader.Put()));
-    hResult = WithInterface(hResult, loader.Get());
+    hResult = RequireInterface(hResult, loader.Get());
     if (hResult != S_OK) return hResult;
     hResult = loader->LoadService(nullptr, service);
     loader.Reset();
-    hResult = WithInterface(hResult, *service);
+    hResult = RequireInterface(hResult, *service);
     if (hResult != S_OK) return hResult;
     hResult = (*service)->WaitForServiceReady();
     return hResult == S_OK ? (*service)->IsServiceReady() : hResult;

@@ -3,6 +3,7 @@
 
 #include "device/owners.h"
 #include "vds/failure_record.h"
+#include "vds/required_interface.h"
 #include "vds/vds_ex.h"
 
 namespace {
@@ -57,7 +58,7 @@ struct DiskArray {
 template <typename Interface>
 HRESULT QueryObject(IUnknown& object, const IID& interfaceId, ComPtr<Interface>& result) {
     const HRESULT hResult = object.QueryInterface(interfaceId, reinterpret_cast<void**>(result.Put()));
-    return WithInterface(hResult, result.Get());
+    return RequireInterface(hResult, result.Get());
 }
 
 // The next object of a list, or none at its end or when the list cannot be read on.

@@ -1,6 +1,7 @@
 // Disks and volumes by id. The four operations are one; what they ask for and what they write is data.
 #include "device/owners.h"
 #include "vds/failure_record.h"
+#include "vds/required_interface.h"
 #include "vds/vds_ex.h"
 
 namespace {
@@ -59,7 +60,7 @@ HRESULT LookUp(IVdsService* service, VDS_OBJECT_ID id, const Lookup& lookup, voi
     if (hResult != S_OK) return hResult;
     ComPtr<IUnknown> object;
     hResult = service->GetObject(id, lookup.type, object.Put());
-    hResult = WithInterface(hResult, object.Get());
+    hResult = RequireInterface(hResult, object.Get());
     if (hResult != S_OK) {
         LogFailure(lookup.service.level, lookup.getObject, hResult, GetLastError());
         return hResult;

@@ -7,7 +7,7 @@ namespace {
 
 constexpr uint32_t failure = 0x80004005;
 
-// The list and the numbers of its disks in order, by their sizes; the array is freed.
+// The result, and the disks in order, known by their sizes; the array is freed.
 struct Listed {
     HRESULT result = E_FAIL;
     std::vector<uint64_t> sizes;

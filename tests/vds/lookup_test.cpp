@@ -5,7 +5,7 @@ namespace {
 
 constexpr uint32_t notFound = 0x80042405;
 
-// The ids of the selected disk and of the volume on its second partition.
+// The id of disk 0, which is selected on the way.
 GUID DiskId(VdsSession& session) {
     EXPECT_TRUE(session->SelectDisk(0));
     session.pc.journal.Clear();
@@ -111,6 +111,16 @@ TEST(GetVdsAdvancedDisk, SuccessWithoutAnObjectIsAnError) {
               Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
                      "1 Kestova CVDSEx::GetVdsAdvancedDisk pVdsService->GetObject S_OK != hResult.hResult = "
                      "{long -2147024809} GetLastError = {ulong 0}"}));
+}
+
+TEST(GetVdsAdvancedDisk, OtherSuccessCodesAreFailures) {
+    VdsSession session(machine::FactoryMbr());
+    session.Fail("IVdsService::GetObject", 1);
+    EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), GUID{}), S_FALSE);
+    EXPECT_EQ(session.Records(),
+              Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
+                     "1 Kestova CVDSEx::GetVdsAdvancedDisk pVdsService->GetObject S_OK != hResult.hResult = "
+                     "{long 1} GetLastError = {ulong 0}"}));
 }
 
 TEST(GetVdsAdvancedDisk, MissingInterfaceIsAnError) {
