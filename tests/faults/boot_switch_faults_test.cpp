@@ -1,0 +1,214 @@
+// Every platform call of the four boot switches fails: each place once, from there on for good, after its
+// effect, and with a success that hands out nothing. Whatever fails, the machine keeps a partition to boot,
+// the code tells what the last record tells, nothing is released twice, and only the kept leftovers stay on
+// loan.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+#include "machine/api/call_table.h"
+#include "machine/core/utf.h"
+#include "machine/model/machines.h"
+#include "platform/partition_types.h"
+#include "tests/support/application/application.h"
+
+namespace {
+
+using machine::FailsWith;
+using machine::FaultRule;
+
+using Flags = std::vector<uint32_t>;
+
+// --- the PCs ---
+
+machine::Pc SystemActive() {
+    machine::Pc facts = machine::FactoryMbr();
+    facts.switches.activeFlagIsExclusive = true;
+    return facts;
+}
+
+// Every flag that was ever set stays.
+machine::Pc FlagsStay() {
+    return machine::FactoryMbr();
+}
+
+// The recovery partition is shown as an ordinary one and will be hidden.
+machine::Pc VisibleRecovery() {
+    machine::Pc facts = SystemActive();
+    PartitionOf(facts, 1).mbrType = MBR_ID_NTFS;
+    PartitionOf(facts, 1).volume->letters = "R";
+    return facts;
+}
+
+machine::Pc RecoveryActive() {
+    machine::Pc facts = machine::WinPeTwoDisks();
+    facts.switches.activeFlagIsExclusive = true;
+    PartitionOf(facts, 1).volume->files.PutFile("SystemVolume.ini", "[System]\r\nActive=3\r\n");
+    return facts;
+}
+
+// --- the switches ---
+
+struct Switch {
+    const char* name;
+    int (Kestova::*operation)();
+    machine::Pc (*facts)();
+    Flags flagsWhenDone;
+    // The last record of each code; the first is that of success.
+    std::vector<std::set<std::string>> lastRecords;
+    // Codes that tell that nothing was changed for good.
+    std::set<int> unchangedCodes;
+};
+
+const std::vector<std::set<std::string>> setRcvprtActive = {
+    {"Kestova::SetRcvprtActive\t\tEnd. Return 0"},
+    {"Kestova::SetRcvprtActive\tGetActivePartitionNumber return False. 1"},
+    {"Kestova::SetRcvprtActive\tGetActivePartitionNumber PartitionNumber is -1. 2"},
+    {"Kestova::SetRcvprtActive\tGetSystemVolumeIni return False. 3"},
+    {"Kestova::SetRcvprtActive\tWritePrivateProfileString return False. 4"},
+    {"Kestova::SetRcvprtActive\tSetActive return False. 5"},
+};
+
+const std::vector<std::set<std::string>> setPOneActive = {
+    {"Kestova::SetPOneActive\t\tEnd", "E:\\SystemVolume.ini"},
+    {"Kestova::SetPOneActive\tGetActivePartitionNumber bReturn is FALSE. (1)"},
+    {"Kestova::SetPOneActive\tGetActivePartitionNumber PartitionNumber is -1.(2)"},
+    {"Kestova::SetPOneActive\tGetSystemVolumeIni bReturn is FALSE. (3)"},
+    {"Kestova::SetPOneActive\tWritePrivateProfileString bReturn is FALSE.(4)"},
+    {"Kestova::SetPOneActive\tSetActive bReturn is FALSE.(5)"},
+    {"Kestova::SetPOneActive\tDeleteFile bReturn is FALSE.(6)"},
+};
+
+const std::vector<std::set<std::string>> setSystemActive = {
+    {"Kestova::SetSystemActive\t\tEnd"},
+    {"Kestova::SetSystemActive\t\tGetActivePartitionNumber return false. 1"},
+    {"Kestova::SetSystemActive\t\tGetActivePartitionNumber PartitionNumber is -1. 2"},
+    {"Kestova::SetSystemActive\t\tGetSystemVolumeIni return FALSE. 3"},
+    {"Kestova::SetSystemActive  SetActive return FALSE. 4"},
+    {"Kestova::SetSystemActive  DeleteFile return FALSE. 4"},
+};
+
+// Code 1 has no record of its own: the last is one of the layer below.
+const std::vector<std::set<std::string>> setPTwoActive = {
+    {"Kestova::SetPTwoActive\t\tEnd"},
+    {},
+    {"Kestova::SetPTwoActive\tGetSystemVolumeIni return FALSE.(2)"},
+    {"Kestova::SetPTwoActive\tDeleteFile return FALSE.(3)"},
+};
+
+const Switch switches[] = {
+    {"SetRcvprtActive", &Kestova::SetRcvprtActive, SystemActive, {1}, setRcvprtActive, {1, 2, 3, 4, 5}},
+    {"SetRcvprtActiveWhereFlagsStay",
+     &Kestova::SetRcvprtActive,
+     FlagsStay,
+     {1, 2},
+     setRcvprtActive,
+     {1, 2, 3, 4, 5}},
+    {"SetRcvprtActiveHidingRecovery",
+     &Kestova::SetRcvprtActive,
+     VisibleRecovery,
+     {1},
+     setRcvprtActive,
+     {1, 2, 3, 4, 5}},
+    {"SetPOneActive", &Kestova::SetPOneActive, SystemActive, {1}, setPOneActive, {1, 2, 3, 4, 5}},
+    {"SetSystemActive", &Kestova::SetSystemActive, RecoveryActive, {3}, setSystemActive, {1, 2, 3, 4}},
+    {"SetPTwoActive", &Kestova::SetPTwoActive, RecoveryActive, {2}, setPTwoActive, {1}},
+};
+
+// --- the failures ---
+
+// What a real failure of that kind of call answers.
+uint32_t FailureCode(FailsWith failsWith) {
+    switch (failsWith) {
+        case FailsWith::Hresult:
+            return 0x80004005;
+        case FailsWith::Value:
+            return DRIVE_NO_ROOT_DIR;
+        default:
+            return ERROR_ACCESS_DENIED;
+    }
+}
+
+std::vector<FaultRule> WaysToFail(const std::string& call, uint32_t nth) {
+    const machine::CallInfo& info = *machine::FindCall(call);
+    const uint32_t code = FailureCode(info.failsWith);
+    std::vector<FaultRule> rules = {{.call = call, .nth = nth, .code = code},
+                                    {.call = call, .nth = nth, .onwards = true, .code = code}};
+    if (info.changesPc) rules.push_back({.call = call, .nth = nth, .afterEffect = true, .code = code});
+    if (info.failsWith == FailsWith::Hresult) rules.push_back({.call = call, .nth = nth, .code = S_OK});
+    return rules;
+}
+
+std::string ToText(const FaultRule& rule) {
+    return rule.call + "#" + std::to_string(rule.nth) + (rule.onwards ? "+" : "") +
+           (rule.afterEffect ? " after its effect" : "") + "=" + std::to_string(rule.code);
+}
+
+// Every call of an undisturbed run that has a fault point: its name and how-manieth it is.
+std::vector<std::pair<std::string, uint32_t>> PlacesToFail(const Switch& tested) {
+    Application application(tested.facts());
+    EXPECT_EQ((application.kestova.*tested.operation)(), 0);
+    EXPECT_EQ(ActivePartitions(application.pc), tested.flagsWhenDone);
+    std::map<std::string, uint32_t> counts;
+    std::vector<std::pair<std::string, uint32_t>> places;
+    for (const machine::CallRecord& call : application.pc.journal.Calls()) {
+        if (machine::FindCall(call.call) != nullptr) places.emplace_back(call.call, ++counts[call.call]);
+    }
+    return places;
+}
+
+// Interfaces that the volume layer overwrites and strings that nobody frees, as long as the object lives; and
+// what a failing close could not give back.
+void ExpectOnlyKeptLeftovers(const machine::Ledger& ledger, const std::string& failing) {
+    std::set<std::string> kept = {"COM initialization", "IVdsService", "IVdsAdvancedDisk", "IVdsDisk",
+                                  "VDS_DISK_PROP string"};
+    if (failing == "CloseHandle") kept.insert("file handle");
+    if (failing == "RegCloseKey") kept.insert("registry key");
+    if (failing == "SetupDiDestroyDeviceInfoList") kept.insert("device info set");
+    for (const auto& [kind, count] : ledger.Outstanding())
+        EXPECT_TRUE(kept.contains(kind)) << count << " " << kind;
+    EXPECT_TRUE(ledger.Violations().empty()) << ledger.Violations().front();
+}
+
+class BootSwitchFaults : public testing::TestWithParam<Switch> {};
+
+TEST_P(BootSwitchFaults, LeaveAMachineThatBootsAndTellWhatHappened) {
+    const Switch& tested = GetParam();
+    const auto places = PlacesToFail(tested);
+    ASSERT_GT(places.size(), 50U);
+    for (const auto& [call, nth] : places) {
+        for (const FaultRule& rule : WaysToFail(call, nth)) {
+            SCOPED_TRACE(ToText(rule));
+            Application application(tested.facts());
+            const Flags flagsBefore = ActivePartitions(application.pc);
+            const std::optional<std::string> recordBefore = SystemVolumeIni(application.pc);
+            application.pc.faults.Arm(rule);
+            const int code = (application.kestova.*tested.operation)();
+            EXPECT_GT(application.pc.faults.Fired(), 0);
+
+            ASSERT_TRUE(code >= 0 && static_cast<size_t>(code) < tested.lastRecords.size()) << code;
+            const std::set<std::string>& lastRecords = tested.lastRecords[static_cast<size_t>(code)];
+            if (!lastRecords.empty()) {
+                EXPECT_TRUE(
+                    lastRecords.contains(machine::ToUtf8(application.pc.journal.Records().back().Text())));
+            }
+            EXPECT_FALSE(ActivePartitions(application.pc).empty());
+            // An effect behind a failure, or a success without one, is more than the operation can know.
+            const bool honest = !rule.afterEffect && rule.code != S_OK;
+            if (honest && tested.unchangedCodes.contains(code)) {
+                if (tested.operation != &Kestova::SetPTwoActive) {
+                    EXPECT_EQ(ActivePartitions(application.pc), flagsBefore);
+                }
+                EXPECT_EQ(SystemVolumeIni(application.pc), recordBefore);
+            }
+            ExpectOnlyKeptLeftovers(application.pc.ledger, call);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, BootSwitchFaults, testing::ValuesIn(switches),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+}  // namespace
