@@ -80,6 +80,8 @@ void DealLetters(Pc& pc) {
 Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAccess access) {
     Pc pc = system == SystemKind::WindowsPe ? WindowsPePc() : Pc();
     pc.name = "images";
+    // The platform does not say what becomes of the other flags; a disk with two of them boots nothing.
+    pc.switches.activeFlagIsExclusive = true;
     for (const std::string& path : paths) {
         const auto number = static_cast<uint32_t>(pc.disks.size());
         Disk disk = SataDisk(number, 0, "IMAGE___________________________________", sataController);

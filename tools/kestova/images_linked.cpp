@@ -4,10 +4,7 @@
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
                        machine::ImageAccess access) {
     try {
-        machine::Pc pc = machine::PcOfImages(paths, system, access);
-        // A disk with two active flags boots nothing: on a real one the flag moves.
-        pc.switches.activeFlagIsExclusive = true;
-        return pc;
+        return machine::PcOfImages(paths, system, access);
     } catch (const machine::ImageError& error) {
         throw UnreadablePc(error.what());
     }
