@@ -66,6 +66,15 @@ class Logger final : public ILogger {
     }
 
   private:
+    // A sink that fails disturbs neither the operation that logs nor the other sinks.
+    void HandTo(ILogSink& sink) noexcept {
+        try {
+            sink.Write(record_.Entry());
+        } catch (...) {
+            return;
+        }
+    }
+
     std::vector<ILogSink*> sinks_;
     Record record_;
 };

@@ -84,6 +84,22 @@ TEST_F(LoggerTest, WritesToASinkAddedTwiceOnce) {
     EXPECT_EQ(sink_.entries.size(), 1U);
 }
 
+class FailingSink : public ILogSink {
+  public:
+    void Write(const LogEntry&) override { throw 1; }
+};
+
+TEST_F(LoggerTest, SinkThatFailsDisturbsNobody) {
+    FailingSink failing;
+    logger_.RemoveSink(sink_);
+    logger_.AddSink(failing);
+    logger_.AddSink(sink_);
+    logger_.BeginRecord(LOG_LEVEL_TRACE);
+    EXPECT_NO_THROW(logger_.EndRecord());
+    logger_.RemoveSink(failing);
+    EXPECT_EQ(sink_.entries.size(), 1U);
+}
+
 TEST_F(LoggerTest, WritesNothingToARemovedSink) {
     logger_.RemoveSink(sink_);
     logger_.BeginRecord(LOG_LEVEL_TRACE);
