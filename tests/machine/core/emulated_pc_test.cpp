@@ -53,5 +53,5 @@ TEST(EmulatedPcDeathTest, CallWithoutPcEndsTheProgramWithMessage) {
 
 TEST(EmulatedPcDeathTest, SecondPcEndsTheProgramWithMessage) {
     EmulatedPc pc(machine::FactoryMbr());
-    EXPECT_DEATH(EmulatedPc(machine::FactoryGpt()), "an emulated PC is alive already");
+    EXPECT_DEATH(EmulatedPc{machine::FactoryGpt()}, "an emulated PC is alive already");
 }
