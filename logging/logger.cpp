@@ -62,7 +62,7 @@ class Logger final : public ILogger {
     }
     void EndRecord() override {
         for (ILogSink* sink : sinks_)
-            sink->Write(record_.Entry());
+            HandTo(*sink);
     }
 
   private:

@@ -18,27 +18,27 @@
 #ifndef _WIN32
 // What the Wine headers lack: records of the partition controls, laid out as in winioctl.h, and a call.
 
-typedef enum _PARTITION_STYLE {
+enum PARTITION_STYLE {
     PARTITION_STYLE_MBR,
     PARTITION_STYLE_GPT,
     PARTITION_STYLE_RAW
-} PARTITION_STYLE;
+};
 
-typedef struct _PARTITION_INFORMATION_MBR {
+struct PARTITION_INFORMATION_MBR {
     BYTE PartitionType;
     BOOLEAN BootIndicator;
     BOOLEAN RecognizedPartition;
     DWORD HiddenSectors;
-} PARTITION_INFORMATION_MBR;
+};
 
-typedef struct _PARTITION_INFORMATION_GPT {
+struct PARTITION_INFORMATION_GPT {
     GUID PartitionType;
     GUID PartitionId;
     DWORD64 Attributes;
     WCHAR Name[36];
-} PARTITION_INFORMATION_GPT;
+};
 
-typedef struct _PARTITION_INFORMATION_EX {
+struct PARTITION_INFORMATION_EX {
     PARTITION_STYLE PartitionStyle;
     LARGE_INTEGER StartingOffset;
     LARGE_INTEGER PartitionLength;
@@ -48,20 +48,20 @@ typedef struct _PARTITION_INFORMATION_EX {
         PARTITION_INFORMATION_MBR Mbr;
         PARTITION_INFORMATION_GPT Gpt;
     };
-} PARTITION_INFORMATION_EX;
+};
 
-typedef struct _DRIVE_LAYOUT_INFORMATION_MBR {
+struct DRIVE_LAYOUT_INFORMATION_MBR {
     DWORD Signature;
-} DRIVE_LAYOUT_INFORMATION_MBR;
+};
 
-typedef struct _DRIVE_LAYOUT_INFORMATION_GPT {
+struct DRIVE_LAYOUT_INFORMATION_GPT {
     GUID DiskId;
     LARGE_INTEGER StartingUsableOffset;
     LARGE_INTEGER UsableLength;
     DWORD MaxPartitionCount;
-} DRIVE_LAYOUT_INFORMATION_GPT;
+};
 
-typedef struct _DRIVE_LAYOUT_INFORMATION_EX {
+struct DRIVE_LAYOUT_INFORMATION_EX {
     DWORD PartitionStyle;
     DWORD PartitionCount;
     union {
@@ -69,7 +69,7 @@ typedef struct _DRIVE_LAYOUT_INFORMATION_EX {
         DRIVE_LAYOUT_INFORMATION_GPT Gpt;
     };
     PARTITION_INFORMATION_EX PartitionEntry[1];
-} DRIVE_LAYOUT_INFORMATION_EX;
+};
 
 extern "C" DWORD WINAPI GetFirmwareEnvironmentVariableW(LPCWSTR name, LPCWSTR guid, PVOID buffer, DWORD size);
 #endif
