@@ -24,8 +24,8 @@ WideString ReadDeviceId(const WCHAR* section, int number, const WideString& file
 
 WideString IdeIniPath() {
     WCHAR path[MAX_PATH] = {};
-    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-    if (length == 0 || length >= MAX_PATH) return WideString();
+    // A path that is cut in its file name still tells the folder.
+    if (GetModuleFileNameW(nullptr, path, MAX_PATH) == 0) return WideString();
     PathRemoveFileSpecW(path);
     return PathAppendW(path, TEXT("IDE.INI")) ? WideString(path) : WideString();
 }

@@ -5,8 +5,8 @@
 #include "platform/windows_api.h"
 #include "text/wide_string.h"
 
-// Where IDE.INI is looked for: the folder of the host process's executable. Empty when that path cannot be
-// had whole in 260 units. Rests on GetModuleFileNameW.
+// Where IDE.INI is looked for: the folder of the host process's executable, also when its file name
+// does not fit into 260 units. Empty when the platform does not tell it. Rests on GetModuleFileNameW.
 WideString IdeIniPath();
 
 // The number of the first key of the section whose value the controller id begins with, without regard to

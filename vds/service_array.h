@@ -19,7 +19,7 @@ class ServiceArray {
 
     bool HasArray() const { return records_ != nullptr; }
     std::span<const Record> Records() const {
-        return {records_, records_ != nullptr ? static_cast<size_t>(count_) : 0};
+        return {records_, records_ != nullptr && count_ > 0 ? static_cast<size_t>(count_) : 0};
     }
 
   private:

@@ -11,6 +11,7 @@ HRESULT CVDSEx::InitializeSecurity() {
 }
 
 HRESULT CVDSEx::GetVdsService(IVdsService** service) {
+    *service = nullptr;
     ComPtr<IVdsServiceLoader> loader;
     HRESULT hResult = CoCreateInstance(CLSID_VdsLoader, nullptr, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader,
                                        reinterpret_cast<void**>(loader.Put()));

@@ -138,6 +138,7 @@ HRESULT CVDSEx::QueryDisks(IVdsService* service, VDS_DISK_PROP** disks, LONG* co
     AppendDisks(unallocated, unallocatedDisk, array);
     *disks = array.disks;
     *count = array.count;
+    unallocated.Reset();
 
     ComPtr<IEnumVdsObject> providers;
     hResult = service->QueryProviders(VDS_QUERY_SOFTWARE_PROVIDERS, providers.Put());

@@ -39,7 +39,7 @@ Codec<std::optional<T>> OrNull(Codec<T> codec) {
 
 // The value, or {"error": 13} where asking for it fails.
 template <typename T>
-Codec<Fact<T>> OrError(Codec<T> codec, Codec<uint32_t> error) {
+Codec<Fact<T>> OrError(Codec<T> codec, const Codec<uint32_t>& error) {
     return {[codec, error](const Node& node, const Fact<T>& standard) {
                 if (!node.Value().is_object() || !node.Value().contains("error"))
                     return Fact<T>(codec.read(node, standard.value.value_or(T())));

@@ -40,11 +40,18 @@ TEST(IdeIniPath, NoModulePath) {
     EXPECT_EQ(IdeIniPath(), TEXT(""));
 }
 
-TEST(IdeIniPath, ModulePathThatIsCut) {
+TEST(IdeIniPath, ModulePathThatIsCutInItsFileNameTellsTheFolder) {
+    machine::Pc facts = PcWithIni("");
+    facts.host.path = "C:\\" + std::string(240, 'a') + "\\" + std::string(30, 'b') + ".exe";
+    const HostedPc pc(facts);
+    EXPECT_EQ(IdeIniPath(), TEXT("C:\\") + WideString(240, TEXT('a')) + TEXT("\\IDE.INI"));
+}
+
+TEST(IdeIniPath, ModulePathThatIsCutInItsFolderTellsTheFolderAbove) {
     machine::Pc facts = PcWithIni("");
     facts.host.path = "C:\\" + std::string(260, 'a') + "\\Recovery.exe";
     const HostedPc pc(facts);
-    EXPECT_EQ(IdeIniPath(), TEXT(""));
+    EXPECT_EQ(IdeIniPath(), TEXT("C:\\IDE.INI"));
 }
 
 TEST(IdeIniPath, NameThatCannotBeAppended) {
