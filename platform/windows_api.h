@@ -18,11 +18,7 @@
 #ifndef _WIN32
 // What the Wine headers lack: records of the partition controls, laid out as in winioctl.h, and a call.
 
-enum PARTITION_STYLE {
-    PARTITION_STYLE_MBR,
-    PARTITION_STYLE_GPT,
-    PARTITION_STYLE_RAW
-};
+enum PARTITION_STYLE { PARTITION_STYLE_MBR, PARTITION_STYLE_GPT, PARTITION_STYLE_RAW };
 
 struct PARTITION_INFORMATION_MBR {
     BYTE PartitionType;
