@@ -48,7 +48,7 @@ class KESTOVA_API Kestova {
     // Letter of a partition, the first in the alphabet that is a fixed drive on exactly one extent; '0'
     // without one.
     WCHAR GetDriveLetter(int disk, int partition);
-    // Sets the active flag of an MBR partition of the first internal disk and clears no other.
+    // Sets the active flag of an MBR partition of the first internal disk; clears no other flag itself.
     // 0: done; 1: failed. Also 0 when the object has no volume layer.
     int SetActive(int partition);
     // Clears every active flag of the first internal disk. 0: done; 1: failed. Also 0 without a volume layer.
@@ -62,17 +62,19 @@ class KESTOVA_API Kestova {
     // --- choosing what the machine boots ---
 
     // Makes the recovery partition active and records the partition that was. 0: done, or it was active
-    // already; 1: no active partition could be read; 2: its number is unknown; 3: the recovery partition or
-    // its letter is missing; 4: the record could not be written; 5: the flag could not be set, and all is as
-    // it was.
+    // already; 1: no active partition could be read; 2: its number is unknown; 3: the recovery partition
+    // cannot be used: no letter, an unexpected type, or no recovery files; 4: the record could not be
+    // written; 5: the flag could not be set; deleting the record and setting the former flag again was tried.
     int SetRcvprtActive();
     // Returns to the recorded partition, 2 without a usable record. 0: done, or nothing to do; 1 to 3 as
-    // above; 4: the flag could not be set; 5: the record could not be deleted.
+    // SetRcvprtActive; 4: the flag could not be set; 5: the record could not be deleted.
     int SetSystemActive();
-    // As SetRcvprtActive, and drops a record that says nothing usable or 2. 6: it could not be dropped.
+    // As SetRcvprtActive, and drops a record that says nothing usable or 2. 0 to 5 as there; 6: it could not
+    // be dropped.
     int SetPOneActive();
-    // Makes partition 2 active and deletes the record. 0: done; 1: failed, partition 1 is active again; 2:
-    // the recovery partition or its letter is missing; 3: the record could not be deleted.
+    // Makes partition 2 active and deletes the record. 0: done; 1: the flag could not be set; setting
+    // partition 1 again was tried; 2: the recovery partition cannot be used: no letter, an unexpected type,
+    // or no recovery files; 3: the record could not be deleted. At 2 and 3 partition 2 is active already.
     int SetPTwoActive();
 
   private:

@@ -73,8 +73,10 @@ void CompareVolumeFiles(const std::string& place, const Volume& before, const Vo
     CompareFiles(place, watched->Touched(), now, texts);
 }
 
-std::string Named(const std::string& letters) {
-    return letters.empty() ? "none" : letters;
+std::string LetterChange(const std::string& before, const std::string& after) {
+    if (before.empty()) return "given letter " + after;
+    if (after.empty()) return "letter " + before + " taken away";
+    return "letter " + before + " became " + after;
 }
 
 void ComparePartitions(const std::string& place, const Partition& before, const Partition& after,
@@ -90,7 +92,7 @@ void ComparePartitions(const std::string& place, const Partition& before, const 
     const Volume oldVolume = before.volume.value_or(Volume());
     const Volume newVolume = after.volume.value_or(Volume());
     if (oldVolume.letters != newVolume.letters) {
-        texts.push_back(place + "letter " + Named(oldVolume.letters) + " became " + Named(newVolume.letters));
+        texts.push_back(place + LetterChange(oldVolume.letters, newVolume.letters));
     }
     CompareVolumeFiles(place, oldVolume, newVolume, texts);
 }

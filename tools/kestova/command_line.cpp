@@ -60,6 +60,28 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
     return names;
 }
 
+std::string Message(const CLI::ParseError& error) {
+    const std::string text = error.what();
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ArgumentMismatch)) return text;
+    const bool missing = text.find("missing") != std::string::npos;
+    return text.substr(0, text.find(':')) + (missing ? " needs a value" : " can be given only once");
+}
+
+// The options that were given. Throws WrongUse for one with an empty value.
+std::vector<std::string> GivenOptions(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* const group : app.get_subcommands({})) {
+        for (const CLI::Option* const option : group->get_options()) {
+            if (option->count() == 0) continue;
+            names.push_back("--" + option->get_lnames().front());
+            for (const std::string& value : option->results()) {
+                if (value.empty()) throw WrongUse(names.back() + ": the value is empty");
+            }
+        }
+    }
+    return names;
+}
+
 }  // namespace
 
 CommandLine ReadCommandLine(int count, const char* const* words) {
@@ -72,11 +94,12 @@ CommandLine ReadCommandLine(int count, const char* const* words) {
     try {
         app.parse(count, words);
     } catch (const CLI::ParseError& error) {
-        throw WrongUse(error.what());
+        throw WrongUse(Message(error));
     }
     for (const std::string& unknown : app.remaining(true)) {
         throw WrongUse(UnknownWord("option", unknown.substr(0, unknown.find('=')), OptionNames(app)));
     }
+    line.options = GivenOptions(app);
     if (positional.empty()) return line;
     line.command = positional.front();
     line.arguments.assign(positional.begin() + 1, positional.end());

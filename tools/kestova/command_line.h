@@ -10,6 +10,7 @@ struct CommandLine {
     PcChoice choice;
     std::string command;
     std::vector<std::string> arguments;  // of the command
+    std::vector<std::string> options;    // that were given, by name
     std::string log;                     // file, or "-"
     bool json = false;
     bool initialize = true;

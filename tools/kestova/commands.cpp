@@ -13,14 +13,19 @@
 
 namespace {
 
+void ShowRemark(const std::string& remark) {
+    if (!remark.empty()) std::cerr << "kestova: " << remark << "\n";
+}
+
 int Status(const CommandLine& line) {
-    return Host(line, {.run = [&](Session& session) -> int {
-                    const Json status = ReadStatus(session.Object());
-                    std::cout << (line.json ? status.dump() + "\n" : StatusText(status));
-                    if (!status.contains("problem")) return Done;
-                    std::cerr << "kestova: " << status["problem"].get<std::string>() << "\n";
-                    return Failure;
-                }});
+    return Host(line, {.initialize = false, .run = [&](Session& session) -> int {
+                           const Json status = ReadStatus(session, line.initialize);
+                           std::cout << (line.json ? status.dump() + "\n" : StatusText(status));
+                           ShowRemark(status.value("remark", ""));
+                           if (!status.contains("problem")) return Done;
+                           std::cerr << "kestova: " << status["problem"].get<std::string>() << "\n";
+                           return Failure;
+                       }});
 }
 
 const std::vector<std::pair<std::string, std::string>>& BootTargets() {
@@ -40,6 +45,7 @@ int Boot(const CommandLine& line) {
                     {.access = Access::Change, .showChanges = true, .run = [&](Session& session) -> int {
                          const Json report = session.Call(operation, Json::object());
                          Show(line, operation, report);
+                         ShowRemark(ActiveFlagsRemark(session.Object()));
                          return report["result"].get<int>();
                      }});
     }
@@ -64,12 +70,16 @@ int Call(const CommandLine& line) {
     const PlannedCall call{&operation, ReadArguments(operation, words)};
     return Host(line, {.access = AccessFor({call}),
                        .initialize = operation.name != "Initialize",
+                       .showChanges = operation.changesPc,
                        .run = [&](Session& session) { return CallAndShow(line, session, call); }});
 }
 
 int Run(const CommandLine& line) {
     const std::vector<PlannedCall> calls = ReadScriptFile(line.arguments[0]);
-    return Host(line, {.access = AccessFor(calls), .showLife = true, .run = [&](Session& session) -> int {
+    return Host(line, {.access = AccessFor(calls),
+                       .showLife = true,
+                       .script = line.arguments[0],
+                       .run = [&](Session& session) -> int {
                            int status = Done;
                            for (const PlannedCall& call : calls) {
                                status = std::max(status, CallAndShow(line, session, call));
@@ -111,17 +121,24 @@ std::string BootStatuses() {
     return text;
 }
 
+bool Uses(const Command& command, const std::string& option) {
+    if (option == "--json") return true;
+    return command.usesPc && (command.traces || option != "--trace");
+}
+
 }  // namespace
 
 const std::vector<Command>& Commands() {
     constexpr size_t any = 64;
     static const std::vector<Command> commands = {
-        {"status", "", "What this PC is", 0, 0, Status},
-        {"boot", "recovery|system", "Choose what it boots", 1, 1, Boot},
-        {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, Call},
-        {"run", "SCRIPT|-", "One operation a line, on one object", 1, 1, Run},
-        {"operations", "", "Every public operation with its arguments and results", 0, 0, ListOperations},
-        {"pcs", "", "The machines that come with the tool", 0, 0, ListPcs},
+        {"status", "", "What this PC is", 0, 0, true, false, Status},
+        {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
+        {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
+         true, Call},
+        {"run", "SCRIPT|-", "One operation a line, on one object", 1, 1, true, true, Run},
+        {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
+         ListOperations},
+        {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},
     };
     return commands;
 }
@@ -132,8 +149,13 @@ const Command& FindCommand(const CommandLine& line) {
         names.emplace_back(command.name);
         if (line.command != command.name) continue;
         const size_t count = line.arguments.size();
-        if (count >= command.fewest && count <= command.most) return command;
-        throw WrongUse("usage: kestova [PC] " + line.command + " " + command.arguments);
+        if (count < command.fewest || count > command.most) {
+            throw WrongUse("usage: kestova [PC] " + line.command + " " + command.arguments);
+        }
+        for (const std::string& option : line.options) {
+            if (!Uses(command, option)) throw WrongUse(line.command + " does not use " + option);
+        }
+        return command;
     }
     if (line.command.empty()) throw WrongUse("no command was given");
     throw WrongUse(UnknownWord("command", line.command, names));

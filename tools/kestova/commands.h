@@ -12,6 +12,8 @@ struct Command {
     const char* summary;
     size_t fewest;  // arguments
     size_t most;
+    bool usesPc;
+    bool traces;
     int (*run)(const CommandLine& line);  // answers the exit status
 };
 
@@ -20,5 +22,6 @@ const std::vector<Command>& Commands();
 // What --help shows: commands, options and exit statuses.
 std::string HelpText();
 
-// Throws WrongUse for an unknown command or a wrong number of arguments.
+// Throws WrongUse for an unknown command, a wrong number of arguments, or an option that is
+// without effect on the command.
 const Command& FindCommand(const CommandLine& line);

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "tools/kestova/errors.h"
+#include "tools/kestova/output_files.h"
 #include "tools/kestova/report_text.h"
 
 namespace {
@@ -20,8 +21,10 @@ class LogOutput {
         if (name_.empty()) return nullptr;
         return name_ == "-" ? &shown_ : &file_;
     }
-    void Close() {
-        if (file_.is_open() && !file_.flush()) throw Failed(name_ + ": cannot be written");
+    // False when a record did not reach the file.
+    bool Close() {
+        if (file_.is_open()) file_.close();
+        return !file_.fail();
     }
 
   private:
@@ -81,6 +84,7 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
 
 int Host(const CommandLine& line, const Work& work) {
     OpenedPc pc(line.choice, work.access);
+    CheckOutputFiles(line, pc.Inputs(), work.script);
     LogOutput log(line);
     if (!pc.Note().empty()) std::cerr << "kestova: " << pc.Note() << "\n";
     int status = Done;
@@ -89,7 +93,10 @@ int Host(const CommandLine& line, const Work& work) {
         status = RunOnObject(line, work, session);
     }
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
-    log.Close();
+    if (!log.Close()) {
+        std::cerr << "kestova: " << line.log << ": cannot be written\n";
+        status = Failure;
+    }
     if (!line.choice.save.empty()) pc.Save(line.choice.save);
     return status;
 }

@@ -12,6 +12,7 @@ struct Work {
     bool initialize = true;
     bool showLife = false;                     // report construction, Initialize and destruction too
     bool showChanges = false;                  // also without --dry-run
+    std::string script = {};                   // the file that the work was read from
     std::function<int(Session& session)> run;  // answers the exit status
 };
 

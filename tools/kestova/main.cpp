@@ -1,5 +1,6 @@
 // kestova: the recovery library on the command line.
 
+#include <csignal>
 #include <iostream>
 
 #include "tools/kestova/command_line.h"
@@ -26,11 +27,22 @@ int Complain(const std::exception& error, ExitStatus status) {
     return status;
 }
 
+// What was done stays done; whoever reads the status must know that its report is lost.
+int CheckOutput(int status) {
+    if (std::cout.flush()) return status;
+    std::cerr << "kestova: standard output cannot be written\n";
+    return Failure;
+}
+
 }  // namespace
 
 int main(int count, char** words) {
+#ifdef SIGPIPE
+    // A reader that goes away must not end an operation halfway.
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
     try {
-        return Run(count, words);
+        return CheckOutput(Run(count, words));
     } catch (const WrongUse& error) {
         std::cerr << "kestova: " << error.what() << "\n(kestova --help tells what there is)\n";
         return WrongUseStatus;

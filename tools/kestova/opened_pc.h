@@ -23,6 +23,12 @@ struct PcChoice {
 
 enum class Access { Ask, Change };
 
+// The files that a PC is read from.
+struct InputFiles {
+    std::string description;  // empty without one
+    std::vector<std::string> images;
+};
+
 // While it lives the library's calls reach this PC, and the library is loaded as a program's loader would.
 class OpenedPc {
   public:
@@ -35,6 +41,7 @@ class OpenedPc {
 
     // What the user should know about the choice; empty when there is nothing to say.
     const std::string& Note() const;
+    InputFiles Inputs() const;
     // Platform calls and log records in order, since the last time.
     Json TakeTrace();
     // What is different since it was opened, a text each; nothing when this build cannot tell.

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "machine/core/emulated_pc.h"
 #include "machine/core/letters.h"
@@ -14,8 +13,10 @@
 #include "tools/kestova/fault_option.h"
 #include "tools/kestova/images.h"
 #include "tools/kestova/opened_pc.h"
+#include "tools/kestova/output_files.h"
 #include "tools/kestova/session.h"
 #include "tools/kestova/text.h"
+#include "tools/kestova/whole_file.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 
@@ -47,17 +48,29 @@ const NamedMachine* FindMachine(std::string_view name) {
     throw WrongUse("--pc: " + UnknownWord("machine or file", nameOrFile, names));
 }
 
-// Images of a description lie relative to its file.
-Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
+// A description is small; what is not has been taken for one by mistake.
+std::string ReadDescriptionText(const std::string& name) {
+    constexpr size_t most = size_t{16} << 20;
     std::error_code error;
     if (!fs::exists(name, error)) RefuseMissing(name);
     std::ifstream file(name, std::ios::binary);
-    std::ostringstream text;
-    if (fs::is_directory(name, error) || !file || !(text << file.rdbuf())) {
+    std::string text(most + 1, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (fs::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
         throw UnreadablePc(name + ": cannot be read");
     }
+    text.resize(static_cast<size_t>(file.gcount()));
+    if (text.size() > most) {
+        throw UnreadablePc(name + ": larger than 16 MiB, so no description; name a disk image with --image");
+    }
+    if (text.empty()) throw UnreadablePc(name + ": the description is empty");
+    return text;
+}
+
+// Images of a description lie relative to its file.
+Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
     try {
-        Pc pc = machine::ReadDescription(text.str(), name);
+        Pc pc = machine::ReadDescription(ReadDescriptionText(name), name);
         for (machine::Disk& disk : pc.disks) {
             if (!disk.image.empty()) disk.image = (fs::path(name).parent_path() / disk.image).string();
         }
@@ -117,20 +130,6 @@ Json TraceEntry(const machine::JournalEntry& entry) {
     return json;
 }
 
-// What it replaces stays whole until the new text is complete.
-void WriteWhole(const std::string& file, const std::string& text) {
-    const std::string fresh = file + ".new";
-    std::ofstream stream(fresh, std::ios::binary);
-    stream << text;
-    stream.close();
-    std::error_code error;
-    if (stream) fs::rename(fresh, file, error);
-    if (!stream || error) {
-        fs::remove(fresh, error);
-        throw Failed(file + ": cannot be written");
-    }
-}
-
 }  // namespace
 
 struct OpenedPc::Inside {
@@ -138,6 +137,10 @@ struct OpenedPc::Inside {
         : before(Watched(Choose(choice, access))), emulated(before) {
         for (const std::string& fault : choice.faults)
             emulated.faults.Arm(ReadFault(fault));
+        if (FindMachine(choice.pc) == nullptr) inputs.description = choice.pc;
+        for (const machine::Disk& disk : before.disks) {
+            if (!disk.image.empty()) inputs.images.push_back(disk.image);
+        }
         if (choice.images.empty() && choice.pc.empty()) {
             note =
                 "no PC was named: this is " + before.name + ", a machine in memory that comes with the tool";
@@ -145,6 +148,7 @@ struct OpenedPc::Inside {
     }
 
     std::string note;
+    InputFiles inputs;
     Pc before;
     machine::EmulatedPc emulated;
     LoadedLibrary library;
@@ -158,6 +162,10 @@ OpenedPc::~OpenedPc() = default;
 
 const std::string& OpenedPc::Note() const {
     return inside_->note;
+}
+
+InputFiles OpenedPc::Inputs() const {
+    return inside_->inputs;
 }
 
 Json OpenedPc::TakeTrace() {
@@ -175,12 +183,12 @@ std::optional<std::vector<std::string>> OpenedPc::Changes() const {
 
 void OpenedPc::Save(const std::string& file) const {
     Pc pc = inside_->emulated.pc;
-    const fs::path folder = fs::absolute(file).parent_path();
+    const fs::path folder = WriteTarget(file).parent_path();
     for (machine::Disk& disk : pc.disks) {
         if (!disk.image.empty()) disk.image = fs::proximate(fs::absolute(disk.image), folder).string();
     }
     try {
-        WriteWhole(file, machine::WriteDescription(pc));
+        if (!WriteWholeFile(file, machine::WriteDescription(pc))) throw Failed(file + ": cannot be written");
     } catch (const machine::DescriptionError& error) {
         throw Failed(error.what());
     }

@@ -35,6 +35,10 @@ const std::string& OpenedPc::Note() const {
     return inside_->note;
 }
 
+InputFiles OpenedPc::Inputs() const {
+    return {};
+}
+
 Json OpenedPc::TakeTrace() {
     return Json::array();
 }

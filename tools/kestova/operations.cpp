@@ -10,7 +10,8 @@ const Parameter partition{.name = "partition", .words = "number of a partition, 
 // What the four switches of the active partition have in common.
 const Meaning noActivePartition{1, "no active partition could be read", true};
 const Meaning unknownActivePartition{2, "the number of the active partition is unknown", true};
-const Meaning noRecoveryPartition{3, "the recovery partition or its letter is missing", true};
+const Meaning noRecoveryPartition{
+    3, "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files", true};
 
 std::vector<Operation> MakeOperations() {
     return {
@@ -42,7 +43,8 @@ std::vector<Operation> MakeOperations() {
          }},
 
         {.name = "SetActive",
-         .summary = "Sets the active flag of an MBR partition of the first internal disk; clears no other.",
+         .summary =
+             "Sets the active flag of an MBR partition of the first internal disk; clears no other flag itself.",
          .parameters = {partition},
          .results = {{0, "done"}, {1, "failed", true}},
          .changesPc = true,
@@ -85,7 +87,7 @@ std::vector<Operation> MakeOperations() {
                      unknownActivePartition,
                      noRecoveryPartition,
                      {4, "the record could not be written", true},
-                     {5, "the flag could not be set; the partition that was active was set again", true}},
+                     {5, "the flag could not be set; setting the former one again was tried", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetRcvprtActive(); }},
 
@@ -107,17 +109,20 @@ std::vector<Operation> MakeOperations() {
                      unknownActivePartition,
                      noRecoveryPartition,
                      {4, "the record could not be written", true},
-                     {5, "the flag could not be set; the partition that was active was set again", true},
+                     {5, "the flag could not be set; setting the former one again was tried", true},
                      {6, "the record could not be dropped", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetPOneActive(); }},
 
         {.name = "SetPTwoActive",
          .summary = "Makes partition 2 active and deletes the record.",
-         .results = {{0, "done"},
-                     {1, "the flag could not be set; partition 1 was set again", true},
-                     {2, "the recovery partition or its letter is missing", true},
-                     {3, "the record could not be deleted", true}},
+         .results =
+             {{0, "done"},
+              {1, "the flag could not be set; setting partition 1 again was tried", true},
+              {2,
+               "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files",
+               true},
+              {3, "the record could not be deleted", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetPTwoActive(); }},
     };

@@ -1,5 +1,6 @@
 #include "tools/kestova/script.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -7,6 +8,8 @@
 #include "tools/kestova/errors.h"
 
 namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 std::vector<std::string> Words(const std::string& line) {
     std::istringstream stream(line.substr(0, line.find('#')));
@@ -16,7 +19,12 @@ std::vector<std::string> Words(const std::string& line) {
     return words;
 }
 
+// The commands of the program are no operations, but are easily taken for them.
 PlannedCall Plan(const std::vector<std::string>& words) {
+    if (words.front() == "status" || words.front() == "boot") {
+        throw WrongUse("'" + words.front() +
+                       "' is a command; only operations stand in a script (kestova operations lists them)");
+    }
     const Operation& operation = FindOperation(words.front());
     return {&operation, ReadArguments(operation, {words.begin() + 1, words.end()})};
 }
@@ -28,6 +36,7 @@ std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& nam
     int number = 0;
     for (std::string line; std::getline(script, line);) {
         ++number;
+        if (number == 1 && line.starts_with(byteOrderMark)) line.erase(0, byteOrderMark.size());
         const std::vector<std::string> words = Words(line);
         if (words.empty()) continue;
         try {
@@ -42,6 +51,8 @@ std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& nam
 
 std::vector<PlannedCall> ReadScriptFile(const std::string& file) {
     if (file == "-") return ReadScript(std::cin, "standard input");
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) throw WrongUse(file + ": there is no such file");
     std::ifstream script(file, std::ios::binary);
     if (!script) throw WrongUse(file + ": cannot be read");
     return ReadScript(script, file);

@@ -1,5 +1,8 @@
 #include "tools/kestova/status.h"
 
+#include <algorithm>
+#include <optional>
+
 #include "machine/core/utf.h"
 #include "tools/kestova/disk_layout.h"
 #include "tools/kestova/operations.h"
@@ -8,35 +11,63 @@
 
 namespace {
 
-// Asks for a variable that does not exist: legacy firmware cannot even be asked.
+// What could not be read, in the order of asking.
+class Problems {
+  public:
+    void Add(const std::string& what) { text_ += (text_.empty() ? "" : "; ") + what; }
+    void Add(const std::string& what, unsigned long error) {
+        Add(what + " (error " + std::to_string(error) + ")");
+    }
+    const std::string& Text() const { return text_; }
+
+  private:
+    std::string text_;
+};
+
+// Asks for a variable that does not exist: only UEFI firmware refuses to read it.
 std::string Firmware() {
-    const DWORD length =
-        GetFirmwareEnvironmentVariableW(TEXT(""), TEXT("{00000000-0000-0000-0000-000000000000}"), nullptr, 0);
-    return length == 0 && GetLastError() == ERROR_INVALID_FUNCTION ? "BIOS" : "UEFI";
+    BYTE buffer[1000] = {};
+    const DWORD length = GetFirmwareEnvironmentVariableW(
+        TEXT(""), TEXT("{00000000-0000-0000-0000-000000000000}"), buffer, sizeof buffer);
+    return length == 0 && GetLastError() == ERROR_NOACCESS ? "UEFI" : "BIOS";
+}
+
+// The options that the running system was started with, as RegQueryValueExW answers them.
+LSTATUS ReadStartOptions(std::string& options) {
+    HKEY key = nullptr;
+    const LSTATUS opened =
+        RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("SYSTEM\\CurrentControlSet\\Control"), 0, KEY_READ, &key);
+    if (opened != ERROR_SUCCESS) return opened;
+    WCHAR buffer[1024] = {};
+    DWORD size = sizeof buffer - sizeof(WCHAR);
+    const LSTATUS read = RegQueryValueExW(key, TEXT("SystemStartOptions"), nullptr, nullptr,
+                                          reinterpret_cast<BYTE*>(buffer), &size);
+    RegCloseKey(key);
+    if (read == ERROR_SUCCESS) options = machine::ToUtf8(buffer);
+    return read;
 }
 
 // Windows PE is started with the option MININT.
-std::string RunningSystem() {
-    HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("SYSTEM\\CurrentControlSet\\Control"), 0, KEY_READ, &key) !=
-        ERROR_SUCCESS) {
+std::string RunningSystem(Problems& problems) {
+    std::string options;
+    if (const LSTATUS read = ReadStartOptions(options); read != ERROR_SUCCESS) {
+        problems.Add("the start options of the running system cannot be read",
+                     static_cast<unsigned long>(read));
         return "unknown";
     }
-    WCHAR options[1024] = {};
-    DWORD size = sizeof options - sizeof(WCHAR);
-    const LSTATUS read = RegQueryValueExW(key, TEXT("SystemStartOptions"), nullptr, nullptr,
-                                          reinterpret_cast<BYTE*>(options), &size);
-    RegCloseKey(key);
-    if (read != ERROR_SUCCESS) return "unknown";
-    const std::string text = UpperCase(machine::ToUtf8(options));
-    return text.find("MININT") != std::string::npos ? "Windows PE" : "Windows";
+    return UpperCase(options).find("MININT") != std::string::npos ? "Windows PE" : "Windows";
 }
 
-Json WindowsDirectory() {
+Json WindowsDirectory(Problems& problems) {
     WCHAR directory[MAX_PATH] = {};
     const UINT length = GetWindowsDirectoryW(directory, MAX_PATH);
-    if (length == 0 || length > MAX_PATH) return nullptr;
-    return machine::ToUtf8(directory);
+    if (length != 0 && length <= MAX_PATH) return machine::ToUtf8(directory);
+    problems.Add("the Windows directory cannot be read", GetLastError());
+    return nullptr;
+}
+
+bool IsActive(const PARTITION_INFORMATION_EX& partition) {
+    return partition.PartitionStyle == PARTITION_STYLE_MBR && partition.Mbr.BootIndicator != 0;
 }
 
 Json PartitionJson(const PARTITION_INFORMATION_EX& partition) {
@@ -48,7 +79,7 @@ Json PartitionJson(const PARTITION_INFORMATION_EX& partition) {
     json["type"] = mbr ? Hex(partition.Mbr.PartitionType, 2) : GuidText(partition.Gpt.PartitionType);
     json["typeName"] =
         mbr ? MbrTypeWords(partition.Mbr.PartitionType) : GptTypeWords(partition.Gpt.PartitionType);
-    json["active"] = mbr && partition.Mbr.BootIndicator != 0;
+    json["active"] = IsActive(partition);
     return json;
 }
 
@@ -66,41 +97,81 @@ void AddVolume(Kestova& object, int disk, Json& partition) {
     partition["fileSystem"] = read ? Json(machine::ToUtf8(fileSystem)) : Json();
 }
 
-Json NullForNone(int number) {
-    return number >= 0 ? Json(number) : Json();
-}
-
-Json DiskStyle(Kestova& object) {
+Json DiskStyle(Kestova& object, const std::string& disk, Problems& problems) {
     Json outputs;
     FindOperation("GetDiskStyle").invoke(object, Json::object(), outputs);
     static const char* const words[] = {"unknown", "MBR", "GPT"};
     const size_t style = outputs["style"].get<size_t>();
-    return words[style < std::size(words) ? style : 0];
+    if (style == HARD_DISK_MBR || style == HARD_DISK_GPT) return words[style];
+    problems.Add("the partition style of " + disk + " could not be told");
+    return words[HARD_DISK_UNKNOWN];
 }
 
-}  // namespace
+std::string Remark(const std::vector<PARTITION_INFORMATION_EX>& layout) {
+    const auto active = std::count_if(layout.begin(), layout.end(), IsActive);
+    if (active < 2) return "";
+    return std::to_string(active) + " partitions are active; a PC starts from a disk with one only";
+}
 
-Json ReadStatus(Kestova& object) {
-    Json status;
-    status["firmware"] = Firmware();
-    status["system"] = RunningSystem();
-    status["windowsDirectory"] = WindowsDirectory();
-    const int disk = object.GetFirstInternalDriveNumber();
-    status["internalDisk"] = NullForNone(disk);
-    status["style"] = disk >= 0 ? DiskStyle(object) : Json();
-    status["activePartition"] = disk >= 0 ? NullForNone(object.GetActivePartitionNumber()) : Json();
-    status["partitions"] = Json::array();
-    if (disk < 0) return status;
-    const auto layout = ReadDiskLayout(disk);
-    if (!layout) {
-        status["problem"] = "the partitions of disk " + std::to_string(disk) + " cannot be read (error " +
-                            std::to_string(GetLastError()) + ")";
-        return status;
-    }
+void Initialize(Session& session, Problems& problems) {
+    const Operation& operation = FindOperation("Initialize");
+    const Json result = session.Call(operation, {{"reserved", false}})["result"];
+    if (!IsFailure(operation, result)) return;
+    problems.Add("Initialize: " + std::string(FindMeaning(operation.results, result)->words));
+}
+
+// The active partition, and the partitions with their volumes; `layout` is null when it could not be read.
+void AddPartitions(Kestova& object, int disk, const std::vector<PARTITION_INFORMATION_EX>* layout,
+                   Json& status, Problems& problems) {
+    const std::string name = "disk " + std::to_string(disk);
+    const int active = object.GetActivePartitionNumber();
+    // The library's answer is the same for none and for one that it could not read.
+    const bool isTold =
+        active >= 0 || (layout != nullptr && std::none_of(layout->begin(), layout->end(), IsActive));
+    status["activePartition"] = active >= 0 ? Json(active) : Json();
+    if (!isTold) problems.Add("the active partition of " + name + " could not be told");
+    if (layout == nullptr) return;
     for (const PARTITION_INFORMATION_EX& entry : *layout) {
         Json partition = PartitionJson(entry);
         AddVolume(object, disk, partition);
         status["partitions"].push_back(partition);
     }
+}
+
+void AddDisk(Kestova& object, Json& status, Problems& problems) {
+    const int disk = object.GetFirstInternalDriveNumber();
+    if (disk < 0) {
+        problems.Add("no internal disk was found, or it could not be told");
+        return;
+    }
+    const std::string name = "disk " + std::to_string(disk);
+    status["internalDisk"] = disk;
+    status["style"] = DiskStyle(object, name, problems);
+    const auto layout = ReadDiskLayout(disk);
+    if (!layout) problems.Add("the partitions of " + name + " cannot be read", GetLastError());
+    AddPartitions(object, disk, layout ? &*layout : nullptr, status, problems);
+    if (layout && !Remark(*layout).empty()) status["remark"] = Remark(*layout);
+}
+
+}  // namespace
+
+Json ReadStatus(Session& session, bool initialize) {
+    Problems problems;
+    if (initialize) Initialize(session, problems);
+    Json status;
+    status["firmware"] = Firmware();
+    status["system"] = RunningSystem(problems);
+    status["windowsDirectory"] = WindowsDirectory(problems);
+    for (const char* const key : {"internalDisk", "style", "activePartition"})
+        status[key] = nullptr;
+    status["partitions"] = Json::array();
+    AddDisk(session.Object(), status, problems);
+    if (!problems.Text().empty()) status["problem"] = problems.Text();
     return status;
+}
+
+std::string ActiveFlagsRemark(Kestova& object) {
+    const int disk = object.GetFirstInternalDriveNumber();
+    const auto layout = disk >= 0 ? ReadDiskLayout(disk) : std::nullopt;
+    return layout ? Remark(*layout) : "";
 }

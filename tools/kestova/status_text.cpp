@@ -20,16 +20,23 @@ std::vector<std::string> PartitionRow(const Json& partition) {
             Or(partition["fileSystem"], "-")};
 }
 
+// Without a number there is none only where every flag could be read.
+const char* ActivePartitionWord(const Json& status) {
+    if (status["internalDisk"].is_null()) return "-";
+    return status.contains("problem") ? "unknown" : "none";
+}
+
 }  // namespace
 
 std::string StatusText(const Json& status) {
-    std::string text = Table({{"Firmware", Or(status["firmware"], "unknown")},
-                              {"Running system", Or(status["system"], "unknown")},
-                              {"Windows directory", Or(status["windowsDirectory"], "unknown")},
-                              {"Internal disk", Or(status["internalDisk"], "none")},
-                              {"Partition style", Or(status["style"], "-")},
-                              {"Active partition", Or(status["activePartition"], "none")}},
-                             "");
+    std::string text =
+        Table({{"Firmware", Or(status["firmware"], "unknown")},
+               {"Running system", Or(status["system"], "unknown")},
+               {"Windows directory", Or(status["windowsDirectory"], "unknown")},
+               {"Internal disk", Or(status["internalDisk"], "unknown")},
+               {"Partition style", Or(status["style"], "-")},
+               {"Active partition", Or(status["activePartition"], ActivePartitionWord(status))}},
+              "");
     if (status["partitions"].empty()) return text;
     std::vector<std::vector<std::string>> rows = {
         {"#", "Size", "Type", "Active", "Letter", "Label", "File system"}};

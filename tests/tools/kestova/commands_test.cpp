@@ -70,6 +70,51 @@ TEST_F(Status, OfUnreadableLayoutTellsTheErrorAndFails) {
     EXPECT_THAT(outcome.output, HasSubstr("Active partition   2\n"));
 }
 
+TEST_F(Status, TellsThatInitializeFailed) {
+    const Outcome outcome =
+        Kestova("--pc factory-mbr --fail 'IVdsServiceLoader::LoadService=0x80080005' status");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors,
+                StartsWith("kestova: Initialize: the service could not be loaded in 20 attempts; "));
+    EXPECT_THAT(outcome.output, HasSubstr("Internal disk      unknown\n"));
+}
+
+TEST_F(Status, TellsWhatOfTheSystemCannotBeRead) {
+    const Outcome outcome =
+        Kestova("--pc factory-mbr --fail RegOpenKeyExW=5 --fail GetWindowsDirectoryW=6 --json status");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors,
+              "kestova: the start options of the running system cannot be read (error 5); "
+              "the Windows directory cannot be read (error 6)\n");
+    EXPECT_THAT(outcome.output,
+                StartsWith(R"({"firmware":"BIOS","system":"unknown","windowsDirectory":null,)"));
+    EXPECT_THAT(outcome.output, HasSubstr(R"(],"problem":"the start options of )"));
+}
+
+TEST_F(Status, OnlyUefiFirmwareRefusesToReadAVariable) {
+    for (const char* const code : {"1", "5", "87", "1314"}) {
+        EXPECT_THAT(Kestova("--pc factory-gpt --fail GetFirmwareEnvironmentVariableW=" + std::string(code) +
+                            " status")
+                        .output,
+                    StartsWith("Firmware           BIOS\n"))
+            << code;
+    }
+    EXPECT_THAT(Kestova("--pc factory-mbr --fail GetFirmwareEnvironmentVariableW=998 status").output,
+                StartsWith("Firmware           UEFI\n"));
+    WriteFile("reads.json", R"({"firmware": {"kind": "uefi", "error": 0}})");
+    EXPECT_THAT(Kestova("--pc reads.json status").output, StartsWith("Firmware           BIOS\n"));
+}
+
+TEST_F(Status, RemarksThatTwoPartitionsAreActive) {
+    EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json call SetActive 3").status, 0);
+    const Outcome outcome = Kestova("--pc pc.json --json status");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "kestova: 2 partitions are active; a PC starts from a disk with one only\n");
+    EXPECT_THAT(outcome.output,
+                EndsWith(R"(],"remark":"2 partitions are active; a PC starts from a disk with one only"})"
+                         "\n"));
+}
+
 TEST_F(Boot, RecoverySwitchesAndShowsWhatChanged) {
     const Outcome outcome = Kestova("--pc factory-mbr boot recovery");
     EXPECT_EQ(outcome.status, 0);
@@ -77,10 +122,11 @@ TEST_F(Boot, RecoverySwitchesAndShowsWhatChanged) {
               "SetRcvprtActive() = 0: done, or it was active already\n"
               "Changed:\n"
               "  disk 0, partition 1: active now\n"
-              "  disk 0, partition 1: letter none became E\n"
+              "  disk 0, partition 1: given letter E\n"
               "  disk 0, partition 1: file SystemVolume.ini created:\n"
               "    [System]\n"
               "    Active=2\n");
+    EXPECT_EQ(outcome.errors, "kestova: 2 partitions are active; a PC starts from a disk with one only\n");
 }
 
 TEST_F(Boot, SystemOfInstalledSystemChangesNothing) {
@@ -126,7 +172,12 @@ TEST_F(Call, ResultThatTellsFailureIsStatusOne) {
 TEST_F(Call, TakesNegativeNumbers) {
     const Outcome outcome = Kestova("--pc factory-mbr call SetActive -1");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.output, "SetActive(-1) = 1: failed\n");
+    EXPECT_EQ(outcome.output, "SetActive(-1) = 1: failed\nNothing changed.\n");
+}
+
+TEST_F(Call, ThatChangesShowsTheChanges) {
+    EXPECT_EQ(Kestova("--pc factory-mbr call ClearActive").output,
+              "ClearActive() = 0: done\nChanged:\n  disk 0, partition 2: no longer active\n");
 }
 
 TEST_F(Call, OfInitializeIsTheOnlyInitialize) {
@@ -174,8 +225,18 @@ TEST_F(Script, WrongLineIsNamedAndNothingRuns) {
                                            "did you mean SetActive?\n"));
 }
 
+TEST_F(Script, MayBeginWithAByteOrderMark) {
+    EXPECT_EQ(Kestova("--pc factory-mbr run -", "\xEF\xBB\xBFGetDriveLetter 0 2\n").status, 0);
+}
+
+TEST_F(Script, CommandInItIsAnsweredWithAHint) {
+    EXPECT_THAT(Kestova("--pc factory-mbr run -", "status\n").errors,
+                StartsWith("kestova: standard input:1: 'status' is a command; only operations stand in a "
+                           "script (kestova operations lists them)\n"));
+}
+
 TEST_F(Script, MissingScriptAndFolderAreRefused) {
-    EXPECT_THAT(Kestova("run none.txt").errors, StartsWith("kestova: none.txt: cannot be read\n"));
+    EXPECT_THAT(Kestova("run none.txt").errors, StartsWith("kestova: none.txt: there is no such file\n"));
     EXPECT_THAT(Kestova("run /").errors, StartsWith("kestova: /: cannot be read\n"));
 }
 

@@ -60,6 +60,15 @@ const Mistake mistakes[] = {
      "--fail 'CreateFileW#0=1': after '#' comes the number of the call, from 1\n"},
     {"TwoPcs", "--pc factory-mbr --image x status", 2, "--image excludes --pc\n"},
     {"TwoSystems", "--windows --pe status", 2, "--windows excludes --pe\n"},
+    {"PcEmpty", "--pc '' status", 2, "--pc: the value is empty\n"},
+    {"LogEmpty", "--log '' status", 2, "--log: the value is empty\n"},
+    {"SaveEmpty", "--save '' status", 2, "--save: the value is empty\n"},
+    {"ImageEmpty", "--image '' status", 2, "--image: the value is empty\n"},
+    {"PcTwice", "--pc a --pc b status", 2, "--pc can be given only once\n"},
+    {"PcWithoutValue", "status --pc", 2, "--pc needs a value\n"},
+    {"PcsOfAPc", "--pc factory-mbr pcs", 2, "pcs does not use --pc\n"},
+    {"OperationsWithLog", "--log x operations", 2, "operations does not use --log\n"},
+    {"StatusWithTrace", "--trace status", 2, "status does not use --trace\n"},
     {"LogFolder", "--log /nowhere/log status", 2, "--log: /nowhere/log cannot be written\n"},
 };
 
@@ -190,6 +199,77 @@ TEST_F(Save, DoesNotGoWithADryRun) {
     const Outcome outcome = Kestova("--pc factory-mbr --dry-run --save pc.json status");
     EXPECT_EQ(outcome.status, 2);
     EXPECT_FALSE(std::filesystem::exists(Folder() / "pc.json"));
+}
+
+TEST_F(Save, LeavesNeighboursAndModeAlone) {
+    WriteFile("pc.json", "{}");
+    WriteFile("pc.json.new", "mine");
+    EXPECT_EQ(Shell("chmod 640 pc.json && ln -s pc.json link.json").status, 0);
+    EXPECT_EQ(Kestova("--pc factory-mbr --save link.json call GetDriveLetter 0 2").status, 0);
+    EXPECT_EQ(ReadFile("pc.json.new"), "mine");
+    EXPECT_EQ(Shell("stat -c %a pc.json; test -L link.json; ls pc.json*").output,
+              "640\npc.json\npc.json.new\n");
+    EXPECT_NE(ReadFile("pc.json"), "{}");
+}
+
+TEST_F(Save, IsNotLostWithTheLog) {
+    const Outcome outcome =
+        Kestova("--pc factory-mbr --log /dev/full --save pc.json call GetDriveLetter 0 2");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "kestova: /dev/full: cannot be written\n");
+    EXPECT_EQ(Kestova("--pc pc.json call GetDriveLetter 0 2").status, 0);
+}
+
+// Links and other names of the same file count as the file.
+TEST_F(Save, AndLogDestroyNothingThatIsRead) {
+    EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json call GetDriveLetter 0 2").status, 0);
+    WriteFile("script", "GetDriveLetter 0 2\n");
+    EXPECT_EQ(Shell("ln -s script soft && ln pc.json hard && ln -s new later").status, 0);
+    const std::string description = ReadFile("pc.json");
+    const Mistake cases[] = {
+        {"", "--pc pc.json --log hard run script", 2, "--log: hard is the description that --pc reads\n"},
+        {"", "--pc pc.json --log soft run script", 2, "--log: soft is the script\n"},
+        {"", "--pc pc.json --save ./script run soft", 2, "--save: ./script is the script\n"},
+        {"", "--pc pc.json --log script run - <script", 2, "--log: script is the script\n"},
+        {"", "--pc pc.json --log later --save new run script", 2,
+         "--log: later is the file that --save writes\n"},
+        {"", "--pc pc.json --save /dev/null run script", 2, "--save: /dev/null is no plain file\n"},
+    };
+    for (const Mistake& mistake : cases) {
+        const Outcome outcome = Shell("'" KESTOVA_PROGRAM "' " + std::string(mistake.words));
+        EXPECT_EQ(outcome.status, mistake.status) << mistake.words;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, StartsWith(std::string("kestova: ") + mistake.message));
+    }
+    EXPECT_EQ(ReadFile("pc.json"), description);
+    EXPECT_EQ(ReadFile("script"), "GetDriveLetter 0 2\n");
+    EXPECT_FALSE(std::filesystem::exists(Folder() / "new"));
+}
+
+TEST_F(Help, FullOutputIsAFailureThatLosesNoChange) {
+    const Outcome outcome = Shell("'" KESTOVA_PROGRAM
+                                  "' --pc factory-mbr --save pc.json boot recovery "
+                                  ">/dev/full");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, EndsWith("kestova: standard output cannot be written\n"));
+    EXPECT_THAT(ReadFile("pc.json"), HasSubstr("Active=2"));
+}
+
+TEST_F(Help, ReaderThatGoesAwayEndsNoOperation) {
+    // The reader has closed its end before the program starts.
+    Shell("mkfifo pipe ended; { read line <ended; '" KESTOVA_PROGRAM
+          "' --pc factory-mbr --save pc.json boot "
+          "recovery; echo $? >status; } >pipe & { : <pipe; }; echo >ended; wait");
+    EXPECT_EQ(ReadFile("status"), "1\n");
+    EXPECT_THAT(ReadFile("pc.json"), HasSubstr("Active=2"));
+}
+
+TEST_F(Help, LargeOrEmptyDescriptionIsNone) {
+    WriteFile("empty.json", "");
+    EXPECT_EQ(Shell("truncate -s 17M disk.img").status, 0);
+    EXPECT_EQ(Kestova("--pc disk.img status").errors,
+              "kestova: disk.img: larger than 16 MiB, so no description; name a disk image with --image\n");
+    EXPECT_EQ(Kestova("--pc empty.json status").errors, "kestova: empty.json: the description is empty\n");
 }
 
 TEST_F(Help, DescriptionErrorNamesFileAndPlace) {

@@ -96,6 +96,16 @@ TEST_F(Image, SavedDescriptionFindsItFromItsOwnFolder) {
     EXPECT_TRUE(IsAsItWas());
 }
 
+TEST_F(Image, IsNeitherLogNorDescription) {
+    EXPECT_EQ(Shell("ln -s disk.img soft && ln disk.img hard").status, 0);
+    for (const char* const option : {"--log soft", "--log ./disk.img", "--save hard", "--save disk.img"}) {
+        const Outcome outcome = Kestova(std::string("--image disk.img ") + option + " boot recovery");
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_THAT(outcome.errors, HasSubstr(" is an image of this PC\n"));
+        EXPECT_TRUE(IsAsItWas()) << option;
+    }
+}
+
 TEST_F(Image, ThatIsNoneIsRefused) {
     EXPECT_EQ(Shell("head -c 1000 disk.img > short.img").status, 0);
     for (const char* const name : {"none.img", "short.img"}) {

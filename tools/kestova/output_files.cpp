@@ -1,0 +1,50 @@
+#include "tools/kestova/output_files.h"
+
+#include "tools/kestova/errors.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The same file by any name or link; what is written to a character device destroys nothing.
+bool IsSameFile(const fs::path& left, const fs::path& right) {
+    std::error_code missing;
+    if (fs::is_character_file(left, missing)) return false;
+    return fs::equivalent(left, right, missing) || WriteTarget(left) == WriteTarget(right);
+}
+
+void Keep(const std::string& kept, const char* what, const std::string& option, const std::string& output) {
+    if (kept.empty() || output.empty() || !IsSameFile(output, kept)) return;
+    throw WrongUse(option + ": " + output + " is " + what);
+}
+
+void KeepInputs(const InputFiles& inputs, const std::string& script, const std::string& option,
+                const std::string& output) {
+    for (const std::string& image : inputs.images)
+        Keep(image, "an image of this PC", option, output);
+    Keep(script == "-" ? "/dev/stdin" : script, "the script", option, output);
+}
+
+}  // namespace
+
+fs::path WriteTarget(const fs::path& file) {
+    constexpr int mostLinks = 40;
+    std::error_code error;
+    fs::path target = fs::absolute(file, error);
+    for (int links = 0; links < mostLinks && fs::is_symlink(target, error); ++links)
+        target = target.parent_path() / fs::read_symlink(target, error);
+    const fs::path canonical = fs::weakly_canonical(target, error);
+    return error ? target : canonical;
+}
+
+void CheckOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script) {
+    const std::string log = line.log == "-" ? "" : line.log;
+    const std::string& save = line.choice.save;
+    KeepInputs(inputs, script, "--log", log);
+    Keep(inputs.description, "the description that --pc reads", "--log", log);
+    KeepInputs(inputs, script, "--save", save);
+    Keep(save, "the file that --save writes", "--log", log);
+    std::error_code missing;
+    if (!save.empty() && fs::exists(save, missing) && !fs::is_regular_file(save, missing))
+        throw WrongUse("--save: " + save + " is no plain file");
+}
