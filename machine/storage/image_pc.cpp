@@ -1,4 +1,6 @@
 // The PC that images alone make, and the letters that its running system gives.
+#include <filesystem>
+
 #include "machine/api/vds_extent_type.h"
 #include "machine/model/machines.h"
 #include "machine/storage/disk_image.h"
@@ -75,6 +77,15 @@ void DealLetters(Pc& pc) {
     }
 }
 
+// Two disks over one file would each write what the other does not know of.
+void CheckIsNew(const Pc& pc, const std::string& path) {
+    for (const Disk& disk : pc.disks) {
+        std::error_code missing;  // which is told when the image is opened
+        if (std::filesystem::equivalent(disk.image, path, missing))
+            throw ImageError(path + ": given twice, first as " + disk.image);
+    }
+}
+
 }  // namespace
 
 Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAccess access) {
@@ -83,6 +94,7 @@ Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAcc
     // The platform does not say what becomes of the other flags; a disk with two of them boots nothing.
     pc.switches.activeFlagIsExclusive = true;
     for (const std::string& path : paths) {
+        CheckIsNew(pc, path);
         const auto number = static_cast<uint32_t>(pc.disks.size());
         Disk disk = SataDisk(number, 0, "IMAGE___________________________________", sataController);
         disk.image = path;
