@@ -28,21 +28,28 @@ HRESULT FindChangeable(EmulatedPc& pc, uint32_t diskNumber, uint64_t offset, VDS
     return S_OK;
 }
 
-HRESULT SetActive(Disk& disk, Partition& partition, bool active) {
-    if (disk.table) {
-        const uint32_t error = disk.table->SetActive(partition.offset, active);
-        if (error != 0) return HRESULT_FROM_WIN32(error);
+// The answer to a write of the table that failed. It can have changed the table all the same; what is true
+// then stands on the medium.
+HRESULT FailedWrite(Disk& disk, uint32_t error) {
+    for (const TableEntry& entry : disk.table->Entries()) {
+        Partition* partition = FindPartition(disk, entry.offset);
+        if (partition == nullptr) continue;
+        partition->bootIndicator = entry.isActive ? 1 : 0;
+        partition->mbrType = entry.type;
     }
-    partition.bootIndicator = active ? 1 : 0;
-    return S_OK;
+    return HRESULT_FROM_WIN32(error);
 }
 
-HRESULT ClearOtherFlags(Disk& disk, const Partition& active) {
-    for (Partition& partition : disk.partitions) {
-        if (&partition == &active || partition.bootIndicator == 0) continue;
-        const HRESULT result = SetActive(disk, partition, false);
-        if (result != S_OK) return result;
+HRESULT SetActive(Disk& disk, Partition& partition, bool active, OtherFlags others) {
+    if (disk.table) {
+        const uint32_t error = disk.table->SetActive(partition.offset, active, others);
+        if (error != 0) return FailedWrite(disk, error);
     }
+    if (others == OtherFlags::Clear) {
+        for (Partition& other : disk.partitions)
+            other.bootIndicator = 0;
+    }
+    partition.bootIndicator = active ? 1 : 0;
     return S_OK;
 }
 
@@ -74,7 +81,7 @@ HRESULT WriteType(Disk& disk, Partition& partition, const CHANGE_PARTITION_TYPE_
     }
     if (disk.table) {
         const uint32_t error = disk.table->SetMbrType(partition.offset, parameters.MbrPartInfo.partitionType);
-        if (error != 0) return HRESULT_FROM_WIN32(error);
+        if (error != 0) return FailedWrite(disk, error);
     }
     partition.mbrType = parameters.MbrPartInfo.partitionType;
     return S_OK;
@@ -111,9 +118,9 @@ HRESULT VdsDisk::ChangeAttributes(ULONGLONG offset, CHANGE_ATTRIBUTES_PARAMETERS
             if (parameters->style == VDS_PST_GPT)
                 return SetGptAttributes(*at.disk, *at.partition, parameters->GptPartInfo.attributes);
             const bool active = parameters->MbrPartInfo.bootIndicator != 0;
-            const HRESULT result = SetActive(*at.disk, *at.partition, active);
-            if (result != S_OK || !active || !pc.pc.switches.activeFlagIsExclusive) return result;
-            return ClearOtherFlags(*at.disk, *at.partition);
+            const bool clearsOthers = active && pc.pc.switches.activeFlagIsExclusive;
+            return SetActive(*at.disk, *at.partition, active,
+                             clearsOthers ? OtherFlags::Clear : OtherFlags::Keep);
         });
 }
 
@@ -136,11 +143,10 @@ HRESULT VdsDisk::ChangePartitionType(ULONGLONG offset, BOOL force,
             if (!IsAcceptedType(*parameters)) return VDS_E_INVALID_PARTITION_TYPE;
             if (!force && HoldsRunningWindows(pc.pc, *at.partition)) return VDS_E_DEVICE_IN_USE;
             const HRESULT result = WriteType(*at.disk, *at.partition, *parameters);
-            if (result != S_OK) return result;
             const bool wasVolume = before == VDS_DET_DATA;
             const bool isVolume = ExtentTypeOf(at.disk->style, *at.partition) == VDS_DET_DATA;
             if (wasVolume != isVolume) ChangeVolume(pc, *at.disk, *at.partition, wasVolume);
-            return S_OK;
+            return result;
         });
 }
 

@@ -28,6 +28,10 @@ uint8_t MbrTypeOf(fdisk_partition* entry) {
     return static_cast<uint8_t>(fdisk_parttype_get_code(fdisk_partition_get_type(entry)));
 }
 
+bool IsActive(fdisk_partition* entry) {
+    return fdisk_partition_is_bootable(entry) == 1;
+}
+
 Guid GuidOf(const ImageFile& image, const char* text) {
     const auto guid = GuidFromText(text ? text : "");
     if (!guid) throw image.Error("the GUID partition table is damaged: no GUID where one must be");
@@ -72,15 +76,18 @@ void ReadMbr(const ImageFile& image, const FdiskSession& session, Disk& disk) {
         Partition partition = PlaceOf(entry.get());
         if (IsExtended(type)) {
             const Region extended = {"the extended partition", partition.offset, partition.size};
+            CheckBootIndicator(image, slot, extended.name);
             CheckChain(image, extended);
             layout.extended.push_back(extended);
             continue;
         }
         if (type == mbrUnused) continue;
         partition.number = static_cast<uint32_t>(disk.partitions.size() + 1);
+        const bool isLogical = fdisk_partition_is_nested(entry.get()) != 0;
+        if (!isLogical) CheckBootIndicator(image, slot, RegionOf(partition).name);
         partition.mbrType = type;
-        partition.bootIndicator = fdisk_partition_is_bootable(entry.get()) ? 1 : 0;
-        auto& regions = fdisk_partition_is_nested(entry.get()) ? layout.logicals : layout.primaries;
+        partition.bootIndicator = IsActive(entry.get()) ? 1 : 0;
+        auto& regions = isLogical ? layout.logicals : layout.primaries;
         regions.push_back(RegionOf(partition));
         disk.partitions.push_back(std::move(partition));
     }
@@ -111,6 +118,28 @@ void ReadGpt(const ImageFile& image, const FdiskSession& session, Disk& disk) {
     CheckLayout(image, layout);
 }
 
+bool Toggle(const FdiskSession& session, size_t slot) {
+    return fdisk_toggle_partition_flag(session.Context(), slot, DOS_FLAG_ACTIVE) == 0;
+}
+
+// A flag that is there already is toggled twice, and so written again: after a flush that failed, bytes can
+// be read that never reached the medium, and only a new write takes them there.
+bool SetFlag(const FdiskSession& session, size_t slot, bool active) {
+    const auto entry = session.Slot(slot);
+    if (!entry) return false;
+    const bool isThere = IsActive(entry.get()) == active;
+    return Toggle(session, slot) && (!isThere || Toggle(session, slot));
+}
+
+// The extended partition's flag too, for firmware counts it.
+bool ClearOtherFlags(const FdiskSession& session, size_t kept) {
+    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
+        const auto entry = session.Slot(slot);
+        if (slot != kept && entry && IsActive(entry.get()) && !Toggle(session, slot)) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 void ReadTable(const ImageFile& image, Disk& disk) {
@@ -129,23 +158,35 @@ void ReadTable(const ImageFile& image, Disk& disk) {
         throw image.Error("the partition table is damaged: " + session.Warnings().front());
 }
 
-uint32_t ImageTable::SetActive(uint64_t partitionOffset, bool active) {
-    return Change(partitionOffset, [active](fdisk_context* context, size_t slot) {
-        fdisk_partition* entry = nullptr;
-        if (fdisk_get_partition(context, slot, &entry) != 0) return false;
-        const bool isActive = fdisk_partition_is_bootable(entry) != 0;
-        fdisk_unref_partition(entry);
-        return isActive == active || fdisk_toggle_partition_flag(context, slot, DOS_FLAG_ACTIVE) == 0;
+uint32_t ImageTable::SetActive(uint64_t partitionOffset, bool active, OtherFlags others) {
+    return Change(partitionOffset, [active, others](const FdiskSession& session, size_t slot) {
+        return SetFlag(session, slot, active) &&
+               (others == OtherFlags::Keep || ClearOtherFlags(session, slot));
     });
 }
 
 uint32_t ImageTable::SetMbrType(uint64_t partitionOffset, uint8_t type) {
     if (type == mbrUnused || IsExtended(type) || type == mbrExtendedLinux || type == mbrProtective)
         return errorInvalidParameter;
-    return Change(partitionOffset, [type](fdisk_context* context, size_t slot) {
+    return Change(partitionOffset, [type](const FdiskSession& session, size_t slot) {
         const FdiskOwner<fdisk_parttype> value(fdisk_new_unknown_parttype(type, ""));
-        return value && fdisk_set_partition_type(context, slot, value.get()) == 0;
+        return value && fdisk_set_partition_type(session.Context(), slot, value.get()) == 0;
     });
+}
+
+std::vector<TableEntry> ImageTable::Entries() try {
+    if (image_->Access() == ImageAccess::Overlay) return {};
+    const FdiskSession session(*image_, true);
+    if (!fdisk_is_label(session.Context(), DOS)) return {};
+    std::vector<TableEntry> entries;
+    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
+        const auto entry = session.Slot(slot);
+        if (!entry || fdisk_partition_is_container(entry.get())) continue;
+        entries.push_back({PlaceOf(entry.get()).offset, IsActive(entry.get()), MbrTypeOf(entry.get())});
+    }
+    return entries;
+} catch (const ImageError&) {
+    return {};
 }
 
 uint32_t ImageTable::Change(uint64_t partitionOffset, const Edit& edit) try {
@@ -154,7 +195,7 @@ uint32_t ImageTable::Change(uint64_t partitionOffset, const Edit& edit) try {
     const FdiskSession session(*image_, isDryRun);
     if (!fdisk_is_label(session.Context(), DOS)) return errorInvalidParameter;
     const auto slot = session.SlotAt(partitionOffset);
-    if (!slot || !edit(session.Context(), *slot)) return errorInvalidParameter;
+    if (!slot || !edit(session, *slot)) return errorInvalidParameter;
     if (isDryRun) return 0;
     if (fdisk_write_disklabel(session.Context()) != 0 || !image_->Flush()) return errorIoDevice;
     return 0;

@@ -8,9 +8,9 @@
 #include "machine/storage/image_file.h"
 #include "machine/storage/partition_table.h"
 
-struct fdisk_context;
-
 namespace machine {
+
+class FdiskSession;
 
 // Sets the disk's size, style, signature or GUID, and its partitions without their volumes, numbered as
 // Windows does: used entries from 1, logical ones after the primary ones, the extended partition itself left
@@ -21,12 +21,13 @@ void ReadTable(const ImageFile& image, Disk& disk);
 class ImageTable : public PartitionTable {
   public:
     explicit ImageTable(std::shared_ptr<ImageFile> image) : image_(std::move(image)) {}
-    uint32_t SetActive(uint64_t partitionOffset, bool active) override;
+    uint32_t SetActive(uint64_t partitionOffset, bool active, OtherFlags others) override;
     uint32_t SetMbrType(uint64_t partitionOffset, uint8_t type) override;
+    std::vector<TableEntry> Entries() override;
 
   private:
     // Makes a change in libfdisk's memory; false when the partition cannot have that value.
-    using Edit = std::function<bool(fdisk_context* context, size_t slot)>;
+    using Edit = std::function<bool(const FdiskSession& session, size_t slot)>;
     uint32_t Change(uint64_t partitionOffset, const Edit& edit);
 
     std::shared_ptr<ImageFile> image_;

@@ -9,6 +9,8 @@ namespace machine {
 namespace {
 
 constexpr uint64_t sectorSize = 512;
+constexpr size_t firstEntry = 446;
+constexpr size_t entrySize = 16;
 
 bool IsWithin(const Region& inner, const Region& outer) {
     return inner.offset >= outer.offset && inner.offset - outer.offset <= outer.size &&
@@ -58,10 +60,17 @@ void CheckLayout(const ImageFile& image, const TableLayout& layout) {
     CheckApart(image, layout.logicals);
 }
 
+void CheckBootIndicator(const ImageFile& image, size_t slot, const std::string& name) {
+    uint8_t indicator = 0;
+    if (!image.Read(firstEntry + slot * entrySize, &indicator, 1)) throw image.Error("cannot be read");
+    if (indicator != 0x00 && indicator != 0x80)
+        throw image.Error(name + " is neither active nor inactive; the partition table is damaged");
+}
+
 void CheckChain(const ImageFile& image, const Region& extended) {
     // A link is a sector laid out as the MBR. Its second entry leads to the next link, counted in sectors
     // from the start of the extended partition.
-    constexpr size_t secondEntry = 446 + 16;
+    constexpr size_t secondEntry = firstEntry + entrySize;
     std::set<uint64_t> visited;
     uint64_t link = extended.offset;
     while (true) {
@@ -75,7 +84,7 @@ void CheckChain(const ImageFile& image, const Region& extended) {
             throw image.Error("the chain of logical partitions is damaged, " + where);
         const uint8_t type = sector[secondEntry + 4];
         const uint32_t next = LittleEndian32(&sector[secondEntry + 8]);
-        if (type == 0 || next == 0) return;
+        if (type == 0) return;
         link = extended.offset + uint64_t{next} * sectorSize;
     }
 }

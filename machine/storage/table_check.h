@@ -28,6 +28,10 @@ struct TableLayout {
 // lies on the table, and for two that overlap.
 void CheckLayout(const ImageFile& image, const TableLayout& layout);
 
+// Throws ImageError when the MBR's entry in that slot, 0 to 3, is neither active (0x80) nor not (0x00): what
+// a PC starts from such a table is anybody's guess. `name` is the partition's in the message.
+void CheckBootIndicator(const ImageFile& image, size_t slot, const std::string& name);
+
 // Follows the chain of logical partitions that starts with the extended partition. Throws ImageError when it
 // leaves the extended partition, runs in a circle or meets a sector that is no link.
 void CheckChain(const ImageFile& image, const Region& extended);

@@ -43,17 +43,20 @@ std::vector<int> BootIndicators(DiskClient& client) {
 // Writes down what reaches the medium, and fails when told to.
 class RecordingTable final : public machine::PartitionTable {
   public:
-    uint32_t SetActive(uint64_t offset, bool active) override {
-        writes.push_back((active ? "active " : "inactive ") + std::to_string(offset / (1024 * 1024)));
+    uint32_t SetActive(uint64_t offset, bool active, machine::OtherFlags others) override {
+        writes.push_back((active ? "active " : "inactive ") + std::to_string(offset / (1024 * 1024)) +
+                         (others == machine::OtherFlags::Clear ? " alone" : ""));
         return --failsIn == 0 ? ERROR_WRITE_PROTECT : ERROR_SUCCESS;
     }
     uint32_t SetMbrType(uint64_t offset, uint8_t type) override {
         writes.push_back("type " + std::to_string(offset / (1024 * 1024)) + " " + std::to_string(type));
         return --failsIn == 0 ? ERROR_WRITE_PROTECT : ERROR_SUCCESS;
     }
+    std::vector<machine::TableEntry> Entries() override { return entries; }
 
     std::vector<std::string> writes;
-    int failsIn = 0;  // the write that fails, from 1
+    std::vector<machine::TableEntry> entries;  // what reads after a failure
+    int failsIn = 0;                           // the write that fails, from 1
 };
 
 std::shared_ptr<RecordingTable> PutOnMedium(DiskClient& client) {
@@ -117,8 +120,12 @@ TEST(ChangeAttributes, WritesTheMediumFirst) {
     const auto table = PutOnMedium(client);
     client.pc.pc.switches.activeFlagIsExclusive = true;
     EXPECT_EQ(SetActive(client, 1, 1), S_OK);
-    EXPECT_EQ(table->writes, (std::vector<std::string>{"active 1", "inactive 15361"}));
+    EXPECT_EQ(table->writes, (std::vector<std::string>{"active 1 alone"})) << "in one write";
     EXPECT_EQ(BootIndicators(client), (std::vector<int>{1, 0, 0, 0}));
+    EXPECT_EQ(SetActive(client, 1, 0), S_OK);
+    client.pc.pc.switches.activeFlagIsExclusive = false;
+    EXPECT_EQ(SetActive(client, 2, 1), S_OK);
+    EXPECT_EQ(table->writes, (std::vector<std::string>{"active 1 alone", "inactive 1", "active 15361"}));
 }
 
 TEST(ChangeAttributes, ChangesNothingThatTheMediumRefuses) {
@@ -128,9 +135,22 @@ TEST(ChangeAttributes, ChangesNothingThatTheMediumRefuses) {
     EXPECT_EQ(SetActive(client, 1, 1), HRESULT_FROM_WIN32(ERROR_WRITE_PROTECT));
     EXPECT_EQ(BootIndicators(client), (std::vector<int>{0, 1, 0, 0}));
     client.pc.pc.switches.activeFlagIsExclusive = true;
-    table->failsIn = 2;
+    table->failsIn = 1;
     EXPECT_EQ(SetActive(client, 1, 1), HRESULT_FROM_WIN32(ERROR_WRITE_PROTECT));
-    EXPECT_EQ(BootIndicators(client), (std::vector<int>{1, 1, 0, 0})) << "just as the medium";
+    EXPECT_EQ(BootIndicators(client), (std::vector<int>{0, 1, 0, 0}));
+}
+
+TEST(ChangeAttributes, AfterAFailedWriteTheMediumTellsWhatIsTrue) {
+    DiskClient client(machine::FactoryMbr());
+    const auto table = PutOnMedium(client);
+    client.pc.pc.switches.activeFlagIsExclusive = true;
+    table->failsIn = 1;
+    table->entries = {
+        {client.Partition(1).offset, true, 0x27}, {client.Partition(2).offset, false, 0x07}, {7, true, 0x07}};
+    EXPECT_EQ(SetActive(client, 1, 1), HRESULT_FROM_WIN32(ERROR_WRITE_PROTECT));
+    EXPECT_EQ(BootIndicators(client), (std::vector<int>{1, 0, 0, 0})) << "made all the same";
+    EXPECT_EQ(SetActive(client, 2, 1), S_OK);
+    EXPECT_EQ(BootIndicators(client), (std::vector<int>{0, 1, 0, 0})) << "put right";
 }
 
 TEST(ChangeAttributes, FailsBeforeOrAfterItsEffect) {
@@ -233,6 +253,16 @@ TEST(ChangePartitionType, WritesTheMediumFirst) {
     EXPECT_EQ(SetType(client, 3, MBR_ID_HIDDEN_RECOVERY), HRESULT_FROM_WIN32(ERROR_WRITE_PROTECT));
     EXPECT_EQ(client.Partition(3).mbrType, MBR_ID_NTFS);
     EXPECT_EQ(client.Partition(3).volume->letters, "D");
+}
+
+TEST(ChangePartitionType, AfterAFailedWriteTheMediumTellsWhatIsTrue) {
+    DiskClient client(machine::FactoryMbr());
+    const auto table = PutOnMedium(client);
+    table->failsIn = 1;
+    table->entries = {{client.Partition(3).offset, false, MBR_ID_HIDDEN_RECOVERY}};
+    EXPECT_EQ(SetType(client, 3, MBR_ID_HIDDEN_RECOVERY), HRESULT_FROM_WIN32(ERROR_WRITE_PROTECT));
+    EXPECT_EQ(client.Partition(3).mbrType, MBR_ID_HIDDEN_RECOVERY);
+    EXPECT_EQ(client.Partition(3).volume->letters, "") << "the volume has gone with its type";
 }
 
 TEST(ChangePartitionType, FailsBeforeOrAfterItsEffect) {

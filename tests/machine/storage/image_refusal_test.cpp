@@ -153,6 +153,27 @@ TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsInACircle) {
     ExpectRefused(image, "the chain of logical partitions runs in a circle, at sector 18432");
 }
 
+TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsBackToItsStart) {
+    const std::string image =
+        PartitionedImage(40,
+                         "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n"
+                         "6: start=20480,size=2048,type=7\\n");
+    const uint64_t first = 8192 * 512;
+    PatchSectors(image, first + 462 + 8, 0);
+    ExpectRefused(image, "the chain of logical partitions runs in a circle, at sector 8192");
+}
+
+TEST_F(ImageRefusalTest, BootIndicatorThatIsNone) {
+    const std::string image = FactoryMbrImage();
+    PatchByte(image, 446 + 16, 0x81);
+    ExpectRefused(image, "partition 2 is neither active nor inactive; the partition table is damaged");
+
+    const std::string extended = PartitionedImage(40, "label: dos\\n2: start=8192,size=40960,type=5\\n");
+    PatchByte(extended, 446 + 16, 0x01);
+    ExpectRefused(extended,
+                  "the extended partition is neither active nor inactive; the partition table is damaged");
+}
+
 TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsThatBreaks) {
     const std::string image = PartitionedImage(
         40, "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n");

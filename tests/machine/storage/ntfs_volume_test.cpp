@@ -119,8 +119,7 @@ TEST_F(NtfsVolumeTest, FileIsOnTheMediumBeforeTheFlagMoves) {
     EXPECT_EQ(ByteAt(image_, 446 + 16), 0x80);
     EXPECT_EQ(Content("SystemVolume.ini"), iniText);
 
-    EXPECT_EQ(disk_.table->SetActive(1 * MiB, true), 0u);
-    EXPECT_EQ(disk_.table->SetActive(61 * MiB, false), 0u);
+    EXPECT_EQ(disk_.table->SetActive(1 * MiB, true, OtherFlags::Clear), 0u);
     EXPECT_EQ(ByteAt(image_, 446 + 16), 0x00);
     EXPECT_EQ(Content("SystemVolume.ini"), iniText);
 }
