@@ -121,6 +121,13 @@ TEST(ClearActive, ClearsEveryFlag) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
+TEST(ClearActive, EveryFlagButZeroIsActive) {
+    VdsSession session(WithFlags({0x80, 1, 0, 0}));
+    EXPECT_TRUE(session->ClearActive());
+    EXPECT_EQ(FlagsOf(session), (Flags{0, 0, 0, 0}));
+    EXPECT_EQ(session.pc.journal.Calls("IVdsAdvancedDisk::ChangeAttributes").size(), 2u);
+}
+
 TEST(ClearActive, NothingActiveIsTrue) {
     VdsSession session(WithFlags({0, 0, 0, 0}));
     EXPECT_TRUE(session->ClearActive());

@@ -73,6 +73,15 @@ TEST(SetDriveLetterAssign, KeepsALetterThatIsThere) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
+TEST(SetDriveLetterAssign, KeepsALowerCaseLetter) {
+    for (const char letter : {'a', 'z'}) {
+        VdsSession session(WithLetters(std::string(1, letter)));
+        EXPECT_TRUE(session->SetDriveLetter(1, FLAG_ASSIGN));
+        EXPECT_EQ(LetterOf(session), letter);
+        EXPECT_TRUE(session.pc.journal.Calls("IVdsAdvancedDisk::AssignDriveLetter").empty());
+    }
+}
+
 TEST(SetDriveLetterAssign, SeeksFromCToZThenAThenB) {
     struct Case {
         std::string used;  // besides C and D
@@ -141,6 +150,18 @@ TEST(SetDriveLetterDelete, TakesTheLetter) {
     EXPECT_EQ(session.Partition(1).volume->letters, "");
     EXPECT_EQ(session.Records(), Started(1, 2) + queryPartitionsRecords + ended);
     EXPECT_EQ(session.Left(1), Holdings());
+}
+
+TEST(SetDriveLetterDelete, TakesALowerCaseLetter) {
+    for (const char letter : {'a', 'z'}) {
+        const std::string upper(1, static_cast<char>(letter - 'a' + 'A'));
+        VdsSession session(WithLetters(letter + upper));  // told in lower case, held in upper case
+        EXPECT_TRUE(session->SetDriveLetter(1, FLAG_DELETE));
+        EXPECT_EQ(LetterOf(session), '0');
+        const auto deletions = session.pc.journal.Calls("IVdsAdvancedDisk::DeleteDriveLetter");
+        ASSERT_EQ(deletions.size(), 1u);
+        EXPECT_EQ(deletions[0].arguments[2], std::string(1, letter));
+    }
 }
 
 TEST(SetDriveLetterDelete, NoLetterIsTrue) {

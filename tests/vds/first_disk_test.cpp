@@ -24,26 +24,35 @@ Decision FirstDisk(VdsSession& session) {
     return decision;
 }
 
-// A disk as WMI and its port driver report it, on a Target Id of bus 6 when told so.
-machine::Disk KnownDisk(uint32_t number, uint64_t size, const std::string& location) {
-    machine::Disk disk = PlainDisk(number, size);
-    const std::string digit = std::to_string(number);
-    disk.wmi = machine::WmiDisk{"\\\\.\\PHYSICALDRIVE" + digit, "IDE\\DISK" + digit, "IDE"};
-    disk.location = location;
-    disk.scsiAddress = machine::ScsiAddress{0, static_cast<uint8_t>(number), 0, 0};
-    disk.controllers = {"PCI\\VEN_8086&DEV_2922\\" + digit};
+using Sizes = std::vector<uint64_t>;
+
+// The partitions of the first internal disk in order, known by their sizes; none on FALSE.
+Sizes SizesOfFirstDisk(VdsSession& session) {
+    VDS_PARTITION_PROP* partitions = nullptr;
+    LONG count = 0;
+    Sizes sizes;
+    if (!session->QueryPartitions(&partitions, &count)) return sizes;
+    for (LONG index = 0; index < count; ++index)
+        sizes.push_back(partitions[index].ullSize);
+    CoTaskMemFree(partitions);
+    return sizes;
+}
+
+Sizes SizesOf(const machine::Disk& disk) {
+    Sizes sizes;
+    for (const machine::Partition& partition : disk.partitions)
+        sizes.push_back(partition.size);
+    return sizes;
+}
+
+// An internal disk that WMI names by the volume on it: it can be opened and read, but has no number. The
+// service does not list it.
+machine::Disk NumberlessDisk(uint32_t number, const std::string& location) {
+    machine::Disk disk = KnownDisk(number, GiB, location);
+    disk.vdsName.reset();
+    disk.wmi->deviceId = "\\\\.\\C:";
+    disk.partitions[0].volume.emplace().letters = "C";
     return disk;
-}
-
-machine::Pc WithSettingFile(std::vector<machine::Disk> disks) {
-    machine::Pc pc = WindowsPe(std::move(disks));
-    pc.host.files.PutFile("IDE.INI", "[Exclude]\r\n");
-    return pc;
-}
-
-machine::Pc TwoTargets(uint64_t firstSize, uint64_t secondSize) {
-    return WithSettingFile({KnownDisk(0, firstSize, "Bus Number 6, Target Id 0, LUN 0"),
-                            KnownDisk(1, secondSize, "Bus Number 6, Target Id 1, LUN 0")});
 }
 
 }  // namespace
@@ -62,6 +71,31 @@ TEST(GetFirstInternalDriveNumber, InstalledWindowsOnAnotherDisk) {
     EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
     ExpectTranscript(session.pc.journal, "vds/first_disk_windows_two_disks");
     EXPECT_EQ(session.Left(2), Holdings());
+}
+
+TEST(GetFirstInternalDriveNumber, DataDiskBehindTheSystemDiskIsLeftAlone) {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.disks.push_back(PlainDisk(1));
+    VdsSession session(pc);
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    EXPECT_EQ(SizesOfFirstDisk(session), SizesOf(session.Disk(0)));
+    EXPECT_TRUE(session->SetActive(1));
+    EXPECT_EQ(session.Disk(0).partitions[0].bootIndicator, 1);
+    EXPECT_EQ(session.Disk(1).partitions[0].bootIndicator, 0);
+    EXPECT_EQ(session.Left(6), (Holdings{{"IVdsAdvancedDisk", 1}}));
+}
+
+TEST(GetFirstInternalDriveNumber, DiskThatWasFoundBeforeIsNoMatchOnAnotherBus) {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.disks.push_back(PlainDisk(1));
+    VdsSession session(pc);
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    session.Disk(0).busType = VDS_BUS_TYPE_NVME;
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, 0}));
+    EXPECT_EQ(SizesOfFirstDisk(session), Sizes());
+    EXPECT_FALSE(session->SetActive(1));
+    EXPECT_TRUE(session.pc.journal.Calls("IVdsAdvancedDisk::ChangeAttributes").empty());
+    EXPECT_EQ(session.Left(8), Holdings());
 }
 
 TEST(GetFirstInternalDriveNumber, MissingServiceIsAnError) {
@@ -201,9 +235,7 @@ TEST(GetFirstInternalDriveNumber, SettingFileWithoutAnyDiskIsAnError) {
 }
 
 TEST(GetFirstInternalDriveNumber, DiskWithoutAReadableNumberIsAnError) {
-    machine::Disk disk = KnownDisk(0, GiB, "0");
-    disk.wmi->deviceId = "\\\\.\\SOMETHING";
-    VdsSession session(WithSettingFile({disk}));
+    VdsSession session(WithSettingFile({NumberlessDisk(0, "0")}));
     EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
     ExpectTranscript(session.pc.journal, "vds/first_disk_pe_setting_file_no_number");
 }
@@ -213,6 +245,18 @@ TEST(GetFirstInternalDriveNumber, ChosenDiskThatTheServiceDoesNotListIsTheNumber
     chosen.vdsName.reset();
     VdsSession session(WithSettingFile({chosen}));
     EXPECT_EQ(FirstDisk(session), (Decision{FALSE, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, NumberWithoutAMatchIsRemembered) {
+    machine::Disk chosen = KnownDisk(3, GiB, "0");
+    chosen.vdsName.reset();
+    VdsSession session(WithSettingFile({chosen}));
+    EXPECT_EQ(FirstDisk(session), (Decision{FALSE, 3}));
+    session.pc.journal.Clear();
+    int second = 0;
+    EXPECT_FALSE(session->GetSecondInternalDriveNumber(second));
+    const std::string records = session.Records();
+    EXPECT_NE(records.find("TRUE == bFind. FirstDiskNumber ={int 3}"), std::string::npos) << records;
 }
 
 TEST(GetFirstInternalDriveNumber, LargerSecondTargetBecomesTheFirstDisk) {
@@ -232,6 +276,25 @@ TEST(GetFirstInternalDriveNumber, SecondTargetThatIsNotLargerChangesNothing) {
         VdsSession session(TwoTargets(GiB, secondSize));
         EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
     }
+}
+
+TEST(GetFirstInternalDriveNumber, SizesAreComparedWithoutASign) {
+    constexpr uint64_t huge = uint64_t{1} << 63;
+    {
+        VdsSession session(TwoTargets(GiB, huge));
+        EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 1}));
+    }
+    VdsSession session(TwoTargets(huge, GiB));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+}
+
+TEST(GetFirstInternalDriveNumber, SecondTargetWithoutANumberIsNotCompared) {
+    // Without a number it would count as the list's first disk, which is larger.
+    VdsSession session(
+        WithSettingFile({PlainDisk(2, 4 * GiB), KnownDisk(0, GiB, "Bus Number 6, Target Id 0, LUN 0"),
+                         NumberlessDisk(1, "Bus Number 6, Target Id 1, LUN 0")}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    EXPECT_EQ(SizesOfFirstDisk(session), Sizes{GiB / 2});
 }
 
 TEST(GetFirstInternalDriveNumber, SizesAreComparedOnlyBetweenTargetsOfBusSix) {

@@ -61,6 +61,41 @@ TEST(SelectPartition, ExtentOfAnEarlierSelectionStays) {
     EXPECT_EQ(Label(session), "Windows");
 }
 
+TEST(SelectPartition, ExtentsThatCannotBeReadLeaveTheEarlierOne) {
+    SelectedDisk session;
+    EXPECT_TRUE(session->SelectPartition(2));
+    session.Fail("IVdsDisk::QueryExtents", failure);
+    EXPECT_TRUE(session->SelectPartition(3));
+    EXPECT_EQ(session->PartitionProperties().ulPartitionNumber, 3u);
+    EXPECT_EQ(Label(session), "Windows");
+}
+
+TEST(SelectPartition, NoExtentAtTheOffsetLeavesTheEarlierOne) {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.disks.push_back(PlainDisk(1));
+    SelectedDisk session(pc);
+    EXPECT_TRUE(session->SelectPartition(2));
+    // The extents are those of disk 1 from now on, the partitions those of the first internal disk.
+    EXPECT_TRUE(session->SelectDisk(1));
+    int number = -1;
+    EXPECT_TRUE(session->GetActivePartitionNumber(number));
+    EXPECT_TRUE(session->SelectPartition(3));
+    EXPECT_EQ(session->PartitionProperties().ullOffset, session.Partition(3).offset);
+    EXPECT_EQ(Label(session), "Windows");
+}
+
+TEST(SelectPartition, FirstOfTwoExtentsAtOneOffsetIsTaken) {
+    for (const bool firstHasVolume : {true, false}) {
+        SelectedDisk session;
+        machine::Partition& first = session.Partition(2);
+        machine::Partition& second = session.Partition(3);
+        second.offset = first.offset;
+        (firstHasVolume ? second : first).volume->extentType = VDS_DET_OEM;
+        EXPECT_TRUE(session->SelectPartition(3));
+        EXPECT_EQ(Label(session), firstHasVolume ? "Windows" : "(none)");
+    }
+}
+
 TEST(SelectPartition, MissingServiceIsAnErrorAndTrue) {
     machine::EmulatedPc pc(machine::FactoryMbr());
     CVDSPartition partition;

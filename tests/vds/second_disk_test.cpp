@@ -61,6 +61,11 @@ TEST(GetSecondInternalDriveNumber, DiskWithoutASizeDoesNotCountAsSmallest) {
     EXPECT_EQ(SecondDisk(session), 1);
 }
 
+TEST(GetSecondInternalDriveNumber, SizesAreComparedWithoutASign) {
+    VdsSession session(WindowsPe({PlainDisk(0, uint64_t{1} << 63), PlainDisk(1, GiB)}));
+    EXPECT_EQ(SecondDisk(session), 1);
+}
+
 TEST(GetSecondInternalDriveNumber, InstalledWindowsHasNone) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_EQ(SecondDisk(session), -1);

@@ -122,6 +122,19 @@ TEST(Initialize, ServiceThatNeverBecomesReadyIsAskedTwentyTimes) {
     EXPECT_EQ(host.pc.ledger.Outstanding().at("IVdsService"), 19);
 }
 
+TEST(Initialize, EachAttemptForgetsTheServiceOfTheOneBefore) {
+    Host host;
+    host.pc.faults.Arm({.call = "IVdsService::IsServiceReady", .nth = 1, .code = notReady});
+    host.pc.faults.Arm({.call = "CoCreateInstance", .nth = 2, .onwards = true, .code = accessDenied});
+    {
+        CVDSPartition partition;
+        EXPECT_FALSE(partition.Initialize());
+        EXPECT_EQ(partition.GetService(), nullptr);
+    }
+    EXPECT_EQ(host.pc.journal.Calls("CoCreateInstance").size(), 20u);
+    EXPECT_EQ(host.pc.ledger.Outstanding().at("IVdsService"), 1);
+}
+
 TEST(Initialize, ServiceThatIsReadyAtTheLastAttemptIsEnough) {
     Host host;
     for (uint32_t attempt = 1; attempt <= 19; ++attempt) {

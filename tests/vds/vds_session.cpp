@@ -1,5 +1,11 @@
 #include "tests/vds/vds_session.h"
 
+namespace {
+
+const std::string diskString = "VDS_DISK_PROP string";
+
+}  // namespace
+
 VdsSession::VdsSession(machine::Pc facts) : pc(std::move(facts)) {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     partition_.emplace();
@@ -33,11 +39,15 @@ Holdings VdsSession::Left(int diskRecords) {
     constexpr int stringsOfRecord = 5;
     End();
     Holdings left = pc.ledger.Outstanding();
-    const auto strings = left.find("VDS_DISK_PROP string");
-    const int expected = diskRecords * stringsOfRecord;
-    if (expected == 0 || (strings != left.end() && strings->second == expected)) {
-        left.erase("VDS_DISK_PROP string");
-    }
+    left[diskString] -= diskRecords * stringsOfRecord;
+    if (left[diskString] == 0) left.erase(diskString);
+    return left;
+}
+
+Holdings VdsSession::LeftBesideStrings() {
+    End();
+    Holdings left = pc.ledger.Outstanding();
+    left.erase(diskString);
     return left;
 }
 
@@ -100,4 +110,25 @@ machine::Pc WindowsPe(std::vector<machine::Disk> disks) {
     pc.host.path = "X:\\Recovery\\Recovery.exe";
     pc.disks = std::move(disks);
     return pc;
+}
+
+machine::Disk KnownDisk(uint32_t number, uint64_t size, const std::string& location) {
+    machine::Disk disk = PlainDisk(number, size);
+    const std::string digit = std::to_string(number);
+    disk.wmi = machine::WmiDisk{"\\\\.\\PHYSICALDRIVE" + digit, "IDE\\DISK" + digit, "IDE"};
+    disk.location = location;
+    disk.scsiAddress = machine::ScsiAddress{0, static_cast<uint8_t>(number), 0, 0};
+    disk.controllers = {"PCI\\VEN_8086&DEV_2922\\" + digit};
+    return disk;
+}
+
+machine::Pc WithSettingFile(std::vector<machine::Disk> disks) {
+    machine::Pc pc = WindowsPe(std::move(disks));
+    pc.host.files.PutFile("IDE.INI", "[Exclude]\r\n");
+    return pc;
+}
+
+machine::Pc TwoTargets(uint64_t firstSize, uint64_t secondSize) {
+    return WithSettingFile({KnownDisk(0, firstSize, "Bus Number 6, Target Id 0, LUN 0"),
+                            KnownDisk(1, secondSize, "Bus Number 6, Target Id 1, LUN 0")});
 }

@@ -32,8 +32,10 @@ class VdsSession {
     // Every call of that name fails with the code from now on, or the nth one alone.
     void Fail(const std::string& call, uint32_t code, uint32_t nth = 0, bool afterEffect = false);
     // Ends the object and COM; what is on loan still. The strings of the disks' properties, which nobody ever
-    // frees, are left out when there are as many as that many disk records have.
+    // frees, are counted beyond those that so many disk records have.
     Holdings Left(int diskRecords);
+    // The same without those strings, for operations that may have read any number of disks.
+    Holdings LeftBesideStrings();
 
     machine::EmulatedPc pc;
 
@@ -55,3 +57,9 @@ extern const std::string refusedPartitionsRecords;
 // An MBR disk in Windows PE without IDE.INI, for lists of disks.
 machine::Disk PlainDisk(uint32_t number, uint64_t size = uint64_t{1} << 30);
 machine::Pc WindowsPe(std::vector<machine::Disk> disks);
+
+// A disk as WMI and its port driver report it too, and Windows PE with an IDE.INI.
+machine::Disk KnownDisk(uint32_t number, uint64_t size, const std::string& location);
+machine::Pc WithSettingFile(std::vector<machine::Disk> disks);
+// The disks 0 and 1 on Target Ids of bus 6.
+machine::Pc TwoTargets(uint64_t firstSize, uint64_t secondSize);
