@@ -63,8 +63,8 @@ TEST_F(Status, InJsonIsOneObject) {
 }
 
 TEST_F(Status, OfUnreadableLayoutTellsTheErrorAndFails) {
-    // The library asks for the extents of C: four times before.
-    const Outcome outcome = Kestova("--pc factory-mbr --fail 'DeviceIoControl#5=5' status");
+    // The library asks for the extents of C: three times before.
+    const Outcome outcome = Kestova("--pc factory-mbr --fail 'DeviceIoControl#4=5' status");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors, "kestova: the partitions of disk 0 cannot be read (error 5)\n");
     EXPECT_THAT(outcome.output, HasSubstr("Active partition   2\n"));
@@ -85,7 +85,8 @@ TEST_F(Status, TellsWhatOfTheSystemCannotBeRead) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors,
               "kestova: the start options of the running system cannot be read (error 5); "
-              "the Windows directory cannot be read (error 6)\n");
+              "the Windows directory cannot be read (error 6); "
+              "no internal disk was found, or it could not be told\n");
     EXPECT_THAT(outcome.output,
                 StartsWith(R"({"firmware":"BIOS","system":"unknown","windowsDirectory":null,)"));
     EXPECT_THAT(outcome.output, HasSubstr(R"(],"problem":"the start options of )"));
