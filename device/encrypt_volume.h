@@ -1,5 +1,30 @@
 // The volumes that BitLocker has encrypted.
 #pragma once
 
-// Holds nothing.
-class CEncryptVolume {};
+#include "platform/windows_api.h"
+#include "text/wide_string.h"
+
+inline constexpr int encryptVolumeCapacity = 32;
+
+// What CEncryptVolume found; entry i of both arrays describes the same volume.
+struct tagEncryptVolume_t {
+    WideString strDeviceID[encryptVolumeCapacity];     // volume device paths
+    WideString strDriveLetter[encryptVolumeCapacity];  // "C:"; empty for a volume without a letter
+    int VolumeCount = 0;                               // entries in use
+};
+
+// Holds nothing; every call asks BitLocker's WMI provider afresh. COM must be initialised on the calling
+// thread.
+class CEncryptVolume {
+  public:
+    // Lists the volumes whose encryption method is not "none", at most 32. 1, or 0 when BitLocker could not
+    // be asked or a volume could not tell; the record holds what was gathered before. A volume whose method
+    // returns a code of its own ends the list without a failure.
+    BOOL GetEncryptVolume(tagEncryptVolume_t& record);
+
+  private:
+    static HRESULT EnumEncryptableVolume(IWbemServices* services, const WideString& namespacePath,
+                                         tagEncryptVolume_t& record);
+    static HRESULT QueryEncryptionMethod(IWbemServices* services, const WideString& namespacePath,
+                                         const WideString& key, int& returnValue, int& encryptionMethod);
+};

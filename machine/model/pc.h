@@ -158,6 +158,9 @@ struct RunningSystem {
     std::string windowsDirectory = "C:\\Windows";
     std::optional<std::string> startOptions =
         " NOEXECUTE=OPTIN";  // SystemStartOptions; absent: no such value
+    // The program is a 32-bit one on a 64-bit system: below the Windows directory it sees SysWOW64 as
+    // System32 unless it switches the redirection off.
+    bool emulates32Bit = false;
     bool operator==(const RunningSystem&) const = default;
 };
 
@@ -166,6 +169,23 @@ struct HostProgram {
     std::string path = "C:\\Program Files\\Recovery\\Recovery.exe";
     FileTree files;  // in its folder, IDE.INI for instance
     bool operator==(const HostProgram&) const = default;
+};
+
+// How the command interpreter runs a batch file.
+struct Shell {
+    uint32_t milliseconds = 50;  // that a batch takes
+    bool regFails = false;       // `reg` does nothing and ends with an error
+    bool operator==(const Shell&) const = default;
+};
+
+// A volume as BitLocker's WMI provider lists it; an absent property reads as VT_NULL.
+struct EncryptableVolume {
+    std::optional<std::string> deviceId;
+    std::optional<std::string> persistentVolumeId;
+    std::optional<std::string> driveLetter;  // "C:"
+    uint32_t returnValue = 0;                // of GetEncryptionMethod
+    uint32_t encryptionMethod = 0;           // 0: not encrypted
+    bool operator==(const EncryptableVolume&) const = default;
 };
 
 struct RegistryValue {
@@ -199,6 +219,9 @@ struct Pc {
     std::vector<Volume> volumes;     // without a disk: discs, sticks, network letters
     RegistryKeys registry;
     RegistryKeys offlineSystemHive;  // the installed Windows' SYSTEM hive, keys below its root
+    Shell shell;
+    // What BitLocker's provider lists, in its order; absent: there is no such provider.
+    std::optional<std::vector<EncryptableVolume>> encryptableVolumes;
     Switches switches;
     std::vector<FaultRule> faults;
 
