@@ -13,7 +13,9 @@
 #include "machine/model/fault_rule.h"
 #include "machine/model/file_tree.h"
 #include "machine/model/guid.h"
+#include "machine/model/registry_keys.h"
 #include "machine/storage/file_store.h"
+#include "machine/storage/hive_reader.h"
 #include "machine/storage/partition_table.h"
 
 namespace machine {
@@ -175,6 +177,7 @@ struct HostProgram {
 struct Shell {
     uint32_t milliseconds = 50;  // that a batch takes
     bool regFails = false;       // `reg` does nothing and ends with an error
+    bool tellsProcess = true;    // false: a batch starts without a handle of its process
     bool operator==(const Shell&) const = default;
 };
 
@@ -187,15 +190,6 @@ struct EncryptableVolume {
     uint32_t encryptionMethod = 0;           // 0: not encrypted
     bool operator==(const EncryptableVolume&) const = default;
 };
-
-struct RegistryValue {
-    uint32_t type = 1;  // REG_SZ: data are UTF-8 and stored as UTF-16 with a terminator; other types: bytes
-    std::string data;
-    bool operator==(const RegistryValue&) const = default;
-};
-
-// Keys by path ("HKLM\\SYSTEM\\MountedDevices"), values by name; both are looked up without regard to case.
-using RegistryKeys = std::map<std::string, std::map<std::string, RegistryValue>>;
 
 // What the platform's documentation leaves open. The defaults are what is documented or observed most.
 struct Switches {
@@ -218,7 +212,8 @@ struct Pc {
     std::vector<uint32_t> wmiOrder;  // disk numbers in WMI's order; those not named follow in VDS order
     std::vector<Volume> volumes;     // without a disk: discs, sticks, network letters
     RegistryKeys registry;
-    RegistryKeys offlineSystemHive;  // the installed Windows' SYSTEM hive, keys below its root
+    RegistryKeys offlineSystemHive;  // what a hive file on a described volume holds, keys below its root
+    std::shared_ptr<HiveReader> hiveReader;  // reads the hive files of disk images instead
     Shell shell;
     // What BitLocker's provider lists, in its order; absent: there is no such provider.
     std::optional<std::vector<EncryptableVolume>> encryptableVolumes;
