@@ -4,7 +4,6 @@
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"
-#include "manager/volume_location.h"
 #include "vds/vds_partition.h"
 
 int Kestova::GetFirstInternalDriveNumber() {
@@ -45,33 +44,10 @@ int Kestova::ClearActive() {
     return iRet;
 }
 
-int Kestova::GetDiskStyle(THardDiskType& style) {
+int Kestova::IsDynamic() {
     ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDiskStyle\t\tStart"));
-    style = HARD_DISK_UNKNOWN;
-    if (m_pVDSPartition != nullptr) {
-        int disk = -1;
-        VDS_PARTITION_PROP* partitions = nullptr;
-        LONG count = 0;
-        if (m_pVDSPartition->GetFirstInternalDriveNumber(disk) && m_pVDSPartition->SelectDisk(disk) &&
-            m_pVDSPartition->QueryPartitions(&partitions, &count)) {
-            style = static_cast<THardDiskType>(m_pVDSPartition->DiskProperties().PartitionStyle);
-            CoTaskMemFree(partitions);
-        }
-        m_HardDiskType = style;
-    }
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDiskStyle\t\tEnd. enumDiskStyle = ")).Int(style);
-    return m_pVDSPartition != nullptr;
-}
-
-WCHAR Kestova::GetDriveLetter(int disk, int partition) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDriveLetter\tStart"));
-    for (WCHAR letter = TEXT('A'); letter <= TEXT('Z'); ++letter) {
-        if (!IsLetterOfPartition(letter, disk, partition)) continue;
-        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDriveLetter\tEnd. Driver is ")).Char(letter);
-        return letter;
-    }
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDriveLetter\tEnd. Driver is 0"));
-    return TEXT('0');
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsDynamic\tStart"));
+    const int bReturn = m_pVDSPartition != nullptr && m_pVDSPartition->IsDynamic();
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsDynamic\tEnd. bReturn = ")).Int(bReturn);
+    return bReturn;
 }

@@ -183,7 +183,7 @@ class KESTOVA_API Kestova {
     // 0 when the volume tells no partition.
     int GetPartNumber(WCHAR letter);
 
-    // Writes up to 1024 characters to name.
+    // Writes at most 260 characters, cut and terminated, to name; nothing when the name cannot be read (0).
     int GetVolumeName(WCHAR letter, WCHAR* name);
     int IsRCVVolume(WCHAR letter, int mediaType);
     int IsWinREVolume(WCHAR letter);

@@ -1,21 +1,18 @@
-// Recognising recovery media by the files and folders below the volume's root.
+// Recovery media: the recovery partition, discs and USB flash drives that bear the maker's recovery files.
 
 #include "manager/recovery_media.h"
 
-#include "diag/log_record.h"
+#include <algorithm>
+#include <optional>
+
+#include "diag/module.h"
+#include "manager/drive.h"
 #include "manager/kestova.h"
-#include "text/format.h"
+#include "manager/markers.h"
 
 namespace {
 
-constexpr size_t pathCapacity = MAX_PATH + 1;
-
-struct Marker {
-    const WCHAR* path;
-    const WCHAR* missRecord;
-};
-
-// In the order in which they are tested.
+// In the order in which they are tested, as everywhere below.
 constexpr Marker recoveryMarkers[] = {
     {TEXT("sources\\Qelhdrcv.ini"), TEXT("Kestova::IsRCVVolume\tmiss QELHDRCVINI. szPath = ")},
     {TEXT("sources"), TEXT("Kestova::IsRCVVolume\tmiss SOURCES. szPath = ")},
@@ -24,79 +21,82 @@ constexpr Marker recoveryMarkers[] = {
     {TEXT("sources\\idf"), TEXT("Kestova::IsRCVVolume\tmiss IDF. szPath = ")},
 };
 
-// A path below a drive's root.
-struct DrivePath {
-    WCHAR text[pathCapacity];
-
-    DrivePath(WCHAR letter, const WCHAR* below) {
-        FormatInto(text, pathCapacity, TEXT("%c:"), letter);
-        if (below != nullptr) PathAppendW(text, below);
-    }
-    bool Exists() const { return PathFileExistsW(text); }
+// What tells one kind of media from another. Media of a kind that is not named may bear the flag or not: so
+// may a hard-disk volume the flag of a USB flash drive.
+struct MediaFlag {
+    const WCHAR* path;
+    int required;      // the kind that must bear it
+    int forbidden[2];  // the kinds that must not
+    const WCHAR* presentRecord;
+    const WCHAR* missRecord;
 };
 
-bool HasDriveTypeOf(int mediaType, WCHAR letter) {
-    UINT required = 0;
+constexpr MediaFlag mediaFlags[] = {
+    {TEXT("sources\\DVD"),
+     TYPE_DISC,
+     {TYPE_HDD, TYPE_UFD},
+     TEXT("Kestova::IsRCVVolume\tMediaType error. MediaType = "),
+     TEXT("Kestova::IsRCVVolume\tmiss FLAG_UFD.(TYPE_DISC == MediaType) szPath = ")},
+    {TEXT("sources\\UFD"),
+     TYPE_UFD,
+     {TYPE_DISC, TYPE_DISC},
+     TEXT("Kestova::IsRCVVolume\t\tMediaType error. MediaType = "),
+     TEXT("Kestova::IsRCVVolume\tmiss FLAG_UFD.(TYPE_UFD == MediaType) szPath = ")},
+};
+
+std::optional<UINT> RequiredDriveType(int mediaType) {
     switch (mediaType) {
         case TYPE_HDD:
-            required = DRIVE_FIXED;
-            break;
+            return DRIVE_FIXED;
         case TYPE_DISC:
-            required = DRIVE_CDROM;
-            break;
+            return DRIVE_CDROM;
         case TYPE_UFD:
-            required = DRIVE_REMOVABLE;
-            break;
+            return DRIVE_REMOVABLE;
         default:
-            return true;
+            return std::nullopt;
     }
-    return GetDriveTypeW(DrivePath(letter, nullptr).text) == required;
+}
+
+// False after the record.
+bool SuitsMedia(const MediaFlag& flag, WCHAR letter, int mediaType) {
+    const DrivePath path(letter, flag.path);
+    if (path.Exists()) {
+        if (std::ranges::find(flag.forbidden, mediaType) == std::end(flag.forbidden)) return true;
+        LogRecord(LOG_LEVEL_TRACE).Text(flag.presentRecord).Int(mediaType);
+        return false;
+    }
+    if (mediaType != flag.required) return true;
+    LogRecord(LOG_LEVEL_TRACE).Text(flag.missRecord).Text(path.text);
+    return false;
 }
 
 }  // namespace
 
 int Kestova::IsRCVVolume(WCHAR letter, int mediaType) {
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsRCVVolume\t\tStart"));
-    if (!HasDriveTypeOf(mediaType, letter)) return 0;
-
-    for (const Marker& marker : recoveryMarkers) {
-        const DrivePath path(letter, marker.path);
-        if (path.Exists()) continue;
-        LogRecord(LOG_LEVEL_TRACE).Text(marker.missRecord).Text(path.text);
-        return 0;
+    const std::optional<UINT> driveType = RequiredDriveType(mediaType);
+    if (driveType.has_value() && DriveType(letter) != *driveType) return 0;
+    if (!HasMarkers(letter, recoveryMarkers)) return 0;
+    for (const MediaFlag& flag : mediaFlags) {
+        if (!SuitsMedia(flag, letter, mediaType)) return 0;
     }
-
-    const DrivePath discFlag(letter, TEXT("sources\\DVD"));
-    if (discFlag.Exists()) {
-        if (mediaType == TYPE_HDD || mediaType == TYPE_UFD) {
-            LogRecord(LOG_LEVEL_TRACE)
-                .Text(TEXT("Kestova::IsRCVVolume\tMediaType error. MediaType = "))
-                .Int(mediaType);
-            return 0;
-        }
-    } else if (mediaType == TYPE_DISC) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova::IsRCVVolume\tmiss FLAG_UFD.(TYPE_DISC == MediaType) szPath = "))
-            .Text(discFlag.text);
-        return 0;
-    }
-
-    // A hard-disk volume may bear this flag.
-    const DrivePath stickFlag(letter, TEXT("sources\\UFD"));
-    if (stickFlag.Exists()) {
-        if (mediaType == TYPE_DISC) {
-            LogRecord(LOG_LEVEL_TRACE)
-                .Text(TEXT("Kestova::IsRCVVolume\t\tMediaType error. MediaType = "))
-                .Int(mediaType);
-            return 0;
-        }
-    } else if (mediaType == TYPE_UFD) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova::IsRCVVolume\tmiss FLAG_UFD.(TYPE_UFD == MediaType) szPath = "))
-            .Text(stickFlag.text);
-        return 0;
-    }
-
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsRCVVolume\t\tEnd return true"));
     return 1;
+}
+
+WCHAR Kestova::GetRCVDISC() {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetRCVDISC\tStart"));
+    const WCHAR found = FirstLetter([&](WCHAR letter) { return IsRCVVolume(letter, TYPE_DISC); });
+    LogSearched(found, TEXT("Kestova::GetRCVDISC\tcDriveLetter = "),
+                TEXT("Kestova::GetRCVDISC\tEnd cDriveLetter = 0"));
+    return found;
+}
+
+WCHAR Kestova::GetRCVUFD() {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetRCVUFD\tStart"));
+    const WCHAR found = FirstLetter([&](WCHAR letter) { return IsRCVVolume(letter, TYPE_UFD); });
+    LogSearched(found, TEXT("Kestova::GetRCVUFD\tDriver = "), TEXT("Kestova::GetRCVUFD\tEnd. Driver = 0"));
+    return found;
 }

@@ -1,0 +1,82 @@
+// How the first internal disk is laid out: its partition style, and which of the known layouts it has.
+
+#include "diag/log_record.h"
+#include "diag/module.h"
+#include "manager/kestova.h"
+#include "text/wide_string.h"
+#include "vds/vds_partition.h"
+
+namespace {
+
+tagDiskTypeEnum GptLayout(CVDSPartition& partitions) {
+    GUID type = {};
+    if (!partitions.GetPartitionType(3, type)) {
+        LogRecord(LOG_LEVEL_TRACE)
+            .Text(TEXT("Kestova::GetCurrentDiskType\tGetPartitionType\tERROR_GET_PARTITION_TYPE"));
+        return DISK_TYPE_UNKNOWN;
+    }
+    return IsSameGuid(type, PARTITION_SYSTEM_GUID) ? DISK_TYPE_GPT_ESP : DISK_TYPE_GPT_OTHER;
+}
+
+}  // namespace
+
+int Kestova::GetDiskStyle(THardDiskType& style) {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDiskStyle\t\tStart"));
+    style = HARD_DISK_UNKNOWN;
+    if (m_pVDSPartition != nullptr) {
+        int disk = -1;
+        VDS_PARTITION_PROP* partitions = nullptr;
+        LONG count = 0;
+        if (m_pVDSPartition->GetFirstInternalDriveNumber(disk) && m_pVDSPartition->SelectDisk(disk) &&
+            m_pVDSPartition->QueryPartitions(&partitions, &count)) {
+            style = static_cast<THardDiskType>(m_pVDSPartition->DiskProperties().PartitionStyle);
+            CoTaskMemFree(partitions);
+        }
+        m_HardDiskType = style;
+    }
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDiskStyle\t\tEnd. enumDiskStyle = ")).Int(style);
+    return m_pVDSPartition != nullptr;
+}
+
+int Kestova::GetCurrentDiskType(tagDiskTypeEnum& type) {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetCurrentDiskType\t\tStart"));
+
+    const auto mbrLayout = [&] {
+        BYTE id = MBR_ID_NONE;
+        if (!m_pVDSPartition->GetPartitionType(2, id)) {
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT("Kestova::GetCurrentDiskType\tGetPartitionType\tERROR_GET_PARTITION_TYPE"));
+            return DISK_TYPE_UNKNOWN;
+        }
+        if (id != MBR_ID_NTFS) return DISK_TYPE_UNKNOWN;
+        const WCHAR letter = GetDriveLetter(GetFirstInternalDriveNumber(), 2);
+        if (letter == TEXT('0')) {
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT("Kestova::GetCurrentDiskType\tGetDriveLetter\tERROR_GET_DRIVE_LETTER"));
+            return DISK_TYPE_UNKNOWN;
+        }
+        // A name that cannot be read counts as none.
+        WCHAR name[MAX_PATH] = {};
+        GetVolumeName(letter, name);
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetCurrentDiskType\t")).Text(name);
+        return EqualIgnoringCase(name, TEXT("System Reserved")) ? DISK_TYPE_MBR_SYSTEM_RESERVED
+                                                                : DISK_TYPE_MBR_OTHER;
+    };
+
+    type = DISK_TYPE_UNKNOWN;
+    THardDiskType style = HARD_DISK_UNKNOWN;
+    if (!GetDiskStyle(style)) {
+        LogRecord(LOG_LEVEL_TRACE)
+            .Text(TEXT("Kestova::GetCurrentDiskType\tGetDiskStyle\tERROR_GET_DISK_STYLE"));
+    } else if (style == HARD_DISK_MBR) {
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetCurrentDiskType\tGetDiskStyle\tMBR"));
+        type = mbrLayout();
+    } else if (style == HARD_DISK_GPT) {
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetCurrentDiskType\tGetDiskStyle\tGPT"));
+        type = GptLayout(*m_pVDSPartition);
+    }
+    LogRecord(LOG_LEVEL_TRACE).String(StringFormat(TEXT("Kestova::GetCurrentDiskType is %d"), type));
+    return TRUE;
+}
