@@ -9,7 +9,7 @@ namespace {
 constexpr CallInfo calls[] = {
     // files, volumes, devices
     {"CloseHandle", FailsWith::FalseAndLastError, true},
-    {"CreateFileW", FailsWith::InvalidHandle, false},
+    {"CreateFileW", FailsWith::InvalidHandle, true},
     {"DeleteFileW", FailsWith::FalseAndLastError, true},
     {"DeviceIoControl", FailsWith::FalseAndLastError, false},
     {"GetDriveTypeW", FailsWith::Value, false},
@@ -17,9 +17,17 @@ constexpr CallInfo calls[] = {
     {"GetModuleFileNameW", FailsWith::ZeroAndLastError, false},
     {"GetVolumeInformationW", FailsWith::FalseAndLastError, false},
     {"GetWindowsDirectoryW", FailsWith::ZeroAndLastError, false},
+    {"IsWow64Process", FailsWith::FalseAndLastError, false},
     {"PathAppendW", FailsWith::FalseAndLastError, false},
     {"PathFileExistsW", FailsWith::FalseAndLastError, false},
     {"PathRemoveFileSpecW", FailsWith::FalseAndLastError, false},
+    {"WriteFile", FailsWith::FalseAndLastError, true},
+    // programs and text
+    {"ShellExecuteExW", FailsWith::FalseAndLastError, true},
+    {"WaitForSingleObject", FailsWith::Value, true},
+    {"WideCharToMultiByte", FailsWith::ZeroAndLastError, false},
+    {"Wow64DisableWow64FsRedirection", FailsWith::FalseAndLastError, true},
+    {"Wow64RevertWow64FsRedirection", FailsWith::FalseAndLastError, true},
     // profiles, registry, firmware, time
     {"GetFirmwareEnvironmentVariableW", FailsWith::ZeroAndLastError, false},
     {"GetPrivateProfileStringW", FailsWith::ZeroAndLastError, false},

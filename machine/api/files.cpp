@@ -1,12 +1,13 @@
-// Opening, closing and deleting. Nothing here reads or writes through a handle: a handle of a volume or a
-// disk is for DeviceIoControl, one of a file tells that it exists.
+// Opening, closing and deleting. A handle of a volume or a disk is for DeviceIoControl, one of a file tells
+// that it exists, or is for WriteFile.
 
 #include <charconv>
 
 #include "machine/api/file_handles.h"
 #include "machine/api/outcome.h"
+#include "machine/api/processes.h"
+#include "machine/api/redirection.h"
 #include "machine/core/text_case.h"
-#include "machine/core/volume_files.h"
 
 using namespace machine;
 
@@ -44,9 +45,10 @@ uint32_t OpenDevice(EmulatedPc& pc, const FileHandle& file, DWORD shareMode, DWO
 }
 
 uint32_t OpenPath(EmulatedPc& pc, const std::string& path, DWORD disposition, DWORD flags) {
+    if (disposition == CREATE_ALWAYS) return VolumeFiles(pc.pc).Write(path, "");
     if (disposition != OPEN_EXISTING) return ERROR_NOT_SUPPORTED;
     FileKind kind;
-    if (const uint32_t error = VolumeFiles(pc.pc).Find(path, kind); error != ERROR_SUCCESS) return error;
+    if (const uint32_t error = FilesOf(pc).Find(path, kind); error != ERROR_SUCCESS) return error;
     const bool opens = kind == FileKind::File || (flags & FILE_FLAG_BACKUP_SEMANTICS) != 0;
     return opens ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
@@ -61,14 +63,16 @@ std::string DispositionText(DWORD disposition) {
 }  // namespace
 
 // Opens what exists: a volume ("\\\\.\\C:"), a physical disk ("\\\\.\\PhysicalDrive0"), a file, with
-// FILE_FLAG_BACKUP_SEMANTICS a folder. INVALID_HANDLE_VALUE: error 2 or 3 when there is none, 5 for a folder,
-// 32 for a volume without FILE_SHARE_WRITE, 50 for a file that should be created, 87 for a device with
-// another disposition, and whatever the volume's facts say. The caller closes with CloseHandle.
+// FILE_FLAG_BACKUP_SEMANTICS a folder. CREATE_ALWAYS makes a file, or empties the one there is.
+// INVALID_HANDLE_VALUE: error 2 or 3 when there is none, 5 for a folder, 19 for a medium that cannot be
+// written, 32 for a volume without FILE_SHARE_WRITE, 50 for a file with another disposition, 87 for a device
+// with another than OPEN_EXISTING, and whatever the volume's facts say. The caller closes with CloseHandle.
 extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES,
                                      DWORD disposition, DWORD flags, HANDLE) {
     const std::string path = ToUtf8(name);
     std::vector<std::string> arguments = {path, Hex(access), Hex(shareMode), DispositionText(disposition)};
-    return Answer<HANDLE>("CreateFileW", std::move(arguments), [&](EmulatedPc& pc) {
+    HANDLE opened = INVALID_HANDLE_VALUE;
+    const HANDLE answer = Answer<HANDLE>("CreateFileW", std::move(arguments), [&](EmulatedPc& pc) {
         std::string_view device = path;
         std::optional<FileHandle> file;
         if (TakePrefix(device, "\\\\.\\") || TakePrefix(device, "\\\\?\\")) file = ParseDevice(device);
@@ -77,14 +81,22 @@ extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode
         if (error != ERROR_SUCCESS) return Failure<HANDLE>(pc, FailsWith::InvalidHandle, error);
         if (!file) file.emplace();
         file->name = path;
-        return FileHandles::Of(pc).Open(pc, *file);
+        file->access = access;
+        opened = FileHandles::Of(pc).Open(pc, *file);
+        return opened;
     });
+    // A failure after the effect made the file all the same, but nobody holds it.
+    EmulatedPc& pc = EmulatedPc::Current();
+    if (answer != opened) FileHandles::Of(pc).Close(pc, opened);
+    return answer;
 }
 
-// Error 6, and a violation in the ledger, for a handle that is not open.
+// Of a file, a device or a process. Error 6, and a violation in the ledger, for a handle that is not open.
 extern "C" BOOL WINAPI CloseHandle(HANDLE handle) {
     return Answer<BOOL>("CloseHandle", {NameOf(EmulatedPc::Current(), handle)}, [&](EmulatedPc& pc) {
-        return Outcome(pc, FileHandles::Of(pc).Close(pc, handle) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
+        const bool closed = Processes::Of(pc).Find(handle) != nullptr ? Processes::Of(pc).Close(pc, handle)
+                                                                      : FileHandles::Of(pc).Close(pc, handle);
+        return Outcome(pc, closed ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
     });
 }
 
@@ -92,5 +104,5 @@ extern "C" BOOL WINAPI CloseHandle(HANDLE handle) {
 extern "C" BOOL WINAPI DeleteFileW(LPCWSTR name) {
     const std::string path = ToUtf8(name);
     return Answer<BOOL>("DeleteFileW", {path},
-                        [&](EmulatedPc& pc) { return Outcome(pc, VolumeFiles(pc.pc).Remove(path)); });
+                        [&](EmulatedPc& pc) { return Outcome(pc, FilesOf(pc).Remove(path)); });
 }

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "machine/api/outcome.h"
-#include "machine/core/volume_files.h"
+#include "machine/api/redirection.h"
 
 using namespace machine;
 
@@ -64,7 +64,7 @@ extern "C" BOOL WINAPI PathFileExistsW(LPCWSTR path) {
     const std::string name = ToUtf8(path);
     return Answer<BOOL>("PathFileExistsW", {name}, [&](EmulatedPc& pc) {
         FileKind kind;
-        return Outcome(pc, VolumeFiles(pc.pc).Find(name, kind));
+        return Outcome(pc, FilesOf(pc).Find(name, kind));
     });
 }
 

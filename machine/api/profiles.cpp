@@ -4,7 +4,7 @@
 
 #include "machine/api/outcome.h"
 #include "machine/api/profile_text.h"
-#include "machine/core/volume_files.h"
+#include "machine/api/redirection.h"
 
 using namespace machine;
 
@@ -52,7 +52,7 @@ std::u16string Default(LPCWSTR text) {
 
 uint32_t Change(EmulatedPc& pc, LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR file) {
     if (section == nullptr) return ERROR_INVALID_PARAMETER;
-    VolumeFiles files(pc.pc);
+    VolumeFiles files = FilesOf(pc);
     const std::string path = ProfilePath(pc, file);
     std::string bytes;
     const uint32_t error = files.Read(path, bytes);
@@ -82,7 +82,7 @@ extern "C" INT WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPC
                                           std::to_string(size), ToUtf8(file)};
     return Answer<INT>("GetPrivateProfileStringW", std::move(arguments), [&](EmulatedPc& pc) {
         std::string bytes;
-        const uint32_t error = VolumeFiles(pc.pc).Read(ProfilePath(pc, file), bytes);
+        const uint32_t error = FilesOf(pc).Read(ProfilePath(pc, file), bytes);
         if (error != ERROR_SUCCESS) pc.lastError = error;
         const ProfileText profile(bytes, pc.pc.switches.profilesSkipUtf8Mark);
         DWORD length = 0;

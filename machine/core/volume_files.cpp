@@ -47,6 +47,23 @@ uint32_t Split(std::string_view path, FullPath& full) {
     return ERROR_SUCCESS;
 }
 
+// System32 of the running system as a 32-bit program sees it; other paths stay.
+void Redirect(const Pc& pc, FullPath& full) {
+    constexpr std::string_view folder = "System32";
+    FullPath system;
+    if (Split(pc.system.windowsDirectory + "/" + std::string(folder), system) != ERROR_SUCCESS) return;
+    const size_t length = system.inner.size();
+    if (full.drive != system.drive || !SameName(full.inner.substr(0, length), system.inner)) return;
+    if (full.inner.size() > length && full.inner[length] != '/') return;
+    full.inner.replace(length - folder.size(), folder.size(), "SysWOW64");
+}
+
+uint32_t Locate(const Pc& pc, bool redirects, std::string_view path, FullPath& full) {
+    const uint32_t error = Split(path, full);
+    if (error == ERROR_SUCCESS && redirects) Redirect(pc, full);
+    return error;
+}
+
 std::string Parent(const std::string& inner) {
     const size_t slash = inner.rfind('/');
     return slash == std::string::npos ? std::string() : inner.substr(0, slash);
@@ -106,7 +123,7 @@ class Drive {
 uint32_t VolumeFiles::Find(std::string_view path, FileKind& kind) {
     kind = FileKind::None;
     FullPath full;
-    if (const uint32_t error = Split(path, full); error != ERROR_SUCCESS) return error;
+    if (const uint32_t error = Locate(pc_, redirects_, path, full); error != ERROR_SUCCESS) return error;
     Drive drive(pc_, full.drive);
     kind = drive.KindOf(full.inner);
     return kind != FileKind::None ? uint32_t{ERROR_SUCCESS} : drive.WhyMissing(full.inner);
@@ -117,13 +134,13 @@ uint32_t VolumeFiles::Read(std::string_view path, std::string& content) {
     if (const uint32_t error = Find(path, kind); error != ERROR_SUCCESS) return error;
     if (kind == FileKind::Folder) return ERROR_ACCESS_DENIED;
     FullPath full;
-    Split(path, full);
+    Locate(pc_, redirects_, path, full);
     return Drive(pc_, full.drive).HolderOf(full.inner).Read(full.inner, content);
 }
 
 uint32_t VolumeFiles::Write(std::string_view path, std::string_view content) {
     FullPath full;
-    if (const uint32_t error = Split(path, full); error != ERROR_SUCCESS) return error;
+    if (const uint32_t error = Locate(pc_, redirects_, path, full); error != ERROR_SUCCESS) return error;
     Drive drive(pc_, full.drive);
     if (const uint32_t error = drive.WhyUnwritable(full.inner); error != ERROR_SUCCESS) return error;
     return drive.HolderOf(full.inner).Write(full.inner, content);
@@ -134,7 +151,7 @@ uint32_t VolumeFiles::Remove(std::string_view path) {
     if (const uint32_t error = Find(path, kind); error != ERROR_SUCCESS) return error;
     if (kind == FileKind::Folder) return ERROR_ACCESS_DENIED;
     FullPath full;
-    Split(path, full);
+    Locate(pc_, redirects_, path, full);
     return Drive(pc_, full.drive).HolderOf(full.inner).Remove(full.inner);
 }
 

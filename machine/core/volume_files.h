@@ -20,9 +20,12 @@ namespace machine {
 // Every member answers 0 or an error code: 2 no such file, or a path without a drive, 3 no such folder or
 // drive, 5 a folder (or the host program) where a file is meant, 19 a medium open for reading only, 123 a
 // path with characters that no name has, 1005 a volume that cannot be read.
+//
+// With redirection, the running system's System32 means the folder SysWOW64 beside it: what a 32-bit program
+// on a 64-bit system sees.
 class VolumeFiles {
   public:
-    explicit VolumeFiles(Pc& pc) : pc_(pc) {}
+    explicit VolumeFiles(Pc& pc, bool redirects = false) : pc_(pc), redirects_(redirects) {}
 
     // 0 for a file and for a folder; `kind` tells which, None after an error.
     uint32_t Find(std::string_view path, FileKind& kind);
@@ -33,6 +36,7 @@ class VolumeFiles {
 
   private:
     Pc& pc_;
+    bool redirects_;
 };
 
 }  // namespace machine
