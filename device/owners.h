@@ -107,6 +107,8 @@ class Variant {
         const bool isText = V_VT(&value_) == VT_BSTR && V_BSTR(&value_) != nullptr;
         return isText ? WideString(V_BSTR(&value_)) : WideString();
     }
+    // The number in a 32-bit integer; every other value is 0.
+    LONG Number() const { return V_VT(&value_) == VT_I4 ? V_I4(&value_) : 0; }
 
   private:
     VARIANT value_;

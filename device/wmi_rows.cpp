@@ -1,42 +1,9 @@
 // The enumerations of WMI: disks, and the links between controllers and devices.
-#include <initializer_list>
-
 #include "device/disk_drive.h"
+#include "device/wmi_instances.h"
 #include "diag/log_record.h"
 
 namespace {
-
-HRESULT OpenEnumeration(IWbemServices* services, const Bstr& className,
-                        ComPtr<IEnumWbemClassObject>& instances) {
-    const HRESULT result = services->CreateInstanceEnum(
-        className.Get(), WBEM_FLAG_RETURN_IMMEDIATELY | WBEM_FLAG_FORWARD_ONLY, nullptr, instances.Put());
-    return WithInterface(result, instances.Get());
-}
-
-// A property to read, and where its text goes: empty for VT_NULL.
-struct TextProperty {
-    const WCHAR* name;
-    WideString& text;
-};
-
-// Reads the properties of the next instance. Answers the status of the last call, at the end the positive
-// WBEM_S_FALSE; `complete` tells whether an instance came and every property was read.
-HRESULT ReadNext(IEnumWbemClassObject* instances, std::initializer_list<TextProperty> properties,
-                 bool& complete) {
-    complete = false;
-    ComPtr<IWbemClassObject> instance;
-    ULONG returned = 0;
-    HRESULT result = instances->Next(static_cast<LONG>(WBEM_INFINITE), 1, instance.Put(), &returned);
-    if (FAILED(result) || !instance) return result;
-    for (const TextProperty& property : properties) {
-        Variant value;
-        result = instance->Get(property.name, 0, value.Put(), nullptr, nullptr);
-        if (FAILED(result)) return result;
-        property.text = value.Text();
-    }
-    complete = true;
-    return result;
-}
 
 int InterfaceTypeOf(const WideString& name) {
     static constexpr struct {
@@ -75,7 +42,7 @@ HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t&
     table.nCount = 0;
     const Bstr className(SysAllocString(TEXT("Win32_DiskDrive")));
     ComPtr<IEnumWbemClassObject> instances;
-    HRESULT result = OpenEnumeration(services, className, instances);
+    HRESULT result = OpenInstances(services, className, instances);
     if (FAILED(result)) {
         LogRecord(LOG_LEVEL_TRACE)
             .Text(TEXT(
@@ -109,7 +76,7 @@ HRESULT CDiskDrive::Enum_ControllerDevice(IWbemServices* services, const WCHAR* 
     links.nCount = 0;
     const Bstr className(SysAllocString(associationClass));
     ComPtr<IEnumWbemClassObject> instances;
-    HRESULT result = OpenEnumeration(services, className, instances);
+    HRESULT result = OpenInstances(services, className, instances);
     if (FAILED(result)) {
         const DWORD lastError = GetLastError();
         LogRecord(LOG_LEVEL_ERROR)
