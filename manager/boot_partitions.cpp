@@ -1,0 +1,136 @@
+// Letters on demand for the two boot partitions of a GPT disk: the maker's own and the EFI system partition.
+
+#include "diag/log_record.h"
+#include "diag/module.h"
+#include "manager/kestova.h"
+#include "manager/result_codes.h"
+#include "vds/vds_partition.h"
+
+namespace {
+
+constexpr int makersBootPartition = 1;
+constexpr int efiSystemPartition = 3;
+
+// A partition to give a letter, the type that it must have, and what is written about it.
+struct Activation {
+    int partition;
+    GUID type;
+    const WCHAR* start;
+    const WCHAR* style;
+    const WCHAR* typeUnreadable;
+    const WCHAR* otherType;
+    const WCHAR* notLettered;
+    const WCHAR* noLetter;
+    const WCHAR* end;
+    bool endTellsLetter;
+};
+
+constexpr Activation activeOrvoBootPartition = {
+    .partition = makersBootPartition,
+    .type = ORVOBOOT_GUID,
+    .start = TEXT("Kestova::ActiveOrvoBootPartition\t\tStart"),
+    .style = TEXT("Kestova::ActiveOrvoBootPartition\t\tGetDiskStyle  is GPT disk."),
+    .typeUnreadable = TEXT("Kestova::ActiveOrvoBootPartition\t\tGetPartitionType ERROR_GET_PARTITION_TYPE."),
+    .otherType = TEXT("Kestova::ActiveOrvoBootPartition\t\tGetPartitionType is not ORVOBOOT_GUID."),
+    .notLettered = TEXT("Kestova::ActiveOrvoBootPartition\tSetDriveLetter\tERROR_SET_DRIVE_LETTER."),
+    .noLetter = TEXT("Kestova::ActiveOrvoBootPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER."),
+    .end = TEXT("Kestova::ActiveOrvoBootPartition\t\tEnd  wcOrvoBootPartitionDriver = "),
+    .endTellsLetter = true,
+};
+
+constexpr Activation activeGptSystemPartition = {
+    .partition = efiSystemPartition,
+    .type = PARTITION_SYSTEM_GUID,
+    .start = TEXT("Kestova::ActiveGPTSystemPartition\t\tStart"),
+    .style = TEXT("Kestova::ActiveGPTSystemPartition\t\tGetDiskStyle  is GPT disk."),
+    .typeUnreadable = TEXT("Kestova::ActiveGPTSystemPartition\t\tGetPartitionType ERROR_GET_PARTITION_TYPE."),
+    .otherType = TEXT("Kestova::ActiveGPTSystemPartition\t\tGetPartitionType is not ORVOBOOT_GUID."),
+    .notLettered = TEXT("Kestova::ActiveGPTSystemPartition\tSetDriveLetter\tERROR_SET_DRIVE_LETTER."),
+    .noLetter = TEXT("Kestova::ActiveGPTSystemPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER."),
+    .end = TEXT("Kestova::ActiveGPTSystemPartition\t\tEnd"),
+    .endTellsLetter = false,
+};
+
+// A partition to take the letter from.
+struct Disabling {
+    int partition;
+    const WCHAR* start;
+    const WCHAR* style;
+    const WCHAR* notTaken;
+    const WCHAR* end;
+};
+
+constexpr Disabling disableOrvoBootPartition = {
+    .partition = makersBootPartition,
+    .start = TEXT("Kestova::DisableOrvoBootPartition\tStart"),
+    .style = TEXT("Kestova::DisableOrvoBootPartition\t\tGetDiskStyle is GPT disk."),
+    .notTaken = TEXT("Kestova::DisableOrvoBootPartition\t SetDriveLetter  ERROR_SET_DRIVE_LETTER"),
+    .end = TEXT("Kestova::DisableOrvoBootPartition\tEnd"),
+};
+
+constexpr Disabling disableGptSystemPartition = {
+    .partition = efiSystemPartition,
+    .start = TEXT("Kestova::DisableGPTSystemPartition\tStart"),
+    .style = TEXT("Kestova::DisableGPTSystemPartition\t\tGetDiskStyle is GPT disk."),
+    .notTaken = TEXT("Kestova::DisableGPTSystemPartition\t SetDriveLetter  ERROR_SET_DRIVE_LETTER"),
+    .end = TEXT("Kestova::DisableGPTSystemPartition\tEnd"),
+};
+
+int Failed(int level, const WCHAR* text, int code) {
+    LogRecord(level).Text(text);
+    return code;
+}
+
+int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter) {
+    GUID type = {};
+    if (partitions == nullptr || !partitions->GetPartitionType(row.partition, type))
+        return Failed(LOG_LEVEL_ERROR, row.typeUnreadable, ERROR_GET_PARTITION_TYPE);
+    if (!IsSameGuid(type, row.type)) return Failed(LOG_LEVEL_TRACE, row.otherType, ERROR_NOT_ORVOBOOT_GUID);
+    if (!partitions->SetDriveLetter(row.partition, FLAG_ASSIGN))
+        return Failed(LOG_LEVEL_ERROR, row.notLettered, ERROR_SET_DRIVE_LETTER);
+    if (partitions->GetDriveLetter() == TEXT('0'))
+        return Failed(LOG_LEVEL_ERROR, row.noLetter, ERROR_GET_DRIVE_LETTER);
+    letter = partitions->GetDriveLetter();
+    return 0;
+}
+
+int Activate(CVDSPartition* partitions, const Activation& row, WCHAR& letter) {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(row.start);
+    LogRecord(LOG_LEVEL_TRACE).Text(row.style);  // of every disk: the type of the partition decides
+    const int code = GiveLetter(partitions, row, letter);
+    if (row.endTellsLetter) {
+        LogRecord(LOG_LEVEL_TRACE).Text(row.end).Char(letter);
+    } else {
+        LogRecord(LOG_LEVEL_TRACE).Text(row.end);
+    }
+    return code;
+}
+
+int Disable(CVDSPartition* partitions, const Disabling& row) {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(row.start);
+    LogRecord(LOG_LEVEL_TRACE).Text(row.style);
+    const bool taken = partitions != nullptr && partitions->SetDriveLetter(row.partition, FLAG_DELETE);
+    const int code = taken ? 0 : Failed(LOG_LEVEL_ERROR, row.notTaken, ERROR_SET_DRIVE_LETTER);
+    LogRecord(LOG_LEVEL_TRACE).Text(row.end);
+    return code;
+}
+
+}  // namespace
+
+int Kestova::ActiveOrvoBootPartition(WCHAR& letter) {
+    return Activate(m_pVDSPartition, activeOrvoBootPartition, letter);
+}
+
+int Kestova::DisableOrvoBootPartition() {
+    return Disable(m_pVDSPartition, disableOrvoBootPartition);
+}
+
+int Kestova::ActiveGPTSystemPartition(WCHAR& letter) {
+    return Activate(m_pVDSPartition, activeGptSystemPartition, letter);
+}
+
+int Kestova::DisableGPTSystemPartition() {
+    return Disable(m_pVDSPartition, disableGptSystemPartition);
+}

@@ -1,0 +1,124 @@
+// Giving the recovery partition and the Windows RE partition a letter, and taking it again.
+
+#include "diag/log_record.h"
+#include "diag/module.h"
+#include "manager/kestova.h"
+#include "vds/vds_partition.h"
+
+namespace {
+
+constexpr int noPartition = -1;
+constexpr WCHAR noLetter = TEXT('0');
+
+// What is written about one of the two partitions. Some texts name the other.
+struct Lettering {
+    const WCHAR* assign;
+    const WCHAR* searchFailed;
+    const WCHAR* notFound;
+    int notLetteredLevel;
+    const WCHAR* notLettered;
+    const WCHAR* assigned;
+    const WCHAR* remove;
+    const WCHAR* removed;
+};
+
+constexpr Lettering recoveryLettering = {
+    .assign = TEXT("Kestova::AssignRecoveryPartition\tEnter.  "),
+    .searchFailed = TEXT("Kestova::AssignRecoveryPartition\tIsExistRecoveryPartition return FALSE"),
+    .notFound = TEXT("Kestova::AssignRecoveryPartition\tEnd. Not have recovery partition "),
+    .notLetteredLevel = LOG_LEVEL_ERROR,
+    .notLettered = TEXT("Kestova::AssignRecoveryPartition\tSetDriveLetter\tFLAG_QUERY"),
+    .assigned = TEXT("Kestova::AssignRecoveryPartition\tEnd. cDriveLetter = "),
+    .remove = TEXT("Kestova::RemoveRecoveryPartition\tEnter.  "),
+    .removed = TEXT("Kestova::RemoveRecoveryPartition\tEnd."),
+};
+
+constexpr Lettering winReLettering = {
+    .assign = TEXT("Kestova::AssignWinREPartition\tEnter.  "),
+    .searchFailed = TEXT("Kestova::AssignRecoveryPartition\tIsExistRecoveryPartition return FALSE"),
+    .notFound = TEXT("Kestova::AssignRecoveryPartition\tNot have WinRE partition"),
+    .notLetteredLevel = LOG_LEVEL_TRACE,
+    .notLettered = TEXT("Kestova::AssignWinREPartition\tSetDriveLetter\tFLAG_QUERY"),
+    .assigned = TEXT("Kestova::AssignWinREPartition\tEnd. cDriveLetter = "),
+    .remove = TEXT("Kestova::RemoveWinREPartition\tEnter.  "),
+    .removed = TEXT("Kestova::RemoveWinREPartition\tEnter.  "),
+};
+
+// What an assignment found last and the matching removal acts on.
+struct Remembered {
+    int& partition;
+    WCHAR& letter;
+};
+
+// The partition is remembered before it is lettered, the letter only when it was given.
+void AssignFound(CVDSPartition& partitions, const Lettering& row, int partition, Remembered remembered,
+                 WCHAR& letter) {
+    remembered.partition = partition;
+    if (!partitions.SetDriveLetter(partition, FLAG_ASSIGN)) {
+        LogRecord(row.notLetteredLevel).Text(row.notLettered);
+        return;
+    }
+    letter = remembered.letter = partitions.GetDriveLetter();
+}
+
+template <typename Search>
+int Assign(CVDSPartition* partitions, const Lettering& row, const Search& search, Remembered remembered,
+           WCHAR& letter) {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(row.assign);
+    letter = noLetter;
+    int disk = -1;
+    int partition = noPartition;
+    int exists = 0;
+    if (!search(disk, partition, exists)) {
+        LogRecord(LOG_LEVEL_ERROR).Text(row.searchFailed);
+    } else if (partition == noPartition || !exists) {
+        LogRecord(LOG_LEVEL_ERROR).Text(row.notFound);
+    } else {
+        AssignFound(*partitions, row, partition, remembered, letter);
+    }
+    LogRecord(LOG_LEVEL_TRACE).Text(row.assigned).Char(letter);
+    return 1;
+}
+
+// Forgets nothing: a second removal takes the letter of the same partition again.
+void Remove(CVDSPartition* partitions, const Lettering& row, int partition, WCHAR letter) {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(row.remove);
+    if (letter == noLetter || partition == noPartition) return;
+    if (partitions != nullptr) partitions->SetDriveLetter(partition, FLAG_DELETE);
+    LogRecord(LOG_LEVEL_TRACE).Text(row.removed);
+}
+
+}  // namespace
+
+int Kestova::AssignRecoveryPartition(WCHAR& letter) {
+    const auto search = [this](int& disk, int& partition, int& exists) {
+        return IsExistRecoveryPartition(disk, partition, exists);
+    };
+    return Assign(m_pVDSPartition, recoveryLettering, search, {m_iRcvPartNumber, m_cRcvDriveLetter}, letter);
+}
+
+int Kestova::AssignWinREPartition(WCHAR& letter) {
+    const auto search = [this](int& disk, int& partition, int& exists) {
+        return IsExistWinREPartition(disk, partition, exists);
+    };
+    return Assign(m_pVDSPartition, winReLettering, search, {m_iWinREPartNumber, m_cWinREDriveLetter}, letter);
+}
+
+void Kestova::RemoveRecoveryPartition() {
+    Remove(m_pVDSPartition, recoveryLettering, m_iRcvPartNumber, m_cRcvDriveLetter);
+}
+
+void Kestova::RemoveWinREPartition() {
+    Remove(m_pVDSPartition, winReLettering, m_iWinREPartNumber, m_cWinREDriveLetter);
+}
+
+int Kestova::IsExistRcvprt() {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsExistRcvprt\tStart"));
+    WCHAR letter = noLetter;
+    const int bRet = AssignRecoveryPartition(letter) && letter != noLetter;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsExistRcvprt\tEnd. bRet = ")).Int(bRet);
+    return bRet;
+}
