@@ -36,7 +36,7 @@ inline machine::Disk BareDisk(uint32_t number) {
     machine::Disk disk;
     disk.number = number;
     disk.vdsName = "\\\\?\\PhysicalDrive" + digits;
-    disk.size = 1024 * 1024 * 1024;
+    disk.size = 1024ULL * 1024 * 1024;
     disk.wmi = machine::WmiDisk{"\\\\.\\PHYSICALDRIVE" + digits, "IDE\\DISK" + digits, "IDE"};
     disk.location = machine::Fact<std::string>::Fails(ERROR_INVALID_DATA);
     disk.scsiAddress = machine::Fact<machine::ScsiAddress>::Fails(ERROR_NOT_SUPPORTED);

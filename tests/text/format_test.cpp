@@ -8,7 +8,7 @@ template <typename... Arguments>
 WideString Formatted(const WCHAR* format, Arguments... arguments) {
     WCHAR buffer[64];
     const size_t count = FormatInto(buffer, 64, format, arguments...);
-    const WideString text = buffer;
+    WideString text = buffer;
     EXPECT_EQ(count, text.size());
     return text;
 }

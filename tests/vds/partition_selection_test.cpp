@@ -1,5 +1,5 @@
 // Selecting a partition, and the label of the volume on it.
-#include <cstring>
+#include <string_view>
 
 #include "tests/vds/vds_session.h"
 
@@ -22,7 +22,11 @@ class SelectedDisk : public VdsSession {
 
 bool NothingSelected(VdsSession& session) {
     const VDS_PARTITION_PROP zero = {};
-    return std::memcmp(&session->PartitionProperties(), &zero, sizeof(zero)) == 0;
+    // Byte for byte, the union and the padding too.
+    const auto bytes = [](const VDS_PARTITION_PROP& properties) {
+        return std::string_view(reinterpret_cast<const char*>(&properties), sizeof(properties));
+    };
+    return bytes(session->PartitionProperties()) == bytes(zero);
 }
 
 // The label, or "(none)".

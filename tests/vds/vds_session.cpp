@@ -95,7 +95,7 @@ machine::Disk PlainDisk(uint32_t number, uint64_t size) {
     disk.signature = number + 1;
     machine::Partition partition;
     partition.number = 1;
-    partition.offset = 1024 * 1024;
+    partition.offset = 1024ULL * 1024;
     partition.size = size / 2;
     partition.mbrType = 0x07;
     disk.partitions = {partition};

@@ -61,7 +61,7 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
 }
 
 std::string Message(const CLI::ParseError& error) {
-    const std::string text = error.what();
+    std::string text = error.what();
     if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ArgumentMismatch)) return text;
     const bool missing = text.find("missing") != std::string::npos;
     return text.substr(0, text.find(':')) + (missing ? " needs a value" : " can be given only once");

@@ -40,16 +40,18 @@ std::vector<int> BootIndicators(DiskClient& client) {
     return indicators;
 }
 
+constexpr uint64_t MiB = 1024ULL * 1024;
+
 // Writes down what reaches the medium, and fails when told to.
 class RecordingTable final : public machine::PartitionTable {
   public:
     uint32_t SetActive(uint64_t offset, bool active, machine::OtherFlags others) override {
-        writes.push_back((active ? "active " : "inactive ") + std::to_string(offset / (1024 * 1024)) +
+        writes.push_back((active ? "active " : "inactive ") + std::to_string(offset / MiB) +
                          (others == machine::OtherFlags::Clear ? " alone" : ""));
         return --failsIn == 0 ? ERROR_WRITE_PROTECT : ERROR_SUCCESS;
     }
     uint32_t SetMbrType(uint64_t offset, uint8_t type) override {
-        writes.push_back("type " + std::to_string(offset / (1024 * 1024)) + " " + std::to_string(type));
+        writes.push_back("type " + std::to_string(offset / MiB) + " " + std::to_string(type));
         return --failsIn == 0 ? ERROR_WRITE_PROTECT : ERROR_SUCCESS;
     }
     std::vector<machine::TableEntry> Entries() override { return entries; }

@@ -83,7 +83,7 @@ TEST_F(ImageDamageTest, BytesOfTheMasterFileTable) {
     const uint64_t cluster =
         std::stoull(OutputOf("od -An -tu8 -j " + std::to_string(61 * MiB + 0x30) + " -N 8 '" + image + "'"));
     const uint64_t mft = 61 * MiB + cluster * 4096;
-    ExpectUnharmed(FactoryMbrImage("original.img"), image, Every(61, mft, mft + 16 * 1024), 4);
+    ExpectUnharmed(FactoryMbrImage("original.img"), image, Every(61, mft, mft + 16ULL * 1024), 4);
 }
 
 TEST_F(ImageDamageTest, NothingIsSaidOnTheTerminal) {

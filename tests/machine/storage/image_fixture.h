@@ -11,7 +11,7 @@
 
 namespace machine {
 
-inline constexpr uint64_t MiB = 1024 * 1024;
+inline constexpr uint64_t MiB = 1024ULL * 1024;
 
 class ImageTest : public testing::Test {
   protected:
