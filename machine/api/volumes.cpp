@@ -41,7 +41,7 @@ uint32_t TellVolume(EmulatedPc& pc, const std::string& root, const VolumeAnswers
     if (!located) return ERROR_PATH_NOT_FOUND;
     const Volume& volume = *located.volume;
     if (!volume.label.value) return volume.label.error;
-    if (volume.fileSystem == "RAW") return ERROR_UNRECOGNIZED_VOLUME;
+    if (const uint32_t error = WhyUnreadable(volume)) return error;
     if (answers.serial != nullptr) *answers.serial = 0;
     if (answers.longestName != nullptr) *answers.longestName = 255;
     if (answers.flags != nullptr) *answers.flags = FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK;
@@ -63,7 +63,8 @@ extern "C" UINT WINAPI GetDriveTypeW(LPCWSTR root) {
 }
 
 // Error 3 for a letter without a volume, 123 for a root without its backslash, 234 for a short buffer, 1005
-// for a file system that nothing reads, and the error that the label's fact says.
+// for a file system that nothing reads, 0x80310000 for one that BitLocker keeps locked, and the error that
+// the label's fact says.
 extern "C" BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD labelSize, LPDWORD serial,
                                              LPDWORD longestName, LPDWORD flags, LPWSTR fileSystem,
                                              DWORD fileSystemSize) {

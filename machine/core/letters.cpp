@@ -27,6 +27,12 @@ LocatedVolume FindLetter(Pc& pc, char letter) {
     return {};
 }
 
+uint32_t WhyUnreadable(const Volume& volume) {
+    constexpr uint32_t lockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
+    if (volume.fileSystem == "RAW") return ERROR_UNRECOGNIZED_VOLUME;
+    return volume.fileSystem == "BitLocker" ? lockedVolume : uint32_t{ERROR_SUCCESS};
+}
+
 std::string UsedLetters(const Pc& pc) {
     std::set<char> letters;
     for (const Disk& disk : pc.disks) {

@@ -78,7 +78,7 @@ class Drive {
             host_.emplace(program.inner, pc.host.files);
         const LocatedVolume located = FindLetter(pc, letter);
         if (!located) return;
-        volumeError_ = located.volume->fileSystem == "RAW" ? ERROR_UNRECOGNIZED_VOLUME : ERROR_SUCCESS;
+        volumeError_ = WhyUnreadable(*located.volume);
         tree_.emplace(located.volume->files);
         volume_ = located.volume->store != nullptr ? located.volume->store.get() : &*tree_;
     }

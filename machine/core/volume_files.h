@@ -19,7 +19,8 @@ namespace machine {
 //
 // Every member answers 0 or an error code: 2 no such file, or a path without a drive, 3 no such folder or
 // drive, 5 a folder (or the host program) where a file is meant, 19 a medium open for reading only, 123 a
-// path with characters that no name has, 1005 a volume that cannot be read.
+// path with characters that no name has, 1005 a volume that cannot be read, 0x80310000 one that BitLocker
+// keeps locked.
 //
 // With redirection, the running system's System32 means the folder SysWOW64 beside it: what a 32-bit program
 // on a 64-bit system sees.

@@ -62,14 +62,16 @@ enum class DriveType : uint32_t {
 // disk.
 struct Volume {
     std::string letters;                      // upper case; one partition can have several
-    std::string fileSystem = "NTFS";          // as GetVolumeInformationW names it; "RAW" when unreadable
+    // As GetVolumeInformationW names it; "RAW" when unreadable, "BitLocker" when locked.
+    std::string fileSystem = "NTFS";
     Fact<std::string> label = std::string();  // or the error of reading it
     DriveType driveType = DriveType::Fixed;
     std::vector<Extent> furtherExtents;  // besides the partition's own
     uint32_t openError = 0;              // what CreateFileW on \\.\X: fails with; 0 opens
     std::optional<int> extentType;       // VDS extent type; without it, what the partition's type implies
     FileTree files;                      // the files of a described volume
-    std::shared_ptr<FileStore> store;    // where the files are instead, on a disk image
+    std::shared_ptr<FileStore> store;    // where the files are instead, on an image
+    std::string image;                   // path of a disc's or a stick's image; empty without one
 
     bool operator==(const Volume&) const = default;
 };

@@ -8,6 +8,7 @@
 #include "machine/storage/image_file.h"
 #include "machine/storage/image_table.h"
 #include "machine/storage/ntfs_volume.h"
+#include "machine/storage/volume_image.h"
 
 namespace machine {
 
@@ -27,12 +28,7 @@ std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, FileSy
                                  PartitionStyle style, const Partition& partition) {
     const auto fileSystem = probe.Identify(partition.offset, partition.size);
     if (!fileSystem && ExtentTypeOf(style, partition) != VDS_DET_DATA) return std::nullopt;
-    Volume volume;
-    volume.fileSystem = fileSystem ? fileSystem->kind : "RAW";
-    volume.label = fileSystem ? fileSystem->label : "";
-    if (volume.fileSystem == "NTFS")
-        volume.store = std::make_shared<NtfsVolume>(image, partition.offset, partition.size);
-    return volume;
+    return VolumeAt(image, fileSystem.value_or(FileSystem{"RAW", ""}), partition.offset, partition.size);
 }
 
 // Keeps of a described volume what its image cannot tell.
@@ -70,9 +66,10 @@ void Merge(const ImageFile& image, const std::vector<Partition>& described, Disk
 // written.
 void CheckMayChange(const ImageFile& image, const Disk& disk) {
     for (const Partition& partition : disk.partitions) {
-        if (!partition.volume || !partition.volume->store) continue;
-        auto& volume = static_cast<NtfsVolume&>(*partition.volume->store);
-        switch (volume.Check()) {
+        auto* const volume =
+            partition.volume ? dynamic_cast<NtfsVolume*>(partition.volume->store.get()) : nullptr;
+        if (volume == nullptr) continue;
+        switch (volume->Check()) {
             case NtfsVolume::Condition::Clean:
                 break;
             case NtfsVolume::Condition::Dirty:
@@ -103,7 +100,7 @@ void CheckIsWholeDisk(const ImageFile& image, FileSystemProbe& probe) {
 
 void AttachImage(Disk& disk, ImageAccess access) {
     const auto image = std::make_shared<ImageFile>(disk.image, access);
-    FileSystemProbe probe(*image);
+    FileSystemProbe probe(*image, MediumKind::Disk);
     CheckIsWholeDisk(*image, probe);
     Disk attached = disk;
     ReadTable(*image, attached);

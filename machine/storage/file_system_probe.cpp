@@ -4,6 +4,7 @@
 
 #include <new>
 #include <string_view>
+#include <vector>
 
 namespace machine {
 
@@ -11,26 +12,36 @@ namespace {
 
 // The file systems that Windows recognises: libblkid's name and, where one name covers several, its version.
 struct KnownFileSystem {
-    std::string_view type;
+    MediumKind medium;
+    const char* type;
     std::string_view version;
     const char* kind;
 };
 
 constexpr KnownFileSystem knownFileSystems[] = {
-    {"ntfs", "", "NTFS"},           {"vfat", "FAT32", "FAT32"}, {"vfat", "FAT16", "FAT"},
-    {"vfat", "FAT12", "FAT"},       {"exfat", "", "exFAT"},     {"ReFS", "", "ReFS"},
-    {"BitLocker", "", "BitLocker"},
+    {MediumKind::Disk, "ntfs", "", "NTFS"},           {MediumKind::Disk, "vfat", "FAT32", "FAT32"},
+    {MediumKind::Disk, "vfat", "FAT16", "FAT"},       {MediumKind::Disk, "vfat", "FAT12", "FAT"},
+    {MediumKind::Disk, "exfat", "", "exFAT"},         {MediumKind::Disk, "ReFS", "", "ReFS"},
+    {MediumKind::Disk, "BitLocker", "", "BitLocker"}, {MediumKind::Disc, "udf", "", "UDF"},
+    {MediumKind::Disc, "iso9660", "", "CDFS"},
 };
 
 }  // namespace
 
-FileSystemProbe::FileSystemProbe(const ImageFile& image) : image_(image), probe_(blkid_new_probe()) {
+FileSystemProbe::FileSystemProbe(const ImageFile& image, MediumKind medium)
+    : image_(image), probe_(blkid_new_probe()) {
     if (!probe_) throw std::bad_alloc();
-    char ntfs[] = "ntfs", vfat[] = "vfat", exfat[] = "exfat", refs[] = "ReFS", bitLocker[] = "BitLocker";
-    char* types[] = {ntfs, vfat, exfat, refs, bitLocker, nullptr};
+    std::vector<std::string> names;
+    for (const KnownFileSystem& known : knownFileSystems) {
+        if (known.medium == medium) names.emplace_back(known.type);
+    }
+    std::vector<char*> types;
+    for (std::string& name : names)
+        types.push_back(name.data());
+    types.push_back(nullptr);
     blkid_probe_enable_superblocks(probe_, 1);
     blkid_probe_set_superblocks_flags(probe_, BLKID_SUBLKS_TYPE | BLKID_SUBLKS_LABEL | BLKID_SUBLKS_VERSION);
-    blkid_probe_filter_superblocks_type(probe_, BLKID_FLTR_ONLYIN, types);
+    blkid_probe_filter_superblocks_type(probe_, BLKID_FLTR_ONLYIN, types.data());
 }
 
 FileSystemProbe::~FileSystemProbe() {

@@ -13,14 +13,18 @@ struct blkid_struct_probe;
 namespace machine {
 
 struct FileSystem {
-    std::string
-        kind;  // as GetVolumeInformationW names it: "NTFS", "FAT32", "FAT", "exFAT", "ReFS", "BitLocker"
+    // As GetVolumeInformationW names it: "NTFS", "FAT32", "FAT", "exFAT", "ReFS", "BitLocker"; on discs "UDF"
+    // and "CDFS".
+    std::string kind;
     std::string label;  // UTF-8
 };
 
+enum class MediumKind { Disk, Disc };
+
 class FileSystemProbe {
   public:
-    explicit FileSystemProbe(const ImageFile& image);
+    // Looks for the file systems that Windows expects on such a medium.
+    FileSystemProbe(const ImageFile& image, MediumKind medium);
     ~FileSystemProbe();
     FileSystemProbe(const FileSystemProbe&) = delete;
     FileSystemProbe& operator=(const FileSystemProbe&) = delete;

@@ -1,9 +1,12 @@
 // The PC that images alone make, and the letters that its running system gives.
-#include <filesystem>
-
 #include "machine/api/vds_extent_type.h"
+#include "machine/core/letters.h"
 #include "machine/model/machines.h"
 #include "machine/storage/disk_image.h"
+#include "machine/storage/encryptable_volumes.h"
+#include "machine/storage/given_images.h"
+#include "machine/storage/hivex_reader.h"
+#include "machine/storage/mounted_devices.h"
 #include "platform/partition_types.h"
 
 namespace machine {
@@ -25,7 +28,7 @@ bool IsBasicData(const Partition& partition) {
 bool GetsLetter(const Disk& disk, const Partition& partition, SystemKind system) {
     if (!partition.volume) return false;
     const bool isPe = system == SystemKind::WindowsPe;
-    const bool isReadable = partition.volume->fileSystem != "RAW";
+    const bool isReadable = WhyUnreadable(*partition.volume) == 0;
     const VDS_DISK_EXTENT_TYPE extent = ExtentTypeOf(disk.style, partition);
     if (disk.style == PartitionStyle::Gpt) {
         if ((partition.attributes & gptHidden) != 0) return false;
@@ -77,15 +80,6 @@ void DealLetters(Pc& pc) {
     }
 }
 
-// Two disks over one file would each write what the other does not know of.
-void CheckIsNew(const Pc& pc, const std::string& path) {
-    for (const Disk& disk : pc.disks) {
-        std::error_code missing;  // which is told when the image is opened
-        if (std::filesystem::equivalent(disk.image, path, missing))
-            throw ImageError(path + ": given twice, first as " + disk.image);
-    }
-}
-
 }  // namespace
 
 Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAccess access) {
@@ -104,6 +98,9 @@ Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAcc
     const bool isUefi = !pc.disks.empty() && pc.disks.front().style == PartitionStyle::Gpt;
     pc.firmware.kind = isUefi ? FirmwareKind::Uefi : FirmwareKind::Bios;
     DealLetters(pc);
+    pc.registry["HKLM\\SYSTEM\\MountedDevices"] = MountedDevicesOf(pc);
+    pc.encryptableVolumes = EncryptableVolumesOf(pc);
+    pc.hiveReader = std::make_shared<HivexReader>();
     return pc;
 }
 

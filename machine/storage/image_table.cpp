@@ -4,15 +4,12 @@
 #include <cstdlib>
 
 #include "machine/storage/fdisk_session.h"
+#include "machine/storage/store_errors.h"
 #include "machine/storage/table_check.h"
 
 namespace machine {
 
 namespace {
-
-constexpr uint32_t errorWriteProtect = 19;
-constexpr uint32_t errorInvalidParameter = 87;
-constexpr uint32_t errorIoDevice = 1117;
 
 constexpr uint8_t mbrUnused = 0x00;
 constexpr uint8_t mbrExtended = 0x05;

@@ -9,6 +9,9 @@
 #include <new>
 #include <string>
 
+#include "machine/storage/store_errors.h"
+#include "machine/storage/store_path.h"
+
 // C headers without linkage of their own, which name macros `min`, `max` and a type BOOL: they must not meet
 // the platform's headers, so they stay in this file.
 extern "C" {
@@ -28,15 +31,6 @@ extern "C" {
 namespace machine {
 
 namespace {
-
-constexpr uint32_t errorFileNotFound = 2;
-constexpr uint32_t errorPathNotFound = 3;
-constexpr uint32_t errorAccessDenied = 5;
-constexpr uint32_t errorWriteProtect = 19;
-constexpr uint32_t errorDiskFull = 112;
-constexpr uint32_t errorInvalidName = 123;
-constexpr uint32_t errorIoDevice = 1117;
-constexpr uint32_t errorFileCorrupt = 1392;
 
 uint32_t PlatformError(int error) {
     switch (error) {
@@ -168,21 +162,6 @@ ntfs_device_operations imageOperations = {DeviceOpen,   DeviceClose,   DeviceSee
 
 // --- names and open files
 // ------------------------------------------------------------------------------------------
-
-// The path with slashes between its names and none around them.
-std::string Normalized(std::string_view path) {
-    std::string normalized;
-    for (const char character : path) {
-        const bool isSeparator = character == '/' || character == '\\';
-        if (!isSeparator) {
-            normalized += character;
-        } else if (!normalized.empty() && normalized.back() != '/') {
-            normalized += '/';
-        }
-    }
-    if (!normalized.empty() && normalized.back() == '/') normalized.pop_back();
-    return normalized;
-}
 
 struct SplitPath {
     std::string folder;

@@ -1,0 +1,15 @@
+// The image files that a PC is made of.
+#pragma once
+
+#include <string>
+
+#include "machine/model/pc.h"
+#include "machine/storage/image_access.h"
+
+namespace machine {
+
+// Throws ImageError when the PC has that file already, by whatever path: two disks over one file would each
+// write what the other does not know of.
+void CheckIsNew(const Pc& pc, const std::string& path);
+
+}  // namespace machine
