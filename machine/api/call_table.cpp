@@ -21,13 +21,13 @@ constexpr CallInfo calls[] = {
     {"PathAppendW", FailsWith::FalseAndLastError, false},
     {"PathFileExistsW", FailsWith::FalseAndLastError, false},
     {"PathRemoveFileSpecW", FailsWith::FalseAndLastError, false},
+    {"Wow64DisableWow64FsRedirection", FailsWith::FalseAndLastError, true},
+    {"Wow64RevertWow64FsRedirection", FailsWith::FalseAndLastError, true},
     {"WriteFile", FailsWith::FalseAndLastError, true},
     // programs and text
     {"ShellExecuteExW", FailsWith::FalseAndLastError, true},
     {"WaitForSingleObject", FailsWith::Value, true},
     {"WideCharToMultiByte", FailsWith::ZeroAndLastError, false},
-    {"Wow64DisableWow64FsRedirection", FailsWith::FalseAndLastError, true},
-    {"Wow64RevertWow64FsRedirection", FailsWith::FalseAndLastError, true},
     // profiles, registry, firmware, time
     {"GetFirmwareEnvironmentVariableW", FailsWith::ZeroAndLastError, false},
     {"GetPrivateProfileStringW", FailsWith::ZeroAndLastError, false},

@@ -2,11 +2,15 @@
 
 #include <algorithm>
 
+#include "machine/api/processes.h"
+
 namespace machine {
 
 std::string NameOf(EmulatedPc& pc, const void* handle) {
     const FileHandle* const file = FileHandles::Of(pc).Find(handle);
-    return file != nullptr ? file->name : "<not open>";
+    if (file != nullptr) return file->name;
+    const Process* const process = Processes::Of(pc).Find(handle);
+    return process != nullptr ? process->file : "<not open>";
 }
 
 LocatedVolume DeviceOf(EmulatedPc& pc, const FileHandle& file) {

@@ -14,11 +14,14 @@ struct FileHandle {
     std::string name;              // as it was opened
     char letter = '\0';            // of a volume
     std::optional<uint32_t> disk;  // number of a physical disk; with no letter either, a file or folder
+    DWORD access = 0;
+    size_t position = 0;  // where the next bytes go in a file
 };
 
 using FileHandles = HandleTable<FileHandle>;
 
-// The name under which the handle was opened, or "<not open>": for the journal.
+// The name under which the handle was opened, for a process what was started, or "<not open>": for the
+// journal.
 std::string NameOf(EmulatedPc& pc, const void* handle);
 
 // The volume or disk behind the handle as the PC is now: a physical disk has no volume and no partition. All

@@ -45,7 +45,7 @@ uint32_t OpenDevice(EmulatedPc& pc, const FileHandle& file, DWORD shareMode, DWO
 }
 
 uint32_t OpenPath(EmulatedPc& pc, const std::string& path, DWORD disposition, DWORD flags) {
-    if (disposition == CREATE_ALWAYS) return VolumeFiles(pc.pc).Write(path, "");
+    if (disposition == CREATE_ALWAYS) return FilesOf(pc).Write(path, "");
     if (disposition != OPEN_EXISTING) return ERROR_NOT_SUPPORTED;
     FileKind kind;
     if (const uint32_t error = FilesOf(pc).Find(path, kind); error != ERROR_SUCCESS) return error;

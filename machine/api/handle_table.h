@@ -1,6 +1,7 @@
 // Handles of one kind: what each stands for, with an entry in the ledger for each that is open.
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -34,6 +35,13 @@ class HandleTable {
     Object* Find(const void* handle) {
         const auto found = open_.find(const_cast<void*>(handle));
         return found != open_.end() ? &found->second : nullptr;
+    }
+
+    // Whether one that is open fits the predicate.
+    template <typename Predicate>
+    bool Any(Predicate predicate) const {
+        return std::any_of(open_.begin(), open_.end(),
+                           [&](const auto& entry) { return predicate(entry.second); });
     }
 
     // False, and a violation in the ledger, when no such handle is open.

@@ -5,20 +5,12 @@
 #include <optional>
 
 #include "machine/api/call.h"
-#include "machine/api/handle_table.h"
+#include "machine/api/open_keys.h"
 #include "machine/core/text_case.h"
 
 using namespace machine;
 
 namespace {
-
-struct OpenKey {
-    static constexpr const char* kind = "registry key";
-    std::string path;  // "HKLM\\SYSTEM"
-    REGSAM access = 0;
-};
-
-using OpenKeys = HandleTable<OpenKey>;
 
 struct Root {
     HKEY key;
@@ -48,18 +40,6 @@ std::optional<std::string> PathOf(EmulatedPc& pc, HKEY key) {
 
 std::string KeyName(HKEY key) {
     return PathOf(EmulatedPc::Current(), key).value_or("<not open>");
-}
-
-// The path itself, or a key below it.
-bool IsAtOrBelow(const std::string& key, const std::string& path) {
-    return SameName(key.substr(0, path.size()), path) &&
-           (key.size() == path.size() || key[path.size()] == '\\');
-}
-
-bool KeyExists(const Pc& pc, const std::string& path) {
-    return IsAtOrBelow(controlKey, path) ||
-           std::any_of(pc.registry.begin(), pc.registry.end(),
-                       [&](const auto& key) { return IsAtOrBelow(key.first, path); });
 }
 
 // The boot loader's options are a fact of the running system, whatever the registry lists.
@@ -110,6 +90,17 @@ LSTATUS Query(EmulatedPc& pc, HKEY key, const std::string& name, DWORD* type, BY
 }
 
 }  // namespace
+
+bool machine::IsAtOrBelow(const std::string& key, const std::string& path) {
+    return SameName(key.substr(0, path.size()), path) &&
+           (key.size() == path.size() || key[path.size()] == '\\');
+}
+
+bool machine::KeyExists(const Pc& pc, const std::string& path) {
+    return IsAtOrBelow(controlKey, path) ||
+           std::any_of(pc.registry.begin(), pc.registry.end(),
+                       [&](const auto& key) { return IsAtOrBelow(key.first, path); });
+}
 
 // Error 2 for a key that does not exist, 6 for a parent that is not open, 87 without a place for the result,
 // which is null after a failure. The caller closes with RegCloseKey.

@@ -42,7 +42,10 @@ TEST(CreateFile, TellsWhyNothingOpens) {
         {TEXT("C:\\none.txt"), FILE_SHARE_WRITE, OPEN_EXISTING, ERROR_FILE_NOT_FOUND},
         {TEXT("C:\\none\\none.txt"), FILE_SHARE_WRITE, OPEN_EXISTING, ERROR_PATH_NOT_FOUND},
         {TEXT("C:\\Windows"), FILE_SHARE_WRITE, OPEN_EXISTING, ERROR_ACCESS_DENIED},
-        {TEXT("C:\\new.txt"), FILE_SHARE_WRITE, CREATE_ALWAYS, ERROR_NOT_SUPPORTED},
+        {TEXT("C:\\new.txt"), FILE_SHARE_WRITE, OPEN_ALWAYS, ERROR_NOT_SUPPORTED},
+        {TEXT("C:\\none\\new.txt"), FILE_SHARE_WRITE, CREATE_ALWAYS, ERROR_PATH_NOT_FOUND},
+        {TEXT("Q:\\new.txt"), FILE_SHARE_WRITE, CREATE_ALWAYS, ERROR_PATH_NOT_FOUND},
+        {TEXT("C:\\Windows"), FILE_SHARE_WRITE, CREATE_ALWAYS, ERROR_ACCESS_DENIED},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(CreateFileW(row.name, GENERIC_READ, row.share, nullptr, row.disposition, 0, nullptr),
