@@ -1,8 +1,16 @@
-# What make-factory-mbr and make-factory-gpt share: a sparse image file, and file systems put into it at an offset.
-# Debian's own tools do all of it as an ordinary user, without a mount and without a loop device.
-# Packages: fdisk (sfdisk), ntfs-3g (mkntfs), wimtools (folders and files onto NTFS), dosfstools (mkfs.fat).
+# What the scripts beside it share: a sparse image file, and file systems put into it at an offset. Debian's own tools do
+# all of it as an ordinary user, without a mount and without a loop device.
+# Packages: fdisk (sfdisk), ntfs-3g (mkntfs), wimtools (folders and files onto NTFS), dosfstools (mkfs.fat), mtools
+# (folders and files onto FAT), genisoimage.
 
 PATH=$PATH:/usr/sbin:/sbin
+
+# The types of GPT partitions.
+makers_boot=5B8E2A91-3C7D-4F06-9E14-72D0C6A4B3E5
+recovery=DE94BBA4-06D1-4D40-A16A-BFD50179D6AC
+efi_system=C12A7328-F81F-11D2-BA4B-00A0C93EC93B
+reserved=E3C9E316-0B5C-4DB8-817D-F92DF00215AE
+basic_data=EBD0A0A2-B9E5-4433-87C0-68B6B72699C7
 
 fail() {
   echo "$(basename "$0"): $*" >&2
@@ -13,7 +21,7 @@ fail() {
 begin_image() {
   image=$1
   [[ ! -e $image ]] || fail "$image: is there already; nothing done"
-  for tool in sfdisk mkntfs mkfs.fat wimcapture wimapply; do
+  for tool in sfdisk mkntfs mkfs.fat wimcapture wimapply mcopy genisoimage; do
     command -v "$tool" >/dev/null || fail "$tool is missing; see the packages in $BASH_SOURCE"
   done
   parts=$(mktemp -d)
@@ -52,11 +60,12 @@ put_ntfs() {
   rm "$parts/volume" "$parts/files.wim"
 }
 
-# put_fat32 LABEL START_MIB SIZE_MIB
-put_fat32() {
-  truncate -s "$3M" "$parts/volume"
-  quietly mkfs.fat -F 32 -n "$1" -h $(($2 * 2048)) "$parts/volume"
-  put "$parts/volume" "$2"
+# put_fat BITS LABEL START_MIB SIZE_MIB FOLDER: the same with a FAT12, FAT16 or FAT32 volume.
+put_fat() {
+  truncate -s "$4M" "$parts/volume"
+  quietly mkfs.fat -F "$1" -n "$2" -h $(($3 * 2048)) "$parts/volume"
+  quietly mcopy -s -i "$parts/volume" "$5"/* ::
+  put "$parts/volume" "$3"
   rm "$parts/volume"
 }
 
@@ -80,4 +89,18 @@ windows_re_files() {
   printf 'BCD' | tee "$1/Boot/BCD" >"$1/EFI/Microsoft/Boot/BCD"
   printf 'WIM' >"$1/Recovery/WindowsRE/winre.wim"
   printf 'BOOTMGR' | tee "$1/bootmgr" >"$1/bootmgr.efi"
+}
+
+# efi_files FOLDER: what an EFI system partition starts Windows from.
+efi_files() {
+  mkdir -p "$1"/EFI/{Boot,Microsoft/Boot}
+  printf 'MZ' | tee "$1/EFI/Boot/bootx64.efi" >"$1/EFI/Microsoft/Boot/bootmgfw.efi"
+}
+
+# recovery_media_files FOLDER KIND: a recovery partition's files with the flag of a disc, DVD, or of a stick, UFD. The
+# long name shows which names a reader understands.
+recovery_media_files() {
+  recovery_files "$1"
+  printf '%s' "$2" >"$1/sources/$2"
+  seq 10000 >"$1/sources/Image of the factory state.wim"
 }

@@ -16,6 +16,10 @@ void AddRepeatable(CLI::App& app, const char* name, std::vector<std::string>& va
 void AddPcOptions(CLI::App& app, PcChoice& choice) {
     const auto group = app.add_option_group("PC");
     AddRepeatable(*group, "--image", choice.images, "A disk image; repeated: disk 0, 1, ...", "FILE");
+    AddRepeatable(*group, "--disc", choice.discs,
+                  "An image of a disc, ISO 9660 or UDF; repeated: more drives", "FILE");
+    AddRepeatable(*group, "--stick", choice.sticks, "An image of a stick, FAT or NTFS; repeated: more sticks",
+                  "FILE");
     group->add_option("--pc", choice.pc, "A machine that comes with the tool, or a description file")
         ->option_text("NAME|FILE")
         ->excludes("--image");

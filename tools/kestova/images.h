@@ -11,5 +11,9 @@
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
                        machine::ImageAccess access);
 
+// Puts discs and sticks into the PC, each with a letter of its own. Throws as OpenImages.
+void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
+                 const std::vector<std::string>& sticks);
+
 // Opens the images that a description names. Throws as OpenImages.
 void AttachImages(machine::Pc& pc, machine::ImageAccess access);

@@ -15,8 +15,18 @@ machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKin
     Refuse(paths.front());
 }
 
+void InsertMedia(machine::Pc&, const std::vector<std::string>& discs,
+                 const std::vector<std::string>& sticks) {
+    for (const auto* const media : {&discs, &sticks}) {
+        if (!media->empty()) Refuse(media->front());
+    }
+}
+
 void AttachImages(machine::Pc& pc, machine::ImageAccess) {
     for (const machine::Disk& disk : pc.disks) {
         if (!disk.image.empty()) Refuse(disk.image);
+    }
+    for (const machine::Volume& volume : pc.volumes) {
+        if (!volume.image.empty()) Refuse(volume.image);
     }
 }

@@ -1,3 +1,5 @@
+#include "machine/storage/hivex_reader.h"
+#include "machine/storage/medium_image.h"
 #include "tools/kestova/errors.h"
 #include "tools/kestova/images.h"
 
@@ -10,11 +12,27 @@ machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKin
     }
 }
 
+void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
+                 const std::vector<std::string>& sticks) {
+    try {
+        for (const std::string& disc : discs)
+            machine::InsertDisc(pc, disc);
+        for (const std::string& stick : sticks)
+            machine::InsertStick(pc, stick);
+    } catch (const machine::ImageError& error) {
+        throw UnreadablePc(error.what());
+    }
+}
+
 void AttachImages(machine::Pc& pc, machine::ImageAccess access) {
     try {
         for (machine::Disk& disk : pc.disks) {
             if (!disk.image.empty()) machine::AttachImage(disk, access);
         }
+        for (machine::Volume& volume : pc.volumes) {
+            if (!volume.image.empty()) machine::AttachMedium(volume);
+        }
+        pc.hiveReader = std::make_shared<machine::HivexReader>();
     } catch (const machine::ImageError& error) {
         throw UnreadablePc(error.what());
     }

@@ -12,6 +12,8 @@
 // How the command line names a PC, and what it asks of it.
 struct PcChoice {
     std::vector<std::string> images;  // disk 0, 1, ...
+    std::vector<std::string> discs;   // images in optical drives
+    std::vector<std::string> sticks;  // images in removable drives
     std::string pc;                   // name of a machine that comes with the tool, or a description file
     bool windows = false;             // an installed Windows is running
     bool windowsPe = false;           // Windows PE is running

@@ -67,13 +67,24 @@ std::string ReadDescriptionText(const std::string& name) {
     return text;
 }
 
+// The paths of all images that the PC is made of.
+std::vector<std::string*> ImagesOf(Pc& pc) {
+    std::vector<std::string*> images;
+    for (machine::Disk& disk : pc.disks) {
+        if (!disk.image.empty()) images.push_back(&disk.image);
+    }
+    for (machine::Volume& volume : pc.volumes) {
+        if (!volume.image.empty()) images.push_back(&volume.image);
+    }
+    return images;
+}
+
 // Images of a description lie relative to its file.
 Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
     try {
         Pc pc = machine::ReadDescription(ReadDescriptionText(name), name);
-        for (machine::Disk& disk : pc.disks) {
-            if (!disk.image.empty()) disk.image = (fs::path(name).parent_path() / disk.image).string();
-        }
+        for (std::string* const image : ImagesOf(pc))
+            *image = (fs::path(name).parent_path() / *image).string();
         AttachImages(pc, access);
         return pc;
     } catch (const machine::DescriptionError& what) {
@@ -96,7 +107,7 @@ ImageAccess AccessOfImages(const PcChoice& choice, Access access) {
     return access == Access::Change ? ImageAccess::Write : ImageAccess::Read;
 }
 
-Pc Choose(const PcChoice& choice, Access access) {
+Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {
     const ImageAccess imageAccess = AccessOfImages(choice, access);
     const SystemKind kind = choice.windows ? SystemKind::Windows : SystemKind::WindowsPe;
     if (!choice.images.empty()) return OpenImages(choice.images, kind, imageAccess);
@@ -104,6 +115,12 @@ Pc Choose(const PcChoice& choice, Access access) {
     const NamedMachine* const named = FindMachine(name);
     Pc pc = named != nullptr ? named->make() : ReadDescriptionFile(name, imageAccess);
     if (choice.windows || choice.windowsPe) Start(pc, kind);
+    return pc;
+}
+
+Pc Choose(const PcChoice& choice, Access access) {
+    Pc pc = ChooseWithoutMedia(choice, access);
+    InsertMedia(pc, choice.discs, choice.sticks);
     return pc;
 }
 
@@ -138,9 +155,8 @@ struct OpenedPc::Inside {
         for (const std::string& fault : choice.faults)
             emulated.faults.Arm(ReadFault(fault));
         if (FindMachine(choice.pc) == nullptr) inputs.description = choice.pc;
-        for (const machine::Disk& disk : before.disks) {
-            if (!disk.image.empty()) inputs.images.push_back(disk.image);
-        }
+        for (const std::string* const image : ImagesOf(before))
+            inputs.images.push_back(*image);
         if (choice.images.empty() && choice.pc.empty()) {
             note =
                 "no PC was named: this is " + before.name + ", a machine in memory that comes with the tool";
@@ -184,9 +200,8 @@ std::optional<std::vector<std::string>> OpenedPc::Changes() const {
 void OpenedPc::Save(const std::string& file) const {
     Pc pc = inside_->emulated.pc;
     const fs::path folder = WriteTarget(file).parent_path();
-    for (machine::Disk& disk : pc.disks) {
-        if (!disk.image.empty()) disk.image = fs::proximate(fs::absolute(disk.image), folder).string();
-    }
+    for (std::string* const image : ImagesOf(pc))
+        *image = fs::proximate(fs::absolute(*image), folder).string();
     try {
         if (!WriteWholeFile(file, machine::WriteDescription(pc))) throw Failed(file + ": cannot be written");
     } catch (const machine::DescriptionError& error) {

@@ -20,6 +20,8 @@ struct OpenedPc::Inside {
 
 OpenedPc::OpenedPc(const PcChoice& choice, Access) : inside_(std::make_unique<Inside>()) {
     Refuse(!choice.images.empty(), "--image");
+    Refuse(!choice.discs.empty(), "--disc");
+    Refuse(!choice.sticks.empty(), "--stick");
     Refuse(!choice.pc.empty(), "--pc");
     Refuse(choice.windows, "--windows");
     Refuse(choice.windowsPe, "--pe");
