@@ -3,9 +3,14 @@
 #include <algorithm>
 
 #include "machine/api/wmi_disks.h"
+#include "machine/api/wmi_encryption.h"
 #include "machine/core/text_case.h"
 
 namespace machine {
+
+WmiValue TextOrAbsent(const std::optional<std::string>& text) {
+    return text ? WmiValue(*text) : WmiValue();
+}
 
 const WmiValue* FindProperty(const WmiProperties& properties, std::string_view name) {
     const auto found = std::find_if(properties.begin(), properties.end(),
@@ -16,11 +21,13 @@ const WmiValue* FindProperty(const WmiProperties& properties, std::string_view n
 WmiRepository::WmiRepository() {
     for (WmiClass& definition : DiskClasses())
         Add(std::move(definition));
+    Add(EncryptionClass());
 }
 
-bool WmiRepository::HasNamespace(std::string_view space) const {
-    return std::any_of(classes_.begin(), classes_.end(),
-                       [&](const WmiClass& known) { return SameName(known.space, space); });
+bool WmiRepository::HasNamespace(const Pc& pc, std::string_view space) const {
+    return std::any_of(classes_.begin(), classes_.end(), [&](const WmiClass& known) {
+        return SameName(known.space, space) && (known.isOffered == nullptr || known.isOffered(pc));
+    });
 }
 
 const WmiClass* WmiRepository::FindClass(std::string_view space, std::string_view name) const {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <list>
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -15,6 +16,9 @@ namespace machine {
 
 // Absent (VT_NULL), text (VT_BSTR), a number (VT_I4) or a truth value (VT_BOOL).
 using WmiValue = std::variant<std::monostate, std::string, int32_t, bool>;
+
+// The value of a fact that may be absent.
+WmiValue TextOrAbsent(const std::optional<std::string>& text);
 
 // Values by name, in the order of their declaration. Names are compared without regard to case.
 using WmiProperties = std::vector<std::pair<std::string, WmiValue>>;
@@ -40,17 +44,18 @@ struct WmiClass {
     // Rows of values in the order of `properties`.
     std::function<std::vector<std::vector<WmiValue>>(const Pc&)> rows;
     std::vector<WmiMethod> methods;
+    bool (*isOffered)(const Pc&) = nullptr;  // whether the PC has the class at all; null: every PC
 };
 
 class WmiRepository {
   public:
-    // root\cimv2 with the classes about disks.
+    // root\cimv2 with the classes about disks, and BitLocker's namespace.
     WmiRepository();
     static WmiRepository& Of(EmulatedPc& pc) { return pc.State<WmiRepository>(); }
 
     void Add(WmiClass definition) { classes_.push_back(std::move(definition)); }
-    // Whether the namespace is there: root\cimv2, or any with a class.
-    bool HasNamespace(std::string_view space) const;
+    // Whether the PC has the namespace: any with a class that it offers.
+    bool HasNamespace(const Pc& pc, std::string_view space) const;
     // The class of that name, or null. It stays where it is.
     const WmiClass* FindClass(std::string_view space, std::string_view name) const;
 

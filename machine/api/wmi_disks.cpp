@@ -10,10 +10,6 @@ namespace {
 
 using Rows = std::vector<std::vector<WmiValue>>;
 
-WmiValue ValueOf(const std::optional<std::string>& text) {
-    return text ? WmiValue(*text) : WmiValue();
-}
-
 // The disks that WMI lists: first those that the PC's order names, then the others as the PC has them.
 std::vector<const Disk*> ListedDisks(const Pc& pc) {
     std::vector<const Disk*> disks;
@@ -33,8 +29,8 @@ std::vector<const Disk*> ListedDisks(const Pc& pc) {
 Rows DiskDrives(const Pc& pc) {
     Rows rows;
     for (const Disk* disk : ListedDisks(pc)) {
-        rows.push_back({ValueOf(disk->wmi->deviceId), ValueOf(disk->wmi->pnpDeviceId),
-                        ValueOf(disk->wmi->interfaceType)});
+        rows.push_back({TextOrAbsent(disk->wmi->deviceId), TextOrAbsent(disk->wmi->pnpDeviceId),
+                        TextOrAbsent(disk->wmi->interfaceType)});
     }
     return rows;
 }

@@ -46,7 +46,8 @@ HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR, const BSTR, c
     return Call("IWbemLocator::ConnectServer", {ToUtf8(resource)}, [&](EmulatedPc& pc) {
         if (resource == nullptr || services == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
         const std::optional<std::string> space = NamespaceOf(ToUtf8(resource));
-        if (!space || !WmiRepository::Of(pc).HasNamespace(*space)) return Code(WBEM_E_INVALID_NAMESPACE);
+        if (!space || !WmiRepository::Of(pc).HasNamespace(pc.pc, *space))
+            return Code(WBEM_E_INVALID_NAMESPACE);
         return HandOut<IWbemServices>(MakeObject<WmiServices>(pc, *space), services);
     });
 }

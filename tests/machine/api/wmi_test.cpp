@@ -100,12 +100,20 @@ TEST(ConnectServer, OpensTheNamespacesThatThePcHas) {
     ComClient client(machine::FactoryMbr());
     EXPECT_EQ(Connect("\\\\.\\root\\CIMV2"), S_OK);
     EXPECT_EQ(Connect("ROOT\\cimv2"), S_OK);
-    EXPECT_EQ(Connect("\\\\.\\root\\CIMV2\\Security\\MicrosoftVolumeEncryption"),
-              Code(WBEM_E_INVALID_NAMESPACE));
     EXPECT_EQ(Connect("\\root"), Code(WBEM_E_INVALID_NAMESPACE));
     EXPECT_EQ(Connect("\\\\.\\root\\House"), Code(WBEM_E_INVALID_NAMESPACE));
     machine::WmiRepository::Of(client.pc).Add(LampClass("root\\House"));
     EXPECT_EQ(Connect("\\\\.\\root\\House"), S_OK);
+    EXPECT_EQ(client.OnLoan(), Loans());
+}
+
+TEST(ConnectServer, OpensTheNamespaceOfEncryptionWhereThePcHasIt) {
+    ComClient client(machine::FactoryMbr());
+    const char* const space = "\\\\.\\root\\CIMV2\\Security\\MicrosoftVolumeEncryption";
+    client.pc.pc.encryptableVolumes.reset();
+    EXPECT_EQ(Connect(space), Code(WBEM_E_INVALID_NAMESPACE));
+    client.pc.pc.encryptableVolumes.emplace();
+    EXPECT_EQ(Connect(space), S_OK) << "even without a volume";
     EXPECT_EQ(client.OnLoan(), Loans());
 }
 
