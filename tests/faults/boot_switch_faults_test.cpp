@@ -5,18 +5,16 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <set>
 
-#include "machine/api/call_table.h"
 #include "machine/core/utf.h"
 #include "machine/model/machines.h"
 #include "platform/partition_types.h"
+#include "tests/faults/fault_walk.h"
 #include "tests/support/application/application.h"
 
 namespace {
 
-using machine::FailsWith;
 using machine::FaultRule;
 
 using Flags = std::vector<uint32_t>;
@@ -117,69 +115,22 @@ const Switch switches[] = {
     {"SetPTwoActive", &Kestova::SetPTwoActive, RecoveryActive, {2}, setPTwoActive, {1}},
 };
 
-// --- the failures ---
-
-// What a real failure of that kind of call answers.
-uint32_t FailureCode(FailsWith failsWith) {
-    switch (failsWith) {
-        case FailsWith::Hresult:
-            return 0x80004005;
-        case FailsWith::Value:
-            return DRIVE_NO_ROOT_DIR;
-        default:
-            return ERROR_ACCESS_DENIED;
-    }
-}
-
-std::vector<FaultRule> WaysToFail(const std::string& call, uint32_t nth) {
-    const machine::CallInfo& info = *machine::FindCall(call);
-    const uint32_t code = FailureCode(info.failsWith);
-    std::vector<FaultRule> rules = {{.call = call, .nth = nth, .code = code},
-                                    {.call = call, .nth = nth, .onwards = true, .code = code}};
-    if (info.changesPc) rules.push_back({.call = call, .nth = nth, .afterEffect = true, .code = code});
-    if (info.failsWith == FailsWith::Hresult) rules.push_back({.call = call, .nth = nth, .code = S_OK});
-    return rules;
-}
-
-std::string ToText(const FaultRule& rule) {
-    return rule.call + "#" + std::to_string(rule.nth) + (rule.onwards ? "+" : "") +
-           (rule.afterEffect ? " after its effect" : "") + "=" + std::to_string(rule.code);
-}
-
-// Every call of an undisturbed run that has a fault point: its name and how-manieth it is.
-std::vector<std::pair<std::string, uint32_t>> PlacesToFail(const Switch& tested) {
+// Where an undisturbed run can fail.
+std::vector<PlaceToFail> PlacesOf(const Switch& tested) {
     Application application(tested.facts());
     EXPECT_EQ((application.kestova.*tested.operation)(), 0);
     EXPECT_EQ(ActivePartitions(application.pc), tested.flagsWhenDone);
-    std::map<std::string, uint32_t> counts;
-    std::vector<std::pair<std::string, uint32_t>> places;
-    for (const machine::CallRecord& call : application.pc.journal.Calls()) {
-        if (machine::FindCall(call.call) != nullptr) places.emplace_back(call.call, ++counts[call.call]);
-    }
-    return places;
-}
-
-// Interfaces that the volume layer overwrites and strings that nobody frees, as long as the object lives; and
-// what a failing close could not give back.
-void ExpectOnlyKeptLeftovers(const machine::Ledger& ledger, const std::string& failing) {
-    std::set<std::string> kept = {"COM initialization", "IVdsService", "IVdsAdvancedDisk", "IVdsDisk",
-                                  "VDS_DISK_PROP string"};
-    if (failing == "CloseHandle") kept.insert("file handle");
-    if (failing == "RegCloseKey") kept.insert("registry key");
-    if (failing == "SetupDiDestroyDeviceInfoList") kept.insert("device info set");
-    for (const auto& [kind, count] : ledger.Outstanding())
-        EXPECT_TRUE(kept.contains(kind)) << count << " " << kind;
-    EXPECT_TRUE(ledger.Violations().empty()) << ledger.Violations().front();
+    return PlacesToFail(application.pc.journal);
 }
 
 class BootSwitchFaults : public testing::TestWithParam<Switch> {};
 
 TEST_P(BootSwitchFaults, LeaveAMachineThatBootsAndTellWhatHappened) {
     const Switch& tested = GetParam();
-    const auto places = PlacesToFail(tested);
+    const std::vector<PlaceToFail> places = PlacesOf(tested);
     ASSERT_GT(places.size(), 50U);
-    for (const auto& [call, nth] : places) {
-        for (const FaultRule& rule : WaysToFail(call, nth)) {
+    for (const PlaceToFail& place : places) {
+        for (const FaultRule& rule : WaysToFail(place)) {
             SCOPED_TRACE(ToText(rule));
             Application application(tested.facts());
             const Flags flagsBefore = ActivePartitions(application.pc);
@@ -203,7 +154,7 @@ TEST_P(BootSwitchFaults, LeaveAMachineThatBootsAndTellWhatHappened) {
                 }
                 EXPECT_EQ(SystemVolumeIni(application.pc), recordBefore);
             }
-            ExpectOnlyKeptLeftovers(application.pc.ledger, call);
+            ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
         }
     }
 }

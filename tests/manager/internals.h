@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "device/encrypt_volume.h"
 #include "manager/kestova.h"
 #include "vds/vds_partition.h"
 
@@ -21,21 +22,41 @@ struct Opened {
     };                                         \
     template struct Opened<tag, &Kestova::member>
 
+using EncryptionLayer = CEncryptVolume* Kestova::*;
 using VolumeLayer = CVDSPartition* Kestova::*;
 using Format = std::basic_string<WCHAR> (Kestova::*)(const WCHAR*, ...);
+using LetterQuery = int (Kestova::*)(WCHAR);
+using NameQuery = int (Kestova::*)(WCHAR, WCHAR*);
+using LetterSearch = WCHAR (Kestova::*)();
 using MediaTest = int (Kestova::*)(WCHAR, int);
 using StatusTest = int (Kestova::*)(int);
+using Recognition = int (Kestova::*)(int, int, int&);
+using PartitionSearch = int (Kestova::*)(int&, int&, int&);
 using IniSearch = int (Kestova::*)(WCHAR*, DWORD);
 
+OPEN_PRIVATE_MEMBER(EncryptionLayerTag, EncryptionLayer, m_pEncryptVolume);
 OPEN_PRIVATE_MEMBER(VolumeLayerTag, VolumeLayer, m_pVDSPartition);
 OPEN_PRIVATE_MEMBER(StringFormatTag, Format, StringFormat);
+OPEN_PRIVATE_MEMBER(GetDiskNumberTag, LetterQuery, GetDiskNumber);
+OPEN_PRIVATE_MEMBER(GetPartNumberTag, LetterQuery, GetPartNumber);
+OPEN_PRIVATE_MEMBER(GetVolumeNameTag, NameQuery, GetVolumeName);
 OPEN_PRIVATE_MEMBER(IsRCVVolumeTag, MediaTest, IsRCVVolume);
+OPEN_PRIVATE_MEMBER(IsWinREVolumeTag, LetterQuery, IsWinREVolume);
+OPEN_PRIVATE_MEMBER(IsOSVolumeTag, LetterQuery, IsOSVolume);
+OPEN_PRIVATE_MEMBER(GetOSVolumeTag, LetterSearch, GetOSVolume);
 OPEN_PRIVATE_MEMBER(CheckMBRRcvprtStatusTag, StatusTest, CheckMBRRcvprtStatus);
+OPEN_PRIVATE_MEMBER(IsRecoveryPartitionTag, Recognition, IsRecoveryPartition);
+OPEN_PRIVATE_MEMBER(IsExistRecoveryPartitionTag, PartitionSearch, IsExistRecoveryPartition);
+OPEN_PRIVATE_MEMBER(IsWinREPartitionTag, Recognition, IsWinREPartition);
+OPEN_PRIVATE_MEMBER(IsExistWinREPartitionTag, PartitionSearch, IsExistWinREPartition);
 OPEN_PRIVATE_MEMBER(GetSystemVolumeIniTag, IniSearch, GetSystemVolumeIni);
 
 #undef OPEN_PRIVATE_MEMBER
 
-// Leaves the object as if its volume layer could not have been made.
+// Leave the object as if that layer could not have been made.
+inline void DropEncryptionLayer(Kestova& kestova) {
+    delete std::exchange(kestova.*Open(EncryptionLayerTag()), nullptr);
+}
 inline void DropVolumeLayer(Kestova& kestova) {
     delete std::exchange(kestova.*Open(VolumeLayerTag()), nullptr);
 }

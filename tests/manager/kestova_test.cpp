@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "diag/module.h"
 #include "machine/model/machines.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
@@ -142,53 +141,5 @@ TEST(StringFormat, FormatsTextOfAnyLength) {
     EXPECT_EQ((kestova.*format)(TEXT("%c is %d "), TEXT('C'), -7), TEXT("C is -7 "));
     EXPECT_EQ((kestova.*format)(TEXT("%s%d"), text.c_str(), 1), text + TEXT("1"));
 }
-
-// Notes which module is current when the library writes.
-class CurrentModule : public ILogSink {
-  public:
-    CurrentModule() { CLoggingFactory::GetInstance().AddSink(*this); }
-    ~CurrentModule() { CLoggingFactory::GetInstance().RemoveSink(*this); }
-    bool inModule = true;
-
-  private:
-    void Write(const LogEntry&) override { inModule = inModule && ModuleContext::Current() == &ModuleApp(); }
-};
-
-struct PublicOperation {
-    const char* name;
-    void (*call)(Kestova&);
-};
-
-class ModuleIsCurrent : public testing::TestWithParam<PublicOperation> {};
-
-TEST_P(ModuleIsCurrent, WhileItRunsAndNotAfterwards) {
-    Application application(machine::FactoryMbr());
-    CurrentModule module;
-    GetParam().call(application.kestova);
-    EXPECT_FALSE(application.pc.journal.Records().empty());
-    EXPECT_TRUE(module.inModule);
-    EXPECT_EQ(ModuleContext::Current(), nullptr);
-}
-
-constexpr PublicOperation publicOperations[] = {
-    {"Initialize", [](Kestova& kestova) { kestova.Initialize(false); }},
-    {"GetFirstInternalDriveNumber", [](Kestova& kestova) { kestova.GetFirstInternalDriveNumber(); }},
-    {"GetDriveLetter", [](Kestova& kestova) { kestova.GetDriveLetter(0, 2); }},
-    {"SetActive", [](Kestova& kestova) { kestova.SetActive(2); }},
-    {"ClearActive", [](Kestova& kestova) { kestova.ClearActive(); }},
-    {"GetActivePartitionNumber", [](Kestova& kestova) { kestova.GetActivePartitionNumber(); }},
-    {"GetDiskStyle",
-     [](Kestova& kestova) {
-         THardDiskType style;
-         kestova.GetDiskStyle(style);
-     }},
-    {"SetRcvprtActive", [](Kestova& kestova) { kestova.SetRcvprtActive(); }},
-    {"SetSystemActive", [](Kestova& kestova) { kestova.SetSystemActive(); }},
-    {"SetPOneActive", [](Kestova& kestova) { kestova.SetPOneActive(); }},
-    {"SetPTwoActive", [](Kestova& kestova) { kestova.SetPTwoActive(); }},
-};
-
-INSTANTIATE_TEST_SUITE_P(Every, ModuleIsCurrent, testing::ValuesIn(publicOperations),
-                         [](const auto& tested) { return tested.param.name; });
 
 }  // namespace

@@ -24,6 +24,14 @@ FileTree With(FileTree files, std::initializer_list<const char*> folders) {
     return files;
 }
 
+machine::Volume MakeVolume(const char* letter, DriveType driveType, FileTree files) {
+    machine::Volume volume;
+    volume.letters = letter;
+    volume.driveType = driveType;
+    volume.files = std::move(files);
+    return volume;
+}
+
 // One volume R: of a drive type with some files, tested for one kind of media.
 struct Media {
     const char* name;
@@ -40,11 +48,7 @@ class IsRCVVolume : public testing::TestWithParam<Media> {};
 
 TEST_P(IsRCVVolume, AnswersWithItsRecord) {
     machine::Pc facts = machine::FactoryMbr();
-    machine::Volume volume;
-    volume.letters = "R";
-    volume.driveType = GetParam().driveType;
-    volume.files = GetParam().files;
-    facts.volumes = {volume};
+    facts.volumes = {MakeVolume("R", GetParam().driveType, GetParam().files)};
     machine::EmulatedPc pc(facts);
     Kestova kestova;
     pc.journal.Clear();
@@ -113,6 +117,84 @@ TEST(IsRCVVolumeMarkers, LetterThatDoesNotExistIsNoMedia) {
     pc.journal.Clear();
     EXPECT_EQ((kestova.*Open(internals::IsRCVVolumeTag()))(TEXT('Q'), TYPE_HDD), 0);
     EXPECT_EQ(Transcript(pc.journal), "4 Kestova::IsRCVVolume\\t\\tStart\n");
+}
+
+// A path that cannot be joined is not there; the root in its place would be.
+TEST(IsRCVVolumeMarkers, PathThatCannotBeJoinedIsMissing) {
+    machine::EmulatedPc pc(machine::WinPeTwoDisks());
+    Kestova kestova;
+    pc.faults.Arm({.call = "PathAppendW", .nth = 1, .code = ERROR_NOT_ENOUGH_MEMORY});
+    pc.journal.Clear();
+    EXPECT_EQ((kestova.*Open(internals::IsRCVVolumeTag()))(TEXT('C'), TYPE_HDD), 0);
+    EXPECT_EQ(Transcript(pc.journal),
+              "4 Kestova::IsRCVVolume\\t\\tStart\n"
+              "4 Kestova::IsRCVVolume\\tmiss QELHDRCVINI. szPath = \n");
+}
+
+// --- the first letter of its kind ---
+
+// A recovery partition C:, a disc without its flag E:, two recovery discs G: and H:, two sticks T: and U:.
+machine::Pc WithMedia() {
+    machine::Pc facts = machine::WinPeTwoDisks();
+    facts.volumes.push_back(MakeVolume("E", DriveType::Optical, Markers()));
+    for (const char* letter : {"G", "H"})
+        facts.volumes.push_back(MakeVolume(letter, DriveType::Optical, With(Markers(), {"sources/DVD"})));
+    for (const char* letter : {"T", "U"})
+        facts.volumes.push_back(MakeVolume(letter, DriveType::Removable, With(Markers(), {"sources/UFD"})));
+    return facts;
+}
+
+std::string Untouched(int letters) {
+    std::string records;
+    for (int letter = 0; letter < letters; ++letter)
+        records += "4 Kestova::IsRCVVolume\\t\\tStart\n";
+    return records;
+}
+
+TEST(GetRCVDISC, IsTheFirstRecoveryDisc) {
+    machine::Pc facts = WithMedia();
+    PartitionOf(facts, 3).volume->letters = "F";
+    machine::EmulatedPc pc(facts);
+    Kestova kestova;
+    pc.journal.Clear();
+    EXPECT_EQ(kestova.GetRCVDISC(), TEXT('G'));
+    EXPECT_EQ(
+        Transcript(pc.journal),
+        "4 Kestova::GetRCVDISC\\tStart\n" + Untouched(5) +
+            "4 Kestova::IsRCVVolume\\tmiss FLAG_UFD.(TYPE_DISC == MediaType) szPath = E:\\sources\\DVD\n" +
+            Untouched(2) +
+            "4 Kestova::IsRCVVolume\\t\\tEnd return true\n"
+            "4 Kestova::GetRCVDISC\\tcDriveLetter = {char G}\n");
+    EXPECT_TRUE(pc.ledger.Outstanding().empty());
+}
+
+TEST(GetRCVDISC, IsNoneWithoutADisc) {
+    machine::EmulatedPc pc(machine::WinPeTwoDisks());
+    Kestova kestova;
+    pc.journal.Clear();
+    EXPECT_EQ(kestova.GetRCVDISC(), TEXT('0'));
+    EXPECT_EQ(Transcript(pc.journal), "4 Kestova::GetRCVDISC\\tStart\n" + Untouched(26) +
+                                          "4 Kestova::GetRCVDISC\\tEnd cDriveLetter = 0\n");
+}
+
+TEST(GetRCVUFD, IsTheFirstRecoveryStick) {
+    machine::EmulatedPc pc(WithMedia());
+    Kestova kestova;
+    pc.journal.Clear();
+    EXPECT_EQ(kestova.GetRCVUFD(), TEXT('T'));
+    EXPECT_EQ(Transcript(pc.journal), "4 Kestova::GetRCVUFD\\tStart\n" + Untouched(20) +
+                                          "4 Kestova::IsRCVVolume\\t\\tEnd return true\n"
+                                          "4 Kestova::GetRCVUFD\\tDriver = {char T}\n");
+    EXPECT_TRUE(pc.ledger.Outstanding().empty());
+}
+
+TEST(GetRCVUFD, IsNoneWithoutAStick) {
+    machine::EmulatedPc pc(machine::WinPeTwoDisks());
+    Kestova kestova;
+    pc.journal.Clear();
+    EXPECT_EQ(kestova.GetRCVUFD(), TEXT('0'));
+    EXPECT_EQ(Transcript(pc.journal),
+              "4 Kestova::GetRCVUFD\\tStart\n" + Untouched(26) + "4 Kestova::GetRCVUFD\\tEnd. Driver = 0\n");
 }
 
 }  // namespace

@@ -59,9 +59,10 @@ bool IsEmptyText(const LogItem& item) {
     return item.kind == LogItemKind::Text && item.text.empty();
 }
 
-// A name that is missing is an empty value behind its label.
+// A name that is missing is an empty value behind its label or its operation.
 bool IsLabel(const LogItem& item) {
-    return item.kind == LogItemKind::Text && item.text.ends_with(TEXT("= "));
+    return item.kind == LogItemKind::Text &&
+           (item.text.ends_with(TEXT("= ")) || item.text.ends_with(TEXT("\t")));
 }
 
 bool EndsWithOneEmptyText(const LogEntry& entry) {

@@ -1,0 +1,206 @@
+// Every platform call of the questions about disks, partitions and volumes fails in every way: the answer is
+// the true one or that of a failure, nothing on the PC changes, and only the kept leftovers stay on loan.
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "diag/module.h"
+#include "machine/model/machines.h"
+#include "platform/partition_types.h"
+#include "tests/faults/fault_walk.h"
+#include "tests/support/application/application.h"
+
+namespace {
+
+using machine::FaultRule;
+
+machine::Pc SystemReserved() {
+    machine::Pc facts = machine::FactoryMbr();
+    PartitionOf(facts, 2).volume->label = std::string("System Reserved");
+    return facts;
+}
+
+machine::Pc Factory() {
+    machine::Pc facts = machine::FactoryMbr();
+    PartitionOf(facts, 2).volume->label = std::string("Factory");
+    return facts;
+}
+
+machine::Pc WithMedium(machine::DriveType driveType, const char* flag) {
+    machine::Pc facts = machine::FactoryMbr();
+    machine::Volume medium;
+    medium.letters = "R";
+    medium.driveType = driveType;
+    medium.files = PartitionOf(facts, 1).volume->files;
+    medium.files.PutFolder(flag);
+    facts.volumes = {medium};
+    return facts;
+}
+
+machine::Pc Disc() {
+    return WithMedium(machine::DriveType::Optical, "sources/DVD");
+}
+
+machine::Pc Stick() {
+    return WithMedium(machine::DriveType::Removable, "sources/UFD");
+}
+
+machine::Pc WindowsRe() {
+    machine::Pc facts = machine::FactoryMbr();
+    PartitionOf(facts, 3).volume->files = {
+        {"bootmgr", ""}, {"boot/bcd", ""}, {"sources/boot.wim", ""}, {"Orvo/", ""}};
+    return facts;
+}
+
+machine::Pc Emulated() {
+    machine::Pc facts = machine::FactoryMbr();
+    facts.system.emulates32Bit = true;
+    facts.encryptableVolumes.emplace();
+    return facts;
+}
+
+machine::Pc Encrypted() {
+    machine::Pc facts = machine::FactoryMbr();
+    PartitionOf(facts, 2).volume->files = {};
+    machine::EncryptableVolume volume;
+    volume.deviceId = "\\\\?\\Volume{0}\\";
+    volume.persistentVolumeId = "{0}";
+    volume.driveLetter = "C:";
+    volume.encryptionMethod = 1;
+    facts.encryptableVolumes = {volume};
+    return facts;
+}
+
+struct Question {
+    const char* name;
+    machine::Pc (*facts)();
+    int (*ask)(Kestova&);
+    int answer;
+    // What a failure may answer besides; an answer that a failure cannot change has none.
+    std::set<int> failures;
+};
+
+const Question questions[] = {
+    {"GetFirstInternalDriveNumber",
+     machine::FactoryMbr,
+     [](Kestova& kestova) { return kestova.GetFirstInternalDriveNumber(); },
+     0,
+     {-1}},
+    {"GetActivePartitionNumber",
+     machine::FactoryMbr,
+     [](Kestova& kestova) { return kestova.GetActivePartitionNumber(); },
+     2,
+     {-1}},
+    {"GetDiskStyle",
+     machine::FactoryMbr,
+     [](Kestova& kestova) {
+         THardDiskType style = HARD_DISK_UNKNOWN;
+         EXPECT_EQ(kestova.GetDiskStyle(style), 1);
+         return static_cast<int>(style);
+     },
+     HARD_DISK_MBR,
+     {HARD_DISK_UNKNOWN}},
+    // A label that cannot be read is another label.
+    {"GetCurrentDiskTypeOfMbr",
+     SystemReserved,
+     [](Kestova& kestova) {
+         tagDiskTypeEnum type = DISK_TYPE_UNKNOWN;
+         EXPECT_EQ(kestova.GetCurrentDiskType(type), 1);
+         return static_cast<int>(type);
+     },
+     DISK_TYPE_MBR_SYSTEM_RESERVED,
+     {DISK_TYPE_UNKNOWN, DISK_TYPE_MBR_OTHER}},
+    {"GetCurrentDiskTypeOfGpt",
+     machine::FactoryGpt,
+     [](Kestova& kestova) {
+         tagDiskTypeEnum type = DISK_TYPE_UNKNOWN;
+         EXPECT_EQ(kestova.GetCurrentDiskType(type), 1);
+         return static_cast<int>(type);
+     },
+     DISK_TYPE_GPT_ESP,
+     {DISK_TYPE_UNKNOWN}},
+    {"IsDynamic", machine::FactoryMbr, [](Kestova& kestova) { return kestova.IsDynamic(); }, 0, {}},
+    {"IsEFIBootSystem",
+     machine::FactoryGpt,
+     [](Kestova& kestova) { return kestova.IsEFIBootSystem(); },
+     1,
+     {0}},
+    {"GetDriveLetter",
+     machine::FactoryMbr,
+     [](Kestova& kestova) -> int { return kestova.GetDriveLetter(0, 2); },
+     'C',
+     {'0'}},
+    {"IsNeedHidePartition",
+     SystemReserved,
+     [](Kestova& kestova) { return kestova.IsNeedHidePartition(0, 2); },
+     1,
+     {0}},
+    // A partition that cannot be looked at is one to hide.
+    {"IsNeedHidePartitionOfData",
+     machine::FactoryGpt,
+     [](Kestova& kestova) { return kestova.IsNeedHidePartition(0, 5); },
+     0,
+     {1}},
+    {"IsBIOSHibernationPartition",
+     machine::FactoryMbr,
+     [](Kestova& kestova) { return kestova.IsBIOSHibernationPartition(0, 4); },
+     1,
+     {0}},
+    {"IsCachePartitionForExpCacheExist",
+     machine::WinPeTwoDisks,
+     [](Kestova& kestova) { return kestova.IsCachePartitionForExpCacheExist(); },
+     1,
+     {0}},
+    {"GetFactoryPrtDriveLetter",
+     Factory,
+     [](Kestova& kestova) -> int {
+         WCHAR letter = 0;
+         EXPECT_EQ(kestova.GetFactoryPrtDriveLetter(letter), 1);
+         return letter;
+     },
+     'C',
+     {'0'}},
+    {"GetRCVDISC", Disc, [](Kestova& kestova) -> int { return kestova.GetRCVDISC(); }, 'R', {'0'}},
+    {"GetRCVUFD", Stick, [](Kestova& kestova) -> int { return kestova.GetRCVUFD(); }, 'R', {'0'}},
+    {"IsWindowsRE", WindowsRe, [](Kestova& kestova) { return kestova.IsWindowsRE(TEXT('D')); }, 1, {0}},
+    {"IsVistaOSByFiles", Emulated, [](Kestova& kestova) { return kestova.IsVistaOS(TEXT('C')); }, 1, {0}},
+    {"IsVistaOSEncrypted", Encrypted, [](Kestova& kestova) { return kestova.IsVistaOS(TEXT('C')); }, 1, {0}},
+};
+
+std::vector<PlaceToFail> PlacesOf(const Question& question) {
+    Application application(question.facts());
+    EXPECT_EQ(question.ask(application.kestova), question.answer);
+    return PlacesToFail(application.pc.journal);
+}
+
+class QueryFaults : public testing::TestWithParam<Question> {};
+
+TEST_P(QueryFaults, ChangeNothingAndTellTheTruthOrAFailure) {
+    const Question& question = GetParam();
+    const std::vector<PlaceToFail> places = PlacesOf(question);
+    ASSERT_FALSE(places.empty());
+    std::set<int> answers;
+    for (const PlaceToFail& place : places) {
+        for (const FaultRule& rule : WaysToFail(place)) {
+            SCOPED_TRACE(ToText(rule));
+            Application application(question.facts());
+            application.pc.faults.Arm(rule);
+            const int answer = question.ask(application.kestova);
+            EXPECT_GT(application.pc.faults.Fired(), 0);
+            answers.insert(answer);
+            EXPECT_TRUE(answer == question.answer || question.failures.contains(answer)) << answer;
+            EXPECT_EQ(application.pc.pc, question.facts());
+            EXPECT_EQ(ModuleContext::Current(), nullptr);
+            ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
+        }
+    }
+    // Each of the answers that a failure may give is given by some.
+    for (const int failure : question.failures)
+        EXPECT_TRUE(answers.contains(failure)) << failure;
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, QueryFaults, testing::ValuesIn(questions),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+}  // namespace

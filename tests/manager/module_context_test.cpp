@@ -1,0 +1,111 @@
+// Which operations make the library's module current while they run, as their records see it.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "diag/module.h"
+#include "machine/model/machines.h"
+#include "tests/manager/internals.h"
+#include "tests/support/application/application.h"
+
+namespace {
+
+// Notes for each record whether the module is current.
+class CurrentModule : public ILogSink {
+  public:
+    CurrentModule() { CLoggingFactory::GetInstance().AddSink(*this); }
+    ~CurrentModule() { CLoggingFactory::GetInstance().RemoveSink(*this); }
+    std::vector<bool> seen;
+
+  private:
+    void Write(const LogEntry&) override { seen.push_back(ModuleContext::Current() == &ModuleApp()); }
+};
+
+struct Operation {
+    const char* name;
+    void (*call)(Kestova&);
+};
+
+// What the records of an operation saw.
+std::vector<bool> Seen(const Operation& operation) {
+    Application application(machine::FactoryMbr());
+    CurrentModule module;
+    operation.call(application.kestova);
+    EXPECT_FALSE(module.seen.empty());
+    EXPECT_EQ(ModuleContext::Current(), nullptr);
+    return module.seen;
+}
+
+const auto nameOf = [](const auto& tested) { return std::string(tested.param.name); };
+
+class ModuleIsCurrent : public testing::TestWithParam<Operation> {};
+
+TEST_P(ModuleIsCurrent, WhileItRunsAndNotAfterwards) {
+    EXPECT_TRUE(std::ranges::count(Seen(GetParam()), false) == 0);
+}
+
+constexpr Operation current[] = {
+    {"Initialize", [](Kestova& kestova) { kestova.Initialize(false); }},
+    {"GetFirstInternalDriveNumber", [](Kestova& kestova) { kestova.GetFirstInternalDriveNumber(); }},
+    {"GetDiskStyle",
+     [](Kestova& kestova) {
+         THardDiskType style;
+         kestova.GetDiskStyle(style);
+     }},
+    {"GetCurrentDiskType",
+     [](Kestova& kestova) {
+         tagDiskTypeEnum type;
+         kestova.GetCurrentDiskType(type);
+     }},
+    {"IsDynamic", [](Kestova& kestova) { kestova.IsDynamic(); }},
+    {"IsEFIBootSystem", [](Kestova& kestova) { kestova.IsEFIBootSystem(); }},
+    {"GetDriveLetter", [](Kestova& kestova) { kestova.GetDriveLetter(0, 2); }},
+    {"IsNeedHidePartition", [](Kestova& kestova) { kestova.IsNeedHidePartition(0, 2); }},
+    {"IsBIOSHibernationPartition", [](Kestova& kestova) { kestova.IsBIOSHibernationPartition(0, 4); }},
+    {"GetActivePartitionNumber", [](Kestova& kestova) { kestova.GetActivePartitionNumber(); }},
+    {"SetActive", [](Kestova& kestova) { kestova.SetActive(2); }},
+    {"ClearActive", [](Kestova& kestova) { kestova.ClearActive(); }},
+    {"GetRCVDISC", [](Kestova& kestova) { kestova.GetRCVDISC(); }},
+    {"GetRCVUFD", [](Kestova& kestova) { kestova.GetRCVUFD(); }},
+    {"IsWindowsRE", [](Kestova& kestova) { kestova.IsWindowsRE(TEXT('C')); }},
+    {"IsVistaOS", [](Kestova& kestova) { kestova.IsVistaOS(TEXT('C')); }},
+    {"SetRcvprtActive", [](Kestova& kestova) { kestova.SetRcvprtActive(); }},
+    {"SetSystemActive", [](Kestova& kestova) { kestova.SetSystemActive(); }},
+    {"SetPOneActive", [](Kestova& kestova) { kestova.SetPOneActive(); }},
+    {"SetPTwoActive", [](Kestova& kestova) { kestova.SetPTwoActive(); }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Every, ModuleIsCurrent, testing::ValuesIn(current), nameOf);
+
+class ModuleIsNotCurrent : public testing::TestWithParam<Operation> {};
+
+TEST_P(ModuleIsNotCurrent, InAnyRecord) {
+    EXPECT_TRUE(std::ranges::count(Seen(GetParam()), true) == 0);
+}
+
+constexpr Operation notCurrent[] = {
+    {"GetFactoryPrtDriveLetter",
+     [](Kestova& kestova) {
+         WCHAR letter;
+         kestova.GetFactoryPrtDriveLetter(letter);
+     }},
+    {"IsCachePartitionForExpCacheExist",
+     [](Kestova& kestova) { kestova.IsCachePartitionForExpCacheExist(); }},
+    {"GetDiskNumber", [](Kestova& kestova) { (kestova.*Open(internals::GetDiskNumberTag()))(TEXT('C')); }},
+    {"GetPartNumber", [](Kestova& kestova) { (kestova.*Open(internals::GetPartNumberTag()))(TEXT('C')); }},
+    {"IsRCVVolume", [](Kestova& kestova) { (kestova.*Open(internals::IsRCVVolumeTag()))(TEXT('C'), 1); }},
+    {"IsWinREVolume", [](Kestova& kestova) { (kestova.*Open(internals::IsWinREVolumeTag()))(TEXT('C')); }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Every, ModuleIsNotCurrent, testing::ValuesIn(notCurrent), nameOf);
+
+TEST(SetBIOSHibernationPartitionIDContext, BeginsAfterItsFirstRecord) {
+    const std::vector<bool> seen =
+        Seen({"", [](Kestova& kestova) { kestova.SetBIOSHibernationPartitionID(3); }});
+    ASSERT_GT(seen.size(), 2U);
+    EXPECT_FALSE(seen.front());
+    EXPECT_EQ(std::ranges::count(seen, false), 1);
+}
+
+}  // namespace
