@@ -22,6 +22,7 @@ class Checks {
     void Disks();
     void VolumesWithoutDisk();
     void WmiOrder() const;
+    void EncryptableVolumes() const;
     void Faults() const;
 
   private:
@@ -159,6 +160,19 @@ void Checks::WmiOrder() const {
     }
 }
 
+void Checks::EncryptableVolumes() const {
+    if (!pc_.encryptableVolumes) return;
+    Places<std::string> ids;
+    Places<std::string> drives;
+    for (size_t index = 0; index < pc_.encryptableVolumes->size(); ++index) {
+        const EncryptableVolume& volume = (*pc_.encryptableVolumes)[index];
+        const std::string place = PlaceOfEntry("encryptableVolumes", index);
+        if (volume.deviceId) Once(ids, *volume.deviceId, *volume.deviceId, place + ".deviceId");
+        if (volume.driveLetter)
+            Once(drives, *volume.driveLetter, *volume.driveLetter, place + ".driveLetter");
+    }
+}
+
 void Checks::Faults() const {
     std::vector<std::string> names;
     for (const CallInfo& call : AllCalls())
@@ -178,6 +192,7 @@ void CheckDescription(const Pc& pc, const std::string& file) {
     checks.Disks();
     checks.VolumesWithoutDisk();
     checks.WmiOrder();
+    checks.EncryptableVolumes();
     checks.Faults();
 }
 

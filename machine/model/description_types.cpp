@@ -26,6 +26,9 @@ const Words<uint32_t> busTypes = {{"unknown", 0}, {"scsi", 1}, {"atapi", 2}, {"a
 const Words<uint32_t> deviceTypes = {{"cd-rom", 2}, {"disk", 7}, {"dvd", 0x33}};
 const Words<int> extentTypes = {{"unknown", 0}, {"free", 1}, {"data", 2}, {"oem", 3},
                                 {"esp", 4},     {"msr", 5},  {"ldm", 6},  {"unusable", 0x7FFF}};
+const Words<uint32_t> encryptionMethods = {
+    {"none", 0},     {"aes-128-diffuser", 1}, {"aes-256-diffuser", 2}, {"aes-128", 3},         {"aes-256", 4},
+    {"hardware", 5}, {"xts-aes-128", 6},      {"xts-aes-256", 7},      {"unknown", 0xFFFFFFFF}};
 const Words<int> packStatuses = {{"unknown", 0}, {"online", 1}, {"offline", 4}};
 
 Codec<uint32_t> ErrorCode() {
@@ -65,6 +68,27 @@ const RecordType<Volume>& VolumeType() {
 const RecordType<Volume>& ImageVolumeType() {
     static const RecordType<Volume> type = OnImage(VolumeType(), {"fileSystem", "label", "files"});
     return type;
+}
+
+const RecordType<Volume>& MediumType() {
+    static const RecordType<Volume> type = [] {
+        RecordType<Volume> medium = ImageVolumeType();
+        medium.fields.push_back(Required("image", &Volume::image, Text()));
+        return medium;
+    }();
+    return type;
+}
+
+// What lies on no disk is on an image when its description names one.
+Codec<Volume> MediumCodec() {
+    return {[](const Node& node, const Volume& standard) {
+                const bool onImage = node.Value().is_object() && node.Value().contains("image");
+                if (onImage && node.Key("image").Text().empty()) node.Key("image").Fail("must name a file");
+                return ReadRecord(onImage ? MediumType() : VolumeType(), node, standard);
+            },
+            [](const Volume& volume, const Volume& standard) {
+                return WriteRecord(volume.image.empty() ? VolumeType() : MediumType(), volume, standard);
+            }};
 }
 
 RecordType<Partition> PartitionType(const RecordType<Volume>& volumeType) {
@@ -185,7 +209,8 @@ const RecordType<RunningSystem>& SystemType() {
     static const RecordType<RunningSystem> type = {
         {Optional("kind", &RunningSystem::kind, Word(systemKinds)),
          Optional("windowsDirectory", &RunningSystem::windowsDirectory, Text()),
-         Optional("startOptions", &RunningSystem::startOptions, OrNull(Text()))},
+         Optional("startOptions", &RunningSystem::startOptions, OrNull(Text())),
+         Optional("emulates32Bit", &RunningSystem::emulates32Bit, Flag())},
         1,
         StandardSystem};
     return type;
@@ -194,6 +219,25 @@ const RecordType<RunningSystem>& SystemType() {
 const RecordType<HostProgram>& HostType() {
     static const RecordType<HostProgram> type = {
         {Optional("path", &HostProgram::path, Text()), Optional("files", &HostProgram::files, Files())}};
+    return type;
+}
+
+const RecordType<Shell>& ShellType() {
+    static const RecordType<Shell> type = {
+        {Optional("milliseconds", &Shell::milliseconds, Number<uint32_t>()),
+         Optional("regFails", &Shell::regFails, Flag()),
+         Optional("tellsProcess", &Shell::tellsProcess, Flag())}};
+    return type;
+}
+
+const RecordType<EncryptableVolume>& EncryptableVolumeType() {
+    static const RecordType<EncryptableVolume> type = {
+        {Optional("deviceId", &EncryptableVolume::deviceId, OrNull(Text())),
+         Optional("persistentVolumeId", &EncryptableVolume::persistentVolumeId, OrNull(Text())),
+         Optional("driveLetter", &EncryptableVolume::driveLetter, OrNull(DriveName())),
+         Optional("returnValue", &EncryptableVolume::returnValue, ErrorCode()),
+         Optional("encryptionMethod", &EncryptableVolume::encryptionMethod,
+                  WordOrNumber(encryptionMethods))}};
     return type;
 }
 
@@ -226,9 +270,12 @@ const RecordType<Pc>& PcType() {
                                          Optional("packs", &Pc::packs, ListOf(RecordOf(PackType()))),
                                          Optional("disks", &Pc::disks, ListOf(DiskCodec())),
                                          Optional("wmiOrder", &Pc::wmiOrder, ListOf(Number<uint32_t>())),
-                                         Optional("volumes", &Pc::volumes, ListOf(RecordOf(VolumeType()))),
+                                         Optional("volumes", &Pc::volumes, ListOf(MediumCodec())),
                                          Optional("registry", &Pc::registry, Registry()),
                                          Optional("offlineSystemHive", &Pc::offlineSystemHive, Registry()),
+                                         Optional("shell", &Pc::shell, RecordOf(ShellType())),
+                                         Optional("encryptableVolumes", &Pc::encryptableVolumes,
+                                                  OrNull(ListOf(RecordOf(EncryptableVolumeType())))),
                                          Optional("switches", &Pc::switches, RecordOf(SwitchesType())),
                                          Optional("faults", &Pc::faults, ListOf(RecordOf(FaultType())))}};
     return type;
@@ -245,7 +292,10 @@ std::vector<KeysOfObject> AllKeys() {
             {"scsiAddress", ScsiAddressType().Keys()},
             {"partition", DescribedPartitionType().Keys()},
             {"volume", VolumeType().Keys()},
+            {"volume", MediumType().Keys()},
             {"extent", ExtentType().Keys()},
+            {"shell", ShellType().Keys()},
+            {"encryptableVolume", EncryptableVolumeType().Keys()},
             {"switches", SwitchesType().Keys()},
             {"fault", FaultType().Keys()}};
 }

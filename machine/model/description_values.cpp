@@ -58,6 +58,14 @@ std::string ReadLetters(const Node& node) {
     return node.Text();
 }
 
+std::string ReadDriveName(const Node& node) {
+    const std::string& name = node.Text();
+    const bool named = name.size() == 2 && name[0] >= 'A' && name[0] <= 'Z' && name[1] == ':';
+    if (!named)
+        node.Fail("\"" + name + "\" must be an upper-case letter from A to Z and a colon, like \"C:\"");
+    return name;
+}
+
 Guid ReadGuid(const Node& node) {
     const std::optional<Guid> guid = GuidFromText(node.Text());
     if (!guid) node.Fail("\"" + node.Text() + "\" is no GUID like \"c12a7328-f81f-11d2-ba4b-00a0c93ec93b\"");
@@ -108,6 +116,10 @@ Codec<Guid> GuidValue() {
 
 Codec<std::string> Letters() {
     return PlainCodec<std::string>(ReadLetters, [](const std::string& letters) { return Json(letters); });
+}
+
+Codec<std::string> DriveName() {
+    return PlainCodec<std::string>(ReadDriveName, [](const std::string& name) { return Json(name); });
 }
 
 Codec<uint64_t> ByteCount() {

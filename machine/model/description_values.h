@@ -17,6 +17,8 @@ Codec<bool> Flag();
 Codec<Guid> GuidValue();
 // Upper-case letters from A to Z.
 Codec<std::string> Letters();
+// A letter from A to Z and a colon: "C:".
+Codec<std::string> DriveName();
 // "15 GiB", or the bare number of bytes.
 Codec<uint64_t> ByteCount();
 // Whether JSON can hold the text, which must be UTF-8.

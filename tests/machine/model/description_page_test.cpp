@@ -48,6 +48,8 @@ TEST(DescriptionPage, EveryKeyHasARowUnderItsObject) {
                                                          {"partition", "Partition"},
                                                          {"volume", "Volume"},
                                                          {"extent", "Extent"},
+                                                         {"shell", "Shell"},
+                                                         {"encryptableVolume", "Encryptable volume"},
                                                          {"switches", "Switches"},
                                                          {"fault", "Faults"}};
     for (const auto& [object, keys] : description::AllKeys()) {

@@ -76,6 +76,15 @@ const WrongText wrongKinds[] = {
      R"(disks[0].guid: "c12a7328" is no GUID like "c12a7328-f81f-11d2-ba4b-00a0c93ec93b")"},
     {"Letters", R"({"volumes": [{"letters": "c"}]})",
      R"(volumes[0].letters: "c" must be upper-case letters from A to Z)"},
+    {"DriveName", R"({"encryptableVolumes": [{"driveLetter": "C"}]})",
+     R"(encryptableVolumes[0].driveLetter: "C" must be an upper-case letter from A to Z and a colon, like "C:")"},
+    {"EncryptionMethod", R"({"encryptableVolumes": [{"encryptionMethod": "aes-12"}]})",
+     R"(encryptableVolumes[0].encryptionMethod: unknown word "aes-12" (did you mean "aes-128"?); it is one of: none, aes-128-diffuser, aes-256-diffuser, aes-128, aes-256, hardware, xts-aes-128, xts-aes-256, unknown)"},
+    {"ListOfEncryptableVolumesExpected", R"({"encryptableVolumes": {}})",
+     "encryptableVolumes: must be a list, not an object"},
+    {"UnknownKeyOfTheShell", R"({"shell": {"millisecond": 1}})",
+     R"(shell.millisecond: unknown key "millisecond" (did you mean "milliseconds"?))"},
+    {"FlagOfTheSystem", R"({"system": {"emulates32Bit": 1}})", "system.emulates32Bit: must be true or false"},
     {"ErrorBesideMore", WithDisk(R"("location": {"error": 13, "text": "0"})"),
      R"(disks[0].location.text: unknown key "text")"},
 };
@@ -152,18 +161,23 @@ const WrongText contradictions[] = {
     {"WmiOrderOfNoDisk", R"({"wmiOrder": [1]})", "wmiOrder[0]: there is no disk 1"},
     {"WmiOrderTwice", R"({"disks": [{"number": 1}], "wmiOrder": [1, 1]})",
      "wmiOrder[1]: 1 is taken by wmiOrder[0]"},
+    {"EncryptableVolumeTwice", R"({"encryptableVolumes": [{"deviceId": "v"}, {}, {"deviceId": "v"}]})",
+     "encryptableVolumes[2].deviceId: v is taken by encryptableVolumes[0].deviceId"},
+    {"LetterOfTwoEncryptableVolumes",
+     R"({"encryptableVolumes": [{"driveLetter": "C:"}, {"driveLetter": "C:"}]})",
+     "encryptableVolumes[1].driveLetter: C: is taken by encryptableVolumes[0].driveLetter"},
     {"UnknownCall", R"({"faults": [{"call": "CreateFile", "code": 5}]})",
      R"(faults[0].call: unknown call "CreateFile" (did you mean "CreateFileW"?))"},
     {"CallWithoutInterface", R"({"faults": [{"call": "ChangeAttributes", "code": 5}]})",
      R"(faults[0].call: unknown call "ChangeAttributes" (did you mean "IVdsAdvancedDisk::ChangeAttributes"?))"},
     {"SizeOfAnImage", R"({"disks": [{"number": 0, "image": "a.img", "size": 1}]})",
-     "disks[0].size: not for a disk with an image, which tells it"},
+     "disks[0].size: not beside an image, which tells it"},
     {"OffsetOnAnImage",
      R"({"disks": [{"number": 0, "image": "a.img", "partitions": [{"number": 1, "offset": 1}]}]})",
-     "disks[0].partitions[0].offset: not for a disk with an image, which tells it"},
+     "disks[0].partitions[0].offset: not beside an image, which tells it"},
     {"LabelOnAnImage",
      R"({"disks": [{"number": 0, "image": "a.img", "partitions": [{"number": 1, "volume": {"label": ""}}]}]})",
-     "disks[0].partitions[0].volume.label: not for a disk with an image, which tells it"},
+     "disks[0].partitions[0].volume.label: not beside an image, which tells it"},
     {"ImageWithoutName", R"({"disks": [{"number": 0, "image": ""}]})", "disks[0].image: must name a file"},
 };
 INSTANTIATE_TEST_SUITE_P(Contradictions, WrongDescription, testing::ValuesIn(contradictions),
@@ -242,6 +256,28 @@ TEST(ReadDescription, WindowsPeRunsFromItsRamDrive) {
     EXPECT_EQ(pc.system.startOptions, " FASTDETECT MININT");
     EXPECT_EQ(Read(R"({"system": {"kind": "windows-pe", "startOptions": null}})").system.startOptions,
               std::nullopt);
+}
+
+TEST(ReadDescription, EncryptableVolumesCanBeAbsentNoneOrSome) {
+    EXPECT_FALSE(Read("{}").encryptableVolumes);
+    EXPECT_FALSE(Read(R"({"encryptableVolumes": null})").encryptableVolumes);
+    EXPECT_TRUE(Read(R"({"encryptableVolumes": []})").encryptableVolumes.value().empty());
+    const Pc pc = Read(R"({"encryptableVolumes": [{"driveLetter": "C:", "encryptionMethod": "xts-aes-256"},
+                                                  {"returnValue": "0x80310000", "encryptionMethod": 99}]})");
+    EncryptableVolume encrypted;
+    encrypted.driveLetter = "C:";
+    encrypted.encryptionMethod = 7;
+    EncryptableVolume locked;
+    locked.returnValue = 0x80310000;
+    locked.encryptionMethod = 99;
+    EXPECT_TRUE(pc.encryptableVolumes.value() == (std::vector{encrypted, locked}));
+}
+
+TEST(ReadDescription, ShellIsQuickAndWorksUnlessToldOtherwise) {
+    EXPECT_TRUE(Read("{}").shell == Shell());
+    EXPECT_TRUE(
+        Read(R"({"shell": {"milliseconds": 60000, "regFails": true, "tellsProcess": false}})").shell ==
+        (Shell{.milliseconds = 60000, .regFails = true, .tellsProcess = false}));
 }
 
 TEST(ReadDescription, LogicalPartitionsLieInsideTheExtendedOne) {

@@ -43,12 +43,13 @@ class Generator {
 
     FileTree MakeFiles();
     RegistryKeys MakeRegistry();
-    Volume MakeVolume(bool onImage);
+    Volume MakeVolume(bool inPartition, bool onImage);
     Partition MakePartition(const Disk& disk, uint32_t index);
     WmiDisk MakeWmi();
     ScsiAddress MakeScsiAddress();
     Disk MakeDisk(uint32_t number, const std::vector<Pack>& packs);
     FaultRule MakeFault();
+    std::vector<EncryptableVolume> MakeEncryptable();
 
     std::mt19937_64 random_;
     std::string lettersLeft_ = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -115,10 +116,10 @@ RegistryKeys Generator::MakeRegistry() {
 }
 
 // What an image tells stays as it is; the doors to an image are never described.
-Volume Generator::MakeVolume(bool onImage) {
+Volume Generator::MakeVolume(bool inPartition, bool onImage) {
     Volume volume;
-    auto& [letters, fileSystem, label, driveType, furtherExtents, openError, extentType, files, store] =
-        volume;
+    auto& [letters, fileSystem, label, driveType, furtherExtents, openError, extentType, files, store,
+           image] = volume;
     letters = Letters();
     driveType = static_cast<DriveType>(Below(7));
     for (uint64_t left = Below(3); left > 0; --left)
@@ -126,6 +127,7 @@ Volume Generator::MakeVolume(bool onImage) {
     openError = Number<uint32_t>();
     extentType = ValueOrNothing<int>([&] { return OneOf<int>({0, 1, 2, 3, 4, 5, 6, 7, 0x7FFF, -1}); });
     static_cast<void>(store);
+    if (onImage && !inPartition) image = "folder/medium.iso";
     if (onImage) return volume;
     fileSystem = OneOf<std::string>({"NTFS", "FAT32", "RAW"});
     label = ValueOrError<std::string>([&] { return Text(); });
@@ -139,7 +141,7 @@ Partition Generator::MakePartition(const Disk& disk, uint32_t index) {
     auto& [number, offset, size, mbrType, bootIndicator, gptType, gptId, attributes, name, volume] =
         partition;
     number = index + 1;
-    volume = ValueOrNothing<Volume>([&] { return MakeVolume(onImage); });
+    volume = ValueOrNothing<Volume>([&] { return MakeVolume(true, onImage); });
     if (onImage) return partition;
     offset = index * partitionPitch + Below(10);
     size = 1 + Below(partitionPitch - 10);
@@ -212,20 +214,35 @@ FaultRule Generator::MakeFault() {
     return rule;
 }
 
+std::vector<EncryptableVolume> Generator::MakeEncryptable() {
+    std::vector<EncryptableVolume> volumes;
+    for (char drive = 'C'; Sometimes(); ++drive) {
+        auto& [deviceId, persistentVolumeId, driveLetter, returnValue, encryptionMethod] =
+            volumes.emplace_back();
+        deviceId = ValueOrNothing<std::string>([&] { return Text() + drive; });
+        persistentVolumeId = ValueOrNothing<std::string>([&] { return Text(); });
+        driveLetter = ValueOrNothing<std::string>([&] { return std::string{drive, ':'}; });
+        returnValue = Number<uint32_t>();
+        encryptionMethod = OneOf<uint32_t>({0, 6, 100, 0xFFFFFFFF});
+    }
+    return volumes;
+}
+
 Pc Generator::MakePc() {
     Pc pc;
     auto& [name, firmware, system, host, packs, disks, wmiOrder, volumes, registry, offlineSystemHive,
-           switches, faults] = pc;
+           hiveReader, shell, encryptableVolumes, switches, faults] = pc;
     name = Text();
 
     auto& [firmwareKind, firmwareError] = firmware;
     firmwareKind = OneOf({FirmwareKind::Bios, FirmwareKind::Uefi});
     firmwareError = ValueOrNothing<uint32_t>([&] { return Number<uint32_t>(); });
 
-    auto& [systemKind, windowsDirectory, startOptions] = system;
+    auto& [systemKind, windowsDirectory, startOptions, emulates32Bit] = system;
     systemKind = OneOf({SystemKind::Windows, SystemKind::WindowsPe});
     windowsDirectory = OneOf<std::string>({"C:\\Windows", "X:\\Windows", "D:\\WINNT"});
     startOptions = ValueOrNothing<std::string>([&] { return Text(); });
+    emulates32Bit = Sometimes();
 
     auto& [hostPath, hostFiles] = host;
     hostPath = Text();
@@ -243,9 +260,16 @@ Pc Generator::MakePc() {
         if (Sometimes()) wmiOrder.insert(wmiOrder.begin(), number);
     }
     for (uint64_t left = Below(3); left > 0; --left)
-        volumes.push_back(MakeVolume(false));
+        volumes.push_back(MakeVolume(false, Sometimes()));
     registry = MakeRegistry();
     offlineSystemHive = MakeRegistry();
+    static_cast<void>(hiveReader);
+
+    auto& [milliseconds, regFails, tellsProcess] = shell;
+    milliseconds = Number<uint32_t>();
+    regFails = Sometimes();
+    tellsProcess = Sometimes();
+    encryptableVolumes = ValueOrNothing<std::vector<EncryptableVolume>>([&] { return MakeEncryptable(); });
 
     auto& [activeFlagIsExclusive, letterless, volumesRefuseLetterCalls, hidingRemovesVolume,
            profilesSkipUtf8Mark] = switches;
