@@ -60,7 +60,7 @@ template <typename Record>
 void ExpectKeysOf(const RecordType<Record>& type, const Node& node) {
     node.ExpectObject();
     for (const std::string& key : type.toldByImage) {
-        if (node.Value().contains(key)) node.Key(key).Fail("not for a disk with an image, which tells it");
+        if (node.Value().contains(key)) node.Key(key).Fail("not beside an image, which tells it");
     }
     node.ExpectKeys(type.Keys());
     for (const Field<Record>& field : type.fields) {
