@@ -1,5 +1,6 @@
-// Every platform call of the questions about disks, partitions and volumes fails in every way: the answer is
-// the true one or that of a failure, nothing on the PC changes, and only the kept leftovers stay on loan.
+// Every platform call of the questions about disks, partitions and volumes, and of the single changes, fails
+// in every way: the answer is the true one or that of a failure, nothing on the PC changes that the answer
+// does not tell, and only the kept leftovers stay on loan.
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,7 @@
 #include "machine/model/machines.h"
 #include "platform/partition_types.h"
 #include "tests/faults/fault_walk.h"
+#include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 
 namespace {
@@ -50,6 +52,12 @@ machine::Pc WindowsRe() {
     machine::Pc facts = machine::FactoryMbr();
     PartitionOf(facts, 3).volume->files = {
         {"bootmgr", ""}, {"boot/bcd", ""}, {"sources/boot.wim", ""}, {"Orvo/", ""}};
+    return facts;
+}
+
+machine::Pc WindowsReVolume() {
+    machine::Pc facts = machine::FactoryGpt();
+    PartitionOf(facts, 2).volume->letters = "R";
     return facts;
 }
 
@@ -164,6 +172,26 @@ const Question questions[] = {
     {"GetRCVDISC", Disc, [](Kestova& kestova) -> int { return kestova.GetRCVDISC(); }, 'R', {'0'}},
     {"GetRCVUFD", Stick, [](Kestova& kestova) -> int { return kestova.GetRCVUFD(); }, 'R', {'0'}},
     {"IsWindowsRE", WindowsRe, [](Kestova& kestova) { return kestova.IsWindowsRE(TEXT('D')); }, 1, {0}},
+    {"GetDiskNumber",
+     machine::FactoryMbr,
+     [](Kestova& kestova) { return (kestova.*Open(internals::GetDiskNumberTag()))(TEXT('C')); },
+     0,
+     {255}},
+    {"GetPartNumber",
+     machine::FactoryMbr,
+     [](Kestova& kestova) { return (kestova.*Open(internals::GetPartNumberTag()))(TEXT('C')); },
+     2,
+     {0}},
+    {"IsWinREVolume",
+     WindowsReVolume,
+     [](Kestova& kestova) { return (kestova.*Open(internals::IsWinREVolumeTag()))(TEXT('R')); },
+     1,
+     {0}},
+    {"GetOSVolume",
+     machine::FactoryMbr,
+     [](Kestova& kestova) -> int { return (kestova.*Open(internals::GetOSVolumeTag()))(); },
+     'C',
+     {'0'}},
     {"IsVistaOSByFiles", Emulated, [](Kestova& kestova) { return kestova.IsVistaOS(TEXT('C')); }, 1, {0}},
     {"IsVistaOSEncrypted", Encrypted, [](Kestova& kestova) { return kestova.IsVistaOS(TEXT('C')); }, 1, {0}},
 };
@@ -201,6 +229,54 @@ TEST_P(QueryFaults, ChangeNothingAndTellTheTruthOrAFailure) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, QueryFaults, testing::ValuesIn(questions),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+// --- single changes ---
+
+struct Change {
+    const char* name;
+    int (*make)(Kestova&);  // 0: done; 1: failed
+};
+
+constexpr Change changes[] = {
+    {"SetActive", [](Kestova& kestova) { return kestova.SetActive(1); }},
+    {"ClearActive", [](Kestova& kestova) { return kestova.ClearActive(); }},
+    {"SetBIOSHibernationPartitionID",
+     [](Kestova& kestova) { return kestova.SetBIOSHibernationPartitionID(3); }},
+};
+
+// Where an undisturbed change can fail; what it makes of the disks.
+std::vector<PlaceToFail> PlacesOf(const Change& change, std::vector<machine::Disk>& after) {
+    Application application(machine::FactoryMbr());
+    EXPECT_EQ(change.make(application.kestova), 0);
+    after = application.pc.pc.disks;
+    return PlacesToFail(application.pc.journal);
+}
+
+class ChangeFaults : public testing::TestWithParam<Change> {};
+
+TEST_P(ChangeFaults, LeaveThePcAsItWasOrAsItWasToBe) {
+    const std::vector<machine::Disk> before = machine::FactoryMbr().disks;
+    std::vector<machine::Disk> after;
+    const std::vector<PlaceToFail> places = PlacesOf(GetParam(), after);
+    ASSERT_NE(after, before);
+    for (const PlaceToFail& place : places) {
+        for (const FaultRule& rule : WaysToFail(place)) {
+            SCOPED_TRACE(ToText(rule));
+            Application application(machine::FactoryMbr());
+            application.pc.faults.Arm(rule);
+            const int result = GetParam().make(application.kestova);
+            EXPECT_GT(application.pc.faults.Fired(), 0);
+            // An effect behind a failure, or a success without one, is more than the operation can know.
+            if (!rule.afterEffect && rule.code != S_OK) {
+                EXPECT_EQ(application.pc.pc.disks, result == 0 ? after : before);
+            }
+            ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, ChangeFaults, testing::ValuesIn(changes),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 }  // namespace

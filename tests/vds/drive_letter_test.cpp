@@ -48,6 +48,17 @@ std::string ReadRecords(Letterless letterless) {
     return letterless == Letterless::Fails ? readFailed : "";
 }
 
+// A log that leaves an error of its own behind each record: how many it has received.
+class FailingLog : public ILogSink {
+  public:
+    FailingLog() { CLoggingFactory::GetInstance().AddSink(*this); }
+    ~FailingLog() { CLoggingFactory::GetInstance().RemoveSink(*this); }
+
+  private:
+    void Write(const LogEntry&) override { SetLastError(++received_); }
+    DWORD received_ = 0;
+};
+
 }  // namespace
 
 TEST(SetDriveLetterAssign, GivesTheFirstFreeLetter) {
@@ -216,6 +227,17 @@ TEST(SetDriveLetterQuery, PlatformThatCannotTellIsAnErrorInTheWordsOfTheDeletion
                                      " DeleteDriveLetter error. hResult = {long -2147212283}"
                                      " m_cDriveLetter = {char 0} GetLastError = {ulong 2}\n");
     EXPECT_EQ(session.Left(1), Holdings());
+}
+
+TEST(SetDriveLetterQuery, TellsTheErrorOfTheCallAndNotOneThatCameLater) {
+    VdsSession session(WithLetters(""));
+    const FailingLog log;
+    EXPECT_FALSE(session->SetDriveLetter(1, FLAG_QUERY));
+    const std::vector<LogEntry> records = session.pc.journal.Records();
+    // The last two are about the call that failed.
+    const size_t beforeTheCall = records.size() - 2;
+    EXPECT_EQ(session.Records().substr(session.Records().rfind("GetLastError = ")),
+              "GetLastError = {ulong " + std::to_string(beforeTheCall) + "}\n");
 }
 
 TEST(SetDriveLetter, EachTypeOfTheListMayBeLettered) {
