@@ -69,6 +69,18 @@ struct OpenedFile {
     static void Release(Type value) { CloseHandle(value); }
 };
 
+struct StartedProcess {
+    using Type = HANDLE;
+    static Type None() { return nullptr; }
+    static void Release(Type value) { CloseHandle(value); }
+};
+
+struct OpenedKey {
+    using Type = HKEY;
+    static Type None() { return nullptr; }
+    static void Release(Type value) { RegCloseKey(value); }
+};
+
 struct DeviceInfoList {
     using Type = HDEVINFO;
     static Type None() { return INVALID_HANDLE_VALUE; }
@@ -81,6 +93,8 @@ template <typename Content>
 using GlobalBuffer = Owner<GlobalMemory<Content>>;  // of GlobalAlloc, fixed memory
 using Bstr = Owner<SystemString>;
 using FileHandle = Owner<OpenedFile>;
+using ProcessHandle = Owner<StartedProcess>;
+using RegistryKey = Owner<OpenedKey>;
 using DeviceInfoSet = Owner<DeviceInfoList>;
 
 // The result of a call that hands out an interface: E_INVALIDARG for a success that came without one.

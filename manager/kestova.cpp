@@ -23,12 +23,6 @@ void Destroy(Owned*& owned) {
     owned = nullptr;
 }
 
-void FreeBuffers(std::map<WCHAR, tagDeviceData_t>& devices) {
-    for (auto& [letter, data] : devices)
-        delete[] data.pData;
-    devices.clear();
-}
-
 }  // namespace
 
 Kestova::Kestova() {
@@ -73,11 +67,4 @@ WideString Kestova::StringFormat(const WCHAR* format, ...) {
     FormatBounded(buffer.data(), buffer.size(), format, arguments);
     va_end(arguments);
     return buffer.data();
-}
-
-void Kestova::CleanMap() {
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::CleanMap\tStart"));
-    FreeBuffers(m_mapPEDrive);
-    FreeBuffers(m_mapWinDrive);
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::CleanMap\tEnd"));
 }

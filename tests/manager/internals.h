@@ -33,6 +33,12 @@ using StatusTest = int (Kestova::*)(int);
 using Recognition = int (Kestova::*)(int, int, int&);
 using PartitionSearch = int (Kestova::*)(int&, int&, int&);
 using IniSearch = int (Kestova::*)(WCHAR*, DWORD);
+using CommandRun = int (Kestova::*)(const WCHAR*);
+using HiveSwitch = int (Kestova::*)();
+using KeyQuery = int (Kestova::*)(WCHAR*);
+using Translation = int (Kestova::*)(WCHAR, WCHAR&);
+using MapCleaning = void (Kestova::*)();
+using LetterMap = std::map<WCHAR, tagDeviceData_t> Kestova::*;
 
 OPEN_PRIVATE_MEMBER(EncryptionLayerTag, EncryptionLayer, m_pEncryptVolume);
 OPEN_PRIVATE_MEMBER(VolumeLayerTag, VolumeLayer, m_pVDSPartition);
@@ -50,6 +56,14 @@ OPEN_PRIVATE_MEMBER(IsExistRecoveryPartitionTag, PartitionSearch, IsExistRecover
 OPEN_PRIVATE_MEMBER(IsWinREPartitionTag, Recognition, IsWinREPartition);
 OPEN_PRIVATE_MEMBER(IsExistWinREPartitionTag, PartitionSearch, IsExistWinREPartition);
 OPEN_PRIVATE_MEMBER(GetSystemVolumeIniTag, IniSearch, GetSystemVolumeIni);
+OPEN_PRIVATE_MEMBER(LoadRegistryTag, CommandRun, LoadRegistry);
+OPEN_PRIVATE_MEMBER(LoadWindowsRegistryTag, HiveSwitch, LoadWindowsRegistry);
+OPEN_PRIVATE_MEMBER(UnloadWindowsRegistryTag, HiveSwitch, UnloadWindowsRegistry);
+OPEN_PRIVATE_MEMBER(ReadRegistryTag, KeyQuery, ReadRegistry);
+OPEN_PRIVATE_MEMBER(TransformDriveLetterTag, Translation, TransformDriveLetter);
+OPEN_PRIVATE_MEMBER(CleanMapTag, MapCleaning, CleanMap);
+OPEN_PRIVATE_MEMBER(WinDriveMapTag, LetterMap, m_mapWinDrive);
+OPEN_PRIVATE_MEMBER(PEDriveMapTag, LetterMap, m_mapPEDrive);
 
 #undef OPEN_PRIVATE_MEMBER
 

@@ -1,0 +1,159 @@
+// Which disk and partition the installed Windows' letters stand for: both systems remember, for each letter,
+// the data that identify its volume.
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <new>
+
+#include "device/owners.h"
+#include "diag/log_record.h"
+#include "diag/module.h"
+#include "manager/kestova.h"
+#include "text/format.h"
+#include "text/wide_string.h"
+
+namespace {
+
+using DeviceMap = std::map<WCHAR, tagDeviceData_t>;
+
+constexpr const WCHAR* runningSystemKey = TEXT("SYSTEM\\MountedDevices");
+constexpr const WCHAR* installedWindowsKey = TEXT("TEMSYSTEM\\MountedDevices");
+constexpr const WCHAR* letterText =
+    TEXT("Kestova::GetWinDriveLetters      cWindowsDriveLetter is %c   cWinPEDriveLetter is %c");
+constexpr const WCHAR* recordText =
+    TEXT("Kestova::GetWinDriveLetters      iDiskNum is %d     iPartNum is %d   cDriveLetter is %c");
+
+// The data of a value, which may have none; null when there is no such value or it could not be read.
+std::unique_ptr<BYTE[]> ReadValue(HKEY key, const WCHAR* name, DWORD& length) {
+    if (RegQueryValueExW(key, name, nullptr, nullptr, nullptr, &length) != ERROR_SUCCESS) return nullptr;
+    std::unique_ptr<BYTE[]> data(new (std::nothrow) BYTE[length]());
+    DWORD room = length;
+    const bool read =
+        data && RegQueryValueExW(key, name, nullptr, nullptr, data.get(), &room) == ERROR_SUCCESS;
+    return read ? std::move(data) : nullptr;
+}
+
+// Adds the letters that the map does not have.
+void ReadLetters(HKEY key, DeviceMap& devices) {
+    for (WCHAR letter = TEXT('A'); letter <= TEXT('Z'); ++letter) {
+        WCHAR name[32];
+        FormatInto(name, std::size(name), TEXT("\\DosDevices\\%c:"), letter);
+        DWORD length = 0;
+        std::unique_ptr<BYTE[]> data = ReadValue(key, name, length);
+        if (!data) continue;
+        const auto [place, added] = devices.try_emplace(letter, tagDeviceData_t{nullptr, length});
+        if (added) place->second.pData = data.release();
+    }
+}
+
+bool IsSameVolume(const tagDeviceData_t& left, const tagDeviceData_t& right) {
+    return std::equal(left.pData, left.pData + left.dwLength, right.pData, right.pData + right.dwLength);
+}
+
+void FreeBuffers(DeviceMap& devices) {
+    for (auto& [letter, data] : devices)
+        delete[] data.pData;
+    devices.clear();
+}
+
+}  // namespace
+
+int Kestova::ReadRegistry(WCHAR* sRegisterPath) {
+    LogRecord(LOG_LEVEL_TRACE)
+        .Text(TEXT("Kestova::ReadRegistry Start. sRegisterPath = "))
+        .Text(sRegisterPath);
+
+    const auto read = [&]() -> int {
+        if (sRegisterPath == nullptr) return FALSE;
+        RegistryKey key;
+        if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, sRegisterPath, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
+            return FALSE;
+        const bool isRunningSystem = EqualIgnoringCase(sRegisterPath, runningSystemKey);
+        ReadLetters(key.Get(), isRunningSystem ? m_mapPEDrive : m_mapWinDrive);
+        return TRUE;
+    };
+
+    const int bResult = read();
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::ReadRegistry End. bResult = ")).Int(bResult);
+    return bResult;
+}
+
+int Kestova::TransformDriveLetter(WCHAR cWindowsDriveLetter, WCHAR& cWinPEDriveLetter) {
+    LogRecord(LOG_LEVEL_TRACE)
+        .Text(TEXT("Kestova::TransformDriveLetter  cWindowsDriveLetter: "))
+        .Char(cWindowsDriveLetter);
+    const auto installed = m_mapWinDrive.find(cWindowsDriveLetter);
+    const bool isKnown = installed != m_mapWinDrive.end();
+    if (!isKnown) LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::TransformDriveLetter\t\tFALSE"));
+    for (auto running = m_mapPEDrive.begin(); isKnown && running != m_mapPEDrive.end(); ++running) {
+        if (IsSameVolume(running->second, installed->second)) {
+            cWinPEDriveLetter = running->first;
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT("Kestova::TransformDriveLetter  cWinPEDriveLetter: "))
+                .Char(cWinPEDriveLetter);
+            break;
+        }
+        cWinPEDriveLetter = TEXT('0');
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::TransformDriveLetter\t\tcWinPEDriveLetter is 0"));
+    }
+    LogRecord(LOG_LEVEL_TRACE)
+        .Text(TEXT("Kestova::TransformDriveLetter  cWindowsDriveLetter: "))
+        .Char(cWindowsDriveLetter);
+    return isKnown;
+}
+
+int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
+    ModuleContext context;
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters\t\tStart"));
+    CleanMap();
+
+    const auto readBothSystems = [&]() -> int {
+        if (!ReadRegistry(WideString(runningSystemKey).data())) {
+            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail."));
+            return FALSE;
+        }
+        if (!LoadWindowsRegistry()) {
+            LogRecord(LOG_LEVEL_ERROR)
+                .Text(TEXT("Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed."));
+            return FALSE;
+        }
+        if (!ReadRegistry(WideString(installedWindowsKey).data())) {
+            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters Read WINDOWS Registry fail."));
+            return FALSE;
+        }
+        return TRUE;
+    };
+
+    const auto fillRecords = [&]() -> int {
+        int filled = 0;
+        for (const auto& [letter, data] : m_mapWinDrive) {
+            WCHAR running = TEXT('0');
+            const int known = TransformDriveLetter(letter, running);
+            LogRecord(LOG_LEVEL_TRACE).String(StringFormat(letterText, letter, running));
+            if (!known || running == TEXT('0')) continue;
+            if (filled >= count) return FALSE;
+            tagDriveInfo_t& record = records[filled++];
+            record = {GetDiskNumber(running), GetPartNumber(running), letter};
+            LogRecord(LOG_LEVEL_TRACE)
+                .String(StringFormat(recordText, record.iDiskNum, record.iPartNum, record.cDriveLetter));
+        }
+        return TRUE;
+    };
+
+    int bResult = records != nullptr && readBothSystems() && fillRecords();
+    if (!UnloadWindowsRegistry()) {
+        LogRecord(LOG_LEVEL_ERROR)
+            .Text(TEXT("Kestova::GetWinDriveLetters\t\tUnload Windows Registry failed."));
+        bResult = FALSE;
+    }
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters\t\tEnd"));
+    return bResult;
+}
+
+void Kestova::CleanMap() {
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::CleanMap\tStart"));
+    FreeBuffers(m_mapPEDrive);
+    FreeBuffers(m_mapWinDrive);
+    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::CleanMap\tEnd"));
+}
