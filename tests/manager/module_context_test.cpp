@@ -70,6 +70,7 @@ constexpr Operation current[] = {
     {"GetRCVUFD", [](Kestova& kestova) { kestova.GetRCVUFD(); }},
     {"IsWindowsRE", [](Kestova& kestova) { kestova.IsWindowsRE(TEXT('C')); }},
     {"IsVistaOS", [](Kestova& kestova) { kestova.IsVistaOS(TEXT('C')); }},
+    {"GetWinDriveLetters", [](Kestova& kestova) { kestova.GetWinDriveLetters(nullptr, 0); }},
     {"SetRcvprtActive", [](Kestova& kestova) { kestova.SetRcvprtActive(); }},
     {"SetSystemActive", [](Kestova& kestova) { kestova.SetSystemActive(); }},
     {"SetPOneActive", [](Kestova& kestova) { kestova.SetPOneActive(); }},

@@ -1,0 +1,114 @@
+// Every platform call of the translation of letters fails: each place once, from there on for good, and after
+// its effect. Whatever fails, the letters that are told are right, a failure is told and logged, the batch
+// file and the hive are gone when they can be, and nothing stays on loan but what a failing close keeps.
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "machine/core/utf.h"
+#include "tests/faults/fault_walk.h"
+#include "tests/support/application/two_systems.h"
+
+namespace {
+
+using machine::EmulatedPc;
+using machine::FaultRule;
+
+constexpr int capacity = 4;
+
+struct Translation {
+    EmulatedPc pc{TwoSystems()};
+    Kestova kestova;
+    tagDriveInfo_t records[capacity] = {};
+
+    Translation() { pc.journal.Clear(); }
+    int Translate() { return kestova.GetWinDriveLetters(records, capacity); }
+    std::set<std::string> LogTexts() const {
+        std::set<std::string> texts;
+        for (const LogEntry& entry : pc.journal.Records())
+            texts.insert(machine::ToUtf8(entry.Text()));
+        return texts;
+    }
+};
+
+std::vector<PlaceToFail> Places() {
+    Translation run;
+    EXPECT_EQ(run.Translate(), 1);
+    return PlacesToFail(run.pc.journal);
+}
+
+// One of these stands in the log of every translation that failed.
+bool TellsFailure(const std::set<std::string>& records) {
+    for (const char* const text : {"Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail.",
+                                   "Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed.",
+                                   "Kestova::GetWinDriveLetters Read WINDOWS Registry fail.",
+                                   "Kestova::GetWinDriveLetters\t\tUnload Windows Registry failed."}) {
+        if (records.contains(text)) return true;
+    }
+    return false;
+}
+
+// A letter that is told stands for its partition, or for a volume that could not be asked.
+void ExpectTrueRecords(const Translation& run) {
+    for (const tagDriveInfo_t& record : run.records) {
+        if (record.cDriveLetter == 0) continue;
+        const int partition = record.cDriveLetter == TEXT('C') ? 2 : 3;
+        EXPECT_TRUE(record.iDiskNum == 0 || record.iDiskNum == 255) << record.iDiskNum;
+        EXPECT_TRUE(record.iPartNum == partition || record.iPartNum == 0) << record.iPartNum;
+    }
+}
+
+void ExpectCleanPc(const Translation& run, const FaultRule& rule) {
+    EXPECT_TRUE(run.pc.ledger.Violations().empty());
+    // `reg` cannot unload below a key that did not close, and does so unnoticed.
+    const bool hiveMayStay = rule.onwards || rule.call == "RegCloseKey";
+    EXPECT_TRUE(hiveMayStay || !IsHiveMounted(run.pc));
+    const bool fileMayStay = rule.call == "DeleteFileW" || rule.call == "PathFileExistsW";
+    EXPECT_TRUE(fileMayStay || BatchFile(run.pc) == nullptr);
+    std::set<std::string> kept;
+    if (IsHiveMounted(run.pc)) kept.insert("mounted hive");
+    if (rule.call == "CloseHandle") kept.insert({"file handle", "process handle"});
+    if (rule.call == "RegCloseKey") kept.insert("registry key");
+    for (const auto& [kind, count] : run.pc.ledger.Outstanding())
+        EXPECT_TRUE(kept.contains(kind)) << count << " " << kind;
+}
+
+TEST(DriveLetterFaults, TellOnlyWhatIsTrueAndLeaveNothingBehind) {
+    const std::vector<PlaceToFail> places = Places();
+    ASSERT_GT(places.size(), 80U);
+    for (const PlaceToFail& place : places) {
+        for (const FaultRule& rule : WaysToFail(place)) {
+            SCOPED_TRACE(ToText(rule));
+            Translation run;
+            run.pc.faults.Arm(rule);
+            const int result = run.Translate();
+            EXPECT_GT(run.pc.faults.Fired(), 0);
+            EXPECT_EQ(result, TellsFailure(run.LogTexts()) ? 0 : 1);
+            EXPECT_EQ(machine::ToUtf8(run.pc.journal.Records().back().Text()),
+                      "Kestova::GetWinDriveLetters\t\tEnd");
+            EXPECT_LE(run.pc.clockMilliseconds, 61'800U);
+            ExpectTrueRecords(run);
+            ExpectCleanPc(run, rule);
+        }
+    }
+}
+
+// What failed once and is tried again does not show.
+TEST(DriveLetterFaults, AreRetriedWhereABatchIsConcerned) {
+    for (const PlaceToFail& place : Places()) {
+        const bool isBatch = place.call == "WriteFile" || place.call == "ShellExecuteExW" ||
+                             place.call == "WaitForSingleObject" || place.call == "WideCharToMultiByte";
+        if (!isBatch) continue;
+        const FaultRule once = WaysToFail(place).front();
+        SCOPED_TRACE(ToText(once));
+        Translation run;
+        run.pc.faults.Arm(once);
+        EXPECT_EQ(run.Translate(), 1);
+        EXPECT_EQ(run.records[0].cDriveLetter, TEXT('C'));
+        EXPECT_EQ(run.records[1].cDriveLetter, TEXT('D'));
+        EXPECT_EQ(run.pc.clockMilliseconds, 2U * 50U + 300U);
+    }
+}
+
+}  // namespace
