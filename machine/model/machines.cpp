@@ -8,6 +8,8 @@ namespace {
 
 constexpr uint64_t MiB = 1024 * 1024;
 constexpr uint64_t GiB = 1024 * MiB;
+constexpr uint32_t lockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
+constexpr uint32_t xtsAes128 = 6;              // of Win32_EncryptableVolume
 constexpr const char* sataController = "PCI\\VEN_8086&DEV_2922&SUBSYS_20F017AA&REV_03\\3&11583659&0&FA";
 constexpr const char* cacheController = "PCI\\VEN_8086&DEV_282A&SUBSYS_20F017AA&REV_03\\3&11583659&0&FB";
 
@@ -81,6 +83,54 @@ Disk FactoryMbrDisk() {
     return disk;
 }
 
+Disk FactoryGptDisk() {
+    Disk disk = SataDisk(0, 500 * GiB, "ST500LT012_________________________SD13____", sataController);
+    disk.style = PartitionStyle::Gpt;
+    disk.guid = *GuidFromText("6f1f3a52-1111-4000-8000-000000000000");
+    disk.partitions = {
+        GptPartition(1, MiB, GiB, ORVOBOOT_GUID, "Maker boot",
+                     MakeVolume("", "Boot", {{"boot/", ""}}, "FAT32")),
+        GptPartition(2, MiB + GiB, GiB, PARTITION_MSFT_RECOVERY_GUID, "Windows RE",
+                     MakeVolume("", "WinRE", WindowsReFiles())),
+        GptPartition(3, MiB + 2 * GiB, GiB, PARTITION_SYSTEM_GUID, "EFI system partition",
+                     MakeVolume("", "SYSTEM", {{"EFI/Microsoft/Boot/bootmgfw.efi", "MZ"}}, "FAT32")),
+        GptPartition(4, MiB + 3 * GiB, 128 * MiB, PARTITION_MSFT_RESERVED_GUID,
+                     "Microsoft reserved partition", std::nullopt),
+        GptPartition(5, MiB + 4 * GiB, 470 * GiB, PARTITION_BASIC_DATA_GUID, "Basic data partition",
+                     MakeVolume("C", "Windows", WindowsFiles())),
+        GptPartition(6, MiB + 474 * GiB, 25 * GiB, PARTITION_MSFT_RECOVERY_GUID, "Recovery",
+                     MakeVolume("", "Recovery", RecoveryFiles())),
+    };
+    return disk;
+}
+
+// The factory disk with a data partition between Windows and recovery, which is locked.
+Disk SharedGptDisk() {
+    Volume locked = MakeVolume("D", "", {}, "RAW");
+    locked.label = Fact<std::string>::Fails(lockedVolume);
+    Disk disk = FactoryGptDisk();
+    disk.partitions[4].size = 200 * GiB;
+    disk.partitions[5] = GptPartition(6, MiB + 204 * GiB, 270 * GiB, PARTITION_BASIC_DATA_GUID,
+                                      "Basic data partition", std::move(locked));
+    disk.partitions.push_back(GptPartition(7, MiB + 474 * GiB, 25 * GiB, PARTITION_MSFT_RECOVERY_GUID,
+                                           "Recovery", MakeVolume("", "Recovery", RecoveryFiles())));
+    return disk;
+}
+
+Volume RecoveryMedium(const char* letter, DriveType driveType, const char* fileSystem, const char* flag) {
+    Volume medium = MakeVolume(letter, "Recovery", RecoveryFiles(), fileSystem);
+    medium.driveType = driveType;
+    medium.files.PutFile(flag, "");
+    return medium;
+}
+
+// A value of MountedDevices for a partition of a GPT disk.
+std::pair<const std::string, RegistryValue> MountedDevice(char letter, const Guid& partitionId) {
+    constexpr uint32_t binary = 3;
+    const std::string id(reinterpret_cast<const char*>(&partitionId), sizeof(GUID));
+    return {std::string("\\DosDevices\\") + letter + ":", {binary, "DMIO:ID:" + id}};
+}
+
 }  // namespace
 
 Disk SataDisk(uint32_t number, uint64_t size, const std::string& model, const std::string& controller) {
@@ -118,24 +168,7 @@ Pc FactoryGpt() {
     Pc pc;
     pc.name = "factory-gpt";
     pc.firmware.kind = FirmwareKind::Uefi;
-    Disk disk = SataDisk(0, 500 * GiB, "ST500LT012_________________________SD13____", sataController);
-    disk.style = PartitionStyle::Gpt;
-    disk.guid = *GuidFromText("6f1f3a52-1111-4000-8000-000000000000");
-    disk.partitions = {
-        GptPartition(1, MiB, GiB, ORVOBOOT_GUID, "Maker boot",
-                     MakeVolume("", "Boot", {{"boot/", ""}}, "FAT32")),
-        GptPartition(2, MiB + GiB, GiB, PARTITION_MSFT_RECOVERY_GUID, "Windows RE",
-                     MakeVolume("", "WinRE", WindowsReFiles())),
-        GptPartition(3, MiB + 2 * GiB, GiB, PARTITION_SYSTEM_GUID, "EFI system partition",
-                     MakeVolume("", "SYSTEM", {{"EFI/Microsoft/Boot/bootmgfw.efi", "MZ"}}, "FAT32")),
-        GptPartition(4, MiB + 3 * GiB, 128 * MiB, PARTITION_MSFT_RESERVED_GUID,
-                     "Microsoft reserved partition", std::nullopt),
-        GptPartition(5, MiB + 4 * GiB, 470 * GiB, PARTITION_BASIC_DATA_GUID, "Basic data partition",
-                     MakeVolume("C", "Windows", WindowsFiles())),
-        GptPartition(6, MiB + 474 * GiB, 25 * GiB, PARTITION_MSFT_RECOVERY_GUID, "Recovery",
-                     MakeVolume("", "Recovery", RecoveryFiles())),
-    };
-    pc.disks = {disk};
+    pc.disks = {FactoryGptDisk()};
     return pc;
 }
 
@@ -156,6 +189,32 @@ Pc WinPeTwoDisks() {
     return pc;
 }
 
+Pc WinPeMedia() {
+    Pc pc = WindowsPePc();
+    pc.name = "winpe-media";
+    pc.firmware.kind = FirmwareKind::Uefi;
+    pc.disks = {SharedGptDisk()};
+    pc.volumes.push_back(RecoveryMedium("R", DriveType::Optical, "UDF", "sources/DVD"));
+    pc.volumes.push_back(RecoveryMedium("U", DriveType::Removable, "FAT32", "sources/UFD"));
+    const Guid windows = pc.disks[0].partitions[4].gptId;
+    const Guid data = pc.disks[0].partitions[5].gptId;
+    const Guid gone = *GuidFromText("6f1f3a52-2222-4000-8000-000000000001");
+    pc.registry["HKLM\\SYSTEM\\MountedDevices"] = {MountedDevice('C', windows), MountedDevice('D', data)};
+    pc.offlineSystemHive["MountedDevices"] = {MountedDevice('C', windows), MountedDevice('E', data),
+                                              MountedDevice('F', gone)};
+    EncryptableVolume system;
+    system.deviceId = "\\\\?\\Volume{6f1f3a52-0000-4000-8000-000000000005}\\";
+    system.persistentVolumeId = "";
+    system.driveLetter = "C:";
+    EncryptableVolume locked;
+    locked.deviceId = "\\\\?\\Volume{6f1f3a52-0000-4000-8000-000000000006}\\";
+    locked.persistentVolumeId = "{6f1f3a52-3333-4000-8000-000000000006}";
+    locked.driveLetter = "D:";
+    locked.encryptionMethod = xtsAes128;
+    pc.encryptableVolumes = {system, locked};
+    return pc;
+}
+
 const std::vector<NamedMachine>& NamedMachines() {
     static const std::vector<NamedMachine> machines = {
         {"factory-mbr", "BIOS, installed Windows, MBR disk: recovery, Windows (active), data, hibernation",
@@ -165,6 +224,9 @@ const std::vector<NamedMachine>& NamedMachines() {
          FactoryGpt},
         {"winpe-two-disks", "BIOS, Windows PE from the recovery partition, a cache disk, IDE.INI",
          WinPeTwoDisks},
+        {"winpe-media",
+         "UEFI, Windows PE, GPT disk with Windows and a locked data partition, recovery disc and stick",
+         WinPeMedia},
     };
     return machines;
 }

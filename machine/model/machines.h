@@ -21,6 +21,11 @@ Pc FactoryGpt();
 // cache disk; IDE.INI beside the host program prefers the controller of disk 0.
 Pc WinPeTwoDisks();
 
+// UEFI, Windows PE. Disk 0 as FactoryGpt with 5 Windows (C:), 6 data (D:, locked by BitLocker), 7 recovery;
+// R: a recovery disc, U: a recovery stick. The installed Windows calls the data E:, and had an F: that is
+// gone.
+Pc WinPeMedia();
+
 // A PC that runs Windows PE from its RAM drive X:, and has no disks.
 Pc WindowsPePc();
 
@@ -35,7 +40,7 @@ struct NamedMachine {
     Pc (*make)();
 };
 
-// "factory-mbr", "factory-gpt", "winpe-two-disks".
+// "factory-mbr", "factory-gpt", "winpe-two-disks", "winpe-media".
 const std::vector<NamedMachine>& NamedMachines();
 
 }  // namespace machine

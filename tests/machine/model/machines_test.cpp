@@ -18,7 +18,7 @@ TEST(NamedMachines, AreMadeUnderTheirNames) {
         EXPECT_EQ(names.back(), machine.name);
         EXPECT_FALSE(machine.summary.empty());
     }
-    EXPECT_THAT(names, ElementsAre("factory-mbr", "factory-gpt", "winpe-two-disks"));
+    EXPECT_THAT(names, ElementsAre("factory-mbr", "factory-gpt", "winpe-two-disks", "winpe-media"));
 }
 
 TEST(NamedMachines, PartitionsFollowEachOtherOnTheDisk) {
@@ -77,6 +77,23 @@ TEST(WinPeTwoDisks, RunsFromTheRecoveryPartitionAndPrefersDiskZero) {
     ASSERT_NE(ini, nullptr);
     EXPECT_NE(ini->content.find(pc.disks[0].controllers.at(0)), std::string::npos);
     EXPECT_EQ(ini->content.find(pc.disks[1].controllers.at(0)), std::string::npos);
+}
+
+TEST(WinPeMedia, HasMediaALockedVolumeAndLettersOfTheInstalledWindows) {
+    const Pc pc = WinPeMedia();
+    EXPECT_EQ(UsedLetters(pc), "CDRUX");
+    const std::vector<Partition>& partitions = pc.disks.at(0).partitions;
+    ASSERT_EQ(partitions.size(), 7u);
+    EXPECT_NE(partitions[4].volume->files.Find("Windows/System32/Winload.exe"), nullptr);
+    EXPECT_FALSE(partitions[5].volume->label.value) << "locked";
+    EXPECT_NE(partitions[6].volume->files.Find("sources/Qelhdrcv.ini"), nullptr);
+    EXPECT_NE(pc.volumes.at(1).files.Find("sources/DVD"), nullptr);
+    EXPECT_NE(pc.volumes.at(2).files.Find("sources/UFD"), nullptr);
+    const auto& running = pc.registry.at("HKLM\\SYSTEM\\MountedDevices");
+    const auto& installed = pc.offlineSystemHive.at("MountedDevices");
+    EXPECT_TRUE(running.at("\\DosDevices\\D:") == installed.at("\\DosDevices\\E:"));
+    EXPECT_EQ(installed.at("\\DosDevices\\F:").data.size(), 24u);
+    EXPECT_EQ(pc.encryptableVolumes.value().at(1).driveLetter, "D:");
 }
 
 }  // namespace
