@@ -6,6 +6,7 @@
 
 #include "tools/kestova/errors.h"
 #include "tools/kestova/host.h"
+#include "tools/kestova/letters.h"
 #include "tools/kestova/report_text.h"
 #include "tools/kestova/script.h"
 #include "tools/kestova/status.h"
@@ -26,6 +27,16 @@ int Status(const CommandLine& line) {
                            std::cerr << "kestova: " << status["problem"].get<std::string>() << "\n";
                            return Failure;
                        }});
+}
+
+int Letters(const CommandLine& line) {
+    return Host(line, {.run = [&](Session& session) -> int {
+                    const Json letters = ReadLetters(session);
+                    std::cout << (line.json ? letters.dump() + "\n" : LettersText(letters));
+                    if (!letters.contains("problem")) return Done;
+                    std::cerr << "kestova: " << letters["problem"].get<std::string>() << "\n";
+                    return Failure;
+                }});
 }
 
 const std::vector<std::pair<std::string, std::string>>& BootTargets() {
@@ -132,6 +143,7 @@ const std::vector<Command>& Commands() {
     constexpr size_t any = 64;
     static const std::vector<Command> commands = {
         {"status", "", "What this PC is", 0, 0, true, false, Status},
+        {"letters", "", "What each letter of the installed Windows stands for", 0, 0, true, false, Letters},
         {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},

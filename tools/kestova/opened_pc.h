@@ -2,6 +2,7 @@
 // decided by the build; the commands cannot tell.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,6 +47,9 @@ class OpenedPc {
     InputFiles Inputs() const;
     // Platform calls and log records in order, since the last time.
     Json TakeTrace();
+    // Does what changes the PC only to find something out, and puts everything back. False, and nothing is
+    // done, where nothing can be put back.
+    bool Rehearse(const std::function<void()>& action);
     // What is different since it was opened, a text each; nothing when this build cannot tell.
     std::optional<std::vector<std::string>> Changes() const;
     // Writes the PC's description. Throws Failed.

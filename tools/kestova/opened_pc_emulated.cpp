@@ -193,6 +193,14 @@ Json OpenedPc::TakeTrace() {
     return trace;
 }
 
+// Letters are facts of the PC, whatever its volumes lie on.
+bool OpenedPc::Rehearse(const std::function<void()>& action) {
+    const Pc kept = inside_->emulated.pc;
+    action();
+    inside_->emulated.pc = kept;
+    return true;
+}
+
 std::optional<std::vector<std::string>> OpenedPc::Changes() const {
     return ::Changes(inside_->before, inside_->emulated.pc);
 }

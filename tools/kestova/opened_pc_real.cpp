@@ -45,6 +45,10 @@ Json OpenedPc::TakeTrace() {
     return Json::array();
 }
 
+bool OpenedPc::Rehearse(const std::function<void()>&) {
+    return false;
+}
+
 std::optional<std::vector<std::string>> OpenedPc::Changes() const {
     return std::nullopt;
 }

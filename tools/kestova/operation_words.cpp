@@ -38,8 +38,35 @@ Json ReadFlag(const Parameter& parameter, const std::string& word) {
     return found->second;
 }
 
+Json ReadCount(const Parameter& parameter, const std::string& word) {
+    constexpr int most = 65536;
+    const Json number = ReadNumber(parameter, word);
+    if (number < 0 || number > most) {
+        throw WrongUse(parameter.name + ": " + word + " is not from 0 to " + std::to_string(most));
+    }
+    return number;
+}
+
+// "C" or "C:", upper or lower case.
+Json ReadLetter(const Parameter& parameter, const std::string& word) {
+    const std::string letter = UpperCase(word.ends_with(':') ? word.substr(0, word.size() - 1) : word);
+    if (letter.size() != 1 || letter[0] < 'A' || letter[0] > 'Z') {
+        throw WrongUse(parameter.name + ": '" + word + "' is not a letter from A to Z");
+    }
+    return letter;
+}
+
 Json ReadValue(const Parameter& parameter, const std::string& word) {
-    return parameter.kind == Kind::Flag ? ReadFlag(parameter, word) : ReadNumber(parameter, word);
+    switch (parameter.kind) {
+        case Kind::Flag:
+            return ReadFlag(parameter, word);
+        case Kind::Count:
+            return ReadCount(parameter, word);
+        case Kind::Letter:
+            return ReadLetter(parameter, word);
+        default:
+            return ReadNumber(parameter, word);
+    }
 }
 
 std::vector<Parameter> Inputs(const Operation& operation) {
@@ -61,20 +88,27 @@ const Operation& FindOperation(std::string_view name) {
 
 std::string Usage(const Operation& operation) {
     std::string usage = operation.name;
-    for (const Parameter& parameter : Inputs(operation))
-        usage += " " + UpperCase(parameter.name);
+    for (const Parameter& parameter : Inputs(operation)) {
+        const std::string name = UpperCase(parameter.name);
+        usage += " " + (parameter.standard.is_null() ? name : "[" + name + "]");
+    }
     return usage;
 }
 
 Json ReadArguments(const Operation& operation, const std::vector<std::string>& words) {
     const std::vector<Parameter> inputs = Inputs(operation);
-    if (words.size() != inputs.size()) {
-        throw WrongUse(operation.name + " takes " + Count(inputs.size(), "argument") + ", not " +
+    const size_t fewest =
+        static_cast<size_t>(std::count_if(inputs.begin(), inputs.end(), [](const Parameter& parameter) {
+            return parameter.standard.is_null();
+        }));
+    if (words.size() < fewest || words.size() > inputs.size()) {
+        const std::string least = fewest < inputs.size() ? std::to_string(fewest) + " to " : "";
+        throw WrongUse(operation.name + " takes " + least + Count(inputs.size(), "argument") + ", not " +
                        std::to_string(words.size()) + ": " + Usage(operation));
     }
     Json arguments = Json::object();
     for (size_t i = 0; i < inputs.size(); ++i)
-        arguments[inputs[i].name] = ReadValue(inputs[i], words[i]);
+        arguments[inputs[i].name] = i < words.size() ? ReadValue(inputs[i], words[i]) : inputs[i].standard;
     return arguments;
 }
 

@@ -9,8 +9,9 @@
 #include "manager/kestova.h"
 #include "tools/kestova/json.h"
 
-// How an argument is written: true or false, or a number.
-enum class Kind { Flag, Number };
+// How a value is written: true or false; a number; a number of things, from 0 to 65536; a letter, or '0' for
+// none; a text; a list of objects. Arguments are of the first four kinds.
+enum class Kind { Flag, Number, Count, Letter, Text, List };
 
 // A value in words.
 struct Meaning {
@@ -25,6 +26,7 @@ struct Parameter {
     const char* words = "";
     bool output = false;
     std::vector<Meaning> meanings = {};
+    Json standard = nullptr;  // of an argument that may be left out; only the last ones may
 };
 
 struct Operation {
@@ -34,16 +36,18 @@ struct Operation {
     std::vector<Meaning> results = {};
     const char* otherwise = "";  // any other result, in words; empty when there is none
     bool changesPc = false;
-    // Answers the result. `arguments` has every input by name; outputs are put under theirs.
+    // Answers the result, null for an operation without one. `arguments` has every input by name; outputs are
+    // put under theirs.
     Json (*invoke)(Kestova& object, const Json& arguments, Json& outputs) = nullptr;
 };
 
+// In the order of the class.
 const std::vector<Operation>& Operations();
 
 // The operation of that name, which must be spelled exactly. Throws WrongUse that suggests the nearest one.
 const Operation& FindOperation(std::string_view name);
 
-// "GetDriveLetter DISK PARTITION".
+// "GetDriveLetter DISK PARTITION", with what may be left out in brackets.
 std::string Usage(const Operation& operation);
 
 // The arguments by name, from the words that follow the operation's. Throws WrongUse.

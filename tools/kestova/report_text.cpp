@@ -4,9 +4,23 @@
 
 namespace {
 
-// Texts as they stand, everything else as in JSON.
+// The letters of a record: "C: disk 0, partition 2".
+std::string RecordText(const Json& record) {
+    return record["cDriveLetter"].get<std::string>() + ": disk " + record["iDiskNum"].dump() +
+           ", partition " + record["iPartNum"].dump();
+}
+
+// Texts as they stand, lists in words, everything else as in JSON.
 std::string Plain(const Json& value) {
-    return value.is_string() ? value.get<std::string>() : value.dump();
+    if (value.is_array()) {
+        std::string text;
+        for (const Json& record : value)
+            text += (text.empty() ? "" : "; ") + RecordText(record);
+        return text.empty() ? "none" : text;
+    }
+    if (!value.is_string()) return value.dump();
+    const std::string& text = value.get_ref<const std::string&>();
+    return text == std::string(1, '\0') ? "NUL" : text;
 }
 
 std::string Joined(const Json& values) {
@@ -39,12 +53,41 @@ Json MeaningsJson(const std::vector<Meaning>& meanings) {
     return json;
 }
 
+const char* KindName(Kind kind) {
+    switch (kind) {
+        case Kind::Flag:
+            return "flag";
+        case Kind::Letter:
+            return "letter";
+        case Kind::Text:
+            return "text";
+        case Kind::List:
+            return "list";
+        default:
+            return "number";
+    }
+}
+
 Json ParameterJson(const Parameter& parameter) {
-    return {{"name", parameter.name},
-            {"kind", parameter.kind == Kind::Flag ? "flag" : "number"},
-            {"direction", parameter.output ? "out" : "in"},
-            {"words", parameter.words},
-            {"values", MeaningsJson(parameter.meanings)}};
+    Json json = {{"name", parameter.name},
+                 {"kind", KindName(parameter.kind)},
+                 {"direction", parameter.output ? "out" : "in"},
+                 {"words", parameter.words},
+                 {"values", MeaningsJson(parameter.meanings)}};
+    if (!parameter.standard.is_null()) json["default"] = parameter.standard;
+    return json;
+}
+
+// "(0, 2) = C: its letter"; an operation without a result has nothing after its arguments.
+std::string CallText(const Operation& operation, const Json& report) {
+    const std::string arguments = "(" + Joined(report["arguments"]) + ")";
+    if (report["result"].is_null()) return arguments;
+    return arguments + " = " + ValueText(report["result"], operation.results, operation.otherwise);
+}
+
+// What stands behind the words of an argument that may be left out.
+std::string StandardText(const Parameter& parameter) {
+    return parameter.standard.is_null() ? "" : "; " + parameter.standard.dump() + " when left out";
 }
 
 std::vector<std::vector<std::string>> MeaningRows(const std::vector<Meaning>& meanings) {
@@ -65,8 +108,7 @@ std::string TraceText(const Json& report) {
 }
 
 std::string ReportText(const Operation& operation, const Json& report) {
-    std::string text = TraceText(report) + operation.name + "(" + Joined(report["arguments"]) +
-                       ") = " + ValueText(report["result"], operation.results, operation.otherwise) + "\n";
+    std::string text = TraceText(report) + operation.name + CallText(operation, report) + "\n";
     for (const Parameter& parameter : operation.parameters) {
         if (!parameter.output) continue;
         text += "  " + parameter.name + " = " +
@@ -84,10 +126,11 @@ std::string ResultsText(const Operation& operation, const std::string& indent) {
 std::string OperationText(const Operation& operation) {
     std::string text = Usage(operation) + "\n  " + operation.summary + "\n";
     for (const Parameter& parameter : operation.parameters) {
-        text += "  " + parameter.name + (parameter.output ? " (output): " : ": ") + parameter.words + "\n" +
-                Table(MeaningRows(parameter.meanings), "    ");
+        text += "  " + parameter.name + (parameter.output ? " (output): " : ": ") + parameter.words +
+                StandardText(parameter) + "\n" + Table(MeaningRows(parameter.meanings), "    ");
     }
-    return text + "  result:\n" + ResultsText(operation, "    ");
+    const std::string results = ResultsText(operation, "    ");
+    return text + (results.empty() ? "  without a result\n" : "  result:\n" + results);
 }
 
 Json OperationJson(const Operation& operation) {

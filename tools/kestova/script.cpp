@@ -21,7 +21,7 @@ std::vector<std::string> Words(const std::string& line) {
 
 // The commands of the program are no operations, but are easily taken for them.
 PlannedCall Plan(const std::vector<std::string>& words) {
-    if (words.front() == "status" || words.front() == "boot") {
+    if (words.front() == "status" || words.front() == "letters" || words.front() == "boot") {
         throw WrongUse("'" + words.front() +
                        "' is a command; only operations stand in a script (kestova operations lists them)");
     }

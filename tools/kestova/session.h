@@ -54,6 +54,7 @@ class Session {
     Json Destroy();
 
     Kestova& Object() { return *object_; }
+    OpenedPc& OnPc() { return pc_; }
 
   private:
     Json Report(const std::string& name, const Json& arguments,

@@ -6,6 +6,7 @@
 #include "machine/core/utf.h"
 #include "tools/kestova/disk_layout.h"
 #include "tools/kestova/operations.h"
+#include "tools/kestova/partition_roles.h"
 #include "tools/kestova/partition_words.h"
 #include "tools/kestova/text.h"
 
@@ -166,6 +167,7 @@ Json ReadStatus(Session& session, bool initialize) {
         status[key] = nullptr;
     status["partitions"] = Json::array();
     AddDisk(session.Object(), status, problems);
+    AddRoles(session, status);
     if (!problems.Text().empty()) status["problem"] = problems.Text();
     return status;
 }

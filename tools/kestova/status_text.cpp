@@ -1,5 +1,6 @@
 #include <vector>
 
+#include "tools/kestova/partition_roles.h"
 #include "tools/kestova/status.h"
 #include "tools/kestova/text.h"
 
@@ -17,7 +18,19 @@ std::vector<std::string> PartitionRow(const Json& partition) {
             partition["active"].get<bool>() ? "active" : "-",
             Or(partition["letter"], "-"),
             Or(partition["label"], "-"),
-            Or(partition["fileSystem"], "-")};
+            Or(partition["fileSystem"], "-"),
+            partition["hide"].get<bool>() ? "hide" : "-",
+            RolesText(partition)};
+}
+
+std::string WindowsText(const Json& windows) {
+    if (windows.is_null()) return "not found";
+    return windows["letter"].get<std::string>() + ": disk " + windows["disk"].dump() + ", partition " +
+           windows["partition"].dump();
+}
+
+std::string EncryptedText(const Json& letters) {
+    return letters == "" ? "none" : Or(letters, "BitLocker cannot be asked");
 }
 
 // Without a number there is none only where every flag could be read.
@@ -35,11 +48,17 @@ std::string StatusText(const Json& status) {
                {"Windows directory", Or(status["windowsDirectory"], "unknown")},
                {"Internal disk", Or(status["internalDisk"], "unknown")},
                {"Partition style", Or(status["style"], "-")},
-               {"Active partition", Or(status["activePartition"], ActivePartitionWord(status))}},
+               {"Active partition", Or(status["activePartition"], ActivePartitionWord(status))},
+               {"Layout", status["layoutName"].get<std::string>()},
+               {"Installed Windows", WindowsText(status["windows"])},
+               {"Encrypted volumes", EncryptedText(status["encryptedVolumes"])},
+               {"Recovery disc", Or(status["recoveryDisc"], "none")},
+               {"Recovery stick", Or(status["recoveryStick"], "none")},
+               {"Cache partition", status["cachePartition"].get<bool>() ? "yes" : "no"}},
               "");
     if (status["partitions"].empty()) return text;
     std::vector<std::vector<std::string>> rows = {
-        {"#", "Size", "Type", "Active", "Letter", "Label", "File system"}};
+        {"#", "Size", "Type", "Active", "Letter", "Label", "File system", "Hide", "Role: reason"}};
     for (const Json& partition : status["partitions"])
         rows.push_back(PartitionRow(partition));
     return text + "\n" + Table(rows, "  ");
