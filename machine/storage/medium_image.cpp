@@ -5,7 +5,6 @@
 #include "machine/core/letters.h"
 #include "machine/storage/given_images.h"
 #include "machine/storage/image_table.h"
-#include "machine/storage/read_only_volume.h"
 #include "machine/storage/volume_image.h"
 
 namespace machine {
@@ -14,11 +13,11 @@ namespace {
 
 using SharedImage = std::shared_ptr<ImageFile>;
 
-// Everything on a disc is found from its root; when that cannot be read, nothing can.
+// A volume that cannot be read has no root folder either.
 void CheckIsReadable(const ImageFile& image, const Volume& volume) {
-    const auto* const store = dynamic_cast<const ReadOnlyVolume*>(volume.store.get());
-    if (store != nullptr && !store->IsReadable())
-        throw image.Error("the " + volume.fileSystem + " volume is damaged, or the image is truncated");
+    if (volume.store->Find("") != FileKind::Folder)
+        throw image.Error("its " + volume.fileSystem +
+                          " file system is damaged, truncated, or of a kind that is not read here");
 }
 
 Volume DiscOn(const SharedImage& image) {

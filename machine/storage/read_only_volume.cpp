@@ -8,10 +8,6 @@
 
 namespace machine {
 
-bool ReadOnlyVolume::IsReadable() const {
-    return List(Root()).has_value();
-}
-
 uint32_t ReadOnlyVolume::Look(std::string_view path, Entry& found) const {
     found = Root();
     for (const std::string& name : NamesOf(path)) {
@@ -29,7 +25,7 @@ uint32_t ReadOnlyVolume::Look(std::string_view path, Entry& found) const {
 
 FileKind ReadOnlyVolume::Find(std::string_view path) {
     Entry found;
-    if (Look(path, found) != 0) return FileKind::None;
+    if (!IsReadable() || Look(path, found) != 0) return FileKind::None;
     return found.isFolder ? FileKind::Folder : FileKind::File;
 }
 

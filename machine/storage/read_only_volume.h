@@ -11,11 +11,8 @@ namespace machine {
 
 class ReadOnlyVolume : public FileStore {
   public:
-    // Whether the root folder can be read.
-    bool IsReadable() const;
-
-    // On a damaged volume there is nothing to find. Besides the codes of FileStore: 5 for a folder, 1392 when
-    // the volume or the file is damaged. Write and Remove answer 19.
+    // On a damaged volume there is nothing to find, not even the root. Besides the codes of FileStore: 5 for
+    // a folder, 1392 when the volume or the file is damaged. Write and Remove answer 19.
     FileKind Find(std::string_view path) final;
     uint32_t Read(std::string_view path, std::string& content) final;
     uint32_t Write(std::string_view path, std::string_view content) final;
@@ -29,6 +26,8 @@ class ReadOnlyVolume : public FileStore {
         uint64_t place = 0;  // where the file system finds the content
         uint64_t size = 0;   // bytes
     };
+
+    bool IsReadable() const { return List(Root()).has_value(); }
 
     virtual Entry Root() const = 0;
     // What lies in the folder, except itself and its parent; nothing when it is damaged.

@@ -11,32 +11,23 @@ namespace {
 constexpr uint64_t sectorSize = 2048;
 constexpr uint64_t longestFolder = 16ULL * 1024 * 1024;
 constexpr uint64_t mostDescriptors = 64;
-constexpr size_t mostExtents = 65536;
-constexpr size_t mostContinuations = 256;
 
 // What a descriptor is, in its first two bytes.
 constexpr uint16_t tagAnchor = 2;
 constexpr uint16_t tagPartition = 5;
 constexpr uint16_t tagLogicalVolume = 6;
-constexpr uint16_t tagEnd = 8;
 constexpr uint16_t tagFileSet = 256;
 constexpr uint16_t tagFileIdentifier = 257;
-constexpr uint16_t tagAllocationExtent = 258;
 constexpr uint16_t tagFileEntry = 261;
 constexpr uint16_t tagExtendedFileEntry = 266;
 
 constexpr uint8_t typeFolder = 4;
 constexpr uint8_t typeFile = 5;
-constexpr uint8_t typeMetadata = 250;
 
-// How a file entry writes down where the file lies.
-constexpr uint8_t formShort = 0;
-constexpr uint8_t formLong = 1;
-constexpr uint8_t formInside = 3;
-
-// What an extent is, in the highest bits of its length.
-constexpr uint32_t kindRecorded = 0;
-constexpr uint32_t kindContinuation = 3;
+// How a file entry writes down where the file lies: in descriptors of extents, or the file itself.
+constexpr uint16_t formShort = 0;
+constexpr uint16_t formLong = 1;
+constexpr uint16_t formInside = 3;
 
 constexpr uint8_t flagFolder = 0x02;
 constexpr uint8_t flagDeleted = 0x04;
@@ -44,7 +35,7 @@ constexpr uint8_t flagParent = 0x08;
 
 constexpr size_t identifierHeader = 38;
 
-// The sum of the tag's bytes, its own left out.
+// The tag's fifth byte is the sum of its others.
 bool IsTag(std::string_view bytes, uint16_t tag) {
     uint8_t sum = 0;
     for (size_t i = 0; i < 16; ++i)
@@ -65,11 +56,14 @@ std::string NameOf(std::string_view bytes) {
     return ToUtf8(name);
 }
 
-uint64_t PlaceOf(uint16_t partition, uint32_t block) {
-    return uint64_t{partition} << 32 | block;
-}
-
 }  // namespace
+
+struct UdfVolume::FileEntry {
+    uint8_t type = 0;
+    uint64_t size = 0;  // bytes
+    uint16_t form = formShort;
+    std::string allocation;  // the descriptors, or the file itself
+};
 
 // --- the way to the root folder
 // ------------------------------------------------------------------------------------
@@ -84,114 +78,51 @@ std::optional<std::string> UdfVolume::ReadSector(uint64_t sector, uint16_t tag) 
     return bytes && IsTag(*bytes, tag) ? bytes : std::nullopt;
 }
 
+// The anchor can stand in three places, and leads to two sequences of the same descriptors.
 void UdfVolume::ReadDescriptors() {
     const uint64_t sectors = bytes_.Size() / sectorSize;
-    for (const uint64_t anchorSector : {uint64_t{256}, sectors - 1, sectors - 257}) {
-        const auto anchor = ReadSector(anchorSector, tagAnchor);
-        // The descriptors are there twice.
+    for (const uint64_t place : {uint64_t{256}, sectors - 1, sectors - 257}) {
+        const auto anchor = ReadSector(place, tagAnchor);
+        if (!anchor) continue;
         for (const size_t sequence : {16, 24}) {
-            if (!anchor) break;
-            const uint64_t count = std::min(Le32(*anchor, sequence) / sectorSize, mostDescriptors);
-            const uint64_t first = Le32(*anchor, sequence + 4);
-            std::optional<std::string> partition;
-            std::optional<std::string> logicalVolume;
-            for (uint64_t sector = first; sector < first + count && !ReadSector(sector, tagEnd); ++sector) {
-                if (!partition) partition = ReadSector(sector, tagPartition);
-                if (!logicalVolume) logicalVolume = ReadSector(sector, tagLogicalVolume);
-            }
-            if (partition && logicalVolume && ReadPartitions(*logicalVolume, *partition) &&
-                ReadRoot(*logicalVolume)) {
-                return;
-            }
+            if (ReadSequence(Le32(*anchor, sequence + 4), Le32(*anchor, sequence) / sectorSize)) return;
         }
     }
-    partitions_.clear();
+    sectors_ = 0;
 }
 
-bool UdfVolume::ReadPartitions(std::string_view logicalVolume, std::string_view physicalPartition) {
-    constexpr size_t maps = 440;
-    if (Le32(logicalVolume, 212) != sectorSize) return false;
-    const Partition physical = {Le32(physicalPartition, 188), Le32(physicalPartition, 192), {}};
-    const uint16_t number = Le16(physicalPartition, 22);
-    partitions_.clear();
-    for (size_t at = maps; partitions_.size() < Le32(logicalVolume, 268);) {
-        const std::string_view map = logicalVolume.substr(std::min(at, logicalVolume.size()));
-        const size_t length = Byte(map, 1);
-        if (Byte(map, 0) == 1 && length == 6 && Le16(map, 4) == number) {
-            partitions_.push_back(physical);
-        } else if (Byte(map, 0) == 2 && length == 64 && map.size() >= length &&
-                   map.substr(5, 23) == "*UDF Metadata Partition" && !partitions_.empty()) {
-            const auto file = ReadFileEntry(0, Le32(map, 40));
-            if (!file || file->type != typeMetadata || file->extents.empty()) return false;
-            partitions_.push_back({0, 0, file->extents});
-        } else {
-            return false;
-        }
-        at += length;
+bool UdfVolume::ReadSequence(uint64_t first, uint64_t count) {
+    std::optional<std::string> logicalVolume;
+    std::optional<std::string> partition;
+    for (uint64_t sector = first; sector < first + std::min(count, mostDescriptors); ++sector) {
+        if (!logicalVolume) logicalVolume = ReadSector(sector, tagLogicalVolume);
+        if (!partition) partition = ReadSector(sector, tagPartition);
     }
-    return true;
+    return logicalVolume && partition && ReadRoot(*logicalVolume, *partition);
 }
 
-bool UdfVolume::ReadRoot(std::string_view logicalVolume) {
-    const auto fileSet = ReadBlock(Le16(logicalVolume, 256), Le32(logicalVolume, 252));
+bool UdfVolume::ReadRoot(std::string_view logicalVolume, std::string_view partition) {
+    const bool isPlain = Le32(logicalVolume, 212) == sectorSize && Le32(logicalVolume, 268) == 1 &&
+                         Byte(logicalVolume, 440) == 1 && Le16(logicalVolume, 444) == Le16(partition, 22);
+    if (!isPlain) return false;
+    start_ = Le32(partition, 188);
+    sectors_ = Le32(partition, 192);
+    const auto fileSet = ReadBlocks(Le32(logicalVolume, 252), sectorSize);
     if (!fileSet || !IsTag(*fileSet, tagFileSet)) return false;
-    root_.place = PlaceOf(Le16(*fileSet, 408), Le32(*fileSet, 404));
+    root_.place = Le32(*fileSet, 404);
     return IsReadable();
 }
 
-// --- blocks and files
-// ---------------------------------------------------------------------------------------------
+// --- files and folders
+// --------------------------------------------------------------------------------------------
 
-std::optional<std::string> UdfVolume::ReadBlock(uint16_t partition, uint64_t block) const {
-    if (partition >= partitions_.size()) return std::nullopt;
-    const Partition& place = partitions_[partition];
-    if (place.metadata.empty()) {
-        if (block >= place.sectors) return std::nullopt;
-        return bytes_.Read((place.start + block) * sectorSize, sectorSize);
-    }
-    uint64_t before = 0;
-    for (const Extent& extent : place.metadata) {
-        const uint64_t blocks = extent.length / sectorSize;
-        // The metadata file itself lies on a partition of the disc, so this ends.
-        if (block - before < blocks) return ReadBlock(0, extent.block + (block - before));
-        before += blocks;
-    }
-    return std::nullopt;
+std::optional<std::string> UdfVolume::ReadBlocks(uint64_t block, uint64_t length) const {
+    if (block + (length + sectorSize - 1) / sectorSize > sectors_) return std::nullopt;
+    return bytes_.Read((start_ + block) * sectorSize, length);
 }
 
-// `descriptors` are short or long ones; a last one may say where more of them are.
-bool UdfVolume::ReadExtents(std::string_view descriptors, uint8_t form, uint16_t partition,
-                            std::vector<Extent>& extents) const {
-    const size_t step = form == formShort ? 8 : 16;
-    std::string continued;
-    size_t continuations = 0;
-    for (size_t at = 0; at + step <= descriptors.size();) {
-        const uint32_t length = Le32(descriptors, at);
-        const uint32_t kind = length >> 30;
-        Extent extent;
-        extent.length = length & 0x3FFFFFFF;
-        extent.block = Le32(descriptors, at + 4);
-        extent.partition = form == formShort ? partition : Le16(descriptors, at + 8);
-        extent.isRecorded = kind == kindRecorded;
-        if (extent.length == 0) return true;
-        at += step;
-        if (kind == kindContinuation) {
-            const auto block = ReadBlock(extent.partition, extent.block);
-            if (!block || !IsTag(*block, tagAllocationExtent) || ++continuations > mostContinuations)
-                return false;
-            continued = block->substr(24, Le32(*block, 20));
-            descriptors = continued;
-            at = 0;
-            continue;
-        }
-        extents.push_back(extent);
-        if (extents.size() > mostExtents) return false;
-    }
-    return true;
-}
-
-std::optional<UdfVolume::FileEntry> UdfVolume::ReadFileEntry(uint16_t partition, uint32_t block) const {
-    const auto bytes = ReadBlock(partition, block);
+std::optional<UdfVolume::FileEntry> UdfVolume::ReadFileEntry(uint64_t block) const {
+    const auto bytes = ReadBlocks(block, sectorSize);
     if (!bytes) return std::nullopt;
     const bool isExtended = IsTag(*bytes, tagExtendedFileEntry);
     if (!isExtended && !IsTag(*bytes, tagFileEntry)) return std::nullopt;
@@ -199,55 +130,37 @@ std::optional<UdfVolume::FileEntry> UdfVolume::ReadFileEntry(uint16_t partition,
     const uint64_t start = lengths + 8 + uint64_t{Le32(*bytes, lengths)};
     const uint64_t length = Le32(*bytes, lengths + 4);
     if (start > bytes->size() || length > bytes->size() - start) return std::nullopt;
-    const std::string_view allocation = std::string_view(*bytes).substr(start, length);
     FileEntry entry;
     entry.type = Byte(*bytes, 27);
     entry.size = Le64(*bytes, 56);
-    const auto form = static_cast<uint8_t>(Le16(*bytes, 34) & 7);
-    entry.isInside = form == formInside;
-    if (entry.isInside) {
-        entry.inside = allocation;
-    } else if ((form != formShort && form != formLong) ||
-               !ReadExtents(allocation, form, partition, entry.extents)) {
-        return std::nullopt;
-    }
+    entry.form = Le16(*bytes, 34) & 7;
+    entry.allocation = bytes->substr(start, length);
     return entry;
-}
-
-std::optional<std::string> UdfVolume::ReadExtent(const Extent& extent, uint64_t length) const {
-    if (!extent.isRecorded) return std::string(static_cast<size_t>(length), '\0');
-    if (extent.partition < partitions_.size() && partitions_[extent.partition].metadata.empty()) {
-        const Partition& place = partitions_[extent.partition];
-        if (extent.block + (length + sectorSize - 1) / sectorSize > place.sectors) return std::nullopt;
-        return bytes_.Read((place.start + extent.block) * sectorSize, length);
-    }
-    std::string content;
-    for (uint64_t block = extent.block; content.size() < length; ++block) {
-        const auto piece = ReadBlock(extent.partition, block);
-        if (!piece) return std::nullopt;
-        content += piece->substr(0, length - content.size());
-    }
-    return content;
 }
 
 std::optional<std::string> UdfVolume::ReadContent(const FileEntry& entry) const {
     if (entry.size > bytes_.Size()) return std::nullopt;
-    std::string content = entry.inside.substr(0, entry.size);
-    for (const Extent& extent : entry.extents) {
-        const auto piece = ReadExtent(extent, std::min(extent.length, entry.size - content.size()));
+    if (entry.form == formInside) {
+        if (entry.size > entry.allocation.size()) return std::nullopt;
+        return entry.allocation.substr(0, entry.size);
+    }
+    if (entry.form != formShort && entry.form != formLong) return std::nullopt;
+    const size_t step = entry.form == formShort ? 8 : 16;
+    std::string content;
+    for (size_t at = 0; content.size() < entry.size; at += step) {
+        // The highest two bits tell extents that were not recorded, and more descriptors elsewhere.
+        const uint32_t length = Le32(entry.allocation, at);
+        if (length == 0 || length >> 30 != 0) return std::nullopt;
+        const auto piece = ReadBlocks(Le32(entry.allocation, at + 4),
+                                      std::min<uint64_t>(length, entry.size - content.size()));
         if (!piece) return std::nullopt;
         content += *piece;
     }
-    if (content.size() < entry.size) return std::nullopt;
     return content;
 }
 
-// --- folders
-// ------------------------------------------------------------------------------------------------------
-
 std::optional<std::vector<UdfVolume::Entry>> UdfVolume::List(const Entry& folder) const {
-    const auto fileEntry =
-        ReadFileEntry(static_cast<uint16_t>(folder.place >> 32), static_cast<uint32_t>(folder.place));
+    const auto fileEntry = ReadFileEntry(folder.place);
     if (!fileEntry || fileEntry->type != typeFolder || fileEntry->size > longestFolder) return std::nullopt;
     const auto bytes = ReadContent(*fileEntry);
     if (!bytes) return std::nullopt;
@@ -263,7 +176,7 @@ std::optional<std::vector<UdfVolume::Entry>> UdfVolume::List(const Entry& folder
             Entry entry;
             entry.name = NameOf(identifier.substr(nameStart, nameLength));
             entry.isFolder = (flags & flagFolder) != 0;
-            entry.place = PlaceOf(Le16(identifier, 28), Le32(identifier, 24));
+            entry.place = Le32(identifier, 24);
             entries.push_back(std::move(entry));
         }
         at += (nameStart + nameLength + 3) / 4 * 4;
@@ -272,8 +185,7 @@ std::optional<std::vector<UdfVolume::Entry>> UdfVolume::List(const Entry& folder
 }
 
 std::optional<std::string> UdfVolume::Content(const Entry& file) const {
-    const auto fileEntry =
-        ReadFileEntry(static_cast<uint16_t>(file.place >> 32), static_cast<uint32_t>(file.place));
+    const auto fileEntry = ReadFileEntry(file.place);
     if (!fileEntry || fileEntry->type != typeFile) return std::nullopt;
     return ReadContent(*fileEntry);
 }

@@ -6,9 +6,8 @@
 
 namespace machine {
 
-// UDF 1.02 to 2.60 as pressed and written discs have it: sectors of 2048 bytes, one partition, its metadata
-// in a partition of their own or not. Packet-written discs (sparable and virtual partitions) count as
-// damaged.
+// UDF 1.02 to 2.01 as mastering writes it: sectors of 2048 bytes, one partition, files of recorded extents.
+// Discs written in packets, and those with a metadata partition (2.50 and above), count as damaged.
 class UdfVolume final : public ReadOnlyVolume {
   public:
     // Reads the volume descriptors; without those that lead to a root folder the disc counts as damaged.
@@ -20,43 +19,21 @@ class UdfVolume final : public ReadOnlyVolume {
     std::optional<std::string> Content(const Entry& file) const override;
 
   private:
-    // A run of blocks, by the partition that their numbers count in, or of zeros.
-    struct Extent {
-        uint64_t length = 0;  // bytes
-        uint32_t block = 0;
-        uint16_t partition = 0;
-        bool isRecorded = true;
-    };
-
     // What a file entry says of its file.
-    struct FileEntry {
-        uint8_t type = 0;
-        uint64_t size = 0;  // bytes
-        bool isInside = false;
-        std::string inside;  // the content, when it is small enough to lie in the entry
-        std::vector<Extent> extents;
-    };
-
-    // A logical partition: blocks of the disc from `start` on, or of a metadata file on it.
-    struct Partition {
-        uint64_t start = 0;  // sector
-        uint64_t sectors = 0;
-        std::vector<Extent> metadata;
-    };
+    struct FileEntry;
 
     void ReadDescriptors();
-    bool ReadPartitions(std::string_view logicalVolume, std::string_view physicalPartition);
-    bool ReadRoot(std::string_view logicalVolume);
+    bool ReadSequence(uint64_t first, uint64_t count);
+    bool ReadRoot(std::string_view logicalVolume, std::string_view partition);
     std::optional<std::string> ReadSector(uint64_t sector, uint16_t tag) const;
-    std::optional<std::string> ReadBlock(uint16_t partition, uint64_t block) const;
-    std::optional<FileEntry> ReadFileEntry(uint16_t partition, uint32_t block) const;
-    bool ReadExtents(std::string_view descriptors, uint8_t form, uint16_t partition,
-                     std::vector<Extent>& extents) const;
+    std::optional<std::string> ReadBlocks(uint64_t block, uint64_t length) const;
+    std::optional<FileEntry> ReadFileEntry(uint64_t block) const;
     std::optional<std::string> ReadContent(const FileEntry& entry) const;
-    std::optional<std::string> ReadExtent(const Extent& extent, uint64_t length) const;
 
     VolumeBytes bytes_;
-    std::vector<Partition> partitions_;
+    // The partition, in sectors.
+    uint64_t start_ = 0;
+    uint64_t sectors_ = 0;
     Entry root_;
 };
 

@@ -68,7 +68,7 @@ TEST_F(AttachImageTest, FactoryGptTellsTableAndVolumes) {
     EXPECT_EQ(partitions[0].name, "Maker boot");
     EXPECT_EQ(partitions[0].volume->fileSystem, "FAT32");
     EXPECT_EQ(partitions[0].volume->label.value, "BOOT");
-    EXPECT_FALSE(partitions[0].volume->store);
+    EXPECT_EQ(partitions[0].volume->store->Find("EFI/Boot/BootX64.efi"), FileKind::File);
     EXPECT_EQ(partitions[1].gptType, Guid(PARTITION_MSFT_RECOVERY_GUID));
     EXPECT_EQ(partitions[1].attributes, 0x8000000000000001);
     EXPECT_NE(partitions[1].gptId, partitions[5].gptId);

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 
 namespace machine {
 
@@ -86,6 +87,11 @@ bool AreSame(const std::string& left, const std::string& right) {
 
 int Differences(const std::string& left, const std::string& right) {
     return std::stoi(OutputOf("cmp --verbose '" + left + "' '" + right + "' | wc -l"));
+}
+
+std::string ContentOf(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 void PatchByte(const std::string& file, uint64_t offset, uint8_t value) {

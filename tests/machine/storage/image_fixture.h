@@ -18,6 +18,8 @@ class ImageTest : public testing::Test {
     // A copy of the disk that tests/images/make-factory-mbr makes, for this test alone.
     std::string FactoryMbrImage(const std::string& name = "mbr.img");
     std::string FactoryGptImage(const std::string& name = "gpt.img");
+    // A copy of any other image that is made for the tests: "disc-udf.iso".
+    std::string MadeImage(const std::string& name) { return CopyOf(name, name); }
     // An image of that many MiB with a table in the words of sfdisk.
     std::string PartitionedImage(int sizeMiB, const std::string& script);
     // Where this test may put files; gone with the test.
@@ -45,6 +47,8 @@ bool AreSame(const std::string& left, const std::string& right);
 // The number of bytes that differ.
 int Differences(const std::string& left, const std::string& right);
 
+// What the file holds.
+std::string ContentOf(const std::string& file);
 void PatchByte(const std::string& file, uint64_t offset, uint8_t value);
 uint8_t ByteAt(const std::string& file, uint64_t offset);
 
