@@ -21,6 +21,7 @@ constexpr CallInfo calls[] = {
     {"PathAppendW", FailsWith::FalseAndLastError, false},
     {"PathFileExistsW", FailsWith::FalseAndLastError, false},
     {"PathRemoveFileSpecW", FailsWith::FalseAndLastError, false},
+    {"ReadFile", FailsWith::FalseAndLastError, false},
     {"Wow64DisableWow64FsRedirection", FailsWith::FalseAndLastError, true},
     {"Wow64RevertWow64FsRedirection", FailsWith::FalseAndLastError, true},
     {"WriteFile", FailsWith::FalseAndLastError, true},

@@ -20,7 +20,51 @@ BOOL Write(HANDLE handle, std::string_view bytes, DWORD* written) {
     return WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), written, nullptr);
 }
 
+// The file's bytes in pieces of that size, up to the end.
+std::vector<std::string> ReadPieces(HANDLE handle, DWORD size) {
+    std::vector<std::string> pieces;
+    for (;;) {
+        std::string piece(size, '\0');
+        DWORD count = 99;
+        EXPECT_TRUE(ReadFile(handle, piece.data(), size, &count, nullptr));
+        if (count == 0) return pieces;
+        pieces.push_back(piece.substr(0, count));
+    }
+}
+
+EmulatedPc PcWithFile() {
+    machine::Pc facts = machine::FactoryMbr();
+    facts.disks[0].partitions[2].volume->files.PutFile("new.txt", "seven b");
+    return EmulatedPc(std::move(facts));
+}
+
 }  // namespace
+
+TEST(ReadFile, TakesBytesBehindOneAnother) {
+    EmulatedPc pc = PcWithFile();
+    const HANDLE handle = OpenShared(file);
+    EXPECT_THAT(ReadPieces(handle, 4), testing::ElementsAre("seve", "n b"));
+    EXPECT_TRUE(CloseHandle(handle));
+    EXPECT_THAT(pc.journal.Calls("ReadFile")[0].arguments, testing::ElementsAre("D:\\new.txt", "4"));
+    ExpectCleanLedger(pc);
+}
+
+TEST(ReadFile, TellsWhyNot) {
+    EmulatedPc pc = PcWithFile();
+    char bytes[1];
+    DWORD count = 9;
+    EXPECT_FALSE(ReadFile(nullptr, bytes, 1, &count, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_EQ(count, 0u);
+    const HANDLE writing = Create();
+    EXPECT_FALSE(ReadFile(writing, bytes, 1, nullptr, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    FailNext(pc, "ReadFile", ERROR_CRC);
+    EXPECT_FALSE(ReadFile(writing, bytes, 1, &count, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_CRC});
+    CloseHandle(writing);
+    ExpectCleanLedger(pc);
+}
 
 TEST(WriteFile, PutsBytesBehindOneAnother) {
     EmulatedPc pc(machine::FactoryMbr());
