@@ -43,7 +43,7 @@ bool IsEncrypted(WCHAR letter, CEncryptVolume& bitLocker) {
 }
 
 bool HasLoaderAndFolders(WCHAR letter) {
-    const WithoutRedirection context;
+    const WithoutRedirection whileLooking;
     return std::ranges::all_of(loaderAndFolders,
                                [&](const WCHAR* path) { return DrivePath(letter, path).Exists(); });
 }

@@ -124,7 +124,8 @@ struct Answer {
 };
 
 template <typename Tag>
-Answer Ask(Tag tag, const machine::Pc& facts, WCHAR letter, std::vector<machine::FaultRule> faults = {}) {
+Answer Ask(Tag tag, const machine::Pc& facts, WCHAR letter,
+           const std::vector<machine::FaultRule>& faults = {}) {
     EmulatedPc pc(facts);
     Kestova kestova;
     pc.journal.Clear();

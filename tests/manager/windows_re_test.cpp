@@ -54,7 +54,8 @@ struct VolumeR {
     machine::EmulatedPc pc;
     Kestova kestova;
 
-    explicit VolumeR(FileTree files, DriveType driveType = DriveType::Fixed) : pc(Facts(files, driveType)) {
+    explicit VolumeR(const FileTree& files, DriveType driveType = DriveType::Fixed)
+        : pc(Facts(files, driveType)) {
         pc.journal.Clear();
     }
     static machine::Pc Facts(const FileTree& files, DriveType driveType) {
