@@ -45,8 +45,9 @@ uint32_t Load(EmulatedPc& pc, const std::string& mount, const std::string& file)
     RegistryKeys keys;
     if (ReadHive(pc.pc, file, keys) != ERROR_SUCCESS) return failed;
     pc.pc.registry[mount];
+    const std::string below = mount + '\\';
     for (auto& [path, values] : keys)
-        pc.pc.registry[path.empty() ? mount : mount + '\\' + path] = std::move(values);
+        pc.pc.registry[path.empty() ? mount : below + path] = std::move(values);
     pc.ledger.Take(mountedHive);
     return done;
 }

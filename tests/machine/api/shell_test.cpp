@@ -226,7 +226,7 @@ TEST(Clock, DoesWhatIsDueInItsOrder) {
     EmulatedPc pc(machine::FactoryMbr());
     std::vector<std::pair<char, uint64_t>> done;
     for (const auto& [name, hour] : {std::pair('b', 20), {'c', 20}, {'a', 10}, {'d', 30}}) {
-        machine::Schedule(pc, static_cast<uint64_t>(hour), [&done, name](EmulatedPc& then) {
+        machine::Schedule(pc, static_cast<uint64_t>(hour), [&done, name = name](EmulatedPc& then) {
             done.emplace_back(name, then.clockMilliseconds);
         });
     }
@@ -281,9 +281,10 @@ TEST(Reg, LoadsOnlyBelowANewKeyOfTheLocalMachine) {
     pc.pc.registry["HKLM\\TAKEN\\Below"];
     for (const char* const key :
          {"HKLM\\Taken", "HKLM\\SYSTEM", "HKLM\\software", "HKLM\\T\\U", "HKLM\\", "HKLM", "HKCU\\T"}) {
-        EXPECT_THAT(RunToEnd(pc, std::string("reg load ") + key + " D:\\Windows\\System32\\Config\\SYSTEM"),
-                    ElementsAre("1"))
-            << key;
+        std::string command = "reg load ";
+        command += key;
+        command += " D:\\Windows\\System32\\Config\\SYSTEM";
+        EXPECT_THAT(RunToEnd(pc, command), ElementsAre("1")) << key;
     }
     EXPECT_EQ(pc.pc.registry.size(), 1u);
 }
