@@ -61,7 +61,7 @@ enum class DriveType : uint32_t {
 // What a drive letter opens: the contents of a partition, or a disc, a stick or a network share without a
 // disk.
 struct Volume {
-    std::string letters;                      // upper case; one partition can have several
+    std::string letters;  // upper case; one partition can have several
     // As GetVolumeInformationW names it; "RAW" when unreadable, "BitLocker" when locked.
     std::string fileSystem = "NTFS";
     Fact<std::string> label = std::string();  // or the error of reading it

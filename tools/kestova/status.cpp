@@ -139,11 +139,12 @@ void AddPartitions(Kestova& object, int disk, const std::vector<PARTITION_INFORM
     }
 }
 
-void AddDisk(Kestova& object, Json& status, Problems& problems) {
+// Answers the remark on the disk's active flags.
+std::string AddDisk(Kestova& object, Json& status, Problems& problems) {
     const int disk = object.GetFirstInternalDriveNumber();
     if (disk < 0) {
         problems.Add("no internal disk was found, or it could not be told");
-        return;
+        return "";
     }
     const std::string name = "disk " + std::to_string(disk);
     status["internalDisk"] = disk;
@@ -151,7 +152,7 @@ void AddDisk(Kestova& object, Json& status, Problems& problems) {
     const auto layout = ReadDiskLayout(disk);
     if (!layout) problems.Add("the partitions of " + name + " cannot be read", GetLastError());
     AddPartitions(object, disk, layout ? &*layout : nullptr, status, problems);
-    if (layout && !Remark(*layout).empty()) status["remark"] = Remark(*layout);
+    return layout ? Remark(*layout) : "";
 }
 
 }  // namespace
@@ -166,8 +167,9 @@ Json ReadStatus(Session& session, bool initialize) {
     for (const char* const key : {"internalDisk", "style", "activePartition"})
         status[key] = nullptr;
     status["partitions"] = Json::array();
-    AddDisk(session.Object(), status, problems);
+    const std::string remark = AddDisk(session.Object(), status, problems);
     AddRoles(session, status);
+    if (!remark.empty()) status["remark"] = remark;
     if (!problems.Text().empty()) status["problem"] = problems.Text();
     return status;
 }

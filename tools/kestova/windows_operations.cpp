@@ -1,5 +1,7 @@
 // Encryption and the installed Windows.
 
+#include <algorithm>
+
 #include "machine/core/utf.h"
 #include "tools/kestova/operation_tables.h"
 
@@ -18,6 +20,7 @@ std::vector<Meaning> PlaceResults(std::vector<Meaning> results) {
                               {115, "the type of partition 3 could not be read", true},
                               {116, "there is no volume layer", true}};
     results.insert(results.end(), std::begin(common), std::end(common));
+    std::ranges::sort(results, {}, [](const Meaning& meaning) { return meaning.value.get<int>(); });
     return results;
 }
 

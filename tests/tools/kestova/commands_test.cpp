@@ -13,6 +13,7 @@ using testing::StartsWith;
 using Status = ProgramTest;
 using Boot = ProgramTest;
 using Call = ProgramTest;
+using Letters = ProgramTest;
 using Script = ProgramTest;
 using Lists = ProgramTest;
 
@@ -22,19 +23,28 @@ TEST_F(Status, WithoutPcShowsTheFactoryMachineAndSaysSo) {
     EXPECT_EQ(
         outcome.errors,
         "kestova: no PC was named: this is factory-mbr, a machine in memory that comes with the tool\n");
-    EXPECT_EQ(outcome.output,
-              "Firmware           BIOS\n"
-              "Running system     Windows\n"
-              "Windows directory  C:\\Windows\n"
-              "Internal disk      0\n"
-              "Partition style    MBR\n"
-              "Active partition   2\n"
-              "\n"
-              "  #  Size       Type                    Active  Letter  Label    File system\n"
-              "  1  15.0 GiB   hidden recovery (0x27)  -       -       -        -\n"
-              "  2  200.0 GiB  NTFS (0x07)             active  C       Windows  NTFS\n"
-              "  3  276.0 GiB  NTFS (0x07)             -       D       Data     NTFS\n"
-              "  4  8.0 GiB    hibernation (0x84)      -       -       -        -\n");
+    EXPECT_EQ(
+        outcome.output,
+        "Firmware           BIOS\n"
+        "Running system     Windows\n"
+        "Windows directory  C:\\Windows\n"
+        "Internal disk      0\n"
+        "Partition style    MBR\n"
+        "Active partition   2\n"
+        "Layout             MBR, partition 2 has any other label\n"
+        "Installed Windows  C: disk 0, partition 2\n"
+        "Encrypted volumes  BitLocker cannot be asked\n"
+        "Recovery disc      none\n"
+        "Recovery stick     none\n"
+        "Cache partition    no\n"
+        "\n"
+        "  #  Size       Type                    Active  Letter  Label    File system  Hide  Role: reason\n"
+        "  1  15.0 GiB   hidden recovery (0x27)  -       -       -        -            -     recovery: type\n"
+        "  2  200.0 GiB  NTFS (0x07)             active  C       Windows  NTFS         -     installed Windows: "
+        "contents\n"
+        "  3  276.0 GiB  NTFS (0x07)             -       D       Data     NTFS         -     -\n"
+        "  4  8.0 GiB    hibernation (0x84)      -       -       -        -            -     hibernation: "
+        "type\n");
 }
 
 TEST_F(Status, OfGptMachineNamesTypesAndHasNoActivePartition) {
@@ -43,10 +53,99 @@ TEST_F(Status, OfGptMachineNamesTypesAndHasNoActivePartition) {
     EXPECT_EQ(outcome.errors, "");
     EXPECT_THAT(outcome.output, StartsWith("Firmware           UEFI\n"));
     EXPECT_THAT(outcome.output, HasSubstr("Active partition   none\n"));
+    EXPECT_THAT(
+        outcome.output,
+        EndsWith(
+            "Layout             GPT, partition 3 is the EFI system partition\n"
+            "Installed Windows  C: disk 0, partition 5\n"
+            "Encrypted volumes  BitLocker cannot be asked\n"
+            "Recovery disc      none\n"
+            "Recovery stick     none\n"
+            "Cache partition    no\n"
+            "\n"
+            "  #  Size       Type                Active  Letter  Label    File system  Hide  Role: reason\n"
+            "  1  1.0 GiB    maker's boot        -       -       -        -            hide  maker's boot: type\n"
+            "  2  1.0 GiB    Windows recovery    -       -       -        -            -     Windows RE: type and "
+            "contents\n"
+            "  3  1.0 GiB    EFI system          -       -       -        -            hide  EFI system: type\n"
+            "  4  128.0 MiB  Microsoft reserved  -       -       -        -            hide  -\n"
+            "  5  470.0 GiB  basic data          -       C       Windows  NTFS         -     installed Windows: "
+            "contents\n"
+            "  6  25.0 GiB   Windows recovery    -       -       -        -            -     recovery: type and "
+            "contents\n"));
+}
+
+TEST_F(Status, FindsMediaCacheAndEncryptedVolumes) {
+    const std::string media = Kestova("--pc winpe-media status").output;
+    EXPECT_THAT(media, HasSubstr("Installed Windows  C: disk 0, partition 5\n"
+                                 "Encrypted volumes  D\n"
+                                 "Recovery disc      R\n"
+                                 "Recovery stick     U\n"));
+    EXPECT_THAT(media, HasSubstr("D       -        -            -     encrypted: BitLocker lists it\n"));
+    EXPECT_THAT(Kestova("--pc winpe-two-disks status").output, HasSubstr("Cache partition    yes\n"));
+    WriteFile("none.json", R"({"encryptableVolumes": []})");
+    EXPECT_THAT(Kestova("--pc none.json status").output, HasSubstr("Encrypted volumes  none\n"));
+}
+
+TEST_F(Status, OfAPcWithoutWindowsSaysSo) {
+    EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json status").status, 0);
+    EXPECT_EQ(Shell("sed -i 's/Winload/winlaod/' pc.json").status, 0);
+    EXPECT_THAT(Kestova("--pc pc.json status").output, HasSubstr("Installed Windows  not found\n"));
+}
+
+TEST_F(Status, LooksIntoRecoveryPartitionsAndChangesNothing) {
+    EXPECT_EQ(Kestova("--pc factory-gpt --save before.json operations").status, 2) << "asks no PC";
+    EXPECT_EQ(Kestova("--pc factory-gpt --save before.json call IsDynamic").status, 0);
+    const Outcome outcome = Kestova("--pc before.json --save after.json --json status");
+    EXPECT_THAT(outcome.output, HasSubstr(R"("roles":[{"role":"recovery","reason":"type and contents"}])"));
+    EXPECT_EQ(Shell("cmp before.json after.json").status, 0);
+    // Even where the letter could not be taken again.
+    const Outcome failing =
+        Kestova("--pc before.json --fail IVdsAdvancedDisk::DeleteDriveLetter=5 --save failed.json status");
+    EXPECT_EQ(failing.status, 0);
+    EXPECT_EQ(ReadFile("failed.json").find("\"letters\": \"D\""), std::string::npos);
+}
+
+TEST_F(Letters, OfTheInstalledWindowsAreTranslated) {
+    const Outcome outcome = Kestova("--pc winpe-media letters");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output,
+              "Letter  Disk  Partition  Here\n"
+              "C       0     5          C\n"
+              "E       0     6          D\n");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(Kestova("--pc winpe-media --json letters").output,
+              R"({"letters":[{"letter":"C","disk":0,"partition":5,"here":"C"},)"
+              R"({"letter":"E","disk":0,"partition":6,"here":"D"}]})"
+              "\n");
+}
+
+TEST_F(Letters, LeaveThePcAsItWas) {
+    EXPECT_EQ(Kestova("--pc winpe-media --dry-run letters").output,
+              "Letter  Disk  Partition  Here\n"
+              "C       0     5          C\n"
+              "E       0     6          D\n"
+              "Nothing would change.\n");
+}
+
+TEST_F(Letters, OfAVolumeThatTellsNoPlaceStandAlone) {
+    // The first file that is opened is the batch file, then the volume twice, for its disk and its partition.
+    const Outcome outcome =
+        Kestova("--pc winpe-media --fail 'CreateFileW#2=5' --fail 'CreateFileW#3=5' --json letters");
+    EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output,
-                HasSubstr("  1  1.0 GiB    maker's boot        -       -       -        -\n"));
-    EXPECT_THAT(outcome.output,
-                HasSubstr("  5  470.0 GiB  basic data          -       C       Windows  NTFS\n"));
+                StartsWith(R"({"letters":[{"letter":"C","disk":null,"partition":null,"here":null},)"));
+    EXPECT_THAT(Kestova("--pc winpe-media --fail 'CreateFileW#2=5' --fail 'CreateFileW#3=5' letters").output,
+                HasSubstr("C       -     -          -\n"));
+}
+
+TEST_F(Letters, AreNotToldWhereWindowsRuns) {
+    const Outcome outcome = Kestova("--pc factory-gpt --json letters");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors,
+              "kestova: the letters of the installed Windows could not all be told; Windows PE must be "
+              "running\n");
+    EXPECT_THAT(outcome.output, StartsWith(R"({"letters":[],"problem":"the letters of )"));
 }
 
 TEST_F(Status, InJsonIsOneObject) {
@@ -57,9 +156,15 @@ TEST_F(Status, InJsonIsOneObject) {
                            R"("internalDisk":0,"style":"MBR","activePartition":1,"partitions":[)"
                            R"({"number":1,"offset":1048576,"size":16106127360,"type":"0x27",)"
                            R"json("typeName":"hidden recovery (0x27)","active":true,"letter":"C",)json"
-                           R"("label":"Recovery","fileSystem":"NTFS"},)"));
-    EXPECT_THAT(outcome.output, EndsWith(R"("active":false,"letter":null,"label":null,"fileSystem":null}]})"
-                                         "\n"));
+                           R"("label":"Recovery","fileSystem":"NTFS","hide":false,)"
+                           R"("roles":[{"role":"recovery","reason":"type"}]},)"));
+    EXPECT_THAT(outcome.output,
+                EndsWith(R"("active":false,"letter":null,"label":null,"fileSystem":null,"hide":false,)"
+                         R"("roles":[{"role":"hibernation","reason":"type"}]}],"layout":4,)"
+                         R"("layoutName":"MBR, partition 2 has any other label","encryptedVolumes":null,)"
+                         R"("recoveryDisc":null,"recoveryStick":null,"cachePartition":true,)"
+                         R"("windows":{"disk":0,"partition":2,"letter":"D"}})"
+                         "\n"));
 }
 
 TEST_F(Status, OfUnreadableLayoutTellsTheErrorAndFails) {
@@ -89,7 +194,7 @@ TEST_F(Status, TellsWhatOfTheSystemCannotBeRead) {
               "no internal disk was found, or it could not be told\n");
     EXPECT_THAT(outcome.output,
                 StartsWith(R"({"firmware":"BIOS","system":"unknown","windowsDirectory":null,)"));
-    EXPECT_THAT(outcome.output, HasSubstr(R"(],"problem":"the start options of )"));
+    EXPECT_THAT(outcome.output, HasSubstr(R"(,"windows":null,"problem":"the start options of )"));
 }
 
 TEST_F(Status, OnlyUefiFirmwareRefusesToReadAVariable) {
@@ -112,7 +217,7 @@ TEST_F(Status, RemarksThatTwoPartitionsAreActive) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "kestova: 2 partitions are active; a PC starts from a disk with one only\n");
     EXPECT_THAT(outcome.output,
-                EndsWith(R"(],"remark":"2 partitions are active; a PC starts from a disk with one only"})"
+                EndsWith(R"(},"remark":"2 partitions are active; a PC starts from a disk with one only"})"
                          "\n"));
 }
 
@@ -156,6 +261,54 @@ TEST_F(Call, AnswersResultAndWords) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "GetDriveLetter(0, 2) = C: its letter\n");
     EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_F(Call, TakesLettersInEveryForm) {
+    for (const char* const letter : {"C", "c", "C:", "c:"})
+        EXPECT_EQ(Kestova("--pc factory-mbr call IsVistaOS " + std::string(letter)).output,
+                  "IsVistaOS(C) = 1: yes\n");
+}
+
+TEST_F(Call, ArgumentThatIsLeftOutHasItsStandard) {
+    EXPECT_THAT(Kestova("--pc winpe-media --json call GetWinDriveLetters").output,
+                HasSubstr(R"("arguments":{"count":26},"result":1,"outputs":{"records":[)"
+                          R"({"iDiskNum":0,"iPartNum":5,"cDriveLetter":"C"},)"
+                          R"({"iDiskNum":0,"iPartNum":6,"cDriveLetter":"E"}]},)"));
+    const Outcome cut = Kestova("--pc winpe-media call GetWinDriveLetters 1");
+    EXPECT_EQ(cut.status, 1);
+    EXPECT_THAT(cut.output, EndsWith("  records = C: disk 0, partition 5\n"));
+    EXPECT_THAT(Kestova("--pc winpe-media call GetWinDriveLetters 0").output, EndsWith("  records = none\n"));
+}
+
+TEST_F(Call, OfEncryptedVolumesCutsThemToTheBuffer) {
+    WriteFile("two.json",
+              R"({"encryptableVolumes": [{"deviceId": "a", "driveLetter": "E:", "encryptionMethod": 7},
+                                         {"deviceId": "b", "driveLetter": "C:", "encryptionMethod": 7}]})");
+    const std::pair<const char*, const char*> rows[] = {{"", "buffer = EC\n"},
+                                                        {"3", "buffer = EC\n"},
+                                                        {"2", "buffer = E\n"},
+                                                        {"1", "buffer = : none\n"},
+                                                        {"0", "buffer = : none\n"}};
+    for (const auto& [size, buffer] : rows)
+        EXPECT_THAT(Kestova(std::string("--pc two.json call GetAllEncryptVolume ") + size).output,
+                    EndsWith(buffer));
+}
+
+TEST_F(Call, OfTheOnlyEncryptedVolumeWithoutALetterAnswersNul) {
+    WriteFile("one.json", R"({"encryptableVolumes": [{"deviceId": "a", "encryptionMethod": 7}]})");
+    const Outcome outcome = Kestova("--pc one.json call GetEncryptVolume");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "GetEncryptVolume() = NUL: it has no letter\n");
+    EXPECT_THAT(Kestova("--pc one.json --json call GetEncryptVolume").output,
+                HasSubstr(R"("result":"\u0000",)"));
+}
+
+TEST_F(Call, WithoutAResultShowsNone) {
+    const Outcome outcome = Kestova("--pc factory-gpt call RemoveRecoveryPartition");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "RemoveRecoveryPartition()\nNothing changed.\n");
+    EXPECT_THAT(Kestova("--pc factory-gpt --json call RemoveRecoveryPartition").output,
+                HasSubstr(R"("result":null,"outputs":{},)"));
 }
 
 TEST_F(Call, ShowsOutputs) {
@@ -244,7 +397,7 @@ TEST_F(Script, MissingScriptAndFolderAreRefused) {
 TEST_F(Lists, EveryPublicOperationOfTheClassIsThere) {
     const std::string names =
         "sed -n '/^  public:/,/^  private:/p' '" KESTOVA_SOURCE_FOLDER
-        "/manager/kestova.h' | sed -nE 's/^    (int|WCHAR|unsigned long|void) ([A-Za-z]+)\\(.*/\\2/p' | sort";
+        "/manager/kestova.h' | sed -nE 's/^    (int|WCHAR|DWORD|void) ([A-Za-z]+)\\(.*/\\2/p' | sort";
     const std::string listed =
         "'" KESTOVA_PROGRAM "' operations --json | sed -E 's/.*\"operation\":\"([^\"]*)\".*/\\1/' | sort";
     const std::string declared = Shell(names).output;
@@ -262,11 +415,31 @@ TEST_F(Lists, OperationTellsArgumentsAndResults) {
                                                         "    else  its letter\n"));
 }
 
+TEST_F(Lists, OperationTellsWhatMayBeLeftOutAndWhatHasNoResult) {
+    const std::string text = Kestova("operations").output;
+    EXPECT_THAT(text,
+                HasSubstr("GetAllEncryptVolume [SIZE]\n"
+                          "  The letters of all encrypted volumes.\n"
+                          "  buffer (output): the letters\n"
+                          "      none\n"
+                          "  size: characters that the buffer has room for, with the terminator; 33 when "
+                          "left out\n"));
+    EXPECT_THAT(text,
+                HasSubstr("RemoveRecoveryPartition\n"
+                          "  Takes the letter of the partition that AssignRecoveryPartition last found.\n"
+                          "  without a result\n"));
+    const std::string json = Kestova("operations --json").output;
+    for (const char* const kind : {"flag", "number", "letter", "text", "list"})
+        EXPECT_THAT(json, HasSubstr("\"kind\":\"" + std::string(kind) + "\""));
+    EXPECT_THAT(json, HasSubstr(R"("values":[],"default":26})"));
+}
+
 TEST_F(Lists, PcsNamesTheMachines) {
     const Outcome outcome = Kestova("pcs --json");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, StartsWith(R"({"name":"factory-mbr","summary":)"));
     EXPECT_THAT(outcome.output, HasSubstr("{\"name\":\"winpe-two-disks\","));
+    EXPECT_THAT(outcome.output, HasSubstr("{\"name\":\"winpe-media\","));
 }
 
 }  // namespace

@@ -1,0 +1,45 @@
+// An emulated PC answers.
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "examples/open_pc.h"
+#include "machine/core/emulated_pc.h"
+#include "machine/model/description.h"
+#include "machine/model/machines.h"
+#include "machine/storage/disk_image.h"
+
+namespace {
+
+machine::Pc PcOf(const std::string& name) {
+    for (const machine::NamedMachine& named : machine::NamedMachines()) {
+        if (named.name == (name.empty() ? "factory-gpt" : name)) return named.make();
+    }
+    if (name.ends_with(".json")) {
+        std::ostringstream text;
+        text << std::ifstream(name).rdbuf();
+        return machine::ReadDescription(text.str(), name);
+    }
+    return machine::PcOfImages({name}, machine::SystemKind::WindowsPe, machine::ImageAccess::Write);
+}
+
+}  // namespace
+
+struct OpenedPc::Inside {
+    explicit Inside(machine::Pc facts) : pc(std::move(facts)) {}
+
+    machine::EmulatedPc pc;
+};
+
+OpenedPc::OpenedPc(const std::string& name) {
+    try {
+        inside_ = std::make_unique<Inside>(PcOf(name));
+    } catch (const std::exception& what) {
+        std::fprintf(stderr, "recovery: %s\n", what.what());
+        std::exit(3);
+    }
+}
+
+OpenedPc::~OpenedPc() = default;

@@ -1,0 +1,62 @@
+// The example application, as built, on the PCs that its readers will try first.
+
+#include <gmock/gmock.h>
+
+#include "tests/support/program/program.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+class RecoveryExample : public ProgramTest {
+  protected:
+    Outcome Run(const std::string& pc) { return Shell("'" KESTOVA_EXAMPLE "' " + pc); }
+};
+
+TEST_F(RecoveryExample, ReadsAFileAndSwitchesTheDiskImageToItsRecoveryPartition) {
+    ASSERT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
+    const Outcome outcome = Run("disk.img");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.output,
+              "The recovery partition is C:\n"
+              "Its Qelhdrcv.ini begins:\n"
+              "[Recovery]\r\nVersion=1\r\n\n"
+              "The next start boots the recovery partition.\n");
+    EXPECT_THAT(Shell("/usr/sbin/sfdisk --dump disk.img").output, HasSubstr("type=27, bootable\n"));
+}
+
+TEST_F(RecoveryExample, GivesTheRecoveryPartitionOfAGptDiskALetterForAsLongAsItReads) {
+    const Outcome outcome = Run("factory-gpt");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output,
+              "The recovery partition is D:\n"
+              "Its Qelhdrcv.ini begins:\n"
+              "[Recovery]\r\nVersion=1\r\n\n"
+              "The switch failed with code 1; a GPT disk has no active partition to switch.\n");
+    EXPECT_EQ(Run("").output, outcome.output);
+}
+
+TEST_F(RecoveryExample, TellsThatThereIsNoRecoveryPartition) {
+    WriteFile("bare.json", "{}");
+    const Outcome outcome = Run("bare.json");
+    EXPECT_EQ(outcome.status, 9);
+    EXPECT_EQ(outcome.output, "No recovery partition was found.\n");
+}
+
+TEST_F(RecoveryExample, TellsThatTheFileCannotBeRead) {
+    ASSERT_EQ(Kestova("--pc factory-gpt --fail ReadFile=0x17 --save pc.json status").status, 0);
+    const Outcome outcome = Run("pc.json");
+    EXPECT_EQ(outcome.status, 9);
+    EXPECT_EQ(outcome.output,
+              "The recovery partition is D:\n"
+              "Its Qelhdrcv.ini cannot be read.\n");
+}
+
+TEST_F(RecoveryExample, RefusesWhatIsNoPc) {
+    const Outcome outcome = Run("nothing.img");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.errors, HasSubstr("recovery: nothing.img"));
+}
+
+}  // namespace

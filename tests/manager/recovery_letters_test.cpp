@@ -1,0 +1,189 @@
+// Giving the recovery partition and the Windows RE partition a letter, and taking it again.
+
+#include <gtest/gtest.h>
+
+#include "machine/model/machines.h"
+#include "tests/manager/internals.h"
+#include "tests/support/application/application.h"
+#include "tests/support/transcript.h"
+
+namespace {
+
+using machine::FactoryGpt;
+using machine::FactoryMbr;
+
+// One of the two, as FactoryGpt has it.
+struct Lettered {
+    const char* name;  // and the transcripts'
+    uint32_t number;
+    int (Kestova::*assign)(WCHAR&);
+    void (Kestova::*remove)();
+};
+
+void PrintTo(const Lettered& lettered, std::ostream* out) {
+    *out << lettered.name;
+}
+
+const Lettered bothLettered[] = {
+    {"recovery", 6, &Kestova::AssignRecoveryPartition, &Kestova::RemoveRecoveryPartition},
+    {"winre", 2, &Kestova::AssignWinREPartition, &Kestova::RemoveWinREPartition},
+};
+
+class RecoveryLetter : public testing::TestWithParam<Lettered> {
+  protected:
+    static machine::Pc WithLetters(const std::string& letters) {
+        machine::Pc facts = FactoryGpt();
+        PartitionOf(facts, GetParam().number).volume->letters = letters;
+        return facts;
+    }
+
+    // Assigns, which always answers 1, and answers the letter.
+    static char Assign(Application& application) {
+        WCHAR letter = TEXT('q');
+        EXPECT_EQ((application.kestova.*GetParam().assign)(letter), 1);
+        ExpectOnlyKeptLeftovers(application.pc.ledger);
+        return static_cast<char>(letter);
+    }
+    static void Remove(Application& application) {
+        (application.kestova.*GetParam().remove)();
+        ExpectOnlyKeptLeftovers(application.pc.ledger);
+    }
+    static std::string Letters(Application& application) {
+        return PartitionOf(application.pc.pc, GetParam().number).volume->letters;
+    }
+    static void ExpectStory(const Application& application, const std::string& story) {
+        ExpectTranscript(application.pc.journal, "manager/" + story + "_" + GetParam().name);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Both, RecoveryLetter, testing::ValuesIn(bothLettered),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST_P(RecoveryLetter, IsGivenAndTakenAgain) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Assign(application), 'D');
+    EXPECT_EQ(Letters(application), "D");
+    ExpectStory(application, "assign");
+    application.pc.journal.Clear();
+    Remove(application);
+    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    ExpectStory(application, "remove");
+}
+
+// The one that was there before is taken as well.
+TEST_P(RecoveryLetter, IsToldAndTakenWhoeverGaveIt) {
+    Application application(WithLetters("R"));
+    EXPECT_EQ(Assign(application), 'R');
+    EXPECT_EQ(Letters(application), "R");
+    ExpectStory(application, "assign_lettered");
+    Remove(application);
+    EXPECT_EQ(Letters(application), "");
+}
+
+TEST_P(RecoveryLetter, IsTakenAgainByASecondRemoval) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Assign(application), 'D');
+    Remove(application);
+    PartitionOf(application.pc.pc, GetParam().number).volume->letters = "S";
+    Remove(application);
+    EXPECT_EQ(application.pc.pc, FactoryGpt());
+}
+
+TEST_P(RecoveryLetter, IsNotTakenBeforeItWasGiven) {
+    Application application(WithLetters("R"));
+    Remove(application);
+    EXPECT_EQ(application.pc.pc, WithLetters("R"));
+    ExpectStory(application, "remove_nothing");
+}
+
+TEST_P(RecoveryLetter, IsNotGivenOnMbr) {
+    Application application(FactoryMbr());
+    EXPECT_EQ(Assign(application), '0');
+    EXPECT_EQ(application.pc.pc, FactoryMbr());
+    ExpectStory(application, "assign_mbr");
+    application.pc.journal.Clear();
+    Remove(application);
+    ExpectStory(application, "remove_nothing");
+}
+
+TEST_P(RecoveryLetter, IsNotGivenWhenTheServiceRefusesIt) {
+    for (const bool afterEffect : {false, true}) {
+        Application application(FactoryGpt());
+        // The first assignment is that of the search.
+        application.pc.faults.Arm({.call = "IVdsAdvancedDisk::AssignDriveLetter",
+                                   .nth = 2,
+                                   .afterEffect = afterEffect,
+                                   .code = 0x80004005});
+        EXPECT_EQ(Assign(application), '0');
+        EXPECT_EQ(application.pc.faults.Fired(), 1);
+        EXPECT_EQ(Letters(application), afterEffect ? "D" : "");
+        ExpectStory(application, "assign_refused");
+        // The letter was never remembered.
+        Remove(application);
+        EXPECT_EQ(Letters(application), afterEffect ? "D" : "");
+    }
+}
+
+// The letter remembered before stays: the removal acts on the partition all the same.
+TEST_P(RecoveryLetter, IsTakenAfterALaterAssignmentFailed) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Assign(application), 'D');
+    application.pc.faults.Arm({.call = "IVdsService::IsServiceReady", .code = 0x80004005});
+    EXPECT_EQ(Assign(application), '0');
+    application.pc.faults.Disarm();
+    Remove(application);
+    EXPECT_EQ(application.pc.pc, FactoryGpt());
+}
+
+TEST_P(RecoveryLetter, StaysSilentlyWhenItCannotBeTaken) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Assign(application), 'D');
+    application.pc.faults.Arm({.call = "IVdsAdvancedDisk::DeleteDriveLetter", .code = 0x80004005});
+    application.pc.journal.Clear();
+    Remove(application);
+    EXPECT_EQ(Letters(application), "D");
+    ExpectStory(application, "remove_refused");
+}
+
+TEST_P(RecoveryLetter, IsNeitherGivenNorTakenWithoutAVolumeLayer) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Assign(application), 'D');
+    internals::DropVolumeLayer(application.kestova);
+    application.pc.journal.Clear();
+    EXPECT_EQ(Assign(application), '0');
+    Remove(application);
+    EXPECT_EQ(Letters(application), "D");
+    ExpectStory(application, "no_volume_layer");
+}
+
+// Each of the two remembers its own.
+TEST(RemoveRecoveryPartition, LeavesTheLetterOfWindowsRe) {
+    Application application(FactoryGpt());
+    WCHAR recovery = 0;
+    WCHAR winRe = 0;
+    application.kestova.AssignRecoveryPartition(recovery);
+    application.kestova.AssignWinREPartition(winRe);
+    EXPECT_EQ(recovery, TEXT('D'));
+    EXPECT_EQ(winRe, TEXT('E'));
+    application.kestova.RemoveRecoveryPartition();
+    EXPECT_EQ(PartitionOf(application.pc.pc, 2).volume->letters, "E");
+    EXPECT_EQ(PartitionOf(application.pc.pc, 6).volume->letters, "");
+}
+
+TEST(IsExistRcvprt, GivesALetterThatStays) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(application.kestova.IsExistRcvprt(), 1);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 6).volume->letters, "D");
+    ExpectTranscript(application.pc.journal, "manager/is_exist_rcvprt");
+    application.kestova.RemoveRecoveryPartition();
+    EXPECT_EQ(application.pc.pc, FactoryGpt());
+}
+
+TEST(IsExistRcvprt, IsNotWithoutALetter) {
+    Application application(FactoryMbr());
+    EXPECT_EQ(application.kestova.IsExistRcvprt(), 0);
+    EXPECT_EQ(application.pc.pc, FactoryMbr());
+    ExpectTranscript(application.pc.journal, "manager/is_exist_rcvprt_none");
+}
+
+}  // namespace

@@ -1,0 +1,168 @@
+// Whether one partition is the recovery partition, or the Windows RE partition.
+
+#include <gtest/gtest.h>
+
+#include "machine/model/machines.h"
+#include "platform/partition_types.h"
+#include "tests/manager/internals.h"
+#include "tests/support/application/application.h"
+#include "tests/support/transcript.h"
+
+namespace {
+
+using machine::FactoryGpt;
+using machine::FactoryMbr;
+
+// One of the two kinds, as FactoryGpt has it.
+struct Kind {
+    const char* name;  // and the transcripts'
+    internals::Recognition recognise;
+    uint32_t number;
+    uint32_t numberOfOther;  // of the same type, with other contents
+};
+
+void PrintTo(const Kind& kind, std::ostream* out) {
+    *out << kind.name;
+}
+
+const Kind kinds[] = {
+    {"is_recovery", Open(internals::IsRecoveryPartitionTag()), 6, 2},
+    {"is_winre", Open(internals::IsWinREPartitionTag()), 2, 6},
+};
+
+struct Answer {
+    int result;
+    int is;
+    bool operator==(const Answer&) const = default;
+};
+
+void PrintTo(const Answer& answer, std::ostream* out) {
+    *out << "result " << answer.result << " is " << answer.is;
+}
+
+class RecoveryRecognition : public testing::TestWithParam<Kind> {
+  protected:
+    static machine::Pc WithLetters(uint32_t number, const std::string& letters) {
+        machine::Pc facts = FactoryGpt();
+        PartitionOf(facts, number).volume->letters = letters;
+        return facts;
+    }
+
+    // Selects the partition and looks at it; the journal begins with the look.
+    static Answer Look(Application& application, uint32_t number) {
+        CVDSPartition& partitions = *(application.kestova.*Open(internals::VolumeLayerTag()));
+        EXPECT_TRUE(partitions.SelectDisk(0) && partitions.SelectPartition(static_cast<int>(number)));
+        application.pc.journal.Clear();
+        Answer answer = {77, 77};
+        answer.result = (application.kestova.*GetParam().recognise)(0, static_cast<int>(number), answer.is);
+        ExpectOnlyKeptLeftovers(application.pc.ledger);
+        return answer;
+    }
+    static std::string Letters(Application& application, uint32_t number) {
+        return PartitionOf(application.pc.pc, number).volume->letters;
+    }
+    static void ExpectStory(const Application& application, const std::string& story) {
+        ExpectTranscript(application.pc.journal, std::string("manager/") + GetParam().name + "_" + story);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Both, RecoveryRecognition, testing::ValuesIn(kinds),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST_P(RecoveryRecognition, KnowsThePartitionByItsLetter) {
+    Application application(WithLetters(GetParam().number, "R"));
+    EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
+    EXPECT_EQ(Letters(application, GetParam().number), "R");
+    ExpectStory(application, "lettered");
+}
+
+TEST_P(RecoveryRecognition, KnowsThePartitionByALetterForTheMeantime) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
+    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    ExpectStory(application, "temporary_letter");
+}
+
+TEST_P(RecoveryRecognition, FailsForOtherContentsBehindALetter) {
+    Application application(WithLetters(GetParam().numberOfOther, "R"));
+    EXPECT_EQ(Look(application, GetParam().numberOfOther), (Answer{0, 0}));
+    EXPECT_EQ(Letters(application, GetParam().numberOfOther), "R");
+    ExpectStory(application, "other_contents");
+}
+
+// With a letter for the meantime the result tells that the partition could be inspected.
+TEST_P(RecoveryRecognition, SucceedsForOtherContentsBehindALetterForTheMeantime) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Look(application, GetParam().numberOfOther), (Answer{1, 0}));
+    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    ExpectStory(application, "temporary_letter_other_contents");
+}
+
+TEST_P(RecoveryRecognition, FailsForAnotherType) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Look(application, 5), (Answer{0, 0}));
+    ExpectStory(application, "other_type");
+}
+
+// The whole type is compared.
+TEST_P(RecoveryRecognition, FailsForATypeThatDiffersInItsLastByte) {
+    machine::Pc facts = WithLetters(GetParam().number, "R");
+    PartitionOf(facts, GetParam().number).gptType.Data4[7] ^= 1;
+    Application application(facts);
+    EXPECT_EQ(Look(application, GetParam().number), (Answer{0, 0}));
+}
+
+TEST_P(RecoveryRecognition, FailsOnMbr) {
+    Application application(FactoryMbr());
+    EXPECT_EQ(Look(application, 1), (Answer{0, 0}));
+    ExpectStory(application, "no_type");
+}
+
+TEST_P(RecoveryRecognition, FailsForAMissingPartition) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Look(application, 9), (Answer{0, 0}));
+    ExpectStory(application, "no_type");
+}
+
+TEST_P(RecoveryRecognition, FailsWithoutAVolumeLayer) {
+    Application application(FactoryGpt());
+    internals::DropVolumeLayer(application.kestova);
+    application.pc.journal.Clear();
+    int is = 77;
+    EXPECT_EQ((application.kestova.*GetParam().recognise)(0, 6, is), 0);
+    EXPECT_EQ(is, 0);
+    EXPECT_EQ(application.pc.journal.Records().size(), 3U);
+}
+
+// The letter is tried to be taken all the same, and a refusal that came after its effect leaves none.
+TEST_P(RecoveryRecognition, FailsWhenNoLetterCanBeGiven) {
+    for (const bool afterEffect : {false, true}) {
+        Application application(FactoryGpt());
+        application.pc.faults.Arm(
+            {.call = "IVdsAdvancedDisk::AssignDriveLetter", .afterEffect = afterEffect, .code = 0x80004005});
+        EXPECT_EQ(Look(application, GetParam().number), (Answer{0, 0}));
+        EXPECT_EQ(application.pc.pc, FactoryGpt());
+        ExpectStory(application, afterEffect ? "letter_given_and_refused" : "letter_refused");
+    }
+}
+
+TEST_P(RecoveryRecognition, DoesNotNoticeThatTheLetterCannotBeTaken) {
+    Application application(FactoryGpt());
+    application.pc.faults.Arm({.call = "IVdsAdvancedDisk::DeleteDriveLetter", .code = 0x80004005});
+    EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
+    EXPECT_EQ(Letters(application, GetParam().number), "D");
+    ExpectStory(application, "letter_stays");
+}
+
+// The volume layer knows the letter, a volume call cannot open it: the contents are there all the same, and
+// the letter goes as if it were a temporary one.
+TEST_P(RecoveryRecognition, TakesALetterThatCannotBeOpened) {
+    machine::Pc facts = WithLetters(GetParam().number, "R");
+    PartitionOf(facts, GetParam().number).volume->openError = ERROR_ACCESS_DENIED;
+    Application application(facts);
+    EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
+    EXPECT_EQ(Letters(application, GetParam().number), "");
+    ExpectStory(application, "letter_not_opened");
+}
+
+}  // namespace

@@ -1,0 +1,78 @@
+// docs/operations.md has an example of every operation, and each answers what the page says; the README leads
+// to all of them.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+#include "tests/support/program/program.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+using Examples = ProgramTest;
+
+struct Example {
+    std::string command;  // as one types it
+    std::string output;
+};
+
+std::string Text(const char* name) {
+    std::ifstream file(std::string(KESTOVA_SOURCE_FOLDER "/") + name, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+// The indented lines of the page: a command after "$ ", below it what it writes.
+std::vector<Example> ExamplesOf(const std::string& page) {
+    const std::string indent = "    ";
+    const std::string prompt = "    $ ";
+    std::vector<Example> examples;
+    std::istringstream lines(page);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with(prompt)) {
+            examples.push_back({line.substr(prompt.size()), ""});
+        } else if (line.starts_with(indent)) {
+            examples.back().output += line.substr(indent.size()) + "\n";
+        }
+    }
+    return examples;
+}
+
+TEST_F(Examples, AnswerWhatThePageSays) {
+    const std::vector<Example> examples = ExamplesOf(Text("docs/operations.md"));
+    EXPECT_GT(examples.size(), 30u);
+    for (const Example& example : examples) {
+        const Outcome outcome = Shell("kestova() { '" KESTOVA_PROGRAM "' \"$@\"; } ; " + example.command);
+        EXPECT_EQ(outcome.status, 0) << example.command;
+        EXPECT_EQ(outcome.output, example.output) << example.command;
+        EXPECT_EQ(outcome.errors, "") << example.command;
+    }
+}
+
+TEST_F(Examples, OfEveryOperationAreThereAndLinkedOnce) {
+    const std::string page = Text("docs/operations.md");
+    const std::string readme = Text("README.md");
+    std::istringstream names(
+        Shell("'" KESTOVA_PROGRAM "' operations --json | sed -E 's/.*\"operation\":\"([^\"]*)\".*/\\1/'")
+            .output);
+    int operations = 0;
+    for (std::string name; std::getline(names, name); ++operations) {
+        const size_t section = page.find("\n## " + name + "\n");
+        ASSERT_NE(section, std::string::npos) << name;
+        const std::string example = page.substr(section, page.find("\n## ", section + 1) - section);
+        EXPECT_THAT(example, HasSubstr("\n    $ ")) << name;
+        EXPECT_THAT(example, HasSubstr("\n    " + name + "(")) << name;
+        std::string anchor = name;
+        std::transform(anchor.begin(), anchor.end(), anchor.begin(),
+                       [](unsigned char unit) { return static_cast<char>(std::tolower(unit)); });
+        EXPECT_THAT(readme, HasSubstr("| [`" + name + "`](docs/operations.md#" + anchor + ") | ")) << name;
+    }
+    EXPECT_EQ(operations, 38);
+}
+
+}  // namespace
