@@ -45,7 +45,11 @@ TEST_F(RecoveryExample, TellsThatThereIsNoRecoveryPartition) {
 }
 
 TEST_F(RecoveryExample, TellsThatTheFileCannotBeRead) {
-    ASSERT_EQ(Kestova("--pc factory-gpt --fail ReadFile=0x17 --save pc.json status").status, 0);
+    ASSERT_EQ(Kestova("--pc factory-gpt --save factory.json status").status, 0);
+    ASSERT_EQ(
+        Shell("sed '1s/{/{\"faults\": [{\"call\": \"ReadFile\", \"code\": 23}],/' factory.json >pc.json")
+            .status,
+        0);
     const Outcome outcome = Run("pc.json");
     EXPECT_EQ(outcome.status, 9);
     EXPECT_EQ(outcome.output,

@@ -70,6 +70,46 @@ constexpr Operation current[] = {
     {"GetRCVUFD", [](Kestova& kestova) { kestova.GetRCVUFD(); }},
     {"IsWindowsRE", [](Kestova& kestova) { kestova.IsWindowsRE(TEXT('C')); }},
     {"IsVistaOS", [](Kestova& kestova) { kestova.IsVistaOS(TEXT('C')); }},
+    {"ActiveOrvoBootPartition",
+     [](Kestova& kestova) {
+         WCHAR letter;
+         kestova.ActiveOrvoBootPartition(letter);
+     }},
+    {"DisableOrvoBootPartition", [](Kestova& kestova) { kestova.DisableOrvoBootPartition(); }},
+    {"ActiveGPTSystemPartition",
+     [](Kestova& kestova) {
+         WCHAR letter;
+         kestova.ActiveGPTSystemPartition(letter);
+     }},
+    {"DisableGPTSystemPartition", [](Kestova& kestova) { kestova.DisableGPTSystemPartition(); }},
+    {"AssignRecoveryPartition",
+     [](Kestova& kestova) {
+         WCHAR letter;
+         kestova.AssignRecoveryPartition(letter);
+     }},
+    {"AssignWinREPartition",
+     [](Kestova& kestova) {
+         WCHAR letter;
+         kestova.AssignWinREPartition(letter);
+     }},
+    {"RemoveRecoveryPartition", [](Kestova& kestova) { kestova.RemoveRecoveryPartition(); }},
+    {"RemoveWinREPartition", [](Kestova& kestova) { kestova.RemoveWinREPartition(); }},
+    {"IsExistRcvprt", [](Kestova& kestova) { kestova.IsExistRcvprt(); }},
+    {"IsExistEncryptVolume", [](Kestova& kestova) { kestova.IsExistEncryptVolume(); }},
+    {"GetEncryptVolume", [](Kestova& kestova) { kestova.GetEncryptVolume(); }},
+    {"GetAllEncryptVolume", [](Kestova& kestova) { kestova.GetAllEncryptVolume(nullptr, 0); }},
+    {"GetBitLockerSystemInfo",
+     [](Kestova& kestova) {
+         int disk, partition;
+         WCHAR letter;
+         kestova.GetBitLockerSystemInfo(disk, partition, letter);
+     }},
+    {"GetVistaOSInfo",
+     [](Kestova& kestova) {
+         int disk, partition;
+         WCHAR letter;
+         kestova.GetVistaOSInfo(disk, partition, letter);
+     }},
     {"GetWinDriveLetters", [](Kestova& kestova) { kestova.GetWinDriveLetters(nullptr, 0); }},
     {"SetRcvprtActive", [](Kestova& kestova) { kestova.SetRcvprtActive(); }},
     {"SetSystemActive", [](Kestova& kestova) { kestova.SetSystemActive(); }},

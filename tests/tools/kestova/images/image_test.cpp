@@ -28,19 +28,26 @@ TEST_F(Image, StatusShowsItUnderWindowsPeAndWritesNothing) {
     const Outcome outcome = Kestova("--image disk.img status");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(outcome.output,
-              "Firmware           BIOS\n"
-              "Running system     Windows PE\n"
-              "Windows directory  X:\\Windows\n"
-              "Internal disk      0\n"
-              "Partition style    MBR\n"
-              "Active partition   2\n"
-              "\n"
-              "  #  Size       Type                    Active  Letter  Label     File system\n"
-              "  1  60.0 MiB   hidden recovery (0x27)  -       C       Recovery  NTFS\n"
-              "  2  120.0 MiB  NTFS (0x07)             active  D       Windows   NTFS\n"
-              "  3  90.0 MiB   NTFS (0x07)             -       E       Data      NTFS\n"
-              "  4  28.0 MiB   hibernation (0x84)      -       -       -         -\n");
+    EXPECT_EQ(
+        outcome.output,
+        "Firmware           BIOS\n"
+        "Running system     Windows PE\n"
+        "Windows directory  X:\\Windows\n"
+        "Internal disk      0\n"
+        "Partition style    MBR\n"
+        "Active partition   2\n"
+        "Layout             MBR, partition 2 has any other label\n"
+        "Installed Windows  D: disk 0, partition 2\n"
+        "Encrypted volumes  none\n"
+        "Recovery disc      none\n"
+        "Recovery stick     none\n"
+        "Cache partition    no\n"
+        "\n"
+        "  #  Size       Type                    Active  Letter  Label     File system  Hide  Role: reason\n"
+        "  1  60.0 MiB   hidden recovery (0x27)  -       C       Recovery  NTFS         -     recovery: type\n"
+        "  2  120.0 MiB  NTFS (0x07)             active  D       Windows   NTFS         -     installed Windows: contents\n"
+        "  3  90.0 MiB   NTFS (0x07)             -       E       Data      NTFS         -     -\n"
+        "  4  28.0 MiB   hibernation (0x84)      -       -       -         -            -     hibernation: type\n");
     EXPECT_TRUE(IsAsItWas());
 }
 

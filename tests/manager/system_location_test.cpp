@@ -1,0 +1,165 @@
+// Where the EFI system partition and the installed Windows lie.
+
+#include <gtest/gtest.h>
+
+#include "machine/model/machines.h"
+#include "platform/partition_types.h"
+#include "tests/manager/internals.h"
+#include "tests/support/application/application.h"
+#include "tests/support/transcript.h"
+
+namespace {
+
+using machine::FactoryGpt;
+using machine::FactoryMbr;
+using machine::FaultRule;
+
+struct Place {
+    DWORD code = 77;
+    int disk = 77;
+    int partition = 77;
+    WCHAR letter = TEXT('?');
+    bool operator==(const Place&) const = default;
+};
+
+void PrintTo(const Place& place, std::ostream* out) {
+    *out << "code " << place.code << " disk " << place.disk << " partition " << place.partition << " letter "
+         << static_cast<int>(place.letter);
+}
+
+constexpr Place Nowhere(DWORD code) {
+    return {code, -1, -1, TEXT('0')};
+}
+
+using Question = DWORD (Kestova::*)(int&, int&, WCHAR&);
+constexpr Question bootFiles = &Kestova::GetBitLockerSystemInfo;
+constexpr Question windows = &Kestova::GetVistaOSInfo;
+
+Place Ask(Application& application, Question question) {
+    Place place;
+    place.code = (application.kestova.*question)(place.disk, place.partition, place.letter);
+    ExpectOnlyKeptLeftovers(application.pc.ledger);
+    return place;
+}
+
+machine::Pc OfUnknownStyle() {
+    machine::Pc facts = FactoryMbr();
+    facts.disks[0].style = machine::PartitionStyle::Unknown;
+    return facts;
+}
+
+machine::Pc WithoutEfiSystemPartition() {
+    machine::Pc facts = FactoryGpt();
+    PartitionOf(facts, 3).gptType = PARTITION_BASIC_DATA_GUID;
+    return facts;
+}
+
+machine::Pc WithTwoPartitions() {
+    machine::Pc facts = FactoryGpt();
+    facts.disks[0].partitions.resize(2);
+    facts.disks[0].partitions.back().volume->letters = "C";
+    return facts;
+}
+
+machine::Pc WithoutWindowsFiles() {
+    machine::Pc facts = FactoryGpt();
+    PartitionOf(facts, 5).volume->files = {};
+    return facts;
+}
+
+machine::Pc WithoutWindowsLetter() {
+    machine::Pc facts = FactoryGpt();
+    PartitionOf(facts, 5).volume->letters = "";
+    PartitionOf(facts, 6).volume->letters = "R";
+    facts.system.windowsDirectory = "R:\\Windows";
+    return facts;
+}
+
+machine::Pc OnDisk1() {
+    machine::Pc facts = FactoryGpt();
+    facts.disks[0].number = 1;
+    facts.disks[0].vdsName = "\\\\?\\PhysicalDrive1";
+    return facts;
+}
+
+machine::Pc WithoutInternalDisk() {
+    machine::Pc facts = FactoryGpt();
+    facts.disks[0].busType = 17;
+    return facts;
+}
+
+const FaultRule styleUnreadable = {.call = "IVdsService::GetObject", .nth = 1, .code = 0x80042405};
+const FaultRule typeUnreadable = {.call = "IVdsAdvancedDisk::QueryPartitions", .nth = 2, .code = 0x8004242B};
+
+struct Story {
+    const char* name;  // and the transcript's
+    Question question;
+    machine::Pc facts;
+    std::vector<FaultRule> faults;
+    Place place;
+};
+
+void PrintTo(const Story& story, std::ostream* out) {
+    *out << story.name;
+}
+
+const Story stories[] = {
+    {"boot_files_gpt", bootFiles, FactoryGpt(), {}, {0, 0, 3, TEXT('0')}},
+    {"boot_files_on_disk_1", bootFiles, OnDisk1(), {}, {0, 1, 3, TEXT('0')}},
+    {"boot_files_gpt_other", bootFiles, WithoutEfiSystemPartition(), {}, Nowhere(0)},
+    {"boot_files_mbr", bootFiles, FactoryMbr(), {}, Nowhere(0)},
+    {"boot_files_no_internal_disk", bootFiles, WithoutInternalDisk(), {}, Nowhere(100)},
+    {"boot_files_unknown_style", bootFiles, OfUnknownStyle(), {}, Nowhere(106)},
+    // A style that cannot be read is an unknown one.
+    {"boot_files_no_style", bootFiles, FactoryMbr(), {styleUnreadable}, Nowhere(106)},
+    {"boot_files_two_partitions", bootFiles, WithTwoPartitions(), {}, Nowhere(115)},
+    {"boot_files_no_type", bootFiles, FactoryGpt(), {typeUnreadable}, Nowhere(115)},
+
+    {"windows_gpt", windows, FactoryGpt(), {}, {0, 0, 5, TEXT('C')}},
+    {"windows_on_disk_1", windows, OnDisk1(), {}, {0, 1, 5, TEXT('C')}},
+    {"windows_no_letter", windows, WithoutWindowsLetter(), {}, Nowhere(104)},
+    {"windows_no_files", windows, WithoutWindowsFiles(), {}, Nowhere(110)},
+    // Without an EFI system partition the letter is looked up on disk -1.
+    {"windows_gpt_other", windows, WithoutEfiSystemPartition(), {}, Nowhere(104)},
+    {"windows_mbr", windows, FactoryMbr(), {}, Nowhere(104)},
+    {"windows_unknown_style", windows, OfUnknownStyle(), {}, Nowhere(111)},
+    {"windows_no_internal_disk", windows, WithoutInternalDisk(), {}, Nowhere(111)},
+    // The code of the other query gives way to the letter's.
+    {"windows_two_partitions", windows, WithTwoPartitions(), {}, Nowhere(104)},
+};
+
+class SystemLocation : public testing::TestWithParam<Story> {};
+
+TEST_P(SystemLocation, IsToldAndNothingChanges) {
+    const Story& story = GetParam();
+    Application application(story.facts);
+    for (const FaultRule& fault : story.faults)
+        application.pc.faults.Arm(fault);
+    EXPECT_EQ(Ask(application, story.question), story.place);
+    EXPECT_EQ(application.pc.faults.Fired() > 0, !story.faults.empty());
+    EXPECT_EQ(application.pc.pc, story.facts);
+    ExpectTranscript(application.pc.journal, std::string("manager/") + story.name);
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, SystemLocation, testing::ValuesIn(stories),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST(SystemLocation, IsUnknownWithoutAVolumeLayer) {
+    Application application(FactoryGpt());
+    internals::DropVolumeLayer(application.kestova);
+    application.pc.journal.Clear();
+    EXPECT_EQ(Ask(application, bootFiles), Nowhere(100));
+    EXPECT_EQ(Ask(application, windows), Nowhere(111));
+    EXPECT_EQ(Transcript(application.pc.journal),
+              "4 Kestova::GetBitLockerSystemInfo\\tStart\n"
+              "4 Kestova::GetFirstInternalDriveNumber\\tStart\n"
+              "4 Kestova::GetFirstInternalDriveNumber\\tEnd. DriveNumber = {int -1}\n"
+              "1 Kestova::GetBitLockerSystemInfo\\tGetFirstInternalDriveNumber error\n"
+              "4 Kestova::GetVistaOSInfo\\tStart\n"
+              "4 Kestova::GetDiskStyle\\t\\tStart\n"
+              "4 Kestova::GetDiskStyle\\t\\tEnd. enumDiskStyle = {int 0}\n"
+              "1 Kestova::GetVistaOSInfo\\tGetDiskStyle\\tERROR_GET_DISK_STYLE\n"
+              "4 {string Kestova::GetVistaOSInfo DiskNumber: -1  PartitionNumber: -1  cDriveLetter: 0}\n");
+}
+
+}  // namespace
