@@ -8,6 +8,7 @@
 
 #include "diag/module.h"
 #include "machine/model/machines.h"
+#include "manager/result_codes.h"
 #include "platform/partition_types.h"
 #include "tests/faults/fault_walk.h"
 #include "tests/manager/internals.h"
@@ -192,6 +193,51 @@ const Question questions[] = {
      [](Kestova& kestova) -> int { return (kestova.*Open(internals::GetOSVolumeTag()))(); },
      'C',
      {'0'}},
+    {"GetBitLockerSystemInfo",
+     machine::FactoryGpt,
+     [](Kestova& kestova) {
+         int disk = 77;
+         int partition = 77;
+         WCHAR letter = 0;
+         const DWORD code = kestova.GetBitLockerSystemInfo(disk, partition, letter);
+         EXPECT_EQ(partition, code == 0 ? 3 : -1);
+         return static_cast<int>(code);
+     },
+     0,
+     {NO_INTERNAL_DISK, UNKNOWN_DISK_STYLE, NO_SYSTEM_PARTITION_TYPE}},
+    {"GetVistaOSInfo",
+     machine::FactoryGpt,
+     [](Kestova& kestova) {
+         int disk = 77;
+         int partition = 77;
+         WCHAR letter = 0;
+         const DWORD code = kestova.GetVistaOSInfo(disk, partition, letter);
+         EXPECT_EQ(partition, code == 0 ? 5 : -1);
+         EXPECT_EQ(letter, code == 0 ? TEXT('C') : TEXT('0'));
+         return static_cast<int>(code);
+     },
+     0,
+     {ERROR_GET_DRIVE_LETTER, ERROR_NO_EXIST_OS, ERROR_GET_DISK_STYLE}},
+    {"IsExistEncryptVolume",
+     Encrypted,
+     [](Kestova& kestova) { return kestova.IsExistEncryptVolume(); },
+     1,
+     {0}},
+    // A query that ends early may have missed the volume or its letter.
+    {"GetEncryptVolume",
+     Encrypted,
+     [](Kestova& kestova) -> int { return kestova.GetEncryptVolume(); },
+     'C',
+     {'0', '\0'}},
+    {"GetAllEncryptVolume",
+     Encrypted,
+     [](Kestova& kestova) -> int {
+         WCHAR letters[33] = {};
+         const int isAsked = kestova.GetAllEncryptVolume(letters, 33);
+         return isAsked ? letters[0] : -1;
+     },
+     'C',
+     {-1, '\0'}},
     {"IsVistaOSByFiles", Emulated, [](Kestova& kestova) { return kestova.IsVistaOS(TEXT('C')); }, 1, {0}},
     {"IsVistaOSEncrypted", Encrypted, [](Kestova& kestova) { return kestova.IsVistaOS(TEXT('C')); }, 1, {0}},
 };
