@@ -43,9 +43,9 @@ std::vector<Operation> DiskOperations() {
                          .output = true,
                          .meanings = {{0, "unknown"},
                                       {1, "GPT, partition 3 is the EFI system partition"},
-                                      {2, "GPT, partition 3 is anything else"},
+                                      {2, "GPT, partition 3 is not the EFI system partition"},
                                       {3, "MBR, partition 2 is labelled \"System Reserved\""},
-                                      {4, "MBR, partition 2 has any other label"}}}},
+                                      {4, "MBR, partition 2 is not labelled System Reserved"}}}},
          .results = {{1, "asked; the type tells the rest"}},
          .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
              tagDiskTypeEnum type = DISK_TYPE_UNKNOWN;

@@ -31,7 +31,7 @@ TEST_F(Status, WithoutPcShowsTheFactoryMachineAndSaysSo) {
         "Internal disk      0\n"
         "Partition style    MBR\n"
         "Active partition   2\n"
-        "Layout             MBR, partition 2 has any other label\n"
+        "Layout             MBR, partition 2 is not labelled System Reserved\n"
         "Installed Windows  C: disk 0, partition 2\n"
         "Encrypted volumes  BitLocker cannot be asked\n"
         "Recovery disc      none\n"
@@ -161,7 +161,7 @@ TEST_F(Status, InJsonIsOneObject) {
     EXPECT_THAT(outcome.output,
                 EndsWith(R"("active":false,"letter":null,"label":null,"fileSystem":null,"hide":false,)"
                          R"("roles":[{"role":"hibernation","reason":"type"}]}],"layout":4,)"
-                         R"("layoutName":"MBR, partition 2 has any other label","encryptedVolumes":null,)"
+                         R"("layoutName":"MBR, partition 2 is not labelled System Reserved","encryptedVolumes":null,)"
                          R"("recoveryDisc":null,"recoveryStick":null,"cachePartition":true,)"
                          R"("windows":{"disk":0,"partition":2,"letter":"D"}})"
                          "\n"));

@@ -36,7 +36,7 @@ TEST_F(Image, StatusShowsItUnderWindowsPeAndWritesNothing) {
         "Internal disk      0\n"
         "Partition style    MBR\n"
         "Active partition   2\n"
-        "Layout             MBR, partition 2 has any other label\n"
+        "Layout             MBR, partition 2 is not labelled System Reserved\n"
         "Installed Windows  D: disk 0, partition 2\n"
         "Encrypted volumes  none\n"
         "Recovery disc      none\n"

@@ -1,0 +1,178 @@
+// Whole recovery landscapes on images made by other tools: GPT disks, letters in an installed Windows' hive,
+// recovery discs and sticks, an encrypted volume. What only asks writes nothing.
+
+#include <gmock/gmock.h>
+
+#include "tests/support/program/program.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+class Landscape : public ProgramTest {
+  protected:
+    // A copy of a made image in the test's folder.
+    void Take(const std::string& image) {
+        EXPECT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/" + image + " .").status, 0);
+    }
+    bool IsAsMade(const std::string& image) {
+        return Shell("cmp " KESTOVA_TEST_IMAGES "/" + image + " " + image).status == 0;
+    }
+};
+
+TEST_F(Landscape, OfAGptDiskIsTold) {
+    Take("factory-gpt.img");
+    const Outcome outcome = Kestova("--image factory-gpt.img status");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(
+        outcome.output,
+        "Firmware           UEFI\n"
+        "Running system     Windows PE\n"
+        "Windows directory  X:\\Windows\n"
+        "Internal disk      0\n"
+        "Partition style    GPT\n"
+        "Active partition   none\n"
+        "Layout             GPT, partition 3 is the EFI system partition\n"
+        "Installed Windows  D: disk 0, partition 5\n"
+        "Encrypted volumes  none\n"
+        "Recovery disc      none\n"
+        "Recovery stick     none\n"
+        "Cache partition    no\n"
+        "\n"
+        "  #  Size       Type                Active  Letter  Label     File system  Hide  Role: reason\n"
+        "  1  40.0 MiB   maker's boot        -       -       -         -            hide  maker's boot: type\n"
+        "  2  40.0 MiB   Windows recovery    -       C       WinRE     NTFS         -     Windows RE: type and contents\n"
+        "  3  40.0 MiB   EFI system          -       -       -         -            hide  EFI system: type\n"
+        "  4  16.0 MiB   Microsoft reserved  -       -       -         -            hide  -\n"
+        "  5  180.0 MiB  basic data          -       D       Windows   NTFS         -     installed Windows: contents\n"
+        "  6  80.0 MiB   Windows recovery    -       E       Recovery  NTFS         -     recovery: type and contents\n");
+    EXPECT_TRUE(IsAsMade("factory-gpt.img"));
+}
+
+TEST_F(Landscape, GivesBootAndRecoveryPartitionsLettersAndTakesThem) {
+    Take("factory-gpt.img");
+    const Outcome outcome = Kestova("--image factory-gpt.img run -",
+                                    "ActiveOrvoBootPartition\n"
+                                    "ActiveGPTSystemPartition\n"
+                                    "GetDriveLetter 0 3\n"
+                                    "AssignRecoveryPartition\n"
+                                    "IsExistRcvprt\n"
+                                    "DisableGPTSystemPartition\n"
+                                    "DisableOrvoBootPartition\n"
+                                    "RemoveRecoveryPartition\n"
+                                    "GetDriveLetter 0 6\n"
+                                    "SetRcvprtActive\n");
+    EXPECT_EQ(outcome.status, 1);  // of the last operation
+    EXPECT_EQ(outcome.output,
+              "Initialize(false) = 1: the service is ready\n"
+              "ActiveOrvoBootPartition() = 0: done\n"
+              "  letter = F\n"
+              "ActiveGPTSystemPartition() = 0: done\n"
+              "  letter = G\n"
+              "GetDriveLetter(0, 3) = G: its letter\n"
+              "AssignRecoveryPartition() = 1: asked; the letter tells the rest\n"
+              "  letter = E\n"
+              "IsExistRcvprt() = 1: yes\n"
+              "DisableGPTSystemPartition() = 0: done\n"
+              "DisableOrvoBootPartition() = 0: done\n"
+              "RemoveRecoveryPartition()\n"
+              "GetDriveLetter(0, 6) = 0: it has none\n"
+              "SetRcvprtActive() = 1: no active partition could be read\n");
+    EXPECT_TRUE(IsAsMade("factory-gpt.img"));
+}
+
+TEST_F(Landscape, WithoutEfiHasNoWindowsByItsLayout) {
+    Take("gpt-without-efi.img");
+    const Outcome outcome = Kestova("--image gpt-without-efi.img run -",
+                                    "GetCurrentDiskType\nGetBitLockerSystemInfo\nGetVistaOSInfo\n");
+    EXPECT_EQ(outcome.output,
+              "Initialize(false) = 1: the service is ready\n"
+              "GetCurrentDiskType() = 1: asked; the type tells the rest\n"
+              "  type = 2: GPT, partition 3 is not the EFI system partition\n"
+              "GetBitLockerSystemInfo() = 0: asked; the outputs tell the rest\n"
+              "  disk = -1: none\n"
+              "  partition = -1: none\n"
+              "  letter = 0: none\n"
+              "GetVistaOSInfo() = 104: its partition has no letter, or the layout is another\n"
+              "  disk = -1: none\n"
+              "  partition = -1: none\n"
+              "  letter = 0: none\n");
+    EXPECT_TRUE(IsAsMade("gpt-without-efi.img"));
+}
+
+// C and D stand for partitions of the MBR disk, E for one of the GPT disk, F for a disk that is gone, and G
+// for what D stands for.
+TEST_F(Landscape, OfTwoDisksHasTheLettersOfTheInstalledWindows) {
+    Take("installed-windows.img");
+    Take("factory-gpt.img");
+    const Outcome outcome = Kestova("--image installed-windows.img --image factory-gpt.img letters");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output,
+              "Letter  Disk  Partition  Here\n"
+              "C       0     2          D\n"
+              "D       0     3          E\n"
+              "E       1     5          G\n"
+              "G       0     3          E\n");
+    EXPECT_TRUE(IsAsMade("installed-windows.img"));
+    EXPECT_TRUE(IsAsMade("factory-gpt.img"));
+}
+
+TEST_F(Landscape, HasAnEncryptedVolume) {
+    Take("bitlocker.img");
+    EXPECT_THAT(
+        Shell("dd if=bitlocker.img bs=1M skip=41 count=80 status=none of=volume; /usr/sbin/blkid -p volume")
+            .output,
+        HasSubstr("TYPE=\"BitLocker\""));
+    const Outcome outcome =
+        Kestova("--image bitlocker.img run -",
+                "IsExistEncryptVolume\nGetEncryptVolume\nGetAllEncryptVolume 33\nIsVistaOS D\n");
+    EXPECT_EQ(outcome.output,
+              "Initialize(false) = 1: the service is ready\n"
+              "IsExistEncryptVolume() = 1: it can, even if it encrypts nothing\n"
+              "GetEncryptVolume() = D: its letter\n"
+              "GetAllEncryptVolume(33) = 1: BitLocker was asked\n"
+              "  buffer = D\n"
+              "IsVistaOS(D) = 1: yes\n");
+    EXPECT_TRUE(IsAsMade("bitlocker.img"));
+}
+
+struct Medium {
+    const char* name;
+    const char* option;
+    const char* image;
+    const char* question;
+};
+
+void PrintTo(const Medium& medium, std::ostream* out) {
+    *out << medium.name;
+}
+
+class RecoveryMedium : public Landscape, public testing::WithParamInterface<Medium> {};
+
+TEST_P(RecoveryMedium, HasALetterBehindTheDisks) {
+    const Medium& medium = GetParam();
+    Take("factory-mbr.img");
+    Take(medium.image);
+    const std::string pc = std::string("--image factory-mbr.img ") + medium.option + " " + medium.image;
+    EXPECT_EQ(Kestova(pc + " call " + medium.question).output,
+              std::string(medium.question) + "() = F: its letter\n");
+    EXPECT_TRUE(IsAsMade(medium.image));
+    EXPECT_EQ(Kestova(std::string("--image factory-mbr.img call ") + medium.question).output,
+              std::string(medium.question) + "() = 0: there is none\n");
+}
+
+constexpr Medium media[] = {
+    {"Iso9660", "--disc", "disc-iso.iso", "GetRCVDISC"},
+    {"Joliet", "--disc", "disc-joliet.iso", "GetRCVDISC"},
+    {"Udf", "--disc", "disc-udf.iso", "GetRCVDISC"},
+    {"Fat12", "--stick", "stick-fat12.img", "GetRCVUFD"},
+    {"Fat16", "--stick", "stick-fat16.img", "GetRCVUFD"},
+    {"Fat32", "--stick", "stick-fat32.img", "GetRCVUFD"},
+    {"Ntfs", "--stick", "stick-ntfs.img", "GetRCVUFD"},
+    {"Partitioned", "--stick", "stick-table.img", "GetRCVUFD"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Every, RecoveryMedium, testing::ValuesIn(media),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+}  // namespace
