@@ -84,7 +84,7 @@ void UdfVolume::ReadDescriptors() {
     for (const uint64_t place : {uint64_t{256}, sectors - 1, sectors - 257}) {
         const auto anchor = ReadSector(place, tagAnchor);
         if (!anchor) continue;
-        for (const size_t sequence : {16, 24}) {
+        for (const size_t sequence : {size_t{16}, size_t{24}}) {
             if (ReadSequence(Le32(*anchor, sequence + 4), Le32(*anchor, sequence) / sectorSize)) return;
         }
     }

@@ -11,8 +11,6 @@ namespace {
 
 using Text = std::basic_string<WCHAR>;
 
-constexpr int refused = -1;  // BitLocker cannot be asked
-
 // A PC whose BitLocker lists volumes with these letters, as it writes them; "" is none.
 machine::Pc Encrypting(const std::vector<std::string>& letters) {
     machine::Pc facts = machine::FactoryMbr();

@@ -103,20 +103,24 @@ void AddRecoveryRoles(Session& session, Json& status) {
     }
 }
 
+bool HoldsWindows(const Json& partition) {
+    const Json& roles = partition["roles"];
+    return std::any_of(roles.begin(), roles.end(),
+                       [](const Json& role) { return role["role"] == "installed Windows"; });
+}
+
+Json Place(const Json& disk, const Json& partition, const Json& letter) {
+    return {{"disk", disk}, {"partition", partition}, {"letter", letter}};
+}
+
 // Where the library finds it by the layout, else where its files are.
 Json InstalledWindows(Kestova& object, const Json& status) {
-    Json found = Ask(object, "GetVistaOSInfo");
-    if (found["result"] == 0)
-        return {{"disk", found["disk"]}, {"partition", found["partition"]}, {"letter", found["letter"]}};
-    for (const Json& partition : status["partitions"]) {
-        const Json& roles = partition["roles"];
-        if (std::any_of(roles.begin(), roles.end(),
-                        [](const Json& role) { return role["role"] == "installed Windows"; }))
-            return {{"disk", status["internalDisk"]},
-                    {"partition", partition["number"]},
-                    {"letter", partition["letter"]}};
-    }
-    return nullptr;
+    const Json found = Ask(object, "GetVistaOSInfo");
+    if (found["result"] == 0) return Place(found["disk"], found["partition"], found["letter"]);
+    const Json& partitions = status["partitions"];
+    const auto windows = std::find_if(partitions.begin(), partitions.end(), HoldsWindows);
+    if (windows == partitions.end()) return nullptr;
+    return Place(status["internalDisk"], (*windows)["number"], (*windows)["letter"]);
 }
 
 Json EncryptedVolumes(Kestova& object) {

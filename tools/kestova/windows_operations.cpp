@@ -30,7 +30,9 @@ Json WithPlace(Json& outputs, Member member) {
     int foundPartition = -1;
     WCHAR letter = TEXT('0');
     const Json result = member(foundDisk, foundPartition, letter);
-    outputs = {{"disk", foundDisk}, {"partition", foundPartition}, {"letter", LetterText(letter)}};
+    outputs["disk"] = foundDisk;
+    outputs["partition"] = foundPartition;
+    outputs["letter"] = LetterText(letter);
     return result;
 }
 

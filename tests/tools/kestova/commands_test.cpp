@@ -158,13 +158,14 @@ TEST_F(Status, InJsonIsOneObject) {
                            R"json("typeName":"hidden recovery (0x27)","active":true,"letter":"C",)json"
                            R"("label":"Recovery","fileSystem":"NTFS","hide":false,)"
                            R"("roles":[{"role":"recovery","reason":"type"}]},)"));
-    EXPECT_THAT(outcome.output,
-                EndsWith(R"("active":false,"letter":null,"label":null,"fileSystem":null,"hide":false,)"
-                         R"("roles":[{"role":"hibernation","reason":"type"}]}],"layout":4,)"
-                         R"("layoutName":"MBR, partition 2 is not labelled System Reserved","encryptedVolumes":null,)"
-                         R"("recoveryDisc":null,"recoveryStick":null,"cachePartition":true,)"
-                         R"("windows":{"disk":0,"partition":2,"letter":"D"}})"
-                         "\n"));
+    EXPECT_THAT(
+        outcome.output,
+        EndsWith(R"("active":false,"letter":null,"label":null,"fileSystem":null,"hide":false,)"
+                 R"("roles":[{"role":"hibernation","reason":"type"}]}],"layout":4,)"
+                 R"("layoutName":"MBR, partition 2 is not labelled System Reserved","encryptedVolumes":null,)"
+                 R"("recoveryDisc":null,"recoveryStick":null,"cachePartition":true,)"
+                 R"("windows":{"disk":0,"partition":2,"letter":"D"}})"
+                 "\n"));
 }
 
 TEST_F(Status, OfUnreadableLayoutTellsTheErrorAndFails) {
