@@ -29,7 +29,7 @@ Json WithPlace(Json& outputs, Member member) {
     int foundDisk = -1;
     int foundPartition = -1;
     WCHAR letter = TEXT('0');
-    const Json result = member(foundDisk, foundPartition, letter);
+    Json result = member(foundDisk, foundPartition, letter);
     outputs["disk"] = foundDisk;
     outputs["partition"] = foundPartition;
     outputs["letter"] = LetterText(letter);

@@ -22,7 +22,7 @@ class FatVolumeTest : public ImageTest, public testing::WithParamInterface<const
     }
     // A file of that many bytes, no two stretches of it alike.
     std::string Host(const std::string& name, size_t size) {
-        const std::string file = (Folder() / name).string();
+        std::string file = (Folder() / name).string();
         OutputOf("seq 1000000 | head -c " + std::to_string(size) + " >'" + file + "'");
         return file;
     }
