@@ -1,5 +1,6 @@
 #include "machine/storage/given_images.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <span>
 #include <vector>
@@ -21,11 +22,11 @@ std::vector<std::string> ImagesOf(const Pc& pc) {
 }
 
 void CheckIsNoneOf(std::span<const std::string> given, const std::string& path) {
-    for (const std::string& other : given) {
+    const auto twin = std::ranges::find_if(given, [&](const std::string& other) {
         std::error_code missing;  // which is told when the image is opened
-        if (std::filesystem::equivalent(other, path, missing))
-            throw ImageError(path + ": given twice, first as " + other);
-    }
+        return std::filesystem::equivalent(other, path, missing);
+    });
+    if (twin != given.end()) throw ImageError(path + ": given twice, first as " + *twin);
 }
 
 }  // namespace
