@@ -22,7 +22,7 @@ class FatVolumeTest : public ImageTest, public testing::WithParamInterface<const
     }
     // A file of that many bytes, no two stretches of it alike.
     std::string Host(const std::string& name, size_t size) {
-        const std::string file = (Folder() / name).string();
+        std::string file = (Folder() / name).string();
         OutputOf("seq 1000000 | head -c " + std::to_string(size) + " >'" + file + "'");
         return file;
     }
@@ -160,7 +160,7 @@ class FatCircleTest : public ImageTest {
 };
 
 TEST_F(FatCircleTest, CountsAsDamage) {
-    for (const uint64_t backTo : {0, 1, 3, 4}) {
+    for (const uint64_t backTo : {0U, 1U, 3U, 4U}) {
         std::string content = "as it was";
         EXPECT_EQ(WithCircle(backTo).Read("circle", content), 1392u) << backTo;
         EXPECT_EQ(content, "as it was");
