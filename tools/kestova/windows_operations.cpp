@@ -83,7 +83,7 @@ std::vector<Operation> WindowsOperations() {
                          .kind = Kind::Text,
                          .words = "the letters",
                          .output = true,
-                         .meanings = {{"", "none"}}},
+                         .meanings = {{"", "empty"}}},
                         {.name = "size",
                          .kind = Kind::Count,
                          .words = "characters that the buffer has room for, with the terminator",
