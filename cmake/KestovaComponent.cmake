@@ -20,7 +20,7 @@ function(kestova_logging_dll)
   set_target_properties(kestova_logging PROPERTIES OUTPUT_NAME Logging PREFIX "")
   target_compile_definitions(kestova_logging PRIVATE LOGGING_EXPORTS)
   target_link_libraries(kestova_logging PUBLIC kestova_platform)
-  target_link_options(kestova_logging PRIVATE -static)
+  kestova_shipped(kestova_logging Logging.dll "Kestova's default logging library")
 endfunction()
 
 # Kestova.dll: the product's folders in one module that exports the one class.
@@ -30,5 +30,8 @@ function(kestova_dll)
   set_target_properties(Kestova PROPERTIES PREFIX "" LINKER_LANGUAGE CXX)
   target_link_libraries(Kestova PRIVATE kestova_vds kestova_device kestova_diag kestova_text kestova_logging
     PUBLIC kestova_platform)
-  target_link_options(Kestova PRIVATE -static)
+  if(MINGW)
+    target_link_libraries(Kestova PRIVATE kestova_runtime)
+  endif()
+  kestova_shipped(Kestova Kestova.dll "Recovery-partition management")
 endfunction()

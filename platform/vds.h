@@ -3,6 +3,8 @@
 // them.
 #pragma once
 
+#include <cstddef>
+
 #include "platform/windows_api.h"
 
 // --- identifiers
