@@ -15,7 +15,7 @@ endfunction()
 
 # Logging.dll, and its import library under the name that the product links.
 function(kestova_logging_dll)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/logging/*.cpp)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/logging/*.cpp ${CMAKE_SOURCE_DIR}/logging/windows/*.cpp)
   add_library(kestova_logging SHARED ${sources})
   set_target_properties(kestova_logging PROPERTIES OUTPUT_NAME Logging PREFIX "")
   target_compile_definitions(kestova_logging PRIVATE LOGGING_EXPORTS)
