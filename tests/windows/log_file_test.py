@@ -41,7 +41,8 @@ class LogFile(unittest.TestCase):
                                    cwd=self.folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         self.addCleanup(process.communicate)
         # An exit code alone would not tell that the program ran.
-        self.assertIn(process.stdout.readline().strip(), ("ready", "stuck"))
+        said = process.stdout.readline().strip()
+        self.assertIn(said, ("ready", "stuck"), f"exit status {process.poll()}")
         return process
 
     def finish(self, process, name, count):
@@ -100,7 +101,7 @@ class LogFile(unittest.TestCase):
         self.assertEqual(numbers, list(range(11, 31)))
 
     def test_loses_no_line_of_two_programs_at_once(self):
-        processes = {name: self.start(name, 500, 1000) for name in ("one", "two")}
+        processes = {name: self.start(name, 500, 1500) for name in ("one", "two")}
         for process in processes.values():
             process.stdin.write("go\n")
             process.stdin.flush()
