@@ -13,6 +13,20 @@ function(kestova_component folder)
   endforeach()
 endfunction()
 
+# The module host goes into diag: with the framework, or without.
+function(kestova_module_host)
+  if(NOT KESTOVA_FRAMEWORK)
+    target_sources(kestova_diag PRIVATE ${CMAKE_SOURCE_DIR}/diag/reduced_host/module_app.cpp)
+    return()
+  endif()
+  if(NOT MSVC)
+    message(FATAL_ERROR "KESTOVA_FRAMEWORK needs MSVC with MFC; this compiler is ${CMAKE_CXX_COMPILER}")
+  endif()
+  target_sources(kestova_diag PRIVATE ${CMAKE_SOURCE_DIR}/diag/framework_host/module_app.cpp)
+  # The framework's DLL, and a module entry of our own.
+  target_compile_definitions(kestova_diag PRIVATE _AFXDLL _AFXEXT)
+endfunction()
+
 # Logging.dll, and its import library under the name that the product links.
 function(kestova_logging_dll)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/logging/*.cpp)
