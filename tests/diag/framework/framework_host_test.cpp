@@ -85,9 +85,10 @@ TEST_F(FrameworkHost, ReleasesWhatAThreadLeaves) {
 TEST_F(FrameworkHost, RestoresTheStateOfWhoeverLoadsIt) {
     AFX_MODULE_STATE anotherModule(TRUE, AfxWndProc, _MFC_VER);
     AfxSetModuleState(&anotherModule);
-    for (const DWORD reason :
-         {DLL_PROCESS_ATTACH, DLL_THREAD_ATTACH, DLL_THREAD_DETACH, DLL_PROCESS_DETACH}) {
-        DllMain(reinterpret_cast<HINSTANCE>(uintptr_t{7000}), static_cast<DWORD>(reason), nullptr);
+    constexpr DWORD reasons[] = {DLL_PROCESS_ATTACH, DLL_THREAD_ATTACH, DLL_THREAD_DETACH,
+                                 DLL_PROCESS_DETACH};
+    for (const DWORD reason : reasons) {
+        DllMain(reinterpret_cast<HINSTANCE>(uintptr_t{7000}), reason, nullptr);
         EXPECT_EQ(AfxGetModuleState(), &anotherModule) << reason;
     }
     AfxSetModuleState(nullptr);
