@@ -13,6 +13,13 @@ function(kestova_component folder)
   endforeach()
 endfunction()
 
+# What a module gives back when it is unloaded, beyond what its own objects do.
+function(kestova_unloadable target)
+  if(MINGW)
+    target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/platform/mingw/unload.cpp)
+  endif()
+endfunction()
+
 # The module host goes into diag: with the framework, or without.
 function(kestova_module_host)
   if(NOT KESTOVA_FRAMEWORK)
@@ -35,6 +42,7 @@ function(kestova_logging_dll)
   target_compile_definitions(kestova_logging PRIVATE LOGGING_EXPORTS)
   target_link_libraries(kestova_logging PUBLIC kestova_platform)
   target_link_options(kestova_logging PRIVATE -static)
+  kestova_unloadable(kestova_logging)
 endfunction()
 
 # Kestova.dll: the product's folders in one module that exports the one class.
@@ -45,4 +53,5 @@ function(kestova_dll)
   target_link_libraries(Kestova PRIVATE kestova_vds kestova_device kestova_diag kestova_text kestova_logging
     PUBLIC kestova_platform)
   target_link_options(Kestova PRIVATE -static)
+  kestova_unloadable(Kestova)
 endfunction()

@@ -9,10 +9,10 @@ class ModuleContext {
     ModuleContext(const ModuleContext&) = delete;
     ModuleContext& operator=(const ModuleContext&) = delete;
 
-    // Whether the library's module is current on this thread.
+    // Whether the library's module is current: on this thread with the framework, else on any.
     static bool IsCurrent();
 
   private:
-    // What was current before, as the host knows it.
-    void* previous_;
+    // What the framework had current before.
+    [[maybe_unused]] void* previous_ = nullptr;
 };

@@ -1,11 +1,16 @@
 #include "diag/reduced_host/module_app.h"
 
+#include <atomic>
+
 #include "diag/module.h"
 
 namespace {
 
 CModuleApp theApp;
-thread_local void* currentModule = nullptr;
+
+// Calls that are running. One number for all threads: what a toolchain keeps for each thread outlives the
+// module.
+std::atomic<int> callsRunning = 0;
 
 }  // namespace
 
@@ -23,16 +28,16 @@ CModuleApp& ModuleApp() {
     return theApp;
 }
 
-ModuleContext::ModuleContext() : previous_(currentModule) {
-    currentModule = &theApp;
+ModuleContext::ModuleContext() {
+    callsRunning++;
 }
 
 ModuleContext::~ModuleContext() {
-    currentModule = previous_;
+    callsRunning--;
 }
 
 bool ModuleContext::IsCurrent() {
-    return currentModule == &theApp;
+    return callsRunning > 0;
 }
 
 // The loader calls it for each of its four reasons. Threads own nothing here.
