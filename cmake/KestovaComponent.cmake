@@ -13,14 +13,36 @@ function(kestova_component folder)
   endforeach()
 endfunction()
 
+# What a module gives back when it is unloaded, beyond what its own objects do.
+function(kestova_unloadable target)
+  if(MINGW)
+    target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/platform/mingw/unload.cpp)
+  endif()
+endfunction()
+
+# The module host goes into diag: with the framework, or without.
+function(kestova_module_host)
+  if(NOT KESTOVA_FRAMEWORK)
+    target_sources(kestova_diag PRIVATE ${CMAKE_SOURCE_DIR}/diag/reduced_host/module_app.cpp)
+    return()
+  endif()
+  if(NOT MSVC)
+    message(FATAL_ERROR "KESTOVA_FRAMEWORK needs MSVC with MFC; this compiler is ${CMAKE_CXX_COMPILER}")
+  endif()
+  target_sources(kestova_diag PRIVATE ${CMAKE_SOURCE_DIR}/diag/framework_host/module_app.cpp)
+  # The framework's DLL, and a module entry of our own.
+  target_compile_definitions(kestova_diag PRIVATE _AFXDLL _AFXEXT)
+endfunction()
+
 # Logging.dll, and its import library under the name that the product links.
 function(kestova_logging_dll)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/logging/*.cpp)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/logging/*.cpp ${CMAKE_SOURCE_DIR}/logging/windows/*.cpp)
   add_library(kestova_logging SHARED ${sources})
   set_target_properties(kestova_logging PROPERTIES OUTPUT_NAME Logging PREFIX "")
   target_compile_definitions(kestova_logging PRIVATE LOGGING_EXPORTS)
   target_link_libraries(kestova_logging PUBLIC kestova_platform)
-  target_link_options(kestova_logging PRIVATE -static)
+  kestova_shipped(kestova_logging Logging.dll "Kestova's default logging library")
+  kestova_unloadable(kestova_logging)
 endfunction()
 
 # Kestova.dll: the product's folders in one module that exports the one class.
@@ -30,5 +52,9 @@ function(kestova_dll)
   set_target_properties(Kestova PROPERTIES PREFIX "" LINKER_LANGUAGE CXX)
   target_link_libraries(Kestova PRIVATE kestova_vds kestova_device kestova_diag kestova_text kestova_logging
     PUBLIC kestova_platform)
-  target_link_options(Kestova PRIVATE -static)
+  if(MINGW)
+    target_link_libraries(Kestova PRIVATE kestova_runtime)
+  endif()
+  kestova_shipped(Kestova Kestova.dll "Recovery-partition management")
+  kestova_unloadable(Kestova)
 endfunction()

@@ -20,3 +20,7 @@ else()
   target_compile_options(kestova_platform INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     -Werror)
 endif()
+
+# Nothing but assertions; it fails to compile where the platform's records lie otherwise.
+add_library(kestova_layout_checks OBJECT ${CMAKE_SOURCE_DIR}/platform/layout_checks.cpp)
+target_link_libraries(kestova_layout_checks PRIVATE kestova_platform)

@@ -1,26 +1,5 @@
-// The module host: what runs when a process loads and unloads the library, and which module a call belongs
-// to.
+// Which module a call belongs to. The module host, one of the folders beside this file, answers it.
 #pragma once
-
-#include "platform/windows_api.h"
-
-// The library's one application object. It lives from load to unload and has no state but what the hooks set
-// up.
-class CModuleApp {
-  public:
-    // Load hook: answers TRUE; the module instance is known from here on.
-    BOOL InitInstance(HINSTANCE instance);
-    // Unload hook: answers 0; the module instance is forgotten.
-    int ExitInstance();
-    // The module instance, or null outside load and unload.
-    HINSTANCE Instance() const { return instance_; }
-
-  private:
-    HINSTANCE instance_ = nullptr;
-};
-
-// The application object.
-CModuleApp& ModuleApp();
 
 // Makes the library's module current on this thread for one call and restores what was current before.
 class ModuleContext {
@@ -30,9 +9,10 @@ class ModuleContext {
     ModuleContext(const ModuleContext&) = delete;
     ModuleContext& operator=(const ModuleContext&) = delete;
 
-    // The module that is current on this thread; null when the library is not being called.
-    static const CModuleApp* Current();
+    // Whether the library's module is current: on this thread with the framework, else on any.
+    static bool IsCurrent();
 
   private:
-    const CModuleApp* previous_;
+    // What the framework had current before.
+    [[maybe_unused]] void* previous_ = nullptr;
 };

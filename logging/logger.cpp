@@ -1,47 +1,70 @@
 // The default logging library: keeps the record that is being written and hands it to the sinks when it ends.
 
 #include <algorithm>
+#include <mutex>
 #include <string>
 #include <utility>
 
+#include "logging/host.h"
 #include "logging/logging.h"
 
 namespace {
 
 using Text = std::basic_string<WCHAR>;
 
-Text Rendered(const std::string& ascii) {
+template <typename Number>
+Text Digits(Number value) {
+    const std::string ascii = std::to_string(value);
     return Text(ascii.begin(), ascii.end());
 }
 
 class Record final : public ILogRecord {
   public:
-    void Begin(int level) { entry_ = {level, {}}; }
+    void Begin(int level) {
+        entry_.level = level;
+        entry_.items.clear();
+    }
     const LogEntry& Entry() const { return entry_; }
 
-    int GetLevel() const override { return entry_.level; }
-    ILogRecord& AppendString(const Text& text) override { return Append(LogItemKind::String, text); }
-    ILogRecord& AppendText(const WCHAR* text) override {
-        return Append(LogItemKind::Text, text != nullptr ? Text(text) : Text());
+    int GetLevel() const noexcept override { return entry_.level; }
+    ILogRecord& AppendString(const Text& text) noexcept override {
+        return Append(LogItemKind::String, [&] { return text; });
     }
-    ILogRecord& AppendPointer(const void*) override {
-        return Append(LogItemKind::Pointer, TEXT("<pointer>"));
+    ILogRecord& AppendText(const WCHAR* text) noexcept override {
+        return Append(LogItemKind::Text, [=] { return text != nullptr ? Text(text) : Text(); });
     }
-    ILogRecord& AppendULong(ULONG value) override {
-        return Append(LogItemKind::ULong, Rendered(std::to_string(value)));
+    ILogRecord& AppendPointer(const void*) noexcept override {
+        return Append(LogItemKind::Pointer, [] { return Text(TEXT("<pointer>")); });
     }
-    ILogRecord& AppendLong(LONG value) override {
-        return Append(LogItemKind::Long, Rendered(std::to_string(value)));
+    ILogRecord& AppendULong(ULONG value) noexcept override {
+        return Append(LogItemKind::ULong, [=] { return Digits(value); });
     }
-    ILogRecord& AppendInt(INT value) override {
-        return Append(LogItemKind::Int, Rendered(std::to_string(value)));
+    ILogRecord& AppendULongLong(ULONGLONG value) noexcept override {
+        return Append(LogItemKind::ULongLong, [=] { return Digits(value); });
     }
-    ILogRecord& AppendChar(WCHAR value) override { return Append(LogItemKind::Char, Text(1, value)); }
-    bool IsEmpty() const override { return entry_.items.empty(); }
+    ILogRecord& AppendLong(LONG value) noexcept override {
+        return Append(LogItemKind::Long, [=] { return Digits(value); });
+    }
+    ILogRecord& AppendLongLong(LONGLONG value) noexcept override {
+        return Append(LogItemKind::LongLong, [=] { return Digits(value); });
+    }
+    ILogRecord& AppendInt(INT value) noexcept override {
+        return Append(LogItemKind::Int, [=] { return Digits(value); });
+    }
+    ILogRecord& AppendChar(WCHAR value) noexcept override {
+        return Append(LogItemKind::Char, [=] { return Text(1, value); });
+    }
+    bool IsEmpty() const noexcept override { return entry_.items.empty(); }
 
   private:
-    ILogRecord& Append(LogItemKind kind, Text text) {
-        entry_.items.push_back({kind, std::move(text)});
+    template <typename Render>
+    ILogRecord& Append(LogItemKind kind, const Render& render) noexcept {
+        const LastErrorKept kept;
+        try {
+            entry_.items.push_back({kind, render()});
+        } catch (...) {
+            return *this;
+        }
         return *this;
     }
 
@@ -50,19 +73,31 @@ class Record final : public ILogRecord {
 
 class Logger final : public ILogger {
   public:
-    void AddSink(ILogSink& sink) override {
+    Logger() {
+        if (ILogSink* const sink = StandardSink()) sinks_.push_back(sink);
+    }
+
+    void AddSink(ILogSink& sink) noexcept override {
+        const LastErrorKept kept;
+        const std::scoped_lock alone(mutex_);
         if (std::find(sinks_.begin(), sinks_.end(), &sink) == sinks_.end()) sinks_.push_back(&sink);
     }
-    void RemoveSink(ILogSink& sink) override {
+    void RemoveSink(ILogSink& sink) noexcept override {
+        const LastErrorKept kept;
+        const std::scoped_lock alone(mutex_);
         sinks_.erase(std::remove(sinks_.begin(), sinks_.end(), &sink), sinks_.end());
     }
-    ILogRecord& BeginRecord(int level) override {
+    ILogRecord& BeginRecord(int level) noexcept override {
+        const LastErrorKept kept;
+        mutex_.lock();
         record_.Begin(level);
         return record_;
     }
-    void EndRecord() override {
+    void EndRecord() noexcept override {
+        const LastErrorKept kept;
         for (ILogSink* sink : sinks_)
             HandTo(*sink);
+        mutex_.unlock();
     }
 
   private:
@@ -75,20 +110,15 @@ class Logger final : public ILogger {
         }
     }
 
+    std::recursive_mutex mutex_;  // a record's from its begin to its end
     std::vector<ILogSink*> sinks_;
     Record record_;
 };
 
 }  // namespace
 
-std::basic_string<WCHAR> LogEntry::Text() const {
-    std::basic_string<WCHAR> text;
-    for (const LogItem& item : items)
-        text += item.text;
-    return text;
-}
-
-ILogger& CLoggingFactory::GetInstance() {
+ILogger& CLoggingFactory::GetInstance() noexcept {
+    const LastErrorKept kept;
     // Never destroyed: modules write records until the process is gone.
     static Logger* const logger = new Logger;
     return *logger;

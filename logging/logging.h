@@ -21,7 +21,7 @@ inline constexpr int LOG_LEVEL_ERROR = 1;  // a failed call, an unexpected value
 inline constexpr int LOG_LEVEL_TRACE = 4;  // start, end and values on the way
 
 // Through which append an item came.
-enum class LogItemKind { String, Text, Pointer, ULong, Long, Int, Char };
+enum class LogItemKind { String, Text, Pointer, ULong, ULongLong, Long, LongLong, Int, Char };
 
 // One appended item, rendered: texts as they stand, int and long signed, unsigned long unsigned, a wide
 // character as itself, a pointer as "<pointer>" so that two runs write the same log.
@@ -36,10 +36,15 @@ struct LogEntry {
     std::vector<LogItem> items;
 
     // The items one after another; the writer adds no separator.
-    LOGGING_API std::basic_string<WCHAR> Text() const;
+    std::basic_string<WCHAR> Text() const {
+        std::basic_string<WCHAR> text;
+        for (const LogItem& item : items)
+            text += item.text;
+        return text;
+    }
 };
 
-// Receives every record when it ends. What it does must not write a record of its own.
+// Receives every record when it ends, one at a time. What it does must not write a record of its own.
 class ILogSink {
   public:
     virtual void Write(const LogEntry& entry) = 0;
@@ -48,34 +53,40 @@ class ILogSink {
     ~ILogSink() = default;
 };
 
-// Collects one record. Every operation answers the same writer, so that appends can be chained.
+// Collects one record. Every append answers the same writer, so that appends can be chained. Memory that runs
+// out costs the item, not the caller.
 class ILogRecord {
   public:
-    virtual int GetLevel() const = 0;
-    virtual ILogRecord& AppendString(
-        const std::basic_string<WCHAR>& text) = 0;          // a text formatted beforehand
-    virtual ILogRecord& AppendText(const WCHAR* text) = 0;  // a literal; null counts as empty
-    virtual ILogRecord& AppendPointer(const void* address) = 0;
-    virtual ILogRecord& AppendULong(ULONG value) = 0;
-    virtual ILogRecord& AppendLong(LONG value) = 0;
-    virtual ILogRecord& AppendInt(INT value) = 0;
-    virtual ILogRecord& AppendChar(WCHAR value) = 0;
-    virtual bool IsEmpty() const = 0;
+    virtual int GetLevel() const noexcept = 0;
+    // A text formatted beforehand.
+    virtual ILogRecord& AppendString(const std::basic_string<WCHAR>& text) noexcept = 0;
+    // A literal; null counts as empty.
+    virtual ILogRecord& AppendText(const WCHAR* text) noexcept = 0;
+    virtual ILogRecord& AppendPointer(const void* address) noexcept = 0;
+    virtual ILogRecord& AppendULong(ULONG value) noexcept = 0;
+    virtual ILogRecord& AppendULongLong(ULONGLONG value) noexcept = 0;
+    virtual ILogRecord& AppendLong(LONG value) noexcept = 0;
+    virtual ILogRecord& AppendLongLong(LONGLONG value) noexcept = 0;
+    virtual ILogRecord& AppendInt(INT value) noexcept = 0;
+    virtual ILogRecord& AppendChar(WCHAR value) noexcept = 0;
+    virtual bool IsEmpty() const noexcept = 0;
 
   protected:
     ~ILogRecord() = default;
 };
 
-// The process's logger, owned by the logging library.
+// The process's logger, owned by the logging library. Nothing is thrown, and the caller's last error code
+// (GetLastError) stays as it is.
 class ILogger {
   public:
-    // The sink receives every record from now on; it must be removed before it dies. Adding it twice is
-    // adding it once.
-    virtual void AddSink(ILogSink& sink) = 0;
-    virtual void RemoveSink(ILogSink& sink) = 0;
-    // Begins a record; the answer is valid until EndRecord, which hands the record to the sinks.
-    virtual ILogRecord& BeginRecord(int level) = 0;
-    virtual void EndRecord() = 0;
+    // The sink receives every record, whatever its level, from now on; it must be removed before it dies.
+    // Adding it twice is adding it once.
+    virtual void AddSink(ILogSink& sink) noexcept = 0;
+    virtual void RemoveSink(ILogSink& sink) noexcept = 0;
+    // Begins a record; the answer is valid until EndRecord, which hands the record to the sinks. Between the
+    // two, other threads wait with records of their own.
+    virtual ILogRecord& BeginRecord(int level) noexcept = 0;
+    virtual void EndRecord() noexcept = 0;
 
   protected:
     ~ILogger() = default;
@@ -85,5 +96,5 @@ class CLoggingFactory {
   public:
     // The one logger of the process; it is there before any module's static objects and stays until the
     // process ends.
-    LOGGING_API static ILogger& GetInstance();
+    LOGGING_API static ILogger& GetInstance() noexcept;
 };

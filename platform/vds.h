@@ -1,7 +1,9 @@
 // The Virtual Disk Service: the interfaces, records and identifiers that the toolchains' headers lack or
-// declare wrongly. Slots, layouts and values are those of the published headers; the assertions below hold
+// declare wrongly. Slots, layouts and values are those of the published headers; layout_checks.cpp holds
 // them.
 #pragma once
+
+#include <cstddef>
 
 #include "platform/windows_api.h"
 
@@ -226,22 +228,6 @@ struct CHANGE_PARTITION_TYPE_PARAMETERS {
         GPT_PART_INFO GptPartInfo;
     };
 };
-
-static_assert(sizeof(VDS_DISK_PROP) == (sizeof(void*) == 8 ? 128 : 112));
-static_assert(offsetof(VDS_DISK_PROP, ullSize) == 40);
-static_assert(offsetof(VDS_DISK_PROP, BusType) == 64);
-static_assert(offsetof(VDS_DISK_PROP, pwszDiskAddress) == 88);
-static_assert(sizeof(VDS_PARTITION_PROP) == 144);
-static_assert(offsetof(VDS_PARTITION_PROP, ullOffset) == 16);
-static_assert(offsetof(VDS_PARTITION_PROP, Mbr) == 32);
-static_assert(sizeof(VDS_PARTITION_INFO_MBR) == 8);
-static_assert(sizeof(VDS_PARTITION_INFO_GPT) == 112);
-static_assert(sizeof(VDS_DISK_EXTENT) == 80);
-static_assert(offsetof(VDS_DISK_EXTENT, volumeId) == 40);
-static_assert(sizeof(VDS_PACK_PROP) == (sizeof(void*) == 8 ? 32 : 28));
-static_assert(sizeof(VDS_FILE_SYSTEM_PROP) == (sizeof(void*) == 8 ? 56 : 48));
-static_assert(sizeof(CHANGE_ATTRIBUTES_PARAMETERS) == 16);
-static_assert(sizeof(CHANGE_PARTITION_TYPE_PARAMETERS) == 20);
 
 // Records that only unused methods exchange.
 struct VDS_SERVICE_PROP;

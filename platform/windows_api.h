@@ -71,8 +71,3 @@ extern "C" DWORD WINAPI GetFirmwareEnvironmentVariableW(LPCWSTR name, LPCWSTR gu
 #endif
 
 static_assert(sizeof(WCHAR) == 2);
-static_assert(sizeof(SCSI_ADDRESS) == 8);
-static_assert(sizeof(STORAGE_PROPERTY_QUERY) == 12);
-static_assert(sizeof(STORAGE_DEVICE_DESCRIPTOR) == 40);
-static_assert(sizeof(VOLUME_DISK_EXTENTS) == 32);
-static_assert(sizeof(PARTITION_INFORMATION_EX) == 144);

@@ -2,22 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include "diag/reduced_host/module_app.h"
+
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 
 namespace {
 
 TEST(ModuleContext, MakesTheModuleCurrentAndRestoresWhatWasBefore) {
-    EXPECT_EQ(ModuleContext::Current(), nullptr);
+    EXPECT_FALSE(ModuleContext::IsCurrent());
     {
         const ModuleContext outer;
-        EXPECT_EQ(ModuleContext::Current(), &ModuleApp());
+        EXPECT_TRUE(ModuleContext::IsCurrent());
         {
             const ModuleContext inner;
-            EXPECT_EQ(ModuleContext::Current(), &ModuleApp());
+            EXPECT_TRUE(ModuleContext::IsCurrent());
         }
-        EXPECT_EQ(ModuleContext::Current(), &ModuleApp());
+        EXPECT_TRUE(ModuleContext::IsCurrent());
     }
-    EXPECT_EQ(ModuleContext::Current(), nullptr);
+    EXPECT_FALSE(ModuleContext::IsCurrent());
 }
 
 TEST(DllMain, LoadsThreadsAndUnloads) {

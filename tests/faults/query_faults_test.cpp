@@ -265,7 +265,7 @@ TEST_P(QueryFaults, ChangeNothingAndTellTheTruthOrAFailure) {
             answers.insert(answer);
             EXPECT_TRUE(answer == question.answer || question.failures.contains(answer)) << answer;
             EXPECT_EQ(application.pc.pc, question.facts());
-            EXPECT_EQ(ModuleContext::Current(), nullptr);
+            EXPECT_FALSE(ModuleContext::IsCurrent());
             ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
         }
     }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "logging/logging.h"
 
 namespace {
@@ -48,6 +50,38 @@ TEST_F(LoggerTest, RendersEachKindOfValue) {
     ASSERT_EQ(sink_.entries[0].items.size(), std::size(kinds));
     for (size_t at = 0; at < std::size(kinds); ++at)
         EXPECT_EQ(sink_.entries[0].items[at].kind, kinds[at]) << at;
+}
+
+TEST_F(LoggerTest, RendersNumbersOf64Bits) {
+    logger_.BeginRecord(LOG_LEVEL_TRACE)
+        .AppendULongLong(18446744073709551615ULL)
+        .AppendText(TEXT(" "))
+        .AppendLongLong(-9223372036854775807LL);
+    logger_.EndRecord();
+    ASSERT_EQ(sink_.entries.size(), 1U);
+    EXPECT_EQ(sink_.entries[0].Text(), TEXT("18446744073709551615 -9223372036854775807"));
+    EXPECT_EQ(sink_.entries[0].items[0].kind, LogItemKind::ULongLong);
+    EXPECT_EQ(sink_.entries[0].items[2].kind, LogItemKind::LongLong);
+}
+
+TEST_F(LoggerTest, KeepsTheRecordsOfTwoThreadsApart) {
+    const auto write = [this](WCHAR name) {
+        for (int record = 0; record < 500; ++record) {
+            logger_.BeginRecord(LOG_LEVEL_TRACE).AppendChar(name).AppendChar(name).AppendChar(name);
+            logger_.EndRecord();
+        }
+    };
+    std::thread other(write, TEXT('B'));
+    write(TEXT('A'));
+    other.join();
+    int records[2] = {};
+    for (const LogEntry& entry : sink_.entries) {
+        const std::basic_string<WCHAR> text = entry.Text();
+        ASSERT_TRUE(text == TEXT("AAA") || text == TEXT("BBB"));
+        ++records[text == TEXT("BBB") ? 1 : 0];
+    }
+    EXPECT_EQ(records[0], 500);
+    EXPECT_EQ(records[1], 500);
 }
 
 TEST_F(LoggerTest, FormattedMessageReadsAsTheSameLiteral) {

@@ -19,7 +19,7 @@ class CurrentModule : public ILogSink {
     std::vector<bool> seen;
 
   private:
-    void Write(const LogEntry&) override { seen.push_back(ModuleContext::Current() == &ModuleApp()); }
+    void Write(const LogEntry&) override { seen.push_back(ModuleContext::IsCurrent()); }
 };
 
 struct Operation {
@@ -33,7 +33,7 @@ std::vector<bool> Seen(const Operation& operation) {
     CurrentModule module;
     operation.call(application.kestova);
     EXPECT_FALSE(module.seen.empty());
-    EXPECT_EQ(ModuleContext::Current(), nullptr);
+    EXPECT_FALSE(ModuleContext::IsCurrent());
     return module.seen;
 }
 

@@ -21,8 +21,12 @@ const char* KindName(LogItemKind kind) {
             return "pointer";
         case LogItemKind::ULong:
             return "ulong";
+        case LogItemKind::ULongLong:
+            return "ulonglong";
         case LogItemKind::Long:
             return "long";
+        case LogItemKind::LongLong:
+            return "longlong";
         case LogItemKind::Int:
             return "int";
         case LogItemKind::Char:

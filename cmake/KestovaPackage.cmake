@@ -1,0 +1,37 @@
+# What an integrator receives: the install rules, and the zip that `./dev package` makes of both word sizes.
+include(CMakePackageConfigHelpers)
+
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(word_size x64)
+else()
+  set(word_size x86)
+endif()
+
+install(TARGETS Kestova kestova_logging kestova_tool RUNTIME DESTINATION bin/${word_size}
+  ARCHIVE DESTINATION lib/${word_size})
+
+install(FILES manager/kestova.h DESTINATION include/manager)
+install(FILES logging/logging.h DESTINATION include/logging)
+install(FILES platform/windows_api.h DESTINATION include/platform)
+
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/KestovaConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion ARCH_INDEPENDENT)
+install(FILES packaging/KestovaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/KestovaConfigVersion.cmake
+  DESTINATION lib/cmake/Kestova)
+
+install(FILES examples/recovery.cpp examples/open_pc.h examples/open_pc_real.cpp DESTINATION examples)
+install(FILES packaging/example.cmake DESTINATION examples RENAME CMakeLists.txt)
+install(FILES docs/integrators.md docs/operations.md docs/command-line.md docs/pc-description.md docs/log.md
+  DESTINATION docs)
+install(FILES packaging/README.md DESTINATION .)
+
+# The notices lie where the build machine's packages put them.
+foreach(notice gcc=gcc-mingw-w64-base mingw-w64=mingw-w64-common CLI11=libcli11-dev nlohmann-json=nlohmann-json3-dev)
+  string(REGEX MATCH "(.*)=(.*)" matched ${notice})
+  install(FILES /usr/share/doc/${CMAKE_MATCH_2}/copyright DESTINATION licences RENAME ${CMAKE_MATCH_1}.txt OPTIONAL)
+endforeach()
+
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_FILE_NAME Kestova-${PROJECT_VERSION}-windows)
+set(CPACK_VERBATIM_VARIABLES ON)
+include(CPack)

@@ -1,0 +1,31 @@
+# What every file that ships for Windows has: version information, the loader's protections, nothing of the toolchain
+# beside it, and no larger than need be.
+
+# The programs lie beside their libraries, where Windows looks for them.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+if(MINGW)
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections> $<$<COMPILE_LANGUAGE:CXX>:-fdata-sections>)
+
+  # In place of what the runtime would link to tell a console about an error that nobody handles.
+  add_library(kestova_runtime OBJECT ${CMAKE_SOURCE_DIR}/platform/mingw/runtime.cpp)
+endif()
+
+# kestova_shipped(TARGET FILE DESCRIPTION)
+function(kestova_shipped target version_file version_description)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    set(version_type VFT_APP)
+  else()
+    set(version_type VFT_DLL)
+  endif()
+  configure_file(${CMAKE_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+  if(MINGW)
+    target_link_options(${target} PRIVATE -static -s -Wl,--gc-sections -Wl,--exclude-all-symbols -Wl,--dynamicbase
+      -Wl,--nxcompat $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:-Wl,--high-entropy-va>)
+  elseif(MSVC)
+    target_link_options(${target} PRIVATE /DYNAMICBASE /NXCOMPAT
+      $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:/HIGHENTROPYVA>)
+  endif()
+endfunction()

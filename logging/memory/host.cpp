@@ -1,0 +1,11 @@
+#include "logging/host.h"
+
+DWORD LastErrorCode() {
+    return 0;
+}
+
+void SetLastErrorCode(DWORD) {}
+
+ILogSink* StandardSink() noexcept {
+    return nullptr;
+}

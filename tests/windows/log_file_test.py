@@ -1,0 +1,141 @@
+#!/usr/bin/python3
+"""The log file that Logging.dll writes, under Wine (in the prefix of WINEPREFIX).
+
+usage: log_file_test.py BIN_FOLDER
+"""
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+LARGEST = 1024 * 1024
+LINE = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z [1-9]\d* [1-9]\d* (ERROR|TRACE) (\w+) (\d+) x*\r\n")
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class LogFile(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.log = self.folder / "Kestova.log"
+        self.older = self.folder / "Kestova.log.old"
+        for name in ("log_writer.exe", "Logging.dll"):
+            shutil.copy(binaries / name, self.folder)
+        self.before = set(self.folder.iterdir())
+
+    def start(self, *words, log=None, level=None):
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("KESTOVA_")}
+        if log is not None:
+            environment["KESTOVA_LOG"] = log
+        if level is not None:
+            environment["KESTOVA_LOG_LEVEL"] = level
+        process = subprocess.Popen(["wine", self.folder / "log_writer.exe", *map(str, words)], env=environment,
+                                   cwd=self.folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.addCleanup(process.communicate)
+        # An exit code alone would not tell that the program ran.
+        said = process.stdout.readline().strip()
+        self.assertIn(said, ("ready", "stuck"), f"exit status {process.poll()}")
+        return process
+
+    def finish(self, process, name, count):
+        output, _ = process.communicate(timeout=60)
+        self.assertEqual((process.returncode, output.strip()), (0, f"{name} wrote {count}"))
+
+    def write(self, name, count, length=0, **settings):
+        self.finish(self.start(name, count, length, **settings), name, count)
+
+    def records(self, *files):
+        """(level, name, number) of every line."""
+        records = []
+        for file in files:
+            for line in file.read_bytes().decode("utf-8").splitlines(keepends=True):
+                match = LINE.fullmatch(line)
+                self.assertTrue(match, line)
+                records.append((match[1], match[2], int(match[3])))
+        return records
+
+    def new_files(self):
+        return {file.name for file in set(self.folder.iterdir()) - self.before}
+
+    def test_lies_beside_the_program_and_has_a_line_for_each_record(self):
+        self.write("one", 10)
+        self.assertEqual(self.records(self.log),
+                         [("ERROR" if number == 10 else "TRACE", "one", number) for number in range(1, 11)])
+        self.assertEqual(self.new_files(), {"Kestova.log"})
+
+    def test_is_continued_by_the_next_program(self):
+        self.write("one", 1)
+        self.write("two", 1)
+        self.assertEqual(self.records(self.log), [("TRACE", "one", 1), ("TRACE", "two", 1)])
+
+    def test_lies_where_the_variable_says(self):
+        (self.folder / "logs").mkdir()
+        for setting in (windows_path(self.folder / "logs/full.txt"), "logs\\relative.txt"):
+            self.write("one", 1, log=setting)
+        for name in ("full.txt", "relative.txt"):
+            self.assertEqual(self.records(self.folder / "logs" / name), [("TRACE", "one", 1)])
+        self.assertEqual(self.new_files(), {"logs"})
+
+    def test_holds_records_up_to_the_level_that_the_variable_says(self):
+        self.write("one", 20, level="1")
+        self.assertEqual(self.records(self.log), [("ERROR", "one", 10), ("ERROR", "one", 20)])
+
+    def test_is_not_made_at_level_0(self):
+        self.write("one", 10, level="0")
+        self.assertEqual(self.new_files(), set())
+
+    def test_is_bounded_and_keeps_one_older_file(self):
+        self.write("one", 30, 100_000)
+        self.assertEqual(self.new_files(), {"Kestova.log", "Kestova.log.old"})
+        for file in (self.log, self.older):
+            self.assertLessEqual(file.stat().st_size, LARGEST)
+        numbers = [number for _, _, number in self.records(self.older, self.log)]
+        self.assertEqual(numbers, list(range(11, 31)))
+
+    def test_loses_no_line_of_two_programs_at_once(self):
+        processes = {name: self.start(name, 500, 1500) for name in ("one", "two")}
+        for process in processes.values():
+            process.stdin.write("go\n")
+            process.stdin.flush()
+        for name, process in processes.items():
+            self.finish(process, name, 500)
+        records = self.records(self.older, self.log)
+        self.assertEqual(len(records), 1000)
+        for name in processes:
+            self.assertEqual([number for _, writer, number in records if writer == name], list(range(1, 501)))
+
+    def test_disturbs_nobody_when_it_cannot_be_written(self):
+        (self.folder / "taken").mkdir()
+        places = {"a folder that is missing": windows_path(self.folder / "missing/log.txt"),
+                  "a folder of that name": windows_path(self.folder / "taken"), "a full disk": "Z:\\dev\\full",
+                  "a drive that is missing": "Q:\\log.txt", "a name that cannot be": "Z:\\a?b*c"}
+        for what, place in places.items():
+            with self.subTest(what):
+                self.write("one", 10, log=place)
+        self.assertEqual(self.new_files(), {"taken"})
+
+    def test_stays_bounded_while_the_older_file_cannot_be_replaced(self):
+        self.older.mkdir()
+        (self.older / "in the way").touch()
+        self.write("one", 15, 100_000)
+        self.assertEqual([number for _, _, number in self.records(self.log)], list(range(1, 11)))
+
+    def test_is_written_although_another_program_is_stuck_in_its_turn(self):
+        self.start("stuck")
+        self.write("one", 20)
+        self.assertEqual([number for _, _, number in self.records(self.log)], list(range(1, 21)))
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    binaries = pathlib.Path(sys.argv[1])
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,137 @@
+#!/usr/bin/python3
+"""What ships for Windows, looked at from outside: exports, imports, protections, version, size.
+
+usage: shipped_test.py BUILD_FOLDER...
+"""
+import pathlib
+import re
+import subprocess
+import sys
+import unittest
+
+import pefile
+
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+LARGEST_LIBRARY = 192 * 1024
+LARGE_ADDRESSES = {"IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA"}
+PROTECTIONS = {"IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTICS_NX_COMPAT"}
+WINDOWS_OWN = {name + ".dll" for name in ("advapi32", "kernel32", "msvcrt", "ole32", "oleaut32", "setupapi", "shell32",
+                                          "shlwapi", "user32")}
+GET_INSTANCE = "CLoggingFactory::GetInstance()"
+MACHINES = {"x86_64": "IMAGE_FILE_MACHINE_AMD64", "x86": "IMAGE_FILE_MACHINE_I386"}
+PRESETS = {"windows": "x86_64", "windows-x86": "x86"}
+
+
+def demangled(names):
+    lines = subprocess.run(["c++filt"], input="\n".join(names), capture_output=True, text=True, check=True).stdout
+    return {line.replace("[abi:cxx11]", "").replace(" ", "") for line in lines.splitlines()}
+
+
+def parameter_type(parameter):
+    if parameter == "...":
+        return parameter
+    words = re.sub(r"\s*\w+$", "", parameter) if re.search(r"[*&\s]\w+$", parameter) else parameter
+    words = re.sub(r"^const (\w+)", r"\1 const", words)
+    return words.replace("WCHAR", "wchar_t").replace("DWORD", "unsigned long").replace(" ", "")
+
+
+def declared_members():
+    """The functions that class Kestova declares, as the demangler writes them, without blanks."""
+    text = re.sub(r"//.*", "", (SOURCE / "manager/kestova.h").read_text())
+    body = re.search(r"class KESTOVA_API Kestova \{(.*?)\n\};", text, re.S)[1]
+    members = set()
+    for name, parameters in re.findall(r"(~?\w+|operator=)\(([^)']*)\);", body):
+        types = [parameter_type(parameter.strip()) for parameter in parameters.split(",") if parameter.strip()]
+        members.add(f"Kestova::{name}({','.join(types)})")
+    return members
+
+
+class ShippedFiles(unittest.TestCase):
+    folder = pathlib.Path()
+    word_size = ""
+
+    def read(self, name):
+        file = pefile.PE(self.folder / "bin" / name)
+        self.addCleanup(file.close)
+        return file
+
+    def exports(self, file):
+        return [export.name.decode() for export in file.DIRECTORY_ENTRY_EXPORT.symbols]
+
+    def imports(self, file):
+        return {entry.dll.decode().lower(): [symbol.name.decode() for symbol in entry.imports]
+                for entry in file.DIRECTORY_ENTRY_IMPORT}
+
+    def every_file(self):
+        return [(name, self.read(name)) for name in ("Kestova.dll", "Logging.dll", "kestova.exe")]
+
+    def test_kestova_exports_the_members_of_its_class_and_nothing_else(self):
+        members = declared_members()
+        self.assertGreater(len(members), 60)
+        self.assertEqual(demangled(self.exports(self.read("Kestova.dll"))), members)
+
+    def test_logging_exports_its_one_entry_point(self):
+        self.assertEqual(demangled(self.exports(self.read("Logging.dll"))), {GET_INSTANCE})
+
+    def test_kestova_takes_one_function_from_logging_and_the_rest_from_windows(self):
+        imports = self.imports(self.read("Kestova.dll"))
+        self.assertEqual(demangled(imports.pop("logging.dll")), {GET_INSTANCE})
+        self.assertLessEqual(set(imports), WINDOWS_OWN)
+
+    def test_nothing_of_the_toolchain_is_needed(self):
+        for name, file in self.every_file():
+            with self.subTest(name):
+                self.assertLessEqual(set(self.imports(file)), WINDOWS_OWN | {"kestova.dll", "logging.dll"})
+
+    def test_the_loader_may_place_it_anywhere_and_runs_no_data(self):
+        expected = PROTECTIONS | (LARGE_ADDRESSES if self.word_size == "x86_64" else set())
+        for name, file in self.every_file():
+            with self.subTest(name):
+                flags = {flag for flag, bit in pefile.dll_characteristics
+                         if isinstance(bit, int) and file.OPTIONAL_HEADER.DllCharacteristics & bit}
+                self.assertLessEqual(expected, flags)
+                self.assertTrue(file.OPTIONAL_HEADER.DATA_DIRECTORY[5].Size, "no relocations")
+
+    def test_it_is_of_the_word_size_that_it_says(self):
+        for name, file in self.every_file():
+            with self.subTest(name):
+                machine = pefile.MACHINE_TYPE[file.FILE_HEADER.Machine]
+                self.assertEqual(machine, MACHINES[self.word_size])
+
+    def test_it_tells_its_version(self):
+        version = re.search(r"project\(Kestova VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
+        for name, file in self.every_file():
+            with self.subTest(name):
+                texts = {key.decode(): value.decode() for block in file.FileInfo[0] if block.Key == b"StringFileInfo"
+                         for table in block.StringTable for key, value in table.entries.items()}
+                self.assertEqual(texts["FileVersion"], version)
+                self.assertEqual(texts["ProductVersion"], version)
+                self.assertEqual(texts["OriginalFilename"], name)
+                fixed = file.VS_FIXEDFILEINFO[0]
+                numbers = (fixed.FileVersionMS >> 16, fixed.FileVersionMS & 0xFFFF, fixed.FileVersionLS >> 16)
+                self.assertEqual(".".join(map(str, numbers)), version)
+
+    def test_it_is_stripped(self):
+        for name, file in self.every_file():
+            with self.subTest(name):
+                self.assertEqual(file.FILE_HEADER.NumberOfSymbols, 0)
+
+    def test_kestova_is_small(self):
+        if self.word_size != "x86_64":
+            self.skipTest("the limit is that of x86_64")
+        self.assertLessEqual((self.folder / "bin/Kestova.dll").stat().st_size, LARGEST_LIBRARY)
+
+
+def load_tests(loader, _tests, _pattern):
+    suite = unittest.TestSuite()
+    for folder in folders:
+        case = type(f"Shipped_{folder.name}", (ShippedFiles,), {"folder": folder, "word_size": PRESETS[folder.name]})
+        suite.addTests(loader.loadTestsFromTestCase(case))
+    return suite
+
+
+if __name__ == "__main__":
+    folders = [pathlib.Path(word) for word in sys.argv[1:]]
+    if not folders or not {folder.name for folder in folders} <= set(PRESETS):
+        sys.exit(f"{__doc__}\nA folder is named {' or '.join(PRESETS)}.")
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# usage: wine.sh PREFIX start | stop | run PROGRAM [ARGUMENT...] | host COMMAND [ARGUMENT...]
+#
+# Runs test programs of the Windows build under Wine, in a prefix made for the run. One server is kept alive from start
+# to stop, since its start costs seconds. A program has passed when it says so and exits with 0: an exit alone can come
+# from a program that never ran.
+set -euo pipefail
+
+export WINEPREFIX=$1 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+unset DISPLAY
+
+case $2 in
+    start)
+        rm -rf "$WINEPREFIX"
+        mkdir -p "$WINEPREFIX"
+        wineserver -p >/dev/null 2>&1
+        wine wineboot -i >/dev/null 2>&1
+        [ -d "$WINEPREFIX/drive_c/windows" ]
+        ;;
+    stop)
+        wineserver -k || true
+        wineserver -w
+        rm -rf "$WINEPREFIX"
+        ;;
+    # A command of this machine that starts programs under Wine itself.
+    host)
+        shift 2
+        exec "$@"
+        ;;
+    run)
+        shift 2
+        output=$(mktemp)
+        trap 'rm -f "$output"' EXIT
+        status=0
+        wine "$@" >"$output" || status=$?
+        tr -d '\r' <"$output"
+        [ "$status" -eq 0 ] && grep -q '\[  PASSED  \] [1-9]' "$output"
+        ;;
+esac
