@@ -26,7 +26,7 @@ constexpr unsigned Hex(const char* text, int digits) {
 // Whether an identifier is the one that is written so: "9c38ed61-d565-4728-aeee-c80952f0ecde".
 constexpr bool Is(const GUID& id, const char* text) {
     bool same = id.Data1 == Hex(text, 8) && id.Data2 == Hex(text + 9, 4) && id.Data3 == Hex(text + 14, 4);
-    for (int i = 0; i < 8; i++)
+    for (size_t i = 0; i < 8; i++)
         same = same && id.Data4[i] == Hex(text + (i < 2 ? 19 : 20) + 2 * i, 2);
     return same;
 }

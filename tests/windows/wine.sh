@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# usage: wine.sh PREFIX start | stop | run PROGRAM [ARGUMENT...] | host COMMAND [ARGUMENT...]
+# usage: wine.sh PREFIX start [SCRIPT] | stop | run PROGRAM [ARGUMENT...] | host COMMAND [ARGUMENT...]
 #
 # Runs test programs of the Windows build under Wine, in a prefix made for the run. One server is kept alive from start
 # to stop, since its start costs seconds. A program has passed when it says so and exits with 0: an exit alone can come
-# from a program that never ran.
+# from a program that never ran. SCRIPT furnishes the new prefix.
 set -euo pipefail
 
 export WINEPREFIX=$1 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
@@ -16,6 +16,13 @@ case $2 in
         wineserver -p >/dev/null 2>&1
         wine wineboot -i >/dev/null 2>&1
         [ -d "$WINEPREFIX/drive_c/windows" ]
+        if [ $# -eq 3 ]; then
+            "$3"
+            # The types of drives are read when the server starts.
+            wineserver -k
+            wineserver -w
+            wineserver -p >/dev/null 2>&1
+        fi
         ;;
     stop)
         wineserver -k || true
@@ -32,7 +39,8 @@ case $2 in
         output=$(mktemp)
         trap 'rm -f "$output"' EXIT
         status=0
-        wine "$@" >"$output" || status=$?
+        # What the program leaves running must not hold the caller's pipes.
+        wine "$@" >"$output" 2>&1 </dev/null || status=$?
         tr -d '\r' <"$output"
         [ "$status" -eq 0 ] && grep -q '\[  PASSED  \] [1-9]' "$output"
         ;;
