@@ -5,9 +5,9 @@
 
 namespace machine {
 
-// While it lives the library is loaded and its platform calls reach the emulated PC that lives now; one at a
-// time. Where the calls were linked to the emulated PC it is the loader that calls the library's entry point;
-// where Windows has loaded the library it only redirects the calls.
+// While it lives the library is loaded, and its platform calls and those of the program reach the emulated PC
+// that lives now; one at a time. Where the calls were linked to the emulated PC it is the loader that calls
+// the library's entry point; where Windows has loaded the library it redirects the calls.
 class LoadedLibrary {
   public:
     // Throws std::runtime_error when the library refuses to be loaded, and naming each import that is neither

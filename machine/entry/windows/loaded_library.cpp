@@ -4,12 +4,16 @@
 
 #include <stdexcept>
 
+#include "machine/entry/windows/chosen_calls.h"
 #include "machine/entry/windows/import_table.h"
 
 namespace machine {
 
 struct LoadedLibrary::Inside {
-    explicit Inside(HMODULE library) : imports(library) {}
+    explicit Inside(HMODULE library) : imports(library) { ChooseEmulatedPc(); }
+    ~Inside() { ChooseWindows(); }
+    Inside(const Inside&) = delete;
+    Inside& operator=(const Inside&) = delete;
 
     ImportTable imports;
 };
