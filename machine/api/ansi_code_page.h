@@ -4,10 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "machine/core/utf.h"
+
 namespace machine {
 
-std::u16string FromAnsi(std::string_view bytes);
+WideText FromAnsi(std::string_view bytes);
 // What the code page lacks becomes "?".
-std::string ToAnsi(std::u16string_view text);
+std::string ToAnsi(WideView text);
 
 }  // namespace machine

@@ -22,13 +22,13 @@ char* BlockOf(BSTR string) {
 namespace machine {
 
 LPWSTR LendText(EmulatedPc& pc, const std::string& kind, std::string_view text) {
-    const std::basic_string<WCHAR> wide = ToWide(text);
+    const WideText wide = ToWide(text);
     WCHAR* const copy = LendRecords<WCHAR>(pc, kind, wide.size() + 1);
     std::memcpy(copy, wide.data(), wide.size() * sizeof(WCHAR));
     return copy;
 }
 
-BSTR LendSystemString(EmulatedPc& pc, std::basic_string_view<WCHAR> text) {
+BSTR LendSystemString(EmulatedPc& pc, WideView text) {
     const UINT length = static_cast<UINT>(text.size() * sizeof(WCHAR));
     char* const block =
         static_cast<char*>(pc.ledger.Lend("BSTR", "BSTR", headerSize + length + sizeof(WCHAR)));

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "machine/core/emulated_pc.h"
+#include "machine/core/utf.h"
 
 namespace machine {
 
@@ -20,6 +21,6 @@ Record* LendRecords(EmulatedPc& pc, const std::string& kind, size_t count) {
 LPWSTR LendText(EmulatedPc& pc, const std::string& kind, std::string_view text);
 
 // A system string, in the ledger as "BSTR".
-BSTR LendSystemString(EmulatedPc& pc, std::basic_string_view<WCHAR> text);
+BSTR LendSystemString(EmulatedPc& pc, WideView text);
 
 }  // namespace machine

@@ -77,7 +77,7 @@ uint32_t TellProperty(EmulatedPc& pc, HDEVINFO handle, const SP_DEVINFO_DATA* el
     if (property != SPDRP_LOCATION_INFORMATION || disk == nullptr) return ERROR_INVALID_DATA;
     if (!disk->location.value) return disk->location.error;
 
-    const std::u16string text = ToWide(*disk->location.value);
+    const WideText text = ToWide(*disk->location.value);
     const DWORD size = static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR));
     if (answer.type != nullptr) *answer.type = REG_SZ;
     if (answer.required != nullptr) *answer.required = size;

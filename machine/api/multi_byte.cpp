@@ -11,7 +11,7 @@ using namespace machine;
 
 namespace {
 
-std::optional<std::string> Converted(UINT codePage, std::u16string_view text) {
+std::optional<std::string> Converted(UINT codePage, WideView text) {
     switch (codePage) {
         case CP_ACP:
             return ToAnsi(text);
@@ -35,8 +35,7 @@ extern "C" INT WINAPI WideCharToMultiByte(UINT codePage, DWORD, LPCWSTR text, IN
             return Failure<INT>(pc, FailsWith::ZeroAndLastError, error);
         };
         if (text == nullptr || length == 0 || length < -1) return fail(ERROR_INVALID_PARAMETER);
-        const size_t units =
-            length == -1 ? std::u16string_view(text).size() + 1 : static_cast<size_t>(length);
+        const size_t units = length == -1 ? WideView(text).size() + 1 : static_cast<size_t>(length);
         const std::optional<std::string> bytes = Converted(codePage, {text, units});
         if (!bytes) return fail(ERROR_INVALID_PARAMETER);
         const INT size = static_cast<INT>(bytes->size());

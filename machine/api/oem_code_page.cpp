@@ -8,21 +8,20 @@ namespace machine {
 namespace {
 
 // From 0x80 on; every byte below is the character of its own number.
-constexpr std::u16string_view upperHalf =
-    u"ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜ¢£¥₧ƒáíóúñÑªº¿⌐¬½¼¡«»░▒▓│┤╡╢╖╕╣║╗╝╜╛┐"
-    u"└┴┬├─┼╞╟╚╔╩╦╠═╬╧╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀αßΓπΣσµτΦΘΩδ∞φε∩≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00A0";
-constexpr char16_t firstOfTable = 0x80;
+constexpr WideView upperHalf = TEXT("ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜ¢£¥₧ƒáíóúñÑªº¿⌐¬½¼¡«»░▒▓│┤╡╢╖╕╣║╗╝╜╛┐")
+    TEXT("└┴┬├─┼╞╟╚╔╩╦╠═╬╧╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀αßΓπΣσµτΦΘΩδ∞φε∩≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00A0");
+constexpr WCHAR firstOfTable = 0x80;
 static_assert(upperHalf.size() == 128);
 
-char ToByte(char16_t unit) {
+char ToByte(WCHAR unit) {
     if (unit < firstOfTable) return static_cast<char>(unit);
     const size_t index = upperHalf.find(unit);
-    return index != std::u16string_view::npos ? static_cast<char>(firstOfTable + index) : '?';
+    return index != WideView::npos ? static_cast<char>(firstOfTable + index) : '?';
 }
 
 }  // namespace
 
-std::string ToOem(std::u16string_view text) {
+std::string ToOem(WideView text) {
     std::string bytes;
     std::transform(text.begin(), text.end(), std::back_inserter(bytes), ToByte);
     return bytes;

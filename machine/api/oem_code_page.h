@@ -4,9 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include "machine/core/utf.h"
+
 namespace machine {
 
 // What the code page lacks becomes "?".
-std::string ToOem(std::u16string_view text);
+std::string ToOem(WideView text);
 
 }  // namespace machine

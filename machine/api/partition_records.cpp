@@ -59,7 +59,7 @@ PARTITION_INFORMATION_EX PartitionRecord(const Disk& disk, const Partition& part
         record.Gpt.PartitionType = partition.gptType;
         record.Gpt.PartitionId = partition.gptId;
         record.Gpt.Attributes = partition.attributes;
-        const std::u16string name = ToWide(partition.name);
+        const WideText name = ToWide(partition.name);
         name.copy(record.Gpt.Name, std::size(record.Gpt.Name));
     }
     return record;

@@ -10,50 +10,50 @@ using namespace machine;
 
 namespace {
 
-bool HasDrive(std::u16string_view path) {
-    return path.size() >= 2 && path[1] == u':';
+bool HasDrive(WideView path) {
+    return path.size() >= 2 && path[1] == TEXT(':');
 }
 
 // What ".." cannot climb over and no cut removes: "C:\\", "C:", "\\\\", "\\".
-size_t RootLength(std::u16string_view path) {
-    if (HasDrive(path)) return path.size() > 2 && path[2] == u'\\' ? 3 : 2;
-    const size_t backslashes = std::min(path.find_first_not_of(u'\\'), path.size());
+size_t RootLength(WideView path) {
+    if (HasDrive(path)) return path.size() > 2 && path[2] == TEXT('\\') ? 3 : 2;
+    const size_t backslashes = std::min(path.find_first_not_of(TEXT('\\')), path.size());
     return std::min<size_t>(backslashes, 2);
 }
 
 // Where the last part of the path and the backslash before it begin, but never inside the root.
-size_t LastPart(std::u16string_view path) {
+size_t LastPart(WideView path) {
     const size_t root = RootLength(path);
-    const size_t slash = path.rfind(u'\\');
-    return slash == std::u16string_view::npos ? root : std::max(slash, root);
+    const size_t slash = path.rfind(TEXT('\\'));
+    return slash == WideView::npos ? root : std::max(slash, root);
 }
 
 // Adds one part; "." adds nothing, ".." takes the last part away.
-void AddPart(std::u16string& path, std::u16string_view part) {
-    if (part == u".") return;
-    if (part == u"..") {
+void AddPart(WideText& path, WideView part) {
+    if (part == TEXT(".")) return;
+    if (part == TEXT("..")) {
         path.erase(LastPart(path));
         return;
     }
-    const bool separated = path.empty() || path.back() == u'\\';
-    if (!separated) path += u'\\';
+    const bool separated = path.empty() || path.back() == TEXT('\\');
+    if (!separated) path += TEXT('\\');
     path += part;
 }
 
-std::u16string Joined(std::u16string_view path, std::u16string_view more) {
-    const bool replaces = HasDrive(more) || more.starts_with(u"\\\\");
-    const std::u16string_view base = replaces ? more : path;
+WideText Joined(WideView path, WideView more) {
+    const bool replaces = HasDrive(more) || more.starts_with(TEXT("\\\\"));
+    const WideView base = replaces ? more : path;
     const size_t root = RootLength(base);
-    std::u16string joined(base.substr(0, root));
-    const std::u16string_view rests[] = {base.substr(root), replaces ? std::u16string_view() : more};
-    for (std::u16string_view rest : rests) {
+    WideText joined(base.substr(0, root));
+    const WideView rests[] = {base.substr(root), replaces ? WideView() : more};
+    for (WideView rest : rests) {
         while (!rest.empty()) {
-            const size_t end = std::min(rest.find(u'\\'), rest.size());
+            const size_t end = std::min(rest.find(TEXT('\\')), rest.size());
             if (end > 0) AddPart(joined, rest.substr(0, end));
             rest.remove_prefix(std::min(end + 1, rest.size()));
         }
     }
-    if (joined.size() == 2 && HasDrive(joined)) joined += u'\\';
+    if (joined.size() == 2 && HasDrive(joined)) joined += TEXT('\\');
     return joined;
 }
 
@@ -74,9 +74,9 @@ extern "C" BOOL WINAPI PathFileExistsW(LPCWSTR path) {
 extern "C" BOOL WINAPI PathAppendW(LPWSTR path, LPCWSTR more) {
     return Answer<BOOL>("PathAppendW", {ToUtf8(path), ToUtf8(more)}, [&](EmulatedPc&) -> BOOL {
         if (path == nullptr || more == nullptr) return FALSE;
-        const std::u16string joined = Joined(path, more);
+        const WideText joined = Joined(path, more);
         if (joined.size() >= MAX_PATH) {
-            path[0] = u'\0';
+            path[0] = TEXT('\0');
             return FALSE;
         }
         std::copy_n(joined.c_str(), joined.size() + 1, path);
@@ -88,10 +88,10 @@ extern "C" BOOL WINAPI PathAppendW(LPWSTR path, LPCWSTR more) {
 extern "C" BOOL WINAPI PathRemoveFileSpecW(LPWSTR path) {
     return Answer<BOOL>("PathRemoveFileSpecW", {ToUtf8(path)}, [&](EmulatedPc&) -> BOOL {
         if (path == nullptr) return FALSE;
-        const std::u16string_view text = path;
+        const WideView text = path;
         const size_t cut = LastPart(text);
         if (cut == text.size()) return FALSE;
-        path[cut] = u'\0';
+        path[cut] = TEXT('\0');
         return TRUE;
     });
 }

@@ -10,61 +10,62 @@ namespace {
 
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view utf16Mark = "\xFF\xFE";
-constexpr std::u16string_view lineEnd = u"\r\n";
-constexpr size_t nowhere = std::u16string_view::npos;
+constexpr WideView lineEnd = TEXT("\r\n");
+constexpr size_t nowhere = WideView::npos;
 
-std::u16string_view Trimmed(std::u16string_view text) {
-    constexpr std::u16string_view blanks = u" \t";
+WideView Trimmed(WideView text) {
+    constexpr WideView blanks = TEXT(" \t");
     const size_t first = text.find_first_not_of(blanks);
     if (first == nowhere) return {};
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-bool SameName(std::u16string_view left, std::u16string_view right) {
-    const auto upper = [](char16_t unit) {
-        return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
+bool SameName(WideView left, WideView right) {
+    const auto upper = [](WCHAR unit) {
+        return unit >= TEXT('a') && unit <= TEXT('z') ? static_cast<WCHAR>(unit - TEXT('a') + TEXT('A'))
+                                                      : unit;
     };
-    const std::u16string_view a = Trimmed(left), b = Trimmed(right);
+    const WideView a = Trimmed(left), b = Trimmed(right);
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char16_t x, char16_t y) { return upper(x) == upper(y); });
+                      [&](WCHAR x, WCHAR y) { return upper(x) == upper(y); });
 }
 
 // The name of a header line, whatever follows the bracket; nothing for other lines.
-std::optional<std::u16string_view> HeaderName(std::u16string_view line) {
-    const std::u16string_view text = Trimmed(line);
-    const size_t close = text.find(u']');
-    if (!text.starts_with(u'[') || close == nowhere) return std::nullopt;
+std::optional<WideView> HeaderName(WideView line) {
+    const WideView text = Trimmed(line);
+    const size_t close = text.find(TEXT(']'));
+    if (!text.starts_with(TEXT('[')) || close == nowhere) return std::nullopt;
     return text.substr(1, close - 1);
 }
 
-bool IsComment(std::u16string_view line) {
-    return Trimmed(line).starts_with(u';');
+bool IsComment(WideView line) {
+    return Trimmed(line).starts_with(TEXT(';'));
 }
 
 // The name of the key; empty for comments and blank lines.
-std::u16string_view KeyName(std::u16string_view line) {
-    return IsComment(line) ? std::u16string_view() : Trimmed(line.substr(0, line.find(u'=')));
+WideView KeyName(WideView line) {
+    return IsComment(line) ? WideView() : Trimmed(line.substr(0, line.find(TEXT('='))));
 }
 
-std::u16string_view WithoutQuotes(std::u16string_view value) {
+WideView WithoutQuotes(WideView value) {
     const bool quoted = value.size() >= 2 && value.front() == value.back() &&
-                        (value.front() == u'"' || value.front() == u'\'');
+                        (value.front() == TEXT('"') || value.front() == TEXT('\''));
     return quoted ? value.substr(1, value.size() - 2) : value;
 }
 
-std::u16string FromUtf16Bytes(std::string_view bytes) {
-    std::u16string text;
+WideText FromUtf16Bytes(std::string_view bytes) {
+    WideText text;
     for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
         const auto low = static_cast<unsigned char>(bytes[i]);
         const auto high = static_cast<unsigned char>(bytes[i + 1]);
-        text += static_cast<char16_t>(low | high << 8);
+        text += static_cast<WCHAR>(low | high << 8);
     }
     return text;
 }
 
-std::string ToUtf16Bytes(std::u16string_view text) {
+std::string ToUtf16Bytes(WideView text) {
     std::string bytes;
-    for (const char16_t unit : text) {
+    for (const WCHAR unit : text) {
         bytes += static_cast<char>(unit & 0xFF);
         bytes += static_cast<char>(unit >> 8);
     }
@@ -86,7 +87,7 @@ ProfileText::ProfileText(std::string_view bytes, bool skipUtf8Mark) {
 }
 
 std::string ProfileText::Bytes() const {
-    std::u16string text;
+    WideText text;
     for (const Line& line : lines_)
         text += line.text + line.end;
     switch (encoding_) {
@@ -100,74 +101,74 @@ std::string ProfileText::Bytes() const {
     return ToAnsi(text);
 }
 
-std::optional<std::u16string> ProfileText::Value(std::u16string_view section, std::u16string_view key) const {
+std::optional<WideText> ProfileText::Value(WideView section, WideView key) const {
     const size_t at = FindKey(FindSection(section), key);
     if (at == nowhere) return std::nullopt;
-    const std::u16string_view line = lines_[at].text;
-    const size_t equals = line.find(u'=');
+    const WideView line = lines_[at].text;
+    const size_t equals = line.find(TEXT('='));
     if (equals == nowhere) return std::nullopt;
-    return std::u16string(WithoutQuotes(Trimmed(line.substr(equals + 1))));
+    return WideText(WithoutQuotes(Trimmed(line.substr(equals + 1))));
 }
 
-std::vector<std::u16string> ProfileText::SectionNames() const {
-    std::vector<std::u16string> names;
+std::vector<WideText> ProfileText::SectionNames() const {
+    std::vector<WideText> names;
     for (const Line& line : lines_) {
         if (const auto name = HeaderName(line.text)) names.emplace_back(*name);
     }
     return names;
 }
 
-std::vector<std::u16string> ProfileText::KeyNames(std::u16string_view section) const {
-    std::vector<std::u16string> names;
+std::vector<WideText> ProfileText::KeyNames(WideView section) const {
+    std::vector<WideText> names;
     const Range range = FindSection(section);
     for (size_t i = range.begin; i < range.end; ++i) {
-        const std::u16string_view name = KeyName(lines_[i].text);
-        if (!name.empty() && lines_[i].text.find(u'=') != nowhere) names.emplace_back(name);
+        const WideView name = KeyName(lines_[i].text);
+        if (!name.empty() && lines_[i].text.find(TEXT('=')) != nowhere) names.emplace_back(name);
     }
     return names;
 }
 
-void ProfileText::Set(std::u16string_view section, std::u16string_view key, std::u16string_view value) {
-    value.remove_prefix(std::min(value.find_first_not_of(u" \t"), value.size()));
+void ProfileText::Set(WideView section, WideView key, WideView value) {
+    value.remove_prefix(std::min(value.find_first_not_of(TEXT(" \t")), value.size()));
     Range range = FindSection(section);
     if (range.begin == nowhere) {
-        InsertLine(lines_.size(), u"[" + std::u16string(Trimmed(section)) + u"]");
+        InsertLine(lines_.size(), TEXT("[") + WideText(Trimmed(section)) + TEXT("]"));
         range = {lines_.size(), lines_.size()};
     }
-    const std::u16string rest = u"=" + std::u16string(value);
+    const WideText rest = TEXT("=") + WideText(value);
     if (const size_t at = FindKey(range, key); at != nowhere) {
-        lines_[at].text = std::u16string(KeyName(lines_[at].text)) + rest;
+        lines_[at].text = WideText(KeyName(lines_[at].text)) + rest;
         return;
     }
     size_t position = range.end;
     while (position > range.begin && Trimmed(lines_[position - 1].text).empty())
         --position;
-    InsertLine(position, std::u16string(Trimmed(key)) + rest);
+    InsertLine(position, WideText(Trimmed(key)) + rest);
 }
 
-void ProfileText::RemoveKey(std::u16string_view section, std::u16string_view key) {
+void ProfileText::RemoveKey(WideView section, WideView key) {
     const size_t at = FindKey(FindSection(section), key);
     if (at != nowhere) lines_.erase(lines_.begin() + static_cast<ptrdiff_t>(at));
 }
 
-void ProfileText::RemoveSection(std::u16string_view section) {
+void ProfileText::RemoveSection(WideView section) {
     const Range range = FindSection(section);
     if (range.begin == nowhere) return;
     lines_.erase(lines_.begin() + static_cast<ptrdiff_t>(range.begin) - 1,
                  lines_.begin() + static_cast<ptrdiff_t>(range.end));
 }
 
-void ProfileText::SplitLines(std::u16string_view text) {
+void ProfileText::SplitLines(WideView text) {
     while (!text.empty()) {
         const size_t length = std::min(text.find_first_of(lineEnd), text.size());
         const size_t end =
             text.substr(length).starts_with(lineEnd) ? 2 : std::min<size_t>(text.size() - length, 1);
-        lines_.push_back({std::u16string(text.substr(0, length)), std::u16string(text.substr(length, end))});
+        lines_.push_back({WideText(text.substr(0, length)), WideText(text.substr(length, end))});
         text.remove_prefix(length + end);
     }
 }
 
-ProfileText::Range ProfileText::FindSection(std::u16string_view section) const {
+ProfileText::Range ProfileText::FindSection(WideView section) const {
     const auto isHeader = [](const Line& line) { return HeaderName(line.text).has_value(); };
     const auto header = std::find_if(lines_.begin(), lines_.end(), [&](const Line& line) {
         const auto name = HeaderName(line.text);
@@ -178,7 +179,7 @@ ProfileText::Range ProfileText::FindSection(std::u16string_view section) const {
     return {static_cast<size_t>(header - lines_.begin()) + 1, static_cast<size_t>(next - lines_.begin())};
 }
 
-size_t ProfileText::FindKey(const Range& range, std::u16string_view key) const {
+size_t ProfileText::FindKey(const Range& range, WideView key) const {
     if (Trimmed(key).empty()) return nowhere;
     for (size_t i = range.begin; i < range.end; ++i) {
         if (SameName(KeyName(lines_[i].text), key)) return i;
@@ -186,10 +187,9 @@ size_t ProfileText::FindKey(const Range& range, std::u16string_view key) const {
     return nowhere;
 }
 
-void ProfileText::InsertLine(size_t position, std::u16string text) {
+void ProfileText::InsertLine(size_t position, WideText text) {
     if (position > 0 && lines_[position - 1].end.empty()) lines_[position - 1].end = lineEnd;
-    lines_.insert(lines_.begin() + static_cast<ptrdiff_t>(position),
-                  {std::move(text), std::u16string(lineEnd)});
+    lines_.insert(lines_.begin() + static_cast<ptrdiff_t>(position), {std::move(text), WideText(lineEnd)});
 }
 
 }  // namespace machine

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "machine/core/utf.h"
+
 namespace machine {
 
 // Names of sections and keys are compared without regard to case and to blanks around them. Lines that start
@@ -21,23 +23,23 @@ class ProfileText {
     std::string Bytes() const;
 
     // Without the blanks around it and one pair of quotes. Nothing when the key is absent or has no "=".
-    std::optional<std::u16string> Value(std::u16string_view section, std::u16string_view key) const;
-    std::vector<std::u16string> SectionNames() const;
-    std::vector<std::u16string> KeyNames(std::u16string_view section) const;
+    std::optional<WideText> Value(WideView section, WideView key) const;
+    std::vector<WideText> SectionNames() const;
+    std::vector<WideText> KeyNames(WideView section) const;
 
     // Replaces the value in place, keeping the key's spelling; a new key follows the last one of its section,
     // a new section the last line. Leading blanks of the value are lost.
-    void Set(std::u16string_view section, std::u16string_view key, std::u16string_view value);
+    void Set(WideView section, WideView key, WideView value);
     // Both do nothing when there is none of that name.
-    void RemoveKey(std::u16string_view section, std::u16string_view key);
-    void RemoveSection(std::u16string_view section);
+    void RemoveKey(WideView section, WideView key);
+    void RemoveSection(WideView section);
 
   private:
     enum class Encoding { Ansi, Utf8Mark, Utf16 };
 
     struct Line {
-        std::u16string text;
-        std::u16string end;  // what ended it in the file; empty for a last line without one
+        WideText text;
+        WideText end;  // what ended it in the file; empty for a last line without one
     };
 
     // Lines of a section without its header; an absent section is empty and starts at npos.
@@ -46,10 +48,10 @@ class ProfileText {
         size_t end;
     };
 
-    void SplitLines(std::u16string_view text);
-    Range FindSection(std::u16string_view section) const;
-    size_t FindKey(const Range& range, std::u16string_view key) const;
-    void InsertLine(size_t position, std::u16string text);
+    void SplitLines(WideView text);
+    Range FindSection(WideView section) const;
+    size_t FindKey(const Range& range, WideView key) const;
+    void InsertLine(size_t position, WideText text);
 
     Encoding encoding_ = Encoding::Ansi;
     std::vector<Line> lines_;

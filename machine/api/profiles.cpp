@@ -18,34 +18,34 @@ std::string ProfilePath(const EmulatedPc& pc, LPCWSTR file) {
 }
 
 // Each name with its terminator, and one more.
-std::u16string AsList(const std::vector<std::u16string>& names) {
-    std::u16string list;
-    for (const std::u16string& name : names)
-        list += name + u'\0';
+WideText AsList(const std::vector<WideText>& names) {
+    WideText list;
+    for (const WideText& name : names)
+        list += name + TEXT('\0');
     return list;
 }
 
 // As much as fits before `terminators` terminators; the count without them.
-DWORD PutCut(const std::u16string& text, DWORD terminators, LPWSTR buffer, DWORD size) {
+DWORD PutCut(const WideText& text, DWORD terminators, LPWSTR buffer, DWORD size) {
     if (buffer == nullptr || size == 0) return 0;
     if (size < terminators) {
-        buffer[0] = u'\0';
+        buffer[0] = TEXT('\0');
         return 0;
     }
     const size_t length = std::min<size_t>(text.size(), size - terminators);
     std::copy_n(text.c_str(), length, buffer);
-    std::fill_n(buffer + length, terminators, u'\0');
+    std::fill_n(buffer + length, terminators, TEXT('\0'));
     return static_cast<DWORD>(length);
 }
 
 // Names fill the buffer up to its last terminator; names that are cut leave room for two.
-DWORD PutList(const std::u16string& list, LPWSTR buffer, DWORD size) {
+DWORD PutList(const WideText& list, LPWSTR buffer, DWORD size) {
     return PutCut(list, list.size() < size ? 1 : 2, buffer, size);
 }
 
-std::u16string Default(LPCWSTR text) {
-    std::u16string trimmed = text != nullptr ? text : u"";
-    while (!trimmed.empty() && trimmed.back() == u' ')
+WideText Default(LPCWSTR text) {
+    WideText trimmed = text != nullptr ? text : TEXT("");
+    while (!trimmed.empty() && trimmed.back() == TEXT(' '))
         trimmed.pop_back();
     return trimmed;
 }
@@ -70,17 +70,20 @@ uint32_t Change(EmulatedPc& pc, LPCWSTR section, LPCWSTR key, LPCWSTR value, LPC
     return nothingToRemove ? uint32_t{ERROR_SUCCESS} : files.Write(path, changed);
 }
 
+// The platform's headers disagree whether the length has a sign.
+using Length = decltype(GetPrivateProfileStringW(nullptr, nullptr, nullptr, nullptr, 0, nullptr));
+
 }  // namespace
 
 // The length of what was put into the buffer: the value, else the default without trailing blanks, cut to
 // size - 1. Without a section the names of all sections, without a key the names of its keys, each with its
 // terminator, cut to size - 2. Last error: 2 or what else kept the file from being read.
-extern "C" INT WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue,
-                                               LPWSTR buffer, UINT size, LPCWSTR file) {
-    if (buffer != nullptr && size > 0) buffer[0] = u'\0';
+extern "C" Length WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue,
+                                                  LPWSTR buffer, DWORD size, LPCWSTR file) {
+    if (buffer != nullptr && size > 0) buffer[0] = TEXT('\0');
     std::vector<std::string> arguments = {ToUtf8(section), ToUtf8(key), ToUtf8(defaultValue),
                                           std::to_string(size), ToUtf8(file)};
-    return Answer<INT>("GetPrivateProfileStringW", std::move(arguments), [&](EmulatedPc& pc) {
+    return Answer<Length>("GetPrivateProfileStringW", std::move(arguments), [&](EmulatedPc& pc) {
         std::string bytes;
         const uint32_t error = FilesOf(pc).Read(ProfilePath(pc, file), bytes);
         if (error != ERROR_SUCCESS) pc.lastError = error;
@@ -93,7 +96,7 @@ extern "C" INT WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPC
         } else {
             length = PutCut(profile.Value(section, key).value_or(Default(defaultValue)), 1, buffer, size);
         }
-        return static_cast<INT>(length);
+        return static_cast<Length>(length);
     });
 }
 

@@ -60,7 +60,7 @@ std::optional<RegistryValue> FindValue(const Pc& pc, const std::string& path, co
 // As the platform stores it: text in UTF-16 with its terminator.
 std::string StoredBytes(const RegistryValue& value) {
     if (value.type != REG_SZ) return value.data;
-    const std::u16string wide = ToWide(value.data);
+    const WideText wide = ToWide(value.data);
     return {reinterpret_cast<const char*>(wide.c_str()), (wide.size() + 1) * sizeof(WCHAR)};
 }
 

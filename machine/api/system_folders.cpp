@@ -9,7 +9,7 @@ using namespace machine;
 // The length; with the terminator, and nothing written, when the buffer is too short.
 extern "C" UINT WINAPI GetWindowsDirectoryW(LPWSTR buffer, UINT size) {
     return Answer<UINT>("GetWindowsDirectoryW", {std::to_string(size)}, [&](EmulatedPc& pc) {
-        const std::u16string folder = ToWide(pc.pc.system.windowsDirectory);
+        const WideText folder = ToWide(pc.pc.system.windowsDirectory);
         const UINT length = static_cast<UINT>(folder.size());
         if (buffer == nullptr || size <= length) return length + 1;
         std::copy_n(folder.c_str(), length + 1, buffer);
@@ -23,7 +23,7 @@ extern "C" DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD 
     const std::string which = module == nullptr ? "null" : "<module>";
     return Answer<DWORD>("GetModuleFileNameW", {which, std::to_string(size)}, [&](EmulatedPc& pc) {
         if (module != nullptr) return Failure<DWORD>(pc, FailsWith::ZeroAndLastError, ERROR_MOD_NOT_FOUND);
-        const std::u16string path = ToWide(pc.pc.host.path);
+        const WideText path = ToWide(pc.pc.host.path);
         const DWORD length = static_cast<DWORD>(path.size());
         if (size > length) {
             std::copy_n(path.c_str(), length + 1, buffer);
@@ -31,7 +31,7 @@ extern "C" DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD 
         }
         if (size > 0) {
             std::copy_n(path.c_str(), size - 1, buffer);
-            buffer[size - 1] = u'\0';
+            buffer[size - 1] = TEXT('\0');
         }
         pc.lastError = ERROR_INSUFFICIENT_BUFFER;
         return size;

@@ -25,7 +25,7 @@ VDS_PARTITION_PROP RecordOf(const Disk& disk, const Partition& partition) {
         record.Gpt.partitionType = partition.gptType;
         record.Gpt.partitionId = partition.gptId;
         record.Gpt.attributes = partition.attributes;
-        const std::basic_string<WCHAR> name = ToWide(partition.name);
+        const WideText name = ToWide(partition.name);
         std::copy_n(name.begin(), std::min(name.size(), std::size(record.Gpt.name)), record.Gpt.name);
     }
     return record;
@@ -39,7 +39,7 @@ char UpperLetter(WCHAR letter) {
 }
 
 std::string LetterText(WCHAR letter) {
-    return ToUtf8(std::basic_string_view<WCHAR>(&letter, 1));
+    return ToUtf8(WideView(&letter, 1));
 }
 
 // Finds the partition whose letters a call is about, or the code that refuses the call.

@@ -18,7 +18,7 @@ bool IsRoot(const std::string& path, bool backslashRequired) {
 // Copies the text with its terminator where the caller wants it; error 234 when it does not fit.
 uint32_t PutText(const std::string& text, WCHAR* buffer, DWORD size) {
     if (buffer == nullptr) return ERROR_SUCCESS;
-    const std::u16string wide = ToWide(text);
+    const WideText wide = ToWide(text);
     if (wide.size() >= size) return ERROR_MORE_DATA;
     std::copy_n(wide.c_str(), wide.size() + 1, buffer);
     return ERROR_SUCCESS;
@@ -80,9 +80,9 @@ extern "C" BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD l
 // when the buffer is too short, and nothing is written then.
 extern "C" DWORD WINAPI GetLogicalDriveStringsW(DWORD size, LPWSTR buffer) {
     return Answer<DWORD>("GetLogicalDriveStringsW", {std::to_string(size)}, [&](EmulatedPc& pc) {
-        std::u16string roots;
+        WideText roots;
         for (const char letter : UsedLetters(pc.pc))
-            roots.append({static_cast<WCHAR>(letter), u':', u'\\', u'\0'});
+            roots.append({static_cast<WCHAR>(letter), TEXT(':'), TEXT('\\'), TEXT('\0')});
         const DWORD length = static_cast<DWORD>(roots.size());
         if (buffer == nullptr || size <= length) return length + 1;
         std::copy_n(roots.c_str(), length + 1, buffer);

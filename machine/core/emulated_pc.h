@@ -2,9 +2,9 @@
 #pragma once
 
 #include <any>
-#include <map>
 #include <string>
 #include <typeindex>
+#include <unordered_map>
 
 #include "machine/core/fault_plan.h"
 #include "machine/core/journal.h"
@@ -44,7 +44,8 @@ class EmulatedPc final : private ILogSink {
   private:
     void Write(const LogEntry& entry) override { journal.Add(entry); }
 
-    std::map<std::type_index, std::any> states_;
+    // Not ordered: type_info::before contradicts itself on mingw-w64 for types of unnamed namespaces.
+    std::unordered_map<std::type_index, std::any> states_;
 };
 
 }  // namespace machine

@@ -8,9 +8,12 @@
 
 namespace machine {
 
+using WideText = std::basic_string<WCHAR>;
+using WideView = std::basic_string_view<WCHAR>;
+
 // Text that is no valid UTF comes out as "?".
-std::basic_string<WCHAR> ToWide(std::string_view text);
-std::string ToUtf8(std::basic_string_view<WCHAR> text);
+WideText ToWide(std::string_view text);
+std::string ToUtf8(WideView text);
 // A null text counts as empty.
 std::string ToUtf8(const WCHAR* text);
 

@@ -6,10 +6,10 @@
 
 #include <set>
 
-#include "diag/module.h"
 #include "machine/model/machines.h"
 #include "manager/result_codes.h"
 #include "platform/partition_types.h"
+#include "tests/faults/current_module.h"
 #include "tests/faults/fault_walk.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
@@ -265,7 +265,7 @@ TEST_P(QueryFaults, ChangeNothingAndTellTheTruthOrAFailure) {
             answers.insert(answer);
             EXPECT_TRUE(answer == question.answer || question.failures.contains(answer)) << answer;
             EXPECT_EQ(application.pc.pc, question.facts());
-            EXPECT_FALSE(ModuleContext::IsCurrent());
+            ExpectNoCurrentModule();
             ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
         }
     }

@@ -337,7 +337,7 @@ class BootSwitchWithoutVolumeLayer : public testing::TestWithParam<WithoutLayer>
 
 TEST_P(BootSwitchWithoutVolumeLayer, AnswersOne) {
     Application application(Factory(2));
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ((application.kestova.*GetParam().operation)(), 1);
     EXPECT_EQ(Transcript(application.pc.journal), GetParam().transcript);

@@ -175,7 +175,7 @@ TEST_P(BootPartitionLetter, IsGivenOnTheFirstInternalDisk) {
 
 TEST_P(BootPartitionLetter, IsNotGivenWithoutAVolumeLayer) {
     Application application(FactoryGpt());
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Activate(application), ERROR_GET_PARTITION_TYPE);
     EXPECT_EQ(letter, untouched);
@@ -234,7 +234,7 @@ TEST_P(BootPartitionLetter, MayBeGoneWhenTakingItFails) {
 
 TEST_P(BootPartitionLetter, IsNotTakenWithoutAVolumeLayer) {
     Application application(WithLetters("S"));
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Disable(application), ERROR_SET_DRIVE_LETTER);
     EXPECT_EQ(Letters(application), "S");

@@ -5,6 +5,7 @@
 #include "tests/manager/internals.h"
 #include "tests/support/application/two_systems.h"
 #include "tests/support/transcript.h"
+#include "text/wide_string.h"
 
 bool operator==(const tagDriveInfo_t& left, const tagDriveInfo_t& right) {
     return left.iDiskNum == right.iDiskNum && left.iPartNum == right.iPartNum &&
@@ -58,14 +59,14 @@ struct Translation {
 
 // --- one key ---
 
-const WCHAR* const runningKey = u"SYSTEM\\MountedDevices";
+const WCHAR* const runningKey = TEXT("SYSTEM\\MountedDevices");
 
 TEST(ReadRegistry, ReadsTheRunningSystemsLettersIntoItsMap) {
     Translation translation;
-    EXPECT_EQ(translation.Read(u"system\\MOUNTEDdevices"), TRUE);
-    EXPECT_THAT(translation.Running(), ElementsAre(Pair(u'C', IdentityOf(translation.pc.pc, 1).data),
-                                                   Pair(u'D', IdentityOf(translation.pc.pc, 2).data),
-                                                   Pair(u'E', IdentityOf(translation.pc.pc, 3).data)));
+    EXPECT_EQ(translation.Read(TEXT("system\\MOUNTEDdevices")), TRUE);
+    EXPECT_THAT(translation.Running(), ElementsAre(Pair(TEXT('C'), IdentityOf(translation.pc.pc, 1).data),
+                                                   Pair(TEXT('D'), IdentityOf(translation.pc.pc, 2).data),
+                                                   Pair(TEXT('E'), IdentityOf(translation.pc.pc, 3).data)));
     EXPECT_THAT(translation.Installed(), IsEmpty());
     EXPECT_EQ(translation.Log(),
               "4 Kestova::ReadRegistry Start. sRegisterPath = system\\MOUNTEDdevices\n"
@@ -83,9 +84,9 @@ TEST(ReadRegistry, ReadsAnyOtherKeyIntoTheMapOfTheInstalledWindows) {
                                          {"\\DosDevices\\AA:", {REG_BINARY, "no letter"}},
                                          {"\\??\\Volume{1}", {REG_BINARY, "no letter"}}};
     Translation translation(facts);
-    EXPECT_EQ(translation.Read(u"ELSEWHERE"), TRUE);
+    EXPECT_EQ(translation.Read(TEXT("ELSEWHERE")), TRUE);
     EXPECT_THAT(translation.Installed(),
-                ElementsAre(Pair(u'A', std::string("a\0\0\0", 4)), Pair(u'Z', "last")));
+                ElementsAre(Pair(TEXT('A'), std::string("a\0\0\0", 4)), Pair(TEXT('Z'), "last")));
     EXPECT_THAT(translation.Running(), IsEmpty());
 }
 
@@ -102,20 +103,20 @@ TEST(ReadRegistry, KeepsLettersWithoutData) {
     facts.registry[runningDevices] = {{"\\DosDevices\\C:", {REG_BINARY, ""}}};
     Translation translation(facts);
     EXPECT_EQ(translation.Read(runningKey), TRUE);
-    EXPECT_THAT(translation.Running(), ElementsAre(Pair(u'C', "")));
+    EXPECT_THAT(translation.Running(), ElementsAre(Pair(TEXT('C'), "")));
 }
 
 TEST(ReadRegistry, LeavesALetterThatTheMapHasAlready) {
     Translation translation;
     translation.Add(Open(internals::PEDriveMapTag()), TEXT('D'), "older");
     EXPECT_EQ(translation.Read(runningKey), TRUE);
-    EXPECT_EQ(translation.Running()[u'D'], "older");
+    EXPECT_EQ(translation.Running()[TEXT('D')], "older");
     EXPECT_EQ(translation.Running().size(), 3U);
 }
 
 TEST(ReadRegistry, TellsThatThereIsNoSuchKey) {
     Translation translation;
-    EXPECT_EQ(translation.Read(u"NONE"), FALSE);
+    EXPECT_EQ(translation.Read(TEXT("NONE")), FALSE);
     EXPECT_EQ(translation.Log(),
               "4 Kestova::ReadRegistry Start. sRegisterPath = NONE\n"
               "4 Kestova::ReadRegistry End. bResult = {int 0}\n");
@@ -133,7 +134,8 @@ TEST(ReadRegistry, SkipsALetterWhoseDataCannotBeRead) {
         Translation translation;
         translation.pc.faults.Arm({.call = "RegQueryValueExW", .nth = query, .code = ERROR_READ_FAULT});
         EXPECT_EQ(translation.Read(runningKey), TRUE);
-        EXPECT_THAT(translation.Running(), ElementsAre(Pair(u'D', testing::_), Pair(u'E', testing::_)));
+        EXPECT_THAT(translation.Running(),
+                    ElementsAre(Pair(TEXT('D'), testing::_), Pair(TEXT('E'), testing::_)));
     }
 }
 

@@ -24,11 +24,9 @@ const std::string ended = "4 Kestova::IsVistaOS\\tEnd\n";
 struct Files {
     EmulatedPc pc;
     Kestova kestova;
+    internals::WithoutEncryptionLayer without{kestova};
 
-    explicit Files(machine::Pc facts) : pc(std::move(facts)) {
-        internals::DropEncryptionLayer(kestova);
-        pc.journal.Clear();
-    }
+    explicit Files(machine::Pc facts) : pc(std::move(facts)) { pc.journal.Clear(); }
     std::string Records() const { return Transcript(pc.journal); }
     std::vector<std::string> Calls() const {
         std::vector<std::string> names;

@@ -2,11 +2,10 @@
 // the class needs no friend for this.
 #pragma once
 
+#include <type_traits>
 #include <utility>
 
-#include "device/encrypt_volume.h"
 #include "manager/kestova.h"
-#include "vds/vds_partition.h"
 
 namespace internals {
 
@@ -67,12 +66,23 @@ OPEN_PRIVATE_MEMBER(PEDriveMapTag, LetterMap, m_mapPEDrive);
 
 #undef OPEN_PRIVATE_MEMBER
 
-// Leave the object as if that layer could not have been made.
-inline void DropEncryptionLayer(Kestova& kestova) {
-    delete std::exchange(kestova.*Open(EncryptionLayerTag()), nullptr);
-}
-inline void DropVolumeLayer(Kestova& kestova) {
-    delete std::exchange(kestova.*Open(VolumeLayerTag()), nullptr);
-}
+// While it lives the object is as if that layer could not have been made; afterwards it owns the layer again.
+template <typename Tag>
+class Without {
+  public:
+    explicit Without(Kestova& kestova)
+        : layer_(kestova.*Open(Tag())), kept_(std::exchange(layer_, nullptr)) {}
+    ~Without() { layer_ = kept_; }
+    Without(const Without&) = delete;
+    Without& operator=(const Without&) = delete;
+
+  private:
+    using Layer = std::remove_reference_t<decltype(std::declval<Kestova&>().*Open(Tag()))>;
+
+    Layer& layer_;
+    Layer kept_;
+};
+using WithoutEncryptionLayer = Without<EncryptionLayerTag>;
+using WithoutVolumeLayer = Without<VolumeLayerTag>;
 
 }  // namespace internals

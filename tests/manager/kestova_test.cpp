@@ -83,13 +83,11 @@ TEST(Initialize, WithoutAVolumeLayerAnswersZero) {
     EmulatedPc pc(machine::FactoryMbr());
     ComApartment com;
     Kestova kestova;
-    CVDSPartition*& layer = kestova.*Open(internals::VolumeLayerTag());
-    CVDSPartition* const kept = std::exchange(layer, nullptr);
+    const internals::WithoutVolumeLayer without(kestova);
     pc.journal.Clear();
     EXPECT_EQ(kestova.Initialize(false), 0);
     EXPECT_EQ(Transcript(pc.journal),
               "4 Kestova::Initialize\\tStart\n4 Kestova::Initialize\\tEnd. bRet = {int 0}\n");
-    layer = kept;
 }
 
 TEST(Initialize, CalledAgainConnectsAgain) {

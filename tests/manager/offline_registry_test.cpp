@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-constexpr const WCHAR* load = u"reg load HKLM\\TEMSYSTEM D:\\Windows\\System32\\Config\\SYSTEM";
+constexpr const WCHAR* load = TEXT("reg load HKLM\\TEMSYSTEM D:\\Windows\\System32\\Config\\SYSTEM");
 
 // An object of the library in Windows PE; whatever it does here, it logs nothing.
 struct Offline {
@@ -67,7 +67,7 @@ TEST(LoadRegistry, WritesTheCommandInTheOemCodePage) {
     Offline offline;
     offline.pc.pc.volumes.front().files.PutFile("LoadRegistry.bat", "a longer batch that was left behind");
     offline.Fail("DeleteFileW", 1, ERROR_ACCESS_DENIED);
-    EXPECT_EQ(offline.Run(u"echo Übung"), 0);
+    EXPECT_EQ(offline.Run(TEXT("echo Übung")), 0);
     ASSERT_NE(BatchFile(offline.pc), nullptr);
     EXPECT_EQ(BatchFile(offline.pc)->content,
               "echo \x9A"
@@ -130,7 +130,7 @@ TEST_P(BrokenBatch, LeavesNoFileBehind) {
     Offline offline;
     const BatchFailure& failure = GetParam();
     offline.Fail(failure.call, failure.nth, failure.code, failure.afterEffect);
-    EXPECT_EQ(offline.Run(u"rem"), failure.result);
+    EXPECT_EQ(offline.Run(TEXT("rem")), failure.result);
     EXPECT_EQ(offline.pc.faults.Fired(), 1);
     EXPECT_EQ(BatchFile(offline.pc), nullptr);
     EXPECT_EQ(offline.pc.clockMilliseconds, failure.runs ? 50U : 0U);
@@ -152,7 +152,7 @@ TEST(LoadRegistry, TellsThatThereIsNoProcessToWaitFor) {
 TEST(LoadRegistry, WaitsTenSecondsAndNoLonger) {
     Offline inTime;
     inTime.pc.pc.shell.milliseconds = 10'000;
-    EXPECT_EQ(inTime.Run(u"rem"), 0);
+    EXPECT_EQ(inTime.Run(TEXT("rem")), 0);
     EXPECT_EQ(inTime.pc.clockMilliseconds, 10'000U);
 }
 
@@ -173,7 +173,7 @@ TEST(LoadRegistry, TakesNoNoticeOfCleaningUpThatFails) {
          {std::pair("CloseHandle", 1U), {"CloseHandle", 2U}, {"PathFileExistsW", 1U}, {"DeleteFileW", 1U}}) {
         Offline offline;
         offline.Fail(call, nth, ERROR_ACCESS_DENIED);
-        EXPECT_EQ(offline.Run(u"rem"), 0) << call;
+        EXPECT_EQ(offline.Run(TEXT("rem")), 0) << call;
         const bool isClose = std::string(call) == "CloseHandle";
         EXPECT_EQ(BatchFile(offline.pc) == nullptr, isClose) << call;
         EXPECT_EQ(offline.pc.ledger.Outstanding().size(), isClose ? 1U : 0U) << call;

@@ -148,7 +148,7 @@ TEST_P(RecoveryLetter, StaysSilentlyWhenItCannotBeTaken) {
 TEST_P(RecoveryLetter, IsNeitherGivenNorTakenWithoutAVolumeLayer) {
     Application application(FactoryGpt());
     EXPECT_EQ(Assign(application), 'D');
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Assign(application), '0');
     Remove(application);

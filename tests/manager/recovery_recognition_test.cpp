@@ -48,10 +48,10 @@ class RecoveryRecognition : public testing::TestWithParam<Kind> {
         return facts;
     }
 
-    // Selects the partition and looks at it; the journal begins with the look.
+    // Has the partition selected, as IsNeedHidePartition does, and looks at it; the journal begins with the
+    // look.
     static Answer Look(Application& application, uint32_t number) {
-        CVDSPartition& partitions = *(application.kestova.*Open(internals::VolumeLayerTag()));
-        EXPECT_TRUE(partitions.SelectDisk(0) && partitions.SelectPartition(static_cast<int>(number)));
+        application.kestova.IsNeedHidePartition(0, static_cast<int>(number));
         application.pc.journal.Clear();
         Answer answer = {77, 77};
         answer.result = (application.kestova.*GetParam().recognise)(0, static_cast<int>(number), answer.is);
@@ -126,7 +126,7 @@ TEST_P(RecoveryRecognition, FailsForAMissingPartition) {
 
 TEST_P(RecoveryRecognition, FailsWithoutAVolumeLayer) {
     Application application(FactoryGpt());
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     int is = 77;
     EXPECT_EQ((application.kestova.*GetParam().recognise)(0, 6, is), 0);

@@ -163,7 +163,7 @@ TEST(IsExistRecoveryPartition, StopsAtAPartitionWithoutANumber) {
 
 TEST(IsExistRecoveryPartition, WithoutAVolumeLayerFindsNone) {
     Application application(FactoryGpt());
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Search(application, recovery), nowhere);
     EXPECT_EQ(
@@ -175,7 +175,7 @@ TEST(IsExistRecoveryPartition, WithoutAVolumeLayerFindsNone) {
 
 TEST(IsExistWinREPartition, WithoutAVolumeLayerFindsNone) {
     Application application(FactoryGpt());
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Search(application, winRe), nowhere);
     EXPECT_EQ(

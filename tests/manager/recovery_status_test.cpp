@@ -91,7 +91,7 @@ TEST(CheckMBRRcvprtStatus, TellsThatTheIdCouldNotBeRead) {
 
 TEST(CheckMBRRcvprtStatus, WithoutAVolumeLayerTellsThatTheIdCouldNotBeRead) {
     Application application(FactoryMbr());
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Check(application), GETTYPE_FAILED);
     EXPECT_EQ(Transcript(application.pc.journal),

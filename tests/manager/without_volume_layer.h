@@ -10,12 +10,10 @@
 
 class WithoutVolumeLayer : public testing::Test {
   protected:
-    WithoutVolumeLayer() : application_(machine::FactoryMbr()) {
-        internals::DropVolumeLayer(application_.kestova);
-        application_.pc.journal.Clear();
-    }
+    WithoutVolumeLayer() : application_(machine::FactoryMbr()) { application_.pc.journal.Clear(); }
     std::string Records() const { return Transcript(application_.pc.journal); }
 
     Application application_;
+    internals::WithoutVolumeLayer without_{application_.kestova};
     Kestova& kestova_ = application_.kestova;
 };

@@ -88,7 +88,7 @@ std::vector<std::string> GivenOptions(const CLI::App& app) {
 
 }  // namespace
 
-CommandLine ReadCommandLine(int count, const char* const* words) {
+CommandLine ReadCommandLine(const std::vector<std::string>& words) {
     CommandLine line;
     std::vector<std::string> positional;
     CLI::App app;
@@ -96,7 +96,7 @@ CommandLine ReadCommandLine(int count, const char* const* words) {
     app.add_option("command", positional);
     app.allow_extras();
     try {
-        app.parse(count, words);
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     } catch (const CLI::ParseError& error) {
         throw WrongUse(Message(error));
     }

@@ -18,8 +18,8 @@ struct CommandLine {
     bool version = false;
 };
 
-// Throws WrongUse.
-CommandLine ReadCommandLine(int count, const char* const* words);
+// The words behind the program's name. Throws WrongUse.
+CommandLine ReadCommandLine(const std::vector<std::string>& words);
 
 // The options in their groups, as help shows them.
 std::string OptionsText();

@@ -119,7 +119,6 @@ int ListPcs(const CommandLine& line) {
         if (line.json)
             std::cout << Json({{"name", machine.name}, {"summary", machine.summary}}).dump() << "\n";
     }
-    if (rows.empty()) std::cerr << "kestova: this build works on the PC that it runs on\n";
     if (!line.json) std::cout << Table(rows, "");
     return Done;
 }

@@ -1,5 +1,6 @@
 #include "tools/kestova/host.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
@@ -14,7 +15,7 @@ class LogOutput {
   public:
     explicit LogOutput(const CommandLine& line) : name_(line.log), shown_(line.json ? std::cerr : std::cout) {
         if (name_.empty() || name_ == "-") return;
-        file_.open(name_, std::ios::binary);
+        file_.open(std::filesystem::path(name_), std::ios::binary);
         if (!file_) throw WrongUse("--log: " + name_ + " cannot be written");
     }
     std::ostream* Stream() {
@@ -83,7 +84,8 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
 }  // namespace
 
 int Host(const CommandLine& line, const Work& work) {
-    OpenedPc pc(line.choice, work.access);
+    const std::unique_ptr<OpenedPc> opened = OpenPc(line.choice, work.access);
+    OpenedPc& pc = *opened;
     CheckOutputFiles(line, pc.Inputs(), work.script);
     LogOutput log(line);
     if (!pc.Note().empty()) std::cerr << "kestova: " << pc.Note() << "\n";

@@ -6,7 +6,7 @@
 namespace {
 
 [[noreturn]] void Refuse(const std::string& image) {
-    throw WrongUse(image + ": this build has no image part (build with KESTOVA_IMAGES=ON)");
+    throw WrongUse(image + ": this build opens no images (it has no image part)");
 }
 
 }  // namespace

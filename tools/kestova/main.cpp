@@ -1,16 +1,16 @@
 // kestova: the recovery library on the command line.
 
-#include <csignal>
 #include <iostream>
 
 #include "tools/kestova/command_line.h"
 #include "tools/kestova/commands.h"
 #include "tools/kestova/errors.h"
+#include "tools/kestova/program_start.h"
 
 namespace {
 
-int Run(int count, char** words) {
-    const CommandLine line = ReadCommandLine(count, words);
+int Run(const std::vector<std::string>& words) {
+    const CommandLine line = ReadCommandLine(words);
     if (line.help) {
         std::cout << HelpText();
         return Done;
@@ -37,12 +37,8 @@ int CheckOutput(int status) {
 }  // namespace
 
 int main(int count, char** words) {
-#ifdef SIGPIPE
-    // A reader that goes away must not end an operation halfway.
-    std::signal(SIGPIPE, SIG_IGN);
-#endif
     try {
-        return CheckOutput(Run(count, words));
+        return CheckOutput(Run(StartProgram(count, words)));
     } catch (const WrongUse& error) {
         std::cerr << "kestova: " << error.what() << "\n(kestova --help tells what there is)\n";
         return WrongUseStatus;

@@ -1,5 +1,5 @@
-// The PC that a command works on: an emulated one, or the PC that the program runs on. Which of them is
-// decided by the build; the commands cannot tell.
+// The PC that a command works on: an emulated one, or the PC that the program runs on. The commands cannot
+// tell.
 #pragma once
 
 #include <functional>
@@ -32,33 +32,36 @@ struct InputFiles {
     std::vector<std::string> images;
 };
 
-// While it lives the library's calls reach this PC, and the library is loaded as a program's loader would.
+// While it lives the platform calls of the library and of this program reach this PC, and the library is
+// loaded as a program's loader would.
 class OpenedPc {
   public:
-    // Throws WrongUse for a choice that this build cannot serve or cannot understand, UnreadablePc for a PC
-    // that cannot be read.
-    OpenedPc(const PcChoice& choice, Access access);
-    ~OpenedPc();
+    OpenedPc() = default;
+    virtual ~OpenedPc() = default;
     OpenedPc(const OpenedPc&) = delete;
     OpenedPc& operator=(const OpenedPc&) = delete;
 
     // What the user should know about the choice; empty when there is nothing to say.
-    const std::string& Note() const;
-    InputFiles Inputs() const;
+    virtual const std::string& Note() const = 0;
+    virtual InputFiles Inputs() const = 0;
     // Platform calls and log records in order, since the last time.
-    Json TakeTrace();
+    virtual Json TakeTrace() = 0;
     // Does what changes the PC only to find something out, and puts everything back. False, and nothing is
     // done, where nothing can be put back.
-    bool Rehearse(const std::function<void()>& action);
-    // What is different since it was opened, a text each; nothing when this build cannot tell.
-    std::optional<std::vector<std::string>> Changes() const;
+    virtual bool Rehearse(const std::function<void()>& action) = 0;
+    // What is different since it was opened, a text each; nothing when it cannot be told.
+    virtual std::optional<std::vector<std::string>> Changes() const = 0;
     // Writes the PC's description. Throws Failed.
-    void Save(const std::string& file) const;
-
-  private:
-    struct Inside;
-    std::unique_ptr<Inside> inside_;
+    virtual void Save(const std::string& file) const = 0;
 };
+
+// The PC of that choice. Throws WrongUse for a choice that this build cannot serve or cannot understand,
+// UnreadablePc for a PC that cannot be read.
+std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access);
+
+// The two kinds; a build has the first or both.
+std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access);
+std::unique_ptr<OpenedPc> OpenRealPc();
 
 // A machine that comes with the tool.
 struct ComingMachine {
@@ -66,5 +69,4 @@ struct ComingMachine {
     std::string summary;
 };
 
-// None on a build whose PC is the one it runs on.
 std::vector<ComingMachine> ComingMachines();

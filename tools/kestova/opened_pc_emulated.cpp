@@ -5,9 +5,9 @@
 
 #include "machine/core/emulated_pc.h"
 #include "machine/core/letters.h"
+#include "machine/entry/loaded_library.h"
 #include "machine/model/description.h"
 #include "machine/model/machines.h"
-#include "platform/windows_api.h"
 #include "tools/kestova/changes.h"
 #include "tools/kestova/errors.h"
 #include "tools/kestova/fault_option.h"
@@ -17,8 +17,6 @@
 #include "tools/kestova/session.h"
 #include "tools/kestova/text.h"
 #include "tools/kestova/whole_file.h"
-
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 
 namespace {
 
@@ -53,7 +51,7 @@ std::string ReadDescriptionText(const std::string& name) {
     constexpr size_t most = size_t{16} << 20;
     std::error_code error;
     if (!fs::exists(name, error)) RefuseMissing(name);
-    std::ifstream file(name, std::ios::binary);
+    std::ifstream file(fs::path(name), std::ios::binary);
     std::string text(most + 1, '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
     if (fs::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
@@ -129,16 +127,6 @@ Pc Watched(Pc pc) {
     return pc;
 }
 
-// The library as a program's loader treats it.
-struct LoadedLibrary {
-    LoadedLibrary() {
-        if (!DllMain(nullptr, DLL_PROCESS_ATTACH, nullptr)) throw Failed("the library refused to be loaded");
-    }
-    ~LoadedLibrary() { DllMain(nullptr, DLL_PROCESS_DETACH, nullptr); }
-    LoadedLibrary(const LoadedLibrary&) = delete;
-    LoadedLibrary& operator=(const LoadedLibrary&) = delete;
-};
-
 Json TraceEntry(const machine::JournalEntry& entry) {
     if (const auto* const record = std::get_if<LogEntry>(&entry)) return LogRecordJson(*record);
     const auto& call = std::get<machine::CallRecord>(entry);
@@ -147,66 +135,57 @@ Json TraceEntry(const machine::JournalEntry& entry) {
     return json;
 }
 
-}  // namespace
-
-struct OpenedPc::Inside {
-    Inside(const PcChoice& choice, Access access)
-        : before(Watched(Choose(choice, access))), emulated(before) {
+class EmulatedOne final : public OpenedPc {
+  public:
+    EmulatedOne(const PcChoice& choice, Access access)
+        : before_(Watched(Choose(choice, access))), emulated_(before_) {
         for (const std::string& fault : choice.faults)
-            emulated.faults.Arm(ReadFault(fault));
-        if (FindMachine(choice.pc) == nullptr) inputs.description = choice.pc;
-        for (const std::string* const image : ImagesOf(before))
-            inputs.images.push_back(*image);
+            emulated_.faults.Arm(ReadFault(fault));
+        if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
+        for (const std::string* const image : ImagesOf(before_))
+            inputs_.images.push_back(*image);
         if (choice.images.empty() && choice.pc.empty()) {
-            note =
-                "no PC was named: this is " + before.name + ", a machine in memory that comes with the tool";
+            note_ =
+                "no PC was named: this is " + before_.name + ", a machine in memory that comes with the tool";
         }
     }
 
-    std::string note;
-    InputFiles inputs;
-    Pc before;
-    machine::EmulatedPc emulated;
-    LoadedLibrary library;
-    size_t traced = 0;
+    const std::string& Note() const override { return note_; }
+    InputFiles Inputs() const override { return inputs_; }
+    Json TakeTrace() override;
+    bool Rehearse(const std::function<void()>& action) override;
+    std::optional<std::vector<std::string>> Changes() const override {
+        return ::Changes(before_, emulated_.pc);
+    }
+    void Save(const std::string& file) const override;
+
+  private:
+    std::string note_;
+    InputFiles inputs_;
+    Pc before_;
+    machine::EmulatedPc emulated_;
+    machine::LoadedLibrary library_;
+    size_t traced_ = 0;
 };
 
-OpenedPc::OpenedPc(const PcChoice& choice, Access access)
-    : inside_(std::make_unique<Inside>(choice, access)) {}
-
-OpenedPc::~OpenedPc() = default;
-
-const std::string& OpenedPc::Note() const {
-    return inside_->note;
-}
-
-InputFiles OpenedPc::Inputs() const {
-    return inside_->inputs;
-}
-
-Json OpenedPc::TakeTrace() {
+Json EmulatedOne::TakeTrace() {
     Json trace = Json::array();
-    const auto& entries = inside_->emulated.journal.Entries();
-    for (; inside_->traced < entries.size(); ++inside_->traced) {
-        trace.push_back(TraceEntry(entries[inside_->traced]));
-    }
+    const auto& entries = emulated_.journal.Entries();
+    for (; traced_ < entries.size(); ++traced_)
+        trace.push_back(TraceEntry(entries[traced_]));
     return trace;
 }
 
 // Letters are facts of the PC, whatever its volumes lie on.
-bool OpenedPc::Rehearse(const std::function<void()>& action) {
-    const Pc kept = inside_->emulated.pc;
+bool EmulatedOne::Rehearse(const std::function<void()>& action) {
+    const Pc kept = emulated_.pc;
     action();
-    inside_->emulated.pc = kept;
+    emulated_.pc = kept;
     return true;
 }
 
-std::optional<std::vector<std::string>> OpenedPc::Changes() const {
-    return ::Changes(inside_->before, inside_->emulated.pc);
-}
-
-void OpenedPc::Save(const std::string& file) const {
-    Pc pc = inside_->emulated.pc;
+void EmulatedOne::Save(const std::string& file) const {
+    Pc pc = emulated_.pc;
     const fs::path folder = WriteTarget(file).parent_path();
     for (std::string* const image : ImagesOf(pc))
         *image = fs::proximate(fs::absolute(*image), folder).string();
@@ -215,6 +194,12 @@ void OpenedPc::Save(const std::string& file) const {
     } catch (const machine::DescriptionError& error) {
         throw Failed(error.what());
     }
+}
+
+}  // namespace
+
+std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access) {
+    return std::make_unique<EmulatedOne>(choice, access);
 }
 
 std::vector<ComingMachine> ComingMachines() {

@@ -53,7 +53,7 @@ std::vector<PlannedCall> ReadScriptFile(const std::string& file) {
     if (file == "-") return ReadScript(std::cin, "standard input");
     std::error_code error;
     if (!std::filesystem::exists(file, error)) throw WrongUse(file + ": there is no such file");
-    std::ifstream script(file, std::ios::binary);
+    std::ifstream script(std::filesystem::path(file), std::ios::binary);
     if (!script) throw WrongUse(file + ": cannot be read");
     return ReadScript(script, file);
 }

@@ -1,0 +1,24 @@
+// The calls were linked to the emulated PC; what is left is the entry point.
+
+#include "machine/entry/loaded_library.h"
+
+#include <stdexcept>
+
+#include "platform/windows_api.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
+
+namespace machine {
+
+struct LoadedLibrary::Inside {};
+
+LoadedLibrary::LoadedLibrary() {
+    if (!DllMain(nullptr, DLL_PROCESS_ATTACH, nullptr))
+        throw std::runtime_error("the library refused to be loaded");
+}
+
+LoadedLibrary::~LoadedLibrary() {
+    DllMain(nullptr, DLL_PROCESS_DETACH, nullptr);
+}
+
+}  // namespace machine

@@ -1,0 +1,105 @@
+#include "machine/entry/windows/import_table.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+#include "machine/core/text_case.h"
+#include "machine/entry/windows/answered_calls.h"
+
+namespace machine {
+
+namespace {
+
+// Their functions are no platform calls.
+constexpr std::string_view otherModules[] = {"LOGGING.DLL", "MSVCRT.DLL"};
+
+struct Import {
+    std::string library;
+    std::string name;  // the number of one without a name
+    ULONG_PTR* address;
+};
+
+template <typename Record>
+const Record* At(HMODULE module, ULONG_PTR offset) {
+    return reinterpret_cast<const Record*>(reinterpret_cast<const char*>(module) + offset);
+}
+
+const IMAGE_IMPORT_DESCRIPTOR* FirstLibrary(HMODULE module) {
+    const auto& dos = *At<IMAGE_DOS_HEADER>(module, 0);
+    const auto& headers = *At<IMAGE_NT_HEADERS>(module, static_cast<ULONG_PTR>(dos.e_lfanew));
+    return At<IMAGE_IMPORT_DESCRIPTOR>(
+        module, headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
+}
+
+std::string NameOf(HMODULE module, const IMAGE_THUNK_DATA& thunk) {
+    const ULONG_PTR value = thunk.u1.Ordinal;
+    if (IMAGE_SNAP_BY_ORDINAL(value)) return std::to_string(IMAGE_ORDINAL(value));
+    return At<IMAGE_IMPORT_BY_NAME>(module, value)->Name;
+}
+
+std::vector<Import> ImportsOf(HMODULE module) {
+    std::vector<Import> imports;
+    for (const auto* library = FirstLibrary(module); library->Name != 0; ++library) {
+        const auto* name = At<IMAGE_THUNK_DATA>(module, library->OriginalFirstThunk);
+        const auto* bound = At<IMAGE_THUNK_DATA>(module, library->FirstThunk);
+        for (; name->u1.Ordinal != 0; ++name, ++bound) {
+            imports.push_back({At<char>(module, library->Name), NameOf(module, *name),
+                               const_cast<ULONG_PTR*>(&bound->u1.Function)});
+        }
+    }
+    return imports;
+}
+
+// The emulated PC's function of that name; 0 without one.
+ULONG_PTR Emulated(std::string_view name) {
+    const auto calls = AnsweredCalls();
+    const auto found = std::ranges::lower_bound(calls, name, {}, &AnsweredCall::name);
+    return found != calls.end() && found->name == name ? reinterpret_cast<ULONG_PTR>(found->function) : 0;
+}
+
+bool StaysWithWindows(const Import& import) {
+    return std::ranges::count(otherModules, Upper(import.library)) > 0 ||
+           std::ranges::binary_search(RuntimeCalls(), import.name);
+}
+
+// The table is read-only; a page of it is opened for the moment.
+void Write(ULONG_PTR* address, ULONG_PTR function) {
+    DWORD protection = 0;
+    if (!VirtualProtect(address, sizeof *address, PAGE_READWRITE, &protection))
+        throw std::runtime_error("the import table cannot be written");
+    *address = function;
+    VirtualProtect(address, sizeof *address, protection, &protection);
+}
+
+}  // namespace
+
+// Some entries serve the product and the C runtime inside the module alike: CloseHandle, GetCurrentProcess,
+// GetLastError, SetLastError, Sleep, WaitForSingleObject, WideCharToMultiByte. They are answered for both,
+// and nothing is passed on to Windows: a handle of the one may have the value of a handle of the other, so a
+// handle that the product closes twice must never be tried on Windows. It is right for the runtime because
+// all calls come from one thread and the table is put back before the module goes. What the runtime asks then
+// has the same effect either way: it keeps the last error across a look at thread-local storage, and it names
+// the process by a value that is the same everywhere. It closes, waits and sleeps only for other threads and
+// contended locks, and converts text only for narrow output, which the product has not.
+ImportTable::ImportTable(HMODULE module) {
+    std::string unanswered;
+    for (const Import& import : ImportsOf(module)) {
+        if (const ULONG_PTR emulated = Emulated(import.name); emulated != 0) {
+            entries_.push_back({import.address, *import.address, emulated});
+        } else if (!StaysWithWindows(import)) {
+            unanswered.append(" ").append(import.library).append(":").append(import.name);
+        }
+    }
+    if (!unanswered.empty())
+        throw std::runtime_error("the library imports what no emulated PC answers:" + unanswered);
+    for (const Entry& entry : entries_)
+        Write(entry.address, entry.emulated);
+}
+
+ImportTable::~ImportTable() {
+    for (const Entry& entry : entries_)
+        Write(entry.address, entry.windows);
+}
+
+}  // namespace machine

@@ -1,0 +1,112 @@
+#!/usr/bin/env bash
+# Runs every scenario through both builds of the tool - linked to the emulated PC, and kestova.exe under Wine with the
+# unmodified Kestova.dll - and compares output, messages, exit status and the PC afterwards byte for byte.
+#
+# usage: compare_builds.sh LINUX_TOOL WINDOWS_TOOL      WINEPREFIX names a prefix; the DLLs lie beside WINDOWS_TOOL.
+set -euo pipefail
+export LC_ALL=C.UTF-8
+
+source_folder=$(readlink -f "$(dirname "$0")/../..")
+linux_tool=$(readlink -f "$1")
+windows_tool=$(readlink -f "$2")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+mkdir linux windows
+
+# --- scenarios: a line each, the words of the command line; saved.json is the PC afterwards -------------------------
+
+pcs=(factory-mbr factory-gpt winpe-two-disks winpe-media)
+mapfile -t coming < <("$linux_tool" pcs --json | sed 's/{"name":"\([^"]*\)".*/\1/')
+[ "${coming[*]}" = "${pcs[*]}" ] || { echo "the tool comes with other machines: ${coming[*]}" >&2; exit 1; }
+
+# The description that the page on descriptions shows, without its disk on an image, and the least one.
+sed -n '/^## Example/,$p' "$source_folder/docs/pc-description.md" | sed -n '/^```json$/,/^```$/{/^```/!p}' |
+    sed '/ A raw image file/,/^    },$/d' >workshop.json
+[ -s workshop.json ] || { echo "the page on descriptions has no example" >&2; exit 1; }
+echo '{}' >empty.json
+pcs+=(../workshop.json ../empty.json)
+
+# One call for each operation and each value of its arguments.
+script() {
+    "$linux_tool" operations --json | while read -r operation; do
+        local name values=('') parameter value combined
+        name=$(sed 's/{"operation":"\([^"]*\)".*/\1/' <<<"$operation")
+        for parameter in $(grep -o '"name":"[^"]*","kind":"[^"]*","direction":"in"' <<<"$operation" |
+            sed 's/"name":"\([^"]*\)".*/\1/'); do
+            combined=()
+            for value in "${values[@]}"; do
+                case $parameter in
+                    reserved) combined+=("$value false") ;;
+                    disk) combined+=("$value 0" "$value 1") ;;
+                    partition) combined+=("$value 1" "$value 2" "$value 3" "$value 6") ;;
+                    letter) combined+=("$value C" "$value d" "$value X") ;;
+                    size) combined+=("$value 33" "$value 1") ;;
+                    count) combined+=("$value 26" "$value 1") ;;
+                    *) echo "no value for the argument $parameter of $name" >&2 && exit 1 ;;
+                esac
+            done
+            values=("${combined[@]}")
+        done
+        printf "$name%s\n" "${values[@]}"
+    done
+}
+script >once.txt
+# The second time on the PC and the object that the first has left.
+cat once.txt once.txt >all.txt
+printf '%s\n' SetRcvprtActive SetSystemActive SetPOneActive SetPTwoActive GetWinDriveLetters\ 26 AssignRecoveryPartition \
+    GetAllEncryptVolume\ 33 GetRCVDISC GetRCVUFD GetVistaOSInfo IsCachePartitionForExpCacheExist >faults.txt
+
+mapfile -t calls < <(sed -n 's/^    {"\([^"]*\)", FailsWith::.*/\1/p' "$source_folder/machine/api/call_table.cpp")
+[ ${#calls[@]} -gt 50 ] || { echo "the table of calls was not understood" >&2; exit 1; }
+
+scenarios() {
+    local pc call
+    printf '%s\n' --help --version operations 'operations --json' pcs 'pcs --json' 'call SetActiv 1' \
+        '--pc factory-mrb status' '--pc missing.json status' '--pc ../all.txt status'
+    for pc in "${pcs[@]}"; do
+        printf -- "--pc $pc %s\n" status '--json status' '--pe --json status' '--windows --json status' letters \
+            '--json letters' 'boot recovery' 'boot system' '--json --trace --save saved.json boot recovery' \
+            '--json --trace --pe --save saved.json boot system' '--dry-run boot recovery' \
+            '--trace --log log.txt --save saved.json run ../once.txt' '--no-initialize --json --trace run ../once.txt' \
+            '--json --trace --save saved.json run ../all.txt' '--json --trace --pe --save saved.json run ../all.txt' \
+            '--json --trace --windows --save saved.json run ../all.txt'
+        for call in "${calls[@]}"; do
+            printf -- "--pc $pc --json --trace --fail %s=0x80070005 --save saved.json run ../faults.txt\n" "$call" \
+                "$call#2+"
+        done
+    done
+}
+
+# --- both builds ---------------------------------------------------------------------------------------------------
+
+# run FOLDER PROGRAM WORD...: everything that comes of it goes to FOLDER.
+run() {
+    local status=0
+    cd "$folder/$1" && rm -f ./*
+    shift
+    # Standard input is the list of scenarios.
+    "$@" >output 2>errors </dev/null || status=$?
+    echo "$status" >status
+    cd "$folder"
+}
+
+compared=0
+different=0
+while read -r -a words; do
+    run linux "$linux_tool" "${words[@]}"
+    run windows wine "$windows_tool" "${words[@]}"
+    if [ ! -s linux/output ] && [ ! -s linux/errors ]; then
+        echo "nothing came of: kestova ${words[*]}" >&2
+        different=$((different + 1))
+    elif ! diff -r linux windows >difference; then
+        printf 'the builds differ: kestova %s\n' "${words[*]}" >&2
+        head -n 6 difference | cut -c1-600 >&2
+        different=$((different + 1))
+    fi
+    compared=$((compared + 1))
+done < <(scenarios)
+
+[ "$compared" -gt 500 ] || { echo "only $compared scenarios ran" >&2; exit 1; }
+[ "$different" -eq 0 ] || { echo "$different of $compared scenarios differ" >&2; exit 1; }
+echo "$compared scenarios: both builds answer alike"

@@ -1,0 +1,5 @@
+// The library does not export its module host, so a program cannot see which module is current.
+
+#include "tests/faults/current_module.h"
+
+void ExpectNoCurrentModule() {}
