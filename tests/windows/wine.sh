@@ -19,12 +19,12 @@ case $2 in
         wine wineboot -i >/dev/null 2>&1
         [ -d "$WINEPREFIX/drive_c/windows" ]
         # Without a desktop the search for input devices can hold up the start of every other service for minutes.
-        wine reg add 'HKLM\System\CurrentControlSet\Services\winebus' /v Start /t REG_DWORD /d 4 /f >/dev/null
+        wine reg add 'HKLM\System\CurrentControlSet\Services\winebus' /v Start /t REG_DWORD /d 4 /f >/dev/null 2>&1
         wineserver -k
         wineserver -w
         wineserver -p >/dev/null 2>&1
         # What looks for a COM server asks this service, which starts late by itself.
-        wine net start rpcss >/dev/null || true
+        wine net start rpcss >/dev/null 2>&1 || true
         ;;
     stop)
         wineserver -k || true
