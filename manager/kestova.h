@@ -147,7 +147,7 @@ class KESTOVA_API Kestova {
     DWORD GetBitLockerSystemInfo(int& disk, int& partition, WCHAR& letter);
     // Disk, partition and letter of the installed Windows: partition 5 of a GPT disk whose partition 3 is the
     // EFI system partition. -1, -1 and '0' with every other code than 0: 104: its partition has no letter,
-    // which is the answer on every other layout; 110: it holds no Windows; else as GetBitLockerSystemInfo.
+    // which is the answer on every other layout; 110: it holds no Windows; 111: style unreadable or unknown.
     DWORD GetVistaOSInfo(int& disk, int& partition, WCHAR& letter);
     // Which disk and partition each letter of the installed Windows stands for, in ascending order, at most
     // count records; those not filled keep what they held. 1; 0 when something failed or count was too small.

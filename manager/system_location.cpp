@@ -108,7 +108,8 @@ DWORD Kestova::GetVistaOSInfo(int& disk, int& partition, WCHAR& letter) {
         const WindowsPartition* const windows = FindWindowsPartition(style, bootPartition);
         if (windows == nullptr) {
             TellNoWindowsPartition(style);
-            return style == HARD_DISK_UNKNOWN ? static_cast<DWORD>(ERROR_GET_DISK_STYLE) : code;
+            const bool isKnownStyle = style == HARD_DISK_MBR || style == HARD_DISK_GPT;
+            return isKnownStyle ? code : static_cast<DWORD>(ERROR_GET_DISK_STYLE);
         }
         // Without an EFI system partition the disk is -1, and no letter is found.
         const WCHAR found = GetDriveLetter(bootDisk, windows->partition);

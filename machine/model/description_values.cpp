@@ -60,9 +60,10 @@ std::string ReadLetters(const Node& node) {
 
 std::string ReadDriveName(const Node& node) {
     const std::string& name = node.Text();
-    const bool named = name.size() == 2 && name[0] >= 'A' && name[0] <= 'Z' && name[1] == ':';
-    if (!named)
-        node.Fail("\"" + name + "\" must be an upper-case letter from A to Z and a colon, like \"C:\"");
+    const char letter = name.empty() ? '\0' : name[0];
+    const bool isLetter = (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
+    if (name.size() != 2 || !isLetter || name[1] != ':')
+        node.Fail("\"" + name + "\" must be a letter from A to Z and a colon, like \"C:\"");
     return name;
 }
 

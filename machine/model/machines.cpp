@@ -6,7 +6,7 @@ namespace machine {
 
 namespace {
 
-constexpr uint64_t MiB = 1024 * 1024;
+constexpr uint64_t MiB = 1024ULL * 1024;
 constexpr uint64_t GiB = 1024 * MiB;
 constexpr uint32_t lockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
 constexpr uint32_t xtsAes128 = 6;              // of Win32_EncryptableVolume

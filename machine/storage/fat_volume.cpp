@@ -159,9 +159,13 @@ std::optional<uint32_t> FatVolume::Next(uint32_t cluster) const {
 
 std::optional<std::string> FatVolume::ReadClusters(uint64_t first, uint64_t length) const {
     std::string content;
-    // A circle cannot go on for ever: every turn adds bytes.
+    // A chain that comes back to a cluster runs in a circle. One mark is enough: it is set anew after 1, 2,
+    // 4, 8 and so on clusters, so that some turn of any circle lies between two of them.
+    uint64_t mark = 0;
+    uint64_t passed = 0;
     for (uint64_t cluster = first; content.size() < length;) {
-        if (!IsCluster(cluster)) return std::nullopt;
+        if (!IsCluster(cluster) || cluster == mark) return std::nullopt;
+        if (std::has_single_bit(++passed)) mark = cluster;
         const uint64_t count = std::min(layout_->clusterSize, length - content.size());
         const auto piece =
             bytes_.Read(layout_->data + (cluster - firstCluster) * layout_->clusterSize, count);

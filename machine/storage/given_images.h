@@ -12,4 +12,7 @@ namespace machine {
 // write what the other does not know of.
 void CheckIsNew(const Pc& pc, const std::string& path);
 
+// Throws ImageError when the PC names one file for two of its images.
+void CheckEachIsNew(const Pc& pc);
+
 }  // namespace machine

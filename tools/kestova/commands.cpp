@@ -162,7 +162,8 @@ const Command& FindCommand(const CommandLine& line) {
         if (line.command != command.name) continue;
         const size_t count = line.arguments.size();
         if (count < command.fewest || count > command.most) {
-            throw WrongUse("usage: kestova [PC] " + line.command + " " + command.arguments);
+            const std::string arguments = *command.arguments != '\0' ? " " : "";
+            throw WrongUse("usage: kestova [PC] " + line.command + arguments + command.arguments);
         }
         for (const std::string& option : line.options) {
             if (!Uses(command, option)) throw WrongUse(line.command + " does not use " + option);

@@ -1,3 +1,4 @@
+#include "machine/storage/given_images.h"
 #include "machine/storage/hivex_reader.h"
 #include "machine/storage/medium_image.h"
 #include "tools/kestova/errors.h"
@@ -26,6 +27,7 @@ void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
 
 void AttachImages(machine::Pc& pc, machine::ImageAccess access) {
     try {
+        machine::CheckEachIsNew(pc);
         for (machine::Disk& disk : pc.disks) {
             if (!disk.image.empty()) machine::AttachImage(disk, access);
         }

@@ -1,5 +1,6 @@
 #include "tools/kestova/letters.h"
 
+#include <string_view>
 #include <vector>
 
 #include "tools/kestova/operations.h"
@@ -12,6 +13,37 @@ constexpr int mostLetters = 26;
 // The answers of the class for a volume that does not tell where it lies.
 constexpr int unknownDisk = 255;
 constexpr int unknownPartition = 0;
+
+// What went wrong, by the record that tells it.
+struct Problem {
+    std::string_view record;
+    const char* words;
+};
+
+constexpr Problem problems[] = {
+    {"Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail.",
+     "those of the running system cannot be read"},
+    {"Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed.",
+     "it was not found, or its registry could not be loaded, which needs Windows PE"},
+    {"Kestova::GetWinDriveLetters Read WINDOWS Registry fail.",
+     "its registry is missing, damaged or without letters"},
+    {"Kestova::GetWinDriveLetters\t\tUnload Windows Registry failed.",
+     "its registry could not be unloaded, which needs Windows PE"},
+};
+
+// In the order of the records.
+std::string ProblemText(const Json& log) {
+    std::string reasons;
+    for (const Json& record : log) {
+        for (const Problem& problem : problems) {
+            if (record["text"] == problem.record) {
+                reasons += reasons.empty() ? ": " : "; ";
+                reasons += problem.words;
+            }
+        }
+    }
+    return "the letters of the installed Windows could not all be told" + reasons;
+}
 
 Json LetterJson(Session& session, const Json& record) {
     const Json& disk = record["iDiskNum"];
@@ -36,9 +68,7 @@ Json ReadLetters(Session& session) {
     Json letters = {{"letters", Json::array()}};
     for (const Json& record : report["outputs"]["records"])
         letters["letters"].push_back(LetterJson(session, record));
-    if (report["result"] != 1)
-        letters["problem"] =
-            "the letters of the installed Windows could not all be told; Windows PE must be running";
+    if (report["result"] != 1) letters["problem"] = ProblemText(report["log"]);
     return letters;
 }
 

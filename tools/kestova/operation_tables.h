@@ -27,7 +27,7 @@ inline WCHAR Letter(const Json& arguments, const char* name) {
 template <typename Member>
 Json WithLetter(Json& outputs, Member member) {
     WCHAR letter = TEXT('0');
-    const Json result = member(letter);
+    Json result = member(letter);
     outputs["letter"] = LetterText(letter);
     return result;
 }

@@ -40,7 +40,7 @@ Json ReadFlag(const Parameter& parameter, const std::string& word) {
 
 Json ReadCount(const Parameter& parameter, const std::string& word) {
     constexpr int most = 65536;
-    const Json number = ReadNumber(parameter, word);
+    Json number = ReadNumber(parameter, word);
     if (number < 0 || number > most) {
         throw WrongUse(parameter.name + ": " + word + " is not from 0 to " + std::to_string(most));
     }

@@ -80,7 +80,7 @@ Json ParameterJson(const Parameter& parameter) {
 
 // "(0, 2) = C: its letter"; an operation without a result has nothing after its arguments.
 std::string CallText(const Operation& operation, const Json& report) {
-    const std::string arguments = "(" + Joined(report["arguments"]) + ")";
+    std::string arguments = "(" + Joined(report["arguments"]) + ")";
     if (report["result"].is_null()) return arguments;
     return arguments + " = " + ValueText(report["result"], operation.results, operation.otherwise);
 }

@@ -1,7 +1,5 @@
 // Encryption and the installed Windows.
 
-#include <algorithm>
-
 #include "machine/core/utf.h"
 #include "tools/kestova/operation_tables.h"
 
@@ -13,23 +11,12 @@ std::vector<Parameter> PlaceOutputs() {
             LetterOutput("its letter", "none")};
 }
 
-// The codes of both questions for a place.
-std::vector<Meaning> PlaceResults(std::vector<Meaning> results) {
-    const Meaning common[] = {{106, "the partition style is unknown", true},
-                              {111, "the partition style could not be read", true},
-                              {115, "the type of partition 3 could not be read", true},
-                              {116, "there is no volume layer", true}};
-    results.insert(results.end(), std::begin(common), std::end(common));
-    std::ranges::sort(results, {}, [](const Meaning& meaning) { return meaning.value.get<int>(); });
-    return results;
-}
-
 template <typename Member>
 Json WithPlace(Json& outputs, Member member) {
     int foundDisk = -1;
     int foundPartition = -1;
     WCHAR letter = TEXT('0');
-    const Json result = member(foundDisk, foundPartition, letter);
+    Json result = member(foundDisk, foundPartition, letter);
     outputs["disk"] = foundDisk;
     outputs["partition"] = foundPartition;
     outputs["letter"] = LetterText(letter);
@@ -83,7 +70,7 @@ std::vector<Operation> WindowsOperations() {
                          .kind = Kind::Text,
                          .words = "the letters",
                          .output = true,
-                         .meanings = {{"", "none"}}},
+                         .meanings = {{"", "empty"}}},
                         {.name = "size",
                          .kind = Kind::Count,
                          .words = "characters that the buffer has room for, with the terminator",
@@ -94,8 +81,12 @@ std::vector<Operation> WindowsOperations() {
         {.name = "GetBitLockerSystemInfo",
          .summary = "Where the EFI system partition is; its letter is never looked up.",
          .parameters = PlaceOutputs(),
-         .results = PlaceResults(
-             {{0, "asked; the outputs tell the rest"}, {100, "there is no internal disk", true}}),
+         .results = {{0, "asked; the outputs tell the rest"},
+                     {100, "there is no internal disk", true},
+                     {106, "the partition style is unknown", true},
+                     {111, "the partition style could not be read", true},
+                     {115, "the type of partition 3 could not be read", true},
+                     {116, "there is no volume layer", true}},
          .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetBitLockerSystemInfo(onDisk, number, letter);
@@ -105,10 +96,10 @@ std::vector<Operation> WindowsOperations() {
         {.name = "GetVistaOSInfo",
          .summary = "Where the installed Windows is, on a GPT disk with an EFI system partition.",
          .parameters = PlaceOutputs(),
-         .results = PlaceResults({{0, "found"},
-                                  {100, "there is no internal disk", true},
-                                  {104, "its partition has no letter, or the layout is another", true},
-                                  {110, "its partition holds no Windows", true}}),
+         .results = {{0, "found"},
+                     {104, "its partition has no letter, or the layout is another", true},
+                     {110, "its partition holds no Windows", true},
+                     {111, "the partition style is unknown or could not be read", true}},
          .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetVistaOSInfo(onDisk, number, letter);

@@ -77,7 +77,7 @@ const WrongText wrongKinds[] = {
     {"Letters", R"({"volumes": [{"letters": "c"}]})",
      R"(volumes[0].letters: "c" must be upper-case letters from A to Z)"},
     {"DriveName", R"({"encryptableVolumes": [{"driveLetter": "C"}]})",
-     R"(encryptableVolumes[0].driveLetter: "C" must be an upper-case letter from A to Z and a colon, like "C:")"},
+     R"(encryptableVolumes[0].driveLetter: "C" must be a letter from A to Z and a colon, like "C:")"},
     {"EncryptionMethod", R"({"encryptableVolumes": [{"encryptionMethod": "aes-12"}]})",
      R"(encryptableVolumes[0].encryptionMethod: unknown word "aes-12" (did you mean "aes-128"?); it is one of: none, aes-128-diffuser, aes-256-diffuser, aes-128, aes-256, hardware, xts-aes-128, xts-aes-256, unknown)"},
     {"ListOfEncryptableVolumesExpected", R"({"encryptableVolumes": {}})",
@@ -271,6 +271,12 @@ TEST(ReadDescription, EncryptableVolumesCanBeAbsentNoneOrSome) {
     locked.returnValue = 0x80310000;
     locked.encryptionMethod = 99;
     EXPECT_TRUE(pc.encryptableVolumes.value() == (std::vector{encrypted, locked}));
+}
+
+// The library hands the letter on as it is told.
+TEST(ReadDescription, EncryptableVolumeKeepsTheCaseOfItsLetter) {
+    const Pc pc = Read(R"({"encryptableVolumes": [{"driveLetter": "d:"}]})");
+    EXPECT_EQ(pc.encryptableVolumes.value().at(0).driveLetter, "d:");
 }
 
 TEST(ReadDescription, ShellIsQuickAndWorksUnlessToldOtherwise) {

@@ -22,7 +22,7 @@ class FatVolumeTest : public ImageTest, public testing::WithParamInterface<const
     }
     // A file of that many bytes, no two stretches of it alike.
     std::string Host(const std::string& name, size_t size) {
-        const std::string file = (Folder() / name).string();
+        std::string file = (Folder() / name).string();
         OutputOf("seq 1000000 | head -c " + std::to_string(size) + " >'" + file + "'");
         return file;
     }
@@ -137,6 +137,34 @@ TEST_P(FatVolumeTest, TruncatedVolumeHoldsNothing) {
     EXPECT_EQ(volume.Find(""), FileKind::None);
     EXPECT_EQ(volume.Find("sources"), FileKind::None);
     EXPECT_EQ(volume.Read("sources/Qelhdrcv.ini", content), 1392u);
+}
+
+class FatCircleTest : public ImageTest {
+  protected:
+    // Makes a FAT16 stick with a file of five clusters, the last of which leads back to one of them, from 0,
+    // while its size is that of very many.
+    FatVolume WithCircle(uint64_t backTo) {
+        const std::string image = MadeImage("stick-fat16.img");
+        OutputOf("cd '" + Folder().string() + "' && head -c 10000 /dev/zero >circle && mcopy -i '" + image +
+                 "' circle ::");
+        const auto first =
+            std::stoull(OutputOf("mshowfat -i '" + image + "' ::circle | sed 's/.*<//; s/-.*//'"));
+        const uint64_t table = 512ULL * ByteAt(image, 14);
+        PatchByte(image, table + 2 * (first + 4), static_cast<uint8_t>((first + backTo) % 256));
+        PatchByte(image, table + 2 * (first + 4) + 1, static_cast<uint8_t>((first + backTo) / 256));
+        const uint64_t entry = std::stoull(OutputOf("grep -abo 'CIRCLE     ' '" + image + "'"));
+        PatchByte(image, entry + 30, 0xC0);  // 12 MiB
+        const auto file = std::make_shared<ImageFile>(image, ImageAccess::Read);
+        return FatVolume(VolumeBytes(file, 0, file->Size()));
+    }
+};
+
+TEST_F(FatCircleTest, CountsAsDamage) {
+    for (const uint64_t backTo : {0U, 1U, 3U, 4U}) {
+        std::string content = "as it was";
+        EXPECT_EQ(WithCircle(backTo).Read("circle", content), 1392u) << backTo;
+        EXPECT_EQ(content, "as it was");
+    }
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ constexpr ImageAccess everyAccess[] = {ImageAccess::Read, ImageAccess::Write, Im
 class ImageRefusalTest : public ImageTest {
   protected:
     std::string File(const std::string& name, const std::string& content) {
-        const std::string path = (Folder() / name).string();
+        std::string path = (Folder() / name).string();
         std::ofstream(path, std::ios::binary) << content;
         return path;
     }

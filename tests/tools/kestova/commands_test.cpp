@@ -142,10 +142,26 @@ TEST_F(Letters, OfAVolumeThatTellsNoPlaceStandAlone) {
 TEST_F(Letters, AreNotToldWhereWindowsRuns) {
     const Outcome outcome = Kestova("--pc factory-gpt --json letters");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors,
-              "kestova: the letters of the installed Windows could not all be told; Windows PE must be "
-              "running\n");
+    EXPECT_EQ(
+        outcome.errors,
+        "kestova: the letters of the installed Windows could not all be told: those of the running system "
+        "cannot be read; its registry could not be unloaded, which needs Windows PE\n");
     EXPECT_THAT(outcome.output, StartsWith(R"({"letters":[],"problem":"the letters of )"));
+}
+
+TEST_F(Letters, ThatCannotBeToldSayWhy) {
+    const std::string told = "kestova: the letters of the installed Windows could not all be told: ";
+    // The first key that is opened is the running system's, the second the installed Windows'.
+    EXPECT_EQ(Kestova("--pc winpe-media --fail 'RegOpenKeyExW#1=2' letters").errors,
+              told + "those of the running system cannot be read\n");
+    EXPECT_EQ(Kestova("--pc winpe-media --fail 'PathFileExistsW=2' letters").errors,
+              told + "it was not found, or its registry could not be loaded, which needs Windows PE\n");
+    EXPECT_EQ(Kestova("--pc winpe-media --fail 'RegOpenKeyExW#2=2' letters").errors,
+              told + "its registry is missing, damaged or without letters\n");
+    const Outcome notUnloaded = Kestova("--pc winpe-media --fail 'ShellExecuteExW#2+=5' letters");
+    EXPECT_EQ(notUnloaded.status, 1);
+    EXPECT_EQ(notUnloaded.errors, told + "its registry could not be unloaded, which needs Windows PE\n");
+    EXPECT_THAT(notUnloaded.output, HasSubstr("C       0     5          C\n"));
 }
 
 TEST_F(Status, InJsonIsOneObject) {
@@ -288,8 +304,8 @@ TEST_F(Call, OfEncryptedVolumesCutsThemToTheBuffer) {
     const std::pair<const char*, const char*> rows[] = {{"", "buffer = EC\n"},
                                                         {"3", "buffer = EC\n"},
                                                         {"2", "buffer = E\n"},
-                                                        {"1", "buffer = : none\n"},
-                                                        {"0", "buffer = : none\n"}};
+                                                        {"1", "buffer = : empty\n"},
+                                                        {"0", "buffer = : empty\n"}};
     for (const auto& [size, buffer] : rows)
         EXPECT_THAT(Kestova(std::string("--pc two.json call GetAllEncryptVolume ") + size).output,
                     EndsWith(buffer));
@@ -422,7 +438,7 @@ TEST_F(Lists, OperationTellsWhatMayBeLeftOutAndWhatHasNoResult) {
                 HasSubstr("GetAllEncryptVolume [SIZE]\n"
                           "  The letters of all encrypted volumes.\n"
                           "  buffer (output): the letters\n"
-                          "      none\n"
+                          "      empty\n"
                           "  size: characters that the buffer has room for, with the terminator; 33 when "
                           "left out\n"));
     EXPECT_THAT(text,

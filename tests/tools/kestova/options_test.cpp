@@ -41,6 +41,7 @@ const Mistake mistakes[] = {
     {"Operation", "call GetDriveLeter 0 1", 2,
      "there is no operation 'GetDriveLeter'; did you mean GetDriveLetter?\n"},
     {"OperationMissing", "call", 2, "usage: kestova [PC] call OPERATION [ARG...]\n"},
+    {"LettersWithAnArgument", "letters C", 2, "usage: kestova [PC] letters\n"},
     {"Target", "boot recvery", 2, "boot: there is no system to boot 'recvery'; did you mean recovery?\n"},
     {"ArgumentMissing", "call SetActive", 2, "SetActive takes 1 argument, not 0: SetActive PARTITION\n"},
     {"ArgumentTooMany", "call ClearActive 1", 2, "ClearActive takes 0 arguments, not 1: ClearActive\n"},

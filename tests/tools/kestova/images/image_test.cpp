@@ -123,4 +123,18 @@ TEST_F(Image, ThatIsNoneIsRefused) {
     }
 }
 
+TEST_F(Image, ThatADescriptionNamesTwiceIsRefused) {
+    EXPECT_EQ(Shell("ln disk.img hard.img").status, 0);
+    WriteFile("disks.json",
+              R"({"disks": [{"number": 0, "image": "disk.img"}, {"number": 1, "image": "hard.img"}]})");
+    WriteFile("stick.json", R"({"disks": [{"number": 0, "image": "disk.img"}],
+                                "volumes": [{"letters": "U", "driveType": "removable", "image": "hard.img"}]})");
+    for (const char* const name : {"disks.json", "stick.json"}) {
+        const Outcome outcome = Kestova(std::string("--pc ") + name + " status");
+        EXPECT_EQ(outcome.status, 3) << name;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.errors, "kestova: hard.img: given twice, first as disk.img\n");
+    }
+}
+
 }  // namespace
