@@ -48,7 +48,8 @@ endfunction()
 # Kestova.dll: the product's folders in one module that exports the one class.
 function(kestova_dll)
   target_compile_definitions(kestova_manager PRIVATE KESTOVA_EXPORTS)
-  add_library(Kestova SHARED $<TARGET_OBJECTS:kestova_manager>)
+  # The module's entry point must not be left to a library, where MSVC's runtime has one as well.
+  add_library(Kestova SHARED $<TARGET_OBJECTS:kestova_manager> $<TARGET_OBJECTS:kestova_diag>)
   set_target_properties(Kestova PROPERTIES PREFIX "" LINKER_LANGUAGE CXX)
   target_link_libraries(Kestova PRIVATE kestova_vds kestova_device kestova_diag kestova_text kestova_logging
     PUBLIC kestova_platform)

@@ -7,8 +7,10 @@ else()
   set(word_size x86)
 endif()
 
-install(TARGETS Kestova kestova_logging kestova_tool RUNTIME DESTINATION bin/${word_size}
-  ARCHIVE DESTINATION lib/${word_size})
+install(TARGETS Kestova kestova_logging RUNTIME DESTINATION bin/${word_size} ARCHIVE DESTINATION lib/${word_size})
+if(KESTOVA_TOOL)
+  install(TARGETS kestova_tool RUNTIME DESTINATION bin/${word_size})
+endif()
 
 install(FILES manager/kestova.h DESTINATION include/manager)
 install(FILES logging/logging.h DESTINATION include/logging)

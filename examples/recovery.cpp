@@ -40,7 +40,10 @@ std::string BeginningOf(const std::basic_string<WCHAR>& path) {
 
 int Recover() {
     Kestova kestova;
-    if (!kestova.Initialize(false)) return nothingToRecoverFrom;
+    if (!kestova.Initialize(false)) {
+        std::puts("The Virtual Disk Service cannot be reached.");
+        return nothingToRecoverFrom;
+    }
 
     const WCHAR letter = LetterOfRecoveryPartition(kestova);
     if (letter == TEXT('0')) {

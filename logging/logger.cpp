@@ -1,7 +1,9 @@
 // The default logging library: keeps the record that is being written and hands it to the sinks when it ends.
 
 #include <algorithm>
+#include <cstddef>
 #include <mutex>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -120,6 +122,7 @@ class Logger final : public ILogger {
 ILogger& CLoggingFactory::GetInstance() noexcept {
     const LastErrorKept kept;
     // Never destroyed: modules write records until the process is gone.
-    static Logger* const logger = new Logger;
+    alignas(Logger) static std::byte place[sizeof(Logger)];
+    static Logger* const logger = new (place) Logger;
     return *logger;
 }

@@ -8,6 +8,8 @@ set -euo pipefail
 
 export WINEPREFIX=$1 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY
+# The log file has a test of its own.
+export KESTOVA_LOG_LEVEL=0
 
 case $2 in
     start)
@@ -16,13 +18,15 @@ case $2 in
         wineserver -p >/dev/null 2>&1
         wine wineboot -i >/dev/null 2>&1
         [ -d "$WINEPREFIX/drive_c/windows" ]
-        if [ $# -eq 3 ]; then
-            "$3"
-            # The types of drives are read when the server starts.
-            wineserver -k
-            wineserver -w
-            wineserver -p >/dev/null 2>&1
-        fi
+        # Without a desktop the search for input devices can hold up the start of every other service for minutes.
+        wine reg add 'HKLM\System\CurrentControlSet\Services\winebus' /v Start /t REG_DWORD /d 4 /f >/dev/null 2>&1
+        [ $# -lt 3 ] || "$3"
+        # Services and the types of drives are read when the server starts.
+        wineserver -k
+        wineserver -w
+        wineserver -p >/dev/null 2>&1
+        # What looks for a COM server asks this service, which starts late by itself.
+        wine net start rpcss >/dev/null 2>&1 || true
         ;;
     stop)
         wineserver -k || true

@@ -1,0 +1,85 @@
+#!/usr/bin/python3
+"""The zip for integrators: what is in it, and that the example builds and runs from it alone, under Wine.
+
+usage: package_test.py ZIP
+"""
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+import zipfile
+
+CONTENTS = """
+README.md
+bin/x64/Kestova.dll bin/x64/Logging.dll bin/x64/kestova.exe
+bin/x86/Kestova.dll bin/x86/Logging.dll bin/x86/kestova.exe
+docs/command-line.md docs/integrators.md docs/log.md docs/operations.md docs/pc-description.md
+examples/CMakeLists.txt examples/open_pc.h examples/open_pc_real.cpp examples/recovery.cpp
+include/logging/logging.h include/manager/kestova.h include/platform/windows_api.h
+lib/cmake/Kestova/KestovaConfig.cmake lib/cmake/Kestova/KestovaConfigVersion.cmake
+lib/x64/libKestova.dll.a lib/x64/libLogging.dll.a
+lib/x86/libKestova.dll.a lib/x86/libLogging.dll.a
+licences/CLI11.txt licences/gcc.txt licences/mingw-w64.txt licences/nlohmann-json.txt
+""".split()
+LINE = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z \d+ \d+ (ERROR|TRACE) (Kestova.+)")
+
+
+class Package(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        with zipfile.ZipFile(package) as archive:
+            archive.extractall(folder.name)
+        self.root, = pathlib.Path(folder.name).iterdir()
+
+    def run_shell(self, command):
+        result = subprocess.run(["bash", "-ec", command], cwd=self.root, capture_output=True, text=True)
+        self.assertEqual(result.returncode, 0, f"{command}\n{result.stdout}{result.stderr}")
+        self.assertNotIn("warning", result.stderr)
+
+    def start_example(self, program):
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("KESTOVA_")}
+        process = subprocess.Popen(["wine", program], stdout=subprocess.PIPE, text=True, env=environment)
+        self.addCleanup(process.communicate)
+        return process
+
+    def test_holds_these_files_and_no_others(self):
+        files = sorted(str(file.relative_to(self.root)) for file in self.root.rglob("*") if file.is_file())
+        self.assertEqual(files, sorted(CONTENTS))
+
+    def test_example_builds_as_the_page_says_runs_and_leaves_a_log(self):
+        commands = re.findall(r"^    \$ (.*)$", (self.root / "docs/integrators.md").read_text(), re.M)
+        self.assertEqual(len(commands), 3)
+        for command in commands:
+            self.run_shell(command)
+        folders = [self.root / "bin/x64", self.root / "build"]
+        processes = [self.start_example(folder / "recovery.exe") for folder in folders]
+        for folder, process in zip(folders, processes):
+            with self.subTest(folder.name):
+                output, _ = process.communicate(timeout=90)
+                # Wine has no such service, and the library has waited for it.
+                self.assertEqual((process.returncode, output.strip()),
+                                 (9, "The Virtual Disk Service cannot be reached."))
+                self.look_at_log(folder / "Kestova.log")
+
+    def look_at_log(self, log):
+        records = [LINE.fullmatch(line) for line in log.read_text("utf-8").splitlines()]
+        self.assertNotIn(None, records)
+        texts = [record[2] for record in records]
+        self.assertEqual(texts[:3], ["Kestova::Kestova\tStart", "Kestova::Kestova\tEnd", "Kestova::Initialize\tStart"])
+        self.assertEqual(texts[-1], "Kestova::~Kestova\tEnd")
+        self.assertIn("Kestova::Initialize\tEnd. bRet = 0", texts)
+
+    def test_example_links_for_x86_too(self):
+        self.run_shell("i686-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -I include -I . examples/recovery.cpp"
+                       " examples/open_pc_real.cpp lib/x86/libKestova.dll.a -lole32 -static -o bin/x86/recovery.exe")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    package = pathlib.Path(sys.argv[1])
+    unittest.main(argv=sys.argv[:1])
