@@ -105,7 +105,7 @@ TEST(GetAllEncryptVolume, HoldsThirtyTwoLettersAtMost) {
 
 TEST(EncryptedVolumes, AreNotKnownWithoutTheEncryptionLayer) {
     Application application(Encrypting({"C:"}));
-    internals::DropEncryptionLayer(application.kestova);
+    const internals::WithoutEncryptionLayer without(application.kestova);
     application.pc.journal.Clear();
     WCHAR letters[2] = {TEXT('?'), TEXT('?')};
     EXPECT_EQ(application.kestova.IsExistEncryptVolume(), 0);

@@ -146,7 +146,7 @@ INSTANTIATE_TEST_SUITE_P(Every, SystemLocation, testing::ValuesIn(stories),
 
 TEST(SystemLocation, IsUnknownWithoutAVolumeLayer) {
     Application application(FactoryGpt());
-    internals::DropVolumeLayer(application.kestova);
+    const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Ask(application, bootFiles), Nowhere(100));
     EXPECT_EQ(Ask(application, windows), Nowhere(111));
