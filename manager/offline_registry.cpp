@@ -24,7 +24,8 @@ std::string InOemCodePage(const WideString& text) {
     std::string bytes(static_cast<size_t>(size), '\0');
     if (WideCharToMultiByte(CP_OEMCP, 0, text.c_str(), -1, bytes.data(), size, nullptr, nullptr) == 0)
         return {};
-    return bytes.c_str();
+    bytes.resize(bytes.find('\0'));
+    return bytes;
 }
 
 bool WriteBatch(const WCHAR* command) {

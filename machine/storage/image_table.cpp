@@ -51,7 +51,7 @@ Region RegionOf(const Partition& partition) {
 std::string DiskIdentifier(const FdiskSession& session) {
     char* text = nullptr;
     if (fdisk_get_disklabel_id(session.Context(), &text) != 0 || !text) return "";
-    const std::string identifier = text;
+    std::string identifier = text;
     std::free(text);
     return identifier;
 }

@@ -30,7 +30,8 @@ std::string WindowsText(const Json& windows) {
 }
 
 std::string EncryptedText(const Json& letters) {
-    return letters == "" ? "none" : Or(letters, "BitLocker cannot be asked");
+    const bool isNone = letters.is_string() && letters.get_ref<const std::string&>().empty();
+    return isNone ? "none" : Or(letters, "BitLocker cannot be asked");
 }
 
 // Without a number there is none only where every flag could be read.
