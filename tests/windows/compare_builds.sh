@@ -91,11 +91,19 @@ run() {
     cd "$folder"
 }
 
+# A collision of addresses (see wine.sh) ends Wine before the tool has begun: it is started again.
+run_windows() {
+    run windows wine "$windows_tool" "$@"
+    while grep -q 'failed to map the shared user data' windows/errors; do
+        run windows wine "$windows_tool" "$@"
+    done
+}
+
 compared=0
 different=0
 while read -r -a words; do
     run linux "$linux_tool" "${words[@]}"
-    run windows wine "$windows_tool" "${words[@]}"
+    run_windows "${words[@]}"
     if [ ! -s linux/output ] && [ ! -s linux/errors ]; then
         echo "nothing came of: kestova ${words[*]}" >&2
         different=$((different + 1))

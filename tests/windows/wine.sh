@@ -6,7 +6,15 @@
 # from a program that never ran. SCRIPT furnishes the new prefix.
 set -euo pipefail
 
-export WINEPREFIX=$1 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+# Wine keeps a low page for itself, and recent kernels place a program's heap anywhere in the gigabyte around it. Once in
+# some thousand starts they collide, and Wine ends with 1 before the program has begun. Without random addresses they
+# cannot; a container may forbid that, and takes its chance.
+if [ -z "${KESTOVA_FIXED_ADDRESSES:-}" ] && setarch --addr-no-randomize true 2>/dev/null; then
+    KESTOVA_FIXED_ADDRESSES=1 exec setarch --addr-no-randomize "$0" "$@"
+fi
+
+# Silent but for that collision.
+export WINEPREFIX=$1 WINEDEBUG=-all,err+virtual WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY
 # The log file has a test of its own.
 export KESTOVA_LOG_LEVEL=0
