@@ -266,6 +266,16 @@ std::string StoryName(const testing::TestParamInfo<Story>& tested) {
 
 INSTANTIATE_TEST_SUITE_P(Story, BootSwitch, testing::ValuesIn(stories), StoryName);
 
+// The calls that change the record or a flag, in their order.
+std::vector<std::string> Changes(const Application& application) {
+    std::vector<std::string> changes;
+    for (const machine::CallRecord& call : application.pc.journal.Calls()) {
+        if (call.call == writeProfile || call.call == changeAttributes || call.call == "DeleteFileW")
+            changes.push_back(call.call);
+    }
+    return changes;
+}
+
 // --- where the platform clears no other flag ---
 
 TEST(SetRcvprtActive, ClearsNoFlagItself) {
@@ -281,11 +291,30 @@ TEST(SetRcvprtActive, ClearsNoFlagItself) {
 TEST(SetRcvprtActive, WritesTheRecordBeforeTheFlagMoves) {
     Application application(Factory(2));
     ASSERT_EQ(application.kestova.SetRcvprtActive(), 0);
-    std::vector<std::string> changes;
-    for (const machine::CallRecord& call : application.pc.journal.Calls()) {
-        if (call.call == writeProfile || call.call == changeAttributes) changes.push_back(call.call);
+    EXPECT_EQ(Changes(application), (std::vector<std::string>{writeProfile, changeAttributes}));
+}
+
+// First the record goes, then the former flag is set again.
+class FailedSwitchToRecovery : public testing::TestWithParam<Switch> {};
+
+TEST_P(FailedSwitchToRecovery, DeletesTheRecordBeforeTheFlagMovesBack) {
+    Application application(Factory(3));
+    application.pc.faults.Arm({.call = changeAttributes, .nth = 1, .code = refused});
+    ASSERT_EQ((application.kestova.*GetParam())(), 5);
+    EXPECT_EQ(Changes(application),
+              (std::vector<std::string>{writeProfile, changeAttributes, "DeleteFileW", changeAttributes}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Both, FailedSwitchToRecovery,
+                         testing::Values(&Kestova::SetRcvprtActive, &Kestova::SetPOneActive));
+
+TEST(SetPOneActive, KeepsEveryNumberButTwo) {
+    for (const int number : {-1, 0, 1, 4}) {
+        Application application(Factory(1, Record(number)));
+        EXPECT_EQ(application.kestova.SetPOneActive(), 0);
+        EXPECT_EQ(SystemVolumeIni(application.pc), Record(number));
+        EXPECT_TRUE(Transcript(application.pc.journal).ends_with("4 Kestova::SetPOneActive\\t\\tEnd\n"));
     }
-    EXPECT_EQ(changes, (std::vector<std::string>{writeProfile, changeAttributes}));
 }
 
 TEST(SetPOneActive, FileGoneAfterTheSwitchAnswersZeroWithItsPath) {

@@ -62,6 +62,24 @@ TEST_F(WithoutVolumeLayer, GetDiskStyleAnswersZeroAndUnknown) {
         "4 Kestova::GetDiskStyle\\t\\tStart\n4 Kestova::GetDiskStyle\\t\\tEnd. enumDiskStyle = {int 0}\n");
 }
 
+// The object remembers the style that it told last, the unknown one too; without a volume layer it told none.
+TEST(GetDiskStyle, IsRememberedAsItWasTold) {
+    Application application(FactoryGpt());
+    const THardDiskType& remembered = application.kestova.*Open(internals::DiskStyleTag());
+    EXPECT_EQ(remembered, HARD_DISK_UNKNOWN);
+    THardDiskType style = HARD_DISK_UNKNOWN;
+    application.kestova.GetDiskStyle(style);
+    EXPECT_EQ(remembered, HARD_DISK_GPT);
+    {
+        const internals::WithoutVolumeLayer without(application.kestova);
+        application.kestova.GetDiskStyle(style);
+        EXPECT_EQ(remembered, HARD_DISK_GPT);
+    }
+    application.pc.faults.Arm({.call = "IVdsAdvancedDisk::QueryPartitions", .code = 0x8004242B});
+    application.kestova.GetDiskStyle(style);
+    EXPECT_EQ(remembered, HARD_DISK_UNKNOWN);
+}
+
 struct Layout {
     const char* name;  // and the transcript's
     machine::Pc facts;

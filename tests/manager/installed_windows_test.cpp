@@ -190,6 +190,13 @@ const Encryption encryptions[] = {
 INSTANTIATE_TEST_SUITE_P(Volumes, IsVistaOSEncrypted, testing::ValuesIn(encryptions),
                          [](const auto& tested) { return tested.param.name; });
 
+TEST(IsVistaOSEncryptedVolume, IsToldByALowerCaseLetterToo) {
+    Application application(WithEncrypted({{"C:"}}, {}));
+    EXPECT_EQ(application.kestova.IsVistaOS(TEXT('c')), 1);
+    EXPECT_TRUE(application.pc.journal.Calls("PathFileExistsW").empty());
+    EXPECT_TRUE(Transcript(application.pc.journal).ends_with("4 Kestova::IsVistaOS End. TRUE\n"));
+}
+
 TEST(IsVistaOSUnencrypted, IsToldByItsFiles) {
     Application application(WithEncrypted({{"D:"}}, {{"Windows/System32/winload.exe", "MZ"}}));
     EXPECT_EQ(application.kestova.IsVistaOS(TEXT('C')), 1);

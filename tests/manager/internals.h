@@ -21,6 +21,7 @@ struct Opened {
     };                                         \
     template struct Opened<tag, &Kestova::member>
 
+using DiskStyle = THardDiskType Kestova::*;
 using EncryptionLayer = CEncryptVolume* Kestova::*;
 using VolumeLayer = CVDSPartition* Kestova::*;
 using Format = std::basic_string<WCHAR> (Kestova::*)(const WCHAR*, ...);
@@ -39,6 +40,7 @@ using Translation = int (Kestova::*)(WCHAR, WCHAR&);
 using MapCleaning = void (Kestova::*)();
 using LetterMap = std::map<WCHAR, tagDeviceData_t> Kestova::*;
 
+OPEN_PRIVATE_MEMBER(DiskStyleTag, DiskStyle, m_HardDiskType);
 OPEN_PRIVATE_MEMBER(EncryptionLayerTag, EncryptionLayer, m_pEncryptVolume);
 OPEN_PRIVATE_MEMBER(VolumeLayerTag, VolumeLayer, m_pVDSPartition);
 OPEN_PRIVATE_MEMBER(StringFormatTag, Format, StringFormat);

@@ -48,6 +48,33 @@ TEST(Destruction, AfterInitialisationReleasesTheService) {
     EXPECT_TRUE(pc.ledger.Violations().empty());
 }
 
+// What is on loan at the moment when the object begins to clean its maps.
+class LoansAtCleaning : public ILogSink {
+  public:
+    explicit LoansAtCleaning(const machine::Ledger& ledger) : ledger_(ledger) {
+        CLoggingFactory::GetInstance().AddSink(*this);
+    }
+    ~LoansAtCleaning() { CLoggingFactory::GetInstance().RemoveSink(*this); }
+    std::map<std::string, int> loans;
+
+  private:
+    void Write(const LogEntry& entry) override {
+        if (entry.Text() == TEXT("Kestova::CleanMap\tStart")) loans = ledger_.Outstanding();
+    }
+    const machine::Ledger& ledger_;
+};
+
+TEST(Destruction, ReleasesTheServiceBeforeItCleansItsMaps) {
+    EmulatedPc pc(machine::FactoryMbr());
+    ComApartment com;
+    LoansAtCleaning cleaning(pc.ledger);
+    {
+        Kestova kestova;
+        ASSERT_EQ(kestova.Initialize(false), 1);
+    }
+    EXPECT_EQ(cleaning.loans, (std::map<std::string, int>{{"COM initialization", 1}}));
+}
+
 class InitializeArgument : public testing::TestWithParam<bool> {};
 
 TEST_P(InitializeArgument, IsWithoutEffect) {
@@ -105,6 +132,86 @@ TEST(Copy, SharesTheVolumeLayerAndWritesNothing) {
     EXPECT_EQ(copy->*Open(internals::VolumeLayerTag()),
               application.kestova.*Open(internals::VolumeLayerTag()));
     EXPECT_EQ(copy->GetActivePartitionNumber(), 2);
+}
+
+// One letter in each map, of the installed Windows and of the running system.
+void FillMaps(Kestova& kestova) {
+    (kestova.*Open(internals::WinDriveMapTag()))[TEXT('C')] = {new BYTE[2]{1, 2}, 2};
+    (kestova.*Open(internals::PEDriveMapTag()))[TEXT('D')] = {new BYTE[1]{3}, 1};
+}
+
+void ForgetMaps(Kestova& kestova) {
+    (kestova.*Open(internals::WinDriveMapTag())).clear();
+    (kestova.*Open(internals::PEDriveMapTag())).clear();
+}
+
+// Both have the same letters in their maps, with the same buffers behind them.
+void ExpectSharedMaps(Kestova& left, Kestova& right) {
+    for (const auto map : {Open(internals::WinDriveMapTag()), Open(internals::PEDriveMapTag())}) {
+        ASSERT_EQ((left.*map).size(), 1U);
+        ASSERT_EQ((right.*map).size(), 1U);
+        EXPECT_EQ((left.*map).begin()->first, (right.*map).begin()->first);
+        EXPECT_EQ((left.*map).begin()->second.pData, (right.*map).begin()->second.pData);
+        EXPECT_EQ((left.*map).begin()->second.dwLength, (right.*map).begin()->second.dwLength);
+    }
+}
+
+// The partitions that the source lettered are the copy's to take the letters from.
+TEST(Copy, RemembersWhatItsSourceLettered) {
+    Application application(machine::FactoryGpt());
+    WCHAR letter = 0;
+    application.kestova.AssignRecoveryPartition(letter);
+    application.kestova.AssignWinREPartition(letter);
+    THardDiskType style = HARD_DISK_UNKNOWN;
+    application.kestova.GetDiskStyle(style);
+    alignas(Kestova) char place[sizeof(Kestova)];
+    Kestova* const copy = new (place) Kestova(application.kestova);
+    EXPECT_EQ(copy->*Open(internals::DiskStyleTag()), HARD_DISK_GPT);
+    copy->RemoveRecoveryPartition();
+    copy->RemoveWinREPartition();
+    EXPECT_EQ(application.pc.pc, machine::FactoryGpt());
+}
+
+// The source still points to what the copy freed.
+TEST(Copy, SharesTheBuffersOfTheMaps) {
+    EmulatedPc pc(machine::FactoryMbr());
+    Kestova source;
+    FillMaps(source);
+    alignas(Kestova) char place[sizeof(Kestova)];
+    Kestova* const copy = new (place) Kestova(source);
+    ExpectSharedMaps(*copy, source);
+    (copy->*Open(internals::CleanMapTag()))();
+    EXPECT_TRUE((copy->*Open(internals::WinDriveMapTag())).empty());
+    EXPECT_EQ((source.*Open(internals::WinDriveMapTag())).size(), 1U);
+    ForgetMaps(source);
+}
+
+TEST(Assignment, TakesOverTheMapsAndWhatIsRemembered) {
+    Application application(machine::FactoryGpt());
+    WCHAR letter = 0;
+    application.kestova.AssignRecoveryPartition(letter);
+    THardDiskType style = HARD_DISK_UNKNOWN;
+    application.kestova.GetDiskStyle(style);
+    FillMaps(application.kestova);
+    Kestova target;
+    alignas(Kestova) char place[sizeof(Kestova)];
+    Kestova* const owned = new (place) Kestova(target);
+    target = application.kestova;
+    EXPECT_EQ(target.*Open(internals::DiskStyleTag()), HARD_DISK_GPT);
+    ExpectSharedMaps(target, application.kestova);
+    target.RemoveRecoveryPartition();
+    EXPECT_EQ(application.pc.pc, machine::FactoryGpt());
+    target = *owned;
+}
+
+TEST(Assignment, ToItselfKeepsTheMaps) {
+    EmulatedPc pc(machine::FactoryMbr());
+    Kestova kestova;
+    FillMaps(kestova);
+    const Kestova& itself = kestova;
+    kestova = itself;
+    ExpectSharedMaps(kestova, kestova);
+    EXPECT_EQ((kestova.*Open(internals::PEDriveMapTag())).at(TEXT('D')).pData[0], 3);
 }
 
 TEST(Assignment, SharesTheVolumeLayerAndWritesNothing) {

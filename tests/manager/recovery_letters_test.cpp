@@ -135,6 +135,19 @@ TEST_P(RecoveryLetter, IsTakenAfterALaterAssignmentFailed) {
     EXPECT_EQ(application.pc.pc, FactoryGpt());
 }
 
+// So it does after one that found the partition and could not letter it.
+TEST_P(RecoveryLetter, IsTakenAfterALaterOneWasRefused) {
+    Application application(FactoryGpt());
+    EXPECT_EQ(Assign(application), 'D');
+    PartitionOf(application.pc.pc, GetParam().number).volume->letters = "";
+    application.pc.faults.Arm({.call = "IVdsAdvancedDisk::AssignDriveLetter", .nth = 2, .code = 0x80004005});
+    EXPECT_EQ(Assign(application), '0');
+    EXPECT_EQ(application.pc.faults.Fired(), 1);
+    PartitionOf(application.pc.pc, GetParam().number).volume->letters = "S";
+    Remove(application);
+    EXPECT_EQ(application.pc.pc, FactoryGpt());
+}
+
 TEST_P(RecoveryLetter, StaysSilentlyWhenItCannotBeTaken) {
     Application application(FactoryGpt());
     EXPECT_EQ(Assign(application), 'D');
@@ -168,6 +181,24 @@ TEST(RemoveRecoveryPartition, LeavesTheLetterOfWindowsRe) {
     application.kestova.RemoveRecoveryPartition();
     EXPECT_EQ(PartitionOf(application.pc.pc, 2).volume->letters, "E");
     EXPECT_EQ(PartitionOf(application.pc.pc, 6).volume->letters, "");
+}
+
+// The recovery files move from partition 6 to 2, which cannot be lettered: the removal acts on 2.
+TEST(RemoveRecoveryPartition, ActsOnThePartitionFoundLastLetteredOrNot) {
+    Application application(FactoryGpt());
+    machine::Volume& before = *PartitionOf(application.pc.pc, 6).volume;
+    machine::Volume& after = *PartitionOf(application.pc.pc, 2).volume;
+    WCHAR letter = 0;
+    application.kestova.AssignRecoveryPartition(letter);
+    EXPECT_EQ(before.letters, "D");
+    std::swap(before.files, after.files);
+    application.pc.faults.Arm({.call = "IVdsAdvancedDisk::AssignDriveLetter", .nth = 2, .code = 0x80004005});
+    application.kestova.AssignRecoveryPartition(letter);
+    EXPECT_EQ(letter, TEXT('0'));
+    after.letters = "S";
+    application.kestova.RemoveRecoveryPartition();
+    EXPECT_EQ(before.letters, "D");
+    EXPECT_EQ(after.letters, "");
 }
 
 TEST(IsExistRcvprt, GivesALetterThatStays) {

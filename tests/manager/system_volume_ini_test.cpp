@@ -26,6 +26,13 @@ Found Search(Application& application, const WCHAR* before = TEXT("")) {
     return {result, machine::ToUtf8(path)};
 }
 
+// Answers FALSE and leaves the buffer as it was.
+void ExpectRefused(Application& application) {
+    const Found found = Search(application);
+    EXPECT_EQ(found.result, FALSE);
+    EXPECT_EQ(found.path, "");
+}
+
 TEST(GetSystemVolumeIni, LettersTheHiddenRecoveryPartition) {
     Application application(FactoryMbr());
     const Found found = Search(application);
@@ -49,14 +56,14 @@ TEST(GetSystemVolumeIni, HidesAVisibleRecoveryPartitionFirst) {
 
 TEST(GetSystemVolumeIni, RefusesGpt) {
     Application application(machine::FactoryGpt());
-    EXPECT_EQ(Search(application).result, FALSE);
+    ExpectRefused(application);
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_gpt");
 }
 
 TEST(GetSystemVolumeIni, RefusesAnUnknownStyle) {
     Application application(FactoryMbr());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk::QueryPartitions", .nth = 1, .code = 0x8004242B});
-    EXPECT_EQ(Search(application).result, FALSE);
+    ExpectRefused(application);
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_unknown_style");
 }
 
@@ -64,14 +71,14 @@ TEST(GetSystemVolumeIni, RefusesARecoveryPartitionInAnUnexpectedState) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).mbrType = 0xDE;
     Application application(facts);
-    EXPECT_EQ(Search(application).result, FALSE);
+    ExpectRefused(application);
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_unexpected_id");
 }
 
 TEST(GetSystemVolumeIni, FailsWhenNoLetterCanBeGiven) {
     Application application(FactoryMbr());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk::AssignDriveLetter", .code = 0x8004255C});
-    EXPECT_EQ(Search(application).result, FALSE);
+    ExpectRefused(application);
     EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "");
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_no_letter");
 }
@@ -80,7 +87,7 @@ TEST(GetSystemVolumeIni, FailsWhenTheRecoveryMediaAreGone) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).volume->files = {};
     Application application(facts);
-    EXPECT_EQ(Search(application).result, FALSE);
+    ExpectRefused(application);
     EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "E");
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_no_media");
 }
