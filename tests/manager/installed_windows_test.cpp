@@ -249,6 +249,12 @@ TEST(GetOSVolume, IsNeverThatOfWindowsPe) {
     EXPECT_EQ(OsVolume(machine::WindowsPePc()), TEXT('0'));
 }
 
+TEST(GetOSVolume, MayBeOnARemovableDrive) {
+    machine::Pc facts = machine::WinPeTwoDisks();
+    PartitionOf(facts, 2).volume->driveType = DriveType::Removable;
+    EXPECT_EQ(OsVolume(facts), TEXT('D'));
+}
+
 TEST(GetOSVolume, LooksBehindX) {
     machine::Pc facts = machine::WinPeTwoDisks();
     PartitionOf(facts, 2).volume->letters = "Z";

@@ -152,6 +152,13 @@ TEST(IsExistRecoveryPartition, WalksOver128Partitions) {
     EXPECT_EQ(Search(application, recovery), (Place{0, 6, 1}));
 }
 
+TEST(IsExistRecoveryPartition, PassesOverTheMediaOfADisc) {
+    machine::Pc facts = FactoryGpt();
+    PartitionOf(facts, 6).volume->files.PutFolder("sources/DVD");
+    Application application(facts);
+    EXPECT_EQ(Search(application, recovery), nowhere);
+}
+
 TEST(IsExistRecoveryPartition, StopsAtAPartitionWithoutANumber) {
     machine::Pc facts = FactoryGpt();
     PartitionOf(facts, 5).number = 0;

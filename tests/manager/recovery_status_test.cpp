@@ -66,6 +66,19 @@ TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionThatIsNoRecoveryMedia) {
     ExpectTranscript(application.pc.journal, "manager/check_status_no_media");
 }
 
+// Media of every kind bear the markers; this is a copy of a disc.
+TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionWithTheMediaOfADisc) {
+    machine::Pc facts = VisibleRecovery();
+    PartitionOf(facts, 1).volume->files.PutFolder("sources/DVD");
+    Application application(facts);
+    EXPECT_EQ(Check(application), NO_RCVPRT);
+    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_NTFS);
+    EXPECT_TRUE(Transcript(application.pc.journal)
+                    .ends_with("4 Kestova::IsRCVVolume\\tMediaType error. MediaType = {int 1}\n"
+                               "1 Kestova::CheckMBRRcvprtStatus\\tNO_RCVPRT\n"
+                               "4 Kestova::CheckMBRRcvprtStatus\\t\\tEnd. iRet = {int 4}\n"));
+}
+
 TEST(CheckMBRRcvprtStatus, TellsThatThePartitionCouldNotBeHidden) {
     Application application(VisibleRecovery());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk2::ChangePartitionType", .code = 0x80042413});

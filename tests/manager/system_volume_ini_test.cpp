@@ -92,6 +92,17 @@ TEST(GetSystemVolumeIni, FailsWhenTheRecoveryMediaAreGone) {
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_no_media");
 }
 
+TEST(GetSystemVolumeIni, RefusesTheMediaOfADisc) {
+    machine::Pc facts = FactoryMbr();
+    PartitionOf(facts, 1).volume->files.PutFolder("sources/DVD");
+    Application application(facts);
+    ExpectRefused(application);
+    EXPECT_TRUE(Transcript(application.pc.journal)
+                    .ends_with("4 Kestova::IsRCVVolume\\tMediaType error. MediaType = {int 1}\n"
+                               "4 Kestova::GetSystemVolumeIni\\tIsRCVVolume\\tError\n"
+                               "4 Kestova::GetSystemVolumeIni\\t\\tEnd. bReturn = {int 0}\n"));
+}
+
 TEST(GetSystemVolumeIni, WithoutAVolumeLayerTellsThatTheStyleIsMissing) {
     Application application(FactoryMbr());
     const internals::WithoutVolumeLayer without(application.kestova);

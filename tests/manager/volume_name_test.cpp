@@ -93,6 +93,12 @@ TEST(GetFactoryPrtDriveLetter, IsTheFirstVolumeOfThatNameInAnyCase) {
     EXPECT_EQ(FactoryLetter(WithLabels(std::string("factory"), std::string("Factory"))), 'C');
 }
 
+TEST(GetFactoryPrtDriveLetter, IsThatOfADriveOfAnyKind) {
+    machine::Pc facts = WithLabels(std::string(), std::string("Factory"));
+    PartitionOf(facts, 3).volume->driveType = machine::DriveType::Removable;
+    EXPECT_EQ(FactoryLetter(facts), 'D');
+}
+
 TEST(GetFactoryPrtDriveLetter, PassesOverANameThatCannotBeRead) {
     EXPECT_EQ(
         FactoryLetter(WithLabels(machine::Fact<std::string>::Fails(ERROR_NOT_READY), std::string("Factory"))),
