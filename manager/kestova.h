@@ -124,7 +124,7 @@ class KESTOVA_API Kestova {
     // As AssignRecoveryPartition, for the Windows RE partition, which is partition 2 or none.
     int AssignWinREPartition(WCHAR& letter);
     // Takes the letter of the partition that AssignRecoveryPartition last found, whoever gave it; nothing
-    // before the first.
+    // before that operation first told a letter.
     void RemoveRecoveryPartition();
     // As RemoveRecoveryPartition, after AssignWinREPartition.
     void RemoveWinREPartition();
