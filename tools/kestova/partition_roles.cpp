@@ -1,6 +1,9 @@
 #include "tools/kestova/partition_roles.h"
 
 #include <algorithm>
+#include <charconv>
+#include <set>
+#include <string_view>
 
 #include "platform/partition_types.h"
 #include "tools/kestova/operations.h"
@@ -79,8 +82,7 @@ void AddPartitionRoles(Kestova& object, const Json& status, Json& partition) {
 }
 
 // The partition that the operation finds by type and contents, which gets a letter for it.
-void AddFoundRole(Kestova& object, Json& status, const char* operation, const char* role) {
-    const Json letter = LetterOrNull(Ask(object, operation)["letter"]);
+void AddFoundRole(Kestova& object, Json& status, const Json& letter, const char* role) {
     if (letter.is_null()) return;
     for (Json& partition : status["partitions"]) {
         const Json place = {{"disk", status["internalDisk"]}, {"partition", partition["number"]}};
@@ -89,16 +91,47 @@ void AddFoundRole(Kestova& object, Json& status, const char* operation, const ch
     }
 }
 
+// The partitions that the operation could not look into: no letter could be given to them, by its records.
+std::set<int> NotLookedInto(const Json& log) {
+    constexpr std::string_view lettering =
+        "Kestova CVDSPartition::SetDriveLetter\t\tStart  PartitionNumber = ";
+    constexpr std::string_view refusals[] = {
+        "Kestova Kestova::IsRecoveryPartition SetDriveLetter return false",
+        "Kestova Kestova::IsWinREPartition SetDriveLetter return false",
+    };
+    std::set<int> numbers;
+    int number = 0;
+    for (const Json& record : log) {
+        const std::string_view text = record["text"].get_ref<const std::string&>();
+        if (text.starts_with(lettering)) {
+            std::from_chars(text.data() + lettering.size(), text.data() + text.size(), number);
+        } else if (std::ranges::find(refusals, text) != std::end(refusals)) {
+            numbers.insert(number);
+        }
+    }
+    return numbers;
+}
+
+bool IsWindowsRecovery(const Json& partition) {
+    return partition["type"] == GuidText(PARTITION_MSFT_RECOVERY_GUID);
+}
+
 // Windows' own recovery partitions, which may be the maker's too: only their contents tell.
 void AddRecoveryRoles(Session& session, Json& status) {
-    Kestova& object = session.Object();
-    const bool lookedInto = session.OnPc().Rehearse([&] {
-        AddFoundRole(object, status, "AssignRecoveryPartition", "recovery");
-        AddFoundRole(object, status, "AssignWinREPartition", "Windows RE");
+    std::set<int> notLookedInto;
+    const auto look = [&](const char* operation, const char* role) {
+        const Json report = session.Call(FindOperation(operation), Json::object());
+        AddFoundRole(session.Object(), status, LetterOrNull(report["outputs"]["letter"]), role);
+        notLookedInto.merge(NotLookedInto(report["log"]));
+    };
+    const bool rehearsed = session.OnPc().Rehearse([&] {
+        look("AssignRecoveryPartition", "recovery");
+        look("AssignWinREPartition", "Windows RE");
     });
-    if (lookedInto) return;
     for (Json& partition : status["partitions"]) {
-        if (partition["type"] == GuidText(PARTITION_MSFT_RECOVERY_GUID))
+        const bool isUnknown =
+            partition["roles"].empty() && notLookedInto.contains(partition["number"].get<int>());
+        if ((isUnknown || !rehearsed) && IsWindowsRecovery(partition))
             AddRole(partition, "recovery or Windows RE", "type; contents not looked into");
     }
 }
