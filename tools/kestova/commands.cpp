@@ -33,6 +33,7 @@ int Letters(const CommandLine& line) {
     return Host(line, {.run = [&](Session& session) -> int {
                     const Json letters = ReadLetters(session);
                     std::cout << (line.json ? letters.dump() + "\n" : LettersText(letters));
+                    ShowRemark(letters.value("remark", ""));
                     if (!letters.contains("problem")) return Done;
                     std::cerr << "kestova: " << letters["problem"].get<std::string>() << "\n";
                     return Failure;

@@ -14,6 +14,10 @@ constexpr int mostLetters = 26;
 constexpr int unknownDisk = 255;
 constexpr int unknownPartition = 0;
 
+constexpr const char* noLetters =
+    "no letter was told: the installed Windows or the running system remembers none, none could be read, or "
+    "none stands for a volume of both";
+
 // What went wrong, by the record that tells it.
 struct Problem {
     std::string_view record;
@@ -68,7 +72,11 @@ Json ReadLetters(Session& session) {
     Json letters = {{"letters", Json::array()}};
     for (const Json& record : report["outputs"]["records"])
         letters["letters"].push_back(LetterJson(session, record));
-    if (report["result"] != 1) letters["problem"] = ProblemText(report["log"]);
+    if (report["result"] != 1) {
+        letters["problem"] = ProblemText(report["log"]);
+    } else if (letters["letters"].empty()) {
+        letters["remark"] = noLetters;  // which the library answers without saying why
+    }
     return letters;
 }
 

@@ -106,6 +106,22 @@ TEST_F(Status, LooksIntoRecoveryPartitionsAndChangesNothing) {
     EXPECT_EQ(ReadFile("failed.json").find("\"letters\": \"D\""), std::string::npos);
 }
 
+TEST_F(Status, SaysOfWhichRecoveryPartitionTheContentsAreNotKnown) {
+    // Partition 6 gets no letter, partition 2 does.
+    const Outcome one =
+        Kestova("--pc factory-gpt --fail 'IVdsAdvancedDisk::AssignDriveLetter#1=0x80004005' status");
+    EXPECT_EQ(one.status, 0);
+    EXPECT_THAT(one.output, HasSubstr("-     Windows RE: type and contents\n"));
+    EXPECT_THAT(one.output, HasSubstr("-     recovery or Windows RE: type; contents not looked into\n"));
+    // Neither does, because no free letter can be told.
+    const Outcome none = Kestova("--pc factory-gpt --fail GetLogicalDriveStringsW=5 --json status");
+    EXPECT_EQ(none.status, 0);
+    const std::string role =
+        R"("roles":[{"role":"recovery or Windows RE","reason":"type; contents not looked into"}])";
+    EXPECT_NE(none.output.find(role), none.output.rfind(role));
+    EXPECT_EQ(none.output.find("type and contents"), std::string::npos);
+}
+
 TEST_F(Letters, OfTheInstalledWindowsAreTranslated) {
     const Outcome outcome = Kestova("--pc winpe-media letters");
     EXPECT_EQ(outcome.status, 0);
@@ -118,6 +134,18 @@ TEST_F(Letters, OfTheInstalledWindowsAreTranslated) {
               R"({"letters":[{"letter":"C","disk":0,"partition":5,"here":"C"},)"
               R"({"letter":"E","disk":0,"partition":6,"here":"D"}]})"
               "\n");
+}
+
+TEST_F(Letters, NoneAtAllIsRemarked) {
+    const std::string remark =
+        "no letter was told: the installed Windows or the running system remembers none, none could be read, "
+        "or none stands for a volume of both";
+    const Outcome outcome = Kestova("--pc winpe-media --fail RegQueryValueExW=5 letters");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "Letter  Disk  Partition  Here\n");
+    EXPECT_EQ(outcome.errors, "kestova: " + remark + "\n");
+    EXPECT_EQ(Kestova("--pc winpe-media --fail RegQueryValueExW=5 --json letters").output,
+              R"({"letters":[],"remark":")" + remark + "\"}\n");
 }
 
 TEST_F(Letters, LeaveThePcAsItWas) {
@@ -404,6 +432,12 @@ TEST_F(Script, CommandInItIsAnsweredWithAHint) {
     EXPECT_THAT(Kestova("--pc factory-mbr run -", "status\n").errors,
                 StartsWith("kestova: standard input:1: 'status' is a command; only operations stand in a "
                            "script (kestova operations lists them)\n"));
+}
+
+TEST_F(Script, ThatIsNoUtf8TextIsRefused) {
+    WriteFile("wide.txt", std::string("SetActive 1\nS\0e\0t\0", 18));
+    EXPECT_THAT(Kestova("--pc factory-mbr run wide.txt").errors,
+                StartsWith("kestova: wide.txt:2: not text; a script is written in UTF-8\n"));
 }
 
 TEST_F(Script, MissingScriptAndFolderAreRefused) {
