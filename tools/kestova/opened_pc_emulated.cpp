@@ -62,6 +62,9 @@ std::string ReadDescriptionText(const std::string& name) {
         throw UnreadablePc(name + ": larger than 16 MiB, so no description; name a disk image with --image");
     }
     if (text.empty()) throw UnreadablePc(name + ": the description is empty");
+    if (text.find('\0') != std::string::npos) {
+        throw UnreadablePc(name + ": not UTF-8 text, so no description; name a disk image with --image");
+    }
     return text;
 }
 

@@ -36,6 +36,8 @@ std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& nam
     int number = 0;
     for (std::string line; std::getline(script, line);) {
         ++number;
+        if (line.find('\0') != std::string::npos)
+            throw WrongUse(name + ":" + std::to_string(number) + ": not text; a script is written in UTF-8");
         if (number == 1 && line.starts_with(byteOrderMark)) line.erase(0, byteOrderMark.size());
         const std::vector<std::string> words = Words(line);
         if (words.empty()) continue;
