@@ -66,6 +66,11 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
 
 std::string Message(const CLI::ParseError& error) {
     std::string text = error.what();
+    constexpr std::string_view excludes = " excludes ";
+    if (const size_t at = text.find(excludes);
+        at != std::string::npos && error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExcludesError)) {
+        return text.replace(at, excludes.size(), " and ") + " cannot be given together";
+    }
     if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ArgumentMismatch)) return text;
     const bool missing = text.find("missing") != std::string::npos;
     return text.substr(0, text.find(':')) + (missing ? " needs a value" : " can be given only once");

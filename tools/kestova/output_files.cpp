@@ -25,6 +25,15 @@ void KeepInputs(const InputFiles& inputs, const std::string& script, const std::
     Keep(script == "-" ? "/dev/stdin" : script, "the script", option, output);
 }
 
+// What would otherwise be noticed only when the PC has been changed.
+void CheckSaveTarget(const std::string& save) {
+    std::error_code missing;
+    if (fs::exists(save, missing) && !fs::is_regular_file(save, missing))
+        throw WrongUse("--save: " + save + " is no plain file");
+    if (!fs::is_directory(WriteTarget(save).parent_path(), missing))
+        throw WrongUse("--save: " + save + " cannot be written: its folder is missing");
+}
+
 }  // namespace
 
 fs::path WriteTarget(const fs::path& file) {
@@ -44,7 +53,5 @@ void CheckOutputFiles(const CommandLine& line, const InputFiles& inputs, const s
     Keep(inputs.description, "the description that --pc reads", "--log", log);
     KeepInputs(inputs, script, "--save", save);
     Keep(save, "the file that --save writes", "--log", log);
-    std::error_code missing;
-    if (!save.empty() && fs::exists(save, missing) && !fs::is_regular_file(save, missing))
-        throw WrongUse("--save: " + save + " is no plain file");
+    if (!save.empty()) CheckSaveTarget(save);
 }

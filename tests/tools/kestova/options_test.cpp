@@ -64,8 +64,8 @@ const Mistake mistakes[] = {
      "--fail 'CreateFileW=0x1ffffffff': '0x1ffffffff' is not a code of 32 bits\n"},
     {"FaultNumber", "--fail 'CreateFileW#0=1' status", 2,
      "--fail 'CreateFileW#0=1': after '#' comes the number of the call, from 1\n"},
-    {"TwoPcs", "--pc factory-mbr --image x status", 2, "--image excludes --pc\n"},
-    {"TwoSystems", "--windows --pe status", 2, "--windows excludes --pe\n"},
+    {"TwoPcs", "--pc factory-mbr --image x status", 2, "--image and --pc cannot be given together\n"},
+    {"TwoSystems", "--windows --pe status", 2, "--windows and --pe cannot be given together\n"},
     {"PcEmpty", "--pc '' status", 2, "--pc: the value is empty\n"},
     {"LogEmpty", "--log '' status", 2, "--log: the value is empty\n"},
     {"SaveEmpty", "--save '' status", 2, "--save: the value is empty\n"},
@@ -75,6 +75,8 @@ const Mistake mistakes[] = {
     {"PcsOfAPc", "--pc factory-mbr pcs", 2, "pcs does not use --pc\n"},
     {"OperationsWithLog", "--log x operations", 2, "operations does not use --log\n"},
     {"StatusWithTrace", "--trace status", 2, "status does not use --trace\n"},
+    {"SaveFolder", "--save none/pc.json boot recovery", 2,
+     "--save: none/pc.json cannot be written: its folder is missing\n"},
     {"LogFolder", "--log /nowhere/log status", 2, "--log: /nowhere/log cannot be written\n"},
 };
 
@@ -196,9 +198,9 @@ TEST_F(Save, WritesAPcThatContinuesWhereThisOneStopped) {
 }
 
 TEST_F(Save, ThatCannotBeWrittenFails) {
-    const Outcome outcome = Kestova("--pc factory-mbr --save none/pc.json status");
+    const Outcome outcome = Kestova("--pc factory-mbr --save /proc/pc.json status");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors, "kestova: none/pc.json: cannot be written\n");
+    EXPECT_EQ(outcome.errors, "kestova: /proc/pc.json: cannot be written\n");
 }
 
 TEST_F(Save, DoesNotGoWithADryRun) {
@@ -276,6 +278,9 @@ TEST_F(Help, LargeOrEmptyDescriptionIsNone) {
     EXPECT_EQ(Kestova("--pc disk.img status").errors,
               "kestova: disk.img: larger than 16 MiB, so no description; name a disk image with --image\n");
     EXPECT_EQ(Kestova("--pc empty.json status").errors, "kestova: empty.json: the description is empty\n");
+    EXPECT_EQ(Shell("truncate -s 1M stick.img").status, 0);
+    EXPECT_EQ(Kestova("--pc stick.img status").errors,
+              "kestova: stick.img: not UTF-8 text, so no description; name a disk image with --image\n");
 }
 
 TEST_F(Help, DescriptionErrorNamesFileAndPlace) {
