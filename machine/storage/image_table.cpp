@@ -139,6 +139,11 @@ bool ClearOtherFlags(const FdiskSession& session, size_t kept) {
 
 }  // namespace
 
+bool HasTable(const ImageFile& image) {
+    const FdiskSession session(image, true);
+    return fdisk_is_label(session.Context(), GPT) || fdisk_is_label(session.Context(), DOS);
+}
+
 void ReadTable(const ImageFile& image, Disk& disk) {
     const FdiskSession session(image, true);
     disk.size = image.Size();

@@ -12,6 +12,9 @@ namespace machine {
 
 class FdiskSession;
 
+// Whether there is a partition table that Windows knows, sound or not.
+bool HasTable(const ImageFile& image);
+
 // Sets the disk's size, style, signature or GUID, and its partitions without their volumes, numbered as
 // Windows does: used entries from 1, logical ones after the primary ones, the extended partition itself left
 // out. Throws ImageError when there is no table, or one that does not fit the disk, overlaps or is damaged.

@@ -129,10 +129,38 @@ TEST_F(MediumImageTest, FileThatIsNoStickIsRefused) {
     const std::string bare = PartitionedImage(20, "label: dos\\n1: start=2048,size=2048,type=7\\n");
     const std::string locked = PartitionFile(MadeImage("bitlocker.img"), 41, 80);
 
-    EXPECT_EQ(Refusal(InsertStick, disc), disc + ": no partition table, so no disk image");
+    EXPECT_EQ(Refusal(InsertStick, disc), disc + ": a disc, not a stick");
     EXPECT_EQ(Refusal(InsertStick, bare), bare + ": none of its partitions is a FAT or NTFS volume");
     EXPECT_EQ(Refusal(InsertStick, locked),
               locked + ": a volume of BitLocker, but only FAT and NTFS are read");
+}
+
+TEST_F(MediumImageTest, TruncatedMediumIsRefused) {
+    const auto cut = [&](const char* name, uintmax_t size) {
+        std::string image = MadeImage(name);
+        std::filesystem::resize_file(image, size);
+        return image;
+    };
+    const auto isCut = [](const std::string& image, const std::string& fileSystem) {
+        return image + ": its " + fileSystem +
+               " file system is longer than what is there; the image is truncated, or it is damaged";
+    };
+    const std::string disc = cut("disc-iso.iso", 100ULL * 2048);
+    EXPECT_EQ(Refusal(InsertDisc, disc), isCut(disc, "CDFS"));
+    const std::pair<const char*, const char*> sticks[] = {{"stick-fat12.img", "FAT"},
+                                                          {"stick-fat16.img", "FAT"},
+                                                          {"stick-fat32.img", "FAT32"},
+                                                          {"stick-ntfs.img", "NTFS"}};
+    for (const auto& [name, fileSystem] : sticks) {
+        const std::string stick = cut(name, 2ULL * 1024 * 1024);
+        EXPECT_EQ(Refusal(InsertStick, stick), isCut(stick, fileSystem));
+    }
+    // What is left of a volume can look like a partition table without an entry.
+    const std::string sector = cut("stick-fat32.img", 512);
+    EXPECT_EQ(
+        Refusal(InsertStick, sector),
+        sector +
+            ": no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated");
 }
 
 TEST_F(MediumImageTest, DamagedMediumIsRefused) {
