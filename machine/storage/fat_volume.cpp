@@ -234,7 +234,7 @@ std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Entry& folder
 }
 
 std::optional<std::string> FatVolume::Content(const Entry& file) const {
-    if (file.size > bytes_.Size()) return std::nullopt;
+    if (file.size > std::min(bytes_.Size(), longestFile)) return std::nullopt;
     return ReadClusters(file.place, file.size);
 }
 

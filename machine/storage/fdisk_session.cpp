@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "machine/storage/table_check.h"
+
 namespace machine {
 
 namespace {
@@ -24,6 +26,7 @@ int NoteWarning(fdisk_context*, fdisk_ask* ask, void* data) {
 
 FdiskSession::FdiskSession(const ImageFile& image, bool readOnly) : context_(fdisk_new_context()) {
     if (!context_) throw std::bad_alloc();
+    CheckGptLength(image);
     fdisk_set_ask(Context(), NoteWarning, &warnings_);
     fdisk_disable_dialogs(Context(), 1);
     fdisk_enable_listonly(Context(), 1);  // no search for file systems in the table's place

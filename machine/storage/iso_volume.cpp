@@ -109,6 +109,7 @@ std::optional<std::vector<IsoVolume::Entry>> IsoVolume::List(const Entry& folder
 }
 
 std::optional<std::string> IsoVolume::Content(const Entry& file) const {
+    if (file.size > longestFile) return std::nullopt;
     return bytes_.Read(file.place, file.size);
 }
 

@@ -11,6 +11,7 @@
 
 #include "machine/storage/store_errors.h"
 #include "machine/storage/store_path.h"
+#include "machine/storage/volume_bytes.h"
 
 // C headers without linkage of their own, which name macros `min`, `max` and a type BOOL: they must not meet
 // the platform's headers, so they stay in this file.
@@ -223,7 +224,8 @@ bool IsClosedForChange(const ntfs_inode& inode) {
 uint32_t ReadContent(ntfs_inode& inode, uint64_t volumeSize, std::string& content) {
     const AttributeOwner data(ntfs_attr_open(&inode, AT_DATA, AT_UNNAMED, 0));
     if (!data) return PlatformError(errno);
-    if (data->data_size < 0 || static_cast<uint64_t>(data->data_size) > volumeSize) return errorFileCorrupt;
+    const uint64_t longest = std::min(volumeSize, longestFile);
+    if (data->data_size < 0 || static_cast<uint64_t>(data->data_size) > longest) return errorFileCorrupt;
     std::string bytes(static_cast<size_t>(data->data_size), '\0');
     const s64 done = bytes.empty() ? 0 : ntfs_attr_pread(data.get(), 0, data->data_size, bytes.data());
     if (done != data->data_size) return done < 0 ? PlatformError(errno) : errorFileCorrupt;

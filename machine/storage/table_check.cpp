@@ -1,8 +1,9 @@
 #include "machine/storage/table_check.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
+
+#include "machine/storage/volume_bytes.h"
 
 namespace machine {
 
@@ -38,9 +39,13 @@ void CheckApart(const ImageFile& image, std::vector<Region> regions) {
     }
 }
 
-uint32_t LittleEndian32(const uint8_t* bytes) {
-    return static_cast<uint32_t>(bytes[0]) | static_cast<uint32_t>(bytes[1]) << 8 |
-           static_cast<uint32_t>(bytes[2]) << 16 | static_cast<uint32_t>(bytes[3]) << 24;
+// Empty when none is there.
+std::string GptHeaderAt(const ImageFile& image, uint64_t sector) {
+    std::string header(sectorSize, '\0');
+    const bool isThere = sector < image.Size() / sectorSize &&
+                         image.Read(sector * sectorSize, header.data(), header.size()) &&
+                         header.starts_with("EFI PART");
+    return isThere ? header : "";
 }
 
 }  // namespace
@@ -58,6 +63,19 @@ void CheckLayout(const ImageFile& image, const TableLayout& layout) {
     }
     CheckApart(image, outer);
     CheckApart(image, layout.logicals);
+}
+
+void CheckGptLength(const ImageFile& image) {
+    constexpr uint64_t longest = 1024ULL * 1024;  // 64 times the usual one
+    const std::string first = GptHeaderAt(image, 1);
+    const std::string backup = GptHeaderAt(image, Le64(first, 32));
+    const std::string last = GptHeaderAt(image, image.Size() / sectorSize - 1);
+    for (const std::string& header : {first, backup, last}) {
+        const uint64_t length = uint64_t{Le32(header, 80)} * Le32(header, 84);
+        if (length > longest)
+            throw image.Error("the GUID partition table is damaged: its entries claim to take " +
+                              std::to_string(length) + " bytes");
+    }
 }
 
 void CheckBootIndicator(const ImageFile& image, size_t slot, const std::string& name) {
@@ -79,11 +97,11 @@ void CheckChain(const ImageFile& image, const Region& extended) {
             throw image.Error("the chain of logical partitions runs in a circle, " + where);
         if (!IsWithin({"", link, sectorSize}, extended))
             throw image.Error("the chain of logical partitions leaves the extended partition, " + where);
-        std::array<uint8_t, sectorSize> sector = {};
-        if (!image.Read(link, sector.data(), sector.size()) || sector[510] != 0x55 || sector[511] != 0xAA)
+        std::string sector(sectorSize, '\0');
+        if (!image.Read(link, sector.data(), sector.size()) || Le16(sector, 510) != 0xAA55)
             throw image.Error("the chain of logical partitions is damaged, " + where);
-        const uint8_t type = sector[secondEntry + 4];
-        const uint32_t next = LittleEndian32(&sector[secondEntry + 8]);
+        const uint8_t type = Byte(sector, secondEntry + 4);
+        const uint32_t next = Le32(sector, secondEntry + 8);
         if (type == 0) return;
         link = extended.offset + uint64_t{next} * sectorSize;
     }

@@ -28,6 +28,10 @@ struct TableLayout {
 // lies on the table, and for two that overlap.
 void CheckLayout(const ImageFile& image, const TableLayout& layout);
 
+// Throws ImageError when a header of a GUID partition table claims more entries than any disk has: reading
+// them would take as much memory, up to the size of the file.
+void CheckGptLength(const ImageFile& image);
+
 // Throws ImageError when the MBR's entry in that slot, 0 to 3, is neither active (0x80) nor not (0x00): what
 // a PC starts from such a table is anybody's guess. `name` is the partition's in the message.
 void CheckBootIndicator(const ImageFile& image, size_t slot, const std::string& name);

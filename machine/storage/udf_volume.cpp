@@ -139,7 +139,7 @@ std::optional<UdfVolume::FileEntry> UdfVolume::ReadFileEntry(uint64_t block) con
 }
 
 std::optional<std::string> UdfVolume::ReadContent(const FileEntry& entry) const {
-    if (entry.size > bytes_.Size()) return std::nullopt;
+    if (entry.size > std::min(bytes_.Size(), longestFile)) return std::nullopt;
     if (entry.form == formInside) {
         if (entry.size > entry.allocation.size()) return std::nullopt;
         return entry.allocation.substr(0, entry.size);

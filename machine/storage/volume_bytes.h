@@ -11,6 +11,10 @@
 
 namespace machine {
 
+// No file that a recovery application reads is longer: a longer one has a damaged length, and must not take
+// the memory of a sparse image's size.
+inline constexpr uint64_t longestFile = uint64_t{256} << 20;
+
 // A stretch of an image, in bytes.
 class VolumeBytes {
   public:

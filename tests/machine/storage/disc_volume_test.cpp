@@ -124,6 +124,21 @@ TEST_F(DiscVolumeTest, TruncatedDiscTellsWhatIsLostWhenItIsRead) {
     EXPECT_EQ(content, "as it was");
 }
 
+// On a file that takes no room on a disk, and would take as much memory as the length says.
+TEST_F(DiscVolumeTest, DamagedLengthOfAFileIsNotReadIntoMemory) {
+    const std::string image = MadeImage("disc-iso.iso");
+    const std::string bytes = ContentOf(image);
+    const size_t record = bytes.rfind("QELHDRCV.INI") - 33;
+    PatchByte(image, record + 13, 0x40);  // 1 GiB more
+    std::filesystem::resize_file(image, 8ULL * 1024 * MiB);
+    auto volume = Open<IsoVolume>(image);
+    std::string content = "as it was";
+
+    EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
+    EXPECT_EQ(volume.Read("sources/Qelhdrcv.ini", content), 1392u);
+    EXPECT_EQ(content, "as it was");
+}
+
 TEST_F(DiscVolumeTest, QuestionsLeaveTheDiscAsItWas) {
     for (const std::string name : {"disc-iso.iso", "disc-joliet.iso", "disc-udf.iso"}) {
         const std::string image = MadeImage(name);

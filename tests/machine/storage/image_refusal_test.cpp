@@ -125,6 +125,23 @@ TEST_F(ImageRefusalTest, TruncatedGptImage) {
     ExpectRefusedWith(image, "truncated");
 }
 
+// The memory for its entries would be as much as the file, which takes no room on a disk.
+TEST_F(ImageRefusalTest, GptWithMoreEntriesThanAnyDiskHas) {
+    const std::string claim =
+        "the GUID partition table is damaged: its entries claim to take 4294967168 bytes";
+    const std::string primary = FactoryGptImage();
+    const std::string backup = FactoryGptImage("backup.img");
+    const uint64_t lastSector = std::filesystem::file_size(backup) - 512;
+    PatchSectors(primary, 512 + 80, 0x1FFFFFF);
+    PatchSectors(backup, lastSector + 80, 0x1FFFFFF);
+
+    ExpectRefused(primary, claim);
+    ExpectRefused(backup, claim);
+    OutputOf("truncate -s 500G '" + primary + "' '" + backup + "'");
+    ExpectRefused(primary, claim);
+    ExpectRefused(backup, claim);
+}
+
 TEST_F(ImageRefusalTest, OverlappingPartitions) {
     const std::string image = FactoryMbrImage();
     PatchSectors(image, 446 + 2 * 16 + 8, 180 * 2048);  // partition 3 starts 1 MiB early
