@@ -22,7 +22,7 @@ struct OwnLength {
 
 // UDF says nothing of the kind.
 OwnLength OwnLengthOf(const std::string& fileSystem, const VolumeBytes& bytes) {
-    constexpr uint64_t discDescriptor = 16 * 2048;
+    constexpr uint64_t discDescriptor = 16ULL * 2048;
     const bool isDisc = fileSystem == "CDFS";
     const std::string sector = bytes.Read(isDisc ? discDescriptor : 0, 512).value_or("");
     if (isDisc) return {Le32(sector, 80), Le16(sector, 128)};
