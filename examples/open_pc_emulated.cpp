@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 
 #include "examples/open_pc.h"
 #include "machine/core/emulated_pc.h"
@@ -18,8 +19,10 @@ machine::Pc PcOf(const std::string& name) {
         if (named.name == (name.empty() ? "factory-gpt" : name)) return named.make();
     }
     if (name.ends_with(".json")) {
+        const std::ifstream file(name);
+        if (!file) throw std::runtime_error(name + ": cannot be read");
         std::ostringstream text;
-        text << std::ifstream(name).rdbuf();
+        text << file.rdbuf();
         return machine::ReadDescription(text.str(), name);
     }
     return machine::PcOfImages({name}, machine::SystemKind::WindowsPe, machine::ImageAccess::Write);

@@ -61,6 +61,7 @@ TEST_F(RecoveryExample, RefusesWhatIsNoPc) {
     const Outcome outcome = Run("nothing.img");
     EXPECT_EQ(outcome.status, 3);
     EXPECT_THAT(outcome.errors, HasSubstr("recovery: nothing.img"));
+    EXPECT_EQ(Run("nothing.json").errors, "recovery: nothing.json: cannot be read\n");
 }
 
 }  // namespace
