@@ -14,8 +14,9 @@ uint32_t WatchedStore::Remove(std::string_view path) {
 
 std::optional<std::string> WatchedStore::Content(const std::string& path) const {
     std::string content;
-    if (store_->Read(path, content) != 0) return std::nullopt;
-    return content;
+    if (store_->Read(path, content) == 0) return content;
+    if (store_->Find(path) == machine::FileKind::None) return std::nullopt;
+    return "(it cannot be read)";
 }
 
 void WatchedStore::Remember(std::string_view path) {

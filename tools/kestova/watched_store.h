@@ -20,7 +20,7 @@ class WatchedStore final : public machine::FileStore {
     uint32_t Write(std::string_view path, std::string_view content) override;
     uint32_t Remove(std::string_view path) override;
 
-    // A file's content, or nothing when there is no such file.
+    // A file's content, or that it cannot be read; nothing when there is no such file.
     std::optional<std::string> Content(const std::string& path) const;
     // The files that were written or removed, with what they held before.
     const std::map<std::string, std::optional<std::string>>& Touched() const { return touched_; }

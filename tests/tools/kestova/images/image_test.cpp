@@ -51,6 +51,35 @@ TEST_F(Image, StatusShowsItUnderWindowsPeAndWritesNothing) {
     EXPECT_TRUE(IsAsItWas());
 }
 
+// The record is a line or two. A file of its name that is larger than memory should be is never read.
+TEST_F(Image, OverlongRecordIsNeitherReadNorOverwrittenAndItsEndIsTold) {
+    WriteFile("make",
+              "set -e\n"
+              "source " KESTOVA_SOURCE_FOLDER
+              "/tests/images/volumes.sh\n"
+              "begin_image long.img 330\n"
+              "recovery_files $parts/files\n"
+              "echo >$parts/files/SystemVolume.ini\n"
+              "partition 'label: dos\nstart=1MiB, size=300MiB, type=27\nstart=310MiB, type=7, bootable'\n"
+              "put_ntfs Recovery 1 300 $parts/files\n"
+              "dd if=long.img of=volume bs=1M skip=1 count=300 conv=sparse\n"
+              "inode=$(ntfsls --force --inode volume | sed -n 's/ *\\([0-9]*\\) SystemVolume.ini/\\1/p')\n"
+              "ntfstruncate -f volume $inode 280000000\n"
+              "dd if=volume of=long.img bs=1M seek=1 conv=sparse,notrunc\n"
+              "end_image\n");
+    ASSERT_EQ(Shell("PATH=$PATH:/usr/sbin bash make 2>making").status, 0) << ReadFile("making");
+
+    const Outcome recovery = Kestova("--image long.img boot recovery");
+    EXPECT_EQ(recovery.status, 4);
+    EXPECT_EQ(recovery.output, "SetRcvprtActive() = 4: the record could not be written\nNothing changed.\n");
+    const Outcome system = Kestova("--image long.img boot system");
+    EXPECT_EQ(system.status, 0);
+    EXPECT_EQ(system.output,
+              "SetSystemActive() = 0: done, or there was nothing to do\n"
+              "Changed:\n"
+              "  disk 0, partition 1: file SystemVolume.ini deleted\n");
+}
+
 TEST_F(Image, BootRecoveryMovesTheFlagAndWritesTheRecord) {
     const Outcome outcome = Kestova("--image disk.img boot recovery");
     EXPECT_EQ(outcome.status, 0);
