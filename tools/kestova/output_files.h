@@ -11,5 +11,6 @@
 std::filesystem::path WriteTarget(const std::filesystem::path& file);
 
 // Throws WrongUse when --log or --save names an image, the script, or each other, when --log names the
-// description, and when --save names something that is no plain file or lies in no folder. `script` may be empty.
+// description, and when --save names something that is no plain file or lies in no folder. `script` may be
+// empty.
 void CheckOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script);
