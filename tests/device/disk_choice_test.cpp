@@ -200,6 +200,16 @@ TEST(GetFirstInternalDriveNumber, LargerOrderLoses) {
               (Choice{TRUE, 0, 0}));
 }
 
+// Disk 2 meets the order of disk 0, not that of disk 1, which lost.
+TEST(GetFirstInternalDriveNumber, DiskThatLosesLeavesTheBestOrder) {
+    for (const char* const loser : {"B", "C"}) {
+        EXPECT_EQ(Choose(HostedPc(
+                      Ordered({DiskOn(0, "A", 5), DiskOn(1, loser, 0), DiskOn(2, "B", 0)}, orderAThenB))),
+                  (Choice{TRUE, 0, 0}))
+            << loser;
+    }
+}
+
 TEST(GetFirstInternalDriveNumber, EqualOrderComparesTheDisks) {
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 5), DiskOn(1, "A", 2)}, orderAThenB))),
               (Choice{TRUE, 1, 0}));
