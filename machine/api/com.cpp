@@ -69,11 +69,12 @@ extern "C" void WINAPI CoUninitialize() {
 }
 
 // CO_E_NOTINITIALIZED: before CoInitializeEx; RPC_E_TOO_LATE: every time but the first.
-extern "C" HRESULT WINAPI CoInitializeSecurity(PSECURITY_DESCRIPTOR, LONG, SOLE_AUTHENTICATION_SERVICE*,
-                                               void*, DWORD authentication, DWORD impersonation, void*, DWORD,
-                                               void*) {
+extern "C" HRESULT WINAPI CoInitializeSecurity(PSECURITY_DESCRIPTOR, LONG services,
+                                               SOLE_AUTHENTICATION_SERVICE*, void*, DWORD authentication,
+                                               DWORD impersonation, void*, DWORD capabilities, void*) {
     return Answer<HRESULT>("CoInitializeSecurity",
-                           {std::to_string(authentication), std::to_string(impersonation)},
+                           {std::to_string(services), std::to_string(authentication),
+                            std::to_string(impersonation), Hex(capabilities)},
                            [&](EmulatedPc& pc) {
                                if (!IsInitialized(pc)) return CO_E_NOTINITIALIZED;
                                bool& set = pc.State<ComRuntime>().securitySet;
@@ -101,14 +102,14 @@ extern "C" HRESULT WINAPI CoCreateInstance(REFCLSID clsid, LPUNKNOWN outer, DWOR
 }
 
 // E_INVALIDARG: no proxy; E_NOINTERFACE: an object of this process, which has no proxy.
-extern "C" HRESULT WINAPI CoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWORD, OLECHAR*,
-                                            DWORD level, DWORD impersonation, RPC_AUTH_IDENTITY_HANDLE,
-                                            DWORD) {
-    return Answer<HRESULT>(
-        "CoSetProxyBlanket",
-        {std::to_string(authentication), std::to_string(level), std::to_string(impersonation)},
-        [&](EmulatedPc&) {
-            if (proxy == nullptr) return E_INVALIDARG;
-            return dynamic_cast<WmiLocator*>(proxy) == nullptr ? S_OK : E_NOINTERFACE;
-        });
+extern "C" HRESULT WINAPI CoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWORD authorization,
+                                            OLECHAR*, DWORD level, DWORD impersonation,
+                                            RPC_AUTH_IDENTITY_HANDLE, DWORD capabilities) {
+    return Answer<HRESULT>("CoSetProxyBlanket",
+                           {std::to_string(authentication), std::to_string(authorization),
+                            std::to_string(level), std::to_string(impersonation), Hex(capabilities)},
+                           [&](EmulatedPc&) {
+                               if (proxy == nullptr) return E_INVALIDARG;
+                               return dynamic_cast<WmiLocator*>(proxy) == nullptr ? S_OK : E_NOINTERFACE;
+                           });
 }

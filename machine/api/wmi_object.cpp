@@ -89,9 +89,9 @@ WmiObject::WmiObject(const std::vector<std::string>& names)
 
 WmiObject::WmiObject(WmiProperties properties) : WmiObject(nullptr, false, std::move(properties)) {}
 
-HRESULT WmiObject::Get(LPCWSTR name, LONG, VARIANT* value, CIMTYPE* type, LONG* flavor) {
+HRESULT WmiObject::Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type, LONG* flavor) {
     return Call("IWbemClassObject::Get", {ToUtf8(name)}, [&](EmulatedPc& pc) {
-        if (name == nullptr) return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
+        if (name == nullptr || flags != 0) return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
         const WmiValue* const property = FindProperty(properties_, ToUtf8(name));
         if (property == nullptr) return static_cast<HRESULT>(WBEM_E_NOT_FOUND);
         Empty(flavor);
@@ -103,9 +103,10 @@ HRESULT WmiObject::Get(LPCWSTR name, LONG, VARIANT* value, CIMTYPE* type, LONG* 
     });
 }
 
-HRESULT WmiObject::Put(LPCWSTR name, LONG, VARIANT* value, CIMTYPE) {
+HRESULT WmiObject::Put(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE type) {
     return Call("IWbemClassObject::Put", {ToUtf8(name)}, [&](EmulatedPc&) {
-        if (name == nullptr || value == nullptr) return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
+        if (name == nullptr || value == nullptr || flags != 0 || type != 0)
+            return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
         const auto property = std::find_if(properties_.begin(), properties_.end(), [&](const auto& known) {
             return SameName(known.first, ToUtf8(name));
         });
@@ -117,19 +118,21 @@ HRESULT WmiObject::Put(LPCWSTR name, LONG, VARIANT* value, CIMTYPE) {
     });
 }
 
-HRESULT WmiObject::SpawnInstance(LONG, IWbemClassObject** instance) {
+HRESULT WmiObject::SpawnInstance(LONG flags, IWbemClassObject** instance) {
     Empty(instance);
     return Call("IWbemClassObject::SpawnInstance", {}, [&](EmulatedPc& pc) {
-        if (instance == nullptr) return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
+        if (instance == nullptr || flags != 0) return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
         if (!spawns_) return static_cast<HRESULT>(WBEM_E_ILLEGAL_OPERATION);
         return HandOut<IWbemClassObject>(MakeObject<WmiObject>(pc, properties_), instance);
     });
 }
 
-HRESULT WmiObject::GetMethod(LPCWSTR name, LONG, IWbemClassObject** inputs, IWbemClassObject** outputs) {
+HRESULT WmiObject::GetMethod(LPCWSTR name, LONG flags, IWbemClassObject** inputs,
+                             IWbemClassObject** outputs) {
     Empty(inputs);
     Empty(outputs);
     return Call("IWbemClassObject::GetMethod", {ToUtf8(name)}, [&](EmulatedPc& pc) {
+        if (flags != 0) return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
         if (definition_ == nullptr) return static_cast<HRESULT>(WBEM_E_ILLEGAL_OPERATION);
         const WmiMethod* const method = FindMethod(*definition_, ToUtf8(name));
         if (method == nullptr) return static_cast<HRESULT>(WBEM_E_NOT_FOUND);

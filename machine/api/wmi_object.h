@@ -46,6 +46,7 @@ class WmiObjectBase : public ComInterface<IWbemClassObject> {
     static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
 };
 
+// The flags of its methods are reserved: every value but 0 is WBEM_E_INVALID_PARAMETER.
 class WmiObject final : public ComObject, public WmiObjectBase {
   public:
     // A class: its properties are absent, its methods can be asked for.
@@ -61,7 +62,8 @@ class WmiObject final : public ComObject, public WmiObjectBase {
     // WBEM_E_NOT_FOUND: no such property, and `value` is untouched, as on any failure.
     HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type,
                                   LONG* flavor) override;
-    // WBEM_E_NOT_FOUND: no such property; WBEM_E_TYPE_MISMATCH: a kind of value that none has.
+    // WBEM_E_NOT_FOUND: no such property; WBEM_E_TYPE_MISMATCH: a kind of value that none has;
+    // WBEM_E_INVALID_PARAMETER: a type, which is for properties of a new class.
     HRESULT STDMETHODCALLTYPE Put(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE type) override;
     // WBEM_E_ILLEGAL_OPERATION: this is an instance itself. The caller releases the instance.
     HRESULT STDMETHODCALLTYPE SpawnInstance(LONG flags, IWbemClassObject** instance) override;

@@ -52,11 +52,11 @@ HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR, const BSTR, c
     });
 }
 
-HRESULT WmiServices::GetObject(const BSTR path, LONG, IWbemContext*, IWbemClassObject** object,
+HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext*, IWbemClassObject** object,
                                IWbemCallResult**) {
     Empty(object);
     return Call("IWbemServices::GetObject", {ToUtf8(path)}, [&](EmulatedPc& pc) {
-        if (object == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
+        if (object == nullptr || flags != 0) return Code(WBEM_E_INVALID_PARAMETER);
         Located located;
         const HRESULT refusal = Locate(pc, space_, ToUtf8(path), located);
         if (refusal != S_OK) return refusal;
@@ -79,10 +79,11 @@ HRESULT WmiServices::CreateInstanceEnum(const BSTR className, LONG flags, IWbemC
         });
 }
 
-HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG, IWbemContext*,
+HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG flags, IWbemContext*,
                                 IWbemClassObject* inputs, IWbemClassObject** outputs, IWbemCallResult**) {
     Empty(outputs);
     return Call("IWbemServices::ExecMethod", {ToUtf8(path), ToUtf8(method)}, [&](EmulatedPc& pc) {
+        if (flags != 0) return Code(WBEM_E_INVALID_PARAMETER);
         Located located;
         const HRESULT refusal = Locate(pc, space_, ToUtf8(path), located);
         if (refusal != S_OK) return refusal;
@@ -100,17 +101,18 @@ HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG, IWbemC
     });
 }
 
-HRESULT WmiEnumerator::Next(LONG, ULONG count, IWbemClassObject** objects, ULONG* returned) {
+HRESULT WmiEnumerator::Next(LONG timeout, ULONG count, IWbemClassObject** objects, ULONG* returned) {
     if (objects != nullptr) std::fill_n(objects, count, nullptr);
     Empty(returned);
-    return Call("IEnumWbemClassObject::Next", {std::to_string(count)}, [&](EmulatedPc& pc) {
-        if (objects == nullptr || returned == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
-        while (*returned < count && position_ < instances_.size()) {
-            HandOut<IWbemClassObject>(MakeObject<WmiObject>(pc, instances_[position_++]),
-                                      &objects[(*returned)++]);
-        }
-        return *returned == count ? S_OK : Code(WBEM_S_FALSE);
-    });
+    return Call("IEnumWbemClassObject::Next", {std::to_string(timeout), std::to_string(count)},
+                [&](EmulatedPc& pc) {
+                    if (objects == nullptr || returned == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
+                    while (*returned < count && position_ < instances_.size()) {
+                        HandOut<IWbemClassObject>(MakeObject<WmiObject>(pc, instances_[position_++]),
+                                                  &objects[(*returned)++]);
+                    }
+                    return *returned == count ? S_OK : Code(WBEM_S_FALSE);
+                });
 }
 
 }  // namespace machine

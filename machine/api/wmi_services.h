@@ -92,7 +92,8 @@ class WmiServices final : public ComObject, public WmiServicesBase {
         : WmiServicesBase(*this, IID_IWbemServices, "IWbemServices"), space_(std::move(space)) {}
 
     // A class by its name, or an instance by its path; the caller releases it. WBEM_E_INVALID_OBJECT_PATH:
-    // malformed, or of another namespace; WBEM_E_NOT_FOUND: no such class or instance.
+    // malformed, or of another namespace; WBEM_E_NOT_FOUND: no such class or instance;
+    // WBEM_E_INVALID_PARAMETER: flags, none of which are known here.
     HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG flags, IWbemContext* context,
                                         IWbemClassObject** object, IWbemCallResult** callResult) override;
     // All instances as they are now, whatever the flags; the caller releases the list.
@@ -100,8 +101,8 @@ class WmiServices final : public ComObject, public WmiServicesBase {
     HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext* context,
                                                  IEnumWbemClassObject** enumerator) override;
     // Path errors as GetObject; WBEM_E_INVALID_METHOD: the class has no such method;
-    // WBEM_E_INVALID_PARAMETER: `inputs` is no object of WMI; else what the method itself answers. The caller
-    // releases the outputs.
+    // WBEM_E_INVALID_PARAMETER: flags, or `inputs` that are no object of WMI; else what the method itself
+    // answers. The caller releases the outputs.
     HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG flags,
                                          IWbemContext* context, IWbemClassObject* inputs,
                                          IWbemClassObject** outputs, IWbemCallResult** callResult) override;

@@ -29,6 +29,16 @@ TEST(GetScsiAddress, AddressOfTheDisk) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "4 Kestova CDiskDrive::GetScsiAddress End (0)\n");
 }
 
+TEST(GetScsiAddress, OpensTheDiskForReadingAndWritingByAll) {
+    const HostedPc pc(OneDisk());
+    SCSI_ADDRESS address = {};
+    CDiskDrive().GetScsiAddress(diskPath, address);
+    const auto opened = pc.emulated.journal.Calls("CreateFileW");
+    ASSERT_EQ(opened.size(), 1U);
+    EXPECT_THAT(opened[0].arguments,
+                testing::ElementsAre("\\\\.\\PHYSICALDRIVE0", "0xc0000000", "0x00000003", "OPEN_EXISTING"));
+}
+
 TEST(GetScsiAddress, NotOpened) {
     const HostedPc pc(OneDisk());
     SCSI_ADDRESS address = {};

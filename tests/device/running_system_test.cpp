@@ -57,6 +57,13 @@ TEST(IsWindowsPE, InstalledWindows) {
     EXPECT_EQ(IsPeWithOptions(" MINI NT"), FALSE);
 }
 
+TEST(IsWindowsPE, OpensTheControlKeyForReading) {
+    const HostedPc pc(machine::WinPeTwoDisks());
+    EXPECT_EQ(CDiskDrive().IsWindowsPE(), TRUE);
+    EXPECT_THAT(pc.emulated.journal.Calls("RegOpenKeyExW").at(0).arguments,
+                testing::ElementsAre("HKLM", "SYSTEM\\CurrentControlSet\\Control", "0x00020019"));
+}
+
 TEST(IsWindowsPE, NoSuchValue) {
     EXPECT_EQ(IsPeWithOptions(std::nullopt), FALSE);
 }
@@ -89,7 +96,9 @@ TEST(GetCurrentDriveNumber, OpensTheVolumeByItsDevicePath) {
     Find(pc);
     const auto opened = pc.emulated.journal.Calls("CreateFileW");
     ASSERT_EQ(opened.size(), 1U);
-    EXPECT_EQ(opened[0].arguments[0], "\\\\.\\C:");
+    EXPECT_THAT(opened[0].arguments,
+                testing::ElementsAre("\\\\.\\C:", "0xc0000000", "0x00000003", "OPEN_EXISTING"));
+    EXPECT_THAT(pc.emulated.journal.Calls("GetDriveTypeW").at(0).arguments, testing::ElementsAre("C:"));
 }
 
 TEST(GetCurrentDriveNumber, VolumeOnTwoExtents) {

@@ -123,7 +123,7 @@ TEST(Initialize, TwiceInOneProcess) {
     const auto calls = pc.emulated.journal.Calls("CoInitializeSecurity");
     ASSERT_EQ(calls.size(), 2U);
     EXPECT_EQ(calls[1].result, "0x80010119");  // RPC_E_TOO_LATE
-    EXPECT_THAT(calls[0].arguments, testing::ElementsAre("0", "3"));
+    EXPECT_THAT(calls[0].arguments, testing::ElementsAre("-1", "0", "3", "0x00000000"));
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
@@ -153,7 +153,7 @@ TEST(ConnectServer, OpensTheNamespace) {
     EXPECT_EQ(calls[0].arguments[0], "\\\\.\\root\\CIMV2");
     const auto blankets = pc.emulated.journal.Calls("CoSetProxyBlanket");
     ASSERT_EQ(blankets.size(), 1U);
-    EXPECT_THAT(blankets[0].arguments, testing::ElementsAre("10", "3", "3"));
+    EXPECT_THAT(blankets[0].arguments, testing::ElementsAre("10", "0", "3", "3", "0x00000000"));
     EXPECT_EQ(pc.emulated.journal.Calls("CoCreateInstance").at(0).arguments[1], "0x00000001");
 }
 

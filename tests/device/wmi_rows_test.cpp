@@ -156,6 +156,15 @@ TEST(EnumDiskDrive, AsksForwardOnlyAndAtOnce) {
                 testing::ElementsAre("Win32_DiskDrive", testing::AnyOf("0x00000030", "48")));
 }
 
+TEST(EnumDiskDrive, WaitsForEachDiskAsLongAsItTakes) {
+    ConnectedPc pc(TwoDisks());
+    pc.EnumerateDisks();
+    const auto calls = pc.emulated.journal.Calls("IEnumWbemClassObject::Next");
+    ASSERT_EQ(calls.size(), 3U);
+    for (const machine::CallRecord& call : calls)
+        EXPECT_THAT(call.arguments, testing::ElementsAre("-1", "1"));  // WBEM_INFINITE, one object
+}
+
 TEST(EnumDiskDrive, NextThatFailsEndsWithTheRowsSoFar) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IEnumWbemClassObject::Next", 0x80041001, 2);

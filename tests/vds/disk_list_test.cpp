@@ -49,6 +49,8 @@ TEST(QueryDisks, OnePackOfTwoDisksGivesBoth) {
     const Listed listed = List(session);
     EXPECT_EQ(listed.result, S_OK);
     EXPECT_EQ(listed.sizes, (Sizes{100, 200}));
+    EXPECT_EQ(session.pc.journal.Calls("IVdsService::QueryProviders").at(0).arguments,
+              (std::vector<std::string>{"0x00000001"}));  // software providers
     EXPECT_EQ(session.Records(), started);
     EXPECT_EQ(session.Left(2), Holdings());
 }

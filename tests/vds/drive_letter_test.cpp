@@ -119,6 +119,8 @@ TEST(SetDriveLetterAssign, CIsTheFirstWhenItIsFree) {
     session.Partition(5).volume->letters = "D";
     EXPECT_TRUE(session->SetDriveLetter(2, FLAG_ASSIGN));
     EXPECT_EQ(LetterOf(session), 'C');
+    EXPECT_EQ(session.pc.journal.Calls("GetLogicalDriveStringsW").at(0).arguments,
+              (std::vector<std::string>{"1024"}));
 }
 
 TEST(SetDriveLetterAssign, NoFreeLetterIsAnError) {

@@ -29,7 +29,9 @@ TEST(InitializeSecurity, AsksForImpersonation) {
     EXPECT_EQ(CVDSEx::InitializeSecurity(), S_OK);
     const auto calls = host.pc.journal.Calls("CoInitializeSecurity");
     ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].arguments, (std::vector<std::string>{"0", "3"}));  // default, impersonate
+    EXPECT_EQ(calls[0].arguments,
+              (std::vector<std::string>{"-1", "0", "3",
+                                        "0x00000000"}));  // any services, default, impersonate, none
     EXPECT_EQ(Transcript(host.pc.journal), "");
 }
 
@@ -57,6 +59,17 @@ TEST(GetVdsService, HandsOutAReadyService) {
     EXPECT_EQ(Transcript(host.pc.journal), "");
     EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsServiceLoader"), 0u);
     EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsService"), 0u);
+}
+
+TEST(GetVdsService, AsksALocalServerForTheServiceOfThisPc) {
+    Host host;
+    IVdsService* service = nullptr;
+    ASSERT_EQ(Connect(service), S_OK);
+    service->Release();
+    EXPECT_EQ(host.pc.journal.Calls("CoCreateInstance").at(0).arguments,
+              (std::vector<std::string>{"VdsLoader", "0x00000004"}));
+    EXPECT_EQ(host.pc.journal.Calls("IVdsServiceLoader::LoadService").at(0).arguments,
+              (std::vector<std::string>{""}));
 }
 
 TEST(GetVdsService, TellsTheFirstStepThatFailed) {

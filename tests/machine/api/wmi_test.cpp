@@ -220,6 +220,26 @@ TEST(GetObject, RefusesOtherPaths) {
               Code(WBEM_E_INVALID_PARAMETER));
 }
 
+TEST(GetObject, AndWhatItGivesKnowNoFlags) {
+    LampClient client;
+    const Held<IWbemClassObject> lamp = client.Object("Lamp");
+    Held<IWbemClassObject> none;
+    VARIANT value;
+    V_VT(&value) = VT_I4;
+    V_I4(&value) = 60;
+    const HRESULT refused = Code(WBEM_E_INVALID_PARAMETER);
+    EXPECT_EQ(client.services->GetObject(SystemString("Lamp").Get(), 1, nullptr, none.Put(), nullptr),
+              refused);
+    EXPECT_EQ(client.services->ExecMethod(SystemString("Lamp").Get(), SystemString("Switch").Get(), 1,
+                                          nullptr, nullptr, none.Put(), nullptr),
+              refused);
+    EXPECT_EQ(lamp->Get(TEXT("Watts"), 1, &value, nullptr, nullptr), refused);
+    EXPECT_EQ(lamp->Put(TEXT("Watts"), 1, &value, 0), refused);
+    EXPECT_EQ(lamp->Put(TEXT("Watts"), 0, &value, CIM_SINT32), refused);
+    EXPECT_EQ(lamp->SpawnInstance(1, none.Put()), refused);
+    EXPECT_EQ(lamp->GetMethod(TEXT("Switch"), 1, none.Put(), nullptr), refused);
+}
+
 TEST(PropertyGet, TellsValuesByTheirKinds) {
     LampClient client;
     const Held<IWbemClassObject> hall = client.Object("Lamp.DeviceID='\\\\?\\hall\\'");
