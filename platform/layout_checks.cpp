@@ -122,6 +122,7 @@ static_assert(sizeof(CHANGE_PARTITION_TYPE_PARAMETERS) == 20);
 static_assert(offsetof(CHANGE_PARTITION_TYPE_PARAMETERS, style) == 0);
 static_assert(offsetof(CHANGE_PARTITION_TYPE_PARAMETERS, MbrPartInfo) == 4);
 static_assert(offsetof(CHANGE_PARTITION_TYPE_PARAMETERS, GptPartInfo) == 4);
+
 // --- records and codes of the device controls ---
 
 static_assert(IOCTL_SCSI_GET_ADDRESS == 0x00041018);
@@ -190,6 +191,7 @@ static_assert(offsetof(PARTITION_INFORMATION_GPT, PartitionType) == 0);
 static_assert(offsetof(PARTITION_INFORMATION_GPT, PartitionId) == 16);
 static_assert(offsetof(PARTITION_INFORMATION_GPT, Attributes) == 32);
 static_assert(offsetof(PARTITION_INFORMATION_GPT, Name) == 40);
+
 // --- what device set-up and WMI exchange ---
 
 static_assert(SPDRP_LOCATION_INFORMATION == 13);

@@ -7,8 +7,7 @@
 
 #include "platform/windows_api.h"
 
-// --- identifiers
-// ---------------------------------------------------------------------------------------------
+// --- identifiers ---
 
 inline constexpr GUID CLSID_VdsLoader = {
     0x9c38ed61, 0xd565, 0x4728, {0xae, 0xee, 0xc8, 0x09, 0x52, 0xf0, 0xec, 0xde}};
@@ -31,8 +30,7 @@ inline constexpr GUID IID_IVdsAdvancedDisk2 = {
 inline constexpr GUID IID_IVdsVolumeMF = {
     0xee2d5ded, 0x6236, 0x4169, {0x93, 0x1d, 0xb9, 0x77, 0x8c, 0xe0, 0x3d, 0xc6}};
 
-// --- enumerations
-// --------------------------------------------------------------------------------------------
+// --- enumerations ---
 
 using VDS_OBJECT_ID = GUID;
 
@@ -97,8 +95,7 @@ using VDS_VOLUME_TYPE = int;
 inline constexpr VDS_DISK_STATUS VDS_DS_ONLINE = 1;
 inline constexpr VDS_HEALTH VDS_H_HEALTHY = 1;
 
-// --- result codes
-// --------------------------------------------------------------------------------------------
+// --- result codes ---
 
 inline constexpr HRESULT VDS_E_NOT_SUPPORTED = static_cast<HRESULT>(0x80042400);
 inline constexpr HRESULT VDS_E_INITIALIZED_FAILED = static_cast<HRESULT>(0x80042401);
@@ -119,8 +116,7 @@ inline constexpr HRESULT VDS_E_PARTITION_STYLE_MISMATCH = static_cast<HRESULT>(0
 inline constexpr HRESULT VDS_E_PARTITION_MSR = static_cast<HRESULT>(0x8004258C);
 inline constexpr HRESULT VDS_E_PARTITION_LDM = static_cast<HRESULT>(0x8004258D);
 
-// --- records
-// -------------------------------------------------------------------------------------------------
+// --- records ---
 
 struct VDS_DISK_PROP {
     VDS_OBJECT_ID id;
@@ -239,9 +235,10 @@ struct VDS_LUN_INFORMATION;
 struct VDS_REPARSE_POINT_PROP;
 struct CREATE_PARTITION_PARAMETERS;
 
-// --- interfaces
-// ---------------------------------------------------------------------------------------------- Every method
-// stands in its published slot. Object ids go by value. Interfaces handed out belong to the receiver.
+// --- interfaces ---
+
+// Every method stands in its published slot. Object ids go by value. Interfaces handed out belong to the
+// receiver.
 
 struct IVdsAsync;
 struct IVdsProvider;

@@ -36,8 +36,7 @@ struct Fact {
     bool operator==(const Fact&) const = default;
 };
 
-// --- volumes
-// ---------------------------------------------------------------------------------------------------
+// --- volumes ---
 
 // A piece of a disk that a volume lies on.
 struct Extent {
@@ -76,8 +75,7 @@ struct Volume {
     bool operator==(const Volume&) const = default;
 };
 
-// --- disks
-// -----------------------------------------------------------------------------------------------------
+// --- disks ---
 
 enum class PartitionStyle { Unknown, Mbr, Gpt };
 
@@ -143,8 +141,7 @@ struct Pack {
     bool operator==(const Pack&) const = default;
 };
 
-// --- the machine
-// -----------------------------------------------------------------------------------------------
+// --- the machine ---
 
 enum class FirmwareKind { Bios, Uefi };
 

@@ -9,8 +9,7 @@ namespace machine {
 
 namespace {
 
-// --- the boot sector
-// ----------------------------------------------------------------------------------------------
+// --- the boot sector ---
 
 constexpr uint64_t bootSectorSize = 512;
 constexpr uint64_t entrySize = 32;
@@ -25,8 +24,7 @@ bool IsPowerOfTwo(uint64_t number, uint64_t least, uint64_t most) {
     return std::has_single_bit(number) && number >= least && number <= most;
 }
 
-// --- folder entries
-// -----------------------------------------------------------------------------------------------
+// --- folder entries ---
 
 constexpr uint8_t endOfFolder = 0x00;
 constexpr uint8_t deletedEntry = 0xE5;
@@ -102,8 +100,7 @@ class LongName {
 
 }  // namespace
 
-// --- the volume
-// ---------------------------------------------------------------------------------------------------
+// --- the volume ---
 
 FatVolume::FatVolume(VolumeBytes bytes) : bytes_(std::move(bytes)), layout_(ReadLayout(bytes_)) {}
 

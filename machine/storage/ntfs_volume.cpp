@@ -57,8 +57,7 @@ uint32_t PlatformError(int error) {
     }
 }
 
-// --- the device: a stretch of the image
-// ----------------------------------------------------------------------------
+// --- the device: a stretch of the image ---
 
 struct ImageRange {
     ImageFile& image;
@@ -161,8 +160,7 @@ int DeviceControl(ntfs_device*, unsigned long, void*) {
 ntfs_device_operations imageOperations = {DeviceOpen,   DeviceClose,   DeviceSeek, DeviceRead, DeviceWrite,
                                           DeviceReadAt, DeviceWriteAt, DeviceSync, DeviceStat, DeviceControl};
 
-// --- names and open files
-// ------------------------------------------------------------------------------------------
+// --- names and open files ---
 
 struct SplitPath {
     std::string folder;
@@ -250,8 +248,7 @@ uint32_t WriteContent(ntfs_inode& inode, std::string_view content) {
 
 }  // namespace
 
-// --- the open volume
-// -----------------------------------------------------------------------------------------------
+// --- the open volume ---
 
 class NtfsVolume::Mount {
   public:

@@ -65,8 +65,7 @@ struct UdfVolume::FileEntry {
     std::string allocation;  // the descriptors, or the file itself
 };
 
-// --- the way to the root folder
-// ------------------------------------------------------------------------------------
+// --- the way to the root folder ---
 
 UdfVolume::UdfVolume(VolumeBytes bytes) : bytes_(std::move(bytes)) {
     root_.isFolder = true;
@@ -113,8 +112,7 @@ bool UdfVolume::ReadRoot(std::string_view logicalVolume, std::string_view partit
     return IsReadable();
 }
 
-// --- files and folders
-// --------------------------------------------------------------------------------------------
+// --- files and folders ---
 
 std::optional<std::string> UdfVolume::ReadBlocks(uint64_t block, uint64_t length) const {
     if (block + (length + sectorSize - 1) / sectorSize > sectors_) return std::nullopt;
