@@ -55,6 +55,8 @@ void AppendText(std::string& line, const std::basic_string<WCHAR>& text) {
             line += "\\r";
         } else if (character == U'\n') {
             line += "\\n";
+        } else if (character == U'\0') {
+            line += "\\0";
         } else {
             AppendUtf8(line, character);
         }

@@ -13,8 +13,8 @@ struct LogStamp {
 };
 
 // "2026-11-21T08:15:30.042Z 1234 5678 TRACE text", in UTF-8, with CR and LF at the end. A level without a
-// name is its number. Line breaks in the text are written "\r" and "\n", so that a record is one line; half a
-// surrogate pair is written U+FFFD.
+// name is its number. Line breaks in the text are written "\r" and "\n", so that a record is one line, and a
+// NUL "\0", so that the file is text; half a surrogate pair is written U+FFFD.
 std::string LogLine(const LogStamp& stamp, const LogEntry& entry);
 
 // The highest level that is written: the digits of the setting, from 0 (nothing) on. Without a setting, and

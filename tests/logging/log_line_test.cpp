@@ -51,6 +51,10 @@ TEST(LogLine, StaysOneLineWhateverTheText) {
     EXPECT_TRUE(LineOf(1, TEXT("one\r\ntwo\n")).ends_with("ERROR one\\r\\ntwo\\n\r\n"));
 }
 
+TEST(LogLine, StaysTextWithALetterThatIsNone) {
+    EXPECT_TRUE(LineOf(1, std::basic_string<WCHAR>(1, 0)).ends_with("ERROR \\0\r\n"));
+}
+
 TEST(HighestLevel, IsTheNumberOfTheSetting) {
     EXPECT_EQ(HighestLevel(TEXT("0")), 0);
     EXPECT_EQ(HighestLevel(TEXT("1")), LOG_LEVEL_ERROR);
