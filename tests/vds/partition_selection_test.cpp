@@ -254,6 +254,15 @@ TEST(GetVolumeLabel, SecondLabelDropsTheVolumeOfTheFirst) {
     EXPECT_EQ(session.Left(1), (Holdings{{"IVdsVolumeMF", 1}}));
 }
 
+TEST(GetVolumeLabel, DropsTheVolumeOfTheOneBeforeEvenWhenItFindsNone) {
+    SelectedDisk session;
+    session->SelectPartition(2);
+    EXPECT_EQ(Label(session), "Windows");
+    session->SelectPartition(1);  // hidden: an extent without a volume
+    EXPECT_EQ(Label(session), "(none)");
+    EXPECT_EQ(session.Left(1), (Holdings{{"IVdsVolumeMF", 1}}));
+}
+
 TEST(GetGPTPartitionType, TellsTheTypeOfTheSelectedPartition) {
     SelectedDisk session(machine::FactoryGpt());
     session->SelectPartition(3);
