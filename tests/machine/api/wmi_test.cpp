@@ -220,7 +220,7 @@ TEST(GetObject, RefusesOtherPaths) {
               Code(WBEM_E_INVALID_PARAMETER));
 }
 
-TEST(GetObject, AndWhatItGivesKnowNoFlags) {
+TEST(ReservedFlags, AreRefused) {
     LampClient client;
     const Held<IWbemClassObject> lamp = client.Object("Lamp");
     Held<IWbemClassObject> none;
