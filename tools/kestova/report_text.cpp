@@ -38,9 +38,9 @@ std::string ValueText(const Json& value, const std::vector<Meaning>& meanings, c
 
 std::string TraceLine(const Json& entry) {
     if (entry.contains("text")) {
-        return "  log " + entry["level"].dump() + "  " + entry["text"].get<std::string>() + "\n";
+        return "  log " + entry["level"].dump() + "  " + OneLine(entry["text"].get<std::string>()) + "\n";
     }
-    return "  " + entry["call"].get<std::string>() + "(" + Joined(entry["arguments"]) +
+    return "  " + entry["call"].get<std::string>() + "(" + OneLine(Joined(entry["arguments"])) +
            ") = " + entry["result"].get<std::string>() + (entry.contains("injected") ? "  (injected)" : "") +
            "\n";
 }

@@ -11,7 +11,7 @@ Json LogRecordJson(const LogEntry& entry) {
 void LogCollector::Write(const LogEntry& entry) {
     const Json& record = records_.emplace_back(LogRecordJson(entry));
     if (file_ != nullptr)
-        *file_ << entry.level << '\t' << record["text"].get_ref<const std::string&>() << '\n';
+        *file_ << entry.level << '\t' << OneLine(record["text"].get_ref<const std::string&>()) << '\n';
 }
 
 Json LogCollector::Take() {

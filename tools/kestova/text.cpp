@@ -29,6 +29,26 @@ std::string UpperCase(std::string_view text) {
     return upper;
 }
 
+std::string OneLine(std::string_view text) {
+    std::string line;
+    for (const char unit : text) {
+        switch (unit) {
+            case '\r':
+                line += "\\r";
+                break;
+            case '\n':
+                line += "\\n";
+                break;
+            case '\0':
+                line += "\\0";
+                break;
+            default:
+                line += unit;
+        }
+    }
+    return line;
+}
+
 std::string Count(size_t count, std::string_view noun) {
     return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }

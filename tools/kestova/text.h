@@ -13,6 +13,9 @@ std::string LetterText(WCHAR letter);
 
 std::string UpperCase(std::string_view text);
 
+// On one line and without NUL: `\r`, `\n` and `\0` are written out, as in the log's file.
+std::string OneLine(std::string_view text);
+
 // "1 argument", "2 arguments".
 std::string Count(size_t count, std::string_view noun);
 

@@ -149,6 +149,16 @@ TEST_F(Log, HasALineForEachRecordOfTheObjectsLife) {
               "4\tKestova::CleanMap\tEnd\n4\tKestova::~Kestova\tEnd\n");
 }
 
+TEST_F(Log, HasOneLineForARecordWithNul) {
+    WriteFile(
+        "pc.json",
+        R"({"encryptableVolumes": [{"deviceId": "\\\\?\\Volume{1}\\", "encryptionMethod": "aes-256"}]})");
+    EXPECT_EQ(Kestova("--pc pc.json --log log call GetEncryptVolume").status, 0);
+    EXPECT_THAT(ReadFile("log"), HasSubstr("\n4\tKestova::GetEncryptVolume\tEnd. cDriveLetter = \\0\n"));
+    EXPECT_THAT(Kestova("--pc pc.json --trace call GetEncryptVolume").output,
+                HasSubstr("\n  log 4  Kestova::GetEncryptVolume\tEnd. cDriveLetter = \\0\n"));
+}
+
 TEST_F(Log, ShownBesideJsonGoesToStandardError) {
     const Outcome outcome = Kestova("--pc factory-mbr --json --log - call GetDriveLetter 0 2");
     EXPECT_THAT(outcome.output, StartsWith("{\"operation\""));
