@@ -30,7 +30,7 @@ machine::Pc ThreeKinds() {
     return PcWithDisks({ide, scsi, usb});
 }
 
-machine::Pc DisksWithLocations(std::vector<std::optional<std::string>> locations) {
+machine::Pc DisksWithLocations(const std::vector<std::optional<std::string>>& locations) {
     std::vector<machine::Disk> disks;
     for (const auto& location : locations) {
         disks.push_back(BareDisk(static_cast<uint32_t>(disks.size())));

@@ -56,7 +56,7 @@ TEST_F(OwnerTest, MoveOntoAFullOneReleasesWhatWasThere) {
         full = std::move(source);
         EXPECT_EQ(released, Released{1});
         EXPECT_EQ(full.Get(), 2);
-        EXPECT_FALSE(source);
+        EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move): what is asserted
     }
     EXPECT_EQ(released, (Released{1, 2}));
 }
@@ -65,7 +65,7 @@ TEST_F(OwnerTest, MoveConstructionLeavesTheSourceEmpty) {
     {
         OwnedNumber source(3);
         const OwnedNumber taken(std::move(source));
-        EXPECT_FALSE(source);
+        EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move): what is asserted
         EXPECT_EQ(taken.Get(), 3);
     }
     EXPECT_EQ(released, Released{3});

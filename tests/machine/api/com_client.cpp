@@ -27,7 +27,7 @@ namespace {
 std::string DiskName(IUnknown* object) {
     VDS_DISK_PROP properties{};
     EXPECT_EQ(Ask<IVdsDisk>(object, IID_IVdsDisk)->GetProperties(&properties), S_OK);
-    const std::string name = ToUtf8(properties.pwszName);
+    std::string name = ToUtf8(properties.pwszName);
     FreeStrings(properties);
     return name;
 }
@@ -153,9 +153,9 @@ std::string TextOf(IWbemClassObject* object, const std::string& name) {
     VARIANT value;
     VariantInit(&value);
     if (object->Get(machine::ToWide(name).c_str(), 0, &value, nullptr, nullptr) != S_OK) return "?";
-    const std::string text = V_VT(&value) == VT_BSTR   ? ToUtf8(V_BSTR(&value))
-                             : V_VT(&value) == VT_NULL ? "null"
-                                                       : "?";
+    std::string text = V_VT(&value) == VT_BSTR   ? ToUtf8(V_BSTR(&value))
+                       : V_VT(&value) == VT_NULL ? "null"
+                                                 : "?";
     VariantClear(&value);
     return text;
 }

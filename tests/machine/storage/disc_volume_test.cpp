@@ -19,7 +19,7 @@ class DiscVolumeTest : public ImageTest {
     // A disc that holds a folder with these files of the shell's making.
     std::string DiscOf(const std::string& script, const std::string& options) {
         const std::string folder = (Folder() / "content").string();
-        const std::string disc = (Folder() / "disc.iso").string();
+        std::string disc = (Folder() / "disc.iso").string();
         OutputOf("mkdir '" + folder + "' && cd '" + folder + "' && " + script);
         OutputOf("genisoimage -quiet " + options + " -o '" + disc + "' '" + folder + "' 2>&1");
         return disc;

@@ -10,7 +10,6 @@ namespace machine {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 class AttachImageTest : public ImageTest {};
 class PcOfImagesTest : public ImageTest {};

@@ -32,7 +32,7 @@ const fs::path& ImageTest::Folder() {
 }
 
 std::string ImageTest::CopyOf(const std::string& made, const std::string& name) {
-    const std::string copy = (Folder() / name).string();
+    std::string copy = (Folder() / name).string();
     OutputOf("cp --sparse=always '" + std::string(KESTOVA_TEST_IMAGES) + "/" + made + "' '" + copy + "'");
     return copy;
 }
@@ -46,14 +46,14 @@ std::string ImageTest::FactoryGptImage(const std::string& name) {
 }
 
 std::string ImageTest::PartitionedImage(int sizeMiB, const std::string& script) {
-    const std::string image = (Folder() / "partitioned.img").string();
+    std::string image = (Folder() / "partitioned.img").string();
     OutputOf("truncate -s " + std::to_string(sizeMiB) + "M '" + image + "'");
     OutputOf("printf '" + script + "' | /usr/sbin/sfdisk --quiet '" + image + "'");
     return image;
 }
 
 std::string ImageTest::PartitionFile(const std::string& image, int startMiB, int sizeMiB) {
-    const std::string file = (Folder() / ("partition-at-" + std::to_string(startMiB))).string();
+    std::string file = (Folder() / ("partition-at-" + std::to_string(startMiB))).string();
     fs::remove(file);
     OutputOf("dd if='" + image + "' of='" + file + "' bs=1M skip=" + std::to_string(startMiB) +
              " count=" + std::to_string(sizeMiB) + " conv=sparse status=none");

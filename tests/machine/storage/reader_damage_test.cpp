@@ -21,7 +21,7 @@ class ReaderDamageTest : public ImageTest {
         const Disk disk = Attach(MadeImage("installed-windows.img"));
         std::string content;
         EXPECT_EQ(disk.partitions[1].volume->store->Read("Windows/System32/config/SYSTEM", content), 0u);
-        const std::string file = (Folder() / "hive").string();
+        std::string file = (Folder() / "hive").string();
         std::ofstream(file, std::ios::binary) << content;
         return file;
     }
