@@ -51,7 +51,7 @@ function(kestova_dll)
   # The module's entry point must not be left to a library, where MSVC's runtime has one as well.
   add_library(Kestova SHARED $<TARGET_OBJECTS:kestova_manager> $<TARGET_OBJECTS:kestova_diag>)
   set_target_properties(Kestova PROPERTIES PREFIX "" LINKER_LANGUAGE CXX)
-  target_link_libraries(Kestova PRIVATE kestova_vds kestova_device kestova_diag kestova_text kestova_logging
+  target_link_libraries(Kestova PRIVATE kestova_vds kestova_device kestova_diag kestova_base kestova_logging
     PUBLIC kestova_platform)
   if(MINGW)
     target_link_libraries(Kestova PRIVATE kestova_runtime)

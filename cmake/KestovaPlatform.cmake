@@ -10,8 +10,6 @@ else()
   find_path(KESTOVA_WINE_HEADERS windows.h PATHS /usr/include/wine/wine/windows /usr/include/wine/windows
     NO_DEFAULT_PATH REQUIRED DOC "The Wine development headers (package libwine-dev)")
   target_include_directories(kestova_platform SYSTEM INTERFACE ${KESTOVA_WINE_HEADERS})
-  # Here the emulated PC answers the platform's calls.
-  target_link_libraries(kestova_platform INTERFACE $<LINK_ONLY:kestova_machine>)
 endif()
 
 if(MSVC)

@@ -2,9 +2,9 @@
 // of the first internal one.
 #pragma once
 
+#include "base/wide_string.h"
 #include "device/owners.h"
 #include "platform/windows_api.h"
-#include "text/wide_string.h"
 
 inline constexpr int MAX_DISK_DRIVES = 64;
 

@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/scan.h"
 #include "device/controller_path.h"
 #include "device/disk_drive.h"
 #include "device/disk_location.h"
 #include "device/wmi_ex.h"
 #include "diag/log_record.h"
-#include "text/scan.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "device/disk_location.h"
 
+#include "base/scan.h"
 #include "device/disk_drive.h"
 #include "diag/log_record.h"
-#include "text/scan.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // The volumes that BitLocker has encrypted.
 #pragma once
 
+#include "base/wide_string.h"
 #include "platform/windows_api.h"
-#include "text/wide_string.h"
 
 inline constexpr int encryptVolumeCapacity = 32;
 

@@ -1,8 +1,8 @@
 #include "device/ide_ini.h"
 
+#include "base/format.h"
 #include "device/disk_drive.h"
 #include "diag/log_record.h"
-#include "text/format.h"
 
 namespace {
 

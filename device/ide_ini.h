@@ -2,8 +2,8 @@
 // beginning of a controller's PNP device id.
 #pragma once
 
+#include "base/wide_string.h"
 #include "platform/windows_api.h"
-#include "text/wide_string.h"
 
 // Where IDE.INI is looked for: the folder of the host process's executable, also when its file name
 // does not fit into 260 units. Empty when the platform does not tell it. Rests on GetModuleFileNameW.

@@ -3,8 +3,8 @@
 
 #include <utility>
 
+#include "base/wide_string.h"
 #include "platform/windows_api.h"
-#include "text/wide_string.h"
 
 // Owns one resource, or none. `Resource` names its type, the value that means none, and its release.
 template <typename Resource>

@@ -1,7 +1,7 @@
 // What the running Windows is and where it lies.
+#include "base/format.h"
 #include "device/device_handle.h"
 #include "device/disk_drive.h"
-#include "text/format.h"
 
 BOOL CDiskDrive::IsWindowsPE() {
     HKEY key = nullptr;

@@ -3,8 +3,8 @@
 
 #include <vector>
 
+#include "base/wide_string.h"
 #include "platform/windows_api.h"
-#include "text/wide_string.h"
 
 // Stateless. COM must be initialised on the calling thread; every interface handed out belongs to the caller.
 // A failure is a negative code, handed back as the platform gave it, after a record; a call that succeeds but

@@ -1,8 +1,8 @@
 // A diagnostic record as one expression: LogRecord(LOG_LEVEL_TRACE).Text(TEXT("... bRet = ")).Int(bRet);
 #pragma once
 
+#include "base/wide_string.h"
 #include "logging/logging.h"
-#include "text/wide_string.h"
 
 // Begins a record when it is made and ends it, after the empty text that closes every record, when the
 // expression ends. The logger is fetched afresh both times and never kept. Nothing is allocated here.

@@ -7,10 +7,10 @@
 #include <stdexcept>
 
 #include "examples/open_pc.h"
-#include "machine/core/emulated_pc.h"
-#include "machine/model/description.h"
-#include "machine/model/machines.h"
-#include "machine/storage/disk_image.h"
+#include "machine/description/description.h"
+#include "machine/facts/machines.h"
+#include "machine/journal/emulated_pc.h"
+#include "machine/media/disk_image.h"
 
 namespace {
 

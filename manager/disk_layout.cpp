@@ -1,9 +1,9 @@
 // How the first internal disk is laid out: its partition style, and which of the known layouts it has.
 
+#include "base/wide_string.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"
-#include "text/wide_string.h"
 #include "vds/vds_partition.h"
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include <iterator>
 
+#include "base/format.h"
 #include "diag/log_record.h"
-#include "text/format.h"
 
 DrivePath::DrivePath(WCHAR letter, const WCHAR* below) {
     FormatInto(text, std::size(text), TEXT("%c:"), letter);

@@ -6,12 +6,12 @@
 #include <memory>
 #include <new>
 
+#include "base/format.h"
+#include "base/wide_string.h"
 #include "device/owners.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"
-#include "text/format.h"
-#include "text/wide_string.h"
 
 namespace {
 

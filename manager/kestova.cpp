@@ -6,10 +6,10 @@
 #include <new>
 #include <vector>
 
+#include "base/format.h"
 #include "device/encrypt_volume.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
-#include "text/format.h"
 #include "vds/vds_partition.h"
 
 // Part of the object's layout and lifetime; no operation uses one.

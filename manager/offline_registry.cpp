@@ -3,9 +3,9 @@
 
 #include <string>
 
+#include "base/wide_string.h"
 #include "device/owners.h"
 #include "manager/kestova.h"
-#include "text/wide_string.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 #include "manager/system_volume_ini.h"
 
+#include "base/format.h"
+#include "base/scan.h"
+#include "base/wide_string.h"
 #include "diag/log_record.h"
 #include "manager/kestova.h"
 #include "manager/recovery_media.h"
-#include "text/format.h"
-#include "text/scan.h"
-#include "text/wide_string.h"
 #include "vds/vds_partition.h"
 
 namespace {

@@ -2,12 +2,12 @@
 
 #include <iterator>
 
+#include "base/format.h"
 #include "device/owners.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/drive.h"
 #include "manager/kestova.h"
-#include "text/format.h"
 
 namespace {
 

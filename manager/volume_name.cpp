@@ -1,10 +1,10 @@
 // Volumes by their names.
 
+#include "base/format.h"
+#include "base/wide_string.h"
 #include "diag/log_record.h"
 #include "manager/drive.h"
 #include "manager/kestova.h"
-#include "text/format.h"
-#include "text/wide_string.h"
 
 namespace {
 

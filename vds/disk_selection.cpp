@@ -1,6 +1,6 @@
 // Selecting a disk by its number.
-#include "text/scan.h"
-#include "text/wide_string.h"
+#include "base/scan.h"
+#include "base/wide_string.h"
 #include "vds/disk_list.h"
 #include "vds/failure_record.h"
 #include "vds/vds_ex.h"

@@ -1,7 +1,7 @@
 // Reading, giving and taking the drive letter of a partition of the first internal disk.
 #include <algorithm>
 
-#include "text/wide_string.h"
+#include "base/wide_string.h"
 #include "vds/first_disk_query.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // The label of the volume on the selected partition.
-#include "text/wide_string.h"
+#include "base/wide_string.h"
 #include "vds/failure_record.h"
 #include "vds/vds_ex.h"
 #include "vds/vds_partition.h"

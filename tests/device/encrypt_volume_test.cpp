@@ -38,7 +38,7 @@ EncryptableVolume Refusing(const std::string& letter) {
 // A PC whose BitLocker lists these volumes, and what the query found there.
 struct Query : HostedPc {
     explicit Query(std::vector<EncryptableVolume> volumes) : HostedPc(PcWithDisks({})) {
-        emulated.pc.encryptableVolumes = std::move(volumes);
+        emulated.facts.encryptableVolumes = std::move(volumes);
     }
     BOOL Ask() {
         SetLastError(ERROR_NOT_READY);
@@ -131,7 +131,7 @@ TEST(GetEncryptVolume, HasRoomForThirtyTwo) {
 
 TEST(GetEncryptVolume, FailsWithoutBitLockerAndForgetsWhatTheRecordHeld) {
     Query query({});
-    query.emulated.pc.encryptableVolumes.reset();
+    query.emulated.facts.encryptableVolumes.reset();
     query.record.VolumeCount = 7;
     EXPECT_EQ(query.Ask(), 0);
     EXPECT_EQ(query.record.VolumeCount, 0);

@@ -3,8 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include "machine/core/emulated_pc.h"
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
+#include "machine/journal/emulated_pc.h"
 
 // When it goes, everything that was lent must have been given back.
 class HostedPc {

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "base/utf.h"
 #include "device/owners.h"
-#include "machine/api/wmi_class.h"
-#include "machine/core/utf.h"
+#include "machine/api/wmi/class.h"
 #include "tests/device/hosted_pc.h"
 #include "tests/support/transcript.h"
 
@@ -60,8 +60,8 @@ struct LampPc : HostedPc {
 
     HRESULT Exec(const WCHAR* method, const std::vector<WideString>* inputNames = nullptr,
                  VARIANT* inputs = nullptr) {
-        return CWMIEx::ExecMethod(services.Get(), TEXT("Test_Lamp"), method, machine::ToWide(path),
-                                  inputNames, inputs, output.Put(), returnValue.Put());
+        return CWMIEx::ExecMethod(services.Get(), TEXT("Test_Lamp"), method, ToWide(path), inputNames, inputs,
+                                  output.Put(), returnValue.Put());
     }
     HRESULT SetColor() { return Exec(TEXT("SetColor"), &names, colors); }
     size_t Count(const char* call) { return emulated.journal.Calls(call).size(); }
@@ -278,8 +278,8 @@ TEST(ExecMethod, OneListWithoutTheOther) {
 TEST(ExecMethod, UnknownClass) {
     LampPc pc;
     SetLastError(ERROR_NOT_READY);
-    EXPECT_EQ(CWMIEx::ExecMethod(pc.services.Get(), TEXT("Test_None"), TEXT("Blink"), machine::ToWide(path),
-                                 nullptr, nullptr, pc.output.Put(), pc.returnValue.Put()),
+    EXPECT_EQ(CWMIEx::ExecMethod(pc.services.Get(), TEXT("Test_None"), TEXT("Blink"), ToWide(path), nullptr,
+                                 nullptr, pc.output.Put(), pc.returnValue.Put()),
               notFound);
     EXPECT_EQ(
         Transcript(pc.emulated.journal),

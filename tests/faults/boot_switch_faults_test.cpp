@@ -7,8 +7,8 @@
 
 #include <set>
 
-#include "machine/core/utf.h"
-#include "machine/model/machines.h"
+#include "base/utf.h"
+#include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/faults/fault_walk.h"
 #include "tests/support/application/application.h"
@@ -142,8 +142,7 @@ TEST_P(BootSwitchFaults, LeaveAMachineThatBootsAndTellWhatHappened) {
             ASSERT_TRUE(code >= 0 && static_cast<size_t>(code) < tested.lastRecords.size()) << code;
             const std::set<std::string>& lastRecords = tested.lastRecords[static_cast<size_t>(code)];
             if (!lastRecords.empty()) {
-                EXPECT_TRUE(
-                    lastRecords.contains(machine::ToUtf8(application.pc.journal.Records().back().Text())));
+                EXPECT_TRUE(lastRecords.contains(ToUtf8(application.pc.journal.Records().back().Text())));
             }
             EXPECT_FALSE(ActivePartitions(application.pc).empty());
             // An effect behind a failure, or a success without one, is more than the operation can know.

@@ -6,7 +6,7 @@
 
 #include <set>
 
-#include "machine/core/utf.h"
+#include "base/utf.h"
 #include "tests/faults/fault_walk.h"
 #include "tests/support/application/two_systems.h"
 
@@ -27,7 +27,7 @@ struct Translation {
     std::set<std::string> LogTexts() const {
         std::set<std::string> texts;
         for (const LogEntry& entry : pc.journal.Records())
-            texts.insert(machine::ToUtf8(entry.Text()));
+            texts.insert(ToUtf8(entry.Text()));
         return texts;
     }
 };
@@ -85,8 +85,7 @@ TEST(DriveLetterFaults, TellOnlyWhatIsTrueAndLeaveNothingBehind) {
             const int result = run.Translate();
             EXPECT_GT(run.pc.faults.Fired(), 0);
             EXPECT_EQ(result, TellsFailure(run.LogTexts()) ? 0 : 1);
-            EXPECT_EQ(machine::ToUtf8(run.pc.journal.Records().back().Text()),
-                      "Kestova::GetWinDriveLetters\t\tEnd");
+            EXPECT_EQ(ToUtf8(run.pc.journal.Records().back().Text()), "Kestova::GetWinDriveLetters\t\tEnd");
             EXPECT_LE(run.pc.clockMilliseconds, 61'800U);
             ExpectTrueRecords(run);
             ExpectCleanPc(run, rule);

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "machine/api/call_table.h"
+#include "machine/facts/call_table.h"
 #include "platform/windows_api.h"
 
 using machine::FailsWith;

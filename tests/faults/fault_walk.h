@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "machine/core/journal.h"
-#include "machine/model/fault_rule.h"
+#include "machine/facts/fault_rule.h"
+#include "machine/journal/journal.h"
 
 // The how-manieth call of a name.
 struct PlaceToFail {

@@ -6,7 +6,7 @@
 
 #include <set>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "manager/result_codes.h"
 #include "tests/faults/fault_walk.h"
 #include "tests/support/application/application.h"
@@ -97,7 +97,7 @@ machine::Pc WithoutItsLetters(machine::Pc facts, uint32_t partition) {
 std::vector<PlaceToFail> PlacesOf(const Change& change) {
     Application application(Before(change));
     EXPECT_EQ(change.make(application.kestova), change.done);
-    EXPECT_EQ(PartitionOf(application.pc.pc, change.partition).volume->letters, change.gives ? "D" : "");
+    EXPECT_EQ(PartitionOf(application.pc.facts, change.partition).volume->letters, change.gives ? "D" : "");
     return PlacesToFail(application.pc.journal);
 }
 
@@ -119,13 +119,13 @@ TEST_P(LetterFaults, ChangeNothingElseAndTellTheLetterThatIsThere) {
             answers.insert(answer);
             EXPECT_TRUE(answer == change.done || change.failures.contains(answer)) << answer;
             ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
-            EXPECT_EQ(WithoutItsLetters(application.pc.pc, change.partition),
+            EXPECT_EQ(WithoutItsLetters(application.pc.facts, change.partition),
                       WithoutItsLetters(before, change.partition));
             // An effect behind a failure, or a success without one, is more than the operation can know; a
             // letter that cannot be read counts as none.
             if (rule.call == "IVdsAdvancedDisk::GetDriveLetter") continue;
             if (answer == change.done && !rule.afterEffect && rule.code != S_OK) {
-                EXPECT_EQ(PartitionOf(application.pc.pc, change.partition).volume->letters,
+                EXPECT_EQ(PartitionOf(application.pc.facts, change.partition).volume->letters,
                           change.gives ? "D" : "");
             }
         }

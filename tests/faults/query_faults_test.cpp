@@ -6,7 +6,7 @@
 
 #include <set>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "manager/result_codes.h"
 #include "platform/partition_types.h"
 #include "tests/faults/current_module.h"
@@ -264,7 +264,7 @@ TEST_P(QueryFaults, ChangeNothingAndTellTheTruthOrAFailure) {
             EXPECT_GT(application.pc.faults.Fired(), 0);
             answers.insert(answer);
             EXPECT_TRUE(answer == question.answer || question.failures.contains(answer)) << answer;
-            EXPECT_EQ(application.pc.pc, question.facts());
+            EXPECT_EQ(application.pc.facts, question.facts());
             ExpectNoCurrentModule();
             ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
         }
@@ -295,7 +295,7 @@ constexpr Change changes[] = {
 std::vector<PlaceToFail> PlacesOf(const Change& change, std::vector<machine::Disk>& after) {
     Application application(machine::FactoryMbr());
     EXPECT_EQ(change.make(application.kestova), 0);
-    after = application.pc.pc.disks;
+    after = application.pc.facts.disks;
     return PlacesToFail(application.pc.journal);
 }
 
@@ -315,7 +315,7 @@ TEST_P(ChangeFaults, LeaveThePcAsItWasOrAsItWasToBe) {
             EXPECT_GT(application.pc.faults.Fired(), 0);
             // An effect behind a failure, or a success without one, is more than the operation can know.
             if (!rule.afterEffect && rule.code != S_OK) {
-                EXPECT_EQ(application.pc.pc.disks, result == 0 ? after : before);
+                EXPECT_EQ(application.pc.facts.disks, result == 0 ? after : before);
             }
             ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
         }

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
@@ -319,7 +319,7 @@ TEST(SetPOneActive, KeepsEveryNumberButTwo) {
 
 TEST(SetPOneActive, FileGoneAfterTheSwitchAnswersZeroWithItsPath) {
     Application application(Factory(1));
-    PartitionOf(application.pc.pc, 1).volume->letters = "R";
+    PartitionOf(application.pc.facts, 1).volume->letters = "R";
     EXPECT_EQ(application.kestova.SetPOneActive(), 0);
     const std::string transcript = Transcript(application.pc.journal);
     EXPECT_TRUE(
@@ -338,9 +338,9 @@ class BootSwitchOnGpt : public testing::TestWithParam<OnGpt> {};
 
 TEST_P(BootSwitchOnGpt, AnswersOneAndChangesNothing) {
     Application application(machine::FactoryGpt());
-    const machine::Pc before = application.pc.pc;
+    const machine::Pc before = application.pc.facts;
     EXPECT_EQ((application.kestova.*GetParam().operation)(), 1);
-    EXPECT_EQ(application.pc.pc, before);
+    EXPECT_EQ(application.pc.facts, before);
     ExpectTranscript(application.pc.journal, std::string("manager/") + GetParam().name + "_gpt");
 }
 
@@ -397,7 +397,7 @@ TEST_P(Letterless, IsLetteredHoweverThePlatformTellsIt) {
     facts.switches.letterless = GetParam();
     Application application(facts);
     EXPECT_EQ(application.kestova.SetRcvprtActive(), 0);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "E");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "E");
     EXPECT_EQ(SystemVolumeIni(application.pc), Record(2));
 }
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "manager/result_codes.h"
 #include "platform/partition_types.h"
 #include "tests/manager/internals.h"
@@ -69,7 +69,7 @@ class BootPartitionLetter : public testing::TestWithParam<BootPartition> {
         return code;
     }
     static std::string Letters(Application& application) {
-        return PartitionOf(application.pc.pc, GetParam().number).volume->letters;
+        return PartitionOf(application.pc.facts, GetParam().number).volume->letters;
     }
     static void ExpectStory(const Application& application, const std::string& story) {
         ExpectTranscript(application.pc.journal, std::string("manager/") + GetParam().name + "_" + story);
@@ -104,7 +104,7 @@ TEST_P(BootPartitionLetter, IsNotGivenOnMbr) {
     Application application(FactoryMbr());
     EXPECT_EQ(Activate(application), ERROR_GET_PARTITION_TYPE);
     EXPECT_EQ(letter, untouched);
-    EXPECT_EQ(application.pc.pc, FactoryMbr());
+    EXPECT_EQ(application.pc.facts, FactoryMbr());
     ExpectStory(application, "on_mbr");
 }
 
@@ -170,7 +170,7 @@ TEST_P(BootPartitionLetter, IsGivenOnTheFirstInternalDisk) {
     application.kestova.IsNeedHidePartition(1, 1);
     EXPECT_EQ(Activate(application), 0);
     EXPECT_EQ(Letters(application), "D");
-    EXPECT_EQ(application.pc.pc.disks[1], facts.disks[1]);
+    EXPECT_EQ(application.pc.facts.disks[1], facts.disks[1]);
 }
 
 TEST_P(BootPartitionLetter, IsNotGivenWithoutAVolumeLayer) {
@@ -195,10 +195,10 @@ TEST_P(BootPartitionLetter, IsTakenTwiceWithoutAFailure) {
     Application application(FactoryGpt());
     EXPECT_EQ(Activate(application), 0);
     EXPECT_EQ(Disable(application), 0);
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
     application.pc.journal.Clear();
     EXPECT_EQ(Disable(application), 0);
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
     ExpectStory(application, "no_letter_to_take");
 }
 
@@ -247,7 +247,7 @@ TEST(DisableOrvoBootPartition, TakesTheLetterOfAnMbrRecoveryPartition) {
     PartitionOf(facts, 1).volume->letters = "R";
     Application application(facts);
     EXPECT_EQ(application.kestova.DisableOrvoBootPartition(), 0);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "");
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include "base/wide_string.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/two_systems.h"
 #include "tests/support/transcript.h"
-#include "text/wide_string.h"
 
 bool operator==(const tagDriveInfo_t& left, const tagDriveInfo_t& right) {
     return left.iDiskNum == right.iDiskNum && left.iPartNum == right.iPartNum &&
@@ -64,9 +64,9 @@ const WCHAR* const runningKey = TEXT("SYSTEM\\MountedDevices");
 TEST(ReadRegistry, ReadsTheRunningSystemsLettersIntoItsMap) {
     Translation translation;
     EXPECT_EQ(translation.Read(TEXT("system\\MOUNTEDdevices")), TRUE);
-    EXPECT_THAT(translation.Running(), ElementsAre(Pair(TEXT('C'), IdentityOf(translation.pc.pc, 1).data),
-                                                   Pair(TEXT('D'), IdentityOf(translation.pc.pc, 2).data),
-                                                   Pair(TEXT('E'), IdentityOf(translation.pc.pc, 3).data)));
+    EXPECT_THAT(translation.Running(), ElementsAre(Pair(TEXT('C'), IdentityOf(translation.pc.facts, 1).data),
+                                                   Pair(TEXT('D'), IdentityOf(translation.pc.facts, 2).data),
+                                                   Pair(TEXT('E'), IdentityOf(translation.pc.facts, 3).data)));
     EXPECT_THAT(translation.Installed(), IsEmpty());
     EXPECT_EQ(translation.Log(),
               "4 Kestova::ReadRegistry Start. sRegisterPath = system\\MOUNTEDdevices\n"
@@ -253,7 +253,7 @@ TEST(GetWinDriveLetters, KeepsTheMapsUntilTheNextTime) {
     translation.GetLetters();
     EXPECT_EQ(translation.Running().size(), 3U);
     EXPECT_EQ(translation.Installed().size(), 3U);
-    translation.pc.pc.offlineSystemHive[installedDevices].erase("\\DosDevices\\C:");
+    translation.pc.facts.offlineSystemHive[installedDevices].erase("\\DosDevices\\C:");
     translation.records.assign(4, untouched);
     EXPECT_EQ(translation.GetLetters(), TRUE);
     EXPECT_EQ(translation.Installed().size(), 2U);

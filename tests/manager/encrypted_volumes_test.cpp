@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/transcript.h"
@@ -48,7 +48,7 @@ TEST_P(EncryptedVolumes, AreToldInEveryForm) {
     EXPECT_EQ(application.kestova.GetEncryptVolume(), story.letter);
     EXPECT_EQ(application.kestova.GetAllEncryptVolume(letters, 33), story.isKnown);
     EXPECT_EQ(Text(letters), story.letters);
-    EXPECT_EQ(application.pc.pc, story.facts);
+    EXPECT_EQ(application.pc.facts, story.facts);
     ExpectTranscript(application.pc.journal, std::string("manager/encrypted_") + story.name);
     ExpectOnlyKeptLeftovers(application.pc.ledger);
 }

@@ -4,8 +4,8 @@
 
 #include <optional>
 
-#include "machine/core/emulated_pc.h"
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
+#include "machine/journal/emulated_pc.h"
 #include "manager/kestova.h"
 #include "tests/support/transcript.h"
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/transcript.h"
@@ -169,7 +169,7 @@ TEST(Copy, RemembersWhatItsSourceLettered) {
     EXPECT_EQ(copy->*Open(internals::DiskStyleTag()), HARD_DISK_GPT);
     copy->RemoveRecoveryPartition();
     copy->RemoveWinREPartition();
-    EXPECT_EQ(application.pc.pc, machine::FactoryGpt());
+    EXPECT_EQ(application.pc.facts, machine::FactoryGpt());
 }
 
 // The source still points to what the copy freed.
@@ -200,7 +200,7 @@ TEST(Assignment, TakesOverTheMapsAndWhatIsRemembered) {
     EXPECT_EQ(target.*Open(internals::DiskStyleTag()), HARD_DISK_GPT);
     ExpectSharedMaps(target, application.kestova);
     target.RemoveRecoveryPartition();
-    EXPECT_EQ(application.pc.pc, machine::FactoryGpt());
+    EXPECT_EQ(application.pc.facts, machine::FactoryGpt());
     target = *owned;
 }
 

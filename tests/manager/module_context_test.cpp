@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "diag/module.h"
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 

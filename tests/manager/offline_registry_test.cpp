@@ -65,7 +65,7 @@ TEST(LoadRegistry, WritesRunsAndDeletesABatch) {
 
 TEST(LoadRegistry, WritesTheCommandInTheOemCodePage) {
     Offline offline;
-    offline.pc.pc.volumes.front().files.PutFile("LoadRegistry.bat", "a longer batch that was left behind");
+    offline.pc.facts.volumes.front().files.PutFile("LoadRegistry.bat", "a longer batch that was left behind");
     offline.Fail("DeleteFileW", 1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(offline.Run(TEXT("echo Übung")), 0);
     ASSERT_NE(BatchFile(offline.pc), nullptr);
@@ -76,7 +76,7 @@ TEST(LoadRegistry, WritesTheCommandInTheOemCodePage) {
 
 TEST(LoadRegistry, DoesNotLookAtTheExitCode) {
     Offline offline;
-    offline.pc.pc.shell.regFails = true;
+    offline.pc.facts.shell.regFails = true;
     EXPECT_EQ(offline.Run(load), 0);
     EXPECT_FALSE(IsHiveMounted(offline.pc));
     EXPECT_THAT(offline.pc.ledger.Outstanding(), IsEmpty());
@@ -84,7 +84,7 @@ TEST(LoadRegistry, DoesNotLookAtTheExitCode) {
 
 TEST(LoadRegistry, WithoutACommandOnlyDeletesWhatWasLeftBehind) {
     Offline offline;
-    offline.pc.pc.volumes.front().files.PutFile("LoadRegistry.bat", "left behind");
+    offline.pc.facts.volumes.front().files.PutFile("LoadRegistry.bat", "left behind");
     EXPECT_EQ(offline.Run(nullptr), 1);
     EXPECT_EQ(BatchFile(offline.pc), nullptr);
     EXPECT_THAT(offline.Calls(), ElementsAre("PathFileExistsW", "DeleteFileW"));
@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(Every, BrokenBatch, testing::ValuesIn(batchFailures),
 
 TEST(LoadRegistry, TellsThatThereIsNoProcessToWaitFor) {
     Offline offline;
-    offline.pc.pc.shell.tellsProcess = false;
+    offline.pc.facts.shell.tellsProcess = false;
     EXPECT_EQ(offline.Run(load), 2);
     EXPECT_EQ(BatchFile(offline.pc), nullptr);
     EXPECT_EQ(offline.Count("WaitForSingleObject"), 0U);
@@ -151,14 +151,14 @@ TEST(LoadRegistry, TellsThatThereIsNoProcessToWaitFor) {
 
 TEST(LoadRegistry, WaitsTenSecondsAndNoLonger) {
     Offline inTime;
-    inTime.pc.pc.shell.milliseconds = 10'000;
+    inTime.pc.facts.shell.milliseconds = 10'000;
     EXPECT_EQ(inTime.Run(TEXT("rem")), 0);
     EXPECT_EQ(inTime.pc.clockMilliseconds, 10'000U);
 }
 
 TEST(LoadRegistry, LeavesABatchThatTakesLongerRunning) {
     Offline offline;
-    offline.pc.pc.shell.milliseconds = 10'001;
+    offline.pc.facts.shell.milliseconds = 10'001;
     EXPECT_EQ(offline.Run(load), 1);
     EXPECT_EQ(offline.pc.clockMilliseconds, 10'000U);
     EXPECT_EQ(BatchFile(offline.pc), nullptr);
@@ -185,7 +185,7 @@ TEST(LoadRegistry, TakesNoNoticeOfCleaningUpThatFails) {
 TEST(LoadWindowsRegistry, MountsTheHiveOfTheInstalledWindows) {
     Offline offline;
     EXPECT_EQ(offline.Load(), TRUE);
-    EXPECT_TRUE(offline.pc.pc.registry.contains("HKLM\\TEMSYSTEM\\MountedDevices"));
+    EXPECT_TRUE(offline.pc.facts.registry.contains("HKLM\\TEMSYSTEM\\MountedDevices"));
     EXPECT_THAT(offline.pc.journal.Calls("reg")[0].arguments,
                 ElementsAre("load", "HKLM\\TEMSYSTEM", "D:\\Windows\\System32\\Config\\SYSTEM"));
     EXPECT_EQ(offline.Count("reg"), 1U);
@@ -214,7 +214,7 @@ TEST(UnloadWindowsRegistry, TakesTheHiveAway) {
     Offline offline;
     offline.Load();
     EXPECT_EQ(offline.Unload(), TRUE);
-    EXPECT_TRUE(offline.pc.pc.registry == TwoSystems().registry);
+    EXPECT_TRUE(offline.pc.facts.registry == TwoSystems().registry);
     EXPECT_THAT(offline.pc.journal.Calls("reg")[1].arguments, ElementsAre("unload", "HKLM\\TEMSYSTEM"));
     EXPECT_EQ(BatchFile(offline.pc), nullptr);
     EXPECT_THAT(offline.pc.ledger.Outstanding(), IsEmpty());
@@ -270,7 +270,7 @@ INSTANTIATE_TEST_SUITE_P(Every, ThreeAttempts, testing::ValuesIn(lastingFailures
 
 TEST(LoadWindowsRegistry, GivesUpAfterThreeTimesTenSecondsAndThreePauses) {
     Offline offline;
-    offline.pc.pc.shell.milliseconds = 60'000;
+    offline.pc.facts.shell.milliseconds = 60'000;
     EXPECT_EQ(offline.Load(), FALSE);
     EXPECT_EQ(offline.pc.clockMilliseconds, 3U * 10'300U);
     EXPECT_EQ(offline.Count("WaitForSingleObject"), 3U);
@@ -279,7 +279,7 @@ TEST(LoadWindowsRegistry, GivesUpAfterThreeTimesTenSecondsAndThreePauses) {
 
 TEST(LoadWindowsRegistry, GivesUpAfterThreeProcessesThatAreNotTold) {
     Offline offline;
-    offline.pc.pc.shell.tellsProcess = false;
+    offline.pc.facts.shell.tellsProcess = false;
     EXPECT_EQ(offline.Load(), FALSE);
     EXPECT_EQ(offline.Count("ShellExecuteExW"), 3U);
     EXPECT_EQ(offline.pc.clockMilliseconds, 900U);

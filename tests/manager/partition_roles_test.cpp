@@ -114,7 +114,7 @@ TEST_F(WithoutVolumeLayer, IsBIOSHibernationPartitionIsZero) {
 TEST(SetBIOSHibernationPartitionID, AnswersZeroWhenThePartitionHasTheId) {
     Application application(FactoryMbr());
     EXPECT_EQ(application.kestova.SetBIOSHibernationPartitionID(3), 0);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 3).mbrType, MBR_ID_BIOS_HIBERNATION);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 3).mbrType, MBR_ID_BIOS_HIBERNATION);
     ExpectTranscript(application.pc.journal, "manager/set_bios_hibernation_partition_id");
     ExpectOnlyKeptLeftovers(application.pc.ledger);
 }
@@ -130,15 +130,15 @@ TEST(SetBIOSHibernationPartitionID, ActsOnTheFirstInternalDiskWhateverWasSelecte
     Application application(machine::WinPeTwoDisks());
     application.kestova.IsBIOSHibernationPartition(1, 1);
     EXPECT_EQ(application.kestova.SetBIOSHibernationPartitionID(1), 0);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_BIOS_HIBERNATION);
-    EXPECT_EQ(application.pc.pc.disks[1].partitions[0].mbrType, MBR_ID_CACHE);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_BIOS_HIBERNATION);
+    EXPECT_EQ(application.pc.facts.disks[1].partitions[0].mbrType, MBR_ID_CACHE);
 }
 
 TEST(SetBIOSHibernationPartitionID, AnswersOneOnAGptDisk) {
     Application application(FactoryGpt());
-    const std::vector<machine::Disk> before = application.pc.pc.disks;
+    const std::vector<machine::Disk> before = application.pc.facts.disks;
     EXPECT_EQ(application.kestova.SetBIOSHibernationPartitionID(2), 1);
-    EXPECT_EQ(application.pc.pc.disks, before);
+    EXPECT_EQ(application.pc.facts.disks, before);
     ExpectTranscript(application.pc.journal, "manager/set_bios_hibernation_partition_id_gpt");
 }
 
@@ -146,7 +146,7 @@ TEST(SetBIOSHibernationPartitionID, AnswersOneWhenTheChangeIsRefused) {
     Application application(FactoryMbr());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk2::ChangePartitionType", .code = 0x80042400});
     EXPECT_EQ(application.kestova.SetBIOSHibernationPartitionID(3), 1);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 3).mbrType, MBR_ID_NTFS);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 3).mbrType, MBR_ID_NTFS);
     ExpectTranscript(application.pc.journal, "manager/set_bios_hibernation_partition_id_refused");
     ExpectOnlyKeptLeftovers(application.pc.ledger);
 }

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "manager/system_volume_ini.h"
 #include "tests/support/application/application.h"
 

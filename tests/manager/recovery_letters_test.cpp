@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/transcript.h"
@@ -49,7 +49,7 @@ class RecoveryLetter : public testing::TestWithParam<Lettered> {
         ExpectOnlyKeptLeftovers(application.pc.ledger);
     }
     static std::string Letters(Application& application) {
-        return PartitionOf(application.pc.pc, GetParam().number).volume->letters;
+        return PartitionOf(application.pc.facts, GetParam().number).volume->letters;
     }
     static void ExpectStory(const Application& application, const std::string& story) {
         ExpectTranscript(application.pc.journal, "manager/" + story + "_" + GetParam().name);
@@ -66,7 +66,7 @@ TEST_P(RecoveryLetter, IsGivenAndTakenAgain) {
     ExpectStory(application, "assign");
     application.pc.journal.Clear();
     Remove(application);
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
     ExpectStory(application, "remove");
 }
 
@@ -84,22 +84,22 @@ TEST_P(RecoveryLetter, IsTakenAgainByASecondRemoval) {
     Application application(FactoryGpt());
     EXPECT_EQ(Assign(application), 'D');
     Remove(application);
-    PartitionOf(application.pc.pc, GetParam().number).volume->letters = "S";
+    PartitionOf(application.pc.facts, GetParam().number).volume->letters = "S";
     Remove(application);
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
 }
 
 TEST_P(RecoveryLetter, IsNotTakenBeforeItWasGiven) {
     Application application(WithLetters("R"));
     Remove(application);
-    EXPECT_EQ(application.pc.pc, WithLetters("R"));
+    EXPECT_EQ(application.pc.facts, WithLetters("R"));
     ExpectStory(application, "remove_nothing");
 }
 
 TEST_P(RecoveryLetter, IsNotGivenOnMbr) {
     Application application(FactoryMbr());
     EXPECT_EQ(Assign(application), '0');
-    EXPECT_EQ(application.pc.pc, FactoryMbr());
+    EXPECT_EQ(application.pc.facts, FactoryMbr());
     ExpectStory(application, "assign_mbr");
     application.pc.journal.Clear();
     Remove(application);
@@ -132,20 +132,20 @@ TEST_P(RecoveryLetter, IsTakenAfterALaterAssignmentFailed) {
     EXPECT_EQ(Assign(application), '0');
     application.pc.faults.Disarm();
     Remove(application);
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
 }
 
 // So it does after one that found the partition and could not letter it.
 TEST_P(RecoveryLetter, IsTakenAfterALaterOneWasRefused) {
     Application application(FactoryGpt());
     EXPECT_EQ(Assign(application), 'D');
-    PartitionOf(application.pc.pc, GetParam().number).volume->letters = "";
+    PartitionOf(application.pc.facts, GetParam().number).volume->letters = "";
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk::AssignDriveLetter", .nth = 2, .code = 0x80004005});
     EXPECT_EQ(Assign(application), '0');
     EXPECT_EQ(application.pc.faults.Fired(), 1);
-    PartitionOf(application.pc.pc, GetParam().number).volume->letters = "S";
+    PartitionOf(application.pc.facts, GetParam().number).volume->letters = "S";
     Remove(application);
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
 }
 
 TEST_P(RecoveryLetter, StaysSilentlyWhenItCannotBeTaken) {
@@ -179,15 +179,15 @@ TEST(RemoveRecoveryPartition, LeavesTheLetterOfWindowsRe) {
     EXPECT_EQ(recovery, TEXT('D'));
     EXPECT_EQ(winRe, TEXT('E'));
     application.kestova.RemoveRecoveryPartition();
-    EXPECT_EQ(PartitionOf(application.pc.pc, 2).volume->letters, "E");
-    EXPECT_EQ(PartitionOf(application.pc.pc, 6).volume->letters, "");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 2).volume->letters, "E");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 6).volume->letters, "");
 }
 
 // The recovery files move from partition 6 to 2, which cannot be lettered: the removal acts on 2.
 TEST(RemoveRecoveryPartition, ActsOnThePartitionFoundLastLetteredOrNot) {
     Application application(FactoryGpt());
-    machine::Volume& before = *PartitionOf(application.pc.pc, 6).volume;
-    machine::Volume& after = *PartitionOf(application.pc.pc, 2).volume;
+    machine::Volume& before = *PartitionOf(application.pc.facts, 6).volume;
+    machine::Volume& after = *PartitionOf(application.pc.facts, 2).volume;
     WCHAR letter = 0;
     application.kestova.AssignRecoveryPartition(letter);
     EXPECT_EQ(before.letters, "D");
@@ -204,16 +204,16 @@ TEST(RemoveRecoveryPartition, ActsOnThePartitionFoundLastLetteredOrNot) {
 TEST(IsExistRcvprt, GivesALetterThatStays) {
     Application application(FactoryGpt());
     EXPECT_EQ(application.kestova.IsExistRcvprt(), 1);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 6).volume->letters, "D");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 6).volume->letters, "D");
     ExpectTranscript(application.pc.journal, "manager/is_exist_rcvprt");
     application.kestova.RemoveRecoveryPartition();
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
 }
 
 TEST(IsExistRcvprt, IsNotWithoutALetter) {
     Application application(FactoryMbr());
     EXPECT_EQ(application.kestova.IsExistRcvprt(), 0);
-    EXPECT_EQ(application.pc.pc, FactoryMbr());
+    EXPECT_EQ(application.pc.facts, FactoryMbr());
     ExpectTranscript(application.pc.journal, "manager/is_exist_rcvprt_none");
 }
 

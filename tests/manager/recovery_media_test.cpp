@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/transcript.h"

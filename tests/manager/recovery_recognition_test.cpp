@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
@@ -59,7 +59,7 @@ class RecoveryRecognition : public testing::TestWithParam<Kind> {
         return answer;
     }
     static std::string Letters(Application& application, uint32_t number) {
-        return PartitionOf(application.pc.pc, number).volume->letters;
+        return PartitionOf(application.pc.facts, number).volume->letters;
     }
     static void ExpectStory(const Application& application, const std::string& story) {
         ExpectTranscript(application.pc.journal, std::string("manager/") + GetParam().name + "_" + story);
@@ -79,7 +79,7 @@ TEST_P(RecoveryRecognition, KnowsThePartitionByItsLetter) {
 TEST_P(RecoveryRecognition, KnowsThePartitionByALetterForTheMeantime) {
     Application application(FactoryGpt());
     EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
     ExpectStory(application, "temporary_letter");
 }
 
@@ -94,7 +94,7 @@ TEST_P(RecoveryRecognition, FailsForOtherContentsBehindALetter) {
 TEST_P(RecoveryRecognition, SucceedsForOtherContentsBehindALetterForTheMeantime) {
     Application application(FactoryGpt());
     EXPECT_EQ(Look(application, GetParam().numberOfOther), (Answer{1, 0}));
-    EXPECT_EQ(application.pc.pc, FactoryGpt());
+    EXPECT_EQ(application.pc.facts, FactoryGpt());
     ExpectStory(application, "temporary_letter_other_contents");
 }
 
@@ -141,7 +141,7 @@ TEST_P(RecoveryRecognition, FailsWhenNoLetterCanBeGiven) {
         application.pc.faults.Arm(
             {.call = "IVdsAdvancedDisk::AssignDriveLetter", .afterEffect = afterEffect, .code = 0x80004005});
         EXPECT_EQ(Look(application, GetParam().number), (Answer{0, 0}));
-        EXPECT_EQ(application.pc.pc, FactoryGpt());
+        EXPECT_EQ(application.pc.facts, FactoryGpt());
         ExpectStory(application, afterEffect ? "letter_given_and_refused" : "letter_refused");
     }
 }

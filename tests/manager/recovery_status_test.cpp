@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
@@ -34,7 +34,7 @@ TEST_P(ReadyType, IsAcceptedWithoutALookAtLetterOrContents) {
     PartitionOf(facts, 1).volume->files = {};
     Application application(facts);
     EXPECT_EQ(Check(application), RCVPRT_READY);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, GetParam());
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, GetParam());
     ExpectTranscript(application.pc.journal, "manager/check_status_ready");
 }
 
@@ -43,8 +43,8 @@ INSTANTIATE_TEST_SUITE_P(Ids, ReadyType, testing::Values(MBR_ID_OEM_RECOVERY, MB
 TEST(CheckMBRRcvprtStatus, HidesAVisibleRecoveryPartition) {
     Application application(VisibleRecovery());
     EXPECT_EQ(Check(application), RCVPRT_READY);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_HIDDEN_RECOVERY);
-    EXPECT_NE(PartitionOf(application.pc.pc, 1).volume->files.Find("sources/Qelhdrcv.ini"), nullptr);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_HIDDEN_RECOVERY);
+    EXPECT_NE(PartitionOf(application.pc.facts, 1).volume->files.Find("sources/Qelhdrcv.ini"), nullptr);
     ExpectTranscript(application.pc.journal, "manager/check_status_hides");
 }
 
@@ -53,7 +53,7 @@ TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionWithoutALetter) {
     PartitionOf(facts, 1).volume->letters = "";
     Application application(facts);
     EXPECT_EQ(Check(application), GETLETTER_FAILED);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_NTFS);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_NTFS);
     ExpectTranscript(application.pc.journal, "manager/check_status_no_letter");
 }
 
@@ -62,7 +62,7 @@ TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionThatIsNoRecoveryMedia) {
     PartitionOf(facts, 1).volume->files.RemoveFile("sources/Qelhdrcv.ini");
     Application application(facts);
     EXPECT_EQ(Check(application), NO_RCVPRT);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_NTFS);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_NTFS);
     ExpectTranscript(application.pc.journal, "manager/check_status_no_media");
 }
 
@@ -72,7 +72,7 @@ TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionWithTheMediaOfADisc) {
     PartitionOf(facts, 1).volume->files.PutFolder("sources/DVD");
     Application application(facts);
     EXPECT_EQ(Check(application), NO_RCVPRT);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_NTFS);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_NTFS);
     EXPECT_TRUE(Transcript(application.pc.journal)
                     .ends_with("4 Kestova::IsRCVVolume\\tMediaType error. MediaType = {int 1}\n"
                                "1 Kestova::CheckMBRRcvprtStatus\\tNO_RCVPRT\n"
@@ -83,8 +83,8 @@ TEST(CheckMBRRcvprtStatus, TellsThatThePartitionCouldNotBeHidden) {
     Application application(VisibleRecovery());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk2::ChangePartitionType", .code = 0x80042413});
     EXPECT_EQ(Check(application), CHANGEID_FAILED);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_NTFS);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "R");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_NTFS);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "R");
     ExpectTranscript(application.pc.journal, "manager/check_status_not_hidden");
 }
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
@@ -137,7 +137,7 @@ TEST_P(SystemLocation, IsToldAndNothingChanges) {
         application.pc.faults.Arm(fault);
     EXPECT_EQ(Ask(application, story.question), story.place);
     EXPECT_EQ(application.pc.faults.Fired() > 0, !story.faults.empty());
-    EXPECT_EQ(application.pc.pc, story.facts);
+    EXPECT_EQ(application.pc.facts, story.facts);
     ExpectTranscript(application.pc.journal, std::string("manager/") + story.name);
 }
 

@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/core/utf.h"
-#include "machine/model/machines.h"
+#include "base/utf.h"
+#include "base/wide_string.h"
+#include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/transcript.h"
-#include "text/wide_string.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ Found Search(Application& application, const WCHAR* before = TEXT("")) {
     WCHAR path[261] = {};
     CopyBounded(path, std::size(path), before);
     const int result = (application.kestova.*Open(internals::GetSystemVolumeIniTag()))(path, 261);
-    return {result, machine::ToUtf8(path)};
+    return {result, ToUtf8(path)};
 }
 
 // Answers FALSE and leaves the buffer as it was.
@@ -38,7 +38,7 @@ TEST(GetSystemVolumeIni, LettersTheHiddenRecoveryPartition) {
     const Found found = Search(application);
     EXPECT_EQ(found.result, TRUE);
     EXPECT_EQ(found.path, "E:\\SystemVolume.ini");
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "E");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "E");
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini");
 }
 
@@ -50,7 +50,7 @@ TEST(GetSystemVolumeIni, HidesAVisibleRecoveryPartitionFirst) {
     const Found found = Search(application);
     EXPECT_EQ(found.result, TRUE);
     EXPECT_EQ(found.path, "E:\\SystemVolume.ini");
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).mbrType, MBR_ID_HIDDEN_RECOVERY);
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_HIDDEN_RECOVERY);
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_hides");
 }
 
@@ -79,7 +79,7 @@ TEST(GetSystemVolumeIni, FailsWhenNoLetterCanBeGiven) {
     Application application(FactoryMbr());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk::AssignDriveLetter", .code = 0x8004255C});
     ExpectRefused(application);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "");
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_no_letter");
 }
 
@@ -88,7 +88,7 @@ TEST(GetSystemVolumeIni, FailsWhenTheRecoveryMediaAreGone) {
     PartitionOf(facts, 1).volume->files = {};
     Application application(facts);
     ExpectRefused(application);
-    EXPECT_EQ(PartitionOf(application.pc.pc, 1).volume->letters, "E");
+    EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "E");
     ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_no_media");
 }
 

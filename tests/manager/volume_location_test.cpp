@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/transcript.h"

@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include "machine/core/utf.h"
-#include "machine/model/machines.h"
+#include "base/utf.h"
+#include "machine/facts/machines.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/transcript.h"
@@ -40,7 +40,7 @@ Name NameOfD(const machine::Pc& facts) {
     const auto calls = pc.journal.Calls();
     EXPECT_EQ(calls.size(), 1U);
     EXPECT_THAT(calls.at(0).arguments, testing::ElementsAre("D:\\"));
-    return {result, machine::ToUtf8(name)};
+    return {result, ToUtf8(name)};
 }
 
 TEST(GetVolumeName, IsTheLabel) {

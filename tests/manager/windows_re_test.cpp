@@ -4,8 +4,8 @@
 
 #include <span>
 
-#include "machine/core/emulated_pc.h"
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
+#include "machine/journal/emulated_pc.h"
 #include "tests/manager/internals.h"
 #include "tests/support/transcript.h"
 

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "machine/core/utf.h"
+#include "base/utf.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ std::string Escaped(const std::string& text) {
 std::string Line(const LogEntry& entry) {
     std::string line = std::to_string(entry.level) + " ";
     for (const LogItem& item : entry.items) {
-        const std::string text = Escaped(machine::ToUtf8(item.text));
+        const std::string text = Escaped(ToUtf8(item.text));
         line +=
             item.kind == LogItemKind::Text ? text : std::string("{") + KindName(item.kind) + " " + text + "}";
     }

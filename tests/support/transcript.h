@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "machine/core/journal.h"
+#include "machine/journal/journal.h"
 
 // Fails the running test for a record that does not end with exactly one empty text.
 std::string Transcript(const machine::Journal& journal);

@@ -61,7 +61,7 @@ TEST(QueryDisks, RecordsAreThoseOfTheService) {
     LONG count = 0;
     ASSERT_EQ(CVDSEx::QueryDisks(session->GetService(), &disks, &count), S_OK);
     ASSERT_EQ(count, 1);
-    EXPECT_EQ(machine::ToUtf8(disks[0].pwszName), "\\\\?\\PhysicalDrive0");
+    EXPECT_EQ(ToUtf8(disks[0].pwszName), "\\\\?\\PhysicalDrive0");
     EXPECT_EQ(disks[0].dwDeviceType, static_cast<DWORD>(FILE_DEVICE_DISK));
     EXPECT_EQ(disks[0].BusType, VDS_BUS_TYPE_SATA);
     EXPECT_EQ(disks[0].PartitionStyle, VDS_PST_MBR);

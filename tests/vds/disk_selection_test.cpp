@@ -30,14 +30,14 @@ TEST(GetPhysicalDriveNumber, ReadsTheNumberBehindTheDeviceName) {
         {TEXT("\\\\?\\CdRom0"), FALSE, -1},          {TEXT("C:"), FALSE, -1},
     };
     for (const Name& name : names) {
-        SCOPED_TRACE(machine::ToUtf8(name.text));
+        SCOPED_TRACE(ToUtf8(name.text));
         machine::EmulatedPc pc(machine::FactoryMbr());
         CVDSPartition partition;
         int number = 7;
         EXPECT_EQ(partition.GetPhysicalDriveNumber(name.text.c_str(), number), name.parsed);
         EXPECT_EQ(number, name.number);
         EXPECT_EQ(Transcript(pc.journal),
-                  Lines({"4 " + nameMethod + "\\tStart. pszName = " + machine::ToUtf8(name.text),
+                  Lines({"4 " + nameMethod + "\\tStart. pszName = " + ToUtf8(name.text),
                          "4 " + nameMethod + "\\tEnd (" + (name.parsed ? "TRUE" : "FALSE") +
                              "). Number = {int " + std::to_string(name.number) + "}"}));
     }
@@ -71,7 +71,7 @@ TEST(SelectDisk, KeepsThePropertiesOfTheDisk) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(session->SelectDisk(0));
     EXPECT_EQ(session->DiskProperties().ullSize, session.Disk().size);
-    EXPECT_EQ(machine::ToUtf8(session->DiskProperties().pwszName), "\\\\?\\PhysicalDrive0");
+    EXPECT_EQ(ToUtf8(session->DiskProperties().pwszName), "\\\\?\\PhysicalDrive0");
     EXPECT_EQ(session.Records(), selectedRecords + Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
                                                           "4 Kestova CVDSEx::GetVdsAdvancedDisk End"}));
     EXPECT_EQ(session.Left(1), Holdings());

@@ -115,7 +115,7 @@ TEST(SetDriveLetterAssign, SeeksFromCToZThenAThenB) {
 
 TEST(SetDriveLetterAssign, CIsTheFirstWhenItIsFree) {
     VdsSession session(machine::FactoryGpt());
-    session.pc.pc.system.windowsDirectory = "D:\\Windows";
+    session.pc.facts.system.windowsDirectory = "D:\\Windows";
     session.Partition(5).volume->letters = "D";
     EXPECT_TRUE(session->SetDriveLetter(2, FLAG_ASSIGN));
     EXPECT_EQ(LetterOf(session), 'C');

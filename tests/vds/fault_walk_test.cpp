@@ -4,7 +4,7 @@
 #include <functional>
 #include <set>
 
-#include "machine/api/call_table.h"
+#include "machine/facts/call_table.h"
 #include "tests/vds/vds_session.h"
 
 namespace {

@@ -160,6 +160,6 @@ TEST(GetVdsVolumeMF, FindsVolumesOnlyAndWritesNothing) {
     WCHAR label[32] = {};
     EXPECT_TRUE(session->SelectPartition(2));
     EXPECT_TRUE(session->GetVolumeLabel(label, 32));
-    EXPECT_EQ(machine::ToUtf8(label), "Windows");
+    EXPECT_EQ(ToUtf8(label), "Windows");
     EXPECT_EQ(session.Left(1), Holdings());
 }

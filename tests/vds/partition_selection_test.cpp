@@ -32,7 +32,7 @@ bool NothingSelected(VdsSession& session) {
 // The label, or "(none)".
 std::string Label(VdsSession& session, int capacity = 64) {
     WCHAR label[64] = {};
-    return session->GetVolumeLabel(label, capacity) ? machine::ToUtf8(label) : "(none)";
+    return session->GetVolumeLabel(label, capacity) ? ToUtf8(label) : "(none)";
 }
 
 }  // namespace

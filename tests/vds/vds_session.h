@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
-#include "machine/core/emulated_pc.h"
-#include "machine/core/utf.h"
-#include "machine/model/machines.h"
+#include "base/utf.h"
+#include "machine/facts/machines.h"
+#include "machine/journal/emulated_pc.h"
 #include "tests/support/transcript.h"
 #include "vds/vds_ex.h"
 #include "vds/vds_partition.h"
@@ -26,7 +26,7 @@ class VdsSession {
 
     CVDSPartition* operator->() { return &*partition_; }
     CVDSPartition& operator*() { return *partition_; }
-    machine::Disk& Disk(size_t position = 0) { return pc.pc.disks.at(position); }
+    machine::Disk& Disk(size_t position = 0) { return pc.facts.disks.at(position); }
     machine::Partition& Partition(uint32_t number);
     std::string Records() const { return Transcript(pc.journal); }
     // Every call of that name fails with the code from now on, or the nth one alone.

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "machine/core/text_case.h"
+#include "base/text_case.h"
 #include "machine/entry/windows/answered_calls.h"
 
 namespace machine {
@@ -59,7 +59,7 @@ ULONG_PTR Emulated(std::string_view name) {
 }
 
 bool StaysWithWindows(const Import& import) {
-    return std::ranges::count(otherModules, Upper(import.library)) > 0 ||
+    return std::ranges::count(otherModules, UpperCase(import.library)) > 0 ||
            std::ranges::binary_search(RuntimeCalls(), import.name);
 }
 

@@ -4,9 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "machine/core/emulated_pc.h"
-#include "machine/core/utf.h"
-#include "machine/model/machines.h"
+#include "base/utf.h"
+#include "machine/facts/machines.h"
+#include "machine/journal/emulated_pc.h"
 
 // A last error from before; a call that succeeds leaves it.
 inline constexpr DWORD staleError = 4711;

@@ -20,7 +20,7 @@ Application::Application(machine::Pc facts) : pc(std::move(facts)) {
 
 std::vector<uint32_t> ActivePartitions(const machine::EmulatedPc& pc) {
     std::vector<uint32_t> active;
-    for (const machine::Partition& partition : pc.pc.disks.front().partitions) {
+    for (const machine::Partition& partition : pc.facts.disks.front().partitions) {
         if (partition.bootIndicator != 0) active.push_back(partition.number);
     }
     return active;
@@ -35,7 +35,7 @@ machine::Partition& PartitionOf(machine::Pc& pc, uint32_t number) {
 
 std::optional<std::string> SystemVolumeIni(machine::EmulatedPc& pc) {
     const machine::FileTree::Entry* const entry =
-        PartitionOf(pc.pc, 1).volume->files.Find("SystemVolume.ini");
+        PartitionOf(pc.facts, 1).volume->files.Find("SystemVolume.ini");
     return entry != nullptr ? std::optional(entry->content) : std::nullopt;
 }
 

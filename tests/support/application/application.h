@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "machine/core/emulated_pc.h"
+#include "machine/journal/emulated_pc.h"
 #include "manager/kestova.h"
 
 // COM on this thread, as a host has it before it touches the library.

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "machine/core/emulated_pc.h"
-#include "machine/model/machines.h"
+#include "machine/facts/machines.h"
+#include "machine/journal/emulated_pc.h"
 #include "tests/support/application/application.h"
 
 inline constexpr const char* runningDevices = "HKLM\\SYSTEM\\MountedDevices";
@@ -45,10 +45,10 @@ inline machine::Pc TwoSystems() {
 
 // Whether the installed Windows' hive is still mounted.
 inline bool IsHiveMounted(const machine::EmulatedPc& pc) {
-    return pc.pc.registry.contains("HKLM\\TEMSYSTEM");
+    return pc.facts.registry.contains("HKLM\\TEMSYSTEM");
 }
 
 // The batch file on X:; null when there is none.
 inline const machine::FileTree::Entry* BatchFile(const machine::EmulatedPc& pc) {
-    return pc.pc.volumes.front().files.Find("LoadRegistry.bat");
+    return pc.facts.volumes.front().files.Find("LoadRegistry.bat");
 }

@@ -1,0 +1,31 @@
+#include "base/utf.h"
+
+#include <codecvt>
+#include <locale>
+
+namespace {
+
+using Converter = std::wstring_convert<std::codecvt_utf8_utf16<WCHAR>, WCHAR>;
+
+Converter MakeConverter() {
+    // A text that breaks off in the middle of a character is no error to the converter, but it converts less.
+    return Converter("?", WideString(1, TEXT('?')));
+}
+
+}  // namespace
+
+WideString ToWide(std::string_view text) {
+    Converter converter = MakeConverter();
+    const auto wide = converter.from_bytes(text.data(), text.data() + text.size());
+    return converter.converted() == text.size() ? wide : TEXT("?");
+}
+
+std::string ToUtf8(WideView text) {
+    Converter converter = MakeConverter();
+    const std::string bytes = converter.to_bytes(text.data(), text.data() + text.size());
+    return converter.converted() == text.size() ? bytes : "?";
+}
+
+std::string ToUtf8(const WCHAR* text) {
+    return text != nullptr ? ToUtf8(WideView(text)) : std::string();
+}

@@ -1,0 +1,62 @@
+// How every emulated call is written: its name and arguments go into the journal, the fault plan is asked,
+// and only then the PC answers.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "base/utf.h"
+#include "machine/facts/call_table.h"
+#include "machine/journal/emulated_pc.h"
+
+namespace machine {
+
+// Arguments and results as the journal shows them: numbers decimal, codes and flags in hexadecimal.
+std::string Hex(uint64_t value);
+
+// The failure of a call of that kind with that code.
+template <typename R>
+R Failure(EmulatedPc& pc, FailsWith failsWith, uint32_t code) {
+    if constexpr (std::is_pointer_v<R>) {
+        pc.lastError = code;
+        return failsWith == FailsWith::InvalidHandle ? reinterpret_cast<R>(static_cast<intptr_t>(-1))
+                                                     : nullptr;
+    } else {
+        if (failsWith == FailsWith::FalseAndLastError || failsWith == FailsWith::ZeroAndLastError) {
+            pc.lastError = code;
+            return R{};
+        }
+        return static_cast<R>(code);
+    }
+}
+
+// A result as the journal shows it.
+template <typename R>
+std::string ResultText(FailsWith failsWith, R result) {
+    if constexpr (std::is_pointer_v<R>) {
+        if (result == nullptr) return "null";
+        return reinterpret_cast<intptr_t>(result) == -1 ? "INVALID_HANDLE_VALUE" : "<pointer>";
+    } else {
+        return failsWith == FailsWith::Hresult ? Hex(static_cast<uint32_t>(result)) : std::to_string(result);
+    }
+}
+
+// Performs one call. `body` takes the PC and gives the result; a failing body calls Failure itself. Outputs
+// must be emptied by the caller beforehand, since an injected failure does not run the body.
+template <typename R, typename Body>
+R Answer(std::string_view name, std::vector<std::string> arguments, Body body) {
+    EmulatedPc& pc = EmulatedPc::Current();
+    const CallInfo& info = *FindCall(name);
+    const FaultRule* const fault = pc.faults.Next(std::string(name));
+    const uint32_t code = fault != nullptr ? fault->code : 0;
+    R result{};
+    if (fault == nullptr || (fault->afterEffect && info.changesPc)) result = body(pc);
+    if (fault != nullptr) result = Failure<R>(pc, info.failsWith, code);
+    pc.journal.Add(CallRecord{std::string(name), std::move(arguments), ResultText(info.failsWith, result),
+                              fault != nullptr});
+    return result;
+}
+
+}  // namespace machine

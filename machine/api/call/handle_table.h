@@ -1,0 +1,61 @@
+// Handles of one kind: what each stands for, with an entry in the ledger for each that is open.
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "machine/journal/emulated_pc.h"
+
+namespace machine {
+
+// Handle values of all tables, so that none means two things and none is used twice.
+struct HandleValues {
+    uintptr_t next = 0x100;
+};
+
+// `Object` says what its handles are called in the ledger: `static constexpr const char* kind`. A table is
+// the State of the PC; every member is given that PC.
+template <typename Object>
+class HandleTable {
+  public:
+    static HandleTable& Of(EmulatedPc& pc) { return pc.State<HandleTable>(); }
+
+    // The caller closes the handle.
+    void* Open(EmulatedPc& pc, Object object) {
+        uintptr_t& next = pc.State<HandleValues>().next;
+        void* const handle = reinterpret_cast<void*>(next);
+        next += 4;
+        open_.emplace(handle, std::move(object));
+        pc.ledger.Take(Object::kind);
+        return handle;
+    }
+
+    // Null when no such handle is open.
+    Object* Find(const void* handle) {
+        const auto found = open_.find(const_cast<void*>(handle));
+        return found != open_.end() ? &found->second : nullptr;
+    }
+
+    // Whether one that is open fits the predicate.
+    template <typename Predicate>
+    bool Any(Predicate predicate) const {
+        return std::any_of(open_.begin(), open_.end(),
+                           [&](const auto& entry) { return predicate(entry.second); });
+    }
+
+    // False, and a violation in the ledger, when no such handle is open.
+    bool Close(EmulatedPc& pc, void* handle) {
+        if (open_.erase(handle) == 0) {
+            pc.ledger.Violation(std::string(Object::kind) + " closed that is not open");
+            return false;
+        }
+        pc.ledger.GiveBack(Object::kind);
+        return true;
+    }
+
+  private:
+    std::map<void*, Object> open_;
+};
+
+}  // namespace machine

@@ -1,0 +1,26 @@
+// Memory and strings that the component runtime lends and the caller gives back: task memory with
+// CoTaskMemFree, system strings with SysFreeString.
+#pragma once
+
+#include <string_view>
+#include <type_traits>
+
+#include "base/utf.h"
+#include "machine/journal/emulated_pc.h"
+
+namespace machine {
+
+// Task memory for so many records, zeroed.
+template <typename Record>
+Record* LendRecords(EmulatedPc& pc, const std::string& kind, size_t count) {
+    static_assert(std::is_trivially_copyable_v<Record>);
+    return static_cast<Record*>(pc.ledger.Lend("CoTaskMem", kind, count * sizeof(Record)));
+}
+
+// A copy in task memory, with terminator.
+LPWSTR LendText(EmulatedPc& pc, const std::string& kind, std::string_view text);
+
+// A system string, in the ledger as "BSTR".
+BSTR LendSystemString(EmulatedPc& pc, WideView text);
+
+}  // namespace machine

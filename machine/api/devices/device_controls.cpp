@@ -1,0 +1,134 @@
+#include "machine/api/devices/device_controls.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "machine/api/devices/partition_records.h"
+
+namespace machine {
+
+namespace {
+
+// Copies a record into the output as far as it fits, as the count of bytes tells.
+void Fill(DeviceRequest& request, const void* record, size_t size) {
+    const size_t filled = std::min(size, request.output.size());
+    if (filled > 0) std::memcpy(request.output.data(), record, filled);
+    request.returned = static_cast<DWORD>(filled);
+}
+
+// A record that must fit as a whole.
+uint32_t FillWhole(DeviceRequest& request, const void* record, size_t size) {
+    if (request.output.size() < size) return ERROR_INSUFFICIENT_BUFFER;
+    Fill(request, record, size);
+    return ERROR_SUCCESS;
+}
+
+// Error 1 for a volume without a disk; else the address or the error that the disk's facts say.
+uint32_t ScsiGetAddress(DeviceRequest& request) {
+    if (request.device.disk == nullptr) return ERROR_INVALID_FUNCTION;
+    const Fact<ScsiAddress>& fact = request.device.disk->scsiAddress;
+    if (!fact.value) return fact.error;
+    const SCSI_ADDRESS address = {sizeof(SCSI_ADDRESS), fact.value->port, fact.value->path,
+                                  fact.value->target, fact.value->lun};
+    return FillWhole(request, &address, sizeof address);
+}
+
+// The device descriptor, as far as it fits: a first look at 8 bytes or more tells its whole size. Error 87
+// for a shorter buffer or an incomplete query, 50 for another property, 1 for a volume without a disk.
+uint32_t StorageQueryProperty(DeviceRequest& request) {
+    static constexpr char product[] = "Emulated disk";  // makes the descriptor longer than its fixed part
+    constexpr DWORD size = sizeof(STORAGE_DEVICE_DESCRIPTOR) + sizeof product;
+    if (request.device.disk == nullptr) return ERROR_INVALID_FUNCTION;
+    STORAGE_PROPERTY_QUERY query;
+    if (request.input.size() < sizeof query) return ERROR_INVALID_PARAMETER;
+    std::memcpy(&query, request.input.data(), sizeof query);
+    if (query.PropertyId != StorageDeviceProperty) return ERROR_NOT_SUPPORTED;
+    const Fact<uint32_t>& busType = request.device.disk->storageBusType;
+    if (!busType.value) return busType.error;
+    if (query.QueryType == PropertyExistsQuery) return ERROR_SUCCESS;
+    if (query.QueryType != PropertyStandardQuery) return ERROR_NOT_SUPPORTED;
+    if (request.output.size() < sizeof(STORAGE_DESCRIPTOR_HEADER)) return ERROR_INVALID_PARAMETER;
+
+    STORAGE_DEVICE_DESCRIPTOR descriptor{};
+    descriptor.Version = sizeof descriptor;
+    descriptor.Size = size;
+    descriptor.CommandQueueing = TRUE;
+    descriptor.ProductIdOffset = sizeof descriptor;
+    char whole[size];
+    std::memcpy(whole, &descriptor, sizeof descriptor);
+    // A value that the enumeration of the headers lacks is still reported as it is.
+    std::memcpy(whole + offsetof(STORAGE_DEVICE_DESCRIPTOR, BusType), &*busType.value, sizeof(uint32_t));
+    std::memcpy(whole + sizeof descriptor, product, sizeof product);
+    Fill(request, whole, size);
+    return ERROR_SUCCESS;
+}
+
+// Where the volume lies: the partition's own extent, then the further ones. Error 122 when not even one fits,
+// 234 when some do not: those that fit and the count of all are filled. Error 1 without an extent, for a disc
+// or a network letter, and for a physical disk.
+uint32_t VolumeGetDiskExtents(DeviceRequest& request) {
+    if (request.device.volume == nullptr) return ERROR_INVALID_FUNCTION;
+    std::vector<Extent> extents = request.device.volume->furtherExtents;
+    if (request.device.partition != nullptr) {
+        const Partition& partition = *request.device.partition;
+        extents.insert(extents.begin(), {request.device.disk->number, partition.offset, partition.size});
+    }
+    if (extents.empty()) return ERROR_INVALID_FUNCTION;
+    if (request.output.size() < sizeof(VOLUME_DISK_EXTENTS)) return ERROR_INSUFFICIENT_BUFFER;
+
+    constexpr size_t start = offsetof(VOLUME_DISK_EXTENTS, Extents);
+    const size_t fitting = std::min(extents.size(), (request.output.size() - start) / sizeof(DISK_EXTENT));
+    std::vector<char> record(start + fitting * sizeof(DISK_EXTENT));
+    const DWORD count = static_cast<DWORD>(extents.size());
+    std::memcpy(record.data(), &count, sizeof count);
+    for (size_t i = 0; i < fitting; ++i) {
+        DISK_EXTENT extent{};
+        extent.DiskNumber = extents[i].disk;
+        extent.StartingOffset.QuadPart = static_cast<LONGLONG>(extents[i].offset);
+        extent.ExtentLength.QuadPart = static_cast<LONGLONG>(extents[i].size);
+        std::memcpy(record.data() + start + i * sizeof extent, &extent, sizeof extent);
+    }
+    Fill(request, record.data(), record.size());
+    return fitting < extents.size() ? ERROR_MORE_DATA : ERROR_SUCCESS;
+}
+
+// A volume's partition, or the whole of a physical disk as partition 0. Error 1 for a volume without a disk
+// and for a dynamic data volume of a GPT disk, 122 for a short buffer.
+uint32_t DiskGetPartitionInfoEx(DeviceRequest& request) {
+    if (request.device.disk == nullptr) return ERROR_INVALID_FUNCTION;
+    const Disk& disk = *request.device.disk;
+    PARTITION_INFORMATION_EX record;
+    if (request.device.partition == nullptr) {
+        record = WholeDiskRecord(disk);
+    } else if (IsDynamicDataOfGpt(disk, *request.device.partition)) {
+        return ERROR_INVALID_FUNCTION;
+    } else {
+        record = PartitionRecord(disk, *request.device.partition);
+    }
+    return FillWhole(request, &record, sizeof record);
+}
+
+// The disk's table. Error 1 for anything but a physical disk, 122 for a short buffer.
+uint32_t DiskGetDriveLayoutEx(DeviceRequest& request) {
+    if (request.device.disk == nullptr || request.device.volume != nullptr) return ERROR_INVALID_FUNCTION;
+    const std::vector<char> layout = DriveLayoutRecord(*request.device.disk);
+    return FillWhole(request, layout.data(), layout.size());
+}
+
+constexpr DeviceControl controls[] = {
+    {IOCTL_SCSI_GET_ADDRESS, "IOCTL_SCSI_GET_ADDRESS", ScsiGetAddress},
+    {IOCTL_STORAGE_QUERY_PROPERTY, "IOCTL_STORAGE_QUERY_PROPERTY", StorageQueryProperty},
+    {IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, "IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS", VolumeGetDiskExtents},
+    {IOCTL_DISK_GET_PARTITION_INFO_EX, "IOCTL_DISK_GET_PARTITION_INFO_EX", DiskGetPartitionInfoEx},
+    {IOCTL_DISK_GET_DRIVE_LAYOUT_EX, "IOCTL_DISK_GET_DRIVE_LAYOUT_EX", DiskGetDriveLayoutEx},
+};
+
+}  // namespace
+
+const DeviceControl* FindDeviceControl(DWORD code) {
+    const auto found = std::find_if(std::begin(controls), std::end(controls),
+                                    [&](const DeviceControl& control) { return control.code == code; });
+    return found != std::end(controls) ? found : nullptr;
+}
+
+}  // namespace machine

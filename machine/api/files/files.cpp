@@ -1,0 +1,108 @@
+// Opening, closing and deleting. A handle of a volume or a disk is for DeviceIoControl, one of a file tells
+// that it exists, or is for WriteFile.
+
+#include <charconv>
+
+#include "base/text_case.h"
+#include "machine/api/files/redirection.h"
+#include "machine/api/handles/file_handles.h"
+#include "machine/api/handles/processes.h"
+#include "machine/api/call/outcome.h"
+
+using namespace machine;
+
+namespace {
+
+bool TakePrefix(std::string_view& text, std::string_view prefix) {
+    if (!SameName(text.substr(0, prefix.size()), prefix)) return false;
+    text.remove_prefix(prefix.size());
+    return true;
+}
+
+// What a device name after "\\\\.\\" stands for: "C:", "PhysicalDrive0". Nothing when it is no such name.
+std::optional<FileHandle> ParseDevice(std::string_view device) {
+    FileHandle file;
+    if (device.size() == 2 && device[1] == ':') {
+        file.letter = UpperCase(device.substr(0, 1))[0];
+        return file;
+    }
+    if (!TakePrefix(device, "PhysicalDrive")) return std::nullopt;
+    uint32_t number = 0;
+    const char* const end = device.data() + device.size();
+    const auto [rest, error] = std::from_chars(device.data(), end, number);
+    if (error != std::errc() || rest != end) return std::nullopt;
+    file.disk = number;
+    return file;
+}
+
+uint32_t OpenDevice(EmulatedPc& pc, const FileHandle& file, DWORD shareMode, DWORD disposition) {
+    if (disposition != OPEN_EXISTING) return ERROR_INVALID_PARAMETER;
+    const LocatedVolume device = DeviceOf(pc, file);
+    if (file.disk) return device.disk != nullptr ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+    if (!device) return ERROR_FILE_NOT_FOUND;
+    if (device.volume->openError != 0) return device.volume->openError;
+    return (shareMode & FILE_SHARE_WRITE) != 0 ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
+}
+
+uint32_t OpenPath(EmulatedPc& pc, const std::string& path, DWORD disposition, DWORD flags) {
+    if (disposition == CREATE_ALWAYS) return FilesOf(pc).Write(path, "");
+    if (disposition != OPEN_EXISTING) return ERROR_NOT_SUPPORTED;
+    FileKind kind;
+    if (const uint32_t error = FilesOf(pc).Find(path, kind); error != ERROR_SUCCESS) return error;
+    const bool opens = kind == FileKind::File || (flags & FILE_FLAG_BACKUP_SEMANTICS) != 0;
+    return opens ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+std::string DispositionText(DWORD disposition) {
+    static const char* const names[] = {"CREATE_NEW", "CREATE_ALWAYS", "OPEN_EXISTING", "OPEN_ALWAYS",
+                                        "TRUNCATE_EXISTING"};
+    return disposition >= CREATE_NEW && disposition <= TRUNCATE_EXISTING ? names[disposition - CREATE_NEW]
+                                                                         : Hex(disposition);
+}
+
+}  // namespace
+
+// Opens what exists: a volume ("\\\\.\\C:"), a physical disk ("\\\\.\\PhysicalDrive0"), a file, with
+// FILE_FLAG_BACKUP_SEMANTICS a folder. CREATE_ALWAYS makes a file, or empties the one there is.
+// INVALID_HANDLE_VALUE: error 2 or 3 when there is none, 5 for a folder, 19 for a medium that cannot be
+// written, 32 for a volume without FILE_SHARE_WRITE, 50 for a file with another disposition, 87 for a device
+// with another than OPEN_EXISTING, and whatever the volume's facts say. The caller closes with CloseHandle.
+extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES,
+                                     DWORD disposition, DWORD flags, HANDLE) {
+    const std::string path = ToUtf8(name);
+    std::vector<std::string> arguments = {path, Hex(access), Hex(shareMode), DispositionText(disposition)};
+    HANDLE opened = INVALID_HANDLE_VALUE;
+    const HANDLE answer = Answer<HANDLE>("CreateFileW", std::move(arguments), [&](EmulatedPc& pc) {
+        std::string_view device = path;
+        std::optional<FileHandle> file;
+        if (TakePrefix(device, "\\\\.\\") || TakePrefix(device, "\\\\?\\")) file = ParseDevice(device);
+        const uint32_t error =
+            file ? OpenDevice(pc, *file, shareMode, disposition) : OpenPath(pc, path, disposition, flags);
+        if (error != ERROR_SUCCESS) return Failure<HANDLE>(pc, FailsWith::InvalidHandle, error);
+        if (!file) file.emplace();
+        file->name = path;
+        file->access = access;
+        opened = FileHandles::Of(pc).Open(pc, *file);
+        return opened;
+    });
+    // A failure after the effect made the file all the same, but nobody holds it.
+    EmulatedPc& pc = EmulatedPc::Current();
+    if (answer != opened) FileHandles::Of(pc).Close(pc, opened);
+    return answer;
+}
+
+// Of a file, a device or a process. Error 6, and a violation in the ledger, for a handle that is not open.
+extern "C" BOOL WINAPI CloseHandle(HANDLE handle) {
+    return Answer<BOOL>("CloseHandle", {NameOf(EmulatedPc::Current(), handle)}, [&](EmulatedPc& pc) {
+        const bool closed = Processes::Of(pc).Find(handle) != nullptr ? Processes::Of(pc).Close(pc, handle)
+                                                                      : FileHandles::Of(pc).Close(pc, handle);
+        return Outcome(pc, closed ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
+    });
+}
+
+// The errors of VolumeFiles.
+extern "C" BOOL WINAPI DeleteFileW(LPCWSTR name) {
+    const std::string path = ToUtf8(name);
+    return Answer<BOOL>("DeleteFileW", {path},
+                        [&](EmulatedPc& pc) { return Outcome(pc, FilesOf(pc).Remove(path)); });
+}

@@ -1,0 +1,113 @@
+// Initialisation files of the emulated PC.
+
+#include <algorithm>
+
+#include "machine/api/files/profile_text.h"
+#include "machine/api/files/redirection.h"
+#include "machine/api/call/outcome.h"
+
+using namespace machine;
+
+namespace {
+
+// A name without a path means a file in the Windows directory; no name at all means win.ini.
+std::string ProfilePath(const EmulatedPc& pc, LPCWSTR file) {
+    const std::string name = file != nullptr ? ToUtf8(file) : "win.ini";
+    return name.find_first_of(":\\/") != std::string::npos ? name
+                                                           : pc.facts.system.windowsDirectory + "\\" + name;
+}
+
+// Each name with its terminator, and one more.
+WideString AsList(const std::vector<WideString>& names) {
+    WideString list;
+    for (const WideString& name : names)
+        list += name + TEXT('\0');
+    return list;
+}
+
+// As much as fits before `terminators` terminators; the count without them.
+DWORD PutCut(const WideString& text, DWORD terminators, LPWSTR buffer, DWORD size) {
+    if (buffer == nullptr || size == 0) return 0;
+    if (size < terminators) {
+        buffer[0] = TEXT('\0');
+        return 0;
+    }
+    const size_t length = std::min<size_t>(text.size(), size - terminators);
+    std::copy_n(text.c_str(), length, buffer);
+    std::fill_n(buffer + length, terminators, TEXT('\0'));
+    return static_cast<DWORD>(length);
+}
+
+// Names fill the buffer up to its last terminator; names that are cut leave room for two.
+DWORD PutList(const WideString& list, LPWSTR buffer, DWORD size) {
+    return PutCut(list, list.size() < size ? 1 : 2, buffer, size);
+}
+
+WideString Default(LPCWSTR text) {
+    WideString trimmed = text != nullptr ? text : TEXT("");
+    while (!trimmed.empty() && trimmed.back() == TEXT(' '))
+        trimmed.pop_back();
+    return trimmed;
+}
+
+uint32_t Change(EmulatedPc& pc, LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR file) {
+    if (section == nullptr) return ERROR_INVALID_PARAMETER;
+    VolumeFiles files = FilesOf(pc);
+    const std::string path = ProfilePath(pc, file);
+    std::string bytes;
+    const uint32_t error = files.Read(path, bytes);
+    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) return error;
+    ProfileText profile(bytes, pc.facts.switches.profilesSkipUtf8Mark);
+    if (key == nullptr) {
+        profile.RemoveSection(section);
+    } else if (value == nullptr) {
+        profile.RemoveKey(section, key);
+    } else {
+        profile.Set(section, key, value);
+    }
+    const std::string changed = profile.Bytes();
+    const bool nothingToRemove = changed == bytes && (key == nullptr || value == nullptr);
+    return nothingToRemove ? uint32_t{ERROR_SUCCESS} : files.Write(path, changed);
+}
+
+// The platform's headers disagree whether the length has a sign.
+using Length = decltype(GetPrivateProfileStringW(nullptr, nullptr, nullptr, nullptr, 0, nullptr));
+
+}  // namespace
+
+// The length of what was put into the buffer: the value, else the default without trailing blanks, cut to
+// size - 1. Without a section the names of all sections, without a key the names of its keys, each with its
+// terminator, cut to size - 2. Last error: 2 or what else kept the file from being read.
+extern "C" Length WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue,
+                                                  LPWSTR buffer, DWORD size, LPCWSTR file) {
+    if (buffer != nullptr && size > 0) buffer[0] = TEXT('\0');
+    std::vector<std::string> arguments = {ToUtf8(section), ToUtf8(key), ToUtf8(defaultValue),
+                                          std::to_string(size), ToUtf8(file)};
+    return Answer<Length>("GetPrivateProfileStringW", std::move(arguments), [&](EmulatedPc& pc) {
+        std::string bytes;
+        const uint32_t error = FilesOf(pc).Read(ProfilePath(pc, file), bytes);
+        if (error != ERROR_SUCCESS) pc.lastError = error;
+        const ProfileText profile(bytes, pc.facts.switches.profilesSkipUtf8Mark);
+        DWORD length = 0;
+        if (section == nullptr) {
+            length = PutList(AsList(profile.SectionNames()), buffer, size);
+        } else if (key == nullptr) {
+            length = PutList(AsList(profile.KeyNames(section)), buffer, size);
+        } else {
+            length = PutCut(profile.Value(section, key).value_or(Default(defaultValue)), 1, buffer, size);
+        }
+        return static_cast<Length>(length);
+    });
+}
+
+// Writes the value; a null value removes the key, a null key the section. Creates the file, but no folder.
+// Error 3 for a missing folder or drive, 19 for a medium that cannot be written, 87 without a section, and
+// what else VolumeFiles says. Without section, key and value FALSE, the last error as it was: nothing is kept
+// back that could be flushed.
+extern "C" BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR file) {
+    std::vector<std::string> arguments = {ToUtf8(section), ToUtf8(key), ToUtf8(value), ToUtf8(file)};
+    return Answer<BOOL>("WritePrivateProfileStringW", std::move(arguments), [&](EmulatedPc& pc) -> BOOL {
+        if (section == nullptr && key == nullptr && value == nullptr) return FALSE;
+        return Outcome(pc, Change(pc, section, key, value, file));
+    });
+}

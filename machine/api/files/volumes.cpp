@@ -1,0 +1,91 @@
+// Drive letters and what they say about their volumes.
+
+#include <algorithm>
+
+#include "machine/api/call/outcome.h"
+#include "machine/facts/letters.h"
+
+using namespace machine;
+
+namespace {
+
+// "C:\\", and where the platform forgives it "C:".
+bool IsRoot(const std::string& path, bool backslashRequired) {
+    if (path.size() == 2) return path[1] == ':' && !backslashRequired;
+    return path.size() == 3 && path[1] == ':' && path[2] == '\\';
+}
+
+// Copies the text with its terminator where the caller wants it; error 234 when it does not fit.
+uint32_t PutText(const std::string& text, WCHAR* buffer, DWORD size) {
+    if (buffer == nullptr) return ERROR_SUCCESS;
+    const WideString wide = ToWide(text);
+    if (wide.size() >= size) return ERROR_MORE_DATA;
+    std::copy_n(wide.c_str(), wide.size() + 1, buffer);
+    return ERROR_SUCCESS;
+}
+
+// Where GetVolumeInformationW puts its answers; null where the caller does not ask.
+struct VolumeAnswers {
+    WCHAR* label;
+    DWORD labelSize;
+    DWORD* serial;
+    DWORD* longestName;
+    DWORD* flags;
+    WCHAR* fileSystem;
+    DWORD fileSystemSize;
+};
+
+uint32_t TellVolume(EmulatedPc& pc, const std::string& root, const VolumeAnswers& answers) {
+    if (!IsRoot(root, true)) return ERROR_INVALID_NAME;
+    const LocatedVolume located = FindLetter(pc.facts, root[0]);
+    if (!located) return ERROR_PATH_NOT_FOUND;
+    const Volume& volume = *located.volume;
+    if (!volume.label.value) return volume.label.error;
+    if (const uint32_t error = WhyUnreadable(volume)) return error;
+    if (answers.serial != nullptr) *answers.serial = 0;
+    if (answers.longestName != nullptr) *answers.longestName = 255;
+    if (answers.flags != nullptr) *answers.flags = FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK;
+    if (const uint32_t error = PutText(*volume.label.value, answers.label, answers.labelSize)) return error;
+    return PutText(volume.fileSystem, answers.fileSystem, answers.fileSystemSize);
+}
+
+}  // namespace
+
+// DRIVE_NO_ROOT_DIR (1) for a letter without a volume and for anything that is no root; the backslash may be
+// missing. A null root is the host program's drive. The last error stays as it was.
+extern "C" UINT WINAPI GetDriveTypeW(LPCWSTR root) {
+    const std::string path = root != nullptr ? ToUtf8(root) : EmulatedPc::Current().facts.host.path.substr(0, 2);
+    return Answer<UINT>("GetDriveTypeW", {path}, [&](EmulatedPc& pc) -> UINT {
+        if (!IsRoot(path, false)) return DRIVE_NO_ROOT_DIR;
+        const LocatedVolume located = FindLetter(pc.facts, path[0]);
+        return static_cast<UINT>(located ? located.volume->driveType : DriveType::NoRoot);
+    });
+}
+
+// Error 3 for a letter without a volume, 123 for a root without its backslash, 234 for a short buffer, 1005
+// for a file system that nothing reads, 0x80310000 for one that BitLocker keeps locked, and the error that
+// the label's fact says.
+extern "C" BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD labelSize, LPDWORD serial,
+                                             LPDWORD longestName, LPDWORD flags, LPWSTR fileSystem,
+                                             DWORD fileSystemSize) {
+    const std::string path = ToUtf8(root);
+    return Answer<BOOL>("GetVolumeInformationW", {path}, [&](EmulatedPc& pc) {
+        return Outcome(
+            pc,
+            TellVolume(pc, path, {label, labelSize, serial, longestName, flags, fileSystem, fileSystemSize}));
+    });
+}
+
+// "C:\\", "D:\\", ... each with its terminator, and one more. The length without the last terminator; with it
+// when the buffer is too short, and nothing is written then.
+extern "C" DWORD WINAPI GetLogicalDriveStringsW(DWORD size, LPWSTR buffer) {
+    return Answer<DWORD>("GetLogicalDriveStringsW", {std::to_string(size)}, [&](EmulatedPc& pc) {
+        WideString roots;
+        for (const char letter : UsedLetters(pc.facts))
+            roots.append({static_cast<WCHAR>(letter), TEXT(':'), TEXT('\\'), TEXT('\0')});
+        const DWORD length = static_cast<DWORD>(roots.size());
+        if (buffer == nullptr || size <= length) return length + 1;
+        std::copy_n(roots.c_str(), length + 1, buffer);
+        return length;
+    });
+}

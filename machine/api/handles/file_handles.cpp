@@ -1,0 +1,27 @@
+#include "machine/api/handles/file_handles.h"
+
+#include <algorithm>
+
+#include "machine/api/handles/processes.h"
+
+namespace machine {
+
+std::string NameOf(EmulatedPc& pc, const void* handle) {
+    const FileHandle* const file = FileHandles::Of(pc).Find(handle);
+    if (file != nullptr) return file->name;
+    const Process* const process = Processes::Of(pc).Find(handle);
+    return process != nullptr ? process->file : "<not open>";
+}
+
+LocatedVolume DeviceOf(EmulatedPc& pc, const FileHandle& file) {
+    if (file.disk) return {nullptr, nullptr, FindDisk(pc.facts, *file.disk)};
+    return file.letter != '\0' ? FindLetter(pc.facts, file.letter) : LocatedVolume();
+}
+
+Disk* FindDisk(Pc& pc, uint32_t number) {
+    const auto found = std::find_if(pc.disks.begin(), pc.disks.end(),
+                                    [&](const Disk& disk) { return disk.number == number; });
+    return found != pc.disks.end() ? &*found : nullptr;
+}
+
+}  // namespace machine

@@ -1,0 +1,73 @@
+#include "machine/api/registry/reg_tool.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/text_case.h"
+#include "machine/api/registry/open_keys.h"
+#include "machine/facts/letters.h"
+#include "machine/facts/volume_files.h"
+
+namespace machine {
+
+namespace {
+
+constexpr const char* mountedHive = "mounted hive";  // in the ledger
+constexpr uint32_t done = 0;
+constexpr uint32_t failed = 1;
+
+// Below HKEY_LOCAL_MACHINE there is nothing but hives; these are the running system's own.
+constexpr const char* systemHives[] = {"HKLM\\HARDWARE", "HKLM\\SAM", "HKLM\\SECURITY", "HKLM\\SOFTWARE",
+                                       "HKLM\\SYSTEM"};
+
+bool CanBeMount(const std::string& key) {
+    const std::string root = "HKLM\\";
+    const bool directlyBelow = SameName(key.substr(0, root.size()), root) && key.size() > root.size() &&
+                               key.find('\\', root.size()) == std::string::npos;
+    return directlyBelow && std::none_of(std::begin(systemHives), std::end(systemHives),
+                                         [&](const char* hive) { return SameName(hive, key); });
+}
+
+// 0, or why there are none: the codes of VolumeFiles and of the reader.
+uint32_t ReadHive(Pc& pc, const std::string& file, RegistryKeys& keys) {
+    std::string content;
+    if (const uint32_t error = VolumeFiles(pc).Read(file, content); error != ERROR_SUCCESS) return error;
+    const LocatedVolume located = FindLetter(pc, file.front());
+    const bool described = !located || located.volume->store == nullptr;
+    if (!described) return pc.hiveReader ? pc.hiveReader->Read(content, keys) : uint32_t{ERROR_NOT_SUPPORTED};
+    keys = pc.offlineSystemHive;
+    return ERROR_SUCCESS;
+}
+
+uint32_t Load(EmulatedPc& pc, const std::string& mount, const std::string& file) {
+    const bool inUse = SameName(file, pc.facts.system.windowsDirectory + "\\System32\\config\\SYSTEM");
+    if (!CanBeMount(mount) || KeyExists(pc.facts, mount) || inUse) return failed;
+    RegistryKeys keys;
+    if (ReadHive(pc.facts, file, keys) != ERROR_SUCCESS) return failed;
+    pc.facts.registry[mount];
+    const std::string below = mount + '\\';
+    for (auto& [path, values] : keys)
+        pc.facts.registry[path.empty() ? mount : below + path] = std::move(values);
+    pc.ledger.Take(mountedHive);
+    return done;
+}
+
+uint32_t Unload(EmulatedPc& pc, const std::string& mount) {
+    const bool inUse = OpenKeys::Of(pc).Any([&](const OpenKey& key) { return IsAtOrBelow(key.path, mount); });
+    if (!CanBeMount(mount) || !KeyExists(pc.facts, mount) || inUse) return failed;
+    std::erase_if(pc.facts.registry, [&](const auto& key) { return IsAtOrBelow(key.first, mount); });
+    // One that a description lists was mounted before the books were opened.
+    if (pc.ledger.Outstanding().contains(mountedHive)) pc.ledger.GiveBack(mountedHive);
+    return done;
+}
+
+}  // namespace
+
+uint32_t RunReg(EmulatedPc& pc, const std::vector<std::string>& words) {
+    if (pc.facts.shell.regFails) return failed;
+    if (words.size() == 3 && SameName(words[0], "load")) return Load(pc, words[1], words[2]);
+    if (words.size() == 2 && SameName(words[0], "unload")) return Unload(pc, words[1]);
+    return failed;
+}
+
+}  // namespace machine

@@ -1,0 +1,139 @@
+// Registry keys and values. The codes are the results; the last error stays as it was.
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+#include "base/text_case.h"
+#include "machine/api/call/call.h"
+#include "machine/api/registry/open_keys.h"
+
+using namespace machine;
+
+namespace {
+
+struct Root {
+    HKEY key;
+    const char* name;
+};
+
+const Root roots[] = {{HKEY_CLASSES_ROOT, "HKCR"},
+                      {HKEY_CURRENT_USER, "HKCU"},
+                      {HKEY_LOCAL_MACHINE, "HKLM"},
+                      {HKEY_USERS, "HKU"}};
+
+constexpr const char* controlKey = "HKLM\\SYSTEM\\CurrentControlSet\\Control";
+constexpr const char* startOptionsValue = "SystemStartOptions";
+
+const Root* FindRoot(HKEY key) {
+    const auto found =
+        std::find_if(std::begin(roots), std::end(roots), [&](const Root& root) { return root.key == key; });
+    return found != std::end(roots) ? found : nullptr;
+}
+
+// The path of a root or an open key; nothing for another handle.
+std::optional<std::string> PathOf(EmulatedPc& pc, HKEY key) {
+    if (const Root* const root = FindRoot(key)) return root->name;
+    const OpenKey* const open = OpenKeys::Of(pc).Find(key);
+    return open != nullptr ? std::optional(open->path) : std::nullopt;
+}
+
+std::string KeyName(HKEY key) {
+    return PathOf(EmulatedPc::Current(), key).value_or("<not open>");
+}
+
+// The boot loader's options are a fact of the running system, whatever the registry lists.
+std::optional<RegistryValue> FindValue(const Pc& pc, const std::string& path, const std::string& name) {
+    if (SameName(path, controlKey) && SameName(name, startOptionsValue)) {
+        return pc.system.startOptions ? std::optional(RegistryValue{REG_SZ, *pc.system.startOptions})
+                                      : std::nullopt;
+    }
+    for (const auto& [key, values] : pc.registry) {
+        if (!SameName(key, path)) continue;
+        for (const auto& [valueName, value] : values) {
+            if (SameName(valueName, name)) return value;
+        }
+    }
+    return std::nullopt;
+}
+
+// As the platform stores it: text in UTF-16 with its terminator.
+std::string StoredBytes(const RegistryValue& value) {
+    if (value.type != REG_SZ) return value.data;
+    const WideString wide = ToWide(value.data);
+    return {reinterpret_cast<const char*>(wide.c_str()), (wide.size() + 1) * sizeof(WCHAR)};
+}
+
+std::string WithoutSlashes(std::string path) {
+    while (path.ends_with('\\'))
+        path.pop_back();
+    return path;
+}
+
+LSTATUS Query(EmulatedPc& pc, HKEY key, const std::string& name, DWORD* type, BYTE* data, DWORD* size) {
+    constexpr REGSAM reading = KEY_QUERY_VALUE | GENERIC_READ | GENERIC_ALL | MAXIMUM_ALLOWED;
+    const std::optional<std::string> path = PathOf(pc, key);
+    if (!path) return ERROR_INVALID_HANDLE;
+    if (data != nullptr && size == nullptr) return ERROR_INVALID_PARAMETER;
+    const OpenKey* const open = OpenKeys::Of(pc).Find(key);
+    if (open != nullptr && (open->access & reading) == 0) return ERROR_ACCESS_DENIED;
+    const std::optional<RegistryValue> value = FindValue(pc.facts, *path, name);
+    if (!value) return ERROR_FILE_NOT_FOUND;
+    const std::string bytes = StoredBytes(*value);
+    const DWORD room = size != nullptr ? *size : 0;
+    if (type != nullptr) *type = value->type;
+    if (size != nullptr) *size = static_cast<DWORD>(bytes.size());
+    if (data == nullptr) return ERROR_SUCCESS;
+    if (room < bytes.size()) return ERROR_MORE_DATA;
+    std::memcpy(data, bytes.data(), bytes.size());
+    return ERROR_SUCCESS;
+}
+
+}  // namespace
+
+bool machine::IsAtOrBelow(const std::string& key, const std::string& path) {
+    return SameName(key.substr(0, path.size()), path) &&
+           (key.size() == path.size() || key[path.size()] == '\\');
+}
+
+bool machine::KeyExists(const Pc& pc, const std::string& path) {
+    return IsAtOrBelow(controlKey, path) ||
+           std::any_of(pc.registry.begin(), pc.registry.end(),
+                       [&](const auto& key) { return IsAtOrBelow(key.first, path); });
+}
+
+// Error 2 for a key that does not exist, 6 for a parent that is not open, 87 without a place for the result,
+// which is null after a failure. The caller closes with RegCloseKey.
+extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD, REGSAM access, PHKEY opened) {
+    if (opened != nullptr) *opened = nullptr;
+    const std::string path = WithoutSlashes(ToUtf8(name));
+    return Answer<LSTATUS>("RegOpenKeyExW", {KeyName(parent), path, Hex(access)},
+                           [&](EmulatedPc& pc) -> LSTATUS {
+                               if (opened == nullptr) return ERROR_INVALID_PARAMETER;
+                               const std::optional<std::string> above = PathOf(pc, parent);
+                               if (!above) return ERROR_INVALID_HANDLE;
+                               const std::string whole = path.empty() ? *above : *above + '\\' + path;
+                               if (!path.empty() && !KeyExists(pc.facts, whole)) return ERROR_FILE_NOT_FOUND;
+                               void* const key = OpenKeys::Of(pc).Open(pc, {whole, access});
+                               *opened = static_cast<HKEY>(key);
+                               return ERROR_SUCCESS;
+                           });
+}
+
+// Without a buffer only type and size. Error 2 for a value that does not exist, 5 for a key that was not
+// opened for reading, 6 for one that is not open, 87 for a buffer without its size, 234 for a short buffer,
+// which is left alone, with the size that is needed.
+extern "C" LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD, LPDWORD type, LPBYTE data,
+                                           LPDWORD size) {
+    const std::string value = ToUtf8(name);
+    return Answer<LSTATUS>("RegQueryValueExW", {KeyName(key), value},
+                           [&](EmulatedPc& pc) { return Query(pc, key, value, type, data, size); });
+}
+
+// Roots stay open. Error 6, and a violation in the ledger, for a key that is not open.
+extern "C" LSTATUS WINAPI RegCloseKey(HKEY key) {
+    return Answer<LSTATUS>("RegCloseKey", {KeyName(key)}, [&](EmulatedPc& pc) -> LSTATUS {
+        if (FindRoot(key) != nullptr) return ERROR_SUCCESS;
+        return OpenKeys::Of(pc).Close(pc, key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+    });
+}

@@ -1,0 +1,33 @@
+// Waiting: the clock of the emulated PC goes on, nobody waits.
+
+#include "machine/api/call/call.h"
+#include "machine/api/handles/file_handles.h"
+#include "machine/api/handles/processes.h"
+#include "machine/journal/clock.h"
+
+using namespace machine;
+
+extern "C" void WINAPI Sleep(DWORD milliseconds) {
+    EmulatedPc& pc = EmulatedPc::Current();
+    pc.journal.Add(CallRecord{"Sleep", {std::to_string(milliseconds)}, ""});
+    AdvanceClock(pc, milliseconds);
+}
+
+// Waits for a process. 0: it has ended; 258 (WAIT_TIMEOUT): it has not, and the time is over; 0xFFFFFFFF
+// (WAIT_FAILED) and error 6 for a handle of anything else.
+extern "C" DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+    std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle),
+                                          std::to_string(milliseconds)};
+    return Answer<DWORD>("WaitForSingleObject", std::move(arguments), [&](EmulatedPc& pc) -> DWORD {
+        const Process* const process = Processes::Of(pc).Find(handle);
+        if (process == nullptr) {
+            pc.lastError = ERROR_INVALID_HANDLE;
+            return WAIT_FAILED;
+        }
+        const uint64_t now = pc.clockMilliseconds;
+        const uint64_t left = process->endsAt > now ? process->endsAt - now : 0;
+        const bool ends = left <= milliseconds;
+        AdvanceClock(pc, ends ? left : milliseconds);
+        return ends ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    });
+}

@@ -1,0 +1,30 @@
+#include "machine/api/text/oem_code_page.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace machine {
+
+namespace {
+
+// From 0x80 on; every byte below is the character of its own number.
+constexpr WideView upperHalf = TEXT("ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜ¢£¥₧ƒáíóúñÑªº¿⌐¬½¼¡«»░▒▓│┤╡╢╖╕╣║╗╝╜╛┐")
+    TEXT("└┴┬├─┼╞╟╚╔╩╦╠═╬╧╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀αßΓπΣσµτΦΘΩδ∞φε∩≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00A0");
+constexpr WCHAR firstOfTable = 0x80;
+static_assert(upperHalf.size() == 128);
+
+char ToByte(WCHAR unit) {
+    if (unit < firstOfTable) return static_cast<char>(unit);
+    const size_t index = upperHalf.find(unit);
+    return index != WideView::npos ? static_cast<char>(firstOfTable + index) : '?';
+}
+
+}  // namespace
+
+std::string ToOem(WideView text) {
+    std::string bytes;
+    std::transform(text.begin(), text.end(), std::back_inserter(bytes), ToByte);
+    return bytes;
+}
+
+}  // namespace machine

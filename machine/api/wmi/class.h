@@ -1,0 +1,69 @@
+// What WMI offers, as data: classes with their instances and methods, each in a namespace. A PC has those
+// that the library asks for; more are added with one row.
+#pragma once
+
+#include <functional>
+#include <list>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "machine/journal/emulated_pc.h"
+
+namespace machine {
+
+// Absent (VT_NULL), text (VT_BSTR), a number (VT_I4) or a truth value (VT_BOOL).
+using WmiValue = std::variant<std::monostate, std::string, int32_t, bool>;
+
+// The value of a fact that may be absent.
+WmiValue TextOrAbsent(const std::optional<std::string>& text);
+
+// Values by name, in the order of their declaration. Names are compared without regard to case.
+using WmiProperties = std::vector<std::pair<std::string, WmiValue>>;
+
+// The value of that name, or null.
+const WmiValue* FindProperty(const WmiProperties& properties, std::string_view name);
+
+struct WmiMethod {
+    std::string name;
+    std::vector<std::string> inputs;   // none: the method has no input signature
+    std::vector<std::string> outputs;  // "ReturnValue" among them
+    // Performs the method on an instance and fills the outputs, which are absent before. A failure code is
+    // the result of ExecMethod, and there are no outputs then.
+    std::function<HRESULT(EmulatedPc&, const WmiProperties& instance, const WmiProperties& inputs,
+                          WmiProperties& outputs)>
+        run;
+};
+
+struct WmiClass {
+    std::string space;  // "root\\cimv2", in any case
+    std::string name;
+    std::vector<std::string> properties;  // the first is the key that object paths name
+    // Rows of values in the order of `properties`.
+    std::function<std::vector<std::vector<WmiValue>>(const Pc&)> rows;
+    std::vector<WmiMethod> methods;
+    bool (*isOffered)(const Pc&) = nullptr;  // whether the PC has the class at all; null: every PC
+};
+
+class WmiRepository {
+  public:
+    // root\cimv2 with the classes about disks, and BitLocker's namespace.
+    WmiRepository();
+    static WmiRepository& Of(EmulatedPc& pc) { return pc.State<WmiRepository>(); }
+
+    void Add(WmiClass definition) { classes_.push_back(std::move(definition)); }
+    // Whether the PC has the namespace: any with a class that it offers.
+    bool HasNamespace(const Pc& pc, std::string_view space) const;
+    // The class of that name, or null. It stays where it is.
+    const WmiClass* FindClass(std::string_view space, std::string_view name) const;
+
+  private:
+    std::list<WmiClass> classes_;
+};
+
+// The instances, each with all properties of the class.
+std::vector<WmiProperties> InstancesOf(const Pc& pc, const WmiClass& definition);
+
+}  // namespace machine

@@ -1,0 +1,83 @@
+#include "machine/api/wmi/disks.h"
+
+#include <algorithm>
+
+#include "base/text_case.h"
+
+namespace machine {
+
+namespace {
+
+using Rows = std::vector<std::vector<WmiValue>>;
+
+// The disks that WMI lists: first those that the PC's order names, then the others as the PC has them.
+std::vector<const Disk*> ListedDisks(const Pc& pc) {
+    std::vector<const Disk*> disks;
+    const auto add = [&](const Disk& disk) {
+        if (disk.wmi && std::find(disks.begin(), disks.end(), &disk) == disks.end()) disks.push_back(&disk);
+    };
+    for (const uint32_t number : pc.wmiOrder) {
+        for (const Disk& disk : pc.disks) {
+            if (disk.number == number) add(disk);
+        }
+    }
+    for (const Disk& disk : pc.disks)
+        add(disk);
+    return disks;
+}
+
+Rows DiskDrives(const Pc& pc) {
+    Rows rows;
+    for (const Disk* disk : ListedDisks(pc)) {
+        rows.push_back({TextOrAbsent(disk->wmi->deviceId), TextOrAbsent(disk->wmi->pnpDeviceId),
+                        TextOrAbsent(disk->wmi->interfaceType)});
+    }
+    return rows;
+}
+
+// An object path, in which every backslash of the key stands twice.
+WmiValue PathTo(std::string_view className, std::string_view deviceId) {
+    std::string path = "\\\\PC\\root\\cimv2:" + std::string(className) + ".DeviceID=\"";
+    for (const char unit : deviceId)
+        path.append(unit == '\\' ? 2 : 1, unit);
+    return path + "\"";
+}
+
+// One row a hop from each disk of that interface up to its top-most controller; a hop that disks share is
+// one row.
+Rows ControllerLinks(const Pc& pc, std::string_view interfaceType, std::string_view controllerClass) {
+    Rows rows;
+    for (const Disk* disk : ListedDisks(pc)) {
+        if (!disk->wmi->pnpDeviceId || !SameName(disk->wmi->interfaceType.value_or(""), interfaceType))
+            continue;
+        std::string device = *disk->wmi->pnpDeviceId;
+        for (const std::string& controller : disk->controllers) {
+            std::vector<WmiValue> row = {PathTo(controllerClass, controller),
+                                         PathTo("Win32_PnPEntity", device)};
+            if (std::find(rows.begin(), rows.end(), row) == rows.end()) rows.push_back(std::move(row));
+            device = controller;
+        }
+    }
+    return rows;
+}
+
+}  // namespace
+
+std::vector<WmiClass> DiskClasses() {
+    const char* const space = "root\\cimv2";
+    return {
+        {space, "Win32_DiskDrive", {"DeviceID", "PNPDeviceID", "InterfaceType"}, DiskDrives, {}},
+        {space,
+         "Win32_IDEControllerDevice",
+         {"Antecedent", "Dependent"},
+         [](const Pc& pc) { return ControllerLinks(pc, "IDE", "Win32_IDEController"); },
+         {}},
+        {space,
+         "Win32_SCSIControllerDevice",
+         {"Antecedent", "Dependent"},
+         [](const Pc& pc) { return ControllerLinks(pc, "SCSI", "Win32_SCSIController"); },
+         {}},
+    };
+}
+
+}  // namespace machine

@@ -1,0 +1,19 @@
+// The door to WMI.
+#pragma once
+
+#include "machine/api/com/object.h"
+
+namespace machine {
+
+class WmiLocator final : public ComObject, public ComInterface<IWbemLocator> {
+  public:
+    WmiLocator() : ComInterface(*this, IID_IWbemLocator, "IWbemLocator") {}
+
+    // Each connection is an object of its own, which the caller releases. WBEM_E_INVALID_NAMESPACE: the PC
+    // has no such namespace.
+    HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR resource, const BSTR user, const BSTR password,
+                                            const BSTR locale, LONG flags, const BSTR authority,
+                                            IWbemContext* context, IWbemServices** services) override;
+};
+
+}  // namespace machine

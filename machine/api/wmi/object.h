@@ -1,0 +1,89 @@
+// An object of WMI: a class, the signature of a method, or an instance of either.
+#pragma once
+
+#include "machine/api/com/object.h"
+#include "machine/api/wmi/class.h"
+
+namespace machine {
+
+// The methods of IWbemClassObject that nothing here needs; all answer WBEM_E_NOT_SUPPORTED.
+class WmiObjectBase : public ComInterface<IWbemClassObject> {
+  public:
+    using ComInterface::ComInterface;
+
+    HRESULT STDMETHODCALLTYPE GetQualifierSet(IWbemQualifierSet**) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE Delete(LPCWSTR) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE GetNames(LPCWSTR, LONG, VARIANT*, SAFEARRAY**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE BeginEnumeration(LONG) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE Next(LONG, BSTR*, VARIANT*, CIMTYPE*, LONG*) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE EndEnumeration() override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE GetPropertyQualifierSet(LPCWSTR, IWbemQualifierSet**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE Clone(IWbemClassObject**) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE GetObjectText(LONG, BSTR*) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE SpawnDerivedClass(LONG, IWbemClassObject**) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE CompareTo(LONG, IWbemClassObject*) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE GetPropertyOrigin(LPCWSTR, BSTR*) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE InheritsFrom(LPCWSTR) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE PutMethod(LPCWSTR, LONG, IWbemClassObject*, IWbemClassObject*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE DeleteMethod(LPCWSTR) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE BeginMethodEnumeration(LONG) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE NextMethod(LONG, BSTR*, IWbemClassObject**, IWbemClassObject**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE EndMethodEnumeration() override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE GetMethodQualifierSet(LPCWSTR, IWbemQualifierSet**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE GetMethodOrigin(LPCWSTR, BSTR*) override { return NotSupported(); }
+
+  private:
+    static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
+};
+
+// The flags of its methods are reserved: every value but 0 is WBEM_E_INVALID_PARAMETER.
+class WmiObject final : public ComObject, public WmiObjectBase {
+  public:
+    // A class: its properties are absent, its methods can be asked for.
+    explicit WmiObject(const WmiClass& definition);
+    // A signature: what instances of it can be put into.
+    explicit WmiObject(const std::vector<std::string>& names);
+    // An instance.
+    explicit WmiObject(WmiProperties properties);
+
+    const WmiProperties& Properties() const { return properties_; }
+
+    // A number, a text or a truth value by its type, VT_NULL when absent; the caller clears it.
+    // WBEM_E_NOT_FOUND: no such property, and `value` is untouched, as on any failure.
+    HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type,
+                                  LONG* flavor) override;
+    // WBEM_E_NOT_FOUND: no such property; WBEM_E_TYPE_MISMATCH: a kind of value that none has;
+    // WBEM_E_INVALID_PARAMETER: a type, which is for properties of a new class.
+    HRESULT STDMETHODCALLTYPE Put(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE type) override;
+    // WBEM_E_ILLEGAL_OPERATION: this is an instance itself. The caller releases the instance.
+    HRESULT STDMETHODCALLTYPE SpawnInstance(LONG flags, IWbemClassObject** instance) override;
+    // Signatures of a method; null when the method has no inputs or outputs. WBEM_E_ILLEGAL_OPERATION: this
+    // is no class; WBEM_E_NOT_FOUND: it has no such method. The caller releases both.
+    HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR name, LONG flags, IWbemClassObject** inputs,
+                                        IWbemClassObject** outputs) override;
+
+  private:
+    WmiObject(const WmiClass* definition, bool spawns, WmiProperties properties);
+
+    const WmiClass* const definition_;
+    const bool spawns_;
+    WmiProperties properties_;
+};
+
+// The method of that name, or null.
+const WmiMethod* FindMethod(const WmiClass& definition, std::string_view name);
+
+// Properties of those names, all absent.
+WmiProperties AbsentProperties(const std::vector<std::string>& names);
+
+}  // namespace machine

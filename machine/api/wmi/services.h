@@ -1,0 +1,137 @@
+// A connection to one namespace of WMI, and the lists of instances that it hands out.
+#pragma once
+
+#include "machine/api/com/object.h"
+#include "machine/api/wmi/class.h"
+#include "machine/api/wmi/path.h"
+
+namespace machine {
+
+// The methods of IWbemServices that nothing here needs; all answer WBEM_E_NOT_SUPPORTED.
+class WmiServicesBase : public ComInterface<IWbemServices> {
+  public:
+    using ComInterface::ComInterface;
+
+    HRESULT STDMETHODCALLTYPE OpenNamespace(const BSTR, LONG, IWbemContext*, IWbemServices**,
+                                            IWbemCallResult**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE CancelAsyncCall(IWbemObjectSink*) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE QueryObjectSink(LONG, IWbemObjectSink**) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE GetObjectAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE PutClass(IWbemClassObject*, LONG, IWbemContext*, IWbemCallResult**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE PutClassAsync(IWbemClassObject*, LONG, IWbemContext*,
+                                            IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE DeleteClass(const BSTR, LONG, IWbemContext*, IWbemCallResult**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE DeleteClassAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE CreateClassEnum(const BSTR, LONG, IWbemContext*,
+                                              IEnumWbemClassObject**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE CreateClassEnumAsync(const BSTR, LONG, IWbemContext*,
+                                                   IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject*, LONG, IWbemContext*,
+                                          IWbemCallResult**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE PutInstanceAsync(IWbemClassObject*, LONG, IWbemContext*,
+                                               IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE DeleteInstance(const BSTR, LONG, IWbemContext*, IWbemCallResult**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE DeleteInstanceAsync(const BSTR, LONG, IWbemContext*,
+                                                  IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext*,
+                                                      IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR, const BSTR, LONG, IWbemContext*,
+                                        IEnumWbemClassObject**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext*,
+                                             IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE ExecNotificationQuery(const BSTR, const BSTR, LONG, IWbemContext*,
+                                                    IEnumWbemClassObject**) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE ExecNotificationQueryAsync(const BSTR, const BSTR, LONG, IWbemContext*,
+                                                         IWbemObjectSink*) override {
+        return NotSupported();
+    }
+    HRESULT STDMETHODCALLTYPE ExecMethodAsync(const BSTR, const BSTR, LONG, IWbemContext*, IWbemClassObject*,
+                                              IWbemObjectSink*) override {
+        return NotSupported();
+    }
+
+  private:
+    static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
+};
+
+class WmiServices final : public ComObject, public WmiServicesBase {
+  public:
+    explicit WmiServices(std::string space)
+        : WmiServicesBase(*this, IID_IWbemServices, "IWbemServices"), space_(std::move(space)) {}
+
+    // A class by its name, or an instance by its path; the caller releases it. WBEM_E_INVALID_OBJECT_PATH:
+    // malformed, or of another namespace; WBEM_E_NOT_FOUND: no such class or instance;
+    // WBEM_E_INVALID_PARAMETER: flags, none of which are known here.
+    HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG flags, IWbemContext* context,
+                                        IWbemClassObject** object, IWbemCallResult** callResult) override;
+    // All instances as they are now, whatever the flags; the caller releases the list.
+    // WBEM_E_INVALID_CLASS: no such class.
+    HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext* context,
+                                                 IEnumWbemClassObject** enumerator) override;
+    // Path errors as GetObject; WBEM_E_INVALID_METHOD: the class has no such method;
+    // WBEM_E_INVALID_PARAMETER: flags, or `inputs` that are no object of WMI; else what the method itself
+    // answers. The caller releases the outputs.
+    HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG flags,
+                                         IWbemContext* context, IWbemClassObject* inputs,
+                                         IWbemClassObject** outputs, IWbemCallResult** callResult) override;
+
+  private:
+    const std::string space_;
+};
+
+// Reset, NextAsync, Clone and Skip answer WBEM_E_NOT_SUPPORTED.
+class WmiEnumerator final : public ComObject, public ComInterface<IEnumWbemClassObject> {
+  public:
+    explicit WmiEnumerator(std::vector<WmiProperties> instances)
+        : ComInterface(*this, IID_IEnumWbemClassObject, "IEnumWbemClassObject"),
+          instances_(std::move(instances)) {}
+
+    // WBEM_S_FALSE: fewer were left than asked for, at the end none. Nothing waits, whatever the timeout. The
+    // caller releases what it got.
+    HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
+                                   ULONG* returned) override;
+    HRESULT STDMETHODCALLTYPE Reset() override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE NextAsync(ULONG, IWbemObjectSink*) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE Clone(IEnumWbemClassObject**) override { return NotSupported(); }
+    HRESULT STDMETHODCALLTYPE Skip(LONG, ULONG) override { return NotSupported(); }
+
+  private:
+    static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
+
+    std::vector<WmiProperties> instances_;
+    size_t position_ = 0;
+};
+
+}  // namespace machine

@@ -1,0 +1,15 @@
+#include "machine/description/description.h"
+#include "machine/description/types.h"
+
+namespace machine {
+
+std::string WriteDescription(const Pc& pc) {
+    constexpr int indent = 2;
+    try {
+        return description::WriteRecord(description::PcType(), pc, Pc()).dump(indent) + "\n";
+    } catch (const description::Json::type_error&) {
+        throw DescriptionError("description", pc.name, "the PC holds text that is not UTF-8");
+    }
+}
+
+}  // namespace machine

@@ -1,0 +1,42 @@
+// Files of the facts behind the same door as files on an image.
+#pragma once
+
+#include "machine/facts/pc.h"
+
+namespace machine {
+
+// The files of a described volume.
+class TreeStore final : public FileStore {
+  public:
+    explicit TreeStore(FileTree& tree) : tree_(tree) {}
+
+    FileKind Find(std::string_view path) override;
+    uint32_t Read(std::string_view path, std::string& content) override;
+    uint32_t Write(std::string_view path, std::string_view content) override;
+    uint32_t Remove(std::string_view path) override;
+
+  private:
+    FileTree& tree_;
+};
+
+// The host program and the files beside it, as they show on the program's drive: `program` is its path
+// without the drive. The program itself exists, but cannot be read, overwritten or removed.
+class HostStore final : public FileStore {
+  public:
+    HostStore(std::string_view program, FileTree& files);
+
+    FileKind Find(std::string_view path) override;
+    uint32_t Read(std::string_view path, std::string& content) override;
+    uint32_t Write(std::string_view path, std::string_view content) override;
+    uint32_t Remove(std::string_view path) override;
+
+    // Whether a file of that path lies in the program's folder or below it.
+    bool Covers(std::string_view path) const;
+
+  private:
+    std::string program_;  // upper case, with slashes
+    std::string folder_;   // the same up to and with the last slash; empty for the root
+    TreeStore files_;
+};
+
+}  // namespace machine

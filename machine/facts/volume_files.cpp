@@ -1,0 +1,158 @@
+#include "machine/facts/volume_files.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "base/text_case.h"
+#include "machine/facts/file_stores.h"
+#include "machine/facts/letters.h"
+
+namespace machine {
+
+namespace {
+
+struct FullPath {
+    char drive = '\0';
+    std::string inner;  // below the drive, with slashes
+};
+
+// The parts between slashes and backslashes, with "." and ".." resolved; ".." stays at the root.
+std::string Resolved(std::string_view path) {
+    std::vector<std::string_view> parts;
+    for (size_t start = 0; start <= path.size();) {
+        const size_t end = std::min(path.find_first_of("/\\", start), path.size());
+        const std::string_view part = path.substr(start, end - start);
+        if (part == "..") {
+            if (!parts.empty()) parts.pop_back();
+        } else if (!part.empty() && part != ".") {
+            parts.push_back(part);
+        }
+        start = end + 1;
+    }
+    std::string resolved;
+    for (const std::string_view part : parts) {
+        if (!resolved.empty()) resolved += '/';
+        resolved += part;
+    }
+    return resolved;
+}
+
+uint32_t Split(std::string_view path, FullPath& full) {
+    if (path.starts_with("\\\\?\\") || path.starts_with("\\\\.\\")) path.remove_prefix(4);
+    if (path.empty()) return ERROR_PATH_NOT_FOUND;
+    if (path.size() < 2 || path[1] != ':') return ERROR_FILE_NOT_FOUND;
+    const std::string_view rest = path.substr(2);
+    if (rest.find_first_of("<>\"|?*:") != std::string_view::npos) return ERROR_INVALID_NAME;
+    full = {UpperCase(path.substr(0, 1))[0], Resolved(rest)};
+    return ERROR_SUCCESS;
+}
+
+// System32 of the running system as a 32-bit program sees it; other paths stay.
+void Redirect(const Pc& pc, FullPath& full) {
+    constexpr std::string_view folder = "System32";
+    FullPath system;
+    if (Split(pc.system.windowsDirectory + "/" + std::string(folder), system) != ERROR_SUCCESS) return;
+    const size_t length = system.inner.size();
+    if (full.drive != system.drive || !SameName(full.inner.substr(0, length), system.inner)) return;
+    if (full.inner.size() > length && full.inner[length] != '/') return;
+    full.inner.replace(length - folder.size(), folder.size(), "SysWOW64");
+}
+
+uint32_t Locate(const Pc& pc, bool redirects, std::string_view path, FullPath& full) {
+    const uint32_t error = Split(path, full);
+    if (error == ERROR_SUCCESS && redirects) Redirect(pc, full);
+    return error;
+}
+
+std::string Parent(const std::string& inner) {
+    const size_t slash = inner.rfind('/');
+    return slash == std::string::npos ? std::string() : inner.substr(0, slash);
+}
+
+// What lies under one drive letter: the host program's files before the volume's.
+class Drive {
+  public:
+    Drive(Pc& pc, char letter) {
+        FullPath program;
+        if (Split(pc.host.path, program) == ERROR_SUCCESS && program.drive == letter)
+            host_.emplace(program.inner, pc.host.files);
+        const LocatedVolume located = FindLetter(pc, letter);
+        if (!located) return;
+        volumeError_ = WhyUnreadable(*located.volume);
+        tree_.emplace(located.volume->files);
+        volume_ = located.volume->store != nullptr ? located.volume->store.get() : &*tree_;
+    }
+
+    FileKind KindOf(const std::string& inner) {
+        const FileKind kind = host_ ? host_->Find(inner) : FileKind::None;
+        if (kind != FileKind::None || volumeError_ != ERROR_SUCCESS) return kind;
+        return volume_->Find(inner);
+    }
+
+    // Why a path means nothing here.
+    uint32_t WhyMissing(const std::string& inner) {
+        if (KindOf(Parent(inner)) == FileKind::Folder) return ERROR_FILE_NOT_FOUND;
+        return volumeError_ != ERROR_SUCCESS ? volumeError_ : ERROR_PATH_NOT_FOUND;
+    }
+
+    // The files among which the path is, or would be. Its folder exists.
+    FileStore& HolderOf(const std::string& inner) {
+        const bool onVolume = volumeError_ == ERROR_SUCCESS && volume_->Find(inner) != FileKind::None;
+        const bool withHost = host_ && host_->Covers(inner);
+        if (withHost && (!onVolume || host_->Find(inner) != FileKind::None)) return *host_;
+        return *volume_;
+    }
+
+    // Whether a file could be put at that path, and if not, why.
+    uint32_t WhyUnwritable(const std::string& inner) {
+        if (KindOf(inner) == FileKind::Folder) return ERROR_ACCESS_DENIED;
+        if (KindOf(Parent(inner)) != FileKind::Folder)
+            return volumeError_ != ERROR_SUCCESS ? volumeError_ : ERROR_PATH_NOT_FOUND;
+        return host_ && host_->Covers(inner) ? uint32_t{ERROR_SUCCESS} : volumeError_;
+    }
+
+  private:
+    std::optional<HostStore> host_;
+    std::optional<TreeStore> tree_;
+    FileStore* volume_ = nullptr;
+    uint32_t volumeError_ = ERROR_PATH_NOT_FOUND;
+};
+
+}  // namespace
+
+uint32_t VolumeFiles::Find(std::string_view path, FileKind& kind) {
+    kind = FileKind::None;
+    FullPath full;
+    if (const uint32_t error = Locate(pc_, redirects_, path, full); error != ERROR_SUCCESS) return error;
+    Drive drive(pc_, full.drive);
+    kind = drive.KindOf(full.inner);
+    return kind != FileKind::None ? uint32_t{ERROR_SUCCESS} : drive.WhyMissing(full.inner);
+}
+
+uint32_t VolumeFiles::Read(std::string_view path, std::string& content) {
+    FileKind kind;
+    if (const uint32_t error = Find(path, kind); error != ERROR_SUCCESS) return error;
+    if (kind == FileKind::Folder) return ERROR_ACCESS_DENIED;
+    FullPath full;
+    Locate(pc_, redirects_, path, full);
+    return Drive(pc_, full.drive).HolderOf(full.inner).Read(full.inner, content);
+}
+
+uint32_t VolumeFiles::Write(std::string_view path, std::string_view content) {
+    FullPath full;
+    if (const uint32_t error = Locate(pc_, redirects_, path, full); error != ERROR_SUCCESS) return error;
+    Drive drive(pc_, full.drive);
+    if (const uint32_t error = drive.WhyUnwritable(full.inner); error != ERROR_SUCCESS) return error;
+    return drive.HolderOf(full.inner).Write(full.inner, content);
+}
+
+uint32_t VolumeFiles::Remove(std::string_view path) {
+    FileKind kind;
+    if (const uint32_t error = Find(path, kind); error != ERROR_SUCCESS) return error;
+    if (kind == FileKind::Folder) return ERROR_ACCESS_DENIED;
+    FullPath full;
+    Locate(pc_, redirects_, path, full);
+    return Drive(pc_, full.drive).HolderOf(full.inner).Remove(full.inner);
+}
+
+}  // namespace machine

@@ -1,0 +1,34 @@
+// Decides, call by call, which fail: counts the calls of each name and finds the rule that applies.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "machine/facts/fault_rule.h"
+
+namespace machine {
+
+class FaultPlan {
+  public:
+    FaultPlan() = default;
+    explicit FaultPlan(std::vector<FaultRule> rules) : rules_(std::move(rules)) {}
+
+    // Counting starts afresh with the rule.
+    void Arm(FaultRule rule);
+    void Disarm();
+    // Counts one call; the first rule that applies to it, or null.
+    const FaultRule* Next(const std::string& call);
+    // How often a rule applied.
+    int Fired() const { return fired_; }
+
+  private:
+    std::vector<FaultRule> rules_;
+    std::map<std::string, uint32_t> counts_;
+    int fired_ = 0;
+};
+
+// Called whenever a rule applies: the place for a breakpoint.
+void FaultInjected(const FaultRule& rule);
+
+}  // namespace machine

@@ -1,0 +1,115 @@
+#include "machine/media/disk_image.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "machine/facts/extent_type.h"
+#include "machine/media/device/image_file.h"
+#include "machine/media/table/image_table.h"
+#include "machine/media/volumes/file_system_probe.h"
+#include "machine/media/volumes/ntfs_volume.h"
+#include "machine/media/volumes/volume_image.h"
+
+namespace machine {
+
+namespace {
+
+// "partition 2 "Windows"".
+std::string NameOf(const Partition& partition) {
+    std::string name = "partition " + std::to_string(partition.number);
+    const auto& label = partition.volume->label.value;
+    if (label && !label->empty()) name += " \"" + *label + "\"";
+    return name;
+}
+
+// What Windows would see there: a file system that it knows, or an unreadable one where the partition's type
+// says that there is one.
+std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, FileSystemProbe& probe,
+                                 PartitionStyle style, const Partition& partition) {
+    const auto fileSystem = probe.Identify(partition.offset, partition.size);
+    if (!fileSystem && ExtentTypeOf(style, partition) != VDS_DET_DATA) return std::nullopt;
+    return VolumeAt(image, fileSystem.value_or(FileSystem{"RAW", ""}), partition.offset, partition.size);
+}
+
+// Keeps of a described volume what its image cannot tell.
+void Merge(const ImageFile& image, const Volume& described, Partition& partition) {
+    if (!partition.volume) {
+        partition.volume.emplace();
+        partition.volume->fileSystem = "RAW";
+    }
+    Volume& volume = *partition.volume;
+    if (volume.store && !described.files.IsEmpty())
+        throw image.Error(NameOf(partition) +
+                          " is described with files, but has those that are on the image");
+    volume.letters = described.letters;
+    volume.driveType = described.driveType;
+    volume.furtherExtents = described.furtherExtents;
+    volume.openError = described.openError;
+    volume.extentType = described.extentType;
+    volume.files = described.files;
+    if (!described.label.value) volume.label = described.label;
+}
+
+void Merge(const ImageFile& image, const std::vector<Partition>& described, Disk& disk) {
+    for (const Partition& given : described) {
+        const auto partition =
+            std::find_if(disk.partitions.begin(), disk.partitions.end(),
+                         [&](const Partition& candidate) { return candidate.number == given.number; });
+        if (partition == disk.partitions.end())
+            throw image.Error("partition " + std::to_string(given.number) +
+                              " is described, but not on the image");
+        if (given.volume) Merge(image, *given.volume, *partition);
+    }
+}
+
+// Refuses what a change could ruin: Windows would play its own version over it, or lose what it has not
+// written.
+void CheckMayChange(const ImageFile& image, const Disk& disk) {
+    for (const Partition& partition : disk.partitions) {
+        auto* const volume =
+            partition.volume ? dynamic_cast<NtfsVolume*>(partition.volume->store.get()) : nullptr;
+        if (volume == nullptr) continue;
+        switch (volume->Check()) {
+            case NtfsVolume::Condition::Clean:
+                break;
+            case NtfsVolume::Condition::Dirty:
+                throw image.Error(NameOf(partition) +
+                                  " is marked dirty: start Windows, let chkdsk check it, shut down, and try "
+                                  "again");
+            case NtfsVolume::Condition::Hibernated:
+                throw image.Error(
+                    NameOf(partition) +
+                    " is hibernated: start Windows, shut it down completely (shutdown /s /t 0), "
+                    "and try again");
+            case NtfsVolume::Condition::Damaged:
+                throw image.Error(NameOf(partition) +
+                                  " is damaged: let chkdsk repair it on a running Windows, and try again");
+        }
+    }
+}
+
+// A volume's first sector ends as a partition table does.
+void CheckIsWholeDisk(const ImageFile& image, FileSystemProbe& probe) {
+    const auto fileSystem = probe.Identify(0, image.Size());
+    if (fileSystem)
+        throw image.Error("no partition table, so no disk image: the file holds a single " +
+                          fileSystem->kind + " volume");
+}
+
+}  // namespace
+
+void AttachImage(Disk& disk, ImageAccess access) {
+    const auto image = std::make_shared<ImageFile>(disk.image, access);
+    FileSystemProbe probe(*image, MediumKind::Disk);
+    CheckIsWholeDisk(*image, probe);
+    Disk attached = disk;
+    ReadTable(*image, attached);
+    for (Partition& partition : attached.partitions)
+        partition.volume = ReadVolume(image, probe, attached.style, partition);
+    Merge(*image, disk.partitions, attached);
+    if (access != ImageAccess::Read) CheckMayChange(*image, attached);
+    attached.table = std::make_shared<ImageTable>(image);
+    disk = std::move(attached);
+}
+
+}  // namespace machine

@@ -1,0 +1,107 @@
+// The PC that images alone make, and the letters that its running system gives.
+#include "machine/facts/extent_type.h"
+#include "machine/facts/letters.h"
+#include "machine/facts/machines.h"
+#include "machine/media/disk_image.h"
+#include "machine/media/encryptable_volumes.h"
+#include "machine/media/given_images.h"
+#include "machine/media/hivex_reader.h"
+#include "machine/media/mounted_devices.h"
+#include "platform/partition_types.h"
+
+namespace machine {
+
+namespace {
+
+constexpr const char* sataController = "PCI\\VEN_8086&DEV_2922&SUBSYS_20F017AA&REV_03\\3&11583659&0&FA";
+constexpr const char* windowsLoader = "Windows\\System32\\Winload.exe";
+
+constexpr uint64_t gptHidden = 0x4000000000000000;
+constexpr uint64_t gptNoDriveLetter = 0x8000000000000000;
+
+bool IsBasicData(const Partition& partition) {
+    return IsSameGuid(partition.gptType, PARTITION_BASIC_DATA_GUID);
+}
+
+// Recognised volumes get a letter from every system, those of the maker and the recovery environment only
+// from Windows PE, which has a letter for whatever it can read.
+bool GetsLetter(const Disk& disk, const Partition& partition, SystemKind system) {
+    if (!partition.volume) return false;
+    const bool isPe = system == SystemKind::WindowsPe;
+    const bool isReadable = WhyUnreadable(*partition.volume) == 0;
+    const VDS_DISK_EXTENT_TYPE extent = ExtentTypeOf(disk.style, partition);
+    if (disk.style == PartitionStyle::Gpt) {
+        if ((partition.attributes & gptHidden) != 0) return false;
+        // The attribute for no letter means something on basic data only.
+        if (IsBasicData(partition) && (partition.attributes & gptNoDriveLetter) != 0) return false;
+        return extent == VDS_DET_DATA || (isPe && isReadable && extent == VDS_DET_OEM);
+    }
+    return extent == VDS_DET_DATA ||
+           (isPe && isReadable && (extent == VDS_DET_OEM || extent == VDS_DET_UNKNOWN));
+}
+
+bool HoldsWindows(const Partition& partition) {
+    return partition.volume && partition.volume->store &&
+           partition.volume->store->Find(windowsLoader) == FileKind::File;
+}
+
+// The partition of the installed Windows, or null.
+Partition* FindWindows(Pc& pc) {
+    for (Disk& disk : pc.disks) {
+        for (Partition& partition : disk.partitions) {
+            if (GetsLetter(disk, partition, SystemKind::Windows) && HoldsWindows(partition))
+                return &partition;
+        }
+    }
+    return nullptr;
+}
+
+// Deals C, D, ... in the order of disks and partitions; the running Windows is C.
+void DealLetters(Pc& pc) {
+    std::string free = "CDEFGHIJKLMNOPQRSTUVWXYZ";
+    const auto deal = [&](Partition& partition) {
+        partition.volume->letters = free.substr(0, 1);
+        free.erase(0, 1);
+    };
+    for (const Volume& volume : pc.volumes)
+        std::erase_if(free, [&](char letter) { return volume.letters.find(letter) != std::string::npos; });
+    const Partition* windows = nullptr;
+    if (pc.system.kind == SystemKind::Windows) {
+        if (Partition* found = FindWindows(pc)) {
+            deal(*found);
+            windows = found;
+        }
+    }
+    for (Disk& disk : pc.disks) {
+        for (Partition& partition : disk.partitions) {
+            if (&partition != windows && !free.empty() && GetsLetter(disk, partition, pc.system.kind))
+                deal(partition);
+        }
+    }
+}
+
+}  // namespace
+
+Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAccess access) {
+    Pc pc = system == SystemKind::WindowsPe ? WindowsPePc() : Pc();
+    pc.name = "images";
+    // The platform does not say what becomes of the other flags; a disk with two of them boots nothing.
+    pc.switches.activeFlagIsExclusive = true;
+    for (const std::string& path : paths) {
+        CheckIsNew(pc, path);
+        const auto number = static_cast<uint32_t>(pc.disks.size());
+        Disk disk = SataDisk(number, 0, "IMAGE___________________________________", sataController);
+        disk.image = path;
+        AttachImage(disk, access);
+        pc.disks.push_back(std::move(disk));
+    }
+    const bool isUefi = !pc.disks.empty() && pc.disks.front().style == PartitionStyle::Gpt;
+    pc.firmware.kind = isUefi ? FirmwareKind::Uefi : FirmwareKind::Bios;
+    DealLetters(pc);
+    pc.registry["HKLM\\SYSTEM\\MountedDevices"] = MountedDevicesOf(pc);
+    pc.encryptableVolumes = EncryptableVolumesOf(pc);
+    pc.hiveReader = std::make_shared<HivexReader>();
+    return pc;
+}
+
+}  // namespace machine

@@ -1,0 +1,57 @@
+#include "machine/media/table/fdisk_session.h"
+
+#include <cstring>
+
+#include "machine/media/table/table_check.h"
+
+namespace machine {
+
+namespace {
+
+// libfdisk's dialogs: its warnings are noted, its questions stay unanswered.
+int NoteWarning(fdisk_context*, fdisk_ask* ask, void* data) {
+    switch (fdisk_ask_get_type(ask)) {
+        case FDISK_ASKTYPE_WARN:
+        case FDISK_ASKTYPE_WARNX:
+            static_cast<std::vector<std::string>*>(data)->emplace_back(fdisk_ask_print_get_mesg(ask));
+            return 0;
+        case FDISK_ASKTYPE_INFO:
+            return 0;
+        default:
+            return -EINVAL;
+    }
+}
+
+}  // namespace
+
+FdiskSession::FdiskSession(const ImageFile& image, bool readOnly) : context_(fdisk_new_context()) {
+    if (!context_) throw std::bad_alloc();
+    CheckGptLength(image);
+    fdisk_set_ask(Context(), NoteWarning, &warnings_);
+    fdisk_disable_dialogs(Context(), 1);
+    fdisk_enable_listonly(Context(), 1);  // no search for file systems in the table's place
+    fdisk_enable_wipe(Context(), 0);
+    const int error =
+        fdisk_assign_device_by_fd(Context(), image.Descriptor(), image.Path().c_str(), readOnly ? 1 : 0);
+    if (error != 0) throw image.Error(std::string("cannot be read as a disk: ") + std::strerror(-error));
+}
+
+FdiskOwner<fdisk_partition> FdiskSession::Slot(size_t slot) const {
+    if (!fdisk_is_partition_used(Context(), slot)) return nullptr;
+    fdisk_partition* partition = nullptr;
+    if (fdisk_get_partition(Context(), slot, &partition) != 0) return nullptr;
+    return FdiskOwner<fdisk_partition>(partition);
+}
+
+std::optional<size_t> FdiskSession::SlotAt(uint64_t offset) const {
+    for (size_t slot = 0; slot < fdisk_get_npartitions(Context()); ++slot) {
+        const auto partition = Slot(slot);
+        if (partition && !fdisk_partition_is_container(partition.get()) &&
+            fdisk_partition_get_start(partition.get()) * fdiskSectorSize == offset) {
+            return slot;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace machine

@@ -1,0 +1,208 @@
+#include "machine/media/table/image_table.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "machine/media/device/store_errors.h"
+#include "machine/media/table/fdisk_session.h"
+#include "machine/media/table/table_check.h"
+
+namespace machine {
+
+namespace {
+
+constexpr uint8_t mbrUnused = 0x00;
+constexpr uint8_t mbrExtended = 0x05;
+constexpr uint8_t mbrExtendedLba = 0x0F;
+constexpr uint8_t mbrExtendedLinux = 0x85;  // which Windows does not look into
+constexpr uint8_t mbrProtective = 0xEE;
+
+bool IsExtended(uint8_t type) {
+    return type == mbrExtended || type == mbrExtendedLba;
+}
+
+uint8_t MbrTypeOf(fdisk_partition* entry) {
+    return static_cast<uint8_t>(fdisk_parttype_get_code(fdisk_partition_get_type(entry)));
+}
+
+bool IsActive(fdisk_partition* entry) {
+    return fdisk_partition_is_bootable(entry) == 1;
+}
+
+Guid GuidOf(const ImageFile& image, const char* text) {
+    const auto guid = GuidFromText(text ? text : "");
+    if (!guid) throw image.Error("the GUID partition table is damaged: no GUID where one must be");
+    return *guid;
+}
+
+Partition PlaceOf(fdisk_partition* entry) {
+    // A damaged table can name any sector; beyond these no image ends, and bytes can still be added up.
+    constexpr uint64_t maximumSectors = uint64_t{1} << 53;
+    Partition partition;
+    partition.offset = std::min(fdisk_partition_get_start(entry), maximumSectors) * fdiskSectorSize;
+    partition.size = std::min(fdisk_partition_get_size(entry), maximumSectors) * fdiskSectorSize;
+    return partition;
+}
+
+Region RegionOf(const Partition& partition) {
+    return {"partition " + std::to_string(partition.number), partition.offset, partition.size};
+}
+
+std::string DiskIdentifier(const FdiskSession& session) {
+    char* text = nullptr;
+    if (fdisk_get_disklabel_id(session.Context(), &text) != 0 || !text) return "";
+    std::string identifier = text;
+    std::free(text);
+    return identifier;
+}
+
+void ReadMbr(const ImageFile& image, const FdiskSession& session, Disk& disk) {
+    disk.style = PartitionStyle::Mbr;
+    disk.signature = static_cast<uint32_t>(std::strtoul(DiskIdentifier(session).c_str(), nullptr, 16));
+
+    TableLayout layout;
+    layout.space = {"", fdiskSectorSize, disk.size - fdiskSectorSize};
+    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
+        const auto entry = session.Slot(slot);
+        if (!entry) continue;
+        const uint8_t type = MbrTypeOf(entry.get());
+        if (type == mbrProtective)
+            throw image.Error("the GUID partition table is damaged, or the image is truncated");
+        if (type == mbrExtendedLinux)
+            throw image.Error("an extended partition of type 0x85, which Windows does not know");
+        Partition partition = PlaceOf(entry.get());
+        if (IsExtended(type)) {
+            const Region extended = {"the extended partition", partition.offset, partition.size};
+            CheckBootIndicator(image, slot, extended.name);
+            CheckChain(image, extended);
+            layout.extended.push_back(extended);
+            continue;
+        }
+        if (type == mbrUnused) continue;
+        partition.number = static_cast<uint32_t>(disk.partitions.size() + 1);
+        const bool isLogical = fdisk_partition_is_nested(entry.get()) != 0;
+        if (!isLogical) CheckBootIndicator(image, slot, RegionOf(partition).name);
+        partition.mbrType = type;
+        partition.bootIndicator = IsActive(entry.get()) ? 1 : 0;
+        auto& regions = isLogical ? layout.logicals : layout.primaries;
+        regions.push_back(RegionOf(partition));
+        disk.partitions.push_back(std::move(partition));
+    }
+    CheckLayout(image, layout);
+}
+
+void ReadGpt(const ImageFile& image, const FdiskSession& session, Disk& disk) {
+    disk.style = PartitionStyle::Gpt;
+    disk.guid = GuidOf(image, DiskIdentifier(session).c_str());
+
+    TableLayout layout;
+    const uint64_t first = fdisk_get_first_lba(session.Context());
+    const uint64_t last = fdisk_get_last_lba(session.Context());
+    layout.space = {"", first * fdiskSectorSize, (last + 1 - first) * fdiskSectorSize};
+    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
+        const auto entry = session.Slot(slot);
+        if (!entry) continue;
+        Partition partition = PlaceOf(entry.get());
+        partition.number = static_cast<uint32_t>(disk.partitions.size() + 1);
+        partition.gptType = GuidOf(image, fdisk_parttype_get_string(fdisk_partition_get_type(entry.get())));
+        partition.gptId = GuidOf(image, fdisk_partition_get_uuid(entry.get()));
+        fdisk_gpt_get_partition_attrs(session.Context(), slot, &partition.attributes);
+        const char* name = fdisk_partition_get_name(entry.get());
+        partition.name = name ? name : "";
+        layout.primaries.push_back(RegionOf(partition));
+        disk.partitions.push_back(std::move(partition));
+    }
+    CheckLayout(image, layout);
+}
+
+bool Toggle(const FdiskSession& session, size_t slot) {
+    return fdisk_toggle_partition_flag(session.Context(), slot, DOS_FLAG_ACTIVE) == 0;
+}
+
+// A flag that is there already is toggled twice, and so written again: after a flush that failed, bytes can
+// be read that never reached the medium, and only a new write takes them there.
+bool SetFlag(const FdiskSession& session, size_t slot, bool active) {
+    const auto entry = session.Slot(slot);
+    if (!entry) return false;
+    const bool isThere = IsActive(entry.get()) == active;
+    return Toggle(session, slot) && (!isThere || Toggle(session, slot));
+}
+
+// The extended partition's flag too, for firmware counts it.
+bool ClearOtherFlags(const FdiskSession& session, size_t kept) {
+    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
+        const auto entry = session.Slot(slot);
+        if (slot != kept && entry && IsActive(entry.get()) && !Toggle(session, slot)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool HasTable(const ImageFile& image) {
+    const FdiskSession session(image, true);
+    return fdisk_is_label(session.Context(), GPT) || fdisk_is_label(session.Context(), DOS);
+}
+
+void ReadTable(const ImageFile& image, Disk& disk) {
+    const FdiskSession session(image, true);
+    disk.size = image.Size();
+    disk.partitions.clear();
+    if (fdisk_is_label(session.Context(), GPT)) {
+        ReadGpt(image, session, disk);
+    } else if (fdisk_is_label(session.Context(), DOS)) {
+        ReadMbr(image, session, disk);
+    } else {
+        throw image.Error("no partition table, so no disk image");
+    }
+    // Whatever else libfdisk would repair on writing: a damaged header, a backup in a wrong place.
+    if (!session.Warnings().empty())
+        throw image.Error("the partition table is damaged: " + session.Warnings().front());
+}
+
+uint32_t ImageTable::SetActive(uint64_t partitionOffset, bool active, OtherFlags others) {
+    return Change(partitionOffset, [active, others](const FdiskSession& session, size_t slot) {
+        return SetFlag(session, slot, active) &&
+               (others == OtherFlags::Keep || ClearOtherFlags(session, slot));
+    });
+}
+
+uint32_t ImageTable::SetMbrType(uint64_t partitionOffset, uint8_t type) {
+    if (type == mbrUnused || IsExtended(type) || type == mbrExtendedLinux || type == mbrProtective)
+        return errorInvalidParameter;
+    return Change(partitionOffset, [type](const FdiskSession& session, size_t slot) {
+        const FdiskOwner<fdisk_parttype> value(fdisk_new_unknown_parttype(type, ""));
+        return value && fdisk_set_partition_type(session.Context(), slot, value.get()) == 0;
+    });
+}
+
+std::vector<TableEntry> ImageTable::Entries() try {
+    if (image_->Access() == ImageAccess::Overlay) return {};
+    const FdiskSession session(*image_, true);
+    if (!fdisk_is_label(session.Context(), DOS)) return {};
+    std::vector<TableEntry> entries;
+    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
+        const auto entry = session.Slot(slot);
+        if (!entry || fdisk_partition_is_container(entry.get())) continue;
+        entries.push_back({PlaceOf(entry.get()).offset, IsActive(entry.get()), MbrTypeOf(entry.get())});
+    }
+    return entries;
+} catch (const ImageError&) {
+    return {};
+}
+
+uint32_t ImageTable::Change(uint64_t partitionOffset, const Edit& edit) try {
+    if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
+    const bool isDryRun = image_->Access() == ImageAccess::Overlay;
+    const FdiskSession session(*image_, isDryRun);
+    if (!fdisk_is_label(session.Context(), DOS)) return errorInvalidParameter;
+    const auto slot = session.SlotAt(partitionOffset);
+    if (!slot || !edit(session, *slot)) return errorInvalidParameter;
+    if (isDryRun) return 0;
+    if (fdisk_write_disklabel(session.Context()) != 0 || !image_->Flush()) return errorIoDevice;
+    return 0;
+} catch (const ImageError&) {
+    return errorIoDevice;
+}
+
+}  // namespace machine

@@ -1,0 +1,238 @@
+#include "machine/media/volumes/fat_volume.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "base/utf.h"
+
+namespace machine {
+
+namespace {
+
+// --- the boot sector ---
+
+constexpr uint64_t bootSectorSize = 512;
+constexpr uint64_t entrySize = 32;
+constexpr uint32_t firstCluster = 2;
+// Fewer clusters than these make a volume FAT12 or FAT16.
+constexpr uint64_t leastFat16Clusters = 4085;
+constexpr uint64_t leastFat32Clusters = 65525;
+// No folder is longer, by definition.
+constexpr uint64_t longestFolder = 65536 * entrySize;
+
+bool IsPowerOfTwo(uint64_t number, uint64_t least, uint64_t most) {
+    return std::has_single_bit(number) && number >= least && number <= most;
+}
+
+// --- folder entries ---
+
+constexpr uint8_t endOfFolder = 0x00;
+constexpr uint8_t deletedEntry = 0xE5;
+constexpr uint8_t attributeLabel = 0x08;
+constexpr uint8_t attributeFolder = 0x10;
+constexpr uint8_t attributesOfLongName = 0x0F;
+constexpr uint8_t attributesMask = 0x3F;
+constexpr uint8_t lastOfLongName = 0x40;
+constexpr size_t charactersAPart = 13;
+constexpr size_t longestName = 255;
+
+uint8_t ShortNameSum(std::string_view entry) {
+    uint8_t sum = 0;
+    for (size_t i = 0; i < 11; ++i)
+        sum = static_cast<uint8_t>(((sum & 1) << 7) + (sum >> 1) + Byte(entry, i));
+    return sum;
+}
+
+// "README  TXT" as README.TXT; what is not ASCII as "?", which no path has.
+std::string ShortName(std::string_view entry) {
+    const auto trimmed = [&](size_t at, size_t length) {
+        std::string part(entry.substr(at, length));
+        part.erase(part.find_last_not_of(' ') + 1);
+        std::replace_if(
+            part.begin(), part.end(), [](char unit) { return (unit & 0x80) != 0; }, '?');
+        return part;
+    };
+    const std::string base = trimmed(0, 8);
+    const std::string extension = trimmed(8, 3);
+    return extension.empty() ? base : base + '.' + extension;
+}
+
+// A long name stands in entries before the short one, its last part first.
+class LongName {
+  public:
+    void Clear() {
+        characters_.clear();
+        expected_ = noPart;
+    }
+
+    void Add(std::string_view entry) {
+        const uint8_t order = Byte(entry, 0);
+        if ((order & lastOfLongName) != 0) {
+            Clear();
+            sum_ = Byte(entry, 13);
+        } else if (expected_ != (order & 0x1F) || sum_ != Byte(entry, 13)) {
+            Clear();
+            return;
+        }
+        expected_ = static_cast<uint8_t>((order & 0x1F) - 1);
+        std::u16string part;
+        for (const auto& [at, count] : {std::pair<size_t, size_t>{1, 5}, {14, 6}, {28, 2}}) {
+            for (size_t i = 0; i < count; ++i)
+                part += static_cast<char16_t>(Le16(entry, at + 2 * i));
+        }
+        characters_.insert(0, part);
+        if (characters_.size() > longestName + charactersAPart) Clear();
+    }
+
+    // The name of the short entry that follows it; empty when it belongs to another one.
+    std::string Of(std::string_view shortEntry) const {
+        if (characters_.empty() || expected_ != 0 || sum_ != ShortNameSum(shortEntry)) return "";
+        return ToUtf8(std::u16string_view(characters_).substr(0, characters_.find(u'\0')));
+    }
+
+  private:
+    static constexpr uint8_t noPart = 0xFF;
+
+    std::u16string characters_;
+    uint8_t expected_ = noPart;  // number of the part that comes next
+    uint8_t sum_ = 0;
+};
+
+}  // namespace
+
+// --- the volume ---
+
+FatVolume::FatVolume(VolumeBytes bytes) : bytes_(std::move(bytes)), layout_(ReadLayout(bytes_)) {}
+
+std::optional<FatVolume::Layout> FatVolume::ReadLayout(const VolumeBytes& bytes) {
+    const auto sector = bytes.Read(0, bootSectorSize);
+    if (!sector) return std::nullopt;
+    const uint64_t sectorSize = Le16(*sector, 11);
+    const uint64_t sectorsPerCluster = Byte(*sector, 13);
+    const uint64_t reserved = Le16(*sector, 14);
+    const uint64_t tables = Byte(*sector, 16);
+    const uint64_t rootEntries = Le16(*sector, 17);
+    const uint64_t sectors = Le16(*sector, 19) != 0 ? Le16(*sector, 19) : Le32(*sector, 32);
+    const bool isFat32 = Le16(*sector, 22) == 0;
+    const uint64_t tableSectors = isFat32 ? Le32(*sector, 36) : Le16(*sector, 22);
+    if (!IsPowerOfTwo(sectorSize, 512, 4096) || !IsPowerOfTwo(sectorsPerCluster, 1, 128) || reserved == 0 ||
+        tables == 0 || tableSectors == 0 || sectors * sectorSize > bytes.Size()) {
+        return std::nullopt;
+    }
+    Layout layout;
+    layout.clusterSize = sectorsPerCluster * sectorSize;
+    layout.table = reserved * sectorSize;
+    layout.tableSize = tableSectors * sectorSize;
+    layout.rootFolder = layout.table + tables * layout.tableSize;
+    layout.rootFolderSize = (rootEntries * entrySize + sectorSize - 1) / sectorSize * sectorSize;
+    layout.data = layout.rootFolder + layout.rootFolderSize;
+    if (layout.data > sectors * sectorSize) return std::nullopt;
+    const uint64_t clusters = (sectors * sectorSize - layout.data) / layout.clusterSize;
+    layout.entryBits = isFat32 ? 32 : clusters < leastFat16Clusters ? 12 : 16;
+    if (!isFat32 && clusters >= leastFat32Clusters) return std::nullopt;
+    if ((clusters + firstCluster) * layout.entryBits > layout.tableSize * 8) return std::nullopt;
+    layout.clusters = static_cast<uint32_t>(clusters);
+    layout.rootCluster = Le32(*sector, 44);
+    return layout;
+}
+
+bool FatVolume::IsCluster(uint64_t number) const {
+    return number >= firstCluster && number - firstCluster < layout_->clusters;
+}
+
+std::optional<uint32_t> FatVolume::Next(uint32_t cluster) const {
+    const uint64_t at = layout_->table + uint64_t{cluster} * layout_->entryBits / 8;
+    const auto entry = bytes_.Read(at, layout_->entryBits == 32 ? 4 : 2);
+    if (!entry) return std::nullopt;
+    switch (layout_->entryBits) {
+        case 12:
+            return cluster % 2 == 0 ? Le16(*entry, 0) & 0xFFFU : Le16(*entry, 0) >> 4U;
+        case 16:
+            return Le16(*entry, 0);
+        default:
+            return Le32(*entry, 0) & 0x0FFFFFFFU;
+    }
+}
+
+std::optional<std::string> FatVolume::ReadClusters(uint64_t first, uint64_t length) const {
+    std::string content;
+    // A chain that comes back to a cluster runs in a circle. One mark is enough: it is set anew after 1, 2,
+    // 4, 8 and so on clusters, so that some turn of any circle lies between two of them.
+    uint64_t mark = 0;
+    uint64_t passed = 0;
+    for (uint64_t cluster = first; content.size() < length;) {
+        if (!IsCluster(cluster) || cluster == mark) return std::nullopt;
+        if (std::has_single_bit(++passed)) mark = cluster;
+        const uint64_t count = std::min(layout_->clusterSize, length - content.size());
+        const auto piece =
+            bytes_.Read(layout_->data + (cluster - firstCluster) * layout_->clusterSize, count);
+        const auto next = Next(static_cast<uint32_t>(cluster));
+        if (!piece || !next) return std::nullopt;
+        content += *piece;
+        cluster = *next;
+    }
+    return content;
+}
+
+std::optional<std::string> FatVolume::ReadAllClusters(uint64_t first, uint64_t most) const {
+    const uint32_t lastMark = layout_->entryBits == 32 ? 0x0FFFFFF8U : (1U << layout_->entryBits) - 8;
+    uint64_t length = 0;
+    for (uint64_t cluster = first; cluster < lastMark;) {
+        length += layout_->clusterSize;
+        if (!IsCluster(cluster) || length > most) return std::nullopt;
+        const auto next = Next(static_cast<uint32_t>(cluster));
+        if (!next) return std::nullopt;
+        cluster = *next;
+    }
+    return ReadClusters(first, length);
+}
+
+std::optional<std::string> FatVolume::FolderBytes(const Entry& folder) const {
+    if (folder.place != 0) return ReadAllClusters(folder.place, longestFolder);
+    return bytes_.Read(layout_->rootFolder, layout_->rootFolderSize);
+}
+
+FatVolume::Entry FatVolume::Root() const {
+    Entry root;
+    root.isFolder = true;
+    if (layout_ && layout_->entryBits == 32) root.place = layout_->rootCluster;
+    return root;
+}
+
+std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Entry& folder) const {
+    if (!layout_ || (folder.place == 0 && layout_->rootFolderSize == 0)) return std::nullopt;
+    const auto bytes = FolderBytes(folder);
+    if (!bytes) return std::nullopt;
+    std::vector<Entry> entries;
+    LongName longName;
+    for (size_t at = 0; at < bytes->size(); at += entrySize) {
+        const std::string_view raw = std::string_view(*bytes).substr(at, entrySize);
+        const uint8_t attributes = Byte(raw, 11);
+        if (Byte(raw, 0) == endOfFolder) break;
+        if (Byte(raw, 0) != deletedEntry && (attributes & attributesMask) == attributesOfLongName) {
+            longName.Add(raw);
+            continue;
+        }
+        const bool isUsed = Byte(raw, 0) != deletedEntry && (attributes & attributeLabel) == 0;
+        Entry entry;
+        entry.alias = ShortName(raw);
+        entry.name = longName.Of(raw);
+        entry.isFolder = (attributes & attributeFolder) != 0;
+        const uint64_t high = layout_->entryBits == 32 ? Le16(raw, 20) : 0;
+        entry.place = high << 16 | Le16(raw, 26);
+        entry.size = Le32(raw, 28);
+        longName.Clear();
+        if (!isUsed || entry.alias == "." || entry.alias == "..") continue;
+        // Only the root lies outside the clusters, and no entry leads to it.
+        if (entry.isFolder && !IsCluster(entry.place)) return std::nullopt;
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+std::optional<std::string> FatVolume::Content(const Entry& file) const {
+    if (file.size > std::min(bytes_.Size(), longestFile)) return std::nullopt;
+    return ReadClusters(file.place, file.size);
+}
+
+}  // namespace machine

@@ -1,0 +1,49 @@
+// The files of a FAT12, FAT16 or FAT32 volume that lies in an image, read only.
+#pragma once
+
+#include "machine/media/device/volume_bytes.h"
+#include "machine/media/volumes/read_only_volume.h"
+
+namespace machine {
+
+// Files are found by their long and by their short names; a short name with letters beyond ASCII, whose code
+// page nobody knows, only by its long one.
+class FatVolume final : public ReadOnlyVolume {
+  public:
+    // Reads the boot sector; a volume whose boot sector cannot be true counts as damaged.
+    explicit FatVolume(VolumeBytes bytes);
+
+  protected:
+    Entry Root() const override;
+    std::optional<std::vector<Entry>> List(const Entry& folder) const override;
+    std::optional<std::string> Content(const Entry& file) const override;
+
+  private:
+    // Where things lie, in bytes from the start of the volume.
+    struct Layout {
+        uint32_t entryBits = 0;  // of the allocation table: 12, 16 or 32
+        uint32_t clusters = 0;
+        uint32_t rootCluster = 0;  // on FAT32
+        uint64_t clusterSize = 0;
+        uint64_t table = 0;
+        uint64_t tableSize = 0;
+        uint64_t rootFolder = 0;  // on FAT12 and FAT16
+        uint64_t rootFolderSize = 0;
+        uint64_t data = 0;  // cluster 2
+    };
+
+    static std::optional<Layout> ReadLayout(const VolumeBytes& bytes);
+    // What the table has for the cluster: the next one, or the mark for the last.
+    std::optional<uint32_t> Next(uint32_t cluster) const;
+    bool IsCluster(uint64_t number) const;
+    // The bytes of the clusters that follow each other from the first on: `length` of them, or all up to the
+    // last cluster, which must come before `most` bytes.
+    std::optional<std::string> ReadClusters(uint64_t first, uint64_t length) const;
+    std::optional<std::string> ReadAllClusters(uint64_t first, uint64_t most) const;
+    std::optional<std::string> FolderBytes(const Entry& folder) const;
+
+    VolumeBytes bytes_;
+    std::optional<Layout> layout_;
+};
+
+}  // namespace machine

@@ -1,0 +1,116 @@
+#include "machine/media/volumes/iso_volume.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "base/utf.h"
+
+namespace machine {
+
+namespace {
+
+constexpr uint64_t sectorSize = 2048;
+constexpr uint64_t firstDescriptor = 16;
+constexpr uint64_t mostDescriptors = 64;
+constexpr uint64_t longestFolder = 16ULL * 1024 * 1024;
+
+constexpr uint8_t descriptorPrimary = 1;
+constexpr uint8_t descriptorSupplementary = 2;
+constexpr uint8_t descriptorEnd = 255;
+
+constexpr uint8_t flagFolder = 0x02;
+constexpr uint8_t flagAssociated = 0x04;  // a second stream of the file before it
+constexpr uint8_t flagContinued = 0x80;
+
+constexpr size_t recordHeader = 33;
+constexpr uint64_t inPieces = std::numeric_limits<uint64_t>::max();
+
+// Joliet marks its descriptor with the level of UCS-2 that its names are in.
+bool IsJoliet(std::string_view descriptor) {
+    const std::string_view escape = descriptor.substr(88, 3);
+    return escape == "%/@" || escape == "%/C" || escape == "%/E";
+}
+
+std::string WithoutVersion(std::string name) {
+    name.erase(std::min(name.find(';'), name.size()));
+    if (name.ends_with('.')) name.pop_back();
+    return name;
+}
+
+std::string JolietName(std::string_view bytes) {
+    std::u16string name;
+    for (size_t at = 0; at + 1 < bytes.size(); at += 2)
+        name += static_cast<char16_t>(Be16(bytes, at));
+    return ToUtf8(name);
+}
+
+// The folder itself is listed with the name 0, its parent with the name 1.
+bool IsSelfOrParent(std::string_view record) {
+    return Byte(record, 32) == 1 && Byte(record, recordHeader) <= 1;
+}
+
+}  // namespace
+
+IsoVolume::IsoVolume(VolumeBytes bytes) : bytes_(std::move(bytes)) {
+    ReadDescriptors();
+}
+
+void IsoVolume::ReadDescriptors() {
+    for (uint64_t sector = firstDescriptor; sector < firstDescriptor + mostDescriptors; ++sector) {
+        const auto descriptor = bytes_.Read(sector * sectorSize, sectorSize);
+        if (!descriptor || descriptor->compare(1, 5, "CD001") != 0) return;
+        const uint8_t kind = Byte(*descriptor, 0);
+        if (kind == descriptorEnd) return;
+        const bool isJoliet = kind == descriptorSupplementary && IsJoliet(*descriptor);
+        if (kind != descriptorPrimary && !isJoliet) continue;
+        const uint64_t blockSize = Le16(*descriptor, 128);
+        if (blockSize != 512 && blockSize != 1024 && blockSize != sectorSize) continue;
+        blockSize_ = blockSize;
+        isJoliet_ = isJoliet;
+        root_ = EntryOf(std::string_view(*descriptor).substr(156, 34));
+        root_.isFolder = true;
+        if (isJoliet) return;
+    }
+}
+
+IsoVolume::Entry IsoVolume::EntryOf(std::string_view record) const {
+    const std::string_view name =
+        record.substr(std::min(recordHeader, record.size())).substr(0, Byte(record, 32));
+    const uint8_t flags = Byte(record, 25);
+    const bool isInterleaved = Byte(record, 26) != 0;
+    Entry entry;
+    entry.isFolder = (flags & flagFolder) != 0;
+    entry.name = isJoliet_ ? JolietName(name) : std::string(name);
+    if (!entry.isFolder) entry.name = WithoutVersion(entry.name);
+    // The file lies behind its extended attributes, whose blocks the record counts.
+    entry.place = (uint64_t{Le32(record, 2)} + Byte(record, 1)) * blockSize_;
+    entry.size = (flags & flagContinued) != 0 || isInterleaved ? inPieces : Le32(record, 10);
+    return entry;
+}
+
+std::optional<std::vector<IsoVolume::Entry>> IsoVolume::List(const Entry& folder) const {
+    if (blockSize_ == 0 || folder.size > longestFolder) return std::nullopt;
+    const auto bytes = bytes_.Read(folder.place, folder.size);
+    if (!bytes) return std::nullopt;
+    std::vector<Entry> entries;
+    for (size_t at = 0; at < bytes->size();) {
+        const size_t length = Byte(*bytes, at);
+        if (length == 0) {  // no record crosses the end of a sector
+            at = (at / sectorSize + 1) * sectorSize;
+            continue;
+        }
+        const std::string_view record = std::string_view(*bytes).substr(at, length);
+        if (length < recordHeader || record.size() < recordHeader + Byte(record, 32)) return std::nullopt;
+        const bool isAssociated = (Byte(record, 25) & flagAssociated) != 0;
+        if (!isAssociated && !IsSelfOrParent(record)) entries.push_back(EntryOf(record));
+        at += length;
+    }
+    return entries;
+}
+
+std::optional<std::string> IsoVolume::Content(const Entry& file) const {
+    if (file.size > longestFile) return std::nullopt;
+    return bytes_.Read(file.place, file.size);
+}
+
+}  // namespace machine

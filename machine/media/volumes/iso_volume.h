@@ -1,0 +1,31 @@
+// The files of an ISO 9660 disc that lies in an image, with the long names of Joliet where it has them.
+#pragma once
+
+#include "machine/media/device/volume_bytes.h"
+#include "machine/media/volumes/read_only_volume.h"
+
+namespace machine {
+
+// Names are those that Windows shows: without version (";1"), and without the dot of an empty extension.
+// A file in several pieces (of 4 GiB and more, or interleaved) is found, but counts as damaged when read.
+class IsoVolume final : public ReadOnlyVolume {
+  public:
+    // Reads the volume descriptors; without one that can be true the disc counts as damaged.
+    explicit IsoVolume(VolumeBytes bytes);
+
+  protected:
+    Entry Root() const override { return root_; }
+    std::optional<std::vector<Entry>> List(const Entry& folder) const override;
+    std::optional<std::string> Content(const Entry& file) const override;
+
+  private:
+    void ReadDescriptors();
+    Entry EntryOf(std::string_view record) const;
+
+    VolumeBytes bytes_;
+    uint64_t blockSize_ = 0;  // 0: no descriptor
+    bool isJoliet_ = false;
+    Entry root_;
+};
+
+}  // namespace machine

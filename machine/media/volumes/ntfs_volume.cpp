@@ -1,0 +1,404 @@
+#include "machine/media/volumes/ntfs_volume.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <string>
+
+#include "machine/media/device/store_errors.h"
+#include "machine/media/device/volume_bytes.h"
+#include "machine/media/volumes/store_path.h"
+
+// C headers without linkage of their own, which name macros `min`, `max` and a type BOOL: they must not meet
+// the platform's headers, so they stay in this file.
+extern "C" {
+#include <ntfs-3g/attrib.h>
+#include <ntfs-3g/device.h>
+#include <ntfs-3g/dir.h>
+#include <ntfs-3g/inode.h>
+#include <ntfs-3g/layout.h>
+#include <ntfs-3g/logging.h>
+#include <ntfs-3g/types.h>
+#include <ntfs-3g/unistr.h>
+#include <ntfs-3g/volume.h>
+}
+#undef min
+#undef max
+
+namespace machine {
+
+namespace {
+
+uint32_t PlatformError(int error) {
+    switch (error) {
+        case ENOENT:
+            return errorFileNotFound;
+        case ENOTDIR:
+            return errorPathNotFound;
+        case EACCES:
+        case EPERM:
+            return errorAccessDenied;
+        case EROFS:
+            return errorWriteProtect;
+        case ENOSPC:
+            return errorDiskFull;
+        case EINVAL:
+        case EILSEQ:
+        case ENAMETOOLONG:
+            return errorInvalidName;
+        case EIO:
+            return errorIoDevice;
+        default:
+            return errorFileCorrupt;
+    }
+}
+
+// --- the device: a stretch of the image ---
+
+struct ImageRange {
+    ImageFile& image;
+    uint64_t offset;
+    uint64_t size;
+    uint64_t position = 0;
+};
+
+ImageRange& RangeOf(ntfs_device* device) {
+    return *static_cast<ImageRange*>(device->d_private);
+}
+
+int DeviceOpen(ntfs_device* device, int flags) {
+    NDevSetOpen(device);
+    if ((flags & O_ACCMODE) == O_RDONLY) NDevSetReadOnly(device);
+    return 0;
+}
+
+int DeviceSync(ntfs_device* device) {
+    if (RangeOf(device).image.Flush()) return 0;
+    errno = EIO;
+    return -1;
+}
+
+int DeviceClose(ntfs_device* device) {
+    NDevClearOpen(device);
+    return 0;
+}
+
+s64 DeviceReadAt(ntfs_device* device, void* buffer, s64 count, s64 offset) {
+    const ImageRange& range = RangeOf(device);
+    if (count < 0 || offset < 0 || static_cast<uint64_t>(offset) > range.size) {
+        errno = EINVAL;
+        return -1;
+    }
+    const uint64_t start = static_cast<uint64_t>(offset);
+    const uint64_t length = std::min<uint64_t>(static_cast<uint64_t>(count), range.size - start);
+    if (range.image.Read(range.offset + start, buffer, length)) return static_cast<s64>(length);
+    errno = EIO;
+    return -1;
+}
+
+s64 DeviceWriteAt(ntfs_device* device, const void* bytes, s64 count, s64 offset) {
+    ImageRange& range = RangeOf(device);
+    if (NDevReadOnly(device)) {
+        errno = EROFS;
+        return -1;
+    }
+    const uint64_t start = static_cast<uint64_t>(offset);
+    const uint64_t length = static_cast<uint64_t>(count);
+    if (count < 0 || offset < 0 || start > range.size || length > range.size - start) {
+        errno = ENOSPC;
+        return -1;
+    }
+    if (range.image.Write(range.offset + start, bytes, length)) return count;
+    errno = EIO;
+    return -1;
+}
+
+s64 DeviceSeek(ntfs_device* device, s64 offset, int whence) {
+    ImageRange& range = RangeOf(device);
+    const s64 base = whence == SEEK_CUR   ? static_cast<s64>(range.position)
+                     : whence == SEEK_END ? static_cast<s64>(range.size)
+                                          : 0;
+    if (base + offset < 0 || base + offset > static_cast<s64>(range.size)) {
+        errno = EINVAL;
+        return -1;
+    }
+    range.position = static_cast<uint64_t>(base + offset);
+    return base + offset;
+}
+
+s64 DeviceRead(ntfs_device* device, void* buffer, s64 count) {
+    ImageRange& range = RangeOf(device);
+    const s64 done = DeviceReadAt(device, buffer, count, static_cast<s64>(range.position));
+    if (done > 0) range.position += static_cast<uint64_t>(done);
+    return done;
+}
+
+s64 DeviceWrite(ntfs_device* device, const void* bytes, s64 count) {
+    ImageRange& range = RangeOf(device);
+    const s64 done = DeviceWriteAt(device, bytes, count, static_cast<s64>(range.position));
+    if (done > 0) range.position += static_cast<uint64_t>(done);
+    return done;
+}
+
+int DeviceStat(ntfs_device* device, struct stat* status) {
+    *status = {};
+    status->st_mode = S_IFREG;
+    status->st_size = static_cast<off_t>(RangeOf(device).size);
+    return 0;
+}
+
+// There is no drive behind a file that could be asked or told anything.
+int DeviceControl(ntfs_device*, unsigned long, void*) {
+    errno = EOPNOTSUPP;
+    return -1;
+}
+
+ntfs_device_operations imageOperations = {DeviceOpen,   DeviceClose,   DeviceSeek, DeviceRead, DeviceWrite,
+                                          DeviceReadAt, DeviceWriteAt, DeviceSync, DeviceStat, DeviceControl};
+
+// --- names and open files ---
+
+struct SplitPath {
+    std::string folder;
+    std::string name;
+};
+
+SplitPath Split(const std::string& normalized) {
+    const size_t slash = normalized.rfind('/');
+    if (slash == std::string::npos) return {"", normalized};
+    return {normalized.substr(0, slash), normalized.substr(slash + 1)};
+}
+
+// A name as NTFS stores it.
+class NtfsName {
+  public:
+    explicit NtfsName(const std::string& name) : length_(ntfs_mbstoucs(name.c_str(), &characters_)) {}
+    ~NtfsName() { ntfs_ucsfree(characters_); }
+    NtfsName(const NtfsName&) = delete;
+    NtfsName& operator=(const NtfsName&) = delete;
+
+    bool IsAllowed() const {
+        return length_ > 0 && length_ <= 255 &&
+               !ntfs_forbidden_chars(characters_, length_, static_cast<BOOL>(1));
+    }
+    ntfschar* Characters() const { return characters_; }
+    u8 Length() const { return static_cast<u8>(length_); }
+
+  private:
+    ntfschar* characters_ = nullptr;
+    int length_;
+};
+
+struct InodeClose {
+    void operator()(ntfs_inode* inode) const { ntfs_inode_close(inode); }
+};
+struct AttributeClose {
+    void operator()(ntfs_attr* attribute) const { ntfs_attr_close(attribute); }
+};
+using InodeOwner = std::unique_ptr<ntfs_inode, InodeClose>;
+using AttributeOwner = std::unique_ptr<ntfs_attr, AttributeClose>;
+
+bool IsFolder(const ntfs_inode& inode) {
+    return (inode.mrec->flags & MFT_RECORD_IS_DIRECTORY) != 0;
+}
+
+// $MFT and its like, which Windows opens for nobody.
+bool IsSystemFile(const ntfs_inode& inode) {
+    return inode.mft_no < FILE_first_user && inode.mft_no != FILE_root;
+}
+
+bool IsClosed(const ntfs_inode& inode) {
+    return IsFolder(inode) || IsSystemFile(inode) || (inode.flags & FILE_ATTR_ENCRYPTED) != 0;
+}
+
+bool IsClosedForChange(const ntfs_inode& inode) {
+    return IsClosed(inode) || (inode.flags & FILE_ATTR_READONLY) != 0;
+}
+
+uint32_t ReadContent(ntfs_inode& inode, uint64_t volumeSize, std::string& content) {
+    const AttributeOwner data(ntfs_attr_open(&inode, AT_DATA, AT_UNNAMED, 0));
+    if (!data) return PlatformError(errno);
+    const uint64_t longest = std::min(volumeSize, longestFile);
+    if (data->data_size < 0 || static_cast<uint64_t>(data->data_size) > longest) return errorFileCorrupt;
+    std::string bytes(static_cast<size_t>(data->data_size), '\0');
+    const s64 done = bytes.empty() ? 0 : ntfs_attr_pread(data.get(), 0, data->data_size, bytes.data());
+    if (done != data->data_size) return done < 0 ? PlatformError(errno) : errorFileCorrupt;
+    content = std::move(bytes);
+    return 0;
+}
+
+uint32_t WriteContent(ntfs_inode& inode, std::string_view content) {
+    const AttributeOwner data(ntfs_attr_open(&inode, AT_DATA, AT_UNNAMED, 0));
+    if (!data) return PlatformError(errno);
+    const s64 size = static_cast<s64>(content.size());
+    if (ntfs_attr_truncate(data.get(), size) != 0) return PlatformError(errno);
+    for (s64 done = 0; done < size;) {
+        const s64 written = ntfs_attr_pwrite(data.get(), done, size - done, content.data() + done);
+        if (written <= 0) return written < 0 ? PlatformError(errno) : errorIoDevice;
+        done += written;
+    }
+    if (ntfs_attr_pclose(data.get()) != 0) return PlatformError(errno);
+    ntfs_inode_update_times(&inode, static_cast<ntfs_time_update_flags>(NTFS_UPDATE_MCTIME));
+    return 0;
+}
+
+}  // namespace
+
+// --- the open volume ---
+
+class NtfsVolume::Mount {
+  public:
+    Mount(ImageFile& image, uint64_t offset, uint64_t size) : range_{image, offset, size} {
+        ntfs_log_set_handler(ntfs_log_handler_null);
+        ntfs_set_char_encoding("utf8");
+        ntfs_device* device = ntfs_device_alloc("image", 0, &imageOperations, &range_);
+        if (!device) throw std::bad_alloc();
+        const bool isReadOnly = image.Access() == ImageAccess::Read;
+        volume_ = ntfs_device_mount(device, isReadOnly ? NTFS_MNT_RDONLY : NTFS_MNT_NONE);
+        if (!volume_) {
+            error_ = errno;
+            ntfs_device_free(device);
+        } else if (ntfs_set_ignore_case(volume_) != 0) {
+            throw std::bad_alloc();
+        }
+    }
+    ~Mount() {
+        if (volume_) ntfs_umount(volume_, static_cast<BOOL>(1));
+    }
+    Mount(const Mount&) = delete;
+    Mount& operator=(const Mount&) = delete;
+
+    ntfs_volume* Volume() const { return volume_; }
+    // The errno of opening it, when it could not be opened.
+    int Error() const { return error_; }
+
+    // Null, and errno, when there is none.
+    InodeOwner Open(const std::string& path) const {
+        if (path.empty()) return InodeOwner(ntfs_inode_open(volume_, FILE_root));
+        return InodeOwner(ntfs_pathname_to_inode(volume_, nullptr, path.c_str()));
+    }
+
+    // An empty file in an existing folder.
+    uint32_t Create(const SplitPath& path) const {
+        InodeOwner folder = Open(path.folder);
+        if (!folder || !IsFolder(*folder)) return errorPathNotFound;
+        if (IsSystemFile(*folder)) return errorAccessDenied;
+        const NtfsName name(path.name);
+        if (!name.IsAllowed()) return errorInvalidName;
+        ntfs_inode* file = ntfs_create(folder.get(), 0, name.Characters(), name.Length(), S_IFREG);
+        if (!file) return PlatformError(errno);
+        // Closing a file updates its folder, which must not be open a second time then.
+        if (ntfs_inode_close_in_dir(file, folder.get()) != 0) return PlatformError(errno);
+        return ntfs_inode_close(folder.release()) == 0 ? 0 : PlatformError(errno);
+    }
+
+    uint32_t Delete(const std::string& path) const {
+        const SplitPath split = Split(path);
+        const NtfsName name(split.name);
+        InodeOwner folder = Open(split.folder);
+        InodeOwner file = Open(path);
+        if (!folder || !file || !name.IsAllowed()) return errorFileNotFound;
+        // Closes both, whatever comes out.
+        const int result =
+            ntfs_delete(volume_, nullptr, file.release(), folder.release(), name.Characters(), name.Length());
+        return result == 0 ? 0 : PlatformError(errno);
+    }
+
+    // Puts everything that libntfs-3g still holds back on the medium.
+    uint32_t Flush() const {
+        for (ntfs_inode* inode : {volume_->mft_ni, volume_->mftmirr_ni, volume_->lcnbmp_ni}) {
+            if (inode && NInoDirty(inode) && ntfs_inode_sync(inode) != 0) return PlatformError(errno);
+        }
+        return range_.image.Flush() ? 0 : errorIoDevice;
+    }
+
+  private:
+    ImageRange range_;
+    ntfs_volume* volume_ = nullptr;
+    int error_ = 0;
+};
+
+NtfsVolume::NtfsVolume(std::shared_ptr<ImageFile> image, uint64_t offset, uint64_t size)
+    : image_(std::move(image)), offset_(offset), size_(size) {}
+
+NtfsVolume::~NtfsVolume() = default;
+
+NtfsVolume::Mount& NtfsVolume::Mounted() {
+    if (!mount_) mount_ = std::make_unique<Mount>(*image_, offset_, size_);
+    return *mount_;
+}
+
+NtfsVolume::Condition NtfsVolume::Check() {
+    const Mount& mount = Mounted();
+    // Opening for writing fails with these for a hibernation file (or metadata that Windows keeps across a
+    // fast start), and for a journal that has not been played back.
+    if (mount.Error() == EPERM) return Condition::Hibernated;
+    if (mount.Error() == EOPNOTSUPP) return Condition::Dirty;
+    if (!mount.Volume()) return Condition::Damaged;
+    return (mount.Volume()->flags & VOLUME_IS_DIRTY) != 0 ? Condition::Dirty : Condition::Clean;
+}
+
+FileKind NtfsVolume::Find(std::string_view path) {
+    const Mount& mount = Mounted();
+    if (!mount.Volume()) return FileKind::None;
+    const InodeOwner inode = mount.Open(Normalized(path));
+    if (!inode) return FileKind::None;
+    return IsFolder(*inode) ? FileKind::Folder : FileKind::File;
+}
+
+uint32_t NtfsVolume::Read(std::string_view path, std::string& content) {
+    const Mount& mount = Mounted();
+    if (!mount.Volume()) return errorFileCorrupt;
+    const InodeOwner inode = mount.Open(Normalized(path));
+    if (!inode) return errno == ENOTDIR ? errorFileNotFound : PlatformError(errno);
+    if (IsClosed(*inode)) return errorAccessDenied;
+    return ReadContent(*inode, size_, content);
+}
+
+uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
+    if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
+    const Mount& mount = Mounted();
+    if (!mount.Volume()) return errorFileCorrupt;
+    const std::string whole = Normalized(path);
+    InodeOwner file = mount.Open(whole);
+    const bool isNew = !file;
+    if (isNew) {
+        const uint32_t error = mount.Create(Split(whole));
+        if (error != 0) return error;
+        file = mount.Open(whole);
+        if (!file) return errorIoDevice;
+    }
+    if (IsClosedForChange(*file)) return errorAccessDenied;
+
+    // What was there comes back when the new content cannot be written, on a full volume for instance.
+    std::string before;
+    uint32_t error = isNew ? 0 : ReadContent(*file, size_, before);
+    if (error != 0) return error;
+    error = WriteContent(*file, content);
+    if (error != 0 && !isNew) WriteContent(*file, before);
+    if (ntfs_inode_close(file.release()) != 0 && error == 0) error = PlatformError(errno);
+    if (error != 0 && isNew) mount.Delete(whole);
+    const uint32_t flushError = mount.Flush();
+    return error != 0 ? error : flushError;
+}
+
+uint32_t NtfsVolume::Remove(std::string_view path) {
+    if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
+    const Mount& mount = Mounted();
+    if (!mount.Volume()) return errorFileCorrupt;
+    const std::string whole = Normalized(path);
+    {
+        const InodeOwner file = mount.Open(whole);
+        if (!file) return errorFileNotFound;
+        if (IsClosedForChange(*file)) return errorAccessDenied;
+    }
+    const uint32_t error = mount.Delete(whole);
+    const uint32_t flushError = mount.Flush();
+    return error != 0 ? error : flushError;
+}
+
+}  // namespace machine

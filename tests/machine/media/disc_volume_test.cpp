@@ -1,0 +1,155 @@
+// Files of recovery discs, looked at with isoinfo where it knows the format.
+#include "tests/machine/media/image_fixture.h"
+
+#include "machine/media/volumes/iso_volume.h"
+#include "machine/media/volumes/udf_volume.h"
+
+namespace machine {
+namespace {
+
+constexpr const char* longName = "sources/Image of the factory state.wim";
+
+class DiscVolumeTest : public ImageTest {
+  protected:
+    template <typename DiscVolume>
+    DiscVolume Open(const std::string& image) {
+        const auto file = std::make_shared<ImageFile>(image, ImageAccess::Read);
+        return DiscVolume(VolumeBytes(file, 0, file->Size()));
+    }
+    // A disc that holds a folder with these files of the shell's making.
+    std::string DiscOf(const std::string& script, const std::string& options) {
+        const std::string folder = (Folder() / "content").string();
+        std::string disc = (Folder() / "disc.iso").string();
+        OutputOf("mkdir '" + folder + "' && cd '" + folder + "' && " + script);
+        OutputOf("genisoimage -quiet " + options + " -o '" + disc + "' '" + folder + "' 2>&1");
+        return disc;
+    }
+};
+
+void ExpectRecoveryFiles(FileStore& volume) {
+    std::string content;
+    EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
+    EXPECT_EQ(volume.Find("\\SOURCES\\qelhdrcv.INI"), FileKind::File);
+    EXPECT_EQ(volume.Find("Sources/Orvo"), FileKind::Folder);
+    EXPECT_EQ(volume.Find("sources/DVD"), FileKind::File);
+    EXPECT_EQ(volume.Find(""), FileKind::Folder);
+    EXPECT_EQ(volume.Find("sources/UFD"), FileKind::None);
+    EXPECT_EQ(volume.Find("sources/DVD/below"), FileKind::None);
+    EXPECT_EQ(volume.Read("sources/QELHDRCV.ini", content), 0u);
+    EXPECT_EQ(content, "[Recovery]\r\nVersion=1\r\n");
+    EXPECT_EQ(volume.Read("sources/none", content), 2u);
+    EXPECT_EQ(volume.Read("sources", content), 5u);
+    EXPECT_EQ(volume.Write("new", "x"), 19u);
+    EXPECT_EQ(volume.Remove("sources/DVD"), 19u);
+}
+
+TEST_F(DiscVolumeTest, IsoNamesAreFoundWithoutVersionAndEmptyExtension) {
+    const std::string image = MadeImage("disc-iso.iso");
+    auto volume = Open<IsoVolume>(image);
+    std::string content;
+
+    ExpectRecoveryFiles(volume);
+    ASSERT_EQ(volume.Read("sources/image_of.wim", content), 0u);
+    EXPECT_EQ(content, OutputOf("isoinfo -i '" + image + "' -x '/SOURCES/IMAGE_OF.WIM;1'"));
+    EXPECT_EQ(content, OutputOf("seq 10000"));
+    EXPECT_EQ(volume.Find(longName), FileKind::None);
+    EXPECT_EQ(volume.Find("sources/image_of.wim;1"), FileKind::None);
+}
+
+TEST_F(DiscVolumeTest, JolietNamesGoBeforeThoseOfIso) {
+    const std::string image = MadeImage("disc-joliet.iso");
+    auto volume = Open<IsoVolume>(image);
+    std::string content;
+
+    ExpectRecoveryFiles(volume);
+    ASSERT_EQ(volume.Read(longName, content), 0u);
+    EXPECT_EQ(content, OutputOf("isoinfo -J -i '" + image + "' -x '/" + longName + "'"));
+    EXPECT_EQ(content, OutputOf("seq 10000"));
+    EXPECT_EQ(volume.Find("sources/IMAGE_OF.WIM"), FileKind::None);
+}
+
+TEST_F(DiscVolumeTest, UdfIsFoundWhereIsoHoldsNothing) {
+    const std::string image = MadeImage("disc-udf.iso");
+    auto volume = Open<UdfVolume>(image);
+    auto other = Open<IsoVolume>(image);
+    std::string content;
+
+    ExpectRecoveryFiles(volume);
+    ASSERT_EQ(volume.Read(longName, content), 0u);
+    EXPECT_EQ(content, OutputOf("seq 10000"));
+    EXPECT_EQ(other.Find("sources"), FileKind::None);
+}
+
+// A folder of several sectors, a name of wide characters, an empty file.
+constexpr const char* crowd =
+    "mkdir many && for i in $(seq 200); do echo $i >\"many/a file with a long name $i\"; done; : >empty; "
+    "echo x >'Größe Ω.txt'";
+
+template <typename Volume>
+void ExpectCrowd(Volume volume) {
+    std::string content;
+
+    EXPECT_EQ(volume.Read("MANY/a file with a long name 200", content), 0u);
+    EXPECT_EQ(content, "200\n");
+    EXPECT_EQ(volume.Read("empty", content), 0u);
+    EXPECT_EQ(content, "");
+    EXPECT_EQ(volume.Find("größe Ω.TXT"), FileKind::File);
+}
+
+TEST_F(DiscVolumeTest, LongFoldersAndWideNamesOfJoliet) {
+    ExpectCrowd(Open<IsoVolume>(DiscOf(crowd, "-input-charset utf-8 -J")));
+}
+
+TEST_F(DiscVolumeTest, LongFoldersAndWideNamesOfUdf) {
+    ExpectCrowd(Open<UdfVolume>(DiscOf(crowd, "-input-charset utf-8 -udf")));
+}
+
+TEST_F(DiscVolumeTest, EmptyUdfOfAnotherMakerIsReadable) {
+    const std::string image = (Folder() / "empty.udf").string();
+    OutputOf("truncate -s 4M '" + image + "' && /usr/sbin/mkudffs -b 2048 -m dvd '" + image + "'");
+
+    auto volume = Open<UdfVolume>(image);
+
+    EXPECT_EQ(volume.Find(""), FileKind::Folder);
+    EXPECT_EQ(volume.Find("sources"), FileKind::None);
+}
+
+TEST_F(DiscVolumeTest, TruncatedDiscTellsWhatIsLostWhenItIsRead) {
+    const std::string image = MadeImage("disc-joliet.iso");
+    std::filesystem::resize_file(image, 64 * 1024);
+    auto volume = Open<IsoVolume>(image);
+    std::string content = "as it was";
+
+    EXPECT_EQ(volume.Read(longName, content), 1392u);
+    EXPECT_EQ(content, "as it was");
+}
+
+// On a file that takes no room on a disk, and would take as much memory as the length says.
+TEST_F(DiscVolumeTest, DamagedLengthOfAFileIsNotReadIntoMemory) {
+    const std::string image = MadeImage("disc-iso.iso");
+    const std::string bytes = ContentOf(image);
+    const size_t record = bytes.rfind("QELHDRCV.INI") - 33;
+    PatchByte(image, record + 13, 0x40);  // 1 GiB more
+    std::filesystem::resize_file(image, 8ULL * 1024 * MiB);
+    auto volume = Open<IsoVolume>(image);
+    std::string content = "as it was";
+
+    EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
+    EXPECT_EQ(volume.Read("sources/Qelhdrcv.ini", content), 1392u);
+    EXPECT_EQ(content, "as it was");
+}
+
+TEST_F(DiscVolumeTest, QuestionsLeaveTheDiscAsItWas) {
+    for (const std::string name : {"disc-iso.iso", "disc-joliet.iso", "disc-udf.iso"}) {
+        const std::string image = MadeImage(name);
+        auto iso = Open<IsoVolume>(image);
+        auto udf = Open<UdfVolume>(image);
+        std::string content;
+        iso.Read("sources/Qelhdrcv.ini", content);
+        udf.Write("sources/Qelhdrcv.ini", "x");
+        EXPECT_TRUE(AreSame(std::string(KESTOVA_TEST_IMAGES) + "/" + name, image)) << name;
+    }
+}
+
+}  // namespace
+}  // namespace machine

@@ -1,0 +1,171 @@
+// Files of FAT volumes, put there and looked at with mtools.
+#include "machine/media/volumes/fat_volume.h"
+
+#include <fstream>
+
+#include "tests/machine/media/image_fixture.h"
+
+namespace machine {
+namespace {
+
+constexpr const char* longName = "sources/Image of the factory state.wim";
+
+// A stick without a partition table, in the format that the test's parameter names.
+class FatVolumeTest : public ImageTest, public testing::WithParamInterface<const char*> {
+  protected:
+    FatVolume Open() {
+        const auto image = std::make_shared<ImageFile>(image_, ImageAccess::Read);
+        return FatVolume(VolumeBytes(image, 0, image->Size()));
+    }
+    std::string Mtools(const std::string& command, const std::string& words) {
+        return OutputOf(command + " -i '" + image_ + "' " + words);
+    }
+    // A file of that many bytes, no two stretches of it alike.
+    std::string Host(const std::string& name, size_t size) {
+        std::string file = (Folder() / name).string();
+        OutputOf("seq 1000000 | head -c " + std::to_string(size) + " >'" + file + "'");
+        return file;
+    }
+    // Lets a file of that size fill the gaps between others.
+    std::string PutFragmented(const std::string& name, size_t size) {
+        for (int i = 0; i < 20; ++i)
+            Mtools("mcopy", "'" + Host("filler", 3000) + "' ::filler" + std::to_string(i));
+        for (int i = 0; i < 20; i += 2)
+            Mtools("mdel", "::filler" + std::to_string(i));
+        std::string file = Host(name, size);
+        Mtools("mcopy", "'" + file + "' ::");
+        return file;
+    }
+
+    std::string format_ = std::string("stick-") + GetParam() + ".img";
+    std::string image_ = MadeImage(format_);
+};
+
+INSTANTIATE_TEST_SUITE_P(Formats, FatVolumeTest, testing::Values("fat12", "fat16", "fat32"));
+
+TEST_P(FatVolumeTest, FindLooksUpWithoutRegardToCase) {
+    FatVolume volume = Open();
+
+    EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
+    EXPECT_EQ(volume.Find("\\SOURCES\\qelhdrcv.INI"), FileKind::File);
+    EXPECT_EQ(volume.Find("sources/ORVO/"), FileKind::Folder);
+    EXPECT_EQ(volume.Find("SOURCES/IMAGE OF THE FACTORY STATE.WIM"), FileKind::File);
+    EXPECT_EQ(volume.Find(""), FileKind::Folder);
+    EXPECT_EQ(volume.Find("sources/DVD"), FileKind::None);
+    EXPECT_EQ(volume.Find("sources/UFD/below"), FileKind::None);
+    EXPECT_EQ(volume.Find("sources/."), FileKind::None);
+    EXPECT_EQ(volume.Find("RECOVERY"), FileKind::None) << "the label";
+}
+
+TEST_P(FatVolumeTest, FindKnowsShortNamesToo) {
+    EXPECT_EQ(Open().Find("sources/IMAGEO~1.WIM"), FileKind::File);
+}
+
+TEST_P(FatVolumeTest, ReadGivesWhatOtherToolsRead) {
+    FatVolume volume = Open();
+    std::string content;
+
+    ASSERT_EQ(volume.Read(longName, content), 0u);
+    EXPECT_EQ(content.size(), 48894u);
+    EXPECT_EQ(content, Mtools("mtype", std::string("'::") + longName + "'"));
+    ASSERT_EQ(volume.Read("sources/qelhdrcv.ini", content), 0u);
+    EXPECT_EQ(content, "[Recovery]\r\nVersion=1\r\n");
+}
+
+TEST_P(FatVolumeTest, ReadOfNoFileSaysWhy) {
+    FatVolume volume = Open();
+    std::string content = "as it was";
+
+    EXPECT_EQ(volume.Read("sources/none", content), 2u);
+    EXPECT_EQ(volume.Read("sources", content), 5u);
+    EXPECT_EQ(content, "as it was");
+}
+
+TEST_P(FatVolumeTest, ReadFollowsAFileInPieces) {
+    const std::string file = PutFragmented("pieces.bin", 150001);
+    std::string content;
+
+    ASSERT_EQ(Open().Read("PIECES.BIN", content), 0u);
+
+    EXPECT_EQ(content, ContentOf(file));
+    EXPECT_EQ(Open().Find("filler0"), FileKind::None);
+    EXPECT_EQ(Open().Find("filler1"), FileKind::File);
+}
+
+TEST_P(FatVolumeTest, FolderOfManyClustersAndDeletedFilesIsListedWhole) {
+    Mtools("mmd", "::many");
+    OutputOf("mkdir '" + (Folder() / "many").string() + "' && cd '" + (Folder() / "many").string() +
+             "' && for i in $(seq 300); do echo $i >\"a file with a long name $i\"; done");
+    Mtools("mcopy", "'" + (Folder() / "many").string() + "'/* ::many");
+    Mtools("mdel", "'::many/a file with a long name 150'");
+    FatVolume volume = Open();
+    std::string content;
+
+    EXPECT_EQ(volume.Read("many/A FILE with a long name 300", content), 0u);
+    EXPECT_EQ(content, "300\n");
+    EXPECT_EQ(volume.Find("many/a file with a long name 150"), FileKind::None);
+}
+
+TEST_P(FatVolumeTest, EmptyFileAndNameBeyondAscii) {
+    OutputOf("cd '" + Folder().string() +
+             "' && : >empty && echo x >'Größe.txt' && LC_ALL=C.UTF-8 mcopy -i '" + image_ +
+             "' empty 'Größe.txt' ::");
+    FatVolume volume = Open();
+    std::string content = "something";
+
+    EXPECT_EQ(volume.Read("EMPTY", content), 0u);
+    EXPECT_EQ(content, "");
+    EXPECT_EQ(volume.Read("größe.TXT", content), 0u);
+    EXPECT_EQ(content, "x\n");
+}
+
+TEST_P(FatVolumeTest, WriteAndRemoveAreRefusedAndChangeNothing) {
+    FatVolume volume = Open();
+
+    EXPECT_EQ(volume.Write("SystemVolume.ini", "x"), 19u);
+    EXPECT_EQ(volume.Write("sources/Qelhdrcv.ini", "x"), 19u);
+    EXPECT_EQ(volume.Remove("sources/Qelhdrcv.ini"), 19u);
+
+    EXPECT_TRUE(AreSame(std::string(KESTOVA_TEST_IMAGES) + "/" + format_, image_));
+}
+
+TEST_P(FatVolumeTest, TruncatedVolumeHoldsNothing) {
+    std::filesystem::resize_file(image_, std::filesystem::file_size(image_) - 512);
+    FatVolume volume = Open();
+    std::string content;
+
+    EXPECT_EQ(volume.Find(""), FileKind::None);
+    EXPECT_EQ(volume.Find("sources"), FileKind::None);
+    EXPECT_EQ(volume.Read("sources/Qelhdrcv.ini", content), 1392u);
+}
+
+class FatCircleTest : public ImageTest {
+  protected:
+    // Makes a FAT16 stick with a file of five clusters, the last of which leads back to one of them, from 0,
+    // while its size is that of very many.
+    FatVolume WithCircle(uint64_t backTo) {
+        const std::string image = MadeImage("stick-fat16.img");
+        OutputOf("cd '" + Folder().string() + "' && head -c 10000 /dev/zero >circle && mcopy -i '" + image +
+                 "' circle ::");
+        const auto first =
+            std::stoull(OutputOf("mshowfat -i '" + image + "' ::circle | sed 's/.*<//; s/-.*//'"));
+        const uint64_t table = 512ULL * ByteAt(image, 14);
+        PatchByte(image, table + 2 * (first + 4), static_cast<uint8_t>((first + backTo) % 256));
+        PatchByte(image, table + 2 * (first + 4) + 1, static_cast<uint8_t>((first + backTo) / 256));
+        const uint64_t entry = std::stoull(OutputOf("grep -abo 'CIRCLE     ' '" + image + "'"));
+        PatchByte(image, entry + 30, 0xC0);  // 12 MiB
+        const auto file = std::make_shared<ImageFile>(image, ImageAccess::Read);
+        return FatVolume(VolumeBytes(file, 0, file->Size()));
+    }
+};
+
+TEST_F(FatCircleTest, CountsAsDamage) {
+    for (const uint64_t backTo : {0U, 1U, 3U, 4U}) {
+        std::string content = "as it was";
+        EXPECT_EQ(WithCircle(backTo).Read("circle", content), 1392u) << backTo;
+        EXPECT_EQ(content, "as it was");
+    }
+}
+
+}  // namespace
+}  // namespace machine

@@ -1,0 +1,117 @@
+// The installed Windows' SYSTEM hive, read out of its image and checked with hivexregedit.
+#include "machine/media/hivex_reader.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "machine/facts/file_store.h"
+#include "platform/windows_api.h"
+#include "tests/machine/media/image_fixture.h"
+
+namespace machine {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Key;
+
+constexpr const char* hivePath = "windows/system32/CONFIG/system";
+constexpr uint64_t rootKey = 0x1020;  // where the image's script puts it
+
+class HivexReaderTest : public ImageTest {
+  protected:
+    std::string Hive() {
+        Disk disk = Attach(MadeImage("installed-windows.img"));
+        std::string content;
+        EXPECT_EQ(disk.partitions[1].volume->store->Read(hivePath, content), 0u);
+        return content;
+    }
+    // The hive with the keys of a .reg file added.
+    std::string With(const std::string& keys) {
+        const std::string hive = (Folder() / "hive").string();
+        std::ofstream(hive, std::ios::binary) << Hive();
+        std::ofstream(hive + ".reg") << "Windows Registry Editor Version 5.00\n\n" << keys;
+        OutputOf("hivexregedit --merge '" + hive + "' --prefix 'HKEY_LOCAL_MACHINE\\SYSTEM' '" + hive +
+                 ".reg'");
+        return ContentOf(hive);
+    }
+};
+
+uint32_t NumberAt(const std::string& bytes, size_t at) {
+    uint32_t number = 0;
+    bytes.copy(reinterpret_cast<char*>(&number), sizeof(number), at);
+    return number;
+}
+
+TEST_F(HivexReaderTest, LettersOfTheInstalledWindows) {
+    RegistryKeys keys;
+
+    ASSERT_EQ(HivexReader().Read(Hive(), keys), 0u);
+
+    EXPECT_THAT(keys, ElementsAre(Key(""), Key("MountedDevices"), Key("Select")));
+    auto& devices = keys["MountedDevices"];
+    EXPECT_THAT(devices,
+                ElementsAre(Key("\\DosDevices\\C:"), Key("\\DosDevices\\D:"), Key("\\DosDevices\\E:"),
+                            Key("\\DosDevices\\F:"), Key("\\DosDevices\\G:")));
+    // Signature and offset of an MBR disk's partition, as the disk's table has them.
+    EXPECT_EQ(devices["\\DosDevices\\C:"].type, REG_BINARY);
+    EXPECT_EQ(devices["\\DosDevices\\C:"].data, std::string("\xD4\xC3\xB2\xA1\0\0\x90\x02\0\0\0\0", 12));
+    EXPECT_EQ(devices["\\DosDevices\\D:"], devices["\\DosDevices\\G:"]);
+    EXPECT_EQ(devices["\\DosDevices\\E:"].data,
+              std::string("DMIO:ID:\x52\x3A\x1F\x6F\0\0\0\x40\x80\0\0\0\0\0\0\x05", 24));
+}
+
+TEST_F(HivexReaderTest, ValuesAreWhatAnotherToolLists) {
+    RegistryKeys keys;
+    const std::string hive = With(
+        "[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup]\n\n[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup\\Inner]\n@=\"the default\"\n"
+        "\"Text\"=hex(1):47,00,72,00,f6,00,df,00,65,00,00,00\n\"Number\"=dword:00000102\n\"None\"=hex(0):\n");
+
+    ASSERT_EQ(HivexReader().Read(hive, keys), 0u);
+
+    EXPECT_TRUE(keys.contains("Setup"));
+    auto& inner = keys["Setup\\Inner"];
+    EXPECT_EQ(inner[""], (RegistryValue{REG_SZ, "the default"}));
+    EXPECT_EQ(inner["Text"], (RegistryValue{REG_SZ, "Größe"}));
+    EXPECT_EQ(inner["Number"], (RegistryValue{REG_DWORD, std::string("\x02\x01\0\0", 4)}));
+    EXPECT_EQ(inner["None"], (RegistryValue{REG_NONE, ""}));
+    EXPECT_THAT(OutputOf("hivexregedit --export '" + (Folder() / "hive").string() + "' '\\Setup\\Inner'"),
+                HasSubstr("\"Number\"=dword:00000102"));
+}
+
+TEST_F(HivexReaderTest, FileThatIsNoHiveLeavesTheKeys) {
+    const std::string hive = Hive();
+    const RegistryKeys before = {{"Key", {}}};
+    for (const std::string& file : {std::string(), std::string("regf"), std::string(8192, '\0'),
+                                    hive.substr(0, 4096), hive.substr(0, hive.size() - 1)}) {
+        RegistryKeys keys = before;
+        EXPECT_EQ(HivexReader().Read(file, keys), 1009u) << file.size();
+        EXPECT_EQ(keys, before);
+    }
+}
+
+TEST_F(HivexReaderTest, KeysInACircleAreRefused) {
+    std::string hive = Hive();
+    const size_t list = 0x1000 + NumberAt(hive, rootKey + 4 + 0x1C) + 4;
+    ASSERT_EQ(hive.substr(list, 2), "lh");
+    hive.replace(list + 4, 4, std::string("\x20\0\0\0", 4));  // the root as its own first subkey
+    RegistryKeys keys;
+
+    EXPECT_EQ(HivexReader().Read(hive, keys), 1009u);
+}
+
+TEST_F(HivexReaderTest, KeysDeeperThanThePlatformAllowsAreRefused) {
+    std::string keysOfHive;
+    std::string path = "HKEY_LOCAL_MACHINE\\SYSTEM";
+    for (int i = 0; i < 513; ++i) {
+        path += "\\k";
+        keysOfHive += "[" + path + "]\n\n";
+    }
+    RegistryKeys keys;
+
+    EXPECT_EQ(HivexReader().Read(With(keysOfHive), keys), 1009u);
+}
+
+}  // namespace
+}  // namespace machine

@@ -1,0 +1,127 @@
+#include "tests/machine/media/image_fixture.h"
+
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace machine {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path NewFolder() {
+    std::string name = (fs::temp_directory_path() / "kestova-images-XXXXXX").string();
+    if (!mkdtemp(name.data())) throw std::runtime_error("no folder for test images");
+    return name;
+}
+
+}  // namespace
+
+void ImageTest::TearDown() {
+    if (!folder_.empty()) fs::remove_all(folder_);
+}
+
+const fs::path& ImageTest::Folder() {
+    if (folder_.empty()) folder_ = NewFolder();
+    return folder_;
+}
+
+std::string ImageTest::CopyOf(const std::string& made, const std::string& name) {
+    std::string copy = (Folder() / name).string();
+    OutputOf("cp --sparse=always '" + std::string(KESTOVA_TEST_IMAGES) + "/" + made + "' '" + copy + "'");
+    return copy;
+}
+
+std::string ImageTest::FactoryMbrImage(const std::string& name) {
+    return CopyOf("factory-mbr.img", name);
+}
+
+std::string ImageTest::FactoryGptImage(const std::string& name) {
+    return CopyOf("factory-gpt.img", name);
+}
+
+std::string ImageTest::PartitionedImage(int sizeMiB, const std::string& script) {
+    std::string image = (Folder() / "partitioned.img").string();
+    OutputOf("truncate -s " + std::to_string(sizeMiB) + "M '" + image + "'");
+    OutputOf("printf '" + script + "' | /usr/sbin/sfdisk --quiet '" + image + "'");
+    return image;
+}
+
+std::string ImageTest::PartitionFile(const std::string& image, int startMiB, int sizeMiB) {
+    std::string file = (Folder() / ("partition-at-" + std::to_string(startMiB))).string();
+    fs::remove(file);
+    OutputOf("dd if='" + image + "' of='" + file + "' bs=1M skip=" + std::to_string(startMiB) +
+             " count=" + std::to_string(sizeMiB) + " conv=sparse status=none");
+    return file;
+}
+
+void ImageTest::PutPartition(const std::string& partitionFile, const std::string& image, int startMiB) {
+    OutputOf("dd if='" + partitionFile + "' of='" + image + "' bs=1M seek=" + std::to_string(startMiB) +
+             " conv=notrunc status=none");
+}
+
+std::string OutputOf(const std::string& command) {
+    std::string output;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) throw std::runtime_error("cannot run " + command);
+    std::array<char, 4096> buffer;
+    while (const size_t count = fread(buffer.data(), 1, buffer.size(), pipe))
+        output.append(buffer.data(), count);
+    EXPECT_EQ(pclose(pipe), 0) << command << "\n" << output;
+    return output;
+}
+
+int StatusOf(const std::string& command) {
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool AreSame(const std::string& left, const std::string& right) {
+    return StatusOf("cmp --silent '" + left + "' '" + right + "'") == 0;
+}
+
+int Differences(const std::string& left, const std::string& right) {
+    return std::stoi(OutputOf("cmp --verbose '" + left + "' '" + right + "' | wc -l"));
+}
+
+std::string ContentOf(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void PatchByte(const std::string& file, uint64_t offset, uint8_t value) {
+    std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(static_cast<std::streamoff>(offset));
+    stream.put(static_cast<char>(value));
+    stream.close();
+    ASSERT_TRUE(stream.good()) << file;
+}
+
+uint8_t ByteAt(const std::string& file, uint64_t offset) {
+    std::ifstream stream(file, std::ios::binary);
+    stream.seekg(static_cast<std::streamoff>(offset));
+    return static_cast<uint8_t>(stream.get());
+}
+
+std::string Complaint(const std::string& image, ImageAccess access) {
+    try {
+        Attach(image, access);
+    } catch (const ImageError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+Disk Attach(const std::string& image, ImageAccess access) {
+    Disk disk;
+    disk.image = image;
+    AttachImage(disk, access);
+    return disk;
+}
+
+}  // namespace machine

@@ -1,0 +1,268 @@
+// Changes of a partition table in an image: exactly the bytes that they need.
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "machine/facts/partition_table.h"
+#include "tests/machine/media/image_fixture.h"
+
+namespace {
+
+bool flushesFail = false;
+
+}  // namespace
+
+// In the place of the C library's, for a medium that takes no bytes from the cache.
+extern "C" int fsync(int descriptor) {
+    if (!flushesFail) return static_cast<int>(syscall(SYS_fsync, descriptor));
+    errno = EIO;
+    return -1;
+}
+
+namespace machine {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr uint64_t recovery = 1 * MiB;
+constexpr uint64_t windows = 61 * MiB;
+constexpr uint64_t hibernation = 271 * MiB;
+
+class ImageTableTest : public ImageTest {
+  protected:
+    std::string original_ = FactoryMbrImage("original.img");
+    std::string image_ = FactoryMbrImage("changed.img");
+};
+
+// While it lives no file can be written from that byte on, as if the medium failed there.
+class FullMedium {
+  public:
+    explicit FullMedium(rlim_t firstBadByte) {
+        signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = firstBadByte;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullMedium() { setrlimit(RLIMIT_FSIZE, &before_); }
+
+  private:
+    rlimit before_ = {};
+};
+
+// While it lives bytes stay in the cache.
+class UnreachableMedium {
+  public:
+    UnreachableMedium() { flushesFail = true; }
+    ~UnreachableMedium() { flushesFail = false; }
+};
+
+TEST_F(ImageTableTest, MovingTheFlagChangesTwoBytes) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+
+    EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Clear), 0u);
+
+    EXPECT_EQ(Differences(original_, image_), 2);
+    const std::string dump = OutputOf("/usr/sbin/sfdisk -d '" + image_ + "'");
+    EXPECT_THAT(dump, HasSubstr("type=27, bootable\n"));
+    EXPECT_THAT(dump, HasSubstr("type=7\n"));
+}
+
+TEST_F(ImageTableTest, FlagAndTypeAreOnTheMediumAfterEachCall) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+
+    EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Keep), 0u);
+    EXPECT_EQ(ByteAt(image_, 446), 0x80);
+    EXPECT_EQ(ByteAt(image_, 446 + 16), 0x80);  // one flag does not clear another
+    EXPECT_EQ(disk.table->SetMbrType(recovery, 0x12), 0u);
+    EXPECT_EQ(ByteAt(image_, 450), 0x12);
+    EXPECT_EQ(disk.table->SetActive(windows, false, OtherFlags::Keep), 0u);
+    EXPECT_EQ(ByteAt(image_, 446 + 16), 0x00);
+    EXPECT_EQ(disk.table->SetMbrType(hibernation, 0x49), 0u);
+
+    EXPECT_EQ(Differences(original_, image_), 4);
+}
+
+TEST_F(ImageTableTest, FlagsToClearAreThoseOnTheMedium) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+    PatchByte(image_, 446 + 3 * 16, 0x80);  // which the disk's facts do not know of
+
+    EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Clear), 0u);
+
+    EXPECT_THAT(disk.table->Entries(),
+                ElementsAre(TableEntry{recovery, true, 0x27}, TableEntry{windows, false, 0x07}, testing::_,
+                            TableEntry{hibernation, false, 0x84}));
+    EXPECT_EQ(Differences(original_, image_), 2);
+}
+
+TEST_F(ImageTableTest, FlagOfTheExtendedPartitionIsClearedToo) {
+    const std::string image =
+        PartitionedImage(40,
+                         "label: dos\\n1: start=2048,size=2048,type=7\\n2: start=8192,size=40960,type=5\\n"
+                         "5: start=10240,size=2048,type=b\\n");
+    PatchByte(image, 446 + 16, 0x80);
+    const Disk disk = Attach(image, ImageAccess::Write);
+
+    EXPECT_EQ(disk.table->SetActive(2048 * 512, true, OtherFlags::Clear), 0u);
+
+    EXPECT_EQ(ByteAt(image, 446), 0x80);
+    EXPECT_EQ(ByteAt(image, 446 + 16), 0x00);
+    EXPECT_THAT(disk.table->Entries(),
+                ElementsAre(TableEntry{2048 * 512, true, 0x07}, TableEntry{10240 * 512, false, 0x0B}));
+}
+
+TEST_F(ImageTableTest, ThereAndBackLeavesTheImageAsItWas) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+
+    EXPECT_EQ(disk.table->SetActive(windows, false, OtherFlags::Keep), 0u);
+    EXPECT_FALSE(AreSame(original_, image_));
+    EXPECT_EQ(disk.table->SetActive(windows, true, OtherFlags::Keep), 0u);
+
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(ImageTableTest, ValueThatIsThereAlreadySucceedsAndChangesNothing) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+
+    EXPECT_EQ(disk.table->SetActive(windows, true, OtherFlags::Keep), 0u);
+    EXPECT_EQ(disk.table->SetActive(recovery, false, OtherFlags::Keep), 0u);
+    EXPECT_EQ(disk.table->SetMbrType(windows, 0x07), 0u);
+
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(ImageTableTest, EveryTypeOfAPlainPartitionCanBeSet) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+
+    for (int type = 1; type <= 0xFF; ++type) {
+        const bool isRefused = type == 0x05 || type == 0x0F || type == 0x85 || type == 0xEE;
+        EXPECT_EQ(disk.table->SetMbrType(hibernation, static_cast<uint8_t>(type)), isRefused ? 87u : 0u)
+            << type;
+        if (!isRefused) {
+            EXPECT_EQ(ByteAt(image_, 446 + 3 * 16 + 4), type);
+        }
+    }
+    EXPECT_EQ(disk.table->SetMbrType(hibernation, 0), 87u);
+}
+
+TEST_F(ImageTableTest, LogicalPartitionIsChangedInItsOwnSector) {
+    const std::string image = PartitionedImage(
+        40, "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n");
+    const Disk disk = Attach(image, ImageAccess::Write);
+
+    EXPECT_EQ(disk.table->SetMbrType(10240 * 512, 0x17), 0u);
+    EXPECT_EQ(ByteAt(image, 8192 * 512 + 450), 0x17);
+    EXPECT_EQ(disk.table->SetMbrType(8192 * 512, 0x07),
+              87u);  // the extended partition is no partition to change
+}
+
+TEST_F(ImageTableTest, PlaceWithoutAPartitionIsRefused) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+
+    EXPECT_EQ(disk.table->SetActive(5 * MiB, true, OtherFlags::Keep), 87u);
+    EXPECT_EQ(disk.table->SetMbrType(0, 0x07), 87u);
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(ImageTableTest, GptHasNeitherFlagNorType) {
+    const std::string original = FactoryGptImage("original-gpt.img");
+    const std::string image = FactoryGptImage();
+    const Disk disk = Attach(image, ImageAccess::Write);
+
+    EXPECT_EQ(disk.table->SetActive(1 * MiB, true, OtherFlags::Keep), 87u);
+    EXPECT_EQ(disk.table->SetMbrType(1 * MiB, 0x07), 87u);
+    EXPECT_TRUE(AreSame(original, image));
+}
+
+TEST_F(ImageTableTest, ReadingRefusesChanges) {
+    const Disk disk = Attach(image_, ImageAccess::Read);
+
+    EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Keep), 19u);
+    EXPECT_EQ(disk.table->SetMbrType(recovery, 0x12), 19u);
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(ImageTableTest, DryRunAnswersAsWritingWouldAndWritesNothing) {
+    const Disk disk = Attach(image_, ImageAccess::Overlay);
+
+    EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Keep), 0u);
+    EXPECT_EQ(disk.table->SetMbrType(recovery, 0x12), 0u);
+    EXPECT_EQ(disk.table->SetActive(5 * MiB, true, OtherFlags::Keep), 87u);
+    EXPECT_EQ(disk.table->SetMbrType(recovery, 0x05), 87u);
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(ImageTableTest, MediumThatCannotBeWrittenIsTold) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+    uint32_t result = 0;
+    {
+        const FullMedium medium(0);
+        result = disk.table->SetActive(recovery, true, OtherFlags::Keep);
+    }
+
+    EXPECT_EQ(result, 1117u);
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(ImageTableTest, FlagThatDidNotReachTheMediumIsWrittenAgain) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+    uint32_t results[2] = {};
+    {
+        const UnreachableMedium medium;
+        results[0] = disk.table->SetActive(recovery, true, OtherFlags::Clear);
+    }
+    const std::vector<TableEntry> entries = disk.table->Entries();
+    {
+        const FullMedium medium(0);
+        results[1] = disk.table->SetActive(recovery, true, OtherFlags::Clear);
+    }
+
+    EXPECT_EQ(results[0], 1117u);
+    EXPECT_EQ(entries[0], (TableEntry{recovery, true, 0x27})) << "made, as far as anyone can read";
+    EXPECT_EQ(entries[1], (TableEntry{windows, false, 0x07}));
+    EXPECT_EQ(results[1], 1117u) << "it tried to write what reads as written";
+    EXPECT_EQ(disk.table->SetActive(windows, true, OtherFlags::Clear), 0u);
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(ImageTableTest, TypeThatDidNotReachTheMediumIsWrittenAgain) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+    uint32_t results[2] = {};
+    {
+        const UnreachableMedium medium;
+        results[0] = disk.table->SetMbrType(recovery, 0x12);
+    }
+    {
+        const FullMedium medium(0);
+        results[1] = disk.table->SetMbrType(recovery, 0x12);
+    }
+
+    EXPECT_EQ(results[0], 1117u);
+    EXPECT_EQ(disk.table->Entries()[0], (TableEntry{recovery, false, 0x12}));
+    EXPECT_EQ(results[1], 1117u);
+}
+
+TEST_F(ImageTableTest, EntriesAreThoseOfAnMbrThatChangesReach) {
+    EXPECT_EQ(Attach(image_, ImageAccess::Read).table->Entries().size(), 4u);
+    EXPECT_THAT(Attach(image_, ImageAccess::Overlay).table->Entries(), testing::IsEmpty());
+    EXPECT_THAT(Attach(FactoryGptImage(), ImageAccess::Write).table->Entries(), testing::IsEmpty());
+    const Disk disk = Attach(image_, ImageAccess::Write);
+    PatchByte(image_, 511, 0);
+    EXPECT_THAT(disk.table->Entries(), testing::IsEmpty()) << "the table is gone";
+}
+
+TEST_F(ImageTableTest, TableThatIsGoneMeanwhileIsTold) {
+    const Disk disk = Attach(image_, ImageAccess::Write);
+    PatchByte(image_, 511, 0);
+
+    EXPECT_NE(disk.table->SetActive(recovery, true, OtherFlags::Keep), 0u);
+    EXPECT_EQ(ByteAt(image_, 446), 0);
+}
+
+}  // namespace
+}  // namespace machine

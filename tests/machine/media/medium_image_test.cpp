@@ -1,0 +1,196 @@
+// Discs and sticks in a PC: letters, drives, and files that are neither.
+#include "machine/media/medium_image.h"
+
+#include "machine/facts/machines.h"
+#include "tests/machine/media/image_fixture.h"
+
+namespace machine {
+namespace {
+
+class MediumImageTest : public ImageTest {
+  protected:
+    // What is said of a file that is no disc, or no stick; the PC stays as it was.
+    template <typename Insert>
+    std::string Refusal(Insert insert, const std::string& path) {
+        Pc pc = WinPeTwoDisks();
+        const Pc before = pc;
+        try {
+            insert(pc, path);
+        } catch (const ImageError& error) {
+            EXPECT_EQ(pc, before);
+            return error.what();
+        }
+        return "";
+    }
+};
+
+TEST_F(MediumImageTest, DiscsOfEachFormatAreOptical) {
+    const std::pair<const char*, const char*> formats[] = {
+        {"disc-iso.iso", "CDFS"}, {"disc-joliet.iso", "CDFS"}, {"disc-udf.iso", "UDF"}};
+    for (const auto& [name, fileSystem] : formats) {
+        Pc pc = FactoryMbr();
+
+        InsertDisc(pc, MadeImage(name));
+
+        const Volume& disc = pc.volumes.back();
+        EXPECT_EQ(disc.driveType, DriveType::Optical);
+        EXPECT_EQ(disc.fileSystem, fileSystem);
+        EXPECT_EQ(disc.label.value, "RECOVERY");
+        EXPECT_EQ(disc.letters, "E");
+        EXPECT_EQ(disc.store->Find("SOURCES/dvd"), FileKind::File);
+    }
+}
+
+TEST_F(MediumImageTest, SticksOfEachFormatAreRemovable) {
+    const std::pair<const char*, const char*> formats[] = {{"stick-fat12.img", "FAT"},
+                                                           {"stick-fat16.img", "FAT"},
+                                                           {"stick-fat32.img", "FAT32"},
+                                                           {"stick-ntfs.img", "NTFS"},
+                                                           {"stick-table.img", "FAT"}};
+    for (const auto& [name, fileSystem] : formats) {
+        Pc pc = FactoryMbr();
+        const std::string image = MadeImage(name);
+
+        InsertStick(pc, image);
+
+        const Volume& stick = pc.volumes.back();
+        EXPECT_EQ(stick.driveType, DriveType::Removable);
+        EXPECT_EQ(stick.fileSystem, fileSystem);
+        EXPECT_EQ(stick.label.value, "RECOVERY");
+        EXPECT_EQ(stick.letters, "E");
+        EXPECT_EQ(stick.store->Find("SOURCES/ufd"), FileKind::File);
+        EXPECT_EQ(stick.store->Write("SystemVolume.ini", "x"), 19u);
+        EXPECT_TRUE(AreSame(std::string(KESTOVA_TEST_IMAGES) + "/" + name, image)) << name;
+    }
+}
+
+TEST_F(MediumImageTest, LettersComeAfterThoseOfTheDisks) {
+    Pc pc = PcOfImages({FactoryMbrImage()}, SystemKind::WindowsPe, ImageAccess::Read);
+
+    InsertStick(pc, MadeImage("stick-fat12.img"));
+    InsertDisc(pc, MadeImage("disc-iso.iso"));
+
+    ASSERT_EQ(pc.volumes.size(), 3u);
+    EXPECT_EQ(pc.volumes[0].letters, "X");
+    EXPECT_EQ(pc.volumes[1].letters, "F");
+    EXPECT_EQ(pc.volumes[2].letters, "G");
+}
+
+TEST_F(MediumImageTest, NoLetterIsLeft) {
+    Pc pc;
+    pc.volumes.resize(1);
+    pc.volumes[0].letters = "CDEFGHIJKLMNOPQRSTUVWXYZ";
+
+    InsertDisc(pc, MadeImage("disc-iso.iso"));
+
+    EXPECT_EQ(pc.volumes[1].letters, "");
+}
+
+TEST_F(MediumImageTest, DescribedMediumKeepsWhatAnImageCannotTell) {
+    Volume volume;
+    volume.image = MadeImage("stick-fat16.img");
+    volume.driveType = DriveType::Removable;
+    volume.letters = "R";
+    volume.openError = 5;
+    volume.label = Fact<std::string>::Fails(21);
+
+    AttachMedium(volume);
+
+    EXPECT_EQ(volume.letters, "R");
+    EXPECT_EQ(volume.openError, 5u);
+    EXPECT_EQ(volume.label, Fact<std::string>::Fails(21));
+    EXPECT_EQ(volume.fileSystem, "FAT");
+    EXPECT_EQ(volume.store->Find("sources/idf"), FileKind::Folder);
+}
+
+TEST_F(MediumImageTest, ImageInAFixedDriveIsRefused) {
+    Volume volume;
+    volume.image = MadeImage("stick-fat16.img");
+
+    try {
+        AttachMedium(volume);
+        FAIL() << "taken";
+    } catch (const ImageError& error) {
+        EXPECT_EQ(error.what(),
+                  volume.image + ": is in a drive that is neither an optical nor a removable one");
+    }
+}
+
+TEST_F(MediumImageTest, FileThatIsNoDiscIsRefused) {
+    const std::string stick = MadeImage("stick-fat12.img");
+    const std::string none = stick + ".none";
+
+    EXPECT_EQ(Refusal(InsertDisc, stick), stick + ": no disc: neither ISO 9660 nor UDF");
+    EXPECT_EQ(Refusal(InsertDisc, none), none + ": no such file");
+}
+
+TEST_F(MediumImageTest, FileThatIsNoStickIsRefused) {
+    const std::string disc = MadeImage("disc-iso.iso");
+    const std::string bare = PartitionedImage(20, "label: dos\\n1: start=2048,size=2048,type=7\\n");
+    const std::string locked = PartitionFile(MadeImage("bitlocker.img"), 41, 80);
+
+    EXPECT_EQ(Refusal(InsertStick, disc), disc + ": a disc, not a stick");
+    EXPECT_EQ(Refusal(InsertStick, bare), bare + ": none of its partitions is a FAT or NTFS volume");
+    EXPECT_EQ(Refusal(InsertStick, locked),
+              locked + ": a volume of BitLocker, but only FAT and NTFS are read");
+}
+
+TEST_F(MediumImageTest, TruncatedMediumIsRefused) {
+    const auto cut = [&](const char* name, uintmax_t size) {
+        std::string image = MadeImage(name);
+        std::filesystem::resize_file(image, size);
+        return image;
+    };
+    const auto isCut = [](const std::string& image, const std::string& fileSystem) {
+        return image + ": its " + fileSystem +
+               " file system is longer than what is there; the image is truncated, or it is damaged";
+    };
+    const std::string disc = cut("disc-iso.iso", 100ULL * 2048);
+    EXPECT_EQ(Refusal(InsertDisc, disc), isCut(disc, "CDFS"));
+    const std::pair<const char*, const char*> sticks[] = {{"stick-fat12.img", "FAT"},
+                                                          {"stick-fat16.img", "FAT"},
+                                                          {"stick-fat32.img", "FAT32"},
+                                                          {"stick-ntfs.img", "NTFS"}};
+    for (const auto& [name, fileSystem] : sticks) {
+        const std::string stick = cut(name, 2ULL * 1024 * 1024);
+        EXPECT_EQ(Refusal(InsertStick, stick), isCut(stick, fileSystem));
+    }
+    // What is left of a volume can look like a partition table without an entry.
+    const std::string sector = cut("stick-fat32.img", 512);
+    EXPECT_EQ(
+        Refusal(InsertStick, sector),
+        sector +
+            ": no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated");
+}
+
+TEST_F(MediumImageTest, DamagedMediumIsRefused) {
+    const std::string disc = MadeImage("disc-udf.iso");
+    PatchByte(disc, 257ULL * 2048 + 1, 0);  // the way to the root folder
+    const std::string stick = MadeImage("stick-fat32.img");
+    PatchByte(stick, 44, 0);  // the root folder's cluster
+
+    EXPECT_EQ(Refusal(InsertDisc, disc),
+              disc + ": its UDF file system is damaged, truncated, or of a kind that is not read here");
+    EXPECT_EQ(Refusal(InsertStick, stick),
+              stick + ": its FAT32 file system is damaged, truncated, or of a kind that is not read here");
+}
+
+TEST_F(MediumImageTest, OneFileIsNotTwoMedia) {
+    Pc pc = PcOfImages({FactoryMbrImage()}, SystemKind::WindowsPe, ImageAccess::Read);
+    const std::string stick = MadeImage("stick-fat12.img");
+    InsertStick(pc, stick);
+    const Pc before = pc;
+
+    for (const std::string& path : {stick, pc.disks[0].image}) {
+        try {
+            InsertStick(pc, path);
+            FAIL() << "taken";
+        } catch (const ImageError& error) {
+            EXPECT_EQ(error.what(), path + ": given twice, first as " + path);
+        }
+    }
+    EXPECT_EQ(pc, before);
+}
+
+}  // namespace
+}  // namespace machine

@@ -1,0 +1,25 @@
+// The words of the command line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/kestova/pc/opened_pc.h"
+
+struct CommandLine {
+    PcChoice choice;
+    std::string command;
+    std::vector<std::string> arguments;  // of the command
+    std::vector<std::string> options;    // that were given, by name
+    std::string log;                     // file, or "-"
+    bool json = false;
+    bool initialize = true;
+    bool help = false;
+    bool version = false;
+};
+
+// The words behind the program's name. Throws WrongUse.
+CommandLine ReadCommandLine(const std::vector<std::string>& words);
+
+// The options in their groups, as help shows them.
+std::string OptionsText();

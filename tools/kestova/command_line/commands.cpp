@@ -1,0 +1,190 @@
+#include "tools/kestova/command_line/commands.h"
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+
+#include "tools/kestova/command_line/host.h"
+#include "tools/kestova/command_line/script.h"
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/text.h"
+#include "tools/kestova/reports/letters.h"
+#include "tools/kestova/reports/report_text.h"
+#include "tools/kestova/reports/status.h"
+
+namespace {
+
+void ShowRemark(const std::string& remark) {
+    if (!remark.empty()) std::cerr << "kestova: " << remark << "\n";
+}
+
+int Status(const CommandLine& line) {
+    return Host(line, {.initialize = false, .run = [&](Session& session) -> int {
+                           const Json status = ReadStatus(session, line.initialize);
+                           std::cout << (line.json ? status.dump() + "\n" : StatusText(status));
+                           ShowRemark(status.value("remark", ""));
+                           if (!status.contains("problem")) return Done;
+                           std::cerr << "kestova: " << status["problem"].get<std::string>() << "\n";
+                           return Failure;
+                       }});
+}
+
+int Letters(const CommandLine& line) {
+    return Host(line, {.run = [&](Session& session) -> int {
+                    const Json letters = ReadLetters(session);
+                    std::cout << (line.json ? letters.dump() + "\n" : LettersText(letters));
+                    ShowRemark(letters.value("remark", ""));
+                    if (!letters.contains("problem")) return Done;
+                    std::cerr << "kestova: " << letters["problem"].get<std::string>() << "\n";
+                    return Failure;
+                }});
+}
+
+const std::vector<std::pair<std::string, std::string>>& BootTargets() {
+    static const std::vector<std::pair<std::string, std::string>> targets = {{"recovery", "SetRcvprtActive"},
+                                                                             {"system", "SetSystemActive"}};
+    return targets;
+}
+
+// The result code is the exit status.
+int Boot(const CommandLine& line) {
+    std::vector<std::string> names;
+    for (const auto& [name, operationName] : BootTargets()) {
+        names.push_back(name);
+        if (name != line.arguments[0]) continue;
+        const Operation& operation = FindOperation(operationName);
+        return Host(line,
+                    {.access = Access::Change, .showChanges = true, .run = [&](Session& session) -> int {
+                         const Json report = session.Call(operation, Json::object());
+                         Show(line, operation, report);
+                         ShowRemark(ActiveFlagsRemark(session.Object()));
+                         return report["result"].get<int>();
+                     }});
+    }
+    throw WrongUse("boot: " + UnknownWord("system to boot", line.arguments[0], names));
+}
+
+int CallAndShow(const CommandLine& line, Session& session, const PlannedCall& call) {
+    const Json report = session.Call(*call.operation, call.arguments);
+    Show(line, *call.operation, report);
+    return IsFailure(*call.operation, report["result"]) ? Failure : Done;
+}
+
+Access AccessFor(const std::vector<PlannedCall>& calls) {
+    const bool changes = std::any_of(calls.begin(), calls.end(),
+                                     [](const PlannedCall& call) { return call.operation->changesPc; });
+    return changes ? Access::Change : Access::Ask;
+}
+
+int Call(const CommandLine& line) {
+    const Operation& operation = FindOperation(line.arguments[0]);
+    const std::vector<std::string> words(line.arguments.begin() + 1, line.arguments.end());
+    const PlannedCall call{&operation, ReadArguments(operation, words)};
+    return Host(line, {.access = AccessFor({call}),
+                       .initialize = operation.name != "Initialize",
+                       .showChanges = operation.changesPc,
+                       .run = [&](Session& session) { return CallAndShow(line, session, call); }});
+}
+
+int Run(const CommandLine& line) {
+    const std::vector<PlannedCall> calls = ReadScriptFile(line.arguments[0]);
+    return Host(line, {.access = AccessFor(calls),
+                       .showLife = true,
+                       .script = line.arguments[0],
+                       .run = [&](Session& session) -> int {
+                           int status = Done;
+                           for (const PlannedCall& call : calls) {
+                               status = std::max(status, CallAndShow(line, session, call));
+                           }
+                           return status;
+                       }});
+}
+
+int ListOperations(const CommandLine& line) {
+    const char* separator = "";
+    for (const Operation& operation : Operations()) {
+        if (line.json) {
+            std::cout << OperationJson(operation).dump() << "\n";
+        } else {
+            std::cout << separator << OperationText(operation);
+            separator = "\n";
+        }
+    }
+    return Done;
+}
+
+int ListPcs(const CommandLine& line) {
+    std::vector<std::vector<std::string>> rows;
+    for (const ComingMachine& machine : ComingMachines()) {
+        rows.push_back({machine.name, machine.summary});
+        if (line.json)
+            std::cout << Json({{"name", machine.name}, {"summary", machine.summary}}).dump() << "\n";
+    }
+    if (!line.json) std::cout << Table(rows, "");
+    return Done;
+}
+
+std::string BootStatuses() {
+    std::string text;
+    for (const auto& [name, operationName] : BootTargets()) {
+        text += "  boot " + name + ":\n" + ResultsText(FindOperation(operationName), "    ");
+    }
+    return text;
+}
+
+bool Uses(const Command& command, const std::string& option) {
+    if (option == "--json") return true;
+    return command.usesPc && (command.traces || option != "--trace");
+}
+
+}  // namespace
+
+const std::vector<Command>& Commands() {
+    constexpr size_t any = 64;
+    static const std::vector<Command> commands = {
+        {"status", "", "What this PC is", 0, 0, true, false, Status},
+        {"letters", "", "What each letter of the installed Windows stands for", 0, 0, true, false, Letters},
+        {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
+        {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
+         true, Call},
+        {"run", "SCRIPT|-", "One operation a line, on one object", 1, 1, true, true, Run},
+        {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
+         ListOperations},
+        {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},
+    };
+    return commands;
+}
+
+const Command& FindCommand(const CommandLine& line) {
+    std::vector<std::string> names;
+    for (const Command& command : Commands()) {
+        names.emplace_back(command.name);
+        if (line.command != command.name) continue;
+        const size_t count = line.arguments.size();
+        if (count < command.fewest || count > command.most) {
+            const std::string arguments = *command.arguments != '\0' ? " " : "";
+            throw WrongUse("usage: kestova [PC] " + line.command + arguments + command.arguments);
+        }
+        for (const std::string& option : line.options) {
+            if (!Uses(command, option)) throw WrongUse(line.command + " does not use " + option);
+        }
+        return command;
+    }
+    if (line.command.empty()) throw WrongUse("no command was given");
+    throw WrongUse(UnknownWord("command", line.command, names));
+}
+
+std::string HelpText() {
+    std::vector<std::vector<std::string>> rows;
+    for (const Command& command : Commands()) {
+        rows.push_back({command.name + std::string(" ") + command.arguments, command.summary});
+    }
+    return "Usage: kestova [PC] COMMAND\n\nCommands:\n" + Table(rows, "  ") + OptionsText() +
+           "\nExit status:\n"
+           "  0   done\n"
+           "  1   the operation reports a failure, or what was asked could not be done\n"
+           "  2   wrong use: a message on standard error, nothing on standard output\n"
+           "  3   the PC cannot be read: a message on standard error, nothing on standard output\n"
+           "  Of boot, the result code:\n" +
+           BootStatuses();
+}

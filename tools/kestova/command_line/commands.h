@@ -1,0 +1,27 @@
+// What the program does, a row for each command.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/kestova/command_line/command_line.h"
+
+struct Command {
+    const char* name;
+    const char* arguments;  // as help shows them
+    const char* summary;
+    size_t fewest;  // arguments
+    size_t most;
+    bool usesPc;
+    bool traces;
+    int (*run)(const CommandLine& line);  // answers the exit status
+};
+
+const std::vector<Command>& Commands();
+
+// What --help shows: commands, options and exit statuses.
+std::string HelpText();
+
+// Throws WrongUse for an unknown command, a wrong number of arguments, or an option that is
+// without effect on the command.
+const Command& FindCommand(const CommandLine& line);

@@ -1,0 +1,108 @@
+#include "tools/kestova/command_line/host.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "tools/kestova/command_line/output_files.h"
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/reports/report_text.h"
+
+namespace {
+
+// Where the records go: nowhere, to a file, or to be seen. Standard output is JSON's alone.
+class LogOutput {
+  public:
+    explicit LogOutput(const CommandLine& line) : name_(line.log), shown_(line.json ? std::cerr : std::cout) {
+        if (name_.empty() || name_ == "-") return;
+        file_.open(std::filesystem::path(name_), std::ios::binary);
+        if (!file_) throw WrongUse("--log: " + name_ + " cannot be written");
+    }
+    std::ostream* Stream() {
+        if (name_.empty()) return nullptr;
+        return name_ == "-" ? &shown_ : &file_;
+    }
+    // False when a record did not reach the file.
+    bool Close() {
+        if (file_.is_open()) file_.close();
+        return !file_.fail();
+    }
+
+  private:
+    std::string name_;
+    std::ostream& shown_;
+    std::ofstream file_;
+};
+
+std::string JsonLine(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+// Construction and destruction have no result: people see them only in a trace.
+void ShowLife(const CommandLine& line, const Json& report) {
+    if (line.json) {
+        std::cout << JsonLine(report) << std::flush;
+    } else if (line.choice.trace) {
+        std::cout << TraceText(report) << report["operation"].get<std::string>() << "\n" << std::flush;
+    }
+}
+
+void Initialize(const CommandLine& line, const Work& work, Session& session) {
+    const Operation& operation = FindOperation("Initialize");
+    const Json report = session.Call(operation, {{"reserved", false}});
+    if (work.showLife) Show(line, operation, report);
+    if (IsFailure(operation, report["result"])) {
+        std::cerr << "kestova: Initialize: " << FindMeaning(operation.results, report["result"])->words
+                  << "\n";
+    }
+}
+
+int RunOnObject(const CommandLine& line, const Work& work, Session& session) {
+    const Json made = session.Construct();
+    if (work.showLife) ShowLife(line, made);
+    if (work.initialize && line.initialize) Initialize(line, work, session);
+    const int status = work.run(session);
+    const Json destroyed = session.Destroy();
+    if (work.showLife) ShowLife(line, destroyed);
+    return status;
+}
+
+void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
+    const auto changes = pc.Changes();
+    if (!changes) return;
+    std::ostream& output = line.json ? std::cerr : std::cout;
+    const bool would = line.choice.dryRun;
+    if (changes->empty()) {
+        output << (would ? "Nothing would change.\n" : "Nothing changed.\n");
+        return;
+    }
+    output << (would ? "Would change:\n" : "Changed:\n");
+    for (const std::string& change : *changes)
+        output << "  " << change << "\n";
+}
+
+}  // namespace
+
+int Host(const CommandLine& line, const Work& work) {
+    const std::unique_ptr<OpenedPc> opened = OpenPc(line.choice, work.access);
+    OpenedPc& pc = *opened;
+    CheckOutputFiles(line, pc.Inputs(), work.script);
+    LogOutput log(line);
+    if (!pc.Note().empty()) std::cerr << "kestova: " << pc.Note() << "\n";
+    int status = Done;
+    {
+        Session session(pc, log.Stream(), line.choice.trace);
+        status = RunOnObject(line, work, session);
+    }
+    if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
+    if (!log.Close()) {
+        std::cerr << "kestova: " << line.log << ": cannot be written\n";
+        status = Failure;
+    }
+    if (!line.choice.save.empty()) pc.Save(line.choice.save);
+    return status;
+}
+
+void Show(const CommandLine& line, const Operation& operation, const Json& report) {
+    std::cout << (line.json ? JsonLine(report) : ReportText(operation, report)) << std::flush;
+}

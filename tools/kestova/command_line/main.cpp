@@ -1,0 +1,50 @@
+// kestova: the recovery library on the command line.
+
+#include <iostream>
+
+#include "tools/kestova/command_line/command_line.h"
+#include "tools/kestova/command_line/commands.h"
+#include "tools/kestova/command_line/program_start.h"
+#include "tools/kestova/common/errors.h"
+
+namespace {
+
+int Run(const std::vector<std::string>& words) {
+    const CommandLine line = ReadCommandLine(words);
+    if (line.help) {
+        std::cout << HelpText();
+        return Done;
+    }
+    if (line.version) {
+        std::cout << "kestova " KESTOVA_VERSION "\n";
+        return Done;
+    }
+    return FindCommand(line).run(line);
+}
+
+int Complain(const std::exception& error, ExitStatus status) {
+    std::cerr << "kestova: " << error.what() << "\n";
+    return status;
+}
+
+// What was done stays done; whoever reads the status must know that its report is lost.
+int CheckOutput(int status) {
+    if (std::cout.flush()) return status;
+    std::cerr << "kestova: standard output cannot be written\n";
+    return Failure;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    try {
+        return CheckOutput(Run(StartProgram(count, words)));
+    } catch (const WrongUse& error) {
+        std::cerr << "kestova: " << error.what() << "\n(kestova --help tells what there is)\n";
+        return WrongUseStatus;
+    } catch (const UnreadablePc& error) {
+        return Complain(error, UnreadablePcStatus);
+    } catch (const std::exception& error) {
+        return Complain(error, Failure);
+    }
+}

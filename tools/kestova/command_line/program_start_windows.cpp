@@ -1,0 +1,20 @@
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+
+#include "base/utf.h"
+#include "tools/kestova/command_line/program_start.h"
+
+// The C runtime would write a line end as two bytes, and its words have lost what the code page lacks.
+std::vector<std::string> StartProgram(int, char**) {
+    for (std::FILE* const stream : {stdin, stdout, stderr})
+        _setmode(_fileno(stream), _O_BINARY);
+    int count = 0;
+    LPWSTR* const wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> words;
+    for (int i = 1; i < count; ++i)
+        words.push_back(ToUtf8(wide[i]));
+    LocalFree(wide);
+    return words;
+}

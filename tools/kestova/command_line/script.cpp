@@ -1,0 +1,61 @@
+#include "tools/kestova/command_line/script.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "tools/kestova/common/errors.h"
+
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+std::vector<std::string> Words(const std::string& line) {
+    std::istringstream stream(line.substr(0, line.find('#')));
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;)
+        words.push_back(word);
+    return words;
+}
+
+// The commands of the program are no operations, but are easily taken for them.
+PlannedCall Plan(const std::vector<std::string>& words) {
+    if (words.front() == "status" || words.front() == "letters" || words.front() == "boot") {
+        throw WrongUse("'" + words.front() +
+                       "' is a command; only operations stand in a script (kestova operations lists them)");
+    }
+    const Operation& operation = FindOperation(words.front());
+    return {&operation, ReadArguments(operation, {words.begin() + 1, words.end()})};
+}
+
+}  // namespace
+
+std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& name) {
+    std::vector<PlannedCall> calls;
+    int number = 0;
+    for (std::string line; std::getline(script, line);) {
+        ++number;
+        if (line.find('\0') != std::string::npos)
+            throw WrongUse(name + ":" + std::to_string(number) + ": not text; a script is written in UTF-8");
+        if (number == 1 && line.starts_with(byteOrderMark)) line.erase(0, byteOrderMark.size());
+        const std::vector<std::string> words = Words(line);
+        if (words.empty()) continue;
+        try {
+            calls.push_back(Plan(words));
+        } catch (const WrongUse& wrong) {
+            throw WrongUse(name + ":" + std::to_string(number) + ": " + wrong.what());
+        }
+    }
+    if (script.bad()) throw WrongUse(name + ": cannot be read");
+    return calls;
+}
+
+std::vector<PlannedCall> ReadScriptFile(const std::string& file) {
+    if (file == "-") return ReadScript(std::cin, "standard input");
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) throw WrongUse(file + ": there is no such file");
+    std::ifstream script(std::filesystem::path(file), std::ios::binary);
+    if (!script) throw WrongUse(file + ": cannot be read");
+    return ReadScript(script, file);
+}

@@ -1,0 +1,88 @@
+#include "tools/kestova/common/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "base/nearest.h"
+#include "base/utf.h"
+
+namespace {
+
+// Characters, not bytes, of UTF-8.
+size_t Width(const std::string& text) {
+    return static_cast<size_t>(
+        std::count_if(text.begin(), text.end(), [](char unit) { return (unit & 0xC0) != 0x80; }));
+}
+
+}  // namespace
+
+std::string LetterText(WCHAR letter) {
+    return ToUtf8(std::basic_string_view<WCHAR>(&letter, 1));
+}
+
+std::string OneLine(std::string_view text) {
+    std::string line;
+    for (const char unit : text) {
+        switch (unit) {
+            case '\r':
+                line += "\\r";
+                break;
+            case '\n':
+                line += "\\n";
+                break;
+            case '\0':
+                line += "\\0";
+                break;
+            default:
+                line += unit;
+        }
+    }
+    return line;
+}
+
+std::string Count(size_t count, std::string_view noun) {
+    return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+std::string UnknownWord(std::string_view what, std::string_view name, const std::vector<std::string>& known) {
+    const std::string nearest = Nearest(name, known);
+    return "there is no " + std::string(what) + " '" + std::string(name) + "'" +
+           (nearest.empty() ? "" : "; did you mean " + nearest + "?");
+}
+
+std::string Hex(uint64_t value, int digits) {
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%0*llX", digits, static_cast<unsigned long long>(value));
+    return text;
+}
+
+std::string SizeText(uint64_t bytes) {
+    static constexpr std::array units = {"B", "KiB", "MiB", "GiB", "TiB"};
+    double size = static_cast<double>(bytes);
+    size_t unit = 0;
+    for (; size >= 1024 && unit + 1 < units.size(); ++unit)
+        size /= 1024;
+    char text[32];
+    std::snprintf(text, sizeof text, unit == 0 ? "%.0f %s" : "%.1f %s", size, units[unit]);
+    return text;
+}
+
+std::string Table(const std::vector<std::vector<std::string>>& rows, const std::string& indent) {
+    std::vector<size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], Width(row[i]));
+    }
+    std::string text;
+    for (const auto& row : rows) {
+        std::string line = indent;
+        for (size_t i = 0; i < row.size(); ++i) {
+            line += row[i] + std::string(widths[i] - Width(row[i]) + 2, ' ');
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + "\n";
+    }
+    return text;
+}

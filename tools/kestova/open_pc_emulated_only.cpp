@@ -1,7 +1,0 @@
-// For a build whose PCs are all emulated.
-
-#include "tools/kestova/opened_pc.h"
-
-std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access) {
-    return OpenEmulatedPc(choice, access);
-}

@@ -1,0 +1,63 @@
+// Choosing what the machine boots.
+
+#include "tools/kestova/operations/operation_tables.h"
+
+namespace {
+
+// What the four switches of the active partition have in common.
+const Meaning noActivePartition{1, "no active partition could be read", true};
+const Meaning unknownActivePartition{2, "the number of the active partition is unknown", true};
+const Meaning noRecoveryPartition{
+    3, "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files", true};
+
+}  // namespace
+
+std::vector<Operation> BootOperations() {
+    return {
+        {.name = "SetRcvprtActive",
+         .summary = "Makes the recovery partition active and records the partition that was.",
+         .results = {{0, "done, or it was active already"},
+                     noActivePartition,
+                     unknownActivePartition,
+                     noRecoveryPartition,
+                     {4, "the record could not be written", true},
+                     {5, "the flag could not be set; setting the former one again was tried", true}},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetRcvprtActive(); }},
+
+        {.name = "SetSystemActive",
+         .summary = "Makes the recorded partition active again, 2 without a usable record.",
+         .results = {{0, "done, or there was nothing to do"},
+                     noActivePartition,
+                     unknownActivePartition,
+                     noRecoveryPartition,
+                     {4, "the flag could not be set", true},
+                     {5, "the record could not be deleted", true}},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetSystemActive(); }},
+
+        {.name = "SetPOneActive",
+         .summary = "As SetRcvprtActive, and drops a record that says 2 or nothing usable.",
+         .results = {{0, "done"},
+                     noActivePartition,
+                     unknownActivePartition,
+                     noRecoveryPartition,
+                     {4, "the record could not be written", true},
+                     {5, "the flag could not be set; setting the former one again was tried", true},
+                     {6, "the record could not be dropped", true}},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetPOneActive(); }},
+
+        {.name = "SetPTwoActive",
+         .summary = "Makes partition 2 active and deletes the record.",
+         .results =
+             {{0, "done"},
+              {1, "the flag could not be set; setting partition 1 again was tried", true},
+              {2,
+               "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files",
+               true},
+              {3, "the record could not be deleted", true}},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetPTwoActive(); }},
+    };
+}

@@ -1,0 +1,127 @@
+// Disks and partitions.
+
+#include "tools/kestova/operations/operation_tables.h"
+
+std::vector<Operation> DiskOperations() {
+    const Meaning no{0, "no, or it could not be told"};
+    return {
+        {.name = "Initialize",
+         .summary = "Prepares COM security and loads the Virtual Disk Service.",
+         .parameters = {{.name = "reserved", .kind = Kind::Flag, .words = "without effect"}},
+         .results = {{1, "the service is ready"},
+                     {0, "the service could not be loaded in 20 attempts", true}},
+         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+             return object.Initialize(arguments.at("reserved").get<bool>());
+         }},
+
+        {.name = "GetFirstInternalDriveNumber",
+         .summary = "Which disk is the first internal one.",
+         .results = {{-1, "there is none, or it could not be told", true}},
+         .otherwise = "the number of the disk",
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+             return object.GetFirstInternalDriveNumber();
+         }},
+
+        {.name = "GetDiskStyle",
+         .summary = "The partition style of the first internal disk.",
+         .parameters = {{.name = "style",
+                         .words = "the style",
+                         .output = true,
+                         .meanings = {{0, "unknown, or not to be read"}, {1, "MBR"}, {2, "GPT"}}}},
+         .results = {{1, "asked; the style tells the rest"}, {0, "there is no volume layer", true}},
+         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+             THardDiskType style = HARD_DISK_UNKNOWN;
+             const int result = object.GetDiskStyle(style);
+             outputs["style"] = static_cast<int>(style);
+             return result;
+         }},
+
+        {.name = "GetCurrentDiskType",
+         .summary = "The layout of the first internal disk.",
+         .parameters = {{.name = "type",
+                         .words = "the layout",
+                         .output = true,
+                         .meanings = {{0, "unknown"},
+                                      {1, "GPT, partition 3 is the EFI system partition"},
+                                      {2, "GPT, partition 3 is not the EFI system partition"},
+                                      {3, "MBR, partition 2 is labelled \"System Reserved\""},
+                                      {4, "MBR, partition 2 is not labelled System Reserved"}}}},
+         .results = {{1, "asked; the type tells the rest"}},
+         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+             tagDiskTypeEnum type = DISK_TYPE_UNKNOWN;
+             const int result = object.GetCurrentDiskType(type);
+             outputs["type"] = static_cast<int>(type);
+             return result;
+         }},
+
+        {.name = "IsDynamic",
+         .summary = "Always 0: no disk counts as dynamic.",
+         .results = {{0, "no"}},
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.IsDynamic(); }},
+
+        {.name = "IsEFIBootSystem",
+         .summary = "Whether the firmware is UEFI.",
+         .results = {{1, "UEFI"}, {0, "BIOS"}},
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.IsEFIBootSystem(); }},
+
+        {.name = "GetDriveLetter",
+         .summary = "The letter of a partition.",
+         .parameters = {disk, partition},
+         .results = {{"0", "it has none", true}},
+         .otherwise = "its letter",
+         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+             return LetterText(
+                 object.GetDriveLetter(Number(arguments, "disk"), Number(arguments, "partition")));
+         }},
+
+        {.name = "IsNeedHidePartition",
+         .summary = "Whether a partition is not for the user's eyes.",
+         .parameters = {disk, partition},
+         .results = {{1, "yes"}, no},
+         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+             return object.IsNeedHidePartition(Number(arguments, "disk"), Number(arguments, "partition"));
+         }},
+
+        {.name = "IsBIOSHibernationPartition",
+         .summary = "Whether a partition is the BIOS's hibernation partition.",
+         .parameters = {disk, partition},
+         .results = {{1, "yes"}, no},
+         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+             return object.IsBIOSHibernationPartition(Number(arguments, "disk"),
+                                                      Number(arguments, "partition"));
+         }},
+
+        {.name = "SetBIOSHibernationPartitionID",
+         .summary = "Makes an MBR partition of the first internal disk the BIOS's hibernation partition.",
+         .parameters = {partition},
+         .results = {{0, "done"}, {1, "failed", true}},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+             return object.SetBIOSHibernationPartitionID(Number(arguments, "partition"));
+         }},
+
+        {.name = "GetActivePartitionNumber",
+         .summary = "Which partition of the first internal disk is active.",
+         .results = {{-1, "there is none, or it could not be told", true}},
+         .otherwise = "the number of the partition",
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+             return object.GetActivePartitionNumber();
+         }},
+
+        {.name = "SetActive",
+         .summary =
+             "Sets the active flag of an MBR partition of the first internal disk; clears no other flag itself.",
+         .parameters = {partition},
+         .results = {{0, "done"}, {1, "failed", true}},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+             return object.SetActive(Number(arguments, "partition"));
+         }},
+
+        {.name = "ClearActive",
+         .summary = "Clears every active flag of the first internal disk.",
+         .results = {{0, "done"}, {1, "failed", true}},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.ClearActive(); }},
+    };
+}

@@ -1,0 +1,98 @@
+// Letters on demand.
+
+#include "tools/kestova/operations/operation_tables.h"
+
+namespace {
+
+const Meaning removeFailed{105, "the letter could not be taken", true};
+
+// What the two ways of giving partition 1 or 3 a letter have in common.
+std::vector<Meaning> ActivationResults(const char* wrongType) {
+    return {{0, "done"},
+            {101, "the type could not be read", true},
+            {104, "the partition has no letter all the same", true},
+            {105, "the letter could not be given", true},
+            {113, wrongType, true}};
+}
+
+}  // namespace
+
+std::vector<Operation> LetterOperations() {
+    const Parameter given = LetterOutput("the letter of the partition", "none");
+    const Meaning asked{1, "asked; the letter tells the rest"};
+    return {
+        {.name = "ActiveOrvoBootPartition",
+         .summary = "Gives the maker's boot partition, number 1, a letter.",
+         .parameters = {given},
+         .results = ActivationResults("partition 1 is not the maker's boot partition"),
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+             return WithLetter(outputs, [&](WCHAR& put) { return object.ActiveOrvoBootPartition(put); });
+         }},
+
+        {.name = "DisableOrvoBootPartition",
+         .summary = "Takes the letter of partition 1, whoever gave it.",
+         .results = {{0, "done"}, removeFailed},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+             return object.DisableOrvoBootPartition();
+         }},
+
+        {.name = "ActiveGPTSystemPartition",
+         .summary = "Gives the EFI system partition, number 3, a letter.",
+         .parameters = {given},
+         .results = ActivationResults("partition 3 is not the EFI system partition"),
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+             return WithLetter(outputs, [&](WCHAR& put) { return object.ActiveGPTSystemPartition(put); });
+         }},
+
+        {.name = "DisableGPTSystemPartition",
+         .summary = "Takes the letter of partition 3, whoever gave it.",
+         .results = {{0, "done"}, removeFailed},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+             return object.DisableGPTSystemPartition();
+         }},
+
+        {.name = "AssignRecoveryPartition",
+         .summary = "Gives the recovery partition of a GPT disk a letter.",
+         .parameters = {LetterOutput("its letter", "there is no recovery partition, or no letter for it")},
+         .results = {asked},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+             return WithLetter(outputs, [&](WCHAR& put) { return object.AssignRecoveryPartition(put); });
+         }},
+
+        {.name = "AssignWinREPartition",
+         .summary = "Gives the Windows RE partition, number 2, a letter.",
+         .parameters = {LetterOutput("its letter", "there is no Windows RE partition, or no letter for it")},
+         .results = {asked},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+             return WithLetter(outputs, [&](WCHAR& put) { return object.AssignWinREPartition(put); });
+         }},
+
+        {.name = "RemoveRecoveryPartition",
+         .summary = "Takes the letter of the partition that AssignRecoveryPartition last found.",
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+             object.RemoveRecoveryPartition();
+             return nullptr;
+         }},
+
+        {.name = "RemoveWinREPartition",
+         .summary = "Takes the letter of the partition that AssignWinREPartition last found.",
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+             object.RemoveWinREPartition();
+             return nullptr;
+         }},
+
+        {.name = "IsExistRcvprt",
+         .summary = "Whether there is a recovery partition; it keeps the letter that it is given.",
+         .results = {{1, "yes"}, {0, "no, or it could not be given a letter"}},
+         .changesPc = true,
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.IsExistRcvprt(); }},
+    };
+}

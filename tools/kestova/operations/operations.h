@@ -1,0 +1,60 @@
+// The public operations of the class, a row each. Calling, scripts, help, the list of operations, JSON and
+// the words of a result all read these rows: a new operation is a new row.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "manager/kestova.h"
+#include "tools/kestova/common/json.h"
+
+// How a value is written: true or false; a number; a number of things, from 0 to 65536; a letter, or '0' for
+// none; a text; a list of objects. Arguments are of the first four kinds.
+enum class Kind { Flag, Number, Count, Letter, Text, List };
+
+// A value in words.
+struct Meaning {
+    Json value;
+    const char* words = "";
+    bool failure = false;
+};
+
+struct Parameter {
+    std::string name;
+    Kind kind = Kind::Number;
+    const char* words = "";
+    bool output = false;
+    std::vector<Meaning> meanings = {};
+    Json standard = nullptr;  // of an argument that may be left out; only the last ones may
+};
+
+struct Operation {
+    std::string name;
+    const char* summary = "";
+    std::vector<Parameter> parameters = {};
+    std::vector<Meaning> results = {};
+    const char* otherwise = "";  // any other result, in words; empty when there is none
+    bool changesPc = false;
+    // Answers the result, null for an operation without one. `arguments` has every input by name; outputs are
+    // put under theirs.
+    Json (*invoke)(Kestova& object, const Json& arguments, Json& outputs) = nullptr;
+};
+
+// In the order of the class.
+const std::vector<Operation>& Operations();
+
+// The operation of that name, which must be spelled exactly. Throws WrongUse that suggests the nearest one.
+const Operation& FindOperation(std::string_view name);
+
+// "GetDriveLetter DISK PARTITION", with what may be left out in brackets.
+std::string Usage(const Operation& operation);
+
+// The arguments by name, from the words that follow the operation's. Throws WrongUse.
+Json ReadArguments(const Operation& operation, const std::vector<std::string>& words);
+
+// The meaning of that value, or null.
+const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Json& value);
+
+// Whether the result tells a failure.
+bool IsFailure(const Operation& operation, const Json& result);

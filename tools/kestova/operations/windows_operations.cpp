@@ -1,0 +1,122 @@
+// Encryption and the installed Windows.
+
+#include "base/utf.h"
+#include "tools/kestova/operations/operation_tables.h"
+
+namespace {
+
+std::vector<Parameter> PlaceOutputs() {
+    return {{.name = "disk", .words = "its disk", .output = true, .meanings = {{-1, "none"}}},
+            {.name = "partition", .words = "its partition", .output = true, .meanings = {{-1, "none"}}},
+            LetterOutput("its letter", "none")};
+}
+
+template <typename Member>
+Json WithPlace(Json& outputs, Member member) {
+    int foundDisk = -1;
+    int foundPartition = -1;
+    WCHAR letter = TEXT('0');
+    Json result = member(foundDisk, foundPartition, letter);
+    outputs["disk"] = foundDisk;
+    outputs["partition"] = foundPartition;
+    outputs["letter"] = LetterText(letter);
+    return result;
+}
+
+Json GetAllEncryptVolume(Kestova& object, const Json& arguments, Json& outputs) {
+    const auto size = arguments.at("size").get<DWORD>();
+    std::basic_string<WCHAR> buffer(size + size_t{1}, TEXT('\0'));
+    const int result = object.GetAllEncryptVolume(buffer.data(), size);
+    outputs["buffer"] = ToUtf8(buffer.c_str());
+    return result;
+}
+
+Json GetWinDriveLetters(Kestova& object, const Json& arguments, Json& outputs) {
+    const int count = Number(arguments, "count");
+    constexpr tagDriveInfo_t notFilled{-1, -1, TEXT('0')};
+    std::vector<tagDriveInfo_t> records(static_cast<size_t>(count) + 1, notFilled);
+    const int result = object.GetWinDriveLetters(records.data(), count);
+    outputs["records"] = Json::array();
+    for (const tagDriveInfo_t& record : records) {
+        if (record.cDriveLetter == notFilled.cDriveLetter) break;
+        outputs["records"].push_back({{"iDiskNum", record.iDiskNum},
+                                      {"iPartNum", record.iPartNum},
+                                      {"cDriveLetter", LetterText(record.cDriveLetter)}});
+    }
+    return result;
+}
+
+}  // namespace
+
+std::vector<Operation> WindowsOperations() {
+    return {
+        {.name = "IsExistEncryptVolume",
+         .summary = "Whether BitLocker can be asked.",
+         .results = {{1, "it can, even if it encrypts nothing"}, {0, "it cannot"}},
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.IsExistEncryptVolume(); }},
+
+        {.name = "GetEncryptVolume",
+         .summary = "The letter of the only encrypted volume.",
+         .results = {{"0", "there are none, or several, or BitLocker cannot be asked", true},
+                     {std::string(1, '\0'), "it has no letter"}},
+         .otherwise = "its letter",
+         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+             return LetterText(object.GetEncryptVolume());
+         }},
+
+        {.name = "GetAllEncryptVolume",
+         .summary = "The letters of all encrypted volumes.",
+         .parameters = {{.name = "buffer",
+                         .kind = Kind::Text,
+                         .words = "the letters",
+                         .output = true,
+                         .meanings = {{"", "empty"}}},
+                        {.name = "size",
+                         .kind = Kind::Count,
+                         .words = "characters that the buffer has room for, with the terminator",
+                         .standard = 33}},
+         .results = {{1, "BitLocker was asked"}, {0, "BitLocker cannot be asked", true}},
+         .invoke = GetAllEncryptVolume},
+
+        {.name = "GetBitLockerSystemInfo",
+         .summary = "Where the EFI system partition is; its letter is never looked up.",
+         .parameters = PlaceOutputs(),
+         .results = {{0, "asked; the outputs tell the rest"},
+                     {100, "there is no internal disk", true},
+                     {106, "the partition style is unknown", true},
+                     {111, "the partition style could not be read", true},
+                     {115, "the type of partition 3 could not be read", true},
+                     {116, "there is no volume layer", true}},
+         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+             return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
+                 return object.GetBitLockerSystemInfo(onDisk, number, letter);
+             });
+         }},
+
+        {.name = "GetVistaOSInfo",
+         .summary = "Where the installed Windows is, on a GPT disk with an EFI system partition.",
+         .parameters = PlaceOutputs(),
+         .results = {{0, "found"},
+                     {104, "its partition has no letter, or the layout is another", true},
+                     {110, "its partition holds no Windows", true},
+                     {111, "the partition style is unknown or could not be read", true}},
+         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+             return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
+                 return object.GetVistaOSInfo(onDisk, number, letter);
+             });
+         }},
+
+        {.name = "GetWinDriveLetters",
+         .summary = "Which disk and partition each letter of the installed Windows stands for.",
+         .parameters = {{.name = "records",
+                         .kind = Kind::List,
+                         .words = "a record for each letter: iDiskNum, iPartNum, cDriveLetter",
+                         .output = true},
+                        {.name = "count",
+                         .kind = Kind::Count,
+                         .words = "records that there is room for",
+                         .standard = 26}},
+         .results = {{1, "done"}, {0, "something failed, or there was no room for all records", true}},
+         .invoke = GetWinDriveLetters},
+    };
+}

@@ -1,0 +1,128 @@
+#include "tools/kestova/pc/changes.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <sstream>
+
+#include "tools/kestova/common/partition_words.h"
+#include "tools/kestova/pc/watched_store.h"
+
+namespace {
+
+using machine::Disk;
+using machine::Partition;
+using machine::Pc;
+using machine::Volume;
+
+using Texts = std::vector<std::string>;
+// Path and content; nothing for a file that is not there.
+using Files = std::map<std::string, std::optional<std::string>>;
+
+// An INI file's lines, indented; anything longer or not text by its length.
+std::string Shown(const std::string& content) {
+    constexpr size_t longest = 400;
+    const auto isText = [](unsigned char unit) {
+        return unit >= ' ' || unit == '\r' || unit == '\n' || unit == '\t';
+    };
+    if (content.size() > longest || !std::all_of(content.begin(), content.end(), isText)) {
+        return " (" + std::to_string(content.size()) + " bytes)";
+    }
+    std::string shown;
+    std::istringstream lines(content);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.ends_with('\r')) line.pop_back();
+        shown += "\n    " + line;
+    }
+    return shown;
+}
+
+Files FilesOf(const machine::FileTree& tree) {
+    Files files;
+    for (const auto& entry : tree.Entries()) {
+        if (!entry.folder) files[entry.path] = entry.content;
+    }
+    return files;
+}
+
+void CompareFiles(const std::string& place, const Files& before, const Files& after, Texts& texts) {
+    for (const auto& [path, content] : after) {
+        const auto found = before.find(path);
+        const auto old = found != before.end() ? found->second : std::nullopt;
+        if (old == content) continue;
+        if (!content) {
+            texts.push_back(place + "file " + path + " deleted");
+        } else {
+            texts.push_back(place + "file " + path + (old ? " changed:" : " created:") + Shown(*content));
+        }
+    }
+    for (const auto& [path, content] : before) {
+        if (content && !after.contains(path)) texts.push_back(place + "file " + path + " deleted");
+    }
+}
+
+void CompareVolumeFiles(const std::string& place, const Volume& before, const Volume& after, Texts& texts) {
+    const auto* const watched = dynamic_cast<const WatchedStore*>(after.store.get());
+    if (watched == nullptr) {
+        CompareFiles(place, FilesOf(before.files), FilesOf(after.files), texts);
+        return;
+    }
+    Files now;
+    for (const auto& [path, content] : watched->Touched())
+        now[path] = watched->Content(path);
+    CompareFiles(place, watched->Touched(), now, texts);
+}
+
+std::string LetterChange(const std::string& before, const std::string& after) {
+    if (before.empty()) return "given letter " + after;
+    if (after.empty()) return "letter " + before + " taken away";
+    return "letter " + before + " became " + after;
+}
+
+void ComparePartitions(const std::string& place, const Partition& before, const Partition& after,
+                       Texts& texts) {
+    if (before.mbrType != after.mbrType) {
+        texts.push_back(place + "type " + MbrTypeWords(before.mbrType) + " became " +
+                        MbrTypeWords(after.mbrType));
+    }
+    if ((before.bootIndicator != 0) != (after.bootIndicator != 0)) {
+        texts.push_back(place + (after.bootIndicator != 0 ? "active now" : "no longer active"));
+    }
+    if (before.attributes != after.attributes) texts.push_back(place + "attributes changed");
+    const Volume oldVolume = before.volume.value_or(Volume());
+    const Volume newVolume = after.volume.value_or(Volume());
+    if (oldVolume.letters != newVolume.letters) {
+        texts.push_back(place + LetterChange(oldVolume.letters, newVolume.letters));
+    }
+    CompareVolumeFiles(place, oldVolume, newVolume, texts);
+}
+
+}  // namespace
+
+void WatchFiles(Pc& pc) {
+    for (Disk& disk : pc.disks) {
+        for (Partition& partition : disk.partitions) {
+            if (!partition.volume || !partition.volume->store) continue;
+            partition.volume->store = std::make_shared<WatchedStore>(partition.volume->store);
+        }
+    }
+}
+
+std::vector<std::string> Changes(const Pc& before, const Pc& after) {
+    Texts texts;
+    for (size_t i = 0; i < std::min(before.disks.size(), after.disks.size()); ++i) {
+        const auto& then = before.disks[i].partitions;
+        const auto& now = after.disks[i].partitions;
+        for (size_t j = 0; j < std::min(then.size(), now.size()); ++j) {
+            const std::string place = "disk " + std::to_string(after.disks[i].number) + ", partition " +
+                                      std::to_string(now[j].number) + ": ";
+            ComparePartitions(place, then[j], now[j], texts);
+        }
+    }
+    for (size_t i = 0; i < std::min(before.volumes.size(), after.volumes.size()); ++i) {
+        CompareVolumeFiles("volume " + after.volumes[i].letters + ": ", before.volumes[i], after.volumes[i],
+                           texts);
+    }
+    CompareFiles("host program's folder: ", FilesOf(before.host.files), FilesOf(after.host.files), texts);
+    return texts;
+}

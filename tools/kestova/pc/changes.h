@@ -1,0 +1,14 @@
+// What became different between two states of a PC, in words.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "machine/facts/pc.h"
+
+// Gives every volume on a disk image a store that remembers what is changed; needed by Changes.
+void WatchFiles(machine::Pc& pc);
+
+// Active flags, partition types, letters and files, in the order of disks and partitions. `before` is a copy
+// taken after WatchFiles.
+std::vector<std::string> Changes(const machine::Pc& before, const machine::Pc& after);

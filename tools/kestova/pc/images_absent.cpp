@@ -1,0 +1,32 @@
+// For a build without the image part.
+
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/pc/images.h"
+
+namespace {
+
+[[noreturn]] void Refuse(const std::string& image) {
+    throw WrongUse(image + ": this build opens no images (it has no image part)");
+}
+
+}  // namespace
+
+machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind, machine::ImageAccess) {
+    Refuse(paths.front());
+}
+
+void InsertMedia(machine::Pc&, const std::vector<std::string>& discs,
+                 const std::vector<std::string>& sticks) {
+    for (const auto* const media : {&discs, &sticks}) {
+        if (!media->empty()) Refuse(media->front());
+    }
+}
+
+void AttachImages(machine::Pc& pc, machine::ImageAccess) {
+    for (const machine::Disk& disk : pc.disks) {
+        if (!disk.image.empty()) Refuse(disk.image);
+    }
+    for (const machine::Volume& volume : pc.volumes) {
+        if (!volume.image.empty()) Refuse(volume.image);
+    }
+}

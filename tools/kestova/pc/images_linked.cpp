@@ -1,0 +1,41 @@
+#include "machine/media/given_images.h"
+#include "machine/media/hivex_reader.h"
+#include "machine/media/medium_image.h"
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/pc/images.h"
+
+machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
+                       machine::ImageAccess access) {
+    try {
+        return machine::PcOfImages(paths, system, access);
+    } catch (const machine::ImageError& error) {
+        throw UnreadablePc(error.what());
+    }
+}
+
+void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
+                 const std::vector<std::string>& sticks) {
+    try {
+        for (const std::string& disc : discs)
+            machine::InsertDisc(pc, disc);
+        for (const std::string& stick : sticks)
+            machine::InsertStick(pc, stick);
+    } catch (const machine::ImageError& error) {
+        throw UnreadablePc(error.what());
+    }
+}
+
+void AttachImages(machine::Pc& pc, machine::ImageAccess access) {
+    try {
+        machine::CheckEachIsNew(pc);
+        for (machine::Disk& disk : pc.disks) {
+            if (!disk.image.empty()) machine::AttachImage(disk, access);
+        }
+        for (machine::Volume& volume : pc.volumes) {
+            if (!volume.image.empty()) machine::AttachMedium(volume);
+        }
+        pc.hiveReader = std::make_shared<machine::HivexReader>();
+    } catch (const machine::ImageError& error) {
+        throw UnreadablePc(error.what());
+    }
+}

@@ -1,0 +1,36 @@
+// For a build that runs on a PC of its own: an emulated one must be named.
+
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/pc/opened_pc.h"
+
+namespace {
+
+void RefuseMedium(bool given, const char* option) {
+    if (!given) return;
+    throw WrongUse(std::string(option) +
+                   ": this build opens no images; --pc names a machine that comes with the tool, or a "
+                   "description");
+}
+
+void RefuseOnRealPc(bool given, const char* option) {
+    if (!given) return;
+    throw WrongUse(std::string(option) +
+                   " belongs to emulated PCs; name one with --pc, or leave it out for the PC that the "
+                   "program runs on");
+}
+
+}  // namespace
+
+std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access) {
+    RefuseMedium(!choice.images.empty(), "--image");
+    RefuseMedium(!choice.discs.empty(), "--disc");
+    RefuseMedium(!choice.sticks.empty(), "--stick");
+    if (!choice.pc.empty()) return OpenEmulatedPc(choice, access);
+    RefuseOnRealPc(choice.windows, "--windows");
+    RefuseOnRealPc(choice.windowsPe, "--pe");
+    RefuseOnRealPc(choice.dryRun, "--dry-run");
+    RefuseOnRealPc(choice.trace, "--trace");
+    RefuseOnRealPc(!choice.faults.empty(), "--fail");
+    RefuseOnRealPc(!choice.save.empty(), "--save");
+    return OpenRealPc();
+}

@@ -1,0 +1,7 @@
+// For a build whose PCs are all emulated.
+
+#include "tools/kestova/pc/opened_pc.h"
+
+std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access) {
+    return OpenEmulatedPc(choice, access);
+}

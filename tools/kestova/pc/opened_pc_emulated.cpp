@@ -1,0 +1,214 @@
+// The PC is an emulated one: disk images, a description, or a machine that comes with the tool.
+
+#include <filesystem>
+#include <fstream>
+
+#include "machine/description/description.h"
+#include "machine/entry/loaded_library.h"
+#include "machine/facts/letters.h"
+#include "machine/facts/machines.h"
+#include "machine/journal/emulated_pc.h"
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/log_json.h"
+#include "tools/kestova/common/text.h"
+#include "tools/kestova/common/whole_file.h"
+#include "tools/kestova/common/write_target.h"
+#include "tools/kestova/pc/changes.h"
+#include "tools/kestova/pc/fault_option.h"
+#include "tools/kestova/pc/images.h"
+#include "tools/kestova/pc/opened_pc.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using machine::ImageAccess;
+using machine::NamedMachine;
+using machine::Pc;
+using machine::SystemKind;
+
+constexpr std::string_view standardMachine = "factory-mbr";
+
+const NamedMachine* FindMachine(std::string_view name) {
+    for (const NamedMachine& named : machine::NamedMachines()) {
+        if (named.name == name) return &named;
+    }
+    return nullptr;
+}
+
+// A word without a dot or a slash is meant as a machine's name, and is wrong when nobody knows it.
+[[noreturn]] void RefuseMissing(const std::string& nameOrFile) {
+    if (nameOrFile.find_first_of("./\\") != std::string::npos) {
+        throw UnreadablePc(nameOrFile + ": there is no such file");
+    }
+    std::vector<std::string> names;
+    for (const NamedMachine& named : machine::NamedMachines())
+        names.emplace_back(named.name);
+    throw WrongUse("--pc: " + UnknownWord("machine or file", nameOrFile, names));
+}
+
+// A description is small; what is not has been taken for one by mistake.
+std::string ReadDescriptionText(const std::string& name) {
+    constexpr size_t most = size_t{16} << 20;
+    std::error_code error;
+    if (!fs::exists(name, error)) RefuseMissing(name);
+    std::ifstream file(fs::path(name), std::ios::binary);
+    std::string text(most + 1, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (fs::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
+        throw UnreadablePc(name + ": cannot be read");
+    }
+    text.resize(static_cast<size_t>(file.gcount()));
+    if (text.size() > most) {
+        throw UnreadablePc(name + ": larger than 16 MiB, so no description; name a disk image with --image");
+    }
+    if (text.empty()) throw UnreadablePc(name + ": the description is empty");
+    if (text.find('\0') != std::string::npos) {
+        throw UnreadablePc(name + ": not UTF-8 text, so no description; name a disk image with --image");
+    }
+    return text;
+}
+
+// The paths of all images that the PC is made of.
+std::vector<std::string*> ImagesOf(Pc& pc) {
+    std::vector<std::string*> images;
+    for (machine::Disk& disk : pc.disks) {
+        if (!disk.image.empty()) images.push_back(&disk.image);
+    }
+    for (machine::Volume& volume : pc.volumes) {
+        if (!volume.image.empty()) images.push_back(&volume.image);
+    }
+    return images;
+}
+
+// Images of a description lie relative to its file.
+Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
+    try {
+        Pc pc = machine::ReadDescription(ReadDescriptionText(name), name);
+        for (std::string* const image : ImagesOf(pc))
+            *image = (fs::path(name).parent_path() / *image).string();
+        AttachImages(pc, access);
+        return pc;
+    } catch (const machine::DescriptionError& what) {
+        throw UnreadablePc(what.what());
+    }
+}
+
+// The other kind of system runs as it does on the machines that come with the tool.
+void Start(Pc& pc, SystemKind kind) {
+    if (pc.system.kind == kind) return;
+    const Pc example = kind == SystemKind::WindowsPe ? machine::WinPeTwoDisks() : machine::FactoryMbr();
+    pc.system = example.system;
+    for (const machine::Volume& volume : example.volumes) {
+        if (!machine::FindLetter(pc, volume.letters.front())) pc.volumes.push_back(volume);
+    }
+}
+
+ImageAccess AccessOfImages(const PcChoice& choice, Access access) {
+    if (choice.dryRun) return ImageAccess::Overlay;
+    return access == Access::Change ? ImageAccess::Write : ImageAccess::Read;
+}
+
+Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {
+    const ImageAccess imageAccess = AccessOfImages(choice, access);
+    const SystemKind kind = choice.windows ? SystemKind::Windows : SystemKind::WindowsPe;
+    if (!choice.images.empty()) return OpenImages(choice.images, kind, imageAccess);
+    const std::string name = choice.pc.empty() ? std::string(standardMachine) : choice.pc;
+    const NamedMachine* const named = FindMachine(name);
+    Pc pc = named != nullptr ? named->make() : ReadDescriptionFile(name, imageAccess);
+    if (choice.windows || choice.windowsPe) Start(pc, kind);
+    return pc;
+}
+
+Pc Choose(const PcChoice& choice, Access access) {
+    Pc pc = ChooseWithoutMedia(choice, access);
+    InsertMedia(pc, choice.discs, choice.sticks);
+    return pc;
+}
+
+Pc Watched(Pc pc) {
+    WatchFiles(pc);
+    return pc;
+}
+
+Json TraceEntry(const machine::JournalEntry& entry) {
+    if (const auto* const record = std::get_if<LogEntry>(&entry)) return LogRecordJson(*record);
+    const auto& call = std::get<machine::CallRecord>(entry);
+    Json json = {{"call", call.call}, {"arguments", call.arguments}, {"result", call.result}};
+    if (call.injected) json["injected"] = true;
+    return json;
+}
+
+class EmulatedOne final : public OpenedPc {
+  public:
+    EmulatedOne(const PcChoice& choice, Access access)
+        : before_(Watched(Choose(choice, access))), emulated_(before_) {
+        for (const std::string& fault : choice.faults)
+            emulated_.faults.Arm(ReadFault(fault));
+        if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
+        for (const std::string* const image : ImagesOf(before_))
+            inputs_.images.push_back(*image);
+        if (choice.images.empty() && choice.pc.empty()) {
+            note_ =
+                "no PC was named: this is " + before_.name + ", a machine in memory that comes with the tool";
+        }
+    }
+
+    const std::string& Note() const override { return note_; }
+    InputFiles Inputs() const override { return inputs_; }
+    Json TakeTrace() override;
+    bool Rehearse(const std::function<void()>& action) override;
+    std::optional<std::vector<std::string>> Changes() const override {
+        return ::Changes(before_, emulated_.facts);
+    }
+    void Save(const std::string& file) const override;
+
+  private:
+    std::string note_;
+    InputFiles inputs_;
+    Pc before_;
+    machine::EmulatedPc emulated_;
+    machine::LoadedLibrary library_;
+    size_t traced_ = 0;
+};
+
+Json EmulatedOne::TakeTrace() {
+    Json trace = Json::array();
+    const auto& entries = emulated_.journal.Entries();
+    for (; traced_ < entries.size(); ++traced_)
+        trace.push_back(TraceEntry(entries[traced_]));
+    return trace;
+}
+
+// Letters are facts of the PC, whatever its volumes lie on.
+bool EmulatedOne::Rehearse(const std::function<void()>& action) {
+    const Pc kept = emulated_.facts;
+    action();
+    emulated_.facts = kept;
+    return true;
+}
+
+void EmulatedOne::Save(const std::string& file) const {
+    Pc pc = emulated_.facts;
+    const fs::path folder = WriteTarget(file).parent_path();
+    for (std::string* const image : ImagesOf(pc))
+        *image = fs::proximate(fs::absolute(*image), folder).string();
+    try {
+        if (!WriteWholeFile(file, machine::WriteDescription(pc))) throw Failed(file + ": cannot be written");
+    } catch (const machine::DescriptionError& error) {
+        throw Failed(error.what());
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access) {
+    return std::make_unique<EmulatedOne>(choice, access);
+}
+
+std::vector<ComingMachine> ComingMachines() {
+    std::vector<ComingMachine> machines;
+    for (const NamedMachine& named : machine::NamedMachines()) {
+        machines.push_back({std::string(named.name), std::string(named.summary)});
+    }
+    return machines;
+}

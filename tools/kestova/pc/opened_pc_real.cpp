@@ -1,0 +1,24 @@
+// The PC is the one that the program runs on. Windows loads the library and answers its calls.
+
+#include "tools/kestova/pc/opened_pc.h"
+
+namespace {
+
+class RealOne final : public OpenedPc {
+  public:
+    const std::string& Note() const override { return note_; }
+    InputFiles Inputs() const override { return {}; }
+    Json TakeTrace() override { return Json::array(); }
+    bool Rehearse(const std::function<void()>&) override { return false; }
+    std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }
+    void Save(const std::string&) const override {}
+
+  private:
+    std::string note_;
+};
+
+}  // namespace
+
+std::unique_ptr<OpenedPc> OpenRealPc() {
+    return std::make_unique<RealOne>();
+}

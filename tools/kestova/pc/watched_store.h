@@ -1,0 +1,33 @@
+// Remembers which files of a disk image are changed, and what they were.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "machine/facts/file_store.h"
+
+// Stands before a volume's store and passes everything on.
+class WatchedStore final : public machine::FileStore {
+  public:
+    explicit WatchedStore(std::shared_ptr<FileStore> store) : store_(std::move(store)) {}
+
+    machine::FileKind Find(std::string_view path) override { return store_->Find(path); }
+    uint32_t Read(std::string_view path, std::string& content) override {
+        return store_->Read(path, content);
+    }
+    uint32_t Write(std::string_view path, std::string_view content) override;
+    uint32_t Remove(std::string_view path) override;
+
+    // A file's content, or that it cannot be read; nothing when there is no such file.
+    std::optional<std::string> Content(const std::string& path) const;
+    // The files that were written or removed, with what they held before.
+    const std::map<std::string, std::optional<std::string>>& Touched() const { return touched_; }
+
+  private:
+    void Remember(std::string_view path);
+
+    std::shared_ptr<FileStore> store_;
+    std::map<std::string, std::optional<std::string>> touched_;
+};

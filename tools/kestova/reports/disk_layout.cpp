@@ -1,0 +1,54 @@
+#include "tools/kestova/reports/disk_layout.h"
+
+#include <cstddef>
+#include <cstring>
+#include <string>
+
+#include "base/utf.h"
+
+namespace {
+
+// The layout as the control answers it, in a buffer that grows until it fits.
+std::optional<std::vector<BYTE>> ReadLayout(HANDLE disk) {
+    constexpr size_t largest = 1 << 20;
+    for (size_t size = 4096; size <= largest; size *= 2) {
+        std::vector<BYTE> buffer(size);
+        DWORD returned = 0;
+        if (DeviceIoControl(disk, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, nullptr, 0, buffer.data(),
+                            static_cast<DWORD>(size), &returned, nullptr)) {
+            return buffer;
+        }
+        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER) break;
+    }
+    return std::nullopt;
+}
+
+std::vector<PARTITION_INFORMATION_EX> UsedEntries(const std::vector<BYTE>& layout) {
+    DWORD count = 0;
+    std::memcpy(&count, layout.data() + offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionCount), sizeof count);
+    const BYTE* entry = layout.data() + offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry);
+    const BYTE* const end = layout.data() + layout.size();
+    std::vector<PARTITION_INFORMATION_EX> used;
+    for (; count > 0 && static_cast<size_t>(end - entry) >= sizeof(PARTITION_INFORMATION_EX); --count) {
+        PARTITION_INFORMATION_EX partition;
+        std::memcpy(&partition, entry, sizeof partition);
+        if (partition.PartitionNumber != 0) used.push_back(partition);
+        entry += sizeof(PARTITION_INFORMATION_EX);
+    }
+    return used;
+}
+
+}  // namespace
+
+std::optional<std::vector<PARTITION_INFORMATION_EX>> ReadDiskLayout(int disk) {
+    const auto name = ToWide("\\\\.\\PHYSICALDRIVE" + std::to_string(disk));
+    const HANDLE handle = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return std::nullopt;
+    const auto layout = ReadLayout(handle);
+    const DWORD error = GetLastError();
+    CloseHandle(handle);
+    SetLastError(error);
+    if (!layout) return std::nullopt;
+    return UsedEntries(*layout);
+}
