@@ -23,7 +23,7 @@ TEST_F(RecoveryExample, ReadsAFileAndSwitchesTheDiskImageToItsRecoveryPartition)
               "Its Qelhdrcv.ini begins:\n"
               "[Recovery]\r\nVersion=1\r\n\n"
               "The next start boots the recovery partition.\n");
-    EXPECT_THAT(Shell("/usr/sbin/sfdisk --dump disk.img").output, HasSubstr("type=27, bootable\n"));
+    EXPECT_THAT(Shell("sfdisk --dump disk.img").output, HasSubstr("type=27, bootable\n"));
 }
 
 TEST_F(RecoveryExample, GivesTheRecoveryPartitionOfAGptDiskALetterForAsLongAsItReads) {

@@ -1,5 +1,6 @@
 # Registry hives: an empty one, keys merged into it, and what a Windows remembers of its letters.
-# Packages: libwin-hivex-perl (hivexregedit).
+# The folder for the parts is that of volumes.sh; formats of printf carry bytes here.
+# shellcheck shell=bash disable=SC2059,SC2154
 
 # le32 NUMBER: its four bytes, the lowest first, in the words of printf.
 le32() {

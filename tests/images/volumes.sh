@@ -1,16 +1,16 @@
 # What the scripts beside it share: a sparse image file, and file systems put into it at an offset. Debian's own tools do
 # all of it as an ordinary user, without a mount and without a loop device.
-# Packages: fdisk (sfdisk), ntfs-3g (mkntfs), wimtools (folders and files onto NTFS), dosfstools (mkfs.fat), mtools
-# (folders and files onto FAT), genisoimage.
+# Programs: the group image of packages.txt.
 
-PATH=$PATH:/usr/sbin:/sbin
-
-# The types of GPT partitions.
-makers_boot=5B8E2A91-3C7D-4F06-9E14-72D0C6A4B3E5
-recovery=DE94BBA4-06D1-4D40-A16A-BFD50179D6AC
-efi_system=C12A7328-F81F-11D2-BA4B-00A0C93EC93B
-reserved=E3C9E316-0B5C-4DB8-817D-F92DF00215AE
-basic_data=EBD0A0A2-B9E5-4433-87C0-68B6B72699C7
+# The types of GPT partitions, for the scripts that source this one.
+# shellcheck disable=SC2034
+{
+  makers_boot=5B8E2A91-3C7D-4F06-9E14-72D0C6A4B3E5
+  recovery=DE94BBA4-06D1-4D40-A16A-BFD50179D6AC
+  efi_system=C12A7328-F81F-11D2-BA4B-00A0C93EC93B
+  reserved=E3C9E316-0B5C-4DB8-817D-F92DF00215AE
+  basic_data=EBD0A0A2-B9E5-4433-87C0-68B6B72699C7
+}
 
 fail() {
   echo "$(basename "$0"): $*" >&2
@@ -22,7 +22,7 @@ begin_image() {
   image=$1
   [[ ! -e $image ]] || fail "$image: is there already; nothing done"
   for tool in sfdisk mkntfs mkfs.fat wimcapture wimapply mcopy genisoimage; do
-    command -v "$tool" >/dev/null || fail "$tool is missing; see the packages in $BASH_SOURCE"
+    command -v "$tool" >/dev/null || fail "$tool is missing; see packages.txt"
   done
   parts=$(mktemp -d)
   finished=

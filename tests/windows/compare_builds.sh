@@ -12,7 +12,6 @@ windows_tool=$(readlink -f "$2")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder"
-mkdir linux windows
 
 # --- scenarios: a line each, the words of the command line; saved.json is the PC afterwards -------------------------
 
@@ -21,6 +20,7 @@ mapfile -t coming < <("$linux_tool" pcs --json | sed 's/{"name":"\([^"]*\)".*/\1
 [ "${coming[*]}" = "${pcs[*]}" ] || { echo "the tool comes with other machines: ${coming[*]}" >&2; exit 1; }
 
 # The description that the page on descriptions shows, without its disk on an image, and the least one.
+# shellcheck disable=SC2016 # the fence of a code block
 sed -n '/^## Example/,$p' "$source_folder/docs/pc-description.md" | sed -n '/^```json$/,/^```$/{/^```/!p}' |
     sed '/ A raw image file/,/^    },$/d' >workshop.json
 [ -s workshop.json ] || { echo "the page on descriptions has no example" >&2; exit 1; }
@@ -29,11 +29,12 @@ pcs+=(../workshop.json ../empty.json)
 
 # One call for each operation and each value of its arguments.
 script() {
+    local operation name values parameter value combined
     "$linux_tool" operations --json | while read -r operation; do
-        local name values=('') parameter value combined
-        name=$(sed 's/{"operation":"\([^"]*\)".*/\1/' <<<"$operation")
-        for parameter in $(grep -o '"name":"[^"]*","kind":"[^"]*","direction":"in"' <<<"$operation" |
-            sed 's/"name":"\([^"]*\)".*/\1/'); do
+        name=${operation#'{"operation":"'}
+        name=${name%%'"'*}
+        values=('')
+        while read -r parameter; do
             combined=()
             for value in "${values[@]}"; do
                 case $parameter in
@@ -47,7 +48,8 @@ script() {
                 esac
             done
             values=("${combined[@]}")
-        done
+        done < <(grep -o '"name":"[^"]*","kind":"[^"]*","direction":"in"' <<<"$operation" |
+            sed 's/"name":"\([^"]*\)".*/\1/')
         printf "$name%s\n" "${values[@]}"
     done
 }
@@ -57,7 +59,7 @@ cat once.txt once.txt >all.txt
 printf '%s\n' SetRcvprtActive SetSystemActive SetPOneActive SetPTwoActive GetWinDriveLetters\ 26 AssignRecoveryPartition \
     GetAllEncryptVolume\ 33 GetRCVDISC GetRCVUFD GetVistaOSInfo IsCachePartitionForExpCacheExist >faults.txt
 
-mapfile -t calls < <(sed -n 's/^    {"\([^"]*\)", FailsWith::.*/\1/p' "$source_folder/machine/api/call_table.cpp")
+mapfile -t calls < <(sed -n 's/^    {"\([^"]*\)", FailsWith::.*/\1/p' "$source_folder/machine/facts/call_table.cpp")
 [ ${#calls[@]} -gt 50 ] || { echo "the table of calls was not understood" >&2; exit 1; }
 
 scenarios() {
@@ -82,13 +84,12 @@ scenarios() {
 
 # run FOLDER PROGRAM WORD...: everything that comes of it goes to FOLDER.
 run() {
-    local status=0
-    cd "$folder/$1" && rm -f ./*
+    local status=0 into=$1
     shift
+    rm -f "$into"/*
     # Standard input is the list of scenarios.
-    "$@" >output 2>errors </dev/null || status=$?
-    echo "$status" >status
-    cd "$folder"
+    (cd "$into" && exec "$@" >output 2>errors </dev/null) || status=$?
+    echo "$status" >"$into/status"
 }
 
 # A collision of addresses (see wine.sh) ends Wine before the tool has begun: it is started again.
@@ -99,22 +100,42 @@ run_windows() {
     done
 }
 
-compared=0
-different=0
-while read -r -a words; do
-    run linux "$linux_tool" "${words[@]}"
-    run_windows "${words[@]}"
+# compare WORD...: both builds in the current folder; says what differs.
+compare() {
+    run linux "$linux_tool" "$@"
+    run_windows "$@"
     if [ ! -s linux/output ] && [ ! -s linux/errors ]; then
-        echo "nothing came of: kestova ${words[*]}" >&2
-        different=$((different + 1))
+        echo "nothing came of: kestova $*"
     elif ! diff -r linux windows >difference; then
-        printf 'the builds differ: kestova %s\n' "${words[*]}" >&2
-        head -n 6 difference | cut -c1-600 >&2
-        different=$((different + 1))
+        printf 'the builds differ: kestova %s\n' "$*"
+        head -n 6 difference | cut -c1-600
     fi
-    compared=$((compared + 1))
-done < <(scenarios)
+}
 
+# share NUMBER: every scenario of that number modulo the number of shares, in a folder of its own.
+share() {
+    local number=$1 at=0 words
+    mkdir "$folder/$number"
+    cd "$folder/$number"
+    cp "$folder"/*.json "$folder"/*.txt .
+    mkdir linux windows
+    while read -r -a words; do
+        if [ $((at++ % shares)) -eq "$number" ]; then compare "${words[@]}"; fi
+    done <"$folder/list" >differences
+}
+
+scenarios >list
+compared=$(wc -l <list)
 [ "$compared" -gt 500 ] || { echo "only $compared scenarios ran" >&2; exit 1; }
-[ "$different" -eq 0 ] || { echo "$different of $compared scenarios differ" >&2; exit 1; }
+
+shares=$(nproc)
+workers=()
+for ((number = 0; number < shares; ++number)); do
+    share "$number" &
+    workers+=($!)
+done
+for worker in "${workers[@]}"; do wait "$worker"; done
+
+cat ./[0-9]*/differences >differences
+[ ! -s differences ] || { cat differences >&2; exit 1; }
 echo "$compared scenarios: both builds answer alike"

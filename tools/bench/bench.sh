@@ -7,7 +7,7 @@ fail() { echo "bench: $*" >&2; exit 1; }
 
 [[ $# -ge 1 && $# -le 2 ]] || fail "usage: bench.sh KESTOVA_PROGRAM [IMAGE]"
 source_folder=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../..")
-PATH=$(dirname "$(realpath "$1")"):$PATH:/usr/sbin:/sbin
+PATH=$(dirname "$(realpath "$1")"):$PATH
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

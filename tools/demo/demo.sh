@@ -9,7 +9,6 @@ step() { printf '\n== %s\n\n' "$*"; }
 [[ $# -ge 1 && $# -le 2 ]] || fail "usage: demo.sh KESTOVA_PROGRAM [IMAGE]"
 kestova=$(realpath "$1")
 source_folder=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../..")
-PATH=$PATH:/usr/sbin:/sbin
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

@@ -106,7 +106,7 @@ TEST_F(DiscVolumeTest, LongFoldersAndWideNamesOfUdf) {
 
 TEST_F(DiscVolumeTest, EmptyUdfOfAnotherMakerIsReadable) {
     const std::string image = (Folder() / "empty.udf").string();
-    OutputOf("truncate -s 4M '" + image + "' && /usr/sbin/mkudffs -b 2048 -m dvd '" + image + "'");
+    OutputOf("truncate -s 4M '" + image + "' && mkudffs -b 2048 -m dvd '" + image + "'");
 
     auto volume = Open<UdfVolume>(image);
 

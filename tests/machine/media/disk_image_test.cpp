@@ -119,7 +119,7 @@ TEST_F(AttachImageTest, RecognisedTypeWithoutFileSystemIsRaw) {
 
 TEST_F(AttachImageTest, SmallFatIsNamedFat) {
     const std::string image = PartitionedImage(40, "label: dos\\n1: start=2048,size=32768,type=6\\n");
-    OutputOf("truncate -s 16M '" + (Folder() / "fat").string() + "' && /usr/sbin/mkfs.fat -F 16 -n STICK '" +
+    OutputOf("truncate -s 16M '" + (Folder() / "fat").string() + "' && mkfs.fat -F 16 -n STICK '" +
              (Folder() / "fat").string() + "'");
     PutPartition((Folder() / "fat").string(), image, 1);
 

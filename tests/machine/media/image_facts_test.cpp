@@ -39,7 +39,7 @@ TEST_F(ImageFactsTest, BitLockerVolumeIsLockedAndListedAsEncrypted) {
 
 TEST_F(ImageFactsTest, LockedVolumeWithoutALetterIsListedToo) {
     const std::string image = MadeImage("bitlocker.img");
-    OutputOf("/usr/sbin/sfdisk --quiet --part-type '" + image + "' 2 84");
+    OutputOf("sfdisk --quiet --part-type '" + image + "' 2 84");
 
     const Pc pc = PcOfImages({image}, SystemKind::WindowsPe, ImageAccess::Read);
 

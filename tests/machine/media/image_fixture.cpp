@@ -1,9 +1,5 @@
 #include "tests/machine/media/image_fixture.h"
 
-#include <sys/wait.h>
-
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -48,7 +44,7 @@ std::string ImageTest::FactoryGptImage(const std::string& name) {
 std::string ImageTest::PartitionedImage(int sizeMiB, const std::string& script) {
     std::string image = (Folder() / "partitioned.img").string();
     OutputOf("truncate -s " + std::to_string(sizeMiB) + "M '" + image + "'");
-    OutputOf("printf '" + script + "' | /usr/sbin/sfdisk --quiet '" + image + "'");
+    OutputOf("printf '" + script + "' | sfdisk --quiet '" + image + "'");
     return image;
 }
 
@@ -63,22 +59,6 @@ std::string ImageTest::PartitionFile(const std::string& image, int startMiB, int
 void ImageTest::PutPartition(const std::string& partitionFile, const std::string& image, int startMiB) {
     OutputOf("dd if='" + partitionFile + "' of='" + image + "' bs=1M seek=" + std::to_string(startMiB) +
              " conv=notrunc status=none");
-}
-
-std::string OutputOf(const std::string& command) {
-    std::string output;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) throw std::runtime_error("cannot run " + command);
-    std::array<char, 4096> buffer;
-    while (const size_t count = fread(buffer.data(), 1, buffer.size(), pipe))
-        output.append(buffer.data(), count);
-    EXPECT_EQ(pclose(pipe), 0) << command << "\n" << output;
-    return output;
-}
-
-int StatusOf(const std::string& command) {
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 bool AreSame(const std::string& left, const std::string& right) {

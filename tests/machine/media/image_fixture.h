@@ -8,6 +8,7 @@
 #include <string>
 
 #include "machine/media/disk_image.h"
+#include "tests/support/shell/shell.h"
 
 namespace machine {
 
@@ -36,11 +37,6 @@ class ImageTest : public testing::Test {
     std::string CopyOf(const std::string& made, const std::string& name);
     std::filesystem::path folder_;
 };
-
-// What the command writes to its standard output; a failure of the test when the command fails.
-std::string OutputOf(const std::string& command);
-// Its exit status.
-int StatusOf(const std::string& command);
 
 // Whether the files hold the same bytes, in the words of cmp(1).
 bool AreSame(const std::string& left, const std::string& right);

@@ -247,7 +247,7 @@ TEST_F(ImageRefusalTest, HibernatedVolumeIsReadButNotChanged) {
     const std::string image = FactoryMbrImage();
     const std::string partition = PartitionFile(image, 61, 120);
     const std::string hibernation = File("hibernation", "hibr" + std::string(8192, '\0'));
-    OutputOf("/usr/sbin/ntfscp --quiet --force '" + partition + "' '" + hibernation + "' hiberfil.sys 2>&1");
+    OutputOf("ntfscp --quiet --force '" + partition + "' '" + hibernation + "' hiberfil.sys 2>&1");
     PutPartition(partition, image, 61);
     const std::string before = (Folder() / "before").string();
     OutputOf("cp --sparse=always '" + image + "' '" + before + "'");

@@ -1,10 +1,10 @@
 #include "tests/support/program/program.h"
 
-#include <sys/wait.h>
-
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+
+#include "tests/support/shell/shell.h"
 
 namespace fs = std::filesystem;
 
@@ -25,10 +25,9 @@ Outcome ProgramTest::Kestova(const std::string& words, const std::string& input)
 }
 
 Outcome ProgramTest::Shell(const std::string& command) {
-    const std::string line = "cd '" + folder_.string() + "' && { " + command + " ; } >.output 2>.errors";
-    const int status = std::system(line.c_str());
-    EXPECT_TRUE(WIFEXITED(status)) << command;
-    return {WEXITSTATUS(status), ReadFile(".output"), ReadFile(".errors")};
+    const int status = StatusOf("cd '" + folder_.string() + "' && { " + command + " ; } >.output 2>.errors");
+    EXPECT_NE(status, -1) << command;
+    return {status, ReadFile(".output"), ReadFile(".errors")};
 }
 
 void ProgramTest::WriteFile(const std::string& name, const std::string& content) {

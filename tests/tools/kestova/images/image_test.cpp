@@ -16,7 +16,7 @@ class Image : public ProgramTest {
     }
 
     bool IsAsItWas() { return Shell("cmp " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status == 0; }
-    std::string Table() { return Shell("/usr/sbin/sfdisk --dump disk.img | grep ^disk").output; }
+    std::string Table() { return Shell("sfdisk --dump disk.img | grep ^disk").output; }
     Outcome Record() {
         return Shell(
             "dd if=disk.img of=recovery.ntfs bs=1M skip=1 count=60 status=none; "
@@ -67,7 +67,7 @@ TEST_F(Image, OverlongRecordIsNeitherReadNorOverwrittenAndItsEndIsTold) {
               "ntfstruncate -f volume $inode 280000000\n"
               "dd if=volume of=long.img bs=1M seek=1 conv=sparse,notrunc\n"
               "end_image\n");
-    ASSERT_EQ(Shell("PATH=$PATH:/usr/sbin bash make 2>making").status, 0) << ReadFile("making");
+    ASSERT_EQ(Shell("bash make 2>making").status, 0) << ReadFile("making");
 
     const Outcome recovery = Kestova("--image long.img boot recovery");
     EXPECT_EQ(recovery.status, 4);

@@ -120,7 +120,7 @@ TEST_F(Landscape, OfTwoDisksHasTheLettersOfTheInstalledWindows) {
 TEST_F(Landscape, HasAnEncryptedVolume) {
     Take("bitlocker.img");
     EXPECT_THAT(
-        Shell("dd if=bitlocker.img bs=1M skip=41 count=80 status=none of=volume; /usr/sbin/blkid -p volume")
+        Shell("dd if=bitlocker.img bs=1M skip=41 count=80 status=none of=volume; blkid -p volume")
             .output,
         HasSubstr("TYPE=\"BitLocker\""));
     const Outcome outcome =
