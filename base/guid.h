@@ -1,17 +1,16 @@
-// GUIDs of the model: compared as 16 bytes, written as text.
+// GUIDs as values that begin as all zeros, and as text.
 #pragma once
 
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/windows_api.h"
 
+// The platform's own == compares them.
 struct Guid : GUID {
     Guid() : GUID{} {}
     Guid(const GUID& value) : GUID(value) {}
-    bool operator==(const Guid& other) const { return std::memcmp(this, &other, sizeof(GUID)) == 0; }
 };
 
 // "c12a7328-f81f-11d2-ba4b-00a0c93ec93b".

@@ -85,7 +85,7 @@ int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter) 
     GUID type = {};
     if (partitions == nullptr || !partitions->GetPartitionType(row.partition, type))
         return Failed(LOG_LEVEL_ERROR, row.typeUnreadable, ERROR_GET_PARTITION_TYPE);
-    if (!IsSameGuid(type, row.type)) return Failed(LOG_LEVEL_TRACE, row.otherType, ERROR_NOT_ORVOBOOT_GUID);
+    if (type != row.type) return Failed(LOG_LEVEL_TRACE, row.otherType, ERROR_NOT_ORVOBOOT_GUID);
     if (!partitions->SetDriveLetter(row.partition, FLAG_ASSIGN))
         return Failed(LOG_LEVEL_ERROR, row.notLettered, ERROR_SET_DRIVE_LETTER);
     if (partitions->GetDriveLetter() == TEXT('0'))

@@ -15,7 +15,7 @@ tagDiskTypeEnum GptLayout(CVDSPartition& partitions) {
             .Text(TEXT("Kestova::GetCurrentDiskType\tGetPartitionType\tERROR_GET_PARTITION_TYPE"));
         return DISK_TYPE_UNKNOWN;
     }
-    return IsSameGuid(type, PARTITION_SYSTEM_GUID) ? DISK_TYPE_GPT_ESP : DISK_TYPE_GPT_OTHER;
+    return type == PARTITION_SYSTEM_GUID ? DISK_TYPE_GPT_ESP : DISK_TYPE_GPT_OTHER;
 }
 
 }  // namespace

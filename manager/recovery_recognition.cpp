@@ -67,7 +67,7 @@ bool IsOfRecoveryType(CVDSPartition* partitions, const Recognition& row) {
         Log(row.typeUnreadable);
         return false;
     }
-    if (!IsSameGuid(type, PARTITION_MSFT_RECOVERY_GUID)) {
+    if (type != PARTITION_MSFT_RECOVERY_GUID) {
         Log(row.otherType);
         return false;
     }

@@ -79,7 +79,7 @@ DWORD Kestova::GetBitLockerSystemInfo(int& disk, int& partition, WCHAR& letter) 
         LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::GetBitLockerSystemInfo\tDiskStyle is UNKNOWN"));
         return UNKNOWN_DISK_STYLE;
     }
-    if (IsSameGuid(type, PARTITION_SYSTEM_GUID)) {
+    if (type == PARTITION_SYSTEM_GUID) {
         disk = internalDisk;
         partition = systemPartition;
     }

@@ -1,6 +1,4 @@
 // Reading, giving and taking the drive letter of a partition of the first internal disk.
-#include <algorithm>
-
 #include "base/wide_string.h"
 #include "vds/first_disk_query.h"
 
@@ -18,16 +16,11 @@ constexpr FirstDiskTexts beginTexts = {
                      LoggedCodes::Result},
 };
 
-constexpr BYTE letterableIds[] = {MBR_ID_HIDDEN_RECOVERY, MBR_ID_OEM_RECOVERY};
-constexpr GUID letterableTypes[] = {PARTITION_MSFT_RECOVERY_GUID, PARTITION_BASIC_DATA_GUID,
-                                    PARTITION_SYSTEM_GUID, ORVOBOOT_GUID};
-
-// Both styles keep their type at the same place, and no GUID of the list begins with an ID of the other.
+// Both fields of the type are tested whatever the partition's style is: they share their first byte, and no
+// type GUID of the table begins with a letterable MBR ID.
 bool CanHaveLetter(const VDS_PARTITION_PROP& partition) {
-    return std::ranges::find(letterableIds, partition.Mbr.partitionType) != std::end(letterableIds) ||
-           std::ranges::any_of(letterableTypes, [&](const GUID& type) {
-               return IsSameGuid(partition.Gpt.partitionType, type);
-           });
+    return PartitionTypeOf(partition.Mbr.partitionType).letterable ||
+           PartitionTypeOf(partition.Gpt.partitionType).letterable;
 }
 
 bool IsLetter(WCHAR unit) {

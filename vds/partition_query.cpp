@@ -32,7 +32,7 @@ constexpr FailureText noTotalPartitions = {
 
 bool IsExpCache(const VDS_PARTITION_PROP& partition) {
     if (partition.PartitionStyle == VDS_PST_GPT) {
-        return IsSameGuid(partition.Gpt.partitionType, EXPCACHE_PARTITION_GUID);
+        return partition.Gpt.partitionType == EXPCACHE_PARTITION_GUID;
     }
     return partition.PartitionStyle == VDS_PST_MBR && partition.Mbr.partitionType == MBR_ID_CACHE;
 }

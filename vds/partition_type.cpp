@@ -1,6 +1,4 @@
 // Types of partitions: reading them, what follows from them, and changing MBR IDs.
-#include <algorithm>
-
 #include "base/wide_string.h"
 #include "device/owners.h"
 #include "vds/first_disk_query.h"
@@ -36,8 +34,6 @@ constexpr FailureText changeNoDisk = {
 constexpr FailureText changeRefused = {
     TEXT("Kestova CVDSPartition::ChangePartitionType ChangePartitionType S_OK != hResult. hResult = "),
     LoggedCodes::ResultAndLastError};
-
-constexpr GUID hiddenTypes[] = {ORVOBOOT_GUID, PARTITION_SYSTEM_GUID, PARTITION_MSFT_RESERVED_GUID};
 
 }  // namespace
 
@@ -90,11 +86,8 @@ BOOL CVDSPartition::IsBIOSHibernationPartition(int diskNumber, int partitionNumb
 
 BOOL CVDSPartition::IsNeedHidePartition(int diskNumber, int partitionNumber) {
     if (!SelectDisk(diskNumber) || !SelectPartition(partitionNumber)) return FALSE;
-    if (m_PartitionProp.PartitionStyle == VDS_PST_GPT) {
-        return std::ranges::any_of(hiddenTypes, [&](const GUID& type) {
-            return IsSameGuid(m_PartitionProp.Gpt.partitionType, type);
-        });
-    }
+    if (m_PartitionProp.PartitionStyle == VDS_PST_GPT)
+        return PartitionTypeOf(m_PartitionProp.Gpt.partitionType).hidden;
     if (m_PartitionProp.PartitionStyle == VDS_PST_MBR) {
         WCHAR label[labelUnits] = {};
         GetVolumeLabel(label, labelUnits);
