@@ -1,4 +1,4 @@
-// GUIDs as values that begin as all zeros, and as text.
+// GUIDs as initialised values and as text.
 #pragma once
 
 #include <optional>
@@ -7,7 +7,7 @@
 
 #include "platform/windows_api.h"
 
-// The platform's own == compares them.
+// A GUID that is all zeros unless initialised otherwise. The platform's own == compares GUIDs.
 struct Guid : GUID {
     Guid() : GUID{} {}
     Guid(const GUID& value) : GUID(value) {}
@@ -16,5 +16,5 @@ struct Guid : GUID {
 // "c12a7328-f81f-11d2-ba4b-00a0c93ec93b".
 std::string GuidText(const GUID& guid);
 
-// Reads that form, in any case, with or without braces; nothing when the text is no GUID.
+// Parses that form, in any case, with or without braces; nothing for any other text.
 std::optional<Guid> GuidFromText(std::string_view text);

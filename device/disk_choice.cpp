@@ -3,7 +3,7 @@
 
 #include "device/disk_drive.h"
 #include "device/ide_ini.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
@@ -96,10 +96,11 @@ BOOL CDiskDrive::GetFirstInternalDriveNumber(int& driveNumber, int skippedDrive,
     tagDiskDriveTable_t table;
     const HRESULT result = GetDiskDrive(table);
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CDiskDrive::GetFirstInternalDriveNumber GetDiskDrive hResult failed. hResult = "))
-            .Long(result);
+        LogFailure(
+            LOG_LEVEL_ERROR,
+            {TEXT("Kestova CDiskDrive::GetFirstInternalDriveNumber GetDiskDrive hResult failed. hResult = "),
+             LoggedCodes::Result},
+            result);
         return FALSE;
     }
     const bool hasScsi = AnyEligible(table, [&](int row) { return table.bScsiAddress[row] == TRUE; });

@@ -7,7 +7,7 @@
 #include "device/disk_drive.h"
 #include "device/disk_location.h"
 #include "device/wmi_ex.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
@@ -37,23 +37,22 @@ HRESULT CDiskDrive::GetDiskDrive(tagDiskDriveTable_t& table) {
     table.nCount = 0;
     HRESULT result = CWMIEx::Initialize();
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova CDiskDrive::GetDiskDrive CWMIEx::Initialize FAILED( hResult )."));
-        return result;
+        return LogFailure(LOG_LEVEL_TRACE,
+                          TEXT("Kestova CDiskDrive::GetDiskDrive CWMIEx::Initialize FAILED( hResult )."),
+                          result);
     }
     ComPtr<IWbemLocator> locator;
     ComPtr<IWbemServices> services;
     result = CWMIEx::ConnectServer(TEXT("\\\\.\\root\\CIMV2"), locator.Put(), services.Put());
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova CDiskDrive::GetDiskDrive CWMIEx::ConnectServer FAILED( hResult )."));
-        return result;
+        return LogFailure(LOG_LEVEL_TRACE,
+                          TEXT("Kestova CDiskDrive::GetDiskDrive CWMIEx::ConnectServer FAILED( hResult )."),
+                          result);
     }
     result = Enum_DiskDrive(services.Get(), table);
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova CDiskDrive::GetDiskDrive Enum_DiskDrive FAILED( hResult )."));
-        return result;
+        return LogFailure(LOG_LEVEL_TRACE,
+                          TEXT("Kestova CDiskDrive::GetDiskDrive Enum_DiskDrive FAILED( hResult )."), result);
     }
     result = FindControllers(services.Get(), INTERFACE_IDE, TEXT("Win32_IDEControllerDevice"), table);
     if (FAILED(result)) return result;

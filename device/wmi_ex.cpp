@@ -1,19 +1,15 @@
 #include "device/wmi_ex.h"
 
 #include "device/owners.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
-// Records the failure of the call that was made last and hands its code on.
+// Records the failure of the last call and returns its code.
 HRESULT Failed(const WCHAR* message, HRESULT result) {
-    const DWORD lastError = GetLastError();
-    LogRecord(LOG_LEVEL_ERROR)
-        .Text(message)
-        .Long(result)
-        .Text(TEXT(" GetLastError: %d"))  // stands in the log as it is
-        .ULong(lastError);
-    return result;
+    // The label is written as it is, %d included.
+    constexpr const WCHAR* label = TEXT(" GetLastError: %d");
+    return LogFailure(LOG_LEVEL_ERROR, {message, LoggedCodes::ResultAndLastError, label}, result);
 }
 
 // What a method of a class takes and gives, and the instance that carries its arguments.
@@ -31,9 +27,9 @@ HRESULT FindMethod(IWbemServices* services, const WideString& className, const W
         return Failed(TEXT("Kestova CWMIEx::ConnectServer GetObject S_OK != hResult. hResult = "), result);
     }
     if (!signature.definition) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pClassObject == NULL"));
-        return E_INVALIDARG;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pClassObject == NULL"),
+                          E_INVALIDARG);
     }
     result =
         signature.definition->GetMethod(methodName.c_str(), 0, signature.input.Put(), signature.output.Put());
@@ -96,15 +92,15 @@ HRESULT CWMIEx::ExecMethod(IWbemServices* services, const WideString& className,
     *output = nullptr;
     VariantInit(returnValue);
     if (services == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pWbemServices == NULL"));
-        return E_INVALIDARG;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pWbemServices == NULL"),
+                          E_INVALIDARG);
     }
     if ((names == nullptr) != (arguments == nullptr)) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CWMIEx::ExecMethod CoSetProxyBlanket pstrArrParameters or pvtArrArguments is NULL"));
-        return E_INVALIDARG;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pstrArrParameters or pvtArrArguments is NULL"),
+            E_INVALIDARG);
     }
     MethodSignature signature;
     HRESULT result = FindMethod(services, className, methodName, signature);

@@ -1,7 +1,7 @@
 // The enumerations of WMI: disks, and the links between controllers and devices.
 #include "device/disk_drive.h"
 #include "device/wmi_instances.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
@@ -35,6 +35,10 @@ void AddDisk(tagDiskDriveTable_t& table, const WideString& deviceId, const WideS
     table.nTargetLocation[row] = -1;
 }
 
+constexpr FailureText noLinks = {
+    TEXT("Kestova CDiskDrive::Enum_ControllerDevice CreateInstanceEnum FAILED. hResult = "),
+    LoggedCodes::ResultAndLastError, TEXT("GetLastError = ")};
+
 }  // namespace
 
 HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t& table) {
@@ -44,10 +48,10 @@ HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t&
     ComPtr<IEnumWbemClassObject> instances;
     HRESULT result = OpenInstances(services, className, instances);
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT(
-                "Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )"));
-        return result;
+        return LogFailure(
+            LOG_LEVEL_TRACE,
+            TEXT("Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )"),
+            result);
     }
     bool overflow = false;
     bool complete = false;
@@ -78,13 +82,7 @@ HRESULT CDiskDrive::Enum_ControllerDevice(IWbemServices* services, const WCHAR* 
     ComPtr<IEnumWbemClassObject> instances;
     HRESULT result = OpenInstances(services, className, instances);
     if (FAILED(result)) {
-        const DWORD lastError = GetLastError();
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CDiskDrive::Enum_ControllerDevice CreateInstanceEnum FAILED. hResult = "))
-            .Long(result)
-            .Text(TEXT("GetLastError = "))
-            .ULong(lastError);
-        return result;
+        return LogFailure(LOG_LEVEL_ERROR, noLinks, result);
     }
     bool complete = false;
     do {

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "logging/host.h"
+#include "logging/platform.h"
 #include "logging/logging.h"
 
 namespace {

@@ -1,15 +1,13 @@
 // Letters on demand for the two boot partitions of a GPT disk: the maker's own and the EFI system partition.
 
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 #include "diag/module.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "manager/result_codes.h"
 #include "vds/vds_partition.h"
 
 namespace {
-
-constexpr int makersBootPartition = 1;
-constexpr int efiSystemPartition = 3;
 
 // A partition to give a letter, the type that it must have, and what is written about it.
 struct Activation {
@@ -26,7 +24,7 @@ struct Activation {
 };
 
 constexpr Activation activeOrvoBootPartition = {
-    .partition = makersBootPartition,
+    .partition = gpt_layout::makersBoot,
     .type = ORVOBOOT_GUID,
     .start = TEXT("Kestova::ActiveOrvoBootPartition\t\tStart"),
     .style = TEXT("Kestova::ActiveOrvoBootPartition\t\tGetDiskStyle  is GPT disk."),
@@ -39,7 +37,7 @@ constexpr Activation activeOrvoBootPartition = {
 };
 
 constexpr Activation activeGptSystemPartition = {
-    .partition = efiSystemPartition,
+    .partition = gpt_layout::efiSystem,
     .type = PARTITION_SYSTEM_GUID,
     .start = TEXT("Kestova::ActiveGPTSystemPartition\t\tStart"),
     .style = TEXT("Kestova::ActiveGPTSystemPartition\t\tGetDiskStyle  is GPT disk."),
@@ -61,7 +59,7 @@ struct Disabling {
 };
 
 constexpr Disabling disableOrvoBootPartition = {
-    .partition = makersBootPartition,
+    .partition = gpt_layout::makersBoot,
     .start = TEXT("Kestova::DisableOrvoBootPartition\tStart"),
     .style = TEXT("Kestova::DisableOrvoBootPartition\t\tGetDiskStyle is GPT disk."),
     .notTaken = TEXT("Kestova::DisableOrvoBootPartition\t SetDriveLetter  ERROR_SET_DRIVE_LETTER"),
@@ -69,27 +67,22 @@ constexpr Disabling disableOrvoBootPartition = {
 };
 
 constexpr Disabling disableGptSystemPartition = {
-    .partition = efiSystemPartition,
+    .partition = gpt_layout::efiSystem,
     .start = TEXT("Kestova::DisableGPTSystemPartition\tStart"),
     .style = TEXT("Kestova::DisableGPTSystemPartition\t\tGetDiskStyle is GPT disk."),
     .notTaken = TEXT("Kestova::DisableGPTSystemPartition\t SetDriveLetter  ERROR_SET_DRIVE_LETTER"),
     .end = TEXT("Kestova::DisableGPTSystemPartition\tEnd"),
 };
 
-int Failed(int level, const WCHAR* text, int code) {
-    LogRecord(level).Text(text);
-    return code;
-}
-
 int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter) {
     GUID type = {};
     if (partitions == nullptr || !partitions->GetPartitionType(row.partition, type))
-        return Failed(LOG_LEVEL_ERROR, row.typeUnreadable, ERROR_GET_PARTITION_TYPE);
-    if (type != row.type) return Failed(LOG_LEVEL_TRACE, row.otherType, ERROR_NOT_ORVOBOOT_GUID);
+        return LogFailure(LOG_LEVEL_ERROR, row.typeUnreadable, ERROR_GET_PARTITION_TYPE);
+    if (type != row.type) return LogFailure(LOG_LEVEL_TRACE, row.otherType, ERROR_NOT_ORVOBOOT_GUID);
     if (!partitions->SetDriveLetter(row.partition, FLAG_ASSIGN))
-        return Failed(LOG_LEVEL_ERROR, row.notLettered, ERROR_SET_DRIVE_LETTER);
-    if (partitions->GetDriveLetter() == TEXT('0'))
-        return Failed(LOG_LEVEL_ERROR, row.noLetter, ERROR_GET_DRIVE_LETTER);
+        return LogFailure(LOG_LEVEL_ERROR, row.notLettered, ERROR_SET_DRIVE_LETTER);
+    if (partitions->GetDriveLetter() == noLetter)
+        return LogFailure(LOG_LEVEL_ERROR, row.noLetter, ERROR_GET_DRIVE_LETTER);
     letter = partitions->GetDriveLetter();
     return 0;
 }
@@ -112,7 +105,7 @@ int Disable(CVDSPartition* partitions, const Disabling& row) {
     LogRecord(LOG_LEVEL_TRACE).Text(row.start);
     LogRecord(LOG_LEVEL_TRACE).Text(row.style);
     const bool taken = partitions != nullptr && partitions->SetDriveLetter(row.partition, FLAG_DELETE);
-    const int code = taken ? 0 : Failed(LOG_LEVEL_ERROR, row.notTaken, ERROR_SET_DRIVE_LETTER);
+    const int code = taken ? 0 : LogFailure(LOG_LEVEL_ERROR, row.notTaken, ERROR_SET_DRIVE_LETTER);
     LogRecord(LOG_LEVEL_TRACE).Text(row.end);
     return code;
 }

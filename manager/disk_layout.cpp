@@ -3,6 +3,7 @@
 #include "base/wide_string.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "vds/vds_partition.h"
 
@@ -10,7 +11,7 @@ namespace {
 
 tagDiskTypeEnum GptLayout(CVDSPartition& partitions) {
     GUID type = {};
-    if (!partitions.GetPartitionType(3, type)) {
+    if (!partitions.GetPartitionType(gpt_layout::efiSystem, type)) {
         LogRecord(LOG_LEVEL_TRACE)
             .Text(TEXT("Kestova::GetCurrentDiskType\tGetPartitionType\tERROR_GET_PARTITION_TYPE"));
         return DISK_TYPE_UNKNOWN;
@@ -25,7 +26,7 @@ int Kestova::GetDiskStyle(THardDiskType& style) {
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDiskStyle\t\tStart"));
     style = HARD_DISK_UNKNOWN;
     if (m_pVDSPartition != nullptr) {
-        int disk = -1;
+        int disk = noDisk;
         VDS_PARTITION_PROP* partitions = nullptr;
         LONG count = 0;
         if (m_pVDSPartition->GetFirstInternalDriveNumber(disk) && m_pVDSPartition->SelectDisk(disk) &&
@@ -45,14 +46,14 @@ int Kestova::GetCurrentDiskType(tagDiskTypeEnum& type) {
 
     const auto mbrLayout = [&] {
         BYTE id = MBR_ID_NONE;
-        if (!m_pVDSPartition->GetPartitionType(2, id)) {
+        if (!m_pVDSPartition->GetPartitionType(mbr_layout::system, id)) {
             LogRecord(LOG_LEVEL_TRACE)
                 .Text(TEXT("Kestova::GetCurrentDiskType\tGetPartitionType\tERROR_GET_PARTITION_TYPE"));
             return DISK_TYPE_UNKNOWN;
         }
         if (id != MBR_ID_NTFS) return DISK_TYPE_UNKNOWN;
-        const WCHAR letter = GetDriveLetter(GetFirstInternalDriveNumber(), 2);
-        if (letter == TEXT('0')) {
+        const WCHAR letter = GetDriveLetter(GetFirstInternalDriveNumber(), mbr_layout::system);
+        if (letter == noLetter) {
             LogRecord(LOG_LEVEL_TRACE)
                 .Text(TEXT("Kestova::GetCurrentDiskType\tGetDriveLetter\tERROR_GET_DRIVE_LETTER"));
             return DISK_TYPE_UNKNOWN;

@@ -24,7 +24,7 @@ bool IsFixedDrive(WCHAR letter) {
 }
 
 void LogSearched(WCHAR letter, const WCHAR* found, const WCHAR* none) {
-    if (letter == TEXT('0')) {
+    if (letter == noLetter) {
         LogRecord(LOG_LEVEL_TRACE).Text(none);
     } else {
         LogRecord(LOG_LEVEL_TRACE).Text(found).Char(letter);

@@ -1,7 +1,7 @@
 // A drive by its letter: what kind it is, and the paths below its root.
 #pragma once
 
-#include "platform/windows_api.h"
+#include "base/drive_letter.h"
 
 // A path below a drive's root, "X:\sources\DVD", or the root itself, "X:". Empty when the platform cannot
 // join it; nothing exists there.
@@ -23,7 +23,7 @@ WCHAR FirstLetter(Test test) {
     for (WCHAR letter = TEXT('A'); letter <= TEXT('Z'); ++letter) {
         if (test(letter)) return letter;
     }
-    return TEXT('0');
+    return noLetter;
 }
 
 // The record that ends a search for a letter: with the letter behind the text, or without one.

@@ -6,10 +6,11 @@
 #include <memory>
 #include <new>
 
+#include "base/drive_letter.h"
 #include "base/format.h"
 #include "base/wide_string.h"
 #include "device/owners.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"
 
@@ -94,7 +95,7 @@ int Kestova::TransformDriveLetter(WCHAR cWindowsDriveLetter, WCHAR& cWinPEDriveL
                 .Char(cWinPEDriveLetter);
             break;
         }
-        cWinPEDriveLetter = TEXT('0');
+        cWinPEDriveLetter = noLetter;
         LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::TransformDriveLetter\t\tcWinPEDriveLetter is 0"));
     }
     LogRecord(LOG_LEVEL_TRACE)
@@ -110,17 +111,16 @@ int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
 
     const auto readBothSystems = [&]() -> int {
         if (!ReadRegistry(WideString(runningSystemKey).data())) {
-            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail."));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_ERROR,
+                              TEXT("Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail."), FALSE);
         }
         if (!LoadWindowsRegistry()) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT("Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed."));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_ERROR,
+                              TEXT("Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed."), FALSE);
         }
         if (!ReadRegistry(WideString(installedWindowsKey).data())) {
-            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters Read WINDOWS Registry fail."));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_TRACE,
+                              TEXT("Kestova::GetWinDriveLetters Read WINDOWS Registry fail."), FALSE);
         }
         return TRUE;
     };
@@ -128,10 +128,10 @@ int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
     const auto fillRecords = [&]() -> int {
         int filled = 0;
         for (const auto& [letter, data] : m_mapWinDrive) {
-            WCHAR running = TEXT('0');
+            WCHAR running = noLetter;
             const int known = TransformDriveLetter(letter, running);
             LogRecord(LOG_LEVEL_TRACE).String(StringFormat(letterText, letter, running));
-            if (!known || running == TEXT('0')) continue;
+            if (!known || running == noLetter) continue;
             if (filled >= count) return FALSE;
             tagDriveInfo_t& record = records[filled++];
             record = {GetDiskNumber(running), GetPartNumber(running), letter};

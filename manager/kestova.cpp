@@ -6,6 +6,7 @@
 #include <new>
 #include <vector>
 
+#include "base/drive_letter.h"
 #include "base/format.h"
 #include "device/encrypt_volume.h"
 #include "diag/log_record.h"
@@ -25,7 +26,7 @@ void Destroy(Owned*& owned) {
 
 }  // namespace
 
-Kestova::Kestova() {
+Kestova::Kestova() : m_cWinREDriveLetter(noLetter), m_cRcvDriveLetter(noLetter) {
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Kestova\tStart"));
     m_pEncryptVolume = new (std::nothrow) CEncryptVolume;
     m_pVDSPartition = new (std::nothrow) CVDSPartition;

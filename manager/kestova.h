@@ -213,8 +213,8 @@ class KESTOVA_API Kestova {
     CReservedObject* m_pReserved2 = nullptr;
     DeviceMap m_mapWinDrive;
     DeviceMap m_mapPEDrive;
-    WCHAR m_cWinREDriveLetter = TEXT('0');
-    WCHAR m_cRcvDriveLetter = TEXT('0');
+    WCHAR m_cWinREDriveLetter;
+    WCHAR m_cRcvDriveLetter;
     int m_iWinREPartNumber = -1;
     int m_iRcvPartNumber = -1;
 };

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "base/drive_letter.h"
 #include "base/wide_string.h"
 #include "device/owners.h"
 #include "manager/kestova.h"
@@ -75,7 +76,7 @@ int Kestova::LoadRegistry(const WCHAR* command) {
 
 int Kestova::LoadWindowsRegistry() {
     const WCHAR letter = GetOSVolume();
-    if (letter == TEXT('0')) return FALSE;
+    if (letter == noLetter) return FALSE;
     const WideString command =
         StringFormat(TEXT("reg load HKLM\\TEMSYSTEM %c:\\Windows\\System32\\Config\\SYSTEM"), letter);
     return Retry([&] { return LoadRegistry(command.c_str()) == BATCH_ENDED; });

@@ -2,13 +2,11 @@
 
 #include "diag/log_record.h"
 #include "diag/module.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "vds/vds_partition.h"
 
 namespace {
-
-constexpr int noPartition = -1;
-constexpr WCHAR noLetter = TEXT('0');
 
 // What is written about one of the two partitions. Some texts name the other.
 struct Lettering {
@@ -67,7 +65,7 @@ int Assign(CVDSPartition* partitions, const Lettering& row, const Search& search
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(row.assign);
     letter = noLetter;
-    int disk = -1;
+    int disk = noDisk;
     int partition = noPartition;
     int exists = 0;
     if (!search(disk, partition, exists)) {

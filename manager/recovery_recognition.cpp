@@ -1,6 +1,7 @@
 // Whether a partition is the recovery or the Windows RE partition: both are of one GPT type, and their
 // contents tell them apart.
 
+#include "base/drive_letter.h"
 #include "diag/log_record.h"
 #include "manager/kestova.h"
 #include "manager/recovery_media.h"
@@ -105,7 +106,7 @@ int Recognise(Kestova& kestova, CVDSPartition* partitions, const Recognition& ro
     is = 0;
     if (IsOfRecoveryType(partitions, row)) {
         const WCHAR letter = kestova.GetDriveLetter(disk, partition);
-        if (letter != TEXT('0')) {
+        if (letter != noLetter) {
             bRet = is = TestContents(row, letter, matches);
         } else {
             bRet = TestThroughTemporaryLetter(*partitions, row, partition, matches, is);

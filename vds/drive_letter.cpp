@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr WCHAR noLetter = TEXT('0');
 constexpr DWORD driveStringUnits = 1024;
 
 constexpr FirstDiskTexts beginTexts = {
@@ -56,10 +55,12 @@ BOOL CVDSPartition::SetDriveLetter(int partitionNumber, int flag) {
     const HRESULT hResult = m_pVdsAdvancedDisk->GetDriveLetter(offset, &m_cDriveLetter);
     const DWORD lastError = GetLastError();
     if (hResult != S_OK) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT(
-                "Kestova CVDSPartition::SetDriveLetter m_pVdsAdvancedDisk->GetDriveLetter error. hResult = "))
-            .Long(hResult);
+        LogFailure(
+            LOG_LEVEL_TRACE,
+            {TEXT(
+                 "Kestova CVDSPartition::SetDriveLetter m_pVdsAdvancedDisk->GetDriveLetter error. hResult = "),
+             LoggedCodes::Result},
+            hResult);
     }
     if (!IsLetter(m_cDriveLetter)) m_cDriveLetter = noLetter;
     if (flag == FLAG_ASSIGN) return AssignLetter(offset);
@@ -77,9 +78,8 @@ BOOL CVDSPartition::FindLetterablePartition(int partitionNumber, ULONGLONG& offs
     if (!QueryFirstDisk(*this, beginTexts, partitions)) return FALSE;
     const VDS_PARTITION_PROP* const partition = FindPartition(partitions, partitionNumber);
     if (partition == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::SetDriveLetter does not find the partition."));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CVDSPartition::SetDriveLetter does not find the partition."), FALSE);
     }
     if (partition->PartitionStyle != VDS_PST_MBR && partition->PartitionStyle != VDS_PST_GPT) {
         LogRecord(LOG_LEVEL_ERROR)
@@ -119,9 +119,10 @@ BOOL CVDSPartition::AssignLetter(ULONGLONG offset) {
         LogRecord(LOG_LEVEL_ERROR)
             .Text(TEXT("Kestova CVDSPartition::SetDriveLetter AssignDriveLetter DriveLetter = "))
             .Char(m_cDriveLetter);
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::SetDriveLetter AssignDriveLetter hResult = "))
-            .Long(hResult);
+        LogFailure(
+            LOG_LEVEL_ERROR,
+            {TEXT("Kestova CVDSPartition::SetDriveLetter AssignDriveLetter hResult = "), LoggedCodes::Result},
+            hResult);
         return FALSE;
     }
     LogEnd();

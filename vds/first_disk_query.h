@@ -2,8 +2,8 @@
 // list of the disk's partitions.
 #pragma once
 
-#include "vds/failure_record.h"
 #include "vds/service_array.h"
+#include "vds/service_check.h"
 #include "vds/vds_partition.h"
 
 // What an operation writes when it cannot begin.

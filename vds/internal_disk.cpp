@@ -3,7 +3,7 @@
 #include "device/disk_drive.h"
 #include "device/ide_ini.h"
 #include "vds/disk_list.h"
-#include "vds/failure_record.h"
+#include "vds/service_check.h"
 #include "vds/vds_partition.h"
 
 namespace {
@@ -27,6 +27,11 @@ constexpr ServiceTexts secondService = {
 
 constexpr FailureText secondNoDisks = {
     TEXT("Kestova CVDSPartition::GetSecondInternalDriveNumber CVDSEx::QueryDisks S_OK != hResult")};
+
+constexpr FailureText secondNoNumber = {
+    TEXT(
+        "Kestova CVDSPartition::GetSecondInternalDriveNumber GetPhysicalDriveNumber S_OK != hResult. hResult="),
+    LoggedCodes::ResultAndLastError, TEXT("GetLastError=")};
 
 // A disk that was chosen, and where it stands in the list of disks.
 struct Candidate {
@@ -167,7 +172,7 @@ BOOL CVDSPartition::GetFirstInternalDriveNumber(int& diskNumber) {
     DiskList list;
     const HRESULT hResult = list.Query(m_pVdsService);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, firstNoDisks, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, firstNoDisks, hResult);
         return FALSE;
     }
     const std::span<const VDS_DISK_PROP> disks = list.Disks();
@@ -206,7 +211,7 @@ int CVDSPartition::FindSmallestDisk() {
     DiskList list;
     const HRESULT hResult = list.Query(m_pVdsService);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, secondNoDisks, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, secondNoDisks, hResult);
         return -1;
     }
     int smallest = -1;
@@ -215,14 +220,8 @@ int CVDSPartition::FindSmallestDisk() {
         if (disk.dwDeviceType != FILE_DEVICE_DISK || !IsInternalBus(disk.BusType)) continue;
         int nDiskNumber = -1;
         const BOOL parsed = GetPhysicalDriveNumber(disk.pwszName, nDiskNumber);
-        const DWORD lastError = GetLastError();
         if (!parsed) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT(
-                    "Kestova CVDSPartition::GetSecondInternalDriveNumber GetPhysicalDriveNumber S_OK != hResult. hResult="))
-                .Long(parsed)
-                .Text(TEXT("GetLastError="))
-                .ULong(lastError);
+            LogFailure(LOG_LEVEL_ERROR, secondNoNumber, parsed);
             continue;
         }
         if (smallestSize != 0 && disk.ullSize >= smallestSize) continue;

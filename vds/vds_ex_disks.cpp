@@ -2,8 +2,8 @@
 #include <cstdlib>
 
 #include "device/owners.h"
-#include "vds/failure_record.h"
 #include "vds/required_interface.h"
+#include "vds/service_check.h"
 #include "vds/vds_ex.h"
 
 namespace {
@@ -73,13 +73,13 @@ bool AppendDisk(IUnknown& object, const DiskTexts& texts, DiskArray& array) {
     ComPtr<IVdsDisk> disk;
     HRESULT hResult = QueryObject(object, IID_IVdsDisk, disk);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, texts.queryInterface, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, texts.queryInterface, hResult);
         return false;
     }
     VDS_DISK_PROP properties = {};
     hResult = disk->GetProperties(&properties);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, texts.getProperties, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, texts.getProperties, hResult);
         return false;
     }
     return array.Append(properties);
@@ -131,7 +131,7 @@ HRESULT CVDSEx::QueryDisks(IVdsService* service, VDS_DISK_PROP** disks, LONG* co
     ComPtr<IEnumVdsObject> unallocated;
     hResult = service->QueryUnallocatedDisks(unallocated.Put());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, unallocatedFailed, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, unallocatedFailed, hResult);
         return hResult;
     }
     DiskArray array;
@@ -143,7 +143,7 @@ HRESULT CVDSEx::QueryDisks(IVdsService* service, VDS_DISK_PROP** disks, LONG* co
     ComPtr<IEnumVdsObject> providers;
     hResult = service->QueryProviders(VDS_QUERY_SOFTWARE_PROVIDERS, providers.Put());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, providersFailed, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, providersFailed, hResult);
         std::free(array.disks);  // the caller's pointer dangles now and must not be used
         return hResult;
     }

@@ -3,6 +3,7 @@
 
 #include <span>
 
+#include "base/drive_letter.h"
 #include "platform/partition_types.h"
 #include "platform/vds.h"
 
@@ -125,7 +126,7 @@ class CVDSPartition {
 
     int m_DiskNumber = -1;
     int m_FirstDiskNumber = -1;
-    WCHAR m_cDriveLetter = TEXT('0');
+    WCHAR m_cDriveLetter = noLetter;
     IVdsService* m_pVdsService = nullptr;
     IVdsAdvancedDisk* m_pVdsAdvancedDisk = nullptr;
     GUID m_FirstDiskId{};

@@ -1,4 +1,4 @@
-// A stand-in for the framework's header: exactly what the module host uses of it, under the published names.
+// A stand-in for the framework's header: exactly what the module binding uses of it, under the published names.
 // It records each call.
 #pragma once
 

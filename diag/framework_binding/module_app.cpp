@@ -1,4 +1,4 @@
-#include "diag/framework_host/module_app.h"
+#include "diag/framework_binding/module_app.h"
 
 #include <afxdllx.h>
 

@@ -1,4 +1,4 @@
-#include "logging/host.h"
+#include "logging/platform.h"
 
 #include <new>
 #include <string>

@@ -1,4 +1,4 @@
-#include "diag/reduced_host/module_app.h"
+#include "diag/module_binding/module_app.h"
 
 #include <atomic>
 
