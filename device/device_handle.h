@@ -3,6 +3,6 @@
 
 #include "device/owners.h"
 
-// Opens a device path for reading and writing, shared for both; no handle when CreateFileW fails (the last
-// error tells why).
+// Opens a device path for reading and writing, shared for both. An empty handle if CreateFileW fails; the
+// last error is its code.
 FileHandle OpenDevice(const WCHAR* path);

@@ -1,4 +1,4 @@
-// What disks tell about themselves through device controls.
+// Queries of disks by device I/O control.
 #include <algorithm>
 
 #include "device/device_handle.h"
@@ -50,7 +50,7 @@ DWORD CDiskDrive::QueryStorageProperty(const WideString& devicePath,
     if (!device) return DEVICE_NOT_OPENED;
     STORAGE_DEVICE_DESCRIPTOR header = {};
     if (!QueryDeviceProperty(device.Get(), &header, sizeof header)) return STORAGE_SIZE_UNKNOWN;
-    // Never less than the fixed part, which is what callers read.
+    // At least the fixed part, which callers read.
     const SIZE_T capacity = std::max<SIZE_T>(header.Size, sizeof header);
     descriptor.Reset(static_cast<STORAGE_DEVICE_DESCRIPTOR*>(GlobalAlloc(GMEM_ZEROINIT, capacity)));
     if (!descriptor) return STORAGE_NO_MEMORY;

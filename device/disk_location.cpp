@@ -6,7 +6,7 @@
 
 namespace {
 
-// On this bus number the target tells the disks apart.
+// On this bus number, the target distinguishes the disks.
 constexpr int targetBus = 6;
 
 constexpr FailureText noDevice = {
@@ -79,7 +79,7 @@ DWORD CDiskDrive::GetDeviceRegistryProperty(HDEVINFO devices, SP_DEVINFO_DATA& d
                 PROPERTY_SIZE_UNKNOWN);
         }
     }
-    // One unit more: the text ends even when the registry's does not.
+    // One more unit: terminated even if the registry value is not.
     text.Reset(static_cast<WCHAR*>(GlobalAlloc(GMEM_ZEROINIT, size + sizeof(WCHAR))));
     if (!text) {
         lastError = GetLastError();

@@ -86,7 +86,7 @@ HRESULT CEncryptVolume::EnumEncryptableVolume(IWbemServices* services, const Wid
         int encryptionMethod = 0;
         result = QueryEncryptionMethod(services, namespacePath, ObjectKey(deviceId), returnValue,
                                        encryptionMethod);
-        // The volumes behind one that cannot tell are not asked.
+        // The volumes after one whose query failed are not queried.
         if (FAILED(result) || returnValue != 0) return result;
         if (encryptionMethod != 0) AddVolume(record, deviceId, driveLetter);
     } while (result == S_OK);

@@ -12,11 +12,11 @@ HRESULT Failed(const WCHAR* message, HRESULT result) {
     return LogFailure(LOG_LEVEL_ERROR, {message, LoggedCodes::ResultAndLastError, label}, result);
 }
 
-// What a method of a class takes and gives, and the instance that carries its arguments.
+// The signature of a method of a class.
 struct MethodSignature {
     ComPtr<IWbemClassObject> definition;
-    ComPtr<IWbemClassObject> input;   // none: the method takes no arguments
-    ComPtr<IWbemClassObject> output;  // none: it gives no values
+    ComPtr<IWbemClassObject> input;   // empty: the method takes no arguments
+    ComPtr<IWbemClassObject> output;  // empty: it returns no values
 };
 
 HRESULT FindMethod(IWbemServices* services, const WideString& className, const WideString& methodName,
@@ -39,11 +39,11 @@ HRESULT FindMethod(IWbemServices* services, const WideString& className, const W
     return result;
 }
 
-// Fills an instance of the input signature; the method is called without input when there is none to fill.
+// Fills an instance of the input signature; without one the method is called without input.
 HRESULT PutArguments(IWbemClassObject* signature, const std::vector<WideString>* names, VARIANT* arguments,
                      ComPtr<IWbemClassObject>& input) {
     if (signature == nullptr) return S_OK;
-    // An instance that cannot be made is no failure.
+    // Failing to create the instance is not a failure: the method is called without input.
     if (FAILED(signature->SpawnInstance(0, input.Put())) || !input || names == nullptr) return S_OK;
     for (size_t index = 0; index < names->size(); ++index) {
         const HRESULT result = input->Put((*names)[index].c_str(), 0, &arguments[index], 0);

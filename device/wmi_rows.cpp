@@ -1,4 +1,4 @@
-// The enumerations of WMI: disks, and the links between controllers and devices.
+// The WMI enumerations of disks, and of the links between controllers and devices.
 #include "device/disk_drive.h"
 #include "device/wmi_instances.h"
 #include "diag/failure_record.h"
@@ -19,7 +19,7 @@ int InterfaceTypeOf(const WideString& name) {
     return INTERFACE_OTHER;
 }
 
-// What WMI tells about a disk; everything else starts as unknown.
+// Adds a row with the values from WMI; every other column starts as unknown.
 void AddDisk(tagDiskDriveTable_t& table, const WideString& deviceId, const WideString& pnpDeviceId,
              const WideString& interfaceType) {
     const int row = table.nCount++;
@@ -56,7 +56,7 @@ HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t&
     bool overflow = false;
     bool complete = false;
     do {
-        // Asked before the next disk is looked for: a table that is just full counts as one disk too many.
+        // Tested before the next disk is read: a table that is exactly full counts as overflow.
         overflow = table.nCount == MAX_DISK_DRIVES;
         if (overflow) break;
         WideString deviceId;

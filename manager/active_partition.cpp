@@ -1,5 +1,5 @@
-// Choosing what the machine boots: the recovery partition, or the system that was active before it. The
-// record of the latter is on disk before the active flag moves, and gone after a switch back.
+// Switches between booting the recovery partition and the system that was active before it. The record of the
+// latter is written before the active flag changes, and deleted after a switch back.
 
 #include "diag/log_record.h"
 #include "diag/module.h"
@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t iniPathCapacity = MAX_PATH + 1;
 
-// What an operation writes when it ends with a code; the code is the index. No text: no record.
+// The record that an operation ends with, indexed by its result code; without a text no record is written.
 struct Outcome {
     int level;
     const WCHAR* text;
@@ -59,7 +59,7 @@ int Finish(const Outcome* outcomes, int code) {
     return code;
 }
 
-// Records the previous partition and makes the recovery partition active; both or neither. 0, 4 or 5.
+// Records the previous partition and makes the recovery partition active, or tries to undo both. 0, 4 or 5.
 int SwitchToRecovery(CVDSPartition& partitions, const WCHAR* file, int previous) {
     if (!RecordActivePartition(file, previous)) return 4;
     if (partitions.SetActive(mbr_layout::recovery)) return 0;
@@ -108,8 +108,8 @@ int Kestova::SetPOneActive() {
         LogRecord(LOG_LEVEL_ERROR).Text(file);
         return 0;
     }
-    // Without a usable record a switch back takes the system partition: a record that says so is not kept
-    // either.
+    // Without a usable record a switch back selects the system partition, so a record of that number is
+    // deleted too.
     int recorded = 0;
     const bool worthKeeping = ReadRecordedPartition(file, recorded) && recorded != mbr_layout::system;
     if (!worthKeeping && !DeleteFileW(file)) return Finish(setPOneActive, 6);

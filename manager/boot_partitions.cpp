@@ -1,4 +1,4 @@
-// Letters on demand for the two boot partitions of a GPT disk: the maker's own and the EFI system partition.
+// Letters on demand for the two boot partitions of a GPT disk: the maker's and the EFI system partition.
 
 #include "diag/failure_record.h"
 #include "diag/module.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-// A partition to give a letter, the type that it must have, and what is written about it.
+// A partition to letter, its required type, and the texts of the records.
 struct Activation {
     int partition;
     GUID type;
@@ -20,7 +20,7 @@ struct Activation {
     const WCHAR* notLettered;
     const WCHAR* noLetter;
     const WCHAR* end;
-    bool endTellsLetter;
+    bool endHasLetter;
 };
 
 constexpr Activation activeOrvoBootPartition = {
@@ -33,7 +33,7 @@ constexpr Activation activeOrvoBootPartition = {
     .notLettered = TEXT("Kestova::ActiveOrvoBootPartition\tSetDriveLetter\tERROR_SET_DRIVE_LETTER."),
     .noLetter = TEXT("Kestova::ActiveOrvoBootPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER."),
     .end = TEXT("Kestova::ActiveOrvoBootPartition\t\tEnd  wcOrvoBootPartitionDriver = "),
-    .endTellsLetter = true,
+    .endHasLetter = true,
 };
 
 constexpr Activation activeGptSystemPartition = {
@@ -46,10 +46,10 @@ constexpr Activation activeGptSystemPartition = {
     .notLettered = TEXT("Kestova::ActiveGPTSystemPartition\tSetDriveLetter\tERROR_SET_DRIVE_LETTER."),
     .noLetter = TEXT("Kestova::ActiveGPTSystemPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER."),
     .end = TEXT("Kestova::ActiveGPTSystemPartition\t\tEnd"),
-    .endTellsLetter = false,
+    .endHasLetter = false,
 };
 
-// A partition to take the letter from.
+// A partition whose letter is deleted, and the texts of the records.
 struct Disabling {
     int partition;
     const WCHAR* start;
@@ -90,9 +90,9 @@ int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter) 
 int Activate(CVDSPartition* partitions, const Activation& row, WCHAR& letter) {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(row.start);
-    LogRecord(LOG_LEVEL_TRACE).Text(row.style);  // of every disk: the type of the partition decides
+    LogRecord(LOG_LEVEL_TRACE).Text(row.style);  // for every disk: only the type of the partition is tested
     const int code = GiveLetter(partitions, row, letter);
-    if (row.endTellsLetter) {
+    if (row.endHasLetter) {
         LogRecord(LOG_LEVEL_TRACE).Text(row.end).Char(letter);
     } else {
         LogRecord(LOG_LEVEL_TRACE).Text(row.end);

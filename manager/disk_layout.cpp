@@ -1,4 +1,4 @@
-// How the first internal disk is laid out: its partition style, and which of the known layouts it has.
+// The partition style of the first internal disk, and which of the known layouts it has.
 
 #include "base/wide_string.h"
 #include "diag/log_record.h"
@@ -58,7 +58,7 @@ int Kestova::GetCurrentDiskType(tagDiskTypeEnum& type) {
                 .Text(TEXT("Kestova::GetCurrentDiskType\tGetDriveLetter\tERROR_GET_DRIVE_LETTER"));
             return DISK_TYPE_UNKNOWN;
         }
-        // A name that cannot be read counts as none.
+        // A name that cannot be read counts as empty.
         WCHAR name[MAX_PATH] = {};
         GetVolumeName(letter, name);
         LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetCurrentDiskType\t")).Text(name);

@@ -1,5 +1,4 @@
-// Questions about the internal disk and its partitions, and the active flag: thin fronts over the volume
-// layer.
+// Queries of the internal disk, and the active flag: thin wrappers of the volume layer.
 
 #include "diag/log_record.h"
 #include "diag/module.h"

@@ -7,7 +7,7 @@
 
 DrivePath::DrivePath(WCHAR letter, const WCHAR* below) {
     FormatInto(text, std::size(text), TEXT("%c:"), letter);
-    // A root left alone would exist where the path below it does not.
+    // The bare root would exist even if the path below it does not.
     if (below != nullptr && !PathAppendW(text, below)) text[0] = 0;
 }
 

@@ -1,5 +1,5 @@
-// Which disk and partition the installed Windows' letters stand for: both systems remember, for each letter,
-// the data that identify its volume.
+// The disk and partition of each letter of the installed Windows: the registry of each system stores the data
+// that identify the volume of a letter.
 
 #include <algorithm>
 #include <iterator>
@@ -25,7 +25,7 @@ constexpr const WCHAR* letterText =
 constexpr const WCHAR* recordText =
     TEXT("Kestova::GetWinDriveLetters      iDiskNum is %d     iPartNum is %d   cDriveLetter is %c");
 
-// The data of a value, which may have none; null when there is no such value or it could not be read.
+// The data of a value, possibly of length 0; null if there is no such value or it cannot be read.
 std::unique_ptr<BYTE[]> ReadValue(HKEY key, const WCHAR* name, DWORD& length) {
     if (RegQueryValueExW(key, name, nullptr, nullptr, nullptr, &length) != ERROR_SUCCESS) return nullptr;
     std::unique_ptr<BYTE[]> data(new (std::nothrow) BYTE[length]());
@@ -35,7 +35,7 @@ std::unique_ptr<BYTE[]> ReadValue(HKEY key, const WCHAR* name, DWORD& length) {
     return read ? std::move(data) : nullptr;
 }
 
-// Adds the letters that the map does not have.
+// Adds the letters that are not in the map yet.
 void ReadLetters(HKEY key, DeviceMap& devices) {
     for (WCHAR letter = TEXT('A'); letter <= TEXT('Z'); ++letter) {
         WCHAR name[32];

@@ -1,4 +1,4 @@
-// Which volumes BitLocker has encrypted.
+// The volumes that BitLocker encrypts.
 
 #include "base/drive_letter.h"
 #include "device/encrypt_volume.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Whether BitLocker could be asked; the record is empty if not asked.
+// Whether BitLocker could be queried; the record is empty without an encryption layer.
 BOOL Query(CEncryptVolume* encryption, tagEncryptVolume_t& record) {
     return encryption != nullptr && encryption->GetEncryptVolume(record);
 }

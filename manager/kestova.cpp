@@ -1,4 +1,4 @@
-// The manager object's life: what it owns, from construction to destruction.
+// Construction and destruction of the manager object, and Initialize.
 
 #include "manager/kestova.h"
 
@@ -13,7 +13,7 @@
 #include "diag/module.h"
 #include "vds/vds_partition.h"
 
-// Part of the object's layout and lifetime; no operation uses one.
+// Part of the object's layout; no operation uses it.
 class CReservedObject {};
 
 namespace {

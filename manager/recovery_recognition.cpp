@@ -1,5 +1,5 @@
-// Whether a partition is the recovery or the Windows RE partition: both are of one GPT type, and their
-// contents tell them apart.
+// Whether a partition is the recovery or the Windows RE partition: both have the same GPT type and differ in
+// their contents.
 
 #include "base/drive_letter.h"
 #include "diag/log_record.h"
@@ -14,7 +14,7 @@ struct Message {
     const WCHAR* text;
 };
 
-// What is written about a kind of partition.
+// The records about a kind of partition.
 struct Recognition {
     const WCHAR* start;
     Message typeUnreadable;
@@ -75,7 +75,7 @@ bool IsOfRecoveryType(CVDSPartition* partitions, const Recognition& row) {
     return true;
 }
 
-// Runs the contents test on the volume behind a letter.
+// Runs the contents test on the volume of a letter.
 template <typename ContentsTest>
 int TestContents(const Recognition& row, WCHAR letter, const ContentsTest& matches) {
     const int match = matches(letter) ? 1 : 0;
@@ -83,7 +83,7 @@ int TestContents(const Recognition& row, WCHAR letter, const ContentsTest& match
     return match;
 }
 
-// The same on a partition without a letter, which has one meanwhile. Answers whether it could be inspected.
+// The same on a partition without a letter, which has one during the test. Returns whether it could be read.
 template <typename ContentsTest>
 int TestThroughTemporaryLetter(CVDSPartition& partitions, const Recognition& row, int partition,
                                const ContentsTest& matches, int& is) {
@@ -97,7 +97,7 @@ int TestThroughTemporaryLetter(CVDSPartition& partitions, const Recognition& row
     return lettered;
 }
 
-// Looks at the partition that is selected; disk and partition are its numbers.
+// Tests the selected partition, whose disk and partition numbers are given.
 template <typename ContentsTest>
 int Recognise(Kestova& kestova, CVDSPartition* partitions, const Recognition& row, int disk, int partition,
               const ContentsTest& matches, int& is) {

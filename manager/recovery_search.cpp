@@ -9,7 +9,7 @@ namespace {
 
 constexpr int partitionCapacity = 128;
 
-// What a search writes. Some texts name another operation or class than their own.
+// The records of a search. Some texts name another operation or class.
 struct Search {
     const WCHAR* start;
     int noVolumeLayerLevel;
@@ -61,8 +61,8 @@ bool SelectPartition(CVDSPartition& partitions, const Search& row, int partition
            LogFailure(LOG_LEVEL_ERROR, row.partitionNotSelected, FALSE);
 }
 
-// Begins with nothing found, and ends with it unless the walk came to the partition. The record tells 0
-// where other operations tell their result, which is 1 here whatever was found.
+// Disk and partition are set only if the walk finds the partition. The End record contains 0 where other
+// operations write their result, which is always 1 here.
 template <typename Walk>
 int RunSearch(CVDSPartition* partitions, const Search& row, int& disk, int& partition, int& exists,
               const Walk& walk) {

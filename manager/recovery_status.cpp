@@ -1,4 +1,4 @@
-// The check, and repair, of the recovery partition's MBR ID.
+// Checks the MBR ID of the recovery partition, and hides a visible one.
 
 #include "manager/recovery_status.h"
 
@@ -13,7 +13,7 @@ int Kestova::CheckMBRRcvprtStatus(int partition) {
         .Text(TEXT("Kestova::CheckMBRRcvprtStatus\t\tStart. iPartitionNumber = "))
         .Int(partition);
 
-    // A visible recovery partition is hidden; it keeps its files, and the letter is the platform's affair.
+    // Hides a visible recovery partition by its ID; files and letter stay.
     const auto hide = [&]() -> int {
         const WCHAR letter = GetDriveLetter(GetFirstInternalDriveNumber(), partition);
         if (letter == noLetter) {

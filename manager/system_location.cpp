@@ -1,5 +1,4 @@
-// Where the EFI system partition and the installed Windows lie, told by the layout of the first internal
-// disk.
+// The EFI system partition and the installed Windows, by the layout of the first internal disk.
 
 #include "diag/failure_record.h"
 #include "diag/module.h"
@@ -10,7 +9,7 @@
 
 namespace {
 
-// The partition of Windows by the partition that the boot files were found on, -1 for none.
+// The partition of Windows, by the partition with the boot files, or noPartition.
 struct WindowsPartition {
     THardDiskType style;
     int bootPartition;
@@ -30,7 +29,7 @@ const WindowsPartition* FindWindowsPartition(THardDiskType style, int bootPartit
     return nullptr;
 }
 
-void TellNoWindowsPartition(THardDiskType style) {
+void LogNoWindowsPartition(THardDiskType style) {
     if (style == HARD_DISK_MBR) {
         LogRecord(LOG_LEVEL_ERROR)
             .Text(TEXT("Kestova::GetVistaOSInfo   MBR Does not get os partition number"));
@@ -108,11 +107,11 @@ DWORD Kestova::GetVistaOSInfo(int& disk, int& partition, WCHAR& letter) {
         const DWORD code = GetBitLockerSystemInfo(bootDisk, bootPartition, bootLetter);
         const WindowsPartition* const windows = FindWindowsPartition(style, bootPartition);
         if (windows == nullptr) {
-            TellNoWindowsPartition(style);
+            LogNoWindowsPartition(style);
             const bool isKnownStyle = style == HARD_DISK_MBR || style == HARD_DISK_GPT;
             return isKnownStyle ? code : static_cast<DWORD>(ERROR_GET_DISK_STYLE);
         }
-        // Without an EFI system partition the disk is -1, and no letter is found.
+        // Without an EFI system partition the disk is noDisk, and no letter is found.
         const WCHAR found = GetDriveLetter(bootDisk, windows->partition);
         if (found == noLetter) {
             return LogFailure(LOG_LEVEL_ERROR,

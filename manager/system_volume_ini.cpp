@@ -64,7 +64,7 @@ int Kestova::GetSystemVolumeIni(WCHAR* pszFile, DWORD dwFileNumberOfElements) {
         }
         const WCHAR letter = m_pVDSPartition->GetDriveLetter();
         if (letter == noLetter) {
-            // Succeeds all the same, with the caller's buffer as it was.
+            // Returns TRUE nevertheless; the caller's buffer is unchanged.
             LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetSystemVolumeIni\tGetDriveLetter\tError"));
             return TRUE;
         }

@@ -1,4 +1,5 @@
-// Where the volume behind a drive letter lies, as the volume itself tells; and which letter leads there.
+// The disk and partition of a drive letter, and the letter of a disk and partition, by queries of the
+// volumes.
 
 #include <iterator>
 
@@ -18,14 +19,14 @@ HANDLE OpenVolume(WCHAR letter, DWORD access) {
                        FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-// Both questions have an output of fixed size and no input.
+// Both queries have an output of fixed size and no input.
 template <typename Output>
 bool Query(const FileHandle& volume, DWORD control, Output& output) {
     DWORD returned = 0;
     return DeviceIoControl(volume.Get(), control, nullptr, 0, &output, sizeof output, &returned, nullptr);
 }
 
-// The disk of the one extent that there is room for: false for a volume on several.
+// The disk of the only extent; false for a volume with several, which does not fit the buffer.
 bool QueryDisk(const FileHandle& volume, int& disk) {
     VOLUME_DISK_EXTENTS extents{};
     if (!Query(volume, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, extents)) return false;
@@ -40,7 +41,7 @@ bool QueryPartition(const FileHandle& volume, int& partition) {
     return true;
 }
 
-bool LeadsTo(WCHAR letter, int disk, int partition) {
+bool IsOnPartition(WCHAR letter, int disk, int partition) {
     if (!IsFixedDrive(letter)) return false;
     const FileHandle volume(OpenVolume(letter, GENERIC_READ | GENERIC_WRITE));
     int number = -1;
@@ -53,7 +54,7 @@ bool LeadsTo(WCHAR letter, int disk, int partition) {
 WCHAR Kestova::GetDriveLetter(int disk, int partition) {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDriveLetter\tStart"));
-    const WCHAR found = FirstLetter([&](WCHAR letter) { return LeadsTo(letter, disk, partition); });
+    const WCHAR found = FirstLetter([&](WCHAR letter) { return IsOnPartition(letter, disk, partition); });
     LogSearched(found, TEXT("Kestova::GetDriveLetter\tEnd. Driver is "),
                 TEXT("Kestova::GetDriveLetter\tEnd. Driver is 0"));
     return found;
@@ -65,7 +66,7 @@ int Kestova::GetDiskNumber(WCHAR letter) {
     int iDiskNum = 255;
     const FileHandle volume(OpenVolume(letter, GENERIC_READ));
     if (volume && QueryDisk(volume, iDiskNum)) {
-        // Under the tag of GetPartNumber.
+        // The text names GetPartNumber.
         LogRecord(LOG_LEVEL_TRACE)
             .String(StringFormat(TEXT("Kestova::GetPartNumber      iDiskNum is %d "), iDiskNum));
     }

@@ -1,4 +1,4 @@
-// Reading, giving and taking the drive letter of a partition of the first internal disk.
+// Reading, assigning and deleting the drive letter of a partition of the first internal disk.
 #include "base/wide_string.h"
 #include "vds/first_disk_query.h"
 

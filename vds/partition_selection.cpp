@@ -1,4 +1,4 @@
-// Selecting a partition of the selected disk, with the extent that tells which volume lies on it.
+// Selecting a partition of the selected disk, with the extent that identifies its volume.
 #include <cstring>
 
 #include "vds/service_array.h"

@@ -1,4 +1,4 @@
-// Types of partitions: reading them, what follows from them, and changing MBR IDs.
+// Partition types: reading and changing them, and what depends on them.
 #include "base/wide_string.h"
 #include "device/owners.h"
 #include "vds/first_disk_query.h"

@@ -1,4 +1,4 @@
-// Disks and volumes by id. The four operations are one; what they ask for and what they write is data.
+// Disks and volumes by id: one lookup for the four operations, with the differences as data.
 #include "device/owners.h"
 #include "vds/required_interface.h"
 #include "vds/service_check.h"
@@ -16,7 +16,7 @@ struct Lookup {
     const WCHAR* end = nullptr;
 };
 
-// Every failure is traced, not reported as an error: the callers write an error record of their own.
+// Failures are recorded at the trace level: the callers write an error record themselves.
 constexpr Lookup diskLookup = {
     .type = VDS_OT_DISK,
     .interfaceId = IID_IVdsDisk,

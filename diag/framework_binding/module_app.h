@@ -1,10 +1,11 @@
-// The module host with MFC: the library as an extension module of the host application's framework.
+// The module binding with MFC: the library as an extension module of the host application's framework.
 #pragma once
 
-// The framework wants its own header before any other of the platform.
+// The framework requires its header before any other of the platform.
 #include <afxwin.h>
 
-// The library's one application object. It lives from load to unload, has no name and no fields of its own.
+// The library's only application object. It exists from load to unload and has no name and no fields of its
+// own.
 class CModuleApp : public CWinApp {
   public:
     CModuleApp() : CWinApp(nullptr) {}

@@ -1,17 +1,17 @@
-// The module host without the framework: what runs when a process loads and unloads the library.
+// The module binding without the framework: what runs when a process loads and unloads the library.
 #pragma once
 
 #include "platform/windows_api.h"
 
-// The library's one application object. It lives from load to unload and has no state but what the hooks set
-// up.
+// The library's only application object. It exists from load to unload; its only state is the module
+// instance.
 class CModuleApp {
   public:
-    // Load hook: answers TRUE; the module instance is known from here on.
+    // Called at load: stores the module instance and returns TRUE.
     BOOL InitInstance(HINSTANCE instance);
-    // Unload hook: answers 0; the module instance is forgotten.
+    // Called at unload: clears the module instance and returns 0.
     int ExitInstance();
-    // The module instance, or null outside load and unload.
+    // The module instance; null before load and after unload.
     HINSTANCE Instance() const { return instance_; }
 
   private:

@@ -1,4 +1,5 @@
-// The module binding with the framework: what it does in which module's state, for each of the loader's reasons.
+// The module binding with the framework: what it does in which module's state, for each of the loader's
+// reasons.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
