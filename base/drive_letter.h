@@ -1,4 +1,4 @@
-// Drive letters: 'A' to 'Z', and the value that stands for none.
+// Drive letters: 'A' to 'Z', or '0' for none.
 #pragma once
 
 #include "platform/windows_api.h"

@@ -29,16 +29,6 @@ BOOL CDiskDrive::GetCurrentDriveNumber(int& driveNumber) {
     WCHAR path[8];
     FormatInto(path, std::size(path), TEXT("%c:"), letter);
     if (GetDriveTypeW(path) != DRIVE_FIXED) return FALSE;
-    FormatInto(path, std::size(path), TEXT("\\\\.\\%c:"), letter);
-    const FileHandle volume = OpenDevice(path);
-    if (!volume) return FALSE;
-    // Space for one extent: a volume with more fails with ERROR_MORE_DATA.
-    VOLUME_DISK_EXTENTS extents = {};
-    DWORD returned = 0;
-    if (!DeviceIoControl(volume.Get(), IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, nullptr, 0, &extents,
-                         sizeof extents, &returned, nullptr)) {
-        return FALSE;
-    }
-    driveNumber = static_cast<int>(extents.Extents[0].DiskNumber);
-    return TRUE;
+    const FileHandle volume = OpenVolume(letter, GENERIC_READ | GENERIC_WRITE);
+    return volume && ReadDiskNumber(volume, driveNumber);
 }

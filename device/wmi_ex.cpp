@@ -1,5 +1,6 @@
 #include "device/wmi_ex.h"
 
+#include "device/com_security.h"
 #include "device/owners.h"
 #include "diag/failure_record.h"
 
@@ -55,9 +56,8 @@ HRESULT PutArguments(IWbemClassObject* signature, const std::vector<WideString>*
 }  // namespace
 
 HRESULT CWMIEx::Initialize() {
-    const HRESULT result = CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
-                                                RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
-    if (result == S_OK || result == RPC_E_TOO_LATE) return S_OK;
+    const HRESULT result = InitializeComSecurity();
+    if (result == S_OK) return S_OK;
     return Failed(TEXT("Kestova CWMIEx::Initialize hResult = "), result);
 }
 
