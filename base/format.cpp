@@ -2,7 +2,7 @@
 
 namespace {
 
-// Counts every unit and keeps those that fit.
+// Counts every unit and stores those that fit.
 class BoundedWriter {
   public:
     BoundedWriter(WCHAR* buffer, size_t capacity)

@@ -3,17 +3,11 @@
 #include <algorithm>
 #include <numeric>
 
+#include "base/text_case.h"
+
 namespace {
 
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char unit) {
-        return unit >= 'A' && unit <= 'Z' ? static_cast<char>(unit - 'A' + 'a') : unit;
-    });
-    return lower;
-}
-
-// How many letters must be changed, added or taken away (Levenshtein), a row of the table at a time.
+// The Levenshtein distance, computed with one row of the table at a time.
 size_t Distance(std::string_view left, std::string_view right) {
     std::vector<size_t> row(right.size() + 1);
     std::iota(row.begin(), row.end(), size_t{0});
@@ -32,11 +26,11 @@ size_t Distance(std::string_view left, std::string_view right) {
 }  // namespace
 
 std::string Nearest(std::string_view word, const std::vector<std::string>& words) {
-    const std::string wanted = LowerCase(word);
+    const std::string wanted = UpperCase(word);
     std::string nearest;
     size_t least = (wanted.size() + 2) / 3;
     for (const std::string& candidate : words) {
-        const size_t distance = Distance(wanted, LowerCase(candidate));
+        const size_t distance = Distance(wanted, UpperCase(candidate));
         if (distance < least || (distance == least && nearest.empty())) {
             least = distance;
             nearest = candidate;
@@ -44,7 +38,7 @@ std::string Nearest(std::string_view word, const std::vector<std::string>& words
     }
     if (!nearest.empty() || wanted.size() < 4) return nearest;
     const auto containing = std::find_if(words.begin(), words.end(), [&](const std::string& candidate) {
-        return LowerCase(candidate).find(wanted) != std::string::npos;
+        return UpperCase(candidate).find(wanted) != std::string::npos;
     });
     return containing != words.end() ? *containing : std::string();
 }

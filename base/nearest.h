@@ -1,11 +1,11 @@
-// Suggestions for a word that nobody knows.
+// Suggestions for a misspelt word.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-// The word that `word` was probably meant to be: the one with the fewest differing letters, about a third of
-// them at most, whatever their case; else the first that contains it whole, if it has four letters or more.
-// Empty when nothing is near.
+// The word that is most similar to `word`, ignoring case: the one at the smallest edit distance, which may be
+// at most about a third of the length; else, for four letters or more, the first that contains it. Empty if
+// there is none.
 std::string Nearest(std::string_view word, const std::vector<std::string>& words);

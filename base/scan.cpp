@@ -16,7 +16,7 @@ const WCHAR* SkipBlanks(const WCHAR* text) {
     return text;
 }
 
-// Reads a signed decimal number; null when there is none.
+// Parses a signed decimal number and returns what follows it; null if there is none.
 const WCHAR* ReadNumber(const WCHAR* text, int& number) {
     const bool negative = *text == TEXT('-');
     if (negative || *text == TEXT('+')) ++text;

@@ -4,9 +4,7 @@
 
 std::string UpperCase(std::string_view text) {
     std::string upper(text);
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](char unit) {
-        return unit >= 'a' && unit <= 'z' ? static_cast<char>(unit - 'a' + 'A') : unit;
-    });
+    std::transform(upper.begin(), upper.end(), upper.begin(), FoldCase<char>);
     return upper;
 }
 

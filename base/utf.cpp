@@ -8,7 +8,8 @@ namespace {
 using Converter = std::wstring_convert<std::codecvt_utf8_utf16<WCHAR>, WCHAR>;
 
 Converter MakeConverter() {
-    // A text that breaks off in the middle of a character is no error to the converter, but it converts less.
+    // The converter reports no error for a text that ends in the middle of a character: it converts fewer
+    // units.
     return Converter("?", WideString(1, TEXT('?')));
 }
 

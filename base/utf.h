@@ -1,4 +1,4 @@
-// Between the model's UTF-8 and the platform's UTF-16.
+// Conversion between UTF-8 and the platform's UTF-16.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 using WideView = std::basic_string_view<WCHAR>;
 
-// Text that is no valid UTF comes out as "?".
+// Text that is not valid UTF becomes "?".
 WideString ToWide(std::string_view text);
 std::string ToUtf8(WideView text);
-// A null text counts as empty.
+// The empty text for null.
 std::string ToUtf8(const WCHAR* text);

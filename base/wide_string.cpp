@@ -1,25 +1,19 @@
 #include "base/wide_string.h"
 
-namespace {
-
-WCHAR Fold(WCHAR unit) {
-    return unit >= TEXT('a') && unit <= TEXT('z') ? static_cast<WCHAR>(unit - TEXT('a') + TEXT('A')) : unit;
-}
-
-}  // namespace
+#include "base/text_case.h"
 
 WideString UpperCase(WideString text) {
     for (WCHAR& unit : text)
-        unit = Fold(unit);
+        unit = FoldCase(unit);
     return text;
 }
 
 bool EqualIgnoringCase(const WCHAR* left, const WCHAR* right) {
-    while (*left != 0 && Fold(*left) == Fold(*right)) {
+    while (*left != 0 && FoldCase(*left) == FoldCase(*right)) {
         ++left;
         ++right;
     }
-    return Fold(*left) == Fold(*right);
+    return FoldCase(*left) == FoldCase(*right);
 }
 
 void CopyBounded(WCHAR* buffer, size_t capacity, const WCHAR* text) {

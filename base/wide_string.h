@@ -1,5 +1,5 @@
-// Wide text as the platform has it: 16-bit units on every build, compared and folded as the C locale does
-// (the names compared here, device ids, labels and markers, are ASCII).
+// The platform's wide text: 16-bit units on every build, compared and folded as in the C locale. What is
+// compared here (device ids, labels, markers) is ASCII.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 using WideString = std::basic_string<WCHAR>;
 
-// The text with 'a' to 'z' folded to 'A' to 'Z'; every other unit stays.
+// The text with 'a' to 'z' folded to 'A' to 'Z'; every other unit is unchanged.
 WideString UpperCase(WideString text);
 
-// Whether the two texts are the same when 'a' to 'z' are folded. Neither may be null.
+// Whether two texts are equal once folded. Neither may be null.
 bool EqualIgnoringCase(const WCHAR* left, const WCHAR* right);
 
 // Copies at most capacity - 1 units of the text into the buffer and terminates it. A capacity of 0 writes

@@ -25,16 +25,16 @@ function(kestova_unloadable target)
   endif()
 endfunction()
 
-# The module host goes into diag: with the framework, or without.
-function(kestova_module_host)
+# The module binding is part of diag: the one with the framework, or the one without.
+function(kestova_module_binding)
   if(NOT KESTOVA_FRAMEWORK)
-    target_sources(kestova_diag PRIVATE ${CMAKE_SOURCE_DIR}/diag/reduced_host/module_app.cpp)
+    target_sources(kestova_diag PRIVATE ${CMAKE_SOURCE_DIR}/diag/module_binding/module_app.cpp)
     return()
   endif()
   if(NOT MSVC)
     message(FATAL_ERROR "KESTOVA_FRAMEWORK needs MSVC with MFC; this compiler is ${CMAKE_CXX_COMPILER}")
   endif()
-  target_sources(kestova_diag PRIVATE ${CMAKE_SOURCE_DIR}/diag/framework_host/module_app.cpp)
+  target_sources(kestova_diag PRIVATE ${CMAKE_SOURCE_DIR}/diag/framework_binding/module_app.cpp)
   # The framework's DLL, and a module entry of our own.
   target_compile_definitions(kestova_diag PRIVATE _AFXDLL _AFXEXT)
 endfunction()

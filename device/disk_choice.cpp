@@ -3,7 +3,7 @@
 
 #include "device/disk_drive.h"
 #include "device/ide_ini.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ bool IsFirstAta(const tagDiskDriveTable_t& table, int row) {
     return IsAtaLike(table, row) && table.nLocation[row] == 0;
 }
 
-// Rows of the same marker and interface.
+// Compares rows with the same marker and interface.
 bool ComesBeforeOnInterface(const tagDiskDriveTable_t& table, int candidate, int best) {
     if (table.nBusType[candidate] == table.nBusType[best])
         return table.nLocation[candidate] < table.nLocation[best];
@@ -39,7 +39,7 @@ bool ComesBeforeOnInterface(const tagDiskDriveTable_t& table, int candidate, int
     return table.nBusType[candidate] == BUS_TYPE_RAID;
 }
 
-// Rows of the same marker on different interfaces.
+// Compares rows with the same marker on different interfaces.
 bool ComesBeforeAcrossInterfaces(const tagDiskDriveTable_t& table, int candidate, int best) {
     if (table.nBusType[candidate] != table.nBusType[best]) {
         if (IsFirstAta(table, best)) return false;
@@ -55,7 +55,7 @@ bool ComesBeforeByLocation(const tagDiskDriveTable_t& table, int candidate, int 
     const int candidateMarker = table.nTargetLocation[candidate];
     const int bestMarker = table.nTargetLocation[best];
     if (candidateMarker != bestMarker) {
-        // A target of bus 6 gives way to location 0 alone.
+        // A target of bus 6 is second only to location 0.
         if (candidateMarker == 1) return table.nLocation[best] != 0;
         if (bestMarker == 1) return table.nLocation[candidate] == 0;
         return false;
@@ -65,7 +65,7 @@ bool ComesBeforeByLocation(const tagDiskDriveTable_t& table, int candidate, int 
                : ComesBeforeAcrossInterfaces(table, candidate, best);
 }
 
-// The adapter's number does not count.
+// The port number is ignored.
 auto ScsiOrder(const tagDiskDriveTable_t& table, int row) {
     return std::tuple(table.PathId[row], table.TargetId[row], table.Lun[row]);
 }
@@ -96,10 +96,11 @@ BOOL CDiskDrive::GetFirstInternalDriveNumber(int& driveNumber, int skippedDrive,
     tagDiskDriveTable_t table;
     const HRESULT result = GetDiskDrive(table);
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CDiskDrive::GetFirstInternalDriveNumber GetDiskDrive hResult failed. hResult = "))
-            .Long(result);
+        LogFailure(
+            LOG_LEVEL_ERROR,
+            {TEXT("Kestova CDiskDrive::GetFirstInternalDriveNumber GetDiskDrive hResult failed. hResult = "),
+             LoggedCodes::Result},
+            result);
         return FALSE;
     }
     const bool hasScsi = AnyEligible(table, [&](int row) { return table.bScsiAddress[row] == TRUE; });

@@ -1,4 +1,4 @@
-// The table of all disks, gathered from WMI, device set-up and the disks themselves.
+// The table of all disks, from WMI, device set-up and the disks themselves.
 #include <algorithm>
 #include <cstring>
 
@@ -7,11 +7,11 @@
 #include "device/disk_drive.h"
 #include "device/disk_location.h"
 #include "device/wmi_ex.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
-// Longer device ids are cut before the number is read.
+// Longer device ids are truncated before the number is read.
 constexpr size_t maxDeviceIdLength = 260;
 
 // The n of \\.\PHYSICALDRIVEn, or -1.
@@ -22,7 +22,7 @@ int ReadDriveNumber(const WideString& deviceId) {
     return number;
 }
 
-// Read as a plain number: a driver may report a bus that the headers do not know yet.
+// Copied as a plain number: a driver may report a bus type that the headers do not define.
 int BusTypeOf(const STORAGE_DEVICE_DESCRIPTOR& descriptor) {
     int busType = 0;
     static_assert(sizeof busType == sizeof descriptor.BusType);
@@ -37,23 +37,22 @@ HRESULT CDiskDrive::GetDiskDrive(tagDiskDriveTable_t& table) {
     table.nCount = 0;
     HRESULT result = CWMIEx::Initialize();
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova CDiskDrive::GetDiskDrive CWMIEx::Initialize FAILED( hResult )."));
-        return result;
+        return LogFailure(LOG_LEVEL_TRACE,
+                          TEXT("Kestova CDiskDrive::GetDiskDrive CWMIEx::Initialize FAILED( hResult )."),
+                          result);
     }
     ComPtr<IWbemLocator> locator;
     ComPtr<IWbemServices> services;
     result = CWMIEx::ConnectServer(TEXT("\\\\.\\root\\CIMV2"), locator.Put(), services.Put());
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova CDiskDrive::GetDiskDrive CWMIEx::ConnectServer FAILED( hResult )."));
-        return result;
+        return LogFailure(LOG_LEVEL_TRACE,
+                          TEXT("Kestova CDiskDrive::GetDiskDrive CWMIEx::ConnectServer FAILED( hResult )."),
+                          result);
     }
     result = Enum_DiskDrive(services.Get(), table);
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova CDiskDrive::GetDiskDrive Enum_DiskDrive FAILED( hResult )."));
-        return result;
+        return LogFailure(LOG_LEVEL_TRACE,
+                          TEXT("Kestova CDiskDrive::GetDiskDrive Enum_DiskDrive FAILED( hResult )."), result);
     }
     result = FindControllers(services.Get(), INTERFACE_IDE, TEXT("Win32_IDEControllerDevice"), table);
     if (FAILED(result)) return result;
@@ -78,7 +77,8 @@ HRESULT CDiskDrive::FindControllers(IWbemServices* services, int interfaceType, 
 }
 
 void CDiskDrive::ReadDevices(tagDiskDriveTable_t& table) {
-    // Never reset: once a location was the target of its bus, every later one counts as such.
+    // Not reset between rows: after the first location that is a target of its bus, all later ones count as
+    // such.
     int targetLocation = 0;
     for (int row = 0; row < table.nCount; ++row) {
         table.nDriveNumber[row] = ReadDriveNumber(table.strDeviceID[row]);

@@ -2,12 +2,16 @@
 
 #include "base/scan.h"
 #include "device/disk_drive.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
-// On this bus number the target tells the disks apart.
+// On this bus number, the target distinguishes the disks.
 constexpr int targetBus = 6;
+
+constexpr FailureText noDevice = {
+    TEXT("Kestova CDiskDrive::GetLocationInformation SetupDiOpenDeviceInfo bReturn == FALSE (2)"),
+    LoggedCodes::LabelledLastError};
 
 }  // namespace
 
@@ -26,20 +30,16 @@ DWORD CDiskDrive::GetLocationInformation(const WideString& pnpDeviceId, GlobalBu
     text.Reset();
     DeviceInfoSet devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));
     if (!devices) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CDiskDrive::GetLocationInformation SetupDiCreateDeviceInfoList hDevInfo == INVALID_HANDLE_VALUE (1)"));
-        return LOCATION_NO_DEVICE_SET;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT(
+                "Kestova CDiskDrive::GetLocationInformation SetupDiCreateDeviceInfoList hDevInfo == INVALID_HANDLE_VALUE (1)"),
+            LOCATION_NO_DEVICE_SET);
     }
     SP_DEVINFO_DATA device = {};
     device.cbSize = sizeof device;
     if (!SetupDiOpenDeviceInfoW(devices.Get(), pnpDeviceId.c_str(), nullptr, 0, &device)) {
-        const DWORD lastError = GetLastError();
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(
-                TEXT("Kestova CDiskDrive::GetLocationInformation SetupDiOpenDeviceInfo bReturn == FALSE (2)"))
-            .Text(TEXT(" GetLastError = "))
-            .ULong(lastError);
+        LogFailure(LOG_LEVEL_ERROR, noDevice, FALSE);
         return LOCATION_NO_DEVICE;
     }
     DWORD lastError = ERROR_SUCCESS;
@@ -72,28 +72,30 @@ DWORD CDiskDrive::GetDeviceRegistryProperty(HDEVINFO devices, SP_DEVINFO_DATA& d
             return 0;
         }
         if (lastError != ERROR_INSUFFICIENT_BUFFER) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT(
-                    "Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty GetLastError != ERROR_INVALID_DATA. (1)"));
-            return PROPERTY_SIZE_UNKNOWN;
+            return LogFailure(
+                LOG_LEVEL_ERROR,
+                TEXT(
+                    "Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty GetLastError != ERROR_INVALID_DATA. (1)"),
+                PROPERTY_SIZE_UNKNOWN);
         }
     }
-    // One unit more: the text ends even when the registry's does not.
+    // One more unit: terminated even if the registry value is not.
     text.Reset(static_cast<WCHAR*>(GlobalAlloc(GMEM_ZEROINIT, size + sizeof(WCHAR))));
     if (!text) {
         lastError = GetLastError();
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty lpProperty == NULL (2)"));
-        return PROPERTY_NO_MEMORY;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty lpProperty == NULL (2)"),
+                          PROPERTY_NO_MEMORY);
     }
     BYTE* const bytes = reinterpret_cast<BYTE*>(text.Get());
     if (!SetupDiGetDeviceRegistryPropertyW(devices, &device, property, nullptr, bytes, size, nullptr)) {
         lastError = GetLastError();
         text.Reset();
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty return FALSE. (3)"));
-        return PROPERTY_NOT_READ;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT(
+                "Kestova CDiskDrive::GetDeviceRegistryProperty SetupDiGetDeviceRegistryProperty return FALSE. (3)"),
+            PROPERTY_NOT_READ);
     }
     LogRecord(LOG_LEVEL_TRACE)
         .Text(TEXT("Kestova CDiskDrive::GetDeviceRegistryProperty End (0) lpProperty = "))

@@ -2,7 +2,7 @@
 
 #include "device/wmi_ex.h"
 #include "device/wmi_instances.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
@@ -42,19 +42,21 @@ BOOL CEncryptVolume::GetEncryptVolume(tagEncryptVolume_t& record) {
     record.VolumeCount = 0;
     HRESULT result = CWMIEx::Initialize();
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CEncryptVolume::GetEncryptVolume    CWMIEx::Initialize Failed. hResult = "))
-            .Long(result);
+        LogFailure(LOG_LEVEL_ERROR,
+                   {TEXT("Kestova CEncryptVolume::GetEncryptVolume    CWMIEx::Initialize Failed. hResult = "),
+                    LoggedCodes::Result},
+                   result);
         return FALSE;
     }
     ComPtr<IWbemLocator> locator;
     ComPtr<IWbemServices> services;
     result = CWMIEx::ConnectServer(encryptionNamespace, locator.Put(), services.Put());
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(
-                TEXT("Kestova CEncryptVolume::GetEncryptVolume    CWMIEx::ConnectServer Failed. hResult = "))
-            .Long(result);
+        LogFailure(
+            LOG_LEVEL_ERROR,
+            {TEXT("Kestova CEncryptVolume::GetEncryptVolume    CWMIEx::ConnectServer Failed. hResult = "),
+             LoggedCodes::Result},
+            result);
         return FALSE;
     }
     result = EnumEncryptableVolume(services.Get(), encryptionNamespace, record);
@@ -84,7 +86,7 @@ HRESULT CEncryptVolume::EnumEncryptableVolume(IWbemServices* services, const Wid
         int encryptionMethod = 0;
         result = QueryEncryptionMethod(services, namespacePath, ObjectKey(deviceId), returnValue,
                                        encryptionMethod);
-        // The volumes behind one that cannot tell are not asked.
+        // The volumes after one whose query failed are not queried.
         if (FAILED(result) || returnValue != 0) return result;
         if (encryptionMethod != 0) AddVolume(record, deviceId, driveLetter);
     } while (result == S_OK);

@@ -9,7 +9,7 @@ namespace {
 constexpr DWORD valueCapacity = 260;
 constexpr const WCHAR* missingValue = TEXT("(INI READ ERROR)");
 
-// The value of DeviceIDn, or nothing when it is missing or empty.
+// The value of DeviceIDn; empty if it is missing or empty.
 WideString ReadDeviceId(const WCHAR* section, int number, const WideString& fileName) {
     WCHAR key[32];
     FormatInto(key, std::size(key), TEXT("DeviceID%d"), number);
@@ -24,7 +24,7 @@ WideString ReadDeviceId(const WCHAR* section, int number, const WideString& file
 
 WideString IdeIniPath() {
     WCHAR path[MAX_PATH] = {};
-    // A path that is cut in its file name still tells the folder.
+    // A path that is truncated within the file name still contains the folder.
     if (GetModuleFileNameW(nullptr, path, MAX_PATH) == 0) return WideString();
     PathRemoveFileSpecW(path);
     return PathAppendW(path, TEXT("IDE.INI")) ? WideString(path) : WideString();

@@ -1,4 +1,4 @@
-// Owners of what the platform lends: each releases it once, with the call that belongs to it.
+// RAII owners of platform resources; each releases its resource once, with the matching call.
 #pragma once
 
 #include <utility>
@@ -6,7 +6,7 @@
 #include "base/wide_string.h"
 #include "platform/windows_api.h"
 
-// Owns one resource, or none. `Resource` names its type, the value that means none, and its release.
+// Owns one resource, or none. `Resource` defines its type, the value for none, and its release.
 template <typename Resource>
 class Owner {
   public:
@@ -26,14 +26,14 @@ class Owner {
     explicit operator bool() const { return value_ != Resource::None(); }
     Type Get() const { return value_; }
     Type operator->() const { return value_; }
-    // Where a call stores the resource that it hands out; what was owned is released first.
+    // The address at which a call stores a new resource; the present one is released first.
     Type* Put() {
         Reset();
         return &value_;
     }
-    // Gives the resource away.
+    // Passes ownership to the caller.
     Type Detach() { return std::exchange(value_, Resource::None()); }
-    // Releases what is owned and takes the other value.
+    // Releases the present resource and owns the value instead.
     void Reset(Type value = Resource::None()) {
         const Type released = std::exchange(value_, value);
         if (released != Resource::None()) Resource::Release(released);
@@ -90,19 +90,19 @@ struct DeviceInfoList {
 template <typename Interface>
 using ComPtr = Owner<ComReference<Interface>>;
 template <typename Content>
-using GlobalBuffer = Owner<GlobalMemory<Content>>;  // of GlobalAlloc, fixed memory
+using GlobalBuffer = Owner<GlobalMemory<Content>>;  // fixed memory of GlobalAlloc
 using Bstr = Owner<SystemString>;
 using FileHandle = Owner<OpenedFile>;
 using ProcessHandle = Owner<StartedProcess>;
 using RegistryKey = Owner<OpenedKey>;
 using DeviceInfoSet = Owner<DeviceInfoList>;
 
-// The result of a call that hands out an interface: E_INVALIDARG for a success that came without one.
+// The result of a call that returns an interface: E_INVALIDARG for a success without one.
 inline HRESULT WithInterface(HRESULT result, const void* interfacePointer) {
     return SUCCEEDED(result) && interfacePointer == nullptr ? E_INVALIDARG : result;
 }
 
-// A VARIANT that a call fills.
+// A VARIANT that a call fills; cleared at the end of its scope.
 class Variant {
   public:
     Variant() { VariantInit(&value_); }
@@ -110,18 +110,18 @@ class Variant {
     Variant(const Variant&) = delete;
     Variant& operator=(const Variant&) = delete;
 
-    // Where a call stores its value; what was there is cleared first.
+    // The address at which a call stores a value; the present one is cleared first.
     VARIANT* Put() {
         VariantClear(&value_);
         return &value_;
     }
     const VARIANT& Get() const { return value_; }
-    // The text of a string; every other value, VT_NULL above all, is the empty text.
+    // The text of a string; empty for every other type, above all VT_NULL.
     WideString Text() const {
         const bool isText = V_VT(&value_) == VT_BSTR && V_BSTR(&value_) != nullptr;
         return isText ? WideString(V_BSTR(&value_)) : WideString();
     }
-    // The number in a 32-bit integer; every other value is 0.
+    // The value of a 32-bit integer; 0 for every other type.
     LONG Number() const { return V_VT(&value_) == VT_I4 ? V_I4(&value_) : 0; }
 
   private:

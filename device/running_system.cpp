@@ -1,4 +1,4 @@
-// What the running Windows is and where it lies.
+// Which Windows is running, and on which disk.
 #include "base/format.h"
 #include "device/device_handle.h"
 #include "device/disk_drive.h"
@@ -10,7 +10,7 @@ BOOL CDiskDrive::IsWindowsPE() {
         return FALSE;
     }
     constexpr DWORD capacity = 1000;                   // bytes
-    WCHAR options[capacity / sizeof(WCHAR) + 1] = {};  // the text ends even when the registry's does not
+    WCHAR options[capacity / sizeof(WCHAR) + 1] = {};  // terminated even if the registry value is not
     DWORD size = capacity;
     const LSTATUS read = RegQueryValueExW(key, TEXT("SystemStartOptions"), nullptr, nullptr,
                                           reinterpret_cast<BYTE*>(options), &size);
@@ -29,16 +29,6 @@ BOOL CDiskDrive::GetCurrentDriveNumber(int& driveNumber) {
     WCHAR path[8];
     FormatInto(path, std::size(path), TEXT("%c:"), letter);
     if (GetDriveTypeW(path) != DRIVE_FIXED) return FALSE;
-    FormatInto(path, std::size(path), TEXT("\\\\.\\%c:"), letter);
-    const FileHandle volume = OpenDevice(path);
-    if (!volume) return FALSE;
-    // Room for one extent: a volume on more fails with ERROR_MORE_DATA.
-    VOLUME_DISK_EXTENTS extents = {};
-    DWORD returned = 0;
-    if (!DeviceIoControl(volume.Get(), IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, nullptr, 0, &extents,
-                         sizeof extents, &returned, nullptr)) {
-        return FALSE;
-    }
-    driveNumber = static_cast<int>(extents.Extents[0].DiskNumber);
-    return TRUE;
+    const FileHandle volume = OpenVolume(letter, GENERIC_READ | GENERIC_WRITE);
+    return volume && ReadDiskNumber(volume, driveNumber);
 }

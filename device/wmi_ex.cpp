@@ -1,26 +1,23 @@
 #include "device/wmi_ex.h"
 
+#include "device/com_security.h"
 #include "device/owners.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
-// Records the failure of the call that was made last and hands its code on.
+// Records the failure of the last call and returns its code.
 HRESULT Failed(const WCHAR* message, HRESULT result) {
-    const DWORD lastError = GetLastError();
-    LogRecord(LOG_LEVEL_ERROR)
-        .Text(message)
-        .Long(result)
-        .Text(TEXT(" GetLastError: %d"))  // stands in the log as it is
-        .ULong(lastError);
-    return result;
+    // The label is written as it is, %d included.
+    constexpr const WCHAR* label = TEXT(" GetLastError: %d");
+    return LogFailure(LOG_LEVEL_ERROR, {message, LoggedCodes::ResultAndLastError, label}, result);
 }
 
-// What a method of a class takes and gives, and the instance that carries its arguments.
+// The signature of a method of a class.
 struct MethodSignature {
     ComPtr<IWbemClassObject> definition;
-    ComPtr<IWbemClassObject> input;   // none: the method takes no arguments
-    ComPtr<IWbemClassObject> output;  // none: it gives no values
+    ComPtr<IWbemClassObject> input;   // empty: the method takes no arguments
+    ComPtr<IWbemClassObject> output;  // empty: it returns no values
 };
 
 HRESULT FindMethod(IWbemServices* services, const WideString& className, const WideString& methodName,
@@ -31,9 +28,9 @@ HRESULT FindMethod(IWbemServices* services, const WideString& className, const W
         return Failed(TEXT("Kestova CWMIEx::ConnectServer GetObject S_OK != hResult. hResult = "), result);
     }
     if (!signature.definition) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pClassObject == NULL"));
-        return E_INVALIDARG;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pClassObject == NULL"),
+                          E_INVALIDARG);
     }
     result =
         signature.definition->GetMethod(methodName.c_str(), 0, signature.input.Put(), signature.output.Put());
@@ -43,11 +40,11 @@ HRESULT FindMethod(IWbemServices* services, const WideString& className, const W
     return result;
 }
 
-// Fills an instance of the input signature; the method is called without input when there is none to fill.
+// Fills an instance of the input signature; without one the method is called without input.
 HRESULT PutArguments(IWbemClassObject* signature, const std::vector<WideString>* names, VARIANT* arguments,
                      ComPtr<IWbemClassObject>& input) {
     if (signature == nullptr) return S_OK;
-    // An instance that cannot be made is no failure.
+    // Failing to create the instance is not a failure: the method is called without input.
     if (FAILED(signature->SpawnInstance(0, input.Put())) || !input || names == nullptr) return S_OK;
     for (size_t index = 0; index < names->size(); ++index) {
         const HRESULT result = input->Put((*names)[index].c_str(), 0, &arguments[index], 0);
@@ -59,9 +56,8 @@ HRESULT PutArguments(IWbemClassObject* signature, const std::vector<WideString>*
 }  // namespace
 
 HRESULT CWMIEx::Initialize() {
-    const HRESULT result = CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
-                                                RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
-    if (result == S_OK || result == RPC_E_TOO_LATE) return S_OK;
+    const HRESULT result = InitializeComSecurity();
+    if (result == S_OK) return S_OK;
     return Failed(TEXT("Kestova CWMIEx::Initialize hResult = "), result);
 }
 
@@ -96,15 +92,15 @@ HRESULT CWMIEx::ExecMethod(IWbemServices* services, const WideString& className,
     *output = nullptr;
     VariantInit(returnValue);
     if (services == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pWbemServices == NULL"));
-        return E_INVALIDARG;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pWbemServices == NULL"),
+                          E_INVALIDARG);
     }
     if ((names == nullptr) != (arguments == nullptr)) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CWMIEx::ExecMethod CoSetProxyBlanket pstrArrParameters or pvtArrArguments is NULL"));
-        return E_INVALIDARG;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT("Kestova CWMIEx::ExecMethod CoSetProxyBlanket pstrArrParameters or pvtArrArguments is NULL"),
+            E_INVALIDARG);
     }
     MethodSignature signature;
     HRESULT result = FindMethod(services, className, methodName, signature);

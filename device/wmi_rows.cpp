@@ -1,7 +1,7 @@
-// The enumerations of WMI: disks, and the links between controllers and devices.
+// The WMI enumerations of disks, and of the links between controllers and devices.
 #include "device/disk_drive.h"
 #include "device/wmi_instances.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ int InterfaceTypeOf(const WideString& name) {
     return INTERFACE_OTHER;
 }
 
-// What WMI tells about a disk; everything else starts as unknown.
+// Adds a row with the values from WMI; every other column starts as unknown.
 void AddDisk(tagDiskDriveTable_t& table, const WideString& deviceId, const WideString& pnpDeviceId,
              const WideString& interfaceType) {
     const int row = table.nCount++;
@@ -35,6 +35,10 @@ void AddDisk(tagDiskDriveTable_t& table, const WideString& deviceId, const WideS
     table.nTargetLocation[row] = -1;
 }
 
+constexpr FailureText noLinks = {
+    TEXT("Kestova CDiskDrive::Enum_ControllerDevice CreateInstanceEnum FAILED. hResult = "),
+    LoggedCodes::ResultAndLastError, TEXT("GetLastError = ")};
+
 }  // namespace
 
 HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t& table) {
@@ -44,15 +48,15 @@ HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t&
     ComPtr<IEnumWbemClassObject> instances;
     HRESULT result = OpenInstances(services, className, instances);
     if (FAILED(result)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT(
-                "Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )"));
-        return result;
+        return LogFailure(
+            LOG_LEVEL_TRACE,
+            TEXT("Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )"),
+            result);
     }
     bool overflow = false;
     bool complete = false;
     do {
-        // Asked before the next disk is looked for: a table that is just full counts as one disk too many.
+        // Tested before the next disk is read: a table that is exactly full counts as overflow.
         overflow = table.nCount == MAX_DISK_DRIVES;
         if (overflow) break;
         WideString deviceId;
@@ -78,13 +82,7 @@ HRESULT CDiskDrive::Enum_ControllerDevice(IWbemServices* services, const WCHAR* 
     ComPtr<IEnumWbemClassObject> instances;
     HRESULT result = OpenInstances(services, className, instances);
     if (FAILED(result)) {
-        const DWORD lastError = GetLastError();
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CDiskDrive::Enum_ControllerDevice CreateInstanceEnum FAILED. hResult = "))
-            .Long(result)
-            .Text(TEXT("GetLastError = "))
-            .ULong(lastError);
-        return result;
+        return LogFailure(LOG_LEVEL_ERROR, noLinks, result);
     }
     bool complete = false;
     do {

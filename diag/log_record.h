@@ -4,8 +4,8 @@
 #include "base/wide_string.h"
 #include "logging/logging.h"
 
-// Begins a record when it is made and ends it, after the empty text that closes every record, when the
-// expression ends. The logger is fetched afresh both times and never kept. Nothing is allocated here.
+// Begins a record when it is constructed, and ends it at the end of the expression with the empty text that
+// closes every record. The logger is fetched both times and not kept. Allocates nothing.
 class LogRecord {
   public:
     explicit LogRecord(int level) : writer_(CLoggingFactory::GetInstance().BeginRecord(level)) {}
@@ -16,12 +16,12 @@ class LogRecord {
     LogRecord(const LogRecord&) = delete;
     LogRecord& operator=(const LogRecord&) = delete;
 
-    // A literal: a message or a label. Also string values.
+    // A literal (a message or a label), or a string value.
     LogRecord& Text(const WCHAR* text) {
         writer_.AppendText(text);
         return *this;
     }
-    // A message that was formatted beforehand.
+    // A message that was formatted before.
     LogRecord& String(const WideString& text) {
         writer_.AppendString(text);
         return *this;

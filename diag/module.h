@@ -1,7 +1,9 @@
-// Which module a call belongs to. The module host, one of the folders beside this file, answers it.
+// The module that a call belongs to. Implemented by module_binding, or by framework_binding in a build with
+// MFC.
 #pragma once
 
-// Makes the library's module current on this thread for one call and restores what was current before.
+// Makes the library's module current on this thread for one call, then restores the one that was current
+// before.
 class ModuleContext {
   public:
     ModuleContext();
@@ -9,10 +11,10 @@ class ModuleContext {
     ModuleContext(const ModuleContext&) = delete;
     ModuleContext& operator=(const ModuleContext&) = delete;
 
-    // Whether the library's module is current: on this thread with the framework, else on any.
+    // Whether the library's module is current: with the framework on this thread, else on any thread.
     static bool IsCurrent();
 
   private:
-    // What the framework had current before.
+    // The framework's module state before the call.
     [[maybe_unused]] void* previous_ = nullptr;
 };

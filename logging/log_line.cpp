@@ -15,7 +15,7 @@ bool IsLowSurrogate(WCHAR unit) {
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-// The character at a place in the text, which is moved behind it.
+// Reads the character at an index, and advances the index past it.
 char32_t TakeCharacter(const std::basic_string<WCHAR>& text, size_t& at) {
     const WCHAR unit = text[at++];
     if (IsHighSurrogate(unit) && at < text.size() && IsLowSurrogate(text[at])) {
@@ -24,7 +24,7 @@ char32_t TakeCharacter(const std::basic_string<WCHAR>& text, size_t& at) {
     return IsHighSurrogate(unit) || IsLowSurrogate(unit) ? replacement : unit;
 }
 
-// The last 6 bits of what is left, as a byte that continues a character.
+// A UTF-8 continuation byte with the low 6 bits.
 char Continuation(char32_t bits) {
     return static_cast<char>(0x80U | (bits & 0x3FU));
 }

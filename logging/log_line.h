@@ -12,11 +12,11 @@ struct LogStamp {
     DWORD thread;
 };
 
-// "2026-11-21T08:15:30.042Z 1234 5678 TRACE text", in UTF-8, with CR and LF at the end. A level without a
-// name is its number. Line breaks in the text are written "\r" and "\n", so that a record is one line, and a
-// NUL "\0", so that the file is text; half a surrogate pair is written U+FFFD.
+// "2026-11-21T08:15:30.042Z 1234 5678 TRACE text", in UTF-8, ending with CR and LF. A level without a name is
+// written as its number. Line breaks in the text are written as "\r" and "\n", so that a record is one line,
+// NUL as "\0", so that the file is text, and an unpaired surrogate as U+FFFD.
 std::string LogLine(const LogStamp& stamp, const LogEntry& entry);
 
-// The highest level that is written: the digits of the setting, from 0 (nothing) on. Without a setting, and
-// with one that is no number, every level is.
+// The highest level that is written, from a setting of digits; 0 writes nothing. Every level if the setting
+// is empty or not a number.
 int HighestLevel(const std::basic_string<WCHAR>& setting);

@@ -1,4 +1,5 @@
-// The default logging library: keeps the record that is being written and hands it to the sinks when it ends.
+// The default logging library: holds the record that is being written and passes it to the sinks when it
+// ends.
 
 #include <algorithm>
 #include <cstddef>
@@ -7,8 +8,8 @@
 #include <string>
 #include <utility>
 
-#include "logging/host.h"
 #include "logging/logging.h"
+#include "logging/platform.h"
 
 namespace {
 
@@ -103,7 +104,7 @@ class Logger final : public ILogger {
     }
 
   private:
-    // A sink that fails disturbs neither the operation that logs nor the other sinks.
+    // An exception from a sink affects neither the operation that logs nor the other sinks.
     void HandTo(ILogSink& sink) noexcept {
         try {
             sink.Write(record_.Entry());
@@ -112,7 +113,7 @@ class Logger final : public ILogger {
         }
     }
 
-    std::recursive_mutex mutex_;  // a record's from its begin to its end
+    std::recursive_mutex mutex_;  // held from BeginRecord to EndRecord
     std::vector<ILogSink*> sinks_;
     Record record_;
 };
@@ -121,7 +122,7 @@ class Logger final : public ILogger {
 
 ILogger& CLoggingFactory::GetInstance() noexcept {
     const LastErrorKept kept;
-    // Never destroyed: modules write records until the process is gone.
+    // Never destroyed: modules write records until the process ends.
     alignas(Logger) static std::byte place[sizeof(Logger)];
     static Logger* const logger = new (place) Logger;
     return *logger;

@@ -1,7 +1,6 @@
-// The interface of the logging library (Logging.dll): where every diagnostic record goes. The recovery
-// library uses CLoggingFactory::GetInstance, ILogger::BeginRecord and EndRecord, and the append operations of
-// ILogRecord that stand between AppendString and AppendChar. The order of the operations is part of the
-// interface.
+// The interface of the logging library (Logging.dll), which receives every diagnostic record. The recovery
+// library calls CLoggingFactory::GetInstance, ILogger::BeginRecord and EndRecord, and the append operations
+// of ILogRecord from AppendString to AppendChar. The order of the virtual functions is part of the interface.
 #pragma once
 
 #include <string>
@@ -20,11 +19,11 @@
 inline constexpr int LOG_LEVEL_ERROR = 1;  // a failed call, an unexpected value, a rejected argument
 inline constexpr int LOG_LEVEL_TRACE = 4;  // start, end and values on the way
 
-// Through which append an item came.
+// The append operation that added an item.
 enum class LogItemKind { String, Text, Pointer, ULong, ULongLong, Long, LongLong, Int, Char };
 
-// One appended item, rendered: texts as they stand, int and long signed, unsigned long unsigned, a wide
-// character as itself, a pointer as "<pointer>" so that two runs write the same log.
+// One appended item as text: strings and wide characters unchanged, int and long signed, unsigned long
+// unsigned, a pointer as "<pointer>" so that two runs write the same log.
 struct LogItem {
     LogItemKind kind;
     std::basic_string<WCHAR> text;
@@ -35,7 +34,7 @@ struct LogEntry {
     int level;
     std::vector<LogItem> items;
 
-    // The items one after another; the writer adds no separator.
+    // The items, concatenated without separators.
     std::basic_string<WCHAR> Text() const {
         std::basic_string<WCHAR> text;
         for (const LogItem& item : items)
@@ -44,7 +43,7 @@ struct LogEntry {
     }
 };
 
-// Receives every record when it ends, one at a time. What it does must not write a record of its own.
+// Receives every record when it ends, one at a time. Write must not write records itself.
 class ILogSink {
   public:
     virtual void Write(const LogEntry& entry) = 0;
@@ -53,12 +52,12 @@ class ILogSink {
     ~ILogSink() = default;
 };
 
-// Collects one record. Every append answers the same writer, so that appends can be chained. Memory that runs
-// out costs the item, not the caller.
+// Collects one record. Every append returns the record itself, so that appends can be chained. If memory runs
+// out, the item is dropped and the caller is not disturbed.
 class ILogRecord {
   public:
     virtual int GetLevel() const noexcept = 0;
-    // A text formatted beforehand.
+    // A text that was formatted before.
     virtual ILogRecord& AppendString(const std::basic_string<WCHAR>& text) noexcept = 0;
     // A literal; null counts as empty.
     virtual ILogRecord& AppendText(const WCHAR* text) noexcept = 0;
@@ -75,16 +74,16 @@ class ILogRecord {
     ~ILogRecord() = default;
 };
 
-// The process's logger, owned by the logging library. Nothing is thrown, and the caller's last error code
-// (GetLastError) stays as it is.
+// The logger of the process, owned by the logging library. No operation throws or changes the caller's last
+// error code (GetLastError).
 class ILogger {
   public:
-    // The sink receives every record, whatever its level, from now on; it must be removed before it dies.
-    // Adding it twice is adding it once.
+    // From now on the sink receives every record of every level. Remove it before it is destroyed. Adding it
+    // again has no effect.
     virtual void AddSink(ILogSink& sink) noexcept = 0;
     virtual void RemoveSink(ILogSink& sink) noexcept = 0;
-    // Begins a record; the answer is valid until EndRecord, which hands the record to the sinks. Between the
-    // two, other threads wait with records of their own.
+    // Begins a record; the reference is valid until EndRecord, which passes the record to the sinks. In
+    // between, other threads block in BeginRecord.
     virtual ILogRecord& BeginRecord(int level) noexcept = 0;
     virtual void EndRecord() noexcept = 0;
 
@@ -94,7 +93,7 @@ class ILogger {
 
 class CLoggingFactory {
   public:
-    // The one logger of the process; it is there before any module's static objects and stays until the
-    // process ends.
+    // The only logger of the process. It exists before any module's static objects are constructed, and until
+    // the process ends.
     LOGGING_API static ILogger& GetInstance() noexcept;
 };

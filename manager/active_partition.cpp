@@ -1,19 +1,18 @@
-// Choosing what the machine boots: the recovery partition, or the system that was active before it. The
-// record of the latter is on disk before the active flag moves, and gone after a switch back.
+// Switches between booting the recovery partition and the system that was active before it. The record of the
+// latter is written before the active flag changes, and deleted after a switch back.
 
 #include "diag/log_record.h"
 #include "diag/module.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "manager/system_volume_ini.h"
 #include "vds/vds_partition.h"
 
 namespace {
 
-constexpr int recoveryPartition = 1;
-constexpr int systemPartition = 2;
 constexpr size_t iniPathCapacity = MAX_PATH + 1;
 
-// What an operation writes when it ends with a code; the code is the index. No text: no record.
+// The record that an operation ends with, indexed by its result code; without a text no record is written.
 struct Outcome {
     int level;
     const WCHAR* text;
@@ -60,10 +59,10 @@ int Finish(const Outcome* outcomes, int code) {
     return code;
 }
 
-// Records the previous partition and makes the recovery partition active; both or neither. 0, 4 or 5.
+// Records the previous partition and makes the recovery partition active, or tries to undo both. 0, 4 or 5.
 int SwitchToRecovery(CVDSPartition& partitions, const WCHAR* file, int previous) {
     if (!RecordActivePartition(file, previous)) return 4;
-    if (partitions.SetActive(recoveryPartition)) return 0;
+    if (partitions.SetActive(mbr_layout::recovery)) return 0;
     DeleteFileW(file);
     partitions.SetActive(previous);
     return 5;
@@ -74,12 +73,12 @@ int SwitchToRecovery(CVDSPartition& partitions, const WCHAR* file, int previous)
 int Kestova::SetRcvprtActive() {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetRcvprtActive\t\tStart"));
-    int previous = -1;
+    int previous = noPartition;
     if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(previous)) {
         return Finish(setRcvprtActive, 1);
     }
-    if (previous == -1) return Finish(setRcvprtActive, 2);
-    if (previous == recoveryPartition) {
+    if (previous == noPartition) return Finish(setRcvprtActive, 2);
+    if (previous == mbr_layout::recovery) {
         LogRecord(LOG_LEVEL_TRACE)
             .Text(TEXT("Kestova::SetRcvprtActive\tGetActivePartitionNumber PartitionNumber is 1. 0"));
         return 0;
@@ -92,14 +91,14 @@ int Kestova::SetRcvprtActive() {
 int Kestova::SetPOneActive() {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetPOneActive\t\tStart"));
-    int previous = -1;
+    int previous = noPartition;
     if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(previous)) {
         return Finish(setPOneActive, 1);
     }
-    if (previous == -1) return Finish(setPOneActive, 2);
+    if (previous == noPartition) return Finish(setPOneActive, 2);
     WCHAR file[iniPathCapacity] = {};
     if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setPOneActive, 3);
-    if (previous != recoveryPartition) {
+    if (previous != mbr_layout::recovery) {
         if (const int code = SwitchToRecovery(*m_pVDSPartition, file, previous); code != 0) {
             return Finish(setPOneActive, code);
         }
@@ -109,10 +108,10 @@ int Kestova::SetPOneActive() {
         LogRecord(LOG_LEVEL_ERROR).Text(file);
         return 0;
     }
-    // Without a usable record a switch back takes the system partition: a record that says so is not kept
-    // either.
+    // Without a usable record a switch back selects the system partition, so a record of that number is
+    // deleted too.
     int recorded = 0;
-    const bool worthKeeping = ReadRecordedPartition(file, recorded) && recorded != systemPartition;
+    const bool worthKeeping = ReadRecordedPartition(file, recorded) && recorded != mbr_layout::system;
     if (!worthKeeping && !DeleteFileW(file)) return Finish(setPOneActive, 6);
     return Finish(setPOneActive, 0);
 }
@@ -120,17 +119,17 @@ int Kestova::SetPOneActive() {
 int Kestova::SetSystemActive() {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tStart"));
-    int current = -1;
+    int current = noPartition;
     if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(current)) {
         return Finish(setSystemActive, 1);
     }
-    if (current == -1) return Finish(setSystemActive, 2);
+    if (current == noPartition) return Finish(setSystemActive, 2);
     WCHAR file[iniPathCapacity] = {};
     if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setSystemActive, 3);
-    int target = systemPartition;
+    int target = mbr_layout::system;
     if (PathFileExistsW(file)) {
-        if (!ReadRecordedPartition(file, target)) target = systemPartition;
-    } else if (current != recoveryPartition) {
+        if (!ReadRecordedPartition(file, target)) target = mbr_layout::system;
+    } else if (current != mbr_layout::recovery) {
         LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tPartitionNumber is not 1. 0"));
         return 0;
     }
@@ -143,8 +142,8 @@ int Kestova::SetPTwoActive() {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetPTwoActive\t\tStart"));
     if (m_pVDSPartition == nullptr) return Finish(setPTwoActive, 1);
-    if (!m_pVDSPartition->SetActive(systemPartition)) {
-        m_pVDSPartition->SetActive(recoveryPartition);
+    if (!m_pVDSPartition->SetActive(mbr_layout::system)) {
+        m_pVDSPartition->SetActive(mbr_layout::recovery);
         return Finish(setPTwoActive, 1);
     }
     WCHAR file[iniPathCapacity] = {};

@@ -1,17 +1,15 @@
-// Letters on demand for the two boot partitions of a GPT disk: the maker's own and the EFI system partition.
+// Letters on demand for the two boot partitions of a GPT disk: the maker's and the EFI system partition.
 
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 #include "diag/module.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "manager/result_codes.h"
 #include "vds/vds_partition.h"
 
 namespace {
 
-constexpr int makersBootPartition = 1;
-constexpr int efiSystemPartition = 3;
-
-// A partition to give a letter, the type that it must have, and what is written about it.
+// A partition to letter, its required type, and the texts of the records.
 struct Activation {
     int partition;
     GUID type;
@@ -22,11 +20,11 @@ struct Activation {
     const WCHAR* notLettered;
     const WCHAR* noLetter;
     const WCHAR* end;
-    bool endTellsLetter;
+    bool endHasLetter;
 };
 
 constexpr Activation activeOrvoBootPartition = {
-    .partition = makersBootPartition,
+    .partition = gpt_layout::makersBoot,
     .type = ORVOBOOT_GUID,
     .start = TEXT("Kestova::ActiveOrvoBootPartition\t\tStart"),
     .style = TEXT("Kestova::ActiveOrvoBootPartition\t\tGetDiskStyle  is GPT disk."),
@@ -35,11 +33,11 @@ constexpr Activation activeOrvoBootPartition = {
     .notLettered = TEXT("Kestova::ActiveOrvoBootPartition\tSetDriveLetter\tERROR_SET_DRIVE_LETTER."),
     .noLetter = TEXT("Kestova::ActiveOrvoBootPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER."),
     .end = TEXT("Kestova::ActiveOrvoBootPartition\t\tEnd  wcOrvoBootPartitionDriver = "),
-    .endTellsLetter = true,
+    .endHasLetter = true,
 };
 
 constexpr Activation activeGptSystemPartition = {
-    .partition = efiSystemPartition,
+    .partition = gpt_layout::efiSystem,
     .type = PARTITION_SYSTEM_GUID,
     .start = TEXT("Kestova::ActiveGPTSystemPartition\t\tStart"),
     .style = TEXT("Kestova::ActiveGPTSystemPartition\t\tGetDiskStyle  is GPT disk."),
@@ -48,10 +46,10 @@ constexpr Activation activeGptSystemPartition = {
     .notLettered = TEXT("Kestova::ActiveGPTSystemPartition\tSetDriveLetter\tERROR_SET_DRIVE_LETTER."),
     .noLetter = TEXT("Kestova::ActiveGPTSystemPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER."),
     .end = TEXT("Kestova::ActiveGPTSystemPartition\t\tEnd"),
-    .endTellsLetter = false,
+    .endHasLetter = false,
 };
 
-// A partition to take the letter from.
+// A partition whose letter is deleted, and the texts of the records.
 struct Disabling {
     int partition;
     const WCHAR* start;
@@ -61,7 +59,7 @@ struct Disabling {
 };
 
 constexpr Disabling disableOrvoBootPartition = {
-    .partition = makersBootPartition,
+    .partition = gpt_layout::makersBoot,
     .start = TEXT("Kestova::DisableOrvoBootPartition\tStart"),
     .style = TEXT("Kestova::DisableOrvoBootPartition\t\tGetDiskStyle is GPT disk."),
     .notTaken = TEXT("Kestova::DisableOrvoBootPartition\t SetDriveLetter  ERROR_SET_DRIVE_LETTER"),
@@ -69,27 +67,22 @@ constexpr Disabling disableOrvoBootPartition = {
 };
 
 constexpr Disabling disableGptSystemPartition = {
-    .partition = efiSystemPartition,
+    .partition = gpt_layout::efiSystem,
     .start = TEXT("Kestova::DisableGPTSystemPartition\tStart"),
     .style = TEXT("Kestova::DisableGPTSystemPartition\t\tGetDiskStyle is GPT disk."),
     .notTaken = TEXT("Kestova::DisableGPTSystemPartition\t SetDriveLetter  ERROR_SET_DRIVE_LETTER"),
     .end = TEXT("Kestova::DisableGPTSystemPartition\tEnd"),
 };
 
-int Failed(int level, const WCHAR* text, int code) {
-    LogRecord(level).Text(text);
-    return code;
-}
-
 int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter) {
     GUID type = {};
     if (partitions == nullptr || !partitions->GetPartitionType(row.partition, type))
-        return Failed(LOG_LEVEL_ERROR, row.typeUnreadable, ERROR_GET_PARTITION_TYPE);
-    if (!IsSameGuid(type, row.type)) return Failed(LOG_LEVEL_TRACE, row.otherType, ERROR_NOT_ORVOBOOT_GUID);
+        return LogFailure(LOG_LEVEL_ERROR, row.typeUnreadable, ERROR_GET_PARTITION_TYPE);
+    if (type != row.type) return LogFailure(LOG_LEVEL_TRACE, row.otherType, ERROR_NOT_ORVOBOOT_GUID);
     if (!partitions->SetDriveLetter(row.partition, FLAG_ASSIGN))
-        return Failed(LOG_LEVEL_ERROR, row.notLettered, ERROR_SET_DRIVE_LETTER);
-    if (partitions->GetDriveLetter() == TEXT('0'))
-        return Failed(LOG_LEVEL_ERROR, row.noLetter, ERROR_GET_DRIVE_LETTER);
+        return LogFailure(LOG_LEVEL_ERROR, row.notLettered, ERROR_SET_DRIVE_LETTER);
+    if (partitions->GetDriveLetter() == noLetter)
+        return LogFailure(LOG_LEVEL_ERROR, row.noLetter, ERROR_GET_DRIVE_LETTER);
     letter = partitions->GetDriveLetter();
     return 0;
 }
@@ -97,9 +90,9 @@ int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter) 
 int Activate(CVDSPartition* partitions, const Activation& row, WCHAR& letter) {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(row.start);
-    LogRecord(LOG_LEVEL_TRACE).Text(row.style);  // of every disk: the type of the partition decides
+    LogRecord(LOG_LEVEL_TRACE).Text(row.style);  // for every disk: only the type of the partition is tested
     const int code = GiveLetter(partitions, row, letter);
-    if (row.endTellsLetter) {
+    if (row.endHasLetter) {
         LogRecord(LOG_LEVEL_TRACE).Text(row.end).Char(letter);
     } else {
         LogRecord(LOG_LEVEL_TRACE).Text(row.end);
@@ -112,7 +105,7 @@ int Disable(CVDSPartition* partitions, const Disabling& row) {
     LogRecord(LOG_LEVEL_TRACE).Text(row.start);
     LogRecord(LOG_LEVEL_TRACE).Text(row.style);
     const bool taken = partitions != nullptr && partitions->SetDriveLetter(row.partition, FLAG_DELETE);
-    const int code = taken ? 0 : Failed(LOG_LEVEL_ERROR, row.notTaken, ERROR_SET_DRIVE_LETTER);
+    const int code = taken ? 0 : LogFailure(LOG_LEVEL_ERROR, row.notTaken, ERROR_SET_DRIVE_LETTER);
     LogRecord(LOG_LEVEL_TRACE).Text(row.end);
     return code;
 }

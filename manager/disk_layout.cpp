@@ -1,8 +1,9 @@
-// How the first internal disk is laid out: its partition style, and which of the known layouts it has.
+// The partition style of the first internal disk, and which of the known layouts it has.
 
 #include "base/wide_string.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "vds/vds_partition.h"
 
@@ -10,12 +11,12 @@ namespace {
 
 tagDiskTypeEnum GptLayout(CVDSPartition& partitions) {
     GUID type = {};
-    if (!partitions.GetPartitionType(3, type)) {
+    if (!partitions.GetPartitionType(gpt_layout::efiSystem, type)) {
         LogRecord(LOG_LEVEL_TRACE)
             .Text(TEXT("Kestova::GetCurrentDiskType\tGetPartitionType\tERROR_GET_PARTITION_TYPE"));
         return DISK_TYPE_UNKNOWN;
     }
-    return IsSameGuid(type, PARTITION_SYSTEM_GUID) ? DISK_TYPE_GPT_ESP : DISK_TYPE_GPT_OTHER;
+    return type == PARTITION_SYSTEM_GUID ? DISK_TYPE_GPT_ESP : DISK_TYPE_GPT_OTHER;
 }
 
 }  // namespace
@@ -25,7 +26,7 @@ int Kestova::GetDiskStyle(THardDiskType& style) {
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDiskStyle\t\tStart"));
     style = HARD_DISK_UNKNOWN;
     if (m_pVDSPartition != nullptr) {
-        int disk = -1;
+        int disk = noDisk;
         VDS_PARTITION_PROP* partitions = nullptr;
         LONG count = 0;
         if (m_pVDSPartition->GetFirstInternalDriveNumber(disk) && m_pVDSPartition->SelectDisk(disk) &&
@@ -45,19 +46,19 @@ int Kestova::GetCurrentDiskType(tagDiskTypeEnum& type) {
 
     const auto mbrLayout = [&] {
         BYTE id = MBR_ID_NONE;
-        if (!m_pVDSPartition->GetPartitionType(2, id)) {
+        if (!m_pVDSPartition->GetPartitionType(mbr_layout::system, id)) {
             LogRecord(LOG_LEVEL_TRACE)
                 .Text(TEXT("Kestova::GetCurrentDiskType\tGetPartitionType\tERROR_GET_PARTITION_TYPE"));
             return DISK_TYPE_UNKNOWN;
         }
         if (id != MBR_ID_NTFS) return DISK_TYPE_UNKNOWN;
-        const WCHAR letter = GetDriveLetter(GetFirstInternalDriveNumber(), 2);
-        if (letter == TEXT('0')) {
+        const WCHAR letter = GetDriveLetter(GetFirstInternalDriveNumber(), mbr_layout::system);
+        if (letter == noLetter) {
             LogRecord(LOG_LEVEL_TRACE)
                 .Text(TEXT("Kestova::GetCurrentDiskType\tGetDriveLetter\tERROR_GET_DRIVE_LETTER"));
             return DISK_TYPE_UNKNOWN;
         }
-        // A name that cannot be read counts as none.
+        // A name that cannot be read counts as empty.
         WCHAR name[MAX_PATH] = {};
         GetVolumeName(letter, name);
         LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetCurrentDiskType\t")).Text(name);

@@ -1,16 +1,16 @@
-// Questions about the internal disk and its partitions, and the active flag: thin fronts over the volume
-// layer.
+// Queries of the internal disk, and the active flag: thin wrappers of the volume layer.
 
 #include "diag/log_record.h"
 #include "diag/module.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "vds/vds_partition.h"
 
 int Kestova::GetFirstInternalDriveNumber() {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetFirstInternalDriveNumber\tStart"));
-    int number = -1;
-    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetFirstInternalDriveNumber(number)) number = -1;
+    int number = noDisk;
+    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetFirstInternalDriveNumber(number)) number = noDisk;
     LogRecord(LOG_LEVEL_TRACE)
         .Text(TEXT("Kestova::GetFirstInternalDriveNumber\tEnd. DriveNumber = "))
         .Int(number);
@@ -20,8 +20,9 @@ int Kestova::GetFirstInternalDriveNumber() {
 int Kestova::GetActivePartitionNumber() {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetActivePartitionNumber\tStart"));
-    int number = -1;
-    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(number)) number = -1;
+    int number = noPartition;
+    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(number))
+        number = noPartition;
     LogRecord(LOG_LEVEL_TRACE)
         .Text(TEXT("Kestova::GetActivePartitionNumber\tEnd. PartitionNumber = "))
         .Int(number);

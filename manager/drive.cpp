@@ -7,7 +7,7 @@
 
 DrivePath::DrivePath(WCHAR letter, const WCHAR* below) {
     FormatInto(text, std::size(text), TEXT("%c:"), letter);
-    // A root left alone would exist where the path below it does not.
+    // The bare root would exist even if the path below it does not.
     if (below != nullptr && !PathAppendW(text, below)) text[0] = 0;
 }
 
@@ -24,7 +24,7 @@ bool IsFixedDrive(WCHAR letter) {
 }
 
 void LogSearched(WCHAR letter, const WCHAR* found, const WCHAR* none) {
-    if (letter == TEXT('0')) {
+    if (letter == noLetter) {
         LogRecord(LOG_LEVEL_TRACE).Text(none);
     } else {
         LogRecord(LOG_LEVEL_TRACE).Text(found).Char(letter);

@@ -1,15 +1,15 @@
-// A drive by its letter: what kind it is, and the paths below its root.
+// Drives by letter: their type, and paths below their root.
 #pragma once
 
-#include "platform/windows_api.h"
+#include "base/drive_letter.h"
 
-// A path below a drive's root, "X:\sources\DVD", or the root itself, "X:". Empty when the platform cannot
-// join it; nothing exists there.
+// A path below a drive's root, "X:\sources\DVD", or the root itself, "X:". Empty if the platform cannot join
+// it; an empty path does not exist.
 struct DrivePath {
     WCHAR text[MAX_PATH + 1];
 
     explicit DrivePath(WCHAR letter, const WCHAR* below = nullptr);
-    // File or folder alike.
+    // Whether there is a file or folder.
     bool Exists() const;
 };
 
@@ -17,14 +17,14 @@ struct DrivePath {
 UINT DriveType(WCHAR letter);
 bool IsFixedDrive(WCHAR letter);
 
-// The first letter of A to Z for which the test holds; '0' without one.
+// The first letter of A to Z that passes the test; noLetter if none does.
 template <typename Test>
 WCHAR FirstLetter(Test test) {
     for (WCHAR letter = TEXT('A'); letter <= TEXT('Z'); ++letter) {
         if (test(letter)) return letter;
     }
-    return TEXT('0');
+    return noLetter;
 }
 
-// The record that ends a search for a letter: with the letter behind the text, or without one.
+// Writes the record that ends a search for a letter: `found` followed by the letter, or `none`.
 void LogSearched(WCHAR letter, const WCHAR* found, const WCHAR* none);

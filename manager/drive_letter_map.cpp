@@ -1,15 +1,16 @@
-// Which disk and partition the installed Windows' letters stand for: both systems remember, for each letter,
-// the data that identify its volume.
+// The disk and partition of each letter of the installed Windows: the registry of each system stores the data
+// that identify the volume of a letter.
 
 #include <algorithm>
 #include <iterator>
 #include <memory>
 #include <new>
 
+#include "base/drive_letter.h"
 #include "base/format.h"
 #include "base/wide_string.h"
 #include "device/owners.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"
 
@@ -24,7 +25,7 @@ constexpr const WCHAR* letterText =
 constexpr const WCHAR* recordText =
     TEXT("Kestova::GetWinDriveLetters      iDiskNum is %d     iPartNum is %d   cDriveLetter is %c");
 
-// The data of a value, which may have none; null when there is no such value or it could not be read.
+// The data of a value, possibly of length 0; null if there is no such value or it cannot be read.
 std::unique_ptr<BYTE[]> ReadValue(HKEY key, const WCHAR* name, DWORD& length) {
     if (RegQueryValueExW(key, name, nullptr, nullptr, nullptr, &length) != ERROR_SUCCESS) return nullptr;
     std::unique_ptr<BYTE[]> data(new (std::nothrow) BYTE[length]());
@@ -34,7 +35,7 @@ std::unique_ptr<BYTE[]> ReadValue(HKEY key, const WCHAR* name, DWORD& length) {
     return read ? std::move(data) : nullptr;
 }
 
-// Adds the letters that the map does not have.
+// Adds the letters that are not in the map yet.
 void ReadLetters(HKEY key, DeviceMap& devices) {
     for (WCHAR letter = TEXT('A'); letter <= TEXT('Z'); ++letter) {
         WCHAR name[32];
@@ -94,7 +95,7 @@ int Kestova::TransformDriveLetter(WCHAR cWindowsDriveLetter, WCHAR& cWinPEDriveL
                 .Char(cWinPEDriveLetter);
             break;
         }
-        cWinPEDriveLetter = TEXT('0');
+        cWinPEDriveLetter = noLetter;
         LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::TransformDriveLetter\t\tcWinPEDriveLetter is 0"));
     }
     LogRecord(LOG_LEVEL_TRACE)
@@ -110,17 +111,16 @@ int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
 
     const auto readBothSystems = [&]() -> int {
         if (!ReadRegistry(WideString(runningSystemKey).data())) {
-            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail."));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_ERROR,
+                              TEXT("Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail."), FALSE);
         }
         if (!LoadWindowsRegistry()) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT("Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed."));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_ERROR,
+                              TEXT("Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed."), FALSE);
         }
         if (!ReadRegistry(WideString(installedWindowsKey).data())) {
-            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters Read WINDOWS Registry fail."));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_TRACE,
+                              TEXT("Kestova::GetWinDriveLetters Read WINDOWS Registry fail."), FALSE);
         }
         return TRUE;
     };
@@ -128,10 +128,10 @@ int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
     const auto fillRecords = [&]() -> int {
         int filled = 0;
         for (const auto& [letter, data] : m_mapWinDrive) {
-            WCHAR running = TEXT('0');
+            WCHAR running = noLetter;
             const int known = TransformDriveLetter(letter, running);
             LogRecord(LOG_LEVEL_TRACE).String(StringFormat(letterText, letter, running));
-            if (!known || running == TEXT('0')) continue;
+            if (!known || running == noLetter) continue;
             if (filled >= count) return FALSE;
             tagDriveInfo_t& record = records[filled++];
             record = {GetDiskNumber(running), GetPartNumber(running), letter};

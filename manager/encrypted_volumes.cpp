@@ -1,5 +1,6 @@
-// Which volumes BitLocker has encrypted.
+// The volumes that BitLocker encrypts.
 
+#include "base/drive_letter.h"
 #include "device/encrypt_volume.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
@@ -7,7 +8,7 @@
 
 namespace {
 
-// Whether BitLocker could be asked; the record is empty if not asked.
+// Whether BitLocker could be queried; the record is empty without an encryption layer.
 BOOL Query(CEncryptVolume* encryption, tagEncryptVolume_t& record) {
     return encryption != nullptr && encryption->GetEncryptVolume(record);
 }
@@ -26,7 +27,7 @@ int Kestova::IsExistEncryptVolume() {
 WCHAR Kestova::GetEncryptVolume() {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetEncryptVolume\tStart"));
-    WCHAR letter = TEXT('0');
+    WCHAR letter = noLetter;
     tagEncryptVolume_t record;
     if (Query(m_pEncryptVolume, record) && record.VolumeCount == 1)
         letter = *record.strDriveLetter[0].c_str();

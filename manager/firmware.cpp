@@ -1,4 +1,4 @@
-// What kind of firmware the machine has.
+// Whether the firmware is UEFI or BIOS.
 
 #include "diag/log_record.h"
 #include "diag/module.h"
@@ -7,7 +7,7 @@
 int Kestova::IsEFIBootSystem() {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsEFIBootSystem\t\tStart"));
-    // No firmware has a variable without a name: UEFI refuses it, BIOS does not know the call at all.
+    // No firmware has a variable without a name: UEFI rejects it; on BIOS the function is not supported.
     char value[1000];
     const DWORD length = GetFirmwareEnvironmentVariableW(
         TEXT(""), TEXT("{00000000-0000-0000-0000-000000000000}"), value, sizeof value);

@@ -1,4 +1,4 @@
-// Which volume holds an installed Windows.
+// Which volume contains an installed Windows.
 
 #include <algorithm>
 #include <span>
@@ -14,7 +14,7 @@ namespace {
 constexpr const WCHAR* loader = TEXT("Windows\\System32\\Winload.exe");
 constexpr const WCHAR* loaderAndFolders[] = {TEXT("Windows"), TEXT("Windows\\System32"), loader};
 
-// While it lives, a 32-bit program on a 64-bit system sees the real System32.
+// In its scope, a 32-bit program on a 64-bit system sees the real System32.
 class WithoutRedirection {
   public:
     WithoutRedirection() {
@@ -74,6 +74,6 @@ int Kestova::IsOSVolume(WCHAR letter) {
 }
 
 WCHAR Kestova::GetOSVolume() {
-    // X: is the drive that Windows PE itself runs from.
+    // Windows PE runs from X:.
     return FirstLetter([&](WCHAR letter) { return letter != TEXT('X') && IsOSVolume(letter); });
 }

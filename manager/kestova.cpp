@@ -1,4 +1,4 @@
-// The manager object's life: what it owns, from construction to destruction.
+// Construction and destruction of the manager object, and Initialize.
 
 #include "manager/kestova.h"
 
@@ -6,13 +6,14 @@
 #include <new>
 #include <vector>
 
+#include "base/drive_letter.h"
 #include "base/format.h"
 #include "device/encrypt_volume.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "vds/vds_partition.h"
 
-// Part of the object's layout and lifetime; no operation uses one.
+// Part of the object's layout; no operation uses it.
 class CReservedObject {};
 
 namespace {
@@ -25,7 +26,7 @@ void Destroy(Owned*& owned) {
 
 }  // namespace
 
-Kestova::Kestova() {
+Kestova::Kestova() : m_cWinREDriveLetter(noLetter), m_cRcvDriveLetter(noLetter) {
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Kestova\tStart"));
     m_pEncryptVolume = new (std::nothrow) CEncryptVolume;
     m_pVDSPartition = new (std::nothrow) CVDSPartition;

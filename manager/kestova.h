@@ -1,4 +1,5 @@
-// The library's public interface: one class that knows and changes the recovery layout of the internal disk.
+// The library's public interface: one class that queries and changes the recovery layout of the internal
+// disk.
 #pragma once
 
 #include <map>
@@ -23,29 +24,30 @@ enum THardDiskType : int { HARD_DISK_UNKNOWN = 0, HARD_DISK_MBR = 1, HARD_DISK_G
 
 // Layout of the first internal disk.
 enum tagDiskTypeEnum : int {
-    DISK_TYPE_UNKNOWN = 0,              // undetermined, or an MBR disk whose partition 2 is not of ID 0x07
+    DISK_TYPE_UNKNOWN = 0,              // undetermined, or MBR and the ID of partition 2 is not 0x07
     DISK_TYPE_GPT_ESP = 1,              // GPT; partition 3 is the EFI system partition
     DISK_TYPE_GPT_OTHER = 2,            // GPT; partition 3 is anything else
     DISK_TYPE_MBR_SYSTEM_RESERVED = 3,  // MBR; partition 2 is labelled "System Reserved"
-    DISK_TYPE_MBR_OTHER = 4,            // MBR; partition 2 is of ID 0x07 under any other label
+    DISK_TYPE_MBR_OTHER = 4,            // MBR; partition 2 has the ID 0x07 and any other label
 };
 
-// Where the volume lies that the installed Windows calls by a letter.
+// The volume to which the installed Windows assigns a letter.
 struct tagDriveInfo_t {
-    int iDiskNum;        // as the running system counts; 255 when the volume tells none
-    int iPartNum;        // 0 when the volume tells none
+    int iDiskNum;        // in the running system; 255 if it could not be read
+    int iPartNum;        // 0 if it could not be read
     WCHAR cDriveLetter;  // the installed Windows' letter
 };
 
-// The data that a registry records for a drive letter.
+// The data that a registry stores for a drive letter.
 struct tagDeviceData_t {
     BYTE* pData;
     DWORD dwLength;  // bytes
 };
 
-// Create one object, call Initialize, then ask and change; every call is synchronous and nothing is thrown.
-// COM must be initialised on the calling thread. One object must not be used from two threads at once. A copy
-// shares the objects that its source owns, and the destructor of each frees them: destroy only one of a pair.
+// Create one object, call Initialize, then query and change. Every call is synchronous. Failures are returned
+// and never thrown, but if memory runs out, std::bad_alloc may leave a call. COM must be initialised on the
+// calling thread. One object must not be used from two threads at once. A copy shares the objects that its
+// source owns, and the destructor of each frees them: destroy only one of the two.
 class KESTOVA_API Kestova {
   public:
     Kestova();
@@ -53,124 +55,133 @@ class KESTOVA_API Kestova {
     ~Kestova();
     Kestova& operator=(const Kestova& other);
 
-    // Prepares COM security and loads the Virtual Disk Service: up to 20 attempts, a second apart. 1, or 0
-    // after the last. The argument is without effect. File and letter checks work without it.
+    // Sets COM security and loads the Virtual Disk Service: up to 20 attempts, one second apart. 0 if the
+    // last one failed, else 1. The argument has no effect. Checks of files and letters work without this
+    // call.
     int Initialize(bool reserved);
 
     // --- disks and partitions ---
 
-    // Number of the first internal disk; -1 when there is none.
+    // Number of the first internal disk; -1 if there is none.
     int GetFirstInternalDriveNumber();
-    // Partition style of the first internal disk, unknown when a query failed. 1; 0 only without a volume
-    // layer.
+    // Partition style of the first internal disk, unknown if a query failed. 0 only without a volume layer
+    // (memory ran out when the object was created), else 1.
     int GetDiskStyle(THardDiskType& style);
-    // Layout of the first internal disk, unknown when a query failed. Always 1.
+    // Layout of the first internal disk, unknown if a query failed. Always 1.
     int GetCurrentDiskType(tagDiskTypeEnum& type);
-    // Always 0, whatever the disk: no disk counts as dynamic.
+    // Always 0: no disk counts as dynamic.
     int IsDynamic();
-    // 1 on UEFI firmware, 0 on BIOS. Rests on the error of GetFirmwareEnvironmentVariableW.
+    // 1 on UEFI firmware, 0 on BIOS, by the error of GetFirmwareEnvironmentVariableW.
     int IsEFIBootSystem();
-    // Letter of a partition, the first in the alphabet that is a fixed drive on exactly one extent; '0'
-    // without one.
+    // Letter of a partition: the first of A to Z that is a fixed drive on exactly one extent; '0' if there is
+    // none.
     WCHAR GetDriveLetter(int disk, int partition);
-    // 1 when a partition is not for the user's eyes: on MBR one labelled "System Reserved", on GPT the
-    // maker's boot, EFI system and Microsoft reserved types, on a disk of unknown style every one. 0 also
-    // when it could not be looked at.
+    // 1 if a partition should be hidden from users: on MBR one labelled "System Reserved", on GPT one of the
+    // maker's boot, EFI system or Microsoft reserved type, on a disk of unknown style every one. Else 0, also
+    // if it cannot be read.
     int IsNeedHidePartition(int disk, int partition);
-    // 1 when a partition is the BIOS's hibernation partition (MBR ID 0x84), else 0.
+    // 1 if a partition is the BIOS's hibernation partition (MBR ID 0x84), else 0.
     int IsBIOSHibernationPartition(int disk, int partition);
-    // Gives a partition of the first internal disk the MBR ID 0x84. 0: done; 1: failed, also without a
-    // volume layer.
+    // Changes the MBR ID of a partition of the first internal disk to 0x84. 0 on success; 1 on failure, also
+    // without a volume layer.
     int SetBIOSHibernationPartitionID(int partition);
-    // Number of the active partition of the first internal disk; -1 when there is none.
+    // Number of the active partition of the first internal disk; -1 if there is none.
     int GetActivePartitionNumber();
-    // Sets the active flag of an MBR partition of the first internal disk; clears no other flag itself.
-    // 0: done; 1: failed. Also 0 when the object has no volume layer.
+    // Sets the active flag of an MBR partition of the first internal disk; clears no other flag itself. 0 on
+    // success, and without a volume layer; 1 on failure.
     int SetActive(int partition);
-    // Clears every active flag of the first internal disk. 0: done; 1: failed. Also 0 without a volume layer.
+    // Clears every active flag of the first internal disk. 0 on success, and without a volume layer; 1 on
+    // failure.
     int ClearActive();
 
     // --- recovery media and volumes ---
 
-    // Letter of the first volume labelled "Factory", in any case; '0' without one. Always 1.
+    // Letter of the first volume labelled "Factory", ignoring case; '0' if there is none. Always 1.
     int GetFactoryPrtDriveLetter(WCHAR& letter);
-    // Letter of the first recovery disc; '0' without one.
+    // Letter of the first recovery disc; '0' if there is none.
     WCHAR GetRCVDISC();
-    // Letter of the first recovery USB flash drive; '0' without one.
+    // Letter of the first recovery USB flash drive; '0' if there is none.
     WCHAR GetRCVUFD();
-    // 1 when a fixed drive holds the maker's bootable Windows RE files, else 0.
+    // 1 if the letter is a fixed drive with the maker's bootable Windows RE files, else 0.
     int IsWindowsRE(WCHAR letter);
-    // 1 when a fixed drive holds an installed Windows, or is encrypted, and so taken for one; else 0.
+    // 1 if the letter is a fixed drive with an installed Windows, or one that is encrypted, which counts as
+    // one; else 0.
     int IsVistaOS(WCHAR letter);
-    // 1 when the second internal disk bears the cache partition, else 0.
+    // 1 if the second internal disk has the cache partition, else 0.
     int IsCachePartitionForExpCacheExist();
 
     // --- letters on demand ---
     //
-    // Each acts on the first internal disk and expects an initialised object.
+    // Each works on the first internal disk and requires an initialised object.
 
-    // Gives partition 1 a letter, or reports the one it has, if it is of the maker's boot type. 0: done;
-    // otherwise the letter is left as it was: 101: the type could not be read; 113: another type; 105: the
-    // letter could not be given; 104: it is '0'.
+    // Assigns a letter to partition 1, or returns the one it has, if it is of the maker's boot type. 0 on
+    // success. Otherwise the letter is unchanged: 101: the type could not be read; 113: another type; 105:
+    // the letter could not be assigned; 104: it is '0'.
     int ActiveOrvoBootPartition(WCHAR& letter);
-    // Takes the letter of partition 1, whoever gave it. 0: done; 105: failed.
+    // Deletes the letter of partition 1, whoever assigned it. 0 on success; 105 on failure.
     int DisableOrvoBootPartition();
-    // As ActiveOrvoBootPartition, for partition 3 and the EFI system type.
+    // The same as ActiveOrvoBootPartition for partition 3 and the EFI system type.
     int ActiveGPTSystemPartition(WCHAR& letter);
-    // Takes the letter of partition 3, whoever gave it. 0: done; 105: failed.
+    // Deletes the letter of partition 3, whoever assigned it. 0 on success; 105 on failure.
     int DisableGPTSystemPartition();
-    // Always 1. Gives the recovery partition (GPT) a letter, or reports the one it has; '0' without one.
+    // Assigns a letter to the recovery partition (GPT), or returns the one it has; '0' if there is no such
+    // partition or no letter. Always 1.
     int AssignRecoveryPartition(WCHAR& letter);
-    // As AssignRecoveryPartition, for the Windows RE partition, which is partition 2 or none.
+    // The same as AssignRecoveryPartition for the Windows RE partition, which is partition 2 or none.
     int AssignWinREPartition(WCHAR& letter);
-    // Takes the letter of the partition that AssignRecoveryPartition last found, whoever gave it; nothing
-    // before that operation first told a letter.
+    // Deletes the letter of the partition that AssignRecoveryPartition found last, whoever assigned it. Does
+    // nothing before that operation first returned a letter.
     void RemoveRecoveryPartition();
-    // As RemoveRecoveryPartition, after AssignWinREPartition.
+    // The same as RemoveRecoveryPartition for AssignWinREPartition.
     void RemoveWinREPartition();
-    // 1 when AssignRecoveryPartition gives a letter, which stays until RemoveRecoveryPartition; else 0.
+    // 1 if AssignRecoveryPartition returns a letter, which stays until RemoveRecoveryPartition; else 0.
     int IsExistRcvprt();
 
     // --- encryption and the installed Windows ---
 
-    // 1 when BitLocker could be asked, even if it encrypts nothing; else 0.
+    // 1 if BitLocker can be queried, even if no volume is encrypted; else 0.
     int IsExistEncryptVolume();
-    // Letter of the only encrypted volume, as BitLocker writes it; NUL when it has none; '0' when there are
-    // none, or several, or BitLocker could not be asked.
+    // Letter of the only encrypted volume, in BitLocker's case; NUL if it has no letter; '0' if there is no
+    // encrypted volume or more than one, or BitLocker cannot be queried.
     WCHAR GetEncryptVolume();
-    // The letters of all encrypted volumes in upper case, one string, cut to size characters with its
-    // terminator; 33 hold every answer. 1; 0 with the empty string when BitLocker could not be asked.
+    // The letters of all encrypted volumes in upper case, as one string, truncated to size characters with
+    // its terminator; 33 are always enough. 0 and the empty string if BitLocker cannot be queried, else 1.
     int GetAllEncryptVolume(WCHAR* buffer, DWORD size);
-    // Disk and partition (always 3) of the EFI system partition; -1 and -1 without one, as on every MBR disk.
-    // The letter is always '0'. 0: asked; 100: no internal disk; 106: unknown partition style; 111: style
-    // unreadable; 115: type of partition 3 unreadable; 116: no volume layer.
+    // Disk and partition (always 3) of the EFI system partition; -1 and -1 if there is none, as on every MBR
+    // disk. The letter is always '0'. 0 on success, found or not; 100: no internal disk; 106: unknown
+    // partition style; 111: the style could not be read; 115: the type of partition 3 could not be read; 116:
+    // no volume layer.
     DWORD GetBitLockerSystemInfo(int& disk, int& partition, WCHAR& letter);
     // Disk, partition and letter of the installed Windows: partition 5 of a GPT disk whose partition 3 is the
-    // EFI system partition. -1, -1 and '0' with every other code than 0: 104: its partition has no letter,
-    // which is the answer on every other layout; 110: it holds no Windows; 111: style unreadable or unknown.
+    // EFI system partition. 0 on success. Otherwise -1, -1 and '0': 104: the partition has no letter, also on
+    // every other layout; 110: it contains no Windows; 111: the partition style could not be read or is
+    // unknown.
     DWORD GetVistaOSInfo(int& disk, int& partition, WCHAR& letter);
-    // Which disk and partition each letter of the installed Windows stands for, in ascending order, at most
-    // count records; those not filled keep what they held. 1; 0 when something failed or count was too small.
-    // Needs Windows PE's X: drive. Blocks up to 61 seconds: a hive is loaded and unloaded by `reg`, each at
-    // most three times 10.3 seconds.
+    // The disk and partition of each letter of the installed Windows, in ascending order, at most count
+    // records; those that are not filled are unchanged. 0 if a step failed or count was too small, else 1.
+    // Needs the X: drive of Windows PE. May wait 61.8 seconds: `reg` loads and unloads a hive, each in up to
+    // three attempts of up to 10 seconds and a pause of 0.3.
     int GetWinDriveLetters(tagDriveInfo_t* records, int count);
 
     // --- choosing what the machine boots ---
 
-    // Makes the recovery partition active and records the partition that was. 0: done, or it was active
-    // already; 1: no active partition could be read; 2: its number is unknown; 3: the recovery partition
-    // cannot be used: no letter, an unexpected type, or no recovery files; 4: the record could not be
-    // written; 5: the flag could not be set; deleting the record and setting the former flag again was tried.
+    // Makes the recovery partition active and records the one that was active before. 0 on success, or if it
+    // was active already; 1: no active partition could be read; 2: its number is unknown; 3: the recovery
+    // partition cannot be used: no letter, an unexpected type, or no recovery files; 4: the record could not
+    // be written; 5: the flag could not be set, and the operation tried to delete the record and to set the
+    // previous flag again.
     int SetRcvprtActive();
-    // Returns to the recorded partition, 2 without a usable record. 0: done, or nothing to do; 1 to 3 as
-    // SetRcvprtActive; 4: the flag could not be set; 5: the record could not be deleted.
+    // Makes the recorded partition active again, or partition 2 without a usable record, and deletes the
+    // record. 0 on success, or if there is nothing to do; 1 to 3: as for SetRcvprtActive; 4: the flag could
+    // not be set; 5: the record could not be deleted.
     int SetSystemActive();
-    // As SetRcvprtActive, and drops a record that says nothing usable or 2. 0 to 5 as there; 6: it could not
-    // be dropped.
+    // The same as SetRcvprtActive, but deletes a record that is unusable or contains 2. 0 to 5: as there; 6:
+    // the record could not be deleted.
     int SetPOneActive();
-    // Makes partition 2 active and deletes the record. 0: done; 1: the flag could not be set; setting
-    // partition 1 again was tried; 2: the recovery partition cannot be used: no letter, an unexpected type,
-    // or no recovery files; 3: the record could not be deleted. At 2 and 3 partition 2 is active already.
+    // Makes partition 2 active and deletes the record. 0 on success; 1: the flag could not be set, and the
+    // operation tried to make partition 1 active; 2: the recovery partition cannot be used: no letter, an
+    // unexpected type, or no recovery files; 3: the record could not be deleted. After 2 and 3 partition 2 is
+    // active.
     int SetPTwoActive();
 
   private:
@@ -178,12 +189,13 @@ class KESTOVA_API Kestova {
 
     std::basic_string<WCHAR> StringFormat(const WCHAR* format, ...);
 
-    // 255 when the volume tells no disk.
+    // 255 if it cannot be read.
     int GetDiskNumber(WCHAR letter);
-    // 0 when the volume tells no partition.
+    // 0 if it cannot be read.
     int GetPartNumber(WCHAR letter);
 
-    // Writes at most 260 characters, cut and terminated, to name; nothing when the name cannot be read (0).
+    // Writes at most 260 characters to name, truncated and terminated; 0 without writing if the name cannot
+    // be read.
     int GetVolumeName(WCHAR letter, WCHAR* name);
     int IsRCVVolume(WCHAR letter, int mediaType);
     int IsWinREVolume(WCHAR letter);
@@ -197,7 +209,7 @@ class KESTOVA_API Kestova {
     int IsExistWinREPartition(int& disk, int& partition, int& exists);
     int GetSystemVolumeIni(WCHAR* pszFile, DWORD dwFileNumberOfElements);
 
-    // 0 is success, unlike in the members around it.
+    // 0 is success, unlike in the neighbouring members.
     int LoadRegistry(const WCHAR* command);
     int LoadWindowsRegistry();
     int UnloadWindowsRegistry();
@@ -213,8 +225,8 @@ class KESTOVA_API Kestova {
     CReservedObject* m_pReserved2 = nullptr;
     DeviceMap m_mapWinDrive;
     DeviceMap m_mapPEDrive;
-    WCHAR m_cWinREDriveLetter = TEXT('0');
-    WCHAR m_cRcvDriveLetter = TEXT('0');
+    WCHAR m_cWinREDriveLetter;
+    WCHAR m_cRcvDriveLetter;
     int m_iWinREPartNumber = -1;
     int m_iRcvPartNumber = -1;
 };

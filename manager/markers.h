@@ -1,4 +1,4 @@
-// Files and folders that tell by being there what a volume is for.
+// Marker files and folders, whose presence identifies the purpose of a volume.
 #pragma once
 
 #include <span>
@@ -7,9 +7,9 @@
 
 struct Marker {
     const WCHAR* path;        // below the root
-    const WCHAR* missRecord;  // the path follows
+    const WCHAR* missRecord;  // followed by the path
     int level = LOG_LEVEL_TRACE;
 };
 
-// Whether all of them are there. The first one missing ends the search after its record.
+// Whether all of them exist; ends at the first one missing, after its record.
 bool HasMarkers(WCHAR letter, std::span<const Marker> markers);

@@ -1,23 +1,24 @@
-// Mounting the installed Windows' SYSTEM hive and taking it away again: `reg` does it, in a batch file that
-// the command interpreter of Windows PE runs.
+// Loads and unloads the SYSTEM hive of the installed Windows with `reg`, in a batch file that the command
+// interpreter of Windows PE runs.
 
 #include <string>
 
+#include "base/drive_letter.h"
 #include "base/wide_string.h"
 #include "device/owners.h"
 #include "manager/kestova.h"
 
 namespace {
 
-constexpr const WCHAR* batchFile = TEXT("X:\\LoadRegistry.bat");  // X: is the drive of Windows PE
+constexpr const WCHAR* batchFile = TEXT("X:\\LoadRegistry.bat");  // Windows PE runs from X:
 constexpr DWORD longestRun = 10'000;                              // milliseconds
 constexpr int attempts = 3;
 constexpr DWORD pause = 300;  // milliseconds, after every failed attempt
 
 enum BatchResult : int { BATCH_ENDED = 0, BATCH_FAILED = 1, BATCH_WITHOUT_PROCESS = 2 };
 
-// In the code page of the command interpreter; empty when the text could not be converted. The ANSI code page
-// gives the room: of a text that needs more of it than that, nothing is left.
+// The text in the code page of the command interpreter; empty if it cannot be converted. The buffer has the
+// length of the ANSI text, so a text that is longer in the OEM code page is empty as well.
 std::string InOemCodePage(const WideString& text) {
     const int size = WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, nullptr, 0, nullptr, nullptr);
     if (size <= 0) return {};
@@ -41,7 +42,7 @@ bool WriteBatch(const WCHAR* command) {
            written == bytes.size();
 }
 
-// What the command answers does not count, only that it comes to its end in time.
+// Only whether the command ends in time matters; its exit code is ignored.
 BatchResult RunBatch() {
     SHELLEXECUTEINFOW info = {};
     info.cbSize = sizeof info;
@@ -75,7 +76,7 @@ int Kestova::LoadRegistry(const WCHAR* command) {
 
 int Kestova::LoadWindowsRegistry() {
     const WCHAR letter = GetOSVolume();
-    if (letter == TEXT('0')) return FALSE;
+    if (letter == noLetter) return FALSE;
     const WideString command =
         StringFormat(TEXT("reg load HKLM\\TEMSYSTEM %c:\\Windows\\System32\\Config\\SYSTEM"), letter);
     return Retry([&] { return LoadRegistry(command.c_str()) == BATCH_ENDED; });

@@ -1,4 +1,4 @@
-// What a partition is for.
+// The purpose of a partition.
 
 #include "diag/log_record.h"
 #include "diag/module.h"

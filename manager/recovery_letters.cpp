@@ -1,16 +1,14 @@
-// Giving the recovery partition and the Windows RE partition a letter, and taking it again.
+// Assigning letters to the recovery and Windows RE partitions, and deleting them.
 
 #include "diag/log_record.h"
 #include "diag/module.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "vds/vds_partition.h"
 
 namespace {
 
-constexpr int noPartition = -1;
-constexpr WCHAR noLetter = TEXT('0');
-
-// What is written about one of the two partitions. Some texts name the other.
+// The records about one of the two partitions. Some texts name the other one.
 struct Lettering {
     const WCHAR* assign;
     const WCHAR* searchFailed;
@@ -44,13 +42,13 @@ constexpr Lettering winReLettering = {
     .removed = TEXT("Kestova::RemoveWinREPartition\tEnter.  "),
 };
 
-// What an assignment found last and the matching removal acts on.
+// The partition that an assignment found last, which the matching removal uses.
 struct Remembered {
     int& partition;
     WCHAR& letter;
 };
 
-// The partition is remembered before it is lettered, the letter only when it was given.
+// Stores the partition before lettering it, and the letter only once it is assigned.
 void AssignFound(CVDSPartition& partitions, const Lettering& row, int partition, Remembered remembered,
                  WCHAR& letter) {
     remembered.partition = partition;
@@ -67,7 +65,7 @@ int Assign(CVDSPartition* partitions, const Lettering& row, const Search& search
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(row.assign);
     letter = noLetter;
-    int disk = -1;
+    int disk = noDisk;
     int partition = noPartition;
     int exists = 0;
     if (!search(disk, partition, exists)) {
@@ -81,7 +79,7 @@ int Assign(CVDSPartition* partitions, const Lettering& row, const Search& search
     return 1;
 }
 
-// Forgets nothing: a second removal takes the letter of the same partition again.
+// Clears nothing: a second removal deletes the letter of the same partition again.
 void Remove(CVDSPartition* partitions, const Lettering& row, int partition, WCHAR letter) {
     ModuleContext context;
     LogRecord(LOG_LEVEL_TRACE).Text(row.remove);

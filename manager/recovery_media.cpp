@@ -1,4 +1,4 @@
-// Recovery media: the recovery partition, discs and USB flash drives that bear the maker's recovery files.
+// Recovery media: the recovery partition, discs and USB flash drives with the maker's recovery files.
 
 #include "manager/recovery_media.h"
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-// In the order in which they are tested, as everywhere below.
+// In the order of the tests, like the tables below.
 constexpr Marker recoveryMarkers[] = {
     {TEXT("sources\\Qelhdrcv.ini"), TEXT("Kestova::IsRCVVolume\tmiss QELHDRCVINI. szPath = ")},
     {TEXT("sources"), TEXT("Kestova::IsRCVVolume\tmiss SOURCES. szPath = ")},
@@ -21,11 +21,11 @@ constexpr Marker recoveryMarkers[] = {
     {TEXT("sources\\idf"), TEXT("Kestova::IsRCVVolume\tmiss IDF. szPath = ")},
 };
 
-// What tells one kind of media from another. Media of a kind that is not named may bear the flag or not: so
-// may a hard-disk volume the flag of a USB flash drive.
+// A file or folder that distinguishes kinds of media. For a kind that is neither required nor forbidden it is
+// optional, such as the flag of a USB flash drive for a hard-disk volume.
 struct MediaFlag {
     const WCHAR* path;
-    int required;      // the kind that must bear it
+    int required;      // the kind that must have it
     int forbidden[2];  // the kinds that must not
     const WCHAR* presentRecord;
     const WCHAR* missRecord;
@@ -57,7 +57,7 @@ std::optional<UINT> RequiredDriveType(int mediaType) {
     }
 }
 
-// False after the record.
+// False after a record.
 bool SuitsMedia(const MediaFlag& flag, WCHAR letter, int mediaType) {
     const DrivePath path(letter, flag.path);
     if (path.Exists()) {

@@ -1,5 +1,5 @@
-// What recovery media look like: the kinds of media and the files that mark them.
+// The kinds of recovery media.
 #pragma once
 
-// The kind of media that a volume is tested for; any other value tests neither drive type nor flags.
+// The kind that a volume is tested for; with any other value neither the drive type nor the flags are tested.
 enum : int { TYPE_HDD = 1, TYPE_DISC = 2, TYPE_UFD = 3 };

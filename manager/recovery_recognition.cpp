@@ -1,6 +1,7 @@
-// Whether a partition is the recovery or the Windows RE partition: both are of one GPT type, and their
-// contents tell them apart.
+// Whether a partition is the recovery or the Windows RE partition: both have the same GPT type and differ in
+// their contents.
 
+#include "base/drive_letter.h"
 #include "diag/log_record.h"
 #include "manager/kestova.h"
 #include "manager/recovery_media.h"
@@ -13,7 +14,7 @@ struct Message {
     const WCHAR* text;
 };
 
-// What is written about a kind of partition.
+// The records about a kind of partition.
 struct Recognition {
     const WCHAR* start;
     Message typeUnreadable;
@@ -67,14 +68,14 @@ bool IsOfRecoveryType(CVDSPartition* partitions, const Recognition& row) {
         Log(row.typeUnreadable);
         return false;
     }
-    if (!IsSameGuid(type, PARTITION_MSFT_RECOVERY_GUID)) {
+    if (type != PARTITION_MSFT_RECOVERY_GUID) {
         Log(row.otherType);
         return false;
     }
     return true;
 }
 
-// Runs the contents test on the volume behind a letter.
+// Runs the contents test on the volume of a letter.
 template <typename ContentsTest>
 int TestContents(const Recognition& row, WCHAR letter, const ContentsTest& matches) {
     const int match = matches(letter) ? 1 : 0;
@@ -82,7 +83,7 @@ int TestContents(const Recognition& row, WCHAR letter, const ContentsTest& match
     return match;
 }
 
-// The same on a partition without a letter, which has one meanwhile. Answers whether it could be inspected.
+// The same on a partition without a letter, which has one during the test. Returns whether it could be read.
 template <typename ContentsTest>
 int TestThroughTemporaryLetter(CVDSPartition& partitions, const Recognition& row, int partition,
                                const ContentsTest& matches, int& is) {
@@ -96,7 +97,7 @@ int TestThroughTemporaryLetter(CVDSPartition& partitions, const Recognition& row
     return lettered;
 }
 
-// Looks at the partition that is selected; disk and partition are its numbers.
+// Tests the selected partition, whose disk and partition numbers are given.
 template <typename ContentsTest>
 int Recognise(Kestova& kestova, CVDSPartition* partitions, const Recognition& row, int disk, int partition,
               const ContentsTest& matches, int& is) {
@@ -105,7 +106,7 @@ int Recognise(Kestova& kestova, CVDSPartition* partitions, const Recognition& ro
     is = 0;
     if (IsOfRecoveryType(partitions, row)) {
         const WCHAR letter = kestova.GetDriveLetter(disk, partition);
-        if (letter != TEXT('0')) {
+        if (letter != noLetter) {
             bRet = is = TestContents(row, letter, matches);
         } else {
             bRet = TestThroughTemporaryLetter(*partitions, row, partition, matches, is);

@@ -1,16 +1,15 @@
 // Finding the recovery partition and the Windows RE partition of the first internal disk.
 
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "vds/vds_partition.h"
 
 namespace {
 
-constexpr int none = -1;
-constexpr int winRePartition = 2;
 constexpr int partitionCapacity = 128;
 
-// What a search writes. Some texts name another operation or class than their own.
+// The records of a search. Some texts name another operation or class.
 struct Search {
     const WCHAR* start;
     int noVolumeLayerLevel;
@@ -50,34 +49,31 @@ constexpr Search winReSearch = {
     .exists = TEXT(" bExistWinREPartition: "),
 };
 
-bool Failed(const WCHAR* text, int level = LOG_LEVEL_ERROR) {
-    LogRecord(level).Text(text);
-    return false;
-}
-
 bool SelectFirstInternalDisk(CVDSPartition* partitions, const Search& row, int& disk) {
-    if (partitions == nullptr) return Failed(row.noVolumeLayer, row.noVolumeLayerLevel);
-    if (!partitions->GetFirstInternalDriveNumber(disk)) return Failed(row.noInternalDisk);
-    return partitions->SelectDisk(disk) || Failed(row.diskNotSelected);
+    if (partitions == nullptr) return LogFailure(row.noVolumeLayerLevel, row.noVolumeLayer, FALSE);
+    if (!partitions->GetFirstInternalDriveNumber(disk))
+        return LogFailure(LOG_LEVEL_ERROR, row.noInternalDisk, FALSE);
+    return partitions->SelectDisk(disk) || LogFailure(LOG_LEVEL_ERROR, row.diskNotSelected, FALSE);
 }
 
 bool SelectPartition(CVDSPartition& partitions, const Search& row, int partition) {
-    return partitions.SelectPartition(partition) || Failed(row.partitionNotSelected);
+    return partitions.SelectPartition(partition) ||
+           LogFailure(LOG_LEVEL_ERROR, row.partitionNotSelected, FALSE);
 }
 
-// Begins with nothing found, and ends with it unless the walk came to the partition. The record tells 0
-// where other operations tell their result, which is 1 here whatever was found.
+// Disk and partition are set only if the walk finds the partition. The End record contains 0 where other
+// operations write their result, which is always 1 here.
 template <typename Walk>
 int RunSearch(CVDSPartition* partitions, const Search& row, int& disk, int& partition, int& exists,
               const Walk& walk) {
     LogRecord(LOG_LEVEL_TRACE).Text(row.start);
-    disk = none;
-    partition = none;
+    disk = noDisk;
+    partition = noPartition;
     exists = 0;
     if (SelectFirstInternalDisk(partitions, row, disk)) walk(*partitions);
     if (!exists) {
-        disk = none;
-        partition = none;
+        disk = noDisk;
+        partition = noPartition;
     }
     LogRecord(LOG_LEVEL_TRACE)
         .Text(row.end)
@@ -97,7 +93,10 @@ int Kestova::IsExistRecoveryPartition(int& disk, int& partition, int& exists) {
     const auto walk = [&](CVDSPartition& partitions) {
         int numbers[partitionCapacity] = {};
         if (!partitions.GetTotalPartitionNumbers(numbers, partitionCapacity)) {
-            Failed(TEXT("Kestova Kestova::GetTotalPartitionNumbers\tGetTotalPartitionNumbers return false"));
+            LogFailure(
+                LOG_LEVEL_ERROR,
+                TEXT("Kestova Kestova::GetTotalPartitionNumbers\tGetTotalPartitionNumbers return false"),
+                FALSE);
             return;
         }
         for (const int number : numbers) {
@@ -105,7 +104,7 @@ int Kestova::IsExistRecoveryPartition(int& disk, int& partition, int& exists) {
             partition = number;
             if (!SelectPartition(partitions, recoverySearch, number)) continue;
             if (!IsRecoveryPartition(disk, number, exists)) {
-                Failed(recoverySearch.otherPartition);
+                LogFailure(LOG_LEVEL_ERROR, recoverySearch.otherPartition, FALSE);
             } else if (exists) {
                 return;
             }
@@ -116,9 +115,10 @@ int Kestova::IsExistRecoveryPartition(int& disk, int& partition, int& exists) {
 
 int Kestova::IsExistWinREPartition(int& disk, int& partition, int& exists) {
     const auto walk = [&](CVDSPartition& partitions) {
-        partition = winRePartition;
-        if (!SelectPartition(partitions, winReSearch, winRePartition)) return;
-        if (!IsWinREPartition(disk, winRePartition, exists)) Failed(winReSearch.otherPartition);
+        partition = gpt_layout::windowsRe;
+        if (!SelectPartition(partitions, winReSearch, gpt_layout::windowsRe)) return;
+        if (!IsWinREPartition(disk, gpt_layout::windowsRe, exists))
+            LogFailure(LOG_LEVEL_ERROR, winReSearch.otherPartition, FALSE);
     };
     return RunSearch(m_pVDSPartition, winReSearch, disk, partition, exists, walk);
 }

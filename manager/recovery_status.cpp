@@ -1,8 +1,9 @@
-// The check, and repair, of the recovery partition's MBR ID.
+// Checks the MBR ID of the recovery partition, and hides a visible one.
 
 #include "manager/recovery_status.h"
 
-#include "diag/log_record.h"
+#include "base/drive_letter.h"
+#include "diag/failure_record.h"
 #include "manager/kestova.h"
 #include "manager/recovery_media.h"
 #include "vds/vds_partition.h"
@@ -12,21 +13,21 @@ int Kestova::CheckMBRRcvprtStatus(int partition) {
         .Text(TEXT("Kestova::CheckMBRRcvprtStatus\t\tStart. iPartitionNumber = "))
         .Int(partition);
 
-    // A visible recovery partition is hidden; it keeps its files, and the letter is the platform's affair.
+    // Hides a visible recovery partition by its ID; files and letter stay.
     const auto hide = [&]() -> int {
         const WCHAR letter = GetDriveLetter(GetFirstInternalDriveNumber(), partition);
-        if (letter == TEXT('0')) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT("Kestova::CheckMBRRcvprtStatus\tGETLETTER_FAILED. _T('0') == cDriveLetter"));
-            return GETLETTER_FAILED;
+        if (letter == noLetter) {
+            return LogFailure(
+                LOG_LEVEL_ERROR,
+                TEXT("Kestova::CheckMBRRcvprtStatus\tGETLETTER_FAILED. _T('0') == cDriveLetter"),
+                GETLETTER_FAILED);
         }
         if (!IsRCVVolume(letter, TYPE_HDD)) {
-            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::CheckMBRRcvprtStatus\tNO_RCVPRT"));
-            return NO_RCVPRT;
+            return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::CheckMBRRcvprtStatus\tNO_RCVPRT"), NO_RCVPRT);
         }
         if (!m_pVDSPartition->ChangePartitionType(partition, MBR_ID_HIDDEN_RECOVERY)) {
-            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::CheckMBRRcvprtStatus\tCHANGEID_FAILED"));
-            return CHANGEID_FAILED;
+            return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::CheckMBRRcvprtStatus\tCHANGEID_FAILED"),
+                              CHANGEID_FAILED);
         }
         return RCVPRT_READY;
     };
@@ -34,9 +35,9 @@ int Kestova::CheckMBRRcvprtStatus(int partition) {
     const auto check = [&]() -> int {
         BYTE type = MBR_ID_NONE;
         if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetPartitionType(partition, type)) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT("Kestova::CheckMBRRcvprtStatus\tGetPartitionType return FALSE"));
-            return GETTYPE_FAILED;
+            return LogFailure(LOG_LEVEL_ERROR,
+                              TEXT("Kestova::CheckMBRRcvprtStatus\tGetPartitionType return FALSE"),
+                              GETTYPE_FAILED);
         }
         switch (type) {
             case MBR_ID_NTFS:

@@ -3,7 +3,8 @@
 #include "base/format.h"
 #include "base/scan.h"
 #include "base/wide_string.h"
-#include "diag/log_record.h"
+#include "diag/failure_record.h"
+#include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "manager/recovery_media.h"
 #include "vds/vds_partition.h"
@@ -45,34 +46,31 @@ int Kestova::GetSystemVolumeIni(WCHAR* pszFile, DWORD dwFileNumberOfElements) {
             return FALSE;
         }
         if (style == HARD_DISK_GPT) {
-            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::GetSystemVolumeIni does support GPT."));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::GetSystemVolumeIni does support GPT."), FALSE);
         }
         if (style != HARD_DISK_MBR) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT("Kestova::GetSystemVolumeIni\tGetDiskStyle\tPARTITION_TYPE_NONE"));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_ERROR,
+                              TEXT("Kestova::GetSystemVolumeIni\tGetDiskStyle\tPARTITION_TYPE_NONE"), FALSE);
         }
-        if (const int nReturn = CheckMBRRcvprtStatus(1); nReturn != 0) {
+        if (const int nReturn = CheckMBRRcvprtStatus(mbr_layout::recovery); nReturn != 0) {
             LogRecord(LOG_LEVEL_TRACE)
                 .Text(TEXT("Kestova::GetSystemVolumeIni\tCheckRcvprtStatus\tError. nReturn = "))
                 .Int(nReturn);
             return FALSE;
         }
-        if (!m_pVDSPartition->SetDriveLetter(1, FLAG_ASSIGN)) {
-            LogRecord(LOG_LEVEL_TRACE)
-                .Text(TEXT("Kestova::GetSystemVolumeIni\tSetDriveLetter\tFLAG_ASSIGN\tError"));
-            return FALSE;
+        if (!m_pVDSPartition->SetDriveLetter(mbr_layout::recovery, FLAG_ASSIGN)) {
+            return LogFailure(LOG_LEVEL_TRACE,
+                              TEXT("Kestova::GetSystemVolumeIni\tSetDriveLetter\tFLAG_ASSIGN\tError"), FALSE);
         }
         const WCHAR letter = m_pVDSPartition->GetDriveLetter();
-        if (letter == TEXT('0')) {
-            // Succeeds all the same, with the caller's buffer as it was.
+        if (letter == noLetter) {
+            // Returns TRUE nevertheless; the caller's buffer is unchanged.
             LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetSystemVolumeIni\tGetDriveLetter\tError"));
             return TRUE;
         }
         if (!IsRCVVolume(letter, TYPE_HDD)) {
-            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetSystemVolumeIni\tIsRCVVolume\tError"));
-            return FALSE;
+            return LogFailure(LOG_LEVEL_TRACE, TEXT("Kestova::GetSystemVolumeIni\tIsRCVVolume\tError"),
+                              FALSE);
         }
         FormatInto(pszFile, dwFileNumberOfElements, TEXT("%c:\\"), letter);
         PathAppendW(pszFile, TEXT("SystemVolume.ini"));

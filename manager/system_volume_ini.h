@@ -1,10 +1,10 @@
-// SystemVolume.ini on the recovery partition: which partition was active before the recovery partition.
+// SystemVolume.ini on the recovery partition: the number of the partition that was active before it.
 #pragma once
 
 #include "platform/windows_api.h"
 
-// Writes the number ("%d") under [System] Active; creates the file. False when it could not be written.
+// Writes the number ("%d") as Active in [System], and creates the file. False if that fails.
 bool RecordActivePartition(const WCHAR* file, int partition);
 
-// Reads the number back. False when the file, the key or a number in it is missing.
+// Reads the number. False if the file or the key is missing, or the value is not a number.
 bool ReadRecordedPartition(const WCHAR* file, int& partition);

@@ -1,4 +1,4 @@
-// Volumes by their names.
+// Volume names.
 
 #include "base/format.h"
 #include "base/wide_string.h"

@@ -39,7 +39,7 @@ int Kestova::IsWinREVolume(WCHAR letter) {
     } else {
         bRet = HasMarkers(letter, volumeMarkers);
     }
-    // Says so whatever the result.
+    // The text is the same whatever the result.
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsRCVVolume     End return true"));
     return bRet;
 }

@@ -1,5 +1,5 @@
-// What the platform's published tables say, for 64 and 32 bits: sizes, offsets, identifiers, control codes.
-// It is compiled in every build and does nothing else.
+// Compile-time checks against the platform's published tables, for 64 and 32 bits: sizes, offsets,
+// identifiers, control codes. Every build compiles this file; it generates no code.
 
 #include <cstddef>
 
@@ -15,7 +15,7 @@ constexpr unsigned HexDigit(char digit) {
     return static_cast<unsigned>(digit <= '9' ? digit - '0' : digit - 'a' + 10);
 }
 
-// The number that text's hexadecimal digits make.
+// The number that a text of hexadecimal digits represents.
 constexpr unsigned Hex(const char* text, int digits) {
     unsigned value = 0;
     for (int i = 0; i < digits; i++)
@@ -23,7 +23,7 @@ constexpr unsigned Hex(const char* text, int digits) {
     return value;
 }
 
-// Whether an identifier is the one that is written so: "9c38ed61-d565-4728-aeee-c80952f0ecde".
+// Whether a GUID equals its text form, "9c38ed61-d565-4728-aeee-c80952f0ecde".
 constexpr bool Is(const GUID& id, const char* text) {
     bool same = id.Data1 == Hex(text, 8) && id.Data2 == Hex(text + 9, 4) && id.Data3 == Hex(text + 14, 4);
     for (size_t i = 0; i < 8; i++)
@@ -192,7 +192,7 @@ static_assert(offsetof(PARTITION_INFORMATION_GPT, PartitionId) == 16);
 static_assert(offsetof(PARTITION_INFORMATION_GPT, Attributes) == 32);
 static_assert(offsetof(PARTITION_INFORMATION_GPT, Name) == 40);
 
-// --- what device set-up and WMI exchange ---
+// --- structures of device set-up and WMI ---
 
 static_assert(SPDRP_LOCATION_INFORMATION == 13);
 static_assert(sizeof(SP_DEVINFO_DATA) == Bits64Or32(32, 28));

@@ -1,11 +1,11 @@
-// Each method stands in its published slot, counted after the three of IUnknown, for 64 and 32 bits. It is
-// compiled in every build and does nothing else.
+// Compile-time checks that each method is in its published slot, counted after the three of IUnknown, for 64
+// and 32 bits. Every build compiles this file; it generates no code.
 
 #include <cstring>
 
 #include "platform/vds.h"
 
-// A call that stays in the program stops the compilation; the optimiser drops it where the slot is right.
+// Compilation fails if a call of this remains; the optimiser removes it where the slot is right.
 [[gnu::error("a method does not stand in its published slot")]] void StandsInAnotherSlot();
 
 namespace {

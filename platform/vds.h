@@ -1,6 +1,6 @@
 // The Virtual Disk Service: the interfaces, records and identifiers that the toolchains' headers lack or
-// declare wrongly. Slots, layouts and values are those of the published headers; layout_checks.cpp holds
-// them.
+// declare wrongly. Slots, layouts and values are those of the published headers; layout_checks.cpp and
+// slot_checks.cpp check them.
 #pragma once
 
 #include <cstddef>
@@ -87,7 +87,7 @@ enum VDS_FILE_SYSTEM_TYPE : int {
     VDS_FST_EXFAT = 7,
 };
 
-// Values of fields that are only carried through: plain numbers, named where something reads or writes them.
+// Fields that are only passed on: plain numbers, with a name for each value that is read or written.
 using VDS_DISK_STATUS = int;
 using VDS_LUN_RESERVE_MODE = int;
 using VDS_HEALTH = int;
@@ -196,7 +196,7 @@ struct VDS_FILE_SYSTEM_PROP {
     LPWSTR pwszLabel;
 };
 
-// The types of the unions' members have names of their own, since clang takes no unnamed ones there.
+// The members of the unions have named types: clang rejects unnamed ones here.
 struct CHANGE_ATTRIBUTES_PARAMETERS {
     struct MBR_PART_INFO {
         BOOLEAN bootIndicator;
@@ -225,7 +225,7 @@ struct CHANGE_PARTITION_TYPE_PARAMETERS {
     };
 };
 
-// Records that only unused methods exchange.
+// Records that only unused methods take or return.
 struct VDS_SERVICE_PROP;
 struct VDS_DRIVE_LETTER_PROP;
 struct VDS_FILE_SYSTEM_TYPE_PROP;
@@ -237,8 +237,8 @@ struct CREATE_PARTITION_PARAMETERS;
 
 // --- interfaces ---
 
-// Every method stands in its published slot. Object ids go by value. Interfaces handed out belong to the
-// receiver.
+// Every method is in its published slot. Object ids are passed by value. The caller releases every interface
+// that a method returns.
 
 struct IVdsAsync;
 struct IVdsProvider;

@@ -1,11 +1,11 @@
-// The platform's headers in the one order that compiles with every toolchain, plus the few declarations that
-// some of them lack. Everything that calls Windows includes this file and no system header of its own.
+// The platform's headers, in an order that compiles with every toolchain, and the few declarations that some
+// of them lack. Code that calls Windows includes this file instead of any system header.
 #pragma once
 
 #include <windows.h>
-// windows.h renames every method that bears this name; the VDS and WMI interfaces have one each.
+// windows.h renames every method of this name; VDS and WMI have one each.
 #undef GetObject
-// The next ones rely on the types of windows.h.
+// These use the types of windows.h.
 #include <ntddscsi.h>
 #include <ntddstor.h>
 #include <objbase.h>
@@ -16,7 +16,8 @@
 #include <winioctl.h>
 
 #ifndef _WIN32
-// What the Wine headers lack: records of the partition controls, laid out as in winioctl.h, and a call.
+// Missing from the Wine headers: the structures of the partition controls, laid out as in winioctl.h, and a
+// function.
 
 enum PARTITION_STYLE { PARTITION_STYLE_MBR, PARTITION_STYLE_GPT, PARTITION_STYLE_RAW };
 

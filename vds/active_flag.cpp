@@ -29,6 +29,13 @@ constexpr FirstDiskTexts getTexts = {
     .noPartitions = {TEXT("Kestova CVDSPartition::GetActivePartitionNumber\tQueryPartitions return false.")},
 };
 
+constexpr FailureText setRefused = {
+    TEXT("Kestova CVDSPartition::SetActive ChangeAttributes error. hResult = "), LoggedCodes::Result};
+
+constexpr FailureText clearRefused = {
+    TEXT("Kestova CVDSPartition::ClearActive\tChangeAttributes error.hResult = "),
+    LoggedCodes::ResultAndLastError, TEXT(" GetLastError: ")};
+
 HRESULT ChangeActiveFlag(IVdsAdvancedDisk& disk, const VDS_PARTITION_PROP& partition, BOOLEAN indicator) {
     CHANGE_ATTRIBUTES_PARAMETERS parameters = {};
     parameters.style = VDS_PST_MBR;
@@ -49,9 +56,7 @@ BOOL CVDSPartition::SetActive(int partitionNumber) {
         }
         const HRESULT hResult = ChangeActiveFlag(*m_pVdsAdvancedDisk, partition, TRUE);
         if (hResult != S_OK) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT("Kestova CVDSPartition::SetActive ChangeAttributes error. hResult = "))
-                .Long(hResult);
+            LogFailure(LOG_LEVEL_ERROR, setRefused, hResult);
             return FALSE;
         }
         bFind = TRUE;
@@ -66,13 +71,8 @@ BOOL CVDSPartition::ClearActive() {
     for (const VDS_PARTITION_PROP& partition : partitions.Records()) {
         if (partition.PartitionStyle != VDS_PST_MBR || partition.Mbr.bootIndicator == 0) continue;
         const HRESULT hResult = ChangeActiveFlag(*m_pVdsAdvancedDisk, partition, FALSE);
-        const DWORD lastError = GetLastError();
         if (hResult != S_OK) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT("Kestova CVDSPartition::ClearActive\tChangeAttributes error.hResult = "))
-                .Long(hResult)
-                .Text(TEXT(" GetLastError: "))
-                .ULong(lastError);
+            LogFailure(LOG_LEVEL_ERROR, clearRefused, hResult);
             return FALSE;
         }
     }

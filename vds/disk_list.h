@@ -1,4 +1,4 @@
-// The list of all disks, held for the time of one operation.
+// The list of all disks, freed at the end of its scope.
 #pragma once
 
 #include <cstdlib>
@@ -13,8 +13,8 @@ class DiskList {
     DiskList(const DiskList&) = delete;
     DiskList& operator=(const DiskList&) = delete;
 
-    // Fills the list, once. The code of CVDSEx::QueryDisks; on a failure the list stays empty, for the array
-    // that was handed out is freed already.
+    // Fills the list; call it once. The code of CVDSEx::QueryDisks; after a failure the list is empty, since
+    // QueryDisks has freed the array already.
     HRESULT Query(IVdsService* service) {
         VDS_DISK_PROP* disks = nullptr;
         LONG count = 0;

@@ -2,7 +2,7 @@
 #include "base/scan.h"
 #include "base/wide_string.h"
 #include "vds/disk_list.h"
-#include "vds/failure_record.h"
+#include "vds/service_check.h"
 #include "vds/vds_ex.h"
 #include "vds/vds_partition.h"
 
@@ -56,7 +56,7 @@ BOOL CVDSPartition::SelectDisk(int diskNumber) {
     DiskList disks;
     HRESULT hResult = disks.Query(m_pVdsService);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noDisks, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noDisks, hResult);
         return FALSE;
     }
     const VDS_DISK_PROP* const chosen = FindDisk(disks.Disks(), diskNumber);
@@ -65,12 +65,12 @@ BOOL CVDSPartition::SelectDisk(int diskNumber) {
     m_DiskProp = *chosen;
     hResult = CVDSEx::GetVdsDisk(m_pVdsService, m_DiskProp.id, &m_pVdsDisk);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noDisk, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noDisk, hResult);
         return FALSE;
     }
     hResult = CVDSEx::GetVdsAdvancedDisk(m_pVdsService, m_DiskProp.id, &m_pVdsAdvancedDisk);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noAdvancedDisk, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noAdvancedDisk, hResult);
         return FALSE;
     }
     return TRUE;

@@ -1,12 +1,9 @@
-// Reading, giving and taking the drive letter of a partition of the first internal disk.
-#include <algorithm>
-
+// Reading, assigning and deleting the drive letter of a partition of the first internal disk.
 #include "base/wide_string.h"
 #include "vds/first_disk_query.h"
 
 namespace {
 
-constexpr WCHAR noLetter = TEXT('0');
 constexpr DWORD driveStringUnits = 1024;
 
 constexpr FirstDiskTexts beginTexts = {
@@ -18,16 +15,11 @@ constexpr FirstDiskTexts beginTexts = {
                      LoggedCodes::Result},
 };
 
-constexpr BYTE letterableIds[] = {MBR_ID_HIDDEN_RECOVERY, MBR_ID_OEM_RECOVERY};
-constexpr GUID letterableTypes[] = {PARTITION_MSFT_RECOVERY_GUID, PARTITION_BASIC_DATA_GUID,
-                                    PARTITION_SYSTEM_GUID, ORVOBOOT_GUID};
-
-// Both styles keep their type at the same place, and no GUID of the list begins with an ID of the other.
+// Both fields of the type are tested whatever the partition's style is: they share their first byte, and no
+// type GUID of the table begins with a letterable MBR ID.
 bool CanHaveLetter(const VDS_PARTITION_PROP& partition) {
-    return std::ranges::find(letterableIds, partition.Mbr.partitionType) != std::end(letterableIds) ||
-           std::ranges::any_of(letterableTypes, [&](const GUID& type) {
-               return IsSameGuid(partition.Gpt.partitionType, type);
-           });
+    return PartitionTypeOf(partition.Mbr.partitionType).letterable ||
+           PartitionTypeOf(partition.Gpt.partitionType).letterable;
 }
 
 bool IsLetter(WCHAR unit) {
@@ -63,10 +55,12 @@ BOOL CVDSPartition::SetDriveLetter(int partitionNumber, int flag) {
     const HRESULT hResult = m_pVdsAdvancedDisk->GetDriveLetter(offset, &m_cDriveLetter);
     const DWORD lastError = GetLastError();
     if (hResult != S_OK) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT(
-                "Kestova CVDSPartition::SetDriveLetter m_pVdsAdvancedDisk->GetDriveLetter error. hResult = "))
-            .Long(hResult);
+        LogFailure(
+            LOG_LEVEL_TRACE,
+            {TEXT(
+                 "Kestova CVDSPartition::SetDriveLetter m_pVdsAdvancedDisk->GetDriveLetter error. hResult = "),
+             LoggedCodes::Result},
+            hResult);
     }
     if (!IsLetter(m_cDriveLetter)) m_cDriveLetter = noLetter;
     if (flag == FLAG_ASSIGN) return AssignLetter(offset);
@@ -84,9 +78,8 @@ BOOL CVDSPartition::FindLetterablePartition(int partitionNumber, ULONGLONG& offs
     if (!QueryFirstDisk(*this, beginTexts, partitions)) return FALSE;
     const VDS_PARTITION_PROP* const partition = FindPartition(partitions, partitionNumber);
     if (partition == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::SetDriveLetter does not find the partition."));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CVDSPartition::SetDriveLetter does not find the partition."), FALSE);
     }
     if (partition->PartitionStyle != VDS_PST_MBR && partition->PartitionStyle != VDS_PST_GPT) {
         LogRecord(LOG_LEVEL_ERROR)
@@ -126,9 +119,10 @@ BOOL CVDSPartition::AssignLetter(ULONGLONG offset) {
         LogRecord(LOG_LEVEL_ERROR)
             .Text(TEXT("Kestova CVDSPartition::SetDriveLetter AssignDriveLetter DriveLetter = "))
             .Char(m_cDriveLetter);
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::SetDriveLetter AssignDriveLetter hResult = "))
-            .Long(hResult);
+        LogFailure(
+            LOG_LEVEL_ERROR,
+            {TEXT("Kestova CVDSPartition::SetDriveLetter AssignDriveLetter hResult = "), LoggedCodes::Result},
+            hResult);
         return FALSE;
     }
     LogEnd();

@@ -1,16 +1,16 @@
-// How the operations on the partitions of the first internal disk begin: a service that is ready, then the
-// list of the disk's partitions.
+// The first steps of every operation on the partitions of the first internal disk: check that the service is
+// ready, then list the partitions.
 #pragma once
 
-#include "vds/failure_record.h"
 #include "vds/service_array.h"
+#include "vds/service_check.h"
 #include "vds/vds_partition.h"
 
-// What an operation writes when it cannot begin.
+// What an operation writes if one of these steps fails.
 struct FirstDiskTexts {
     ServiceTexts service;
-    FailureText noPartitions;  // at the level of the service's texts; its result code is FALSE
+    FailureText noPartitions;  // at the level of the service's texts, with the result FALSE
 };
 
-// TRUE with the partitions of the first internal disk, or FALSE after the record.
+// The partitions of the first internal disk. FALSE after the record of the step that failed.
 BOOL QueryFirstDisk(CVDSPartition& partition, const FirstDiskTexts& texts, PartitionList& partitions);

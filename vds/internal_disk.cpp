@@ -1,9 +1,10 @@
-// Which disks are the internal ones. Installed Windows: the first is the one that Windows runs from. Windows
-// PE: IDE.INI and CDiskDrive decide, or else the lowest number; the second is the smallest.
+// Which disks are the internal ones. In installed Windows the first is the one that Windows runs from. In
+// Windows PE it is the choice of IDE.INI and CDiskDrive if that file exists, else the lowest number; the
+// second is the smallest.
 #include "device/disk_drive.h"
 #include "device/ide_ini.h"
 #include "vds/disk_list.h"
-#include "vds/failure_record.h"
+#include "vds/service_check.h"
 #include "vds/vds_partition.h"
 
 namespace {
@@ -28,14 +29,19 @@ constexpr ServiceTexts secondService = {
 constexpr FailureText secondNoDisks = {
     TEXT("Kestova CVDSPartition::GetSecondInternalDriveNumber CVDSEx::QueryDisks S_OK != hResult")};
 
-// A disk that was chosen, and where it stands in the list of disks.
+constexpr FailureText secondNoNumber = {
+    TEXT(
+        "Kestova CVDSPartition::GetSecondInternalDriveNumber GetPhysicalDriveNumber S_OK != hResult. hResult="),
+    LoggedCodes::ResultAndLastError, TEXT("GetLastError=")};
+
+// A chosen disk, and its index in the list of disks.
 struct Candidate {
     int number = -1;
     int targetLocation = 0;  // 1: its location is a Target Id of bus 6
-    size_t position = 0;     // the list's beginning as long as the disk was not met
+    size_t position = 0;     // 0 until the disk is found in the list
 };
 
-// What decides about the first internal disk. Only IDE.INI brings a second candidate.
+// The search for the first internal disk. Only IDE.INI produces a second candidate.
 struct FirstDiskSearch {
     bool windowsPe;
     bool settingFile;
@@ -90,7 +96,7 @@ bool ChooseBySettingFile(Candidate& first, Candidate& second) {
     return IsNumber(first.number);
 }
 
-// False after the record when there is no candidate; without IDE.INI Windows PE chooses from the list.
+// False after the record if there is no candidate. In Windows PE without IDE.INI the list decides later.
 bool Choose(FirstDiskSearch& search) {
     if (!search.windowsPe) return ChooseInWindows(search.first.number);
     LogRecord(LOG_LEVEL_TRACE)
@@ -101,7 +107,7 @@ bool Choose(FirstDiskSearch& search) {
     return true;
 }
 
-// Looks at one eligible disk of the list. Whether it is the first internal one as far as is known.
+// Tests one eligible disk of the list: whether it is the first internal one among those tested so far.
 bool IsFirstDisk(FirstDiskSearch& search, int nDiskNumber, size_t position) {
     if (search.windowsPe) {
         LogRecord(LOG_LEVEL_TRACE)
@@ -121,7 +127,7 @@ bool IsFirstDisk(FirstDiskSearch& search, int nDiskNumber, size_t position) {
     return true;
 }
 
-// Walks the list. Whether a disk of it is the first internal one; its id is stored.
+// Walks the list; whether it contains the first internal disk, whose id is stored.
 BOOL MatchDisks(CVDSPartition& partition, std::span<const VDS_DISK_PROP> disks, FirstDiskSearch& search,
                 GUID& firstDiskId) {
     BOOL bFind = FALSE;
@@ -167,7 +173,7 @@ BOOL CVDSPartition::GetFirstInternalDriveNumber(int& diskNumber) {
     DiskList list;
     const HRESULT hResult = list.Query(m_pVdsService);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, firstNoDisks, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, firstNoDisks, hResult);
         return FALSE;
     }
     const std::span<const VDS_DISK_PROP> disks = list.Disks();
@@ -206,7 +212,7 @@ int CVDSPartition::FindSmallestDisk() {
     DiskList list;
     const HRESULT hResult = list.Query(m_pVdsService);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, secondNoDisks, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, secondNoDisks, hResult);
         return -1;
     }
     int smallest = -1;
@@ -215,14 +221,8 @@ int CVDSPartition::FindSmallestDisk() {
         if (disk.dwDeviceType != FILE_DEVICE_DISK || !IsInternalBus(disk.BusType)) continue;
         int nDiskNumber = -1;
         const BOOL parsed = GetPhysicalDriveNumber(disk.pwszName, nDiskNumber);
-        const DWORD lastError = GetLastError();
         if (!parsed) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT(
-                    "Kestova CVDSPartition::GetSecondInternalDriveNumber GetPhysicalDriveNumber S_OK != hResult. hResult="))
-                .Long(parsed)
-                .Text(TEXT("GetLastError="))
-                .ULong(lastError);
+            LogFailure(LOG_LEVEL_ERROR, secondNoNumber, parsed);
             continue;
         }
         if (smallestSize != 0 && disk.ullSize >= smallestSize) continue;

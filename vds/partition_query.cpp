@@ -32,7 +32,7 @@ constexpr FailureText noTotalPartitions = {
 
 bool IsExpCache(const VDS_PARTITION_PROP& partition) {
     if (partition.PartitionStyle == VDS_PST_GPT) {
-        return IsSameGuid(partition.Gpt.partitionType, EXPCACHE_PARTITION_GUID);
+        return partition.Gpt.partitionType == EXPCACHE_PARTITION_GUID;
     }
     return partition.PartitionStyle == VDS_PST_MBR && partition.Mbr.partitionType == MBR_ID_CACHE;
 }
@@ -43,29 +43,28 @@ BOOL CVDSPartition::QueryPartitions(VDS_PARTITION_PROP** partitions, LONG* count
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova CVDSPartition::QueryPartitions Start"));
     m_pVdsAdvancedDisk = nullptr;
     if (!GetFirstInternalDriveNumber(m_DiskNumber)) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::QueryPartitions GetFirstInternalDriveNumber return FALSE"));
-        return FALSE;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT("Kestova CVDSPartition::QueryPartitions GetFirstInternalDriveNumber return FALSE"), FALSE);
     }
     if (m_DiskNumber == -1) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(
-                TEXT("Kestova CVDSPartition::QueryPartitions GetFirstInternalDriveNumber m_DiskNumber = -1"));
-        return FALSE;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT("Kestova CVDSPartition::QueryPartitions GetFirstInternalDriveNumber m_DiskNumber = -1"),
+            FALSE);
     }
     HRESULT hResult = CVDSEx::GetVdsAdvancedDisk(m_pVdsService, m_FirstDiskId, &m_pVdsAdvancedDisk);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noFirstDisk, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noFirstDisk, hResult);
         return FALSE;
     }
     if (m_pVdsAdvancedDisk == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::QueryPartitions m_pVdsAdvancedDisk is NULL"));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CVDSPartition::QueryPartitions m_pVdsAdvancedDisk is NULL"), FALSE);
     }
     hResult = m_pVdsAdvancedDisk->QueryPartitions(partitions, count);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noFirstPartitions, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noFirstPartitions, hResult);
         return FALSE;
     }
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova CVDSPartition::QueryPartitions End"));
@@ -82,52 +81,53 @@ BOOL CVDSPartition::QuerySecondPartitions(VDS_PARTITION_PROP** partitions, LONG*
 BOOL CVDSPartition::ReadSecondPartitions(VDS_PARTITION_PROP** partitions, LONG* count) {
     int diskNumber = -1;
     if (!GetSecondInternalDriveNumber(diskNumber)) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CVDSPartition::QuerySecondPartitions GetSecondInternalDriveNumber return FALSE"));
-        return FALSE;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT("Kestova CVDSPartition::QuerySecondPartitions GetSecondInternalDriveNumber return FALSE"),
+            FALSE);
     }
     if (diskNumber == -1) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CVDSPartition::QuerySecondPartitions GetSecondInternalDriveNumber m_DiskNumber = -1"));
-        return FALSE;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT(
+                "Kestova CVDSPartition::QuerySecondPartitions GetSecondInternalDriveNumber m_DiskNumber = -1"),
+            FALSE);
     }
     ComPtr<IVdsAdvancedDisk> disk;
     HRESULT hResult = CVDSEx::GetVdsAdvancedDisk(m_pVdsService, m_SecondDiskId, disk.Put());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noSecondDisk, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noSecondDisk, hResult);
         return FALSE;
     }
     if (!disk) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::QuerySecondPartitions m_pVdsAdvancedDisk is NULL"));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CVDSPartition::QuerySecondPartitions m_pVdsAdvancedDisk is NULL"),
+                          FALSE);
     }
     hResult = disk->QueryPartitions(partitions, count);
-    if (hResult != S_OK) LogFailure(LOG_LEVEL_ERROR, noSecondPartitions, hResult, GetLastError());
+    if (hResult != S_OK) LogFailure(LOG_LEVEL_ERROR, noSecondPartitions, hResult);
     return hResult == S_OK;
 }
 
 BOOL CVDSPartition::GetTotalPartitionNumbers(int* numbers, int capacity) {
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova CVDSPartition::GetTotalPartitionNumbers Start"));
     if (numbers == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::GetTotalPartitionNumbers\tNULL == pPartitionArray"));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CVDSPartition::GetTotalPartitionNumbers\tNULL == pPartitionArray"),
+                          FALSE);
     }
     for (int index = 0; index < capacity; ++index)
         numbers[index] = 0;
     if (m_pVdsAdvancedDisk == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::GetTotalPartitionNumbers\tNULL == m_pVdsAdvancedDisk"));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CVDSPartition::GetTotalPartitionNumbers\tNULL == m_pVdsAdvancedDisk"),
+                          FALSE);
     }
     PartitionList partitions;
     const HRESULT hResult =
         m_pVdsAdvancedDisk->QueryPartitions(partitions.PutRecords(), partitions.PutCount());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noTotalPartitions, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noTotalPartitions, hResult);
         return FALSE;
     }
     BOOL bRet = TRUE;

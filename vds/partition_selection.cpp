@@ -1,8 +1,8 @@
-// Selecting a partition of the selected disk, with the extent that tells which volume lies on it.
+// Selecting a partition of the selected disk, with the extent that identifies its volume.
 #include <cstring>
 
-#include "vds/failure_record.h"
 #include "vds/service_array.h"
+#include "vds/service_check.h"
 #include "vds/vds_partition.h"
 
 namespace {
@@ -36,26 +36,26 @@ BOOL CVDSPartition::SelectPartition(int partitionNumber) {
 bool CVDSPartition::ReadPartition(int partitionNumber) {
     if (CheckService(m_pVdsService, serviceTexts) != S_OK) return false;
     if (m_pVdsDisk == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova CVDSPartition::SelectPartition\tNULL == m_pVdsDisk"));
-        return false;
+        return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova CVDSPartition::SelectPartition\tNULL == m_pVdsDisk"),
+                          false);
     }
     if (m_pVdsAdvancedDisk == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::SelectPartition\tNULL == m_pVdsAdvancedDisk"));
-        return false;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CVDSPartition::SelectPartition\tNULL == m_pVdsAdvancedDisk"), false);
     }
     PartitionList partitions;
     const HRESULT hResult =
         m_pVdsAdvancedDisk->QueryPartitions(partitions.PutRecords(), partitions.PutCount());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noPartitions, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noPartitions, hResult);
         return false;
     }
     if (!partitions.HasArray()) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT(
-                "Kestova CVDSPartition::SelectPartition\tm_pVdsAdvancedDisk->QueryPartitions NULL == pVdsPartitionPropArray"));
-        return false;
+        return LogFailure(
+            LOG_LEVEL_ERROR,
+            TEXT(
+                "Kestova CVDSPartition::SelectPartition\tm_pVdsAdvancedDisk->QueryPartitions NULL == pVdsPartitionPropArray"),
+            false);
     }
     const VDS_PARTITION_PROP* const found = FindPartition(partitions, partitionNumber);
     if (found == nullptr) return false;
@@ -67,7 +67,7 @@ void CVDSPartition::ReadExtent() {
     ExtentList extents;
     const HRESULT hResult = m_pVdsDisk->QueryExtents(extents.PutRecords(), extents.PutCount());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, noExtents, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, noExtents, hResult);
         return;
     }
     if (!extents.HasArray()) {

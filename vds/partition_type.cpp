@@ -1,6 +1,4 @@
-// Types of partitions: reading them, what follows from them, and changing MBR IDs.
-#include <algorithm>
-
+// Partition types: reading and changing them, and what depends on them.
 #include "base/wide_string.h"
 #include "device/owners.h"
 #include "vds/first_disk_query.h"
@@ -37,8 +35,6 @@ constexpr FailureText changeRefused = {
     TEXT("Kestova CVDSPartition::ChangePartitionType ChangePartitionType S_OK != hResult. hResult = "),
     LoggedCodes::ResultAndLastError};
 
-constexpr GUID hiddenTypes[] = {ORVOBOOT_GUID, PARTITION_SYSTEM_GUID, PARTITION_MSFT_RESERVED_GUID};
-
 }  // namespace
 
 BOOL CVDSPartition::GetPartitionType(int partitionNumber, GUID& type) {
@@ -47,15 +43,14 @@ BOOL CVDSPartition::GetPartitionType(int partitionNumber, GUID& type) {
     if (!QueryFirstDisk(*this, typeTexts, partitions)) return FALSE;
     const VDS_PARTITION_PROP* const partition = FindPartition(partitions, partitionNumber);
     if (partition == nullptr) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova CVDSPartition::GetPartitionType does not find the partition"));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_TRACE,
+                          TEXT("Kestova CVDSPartition::GetPartitionType does not find the partition"), FALSE);
     }
     if (partition->PartitionStyle != VDS_PST_GPT) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(
-                TEXT("Kestova CVDSPartition::GetPartitionType VDS_PST_GPT != PartitionProp.PartitionStyle"));
-        return FALSE;
+        return LogFailure(
+            LOG_LEVEL_TRACE,
+            TEXT("Kestova CVDSPartition::GetPartitionType VDS_PST_GPT != PartitionProp.PartitionStyle"),
+            FALSE);
     }
     type = partition->Gpt.partitionType;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova CVDSPartition::GetPartitionType End"));
@@ -90,11 +85,8 @@ BOOL CVDSPartition::IsBIOSHibernationPartition(int diskNumber, int partitionNumb
 
 BOOL CVDSPartition::IsNeedHidePartition(int diskNumber, int partitionNumber) {
     if (!SelectDisk(diskNumber) || !SelectPartition(partitionNumber)) return FALSE;
-    if (m_PartitionProp.PartitionStyle == VDS_PST_GPT) {
-        return std::ranges::any_of(hiddenTypes, [&](const GUID& type) {
-            return IsSameGuid(m_PartitionProp.Gpt.partitionType, type);
-        });
-    }
+    if (m_PartitionProp.PartitionStyle == VDS_PST_GPT)
+        return PartitionTypeOf(m_PartitionProp.Gpt.partitionType).hidden;
     if (m_PartitionProp.PartitionStyle == VDS_PST_MBR) {
         WCHAR label[labelUnits] = {};
         GetVolumeLabel(label, labelUnits);
@@ -109,13 +101,13 @@ BOOL CVDSPartition::ChangePartitionType(int partitionNumber, BYTE newType) {
     if (!QueryFirstDisk(*this, changeTexts, partitions)) return FALSE;
     const VDS_PARTITION_PROP* const partition = FindPartition(partitions, partitionNumber);
     if (partition == nullptr) {
-        LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova CVDSPartition::ChangePartitionType FALSE == bFind"));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova CVDSPartition::ChangePartitionType FALSE == bFind"),
+                          FALSE);
     }
     if (partition->PartitionStyle != VDS_PST_MBR) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova CVDSPartition::ChangePartitionType partition style is not MBR"));
-        return FALSE;
+        return LogFailure(LOG_LEVEL_ERROR,
+                          TEXT("Kestova CVDSPartition::ChangePartitionType partition style is not MBR"),
+                          FALSE);
     }
     if (partition->Mbr.partitionType == newType) return TRUE;
 
@@ -123,7 +115,7 @@ BOOL CVDSPartition::ChangePartitionType(int partitionNumber, BYTE newType) {
     HRESULT hResult = CVDSEx::GetVdsAdvancedDisk2(m_pVdsService, m_FirstDiskId, disk.Put());
     hResult = RequireInterface(hResult, disk.Get());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, changeNoDisk, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, changeNoDisk, hResult);
         return FALSE;
     }
     CHANGE_PARTITION_TYPE_PARAMETERS parameters = {};
@@ -131,7 +123,7 @@ BOOL CVDSPartition::ChangePartitionType(int partitionNumber, BYTE newType) {
     parameters.MbrPartInfo.partitionType = newType;
     hResult = disk->ChangePartitionType(partition->ullOffset, TRUE, &parameters);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, changeRefused, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, changeRefused, hResult);
         return FALSE;
     }
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova CVDSPartition::ChangePartitionType End"));

@@ -1,10 +1,10 @@
-// What the Virtual Disk Service hands out is there, or the call failed.
+// Interfaces that the Virtual Disk Service must return with a success.
 #pragma once
 
 #include "platform/windows_api.h"
 
-// The result of a call that hands out an interface: E_INVALIDARG for S_OK without one. Every other code stays
-// as it is, S_FALSE included, which is a failure here.
+// The result of a call that returns an interface: E_INVALIDARG for S_OK without one. Every other code is
+// unchanged, including S_FALSE, which is a failure here.
 inline HRESULT RequireInterface(HRESULT hResult, const void* handedOut) {
     return hResult == S_OK && handedOut == nullptr ? E_INVALIDARG : hResult;
 }

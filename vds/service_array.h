@@ -1,4 +1,4 @@
-// An array that the Virtual Disk Service hands out, held for the time of one operation.
+// An array allocated by the Virtual Disk Service, freed at the end of its scope.
 #pragma once
 
 #include <span>
@@ -13,7 +13,7 @@ class ServiceArray {
     ServiceArray(const ServiceArray&) = delete;
     ServiceArray& operator=(const ServiceArray&) = delete;
 
-    // Where the service stores the array and its count, once.
+    // The addresses at which the service stores the array and its count; use them once.
     Record** PutRecords() { return &records_; }
     LONG* PutCount() { return &count_; }
 

@@ -1,13 +1,12 @@
 // Opening the connection to the service.
 #include "vds/vds_ex.h"
 
+#include "device/com_security.h"
 #include "device/owners.h"
 #include "vds/required_interface.h"
 
 HRESULT CVDSEx::InitializeSecurity() {
-    const HRESULT hResult = CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
-                                                 RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
-    return hResult == RPC_E_TOO_LATE ? S_OK : hResult;
+    return InitializeComSecurity();
 }
 
 HRESULT CVDSEx::GetVdsService(IVdsService** service) {

@@ -2,8 +2,8 @@
 #include <cstdlib>
 
 #include "device/owners.h"
-#include "vds/failure_record.h"
 #include "vds/required_interface.h"
+#include "vds/service_check.h"
 #include "vds/vds_ex.h"
 
 namespace {
@@ -23,7 +23,7 @@ constexpr FailureText providersFailed = {
     TEXT("Kestova CVDSEx::QueryDisks QueryProviders S_OK != hResult. hResult = "),
     LoggedCodes::ResultAndLastError};
 
-// What is written about a disk that cannot be read.
+// What is written if a disk cannot be read.
 struct DiskTexts {
     FailureText queryInterface;
     FailureText getProperties;
@@ -38,12 +38,12 @@ constexpr DiskTexts unallocatedDisk = {
 
 constexpr DiskTexts diskOfPack = {};  // nothing
 
-// The array as the caller gets it, on the C heap.
+// The array that the caller receives, on the C heap.
 struct DiskArray {
     VDS_DISK_PROP* disks = nullptr;
     LONG count = 0;
 
-    // False when the memory does not suffice for one more; the array is as it was.
+    // False without memory for one more; the array is unchanged then.
     bool Append(const VDS_DISK_PROP& disk) {
         const size_t size = (static_cast<size_t>(count) + 1) * sizeof(VDS_DISK_PROP);
         void* const grown = std::realloc(disks, size);
@@ -54,14 +54,14 @@ struct DiskArray {
     }
 };
 
-// The interface of a listed object; one that is missing behind a success is a failure too.
+// An interface of a listed object; a success without one is a failure too.
 template <typename Interface>
 HRESULT QueryObject(IUnknown& object, const IID& interfaceId, ComPtr<Interface>& result) {
     const HRESULT hResult = object.QueryInterface(interfaceId, reinterpret_cast<void**>(result.Put()));
     return RequireInterface(hResult, result.Get());
 }
 
-// The next object of a list, or none at its end or when the list cannot be read on.
+// The next object of a list; empty at its end and after a failure.
 ComPtr<IUnknown> Next(ComPtr<IEnumVdsObject>& list) {
     ComPtr<IUnknown> object;
     ULONG fetched = 0;
@@ -73,13 +73,13 @@ bool AppendDisk(IUnknown& object, const DiskTexts& texts, DiskArray& array) {
     ComPtr<IVdsDisk> disk;
     HRESULT hResult = QueryObject(object, IID_IVdsDisk, disk);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, texts.queryInterface, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, texts.queryInterface, hResult);
         return false;
     }
     VDS_DISK_PROP properties = {};
     hResult = disk->GetProperties(&properties);
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, texts.getProperties, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, texts.getProperties, hResult);
         return false;
     }
     return array.Append(properties);
@@ -92,8 +92,8 @@ void AppendDisks(ComPtr<IEnumVdsObject>& list, const DiskTexts& texts, DiskArray
     }
 }
 
-// Appends the disks of an online pack. False when the pack cannot be read: the rest of the provider's packs
-// is left out then.
+// Appends the disks of an online pack. False if the pack cannot be read: the provider's remaining packs are
+// skipped then.
 bool AppendPack(IUnknown& object, DiskArray& array) {
     ComPtr<IVdsPack> pack;
     if (QueryObject(object, IID_IVdsPack, pack) != S_OK) return false;
@@ -108,8 +108,8 @@ bool AppendPack(IUnknown& object, DiskArray& array) {
     return true;
 }
 
-// Appends the disks of a provider. False when the provider cannot be read: the rest of the providers is left
-// out then.
+// Appends the disks of a provider. False if the provider cannot be read: the remaining providers are skipped
+// then.
 bool AppendProvider(IUnknown& object, DiskArray& array) {
     ComPtr<IVdsSwProvider> provider;
     if (QueryObject(object, IID_IVdsSwProvider, provider) != S_OK) return false;
@@ -131,7 +131,7 @@ HRESULT CVDSEx::QueryDisks(IVdsService* service, VDS_DISK_PROP** disks, LONG* co
     ComPtr<IEnumVdsObject> unallocated;
     hResult = service->QueryUnallocatedDisks(unallocated.Put());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, unallocatedFailed, hResult, GetLastError());
+        LogFailure(LOG_LEVEL_ERROR, unallocatedFailed, hResult);
         return hResult;
     }
     DiskArray array;
@@ -143,8 +143,8 @@ HRESULT CVDSEx::QueryDisks(IVdsService* service, VDS_DISK_PROP** disks, LONG* co
     ComPtr<IEnumVdsObject> providers;
     hResult = service->QueryProviders(VDS_QUERY_SOFTWARE_PROVIDERS, providers.Put());
     if (hResult != S_OK) {
-        LogFailure(LOG_LEVEL_ERROR, providersFailed, hResult, GetLastError());
-        std::free(array.disks);  // the caller's pointer dangles now and must not be used
+        LogFailure(LOG_LEVEL_ERROR, providersFailed, hResult);
+        std::free(array.disks);  // the caller's pointer is dangling from here on
         return hResult;
     }
     for (ComPtr<IUnknown> provider = Next(providers); provider; provider = Next(providers)) {

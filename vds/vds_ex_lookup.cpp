@@ -1,7 +1,7 @@
-// Disks and volumes by id. The four operations are one; what they ask for and what they write is data.
+// Disks and volumes by id: one lookup for the four operations, with the differences as data.
 #include "device/owners.h"
-#include "vds/failure_record.h"
 #include "vds/required_interface.h"
+#include "vds/service_check.h"
 #include "vds/vds_ex.h"
 
 namespace {
@@ -16,7 +16,7 @@ struct Lookup {
     const WCHAR* end = nullptr;
 };
 
-// Every failure is traced, not reported as an error: the callers write an error record of their own.
+// Failures are recorded at the trace level: the callers write an error record themselves.
 constexpr Lookup diskLookup = {
     .type = VDS_OT_DISK,
     .interfaceId = IID_IVdsDisk,
@@ -62,12 +62,12 @@ HRESULT LookUp(IVdsService* service, VDS_OBJECT_ID id, const Lookup& lookup, voi
     hResult = service->GetObject(id, lookup.type, object.Put());
     hResult = RequireInterface(hResult, object.Get());
     if (hResult != S_OK) {
-        LogFailure(lookup.service.level, lookup.getObject, hResult, GetLastError());
+        LogFailure(lookup.service.level, lookup.getObject, hResult);
         return hResult;
     }
     hResult = object->QueryInterface(lookup.interfaceId, result);
     if (hResult != S_OK) {
-        LogFailure(lookup.service.level, lookup.queryInterface, hResult, GetLastError());
+        LogFailure(lookup.service.level, lookup.queryInterface, hResult);
         return hResult;
     }
     Trace(lookup.end);

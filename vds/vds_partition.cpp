@@ -1,4 +1,4 @@
-// The life of the partition object: it opens the service and holds it to the end.
+// Construction and destruction of the partition object, and the connection to the service.
 #include "vds/vds_partition.h"
 
 #include "vds/vds_ex.h"

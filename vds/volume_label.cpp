@@ -1,6 +1,6 @@
 // The label of the volume on the selected partition.
 #include "base/wide_string.h"
-#include "vds/failure_record.h"
+#include "vds/service_check.h"
 #include "vds/vds_ex.h"
 #include "vds/vds_partition.h"
 

@@ -10,7 +10,7 @@ namespace {
 constexpr LONGLONG largest = 1024LL * 1024;
 constexpr DWORD longestWait = 2000;  // ms
 
-// One mutex for all programs, whoever runs them.
+// One mutex for the programs of all users.
 HANDLE MakeTurn() {
     SECURITY_DESCRIPTOR everyone;
     InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
@@ -19,7 +19,7 @@ HANDLE MakeTurn() {
     return CreateMutexW(&attributes, FALSE, TEXT("Global\\Kestova.Logging"));
 }
 
-// A turn at the file, as long as it lives. One wait in vain and it waits no more until a turn comes.
+// Holds the mutex for its scope. After a time-out, the next ones try without waiting until one succeeds.
 class Turn {
   public:
     Turn(HANDLE mutex, DWORD& patience) : mutex_(mutex) {
@@ -40,7 +40,7 @@ class Turn {
     bool has_;
 };
 
-// A disk that is not there is no reason for a message box.
+// Suppresses the system's message box for a missing disk.
 class NoMessageBoxes {
   public:
     NoMessageBoxes() { SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &before_); }
@@ -52,7 +52,8 @@ class NoMessageBoxes {
     DWORD before_ = 0;
 };
 
-// A handle for appending only: the system places every write at the end of the file, whoever else writes.
+// A handle for appending only: the system places every write at the end of the file, whatever other programs
+// write.
 class AppendedFile {
   public:
     explicit AppendedFile(const WCHAR* path)
@@ -110,7 +111,7 @@ void LogFile::Append(const std::string& line, bool mayRename) {
         AppendedFile file(path_.c_str());
         if (!mayRename || file.HoldsAsWell(line)) return file.Append(line);
     }
-    // As long as another program keeps one of the two files from being renamed, nothing more is written.
+    // While another program prevents the rename, nothing more is written.
     if (!MoveFileExW(path_.c_str(), older_.c_str(), MOVEFILE_REPLACE_EXISTING)) return;
     AppendedFile(path_.c_str()).Append(line);
 }

@@ -5,13 +5,12 @@
 
 #include "logging/logging.h"
 
-// Appends a line for every record up to a level. The file is opened for each line, so that it can be copied,
-// deleted or gone with its disk at any time, and a line that cannot be written is lost without a word.
+// Appends a line for every record up to a level. The file is opened for each line, so that it, or its disk,
+// can be copied, deleted or removed at any time. A line that cannot be written is dropped without notice.
 //
-// A line that would make the file larger than 1 MiB first renames it, with ".old" behind its name, in place
-// of the one that has this name. Programs that write the same file take turns by a mutex; each append is
-// whole without it, so that who waits in vain for a program that is stuck writes all the same, and renames
-// nothing.
+// Before a line would make the file larger than 1 MiB, the file is renamed to its name with ".old" appended,
+// and replaces the file of that name. A mutex serialises the programs that write the same file. Each append
+// is atomic without it: a program that times out waiting for the mutex still appends, but renames nothing.
 class LogFile final : public ILogSink {
   public:
     LogFile(std::basic_string<WCHAR> path, int highestLevel);
@@ -27,6 +26,6 @@ class LogFile final : public ILogSink {
     std::basic_string<WCHAR> path_;
     std::basic_string<WCHAR> older_;
     int highestLevel_;
-    HANDLE turn_;  // null when the mutex could not be made
+    HANDLE turn_;  // null if the mutex could not be created
     DWORD patience_;
 };

@@ -5,6 +5,7 @@
 
 #include "machine/description/node.h"
 #include "machine/facts/call_table.h"
+#include "platform/partition_types.h"
 
 namespace machine::description {
 
@@ -108,7 +109,7 @@ void Checks::Style(const Disk& disk, const Partition& partition, const std::stri
 }
 
 bool IsExtended(const Partition& partition) {
-    return partition.mbrType == 0x05 || partition.mbrType == 0x0F;
+    return PartitionTypeOf(partition.mbrType).extended;
 }
 
 bool Overlap(const Partition& left, const Partition& right) {

@@ -1,68 +1,18 @@
 #include "machine/facts/extent_type.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "platform/partition_types.h"
 
 namespace machine {
 
 namespace {
 
-struct MbrRow {
-    uint8_t type;
-    VDS_DISK_EXTENT_TYPE extent;
-};
-
-constexpr MbrRow mbrRows[] = {
-    {0x01, VDS_DET_DATA},
-    {0x04, VDS_DET_DATA},
-    {0x06, VDS_DET_DATA},
-    {MBR_ID_NTFS, VDS_DET_DATA},
-    {0x0B, VDS_DET_DATA},
-    {0x0C, VDS_DET_DATA},
-    {0x0E, VDS_DET_DATA},
-    {MBR_ID_OEM_RECOVERY, VDS_DET_OEM},
-    {MBR_ID_HIDDEN_RECOVERY, VDS_DET_OEM},
-    {MBR_ID_BIOS_HIBERNATION, VDS_DET_OEM},
-    {0xA0, VDS_DET_OEM},
-    {0xDE, VDS_DET_OEM},
-    {0xFE, VDS_DET_OEM},
-    {0x42, VDS_DET_LDM},
-};
-
-struct GptRow {
-    GUID type;
-    VDS_DISK_EXTENT_TYPE extent;
-};
-
-constexpr GUID logicalDiskMetadata = {
-    0x5808c8aa, 0x7e8f, 0x42e0, {0x85, 0xd2, 0xe1, 0xe9, 0x04, 0x34, 0xcf, 0xb3}};
-constexpr GUID logicalDiskData = {
-    0xaf9b60a0, 0x1431, 0x4f62, {0xbc, 0x68, 0x33, 0x11, 0x71, 0x4a, 0x69, 0xad}};
-
-constexpr GptRow gptRows[] = {
-    {PARTITION_BASIC_DATA_GUID, VDS_DET_DATA},   {PARTITION_SYSTEM_GUID, VDS_DET_ESP},
-    {PARTITION_MSFT_RESERVED_GUID, VDS_DET_MSR}, {PARTITION_MSFT_RECOVERY_GUID, VDS_DET_OEM},
-    {logicalDiskMetadata, VDS_DET_LDM},          {logicalDiskData, VDS_DET_LDM},
-};
-
 constexpr uint64_t platformRequired = 1;
 
-VDS_DISK_EXTENT_TYPE MbrExtentType(uint8_t type) {
-    const auto row = std::find_if(std::begin(mbrRows), std::end(mbrRows),
-                                  [&](const MbrRow& known) { return known.type == type; });
-    return row != std::end(mbrRows) ? row->extent : VDS_DET_UNKNOWN;
-}
-
 VDS_DISK_EXTENT_TYPE GptExtentType(const Partition& partition) {
-    const auto row = std::find_if(std::begin(gptRows), std::end(gptRows), [&](const GptRow& known) {
-        return IsSameGuid(known.type, partition.gptType);
-    });
-    if (row == std::end(gptRows)) return VDS_DET_UNKNOWN;
+    const VDS_DISK_EXTENT_TYPE extent = PartitionTypeOf(partition.gptType).extent;
     // Data that the maker requires is the maker's.
-    if (row->extent == VDS_DET_DATA && (partition.attributes & platformRequired) != 0) return VDS_DET_OEM;
-    return row->extent;
+    const bool isRequired = (partition.attributes & platformRequired) != 0;
+    return extent == VDS_DET_DATA && isRequired ? VDS_DET_OEM : extent;
 }
 
 }  // namespace
@@ -70,7 +20,7 @@ VDS_DISK_EXTENT_TYPE GptExtentType(const Partition& partition) {
 VDS_DISK_EXTENT_TYPE ExtentTypeOf(PartitionStyle style, const Partition& partition) {
     switch (style) {
         case PartitionStyle::Mbr:
-            return MbrExtentType(partition.mbrType);
+            return PartitionTypeOf(partition.mbrType).extent;
         case PartitionStyle::Gpt:
             return GptExtentType(partition);
         case PartitionStyle::Unknown:
@@ -80,7 +30,7 @@ VDS_DISK_EXTENT_TYPE ExtentTypeOf(PartitionStyle style, const Partition& partiti
 }
 
 bool IsExtended(PartitionStyle style, const Partition& partition) {
-    return style == PartitionStyle::Mbr && (partition.mbrType == 0x05 || partition.mbrType == 0x0F);
+    return style == PartitionStyle::Mbr && PartitionTypeOf(partition.mbrType).extended;
 }
 
 bool HasTable(const Disk& disk) {

@@ -20,7 +20,7 @@ constexpr uint64_t gptHidden = 0x4000000000000000;
 constexpr uint64_t gptNoDriveLetter = 0x8000000000000000;
 
 bool IsBasicData(const Partition& partition) {
-    return IsSameGuid(partition.gptType, PARTITION_BASIC_DATA_GUID);
+    return partition.gptType == PARTITION_BASIC_DATA_GUID;
 }
 
 // Recognised volumes get a letter from every system, those of the maker and the recovery environment only

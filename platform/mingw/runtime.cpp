@@ -1,13 +1,13 @@
-// Takes the place of functions of the C++ runtime that mingw-w64 links. Its own print the name of what was
-// thrown to a console that no host has, and with the printing comes a demangler and all of <string>: a third
-// of the library.
+// Replaces functions of the C++ runtime that mingw-w64 links in. The runtime's own print the name of the
+// exception to a console, which a host application need not have, and pull in a demangler and all of
+// <string>: a third of the library.
 
 #include <cstdlib>
 #include <new>
 
 namespace __gnu_cxx {
 
-// What the runtime does with an exception that nobody handles.
+// The runtime calls it for an unhandled exception.
 void __verbose_terminate_handler() {
     std::abort();
 }
@@ -24,12 +24,12 @@ void __throw_bad_array_new_length() {
     throw bad_alloc();
 }
 
-// A text or list longer than there can be memory for.
+// A string or vector beyond its maximum size.
 void __throw_length_error(const char*) {
     throw bad_alloc();
 }
 
-// The others tell of a mistake in the program, such as an index that does not exist.
+// The others report an error in the program, such as an index out of range.
 void __throw_logic_error(const char*) {
     abort();
 }

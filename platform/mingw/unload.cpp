@@ -1,8 +1,8 @@
-// The linked-in C++ runtime keeps 73 KiB for exceptions that are thrown when memory is short, and never frees
-// them: a module that is loaded and unloaded again and again would use memory up.
+// The statically linked C++ runtime reserves 73 KiB for exceptions thrown when memory is short, and never
+// frees them: each load and unload of the module would leak them.
 
 namespace __gnu_cxx {
-// The runtime's own release of them, declared in none of its headers.
+// The runtime's own function that frees them; none of its headers declares it.
 void __freeres();
 }  // namespace __gnu_cxx
 

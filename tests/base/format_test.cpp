@@ -13,7 +13,7 @@ WideString Formatted(const WCHAR* format, Arguments... arguments) {
     return text;
 }
 
-TEST(FormatInto, WritesEveryConversion) {
+TEST(FormatInto, EachConversion_FormatInto_WritesItsText) {
     EXPECT_EQ(Formatted(TEXT("\\\\.\\%c:"), TEXT('C')), TEXT("\\\\.\\C:"));
     EXPECT_EQ(Formatted(TEXT("%d %d %d"), 0, -1, 2147483647), TEXT("0 -1 2147483647"));
     EXPECT_EQ(Formatted(TEXT("%d"), -2147483647 - 1), TEXT("-2147483648"));
@@ -25,14 +25,14 @@ TEST(FormatInto, WritesEveryConversion) {
     EXPECT_EQ(Formatted(TEXT("")), TEXT(""));
 }
 
-TEST(FormatInto, CutsAtTheCapacityAndTellsTheWholeLength) {
+TEST(FormatInto, TextBeyondTheCapacity_FormatInto_TruncatesAndReturnsTheWholeLength) {
     WCHAR buffer[] = {1, 2, 3, 4, 5};
     EXPECT_EQ(FormatInto(buffer, 4, TEXT("%s"), TEXT("abcdef")), 6U);
     EXPECT_EQ(WideString(buffer), TEXT("abc"));
     EXPECT_EQ(buffer[4], 5);
 }
 
-TEST(FormatInto, WritesNothingWithoutCapacity) {
+TEST(FormatInto, CapacityOf0Or1_FormatInto_WritesNothingOrTheTerminator) {
     WCHAR buffer[] = {7};
     EXPECT_EQ(FormatInto(buffer, 0, TEXT("abc")), 3U);
     EXPECT_EQ(buffer[0], 7);

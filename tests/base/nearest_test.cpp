@@ -6,27 +6,27 @@ namespace {
 
 const std::vector<std::string> words = {"status", "boot", "call", "IVdsAdvancedDisk::ChangeAttributes"};
 
-TEST(Nearest, FindsAWordWithFewDifferences) {
+TEST(Nearest, MisspeltWord_Nearest_ReturnsTheMostSimilarWord) {
     EXPECT_EQ(Nearest("staus", words), "status");
     EXPECT_EQ(Nearest("boott", words), "boot");
     EXPECT_EQ(Nearest("caal", words), "call");
 }
 
-TEST(Nearest, IgnoresCase) {
+TEST(Nearest, WordInAnotherCase_Nearest_IgnoresCase) {
     EXPECT_EQ(Nearest("STATUS", words), "status");
 }
 
-TEST(Nearest, FindsAWordThatContainsTheOther) {
+TEST(Nearest, PartOfAWord_Nearest_ReturnsTheWordFromFourLettersOn) {
     EXPECT_EQ(Nearest("ChangeAttributes", words), "IVdsAdvancedDisk::ChangeAttributes");
     EXPECT_EQ(Nearest("tat", words), "");
 }
 
-TEST(Nearest, PrefersTheFewestDifferencesAndThenTheFirst) {
+TEST(Nearest, SeveralSimilarWords_Nearest_PrefersTheSmallestDistanceThenTheFirst) {
     EXPECT_EQ(Nearest("boat", {"bolt", "boot", "boats"}), "bolt");
     EXPECT_EQ(Nearest("boat", {"bolts", "boats"}), "boats");
 }
 
-TEST(Nearest, EmptyWhenNothingIsNear) {
+TEST(Nearest, NoSimilarWord_Nearest_ReturnsTheEmptyText) {
     EXPECT_EQ(Nearest("partition", words), "");
     EXPECT_EQ(Nearest("", words), "");
     EXPECT_EQ(Nearest("boot", {}), "");

@@ -13,13 +13,13 @@ struct Reading {
     const WCHAR* text;
     const WCHAR* format;
     int stored;
-    int first;   // 77: untouched
-    int second;  // 77: untouched
+    int first;   // 77: unchanged
+    int second;  // 77: unchanged
 };
 
 class ScanNumbersTable : public testing::TestWithParam<Reading> {};
 
-TEST_P(ScanNumbersTable, ReadsAsThePlatformDoes) {
+TEST_P(ScanNumbersTable, Text_ScanNumbers_MatchesThePlatform) {
     int first = 77;
     int second = 77;
     EXPECT_EQ(ScanNumbers(GetParam().text, GetParam().format, {&first, &second}), GetParam().stored);
@@ -63,13 +63,13 @@ const Reading readings[] = {
 INSTANTIATE_TEST_SUITE_P(Of, ScanNumbersTable, testing::ValuesIn(readings),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST(ScanNumbers, AsksForNoMoreNumbersThanThereAreOutputs) {
+TEST(ScanNumbers, MoreConversionsThanOutputs_ScanNumbers_StoresOnlyTheOutputs) {
     int only = 77;
     EXPECT_EQ(ScanNumbers(TEXT("1 2"), TEXT("%d %d"), {&only}), 1);
     EXPECT_EQ(only, 1);
 }
 
-TEST(ScanNumbers, SurvivesAnyText) {
+TEST(ScanNumbers, RandomText_ScanNumbers_ReturnsAValidCount) {
     std::mt19937 random(20260714);
     std::uniform_int_distribution<int> unit(0, 0xFFFF);
     std::uniform_int_distribution<int> length(0, 40);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(Utf, ConvertsThereAndBack) {
+TEST(Utf, ValidText_ConvertBothWays_ReturnsTheSameText) {
     const struct {
         std::string utf8;
         std::u16string wide;
@@ -20,13 +20,13 @@ TEST(Utf, ConvertsThereAndBack) {
     }
 }
 
-TEST(Utf, InvalidTextBecomesQuestionMark) {
+TEST(Utf, InvalidText_ConvertEitherWay_ReturnsAQuestionMark) {
     EXPECT_EQ(ToWide("\xFF"), u"?");
     EXPECT_EQ(ToWide("C\xC3"), u"?");
     EXPECT_EQ(ToUtf8(std::u16string_view(u"\xD800x")), "?");
     EXPECT_EQ(ToUtf8(std::u16string_view(u"C\xD800")), "?");
 }
 
-TEST(Utf, NullTextIsEmpty) {
+TEST(Utf, NullText_ToUtf8_ReturnsTheEmptyText) {
     EXPECT_EQ(ToUtf8(nullptr), "");
 }

@@ -4,13 +4,13 @@
 
 namespace {
 
-TEST(UpperCase, FoldsAToZOnly) {
+TEST(UpperCase, LettersAndOtherUnits_UpperCase_FoldsOnlyAToZ) {
     EXPECT_EQ(UpperCase(TEXT("pci\\ven_8086&Dev{}`@")), TEXT("PCI\\VEN_8086&DEV{}`@"));
     EXPECT_EQ(UpperCase(TEXT("\u00e9")), TEXT("\u00e9"));
     EXPECT_EQ(UpperCase(TEXT("")), TEXT(""));
 }
 
-TEST(EqualIgnoringCase, ComparesWholeTexts) {
+TEST(EqualIgnoringCase, TextsOfDifferentCaseOrLength_EqualIgnoringCase_ComparesThemWhole) {
     EXPECT_TRUE(EqualIgnoringCase(TEXT("System Reserved"), TEXT("SYSTEM reserved")));
     EXPECT_TRUE(EqualIgnoringCase(TEXT(""), TEXT("")));
     EXPECT_FALSE(EqualIgnoringCase(TEXT("System"), TEXT("System Reserved")));
@@ -18,7 +18,7 @@ TEST(EqualIgnoringCase, ComparesWholeTexts) {
     EXPECT_FALSE(EqualIgnoringCase(TEXT("["), TEXT("{")));
 }
 
-TEST(CopyBounded, CutsAndTerminates) {
+TEST(CopyBounded, TextBeyondTheCapacity_CopyBounded_TruncatesAndTerminates) {
     WCHAR buffer[] = {1, 2, 3, 4, 5};
     CopyBounded(buffer, 4, TEXT("abcdef"));
     EXPECT_EQ(WideString(buffer), TEXT("abc"));
@@ -27,7 +27,7 @@ TEST(CopyBounded, CutsAndTerminates) {
     EXPECT_EQ(buffer[0], 0);
 }
 
-TEST(CopyBounded, WritesNothingWithoutCapacity) {
+TEST(CopyBounded, CapacityOf0_CopyBounded_WritesNothing) {
     WCHAR buffer[] = {7};
     CopyBounded(buffer, 0, TEXT("abc"));
     EXPECT_EQ(buffer[0], 7);

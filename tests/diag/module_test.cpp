@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "diag/reduced_host/module_app.h"
+#include "diag/module_binding/module_app.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 

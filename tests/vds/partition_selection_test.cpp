@@ -269,7 +269,7 @@ TEST(GetGPTPartitionType, TellsTheTypeOfTheSelectedPartition) {
     session.pc.journal.Clear();
     GUID type = {};
     EXPECT_TRUE(session->GetGPTPartitionType(type));
-    EXPECT_TRUE(IsSameGuid(type, PARTITION_SYSTEM_GUID));
+    EXPECT_TRUE(type == PARTITION_SYSTEM_GUID);
     EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSPartition::GetGPTPartitionType Start",
                                         "4 Kestova CVDSPartition::GetGPTPartitionType end. bRet = {int 1}"}));
 }
@@ -280,7 +280,7 @@ TEST(GetGPTPartitionType, MbrPartitionHasNone) {
     session.pc.journal.Clear();
     GUID type = ORVOBOOT_GUID;
     EXPECT_FALSE(session->GetGPTPartitionType(type));
-    EXPECT_TRUE(IsSameGuid(type, ORVOBOOT_GUID));
+    EXPECT_TRUE(type == ORVOBOOT_GUID);
     EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSPartition::GetGPTPartitionType Start",
                                         "4 Kestova CVDSPartition::GetGPTPartitionType end. bRet = {int 0}"}));
 }

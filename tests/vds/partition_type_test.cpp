@@ -52,7 +52,7 @@ TEST(GetGptTypeByNumber, TellsTheTypeOfEveryPartition) {
         VdsSession session(machine::FactoryGpt());
         GUID type = {};
         EXPECT_TRUE(session->GetPartitionType(number, type));
-        EXPECT_TRUE(IsSameGuid(type, types[number - 1])) << number;
+        EXPECT_TRUE(type == types[number - 1]) << number;
         EXPECT_EQ(session.Records(), started + queryPartitionsRecords + "4 " + method + " End\n");
         EXPECT_EQ(session.Left(1), Holdings());
     }
@@ -62,7 +62,7 @@ TEST(GetGptTypeByNumber, MissingPartitionIsTraced) {
     VdsSession session(machine::FactoryGpt());
     GUID type = ORVOBOOT_GUID;
     EXPECT_FALSE(session->GetPartitionType(7, type));
-    EXPECT_TRUE(IsSameGuid(type, ORVOBOOT_GUID));
+    EXPECT_TRUE(type == ORVOBOOT_GUID);
     EXPECT_EQ(session.Records(),
               started + queryPartitionsRecords + "4 " + method + " does not find the partition\n");
     EXPECT_EQ(session.Left(1), Holdings());
@@ -72,7 +72,7 @@ TEST(GetGptTypeByNumber, MbrPartitionIsTraced) {
     VdsSession session(machine::FactoryMbr());
     GUID type = ORVOBOOT_GUID;
     EXPECT_FALSE(session->GetPartitionType(1, type));
-    EXPECT_TRUE(IsSameGuid(type, ORVOBOOT_GUID));
+    EXPECT_TRUE(type == ORVOBOOT_GUID);
     EXPECT_EQ(session.Records(), started + queryPartitionsRecords + "4 " + method +
                                      " VDS_PST_GPT != PartitionProp.PartitionStyle\n");
 }

@@ -1,4 +1,4 @@
-// The library does not export its module host, so a program cannot see which module is current.
+// The library does not export its module binding, so a program cannot see which module is current.
 
 #include "tests/faults/current_module.h"
 

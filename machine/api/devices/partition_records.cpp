@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "base/utf.h"
+#include "platform/partition_types.h"
 
 namespace machine {
 
@@ -14,14 +15,6 @@ constexpr uint64_t sectorSize = 512;
 constexpr uint64_t gptSectors = 34;  // protective MBR, header and 128 entries; the copy lacks the first
 constexpr DWORD gptEntries = 128;
 constexpr size_t mbrSlots = 4;
-constexpr GUID dynamicDataType = {
-    0xaf9b60a0, 0x1431, 0x4f62, {0xbc, 0x68, 0x33, 0x11, 0x71, 0x4a, 0x69, 0xad}};
-
-// File systems that every Windows mounts.
-bool IsRecognizedType(uint8_t type) {
-    constexpr uint8_t recognized[] = {0x01, 0x04, 0x06, 0x07, 0x0B, 0x0C, 0x0E};
-    return std::find(std::begin(recognized), std::end(recognized), type) != std::end(recognized);
-}
 
 PARTITION_STYLE StyleOf(const Disk& disk) {
     switch (disk.style) {
@@ -53,7 +46,7 @@ PARTITION_INFORMATION_EX PartitionRecord(const Disk& disk, const Partition& part
     if (disk.style == PartitionStyle::Mbr) {
         record.Mbr.PartitionType = partition.mbrType;
         record.Mbr.BootIndicator = partition.bootIndicator;
-        record.Mbr.RecognizedPartition = IsRecognizedType(partition.mbrType);
+        record.Mbr.RecognizedPartition = PartitionTypeOf(partition.mbrType).extent == VDS_DET_DATA;
         record.Mbr.HiddenSectors = static_cast<DWORD>(partition.offset / sectorSize);
     } else if (disk.style == PartitionStyle::Gpt) {
         record.Gpt.PartitionType = partition.gptType;
@@ -101,7 +94,7 @@ std::vector<char> DriveLayoutRecord(const Disk& disk) {
 }
 
 bool IsDynamicDataOfGpt(const Disk& disk, const Partition& partition) {
-    return disk.style == PartitionStyle::Gpt && partition.gptType == Guid(dynamicDataType);
+    return disk.style == PartitionStyle::Gpt && partition.gptType == PARTITION_LDM_DATA_GUID;
 }
 
 }  // namespace machine

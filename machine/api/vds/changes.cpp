@@ -67,7 +67,7 @@ bool HoldsRunningWindows(const Pc& pc, const Partition& partition) {
 
 bool IsAcceptedType(const CHANGE_PARTITION_TYPE_PARAMETERS& parameters) {
     if (parameters.style == VDS_PST_GPT)
-        return IsSameGuid(parameters.GptPartInfo.partitionType, PARTITION_BASIC_DATA_GUID);
+        return parameters.GptPartInfo.partitionType == PARTITION_BASIC_DATA_GUID;
     Partition changed;
     changed.mbrType = parameters.MbrPartInfo.partitionType;
     return changed.mbrType != 0 && !IsExtended(PartitionStyle::Mbr, changed);

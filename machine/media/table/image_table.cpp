@@ -6,19 +6,18 @@
 #include "machine/media/device/store_errors.h"
 #include "machine/media/table/fdisk_session.h"
 #include "machine/media/table/table_check.h"
+#include "platform/partition_types.h"
 
 namespace machine {
 
 namespace {
 
 constexpr uint8_t mbrUnused = 0x00;
-constexpr uint8_t mbrExtended = 0x05;
-constexpr uint8_t mbrExtendedLba = 0x0F;
 constexpr uint8_t mbrExtendedLinux = 0x85;  // which Windows does not look into
 constexpr uint8_t mbrProtective = 0xEE;
 
 bool IsExtended(uint8_t type) {
-    return type == mbrExtended || type == mbrExtendedLba;
+    return PartitionTypeOf(type).extended;
 }
 
 uint8_t MbrTypeOf(fdisk_partition* entry) {

@@ -1,11 +1,12 @@
-// The module host with the framework: what it does in which module's state, for each of the loader's reasons.
+// The module binding with the framework: what it does in which module's state, for each of the loader's
+// reasons.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <utility>
 
-#include "diag/framework_host/module_app.h"
+#include "diag/framework_binding/module_app.h"
 #include "diag/module.h"
 #include "tests/diag/framework/recording.h"
 

@@ -1,4 +1,4 @@
-// What the module host did to the framework's stand-in, and what the stand-in shall fail at.
+// What the module binding did to the framework's stand-in, and what the stand-in shall fail at.
 #pragma once
 
 #include <string>

@@ -26,27 +26,23 @@ Json LetterOrNull(const Json& letter) {
     return letter == "0" ? Json() : letter;
 }
 
-struct TypeRole {
-    std::string type;  // as the status has it
-    const char* role;
-};
-
-const std::vector<TypeRole>& TypeRoles() {
-    static const std::vector<TypeRole> roles = {
-        {Hex(MBR_ID_OEM_RECOVERY, 2), "recovery"}, {Hex(MBR_ID_HIDDEN_RECOVERY, 2), "recovery"},
-        {Hex(MBR_ID_CACHE, 2), "cache"},           {GuidText(EXPCACHE_PARTITION_GUID), "cache"},
-        {GuidText(ORVOBOOT_GUID), "maker's boot"}, {GuidText(PARTITION_SYSTEM_GUID), "EFI system"},
-    };
-    return roles;
-}
-
 void AddRole(Json& partition, const char* role, const char* reason) {
     partition["roles"].push_back({{"role", role}, {"reason", reason}});
 }
 
-void AddTypeRole(Json& partition) {
-    for (const TypeRole& row : TypeRoles()) {
-        if (partition["type"] == row.type) AddRole(partition, row.role, "type");
+// A type as the status has it.
+std::string TypeText(BYTE id) {
+    return Hex(id, 2);
+}
+std::string TypeText(const GUID& guid) {
+    return GuidText(guid);
+}
+
+template <typename Rows>
+void AddTypeRole(Json& partition, const Rows& rows) {
+    for (const auto& row : rows) {
+        if (row.role != nullptr && partition["type"] == TypeText(row.type))
+            AddRole(partition, row.role, "type");
     }
 }
 
@@ -76,7 +72,8 @@ void AddPartitionRoles(Kestova& object, const Json& status, Json& partition) {
     const Json place = {{"disk", status["internalDisk"]}, {"partition", partition["number"]}};
     partition["hide"] = Ask(object, "IsNeedHidePartition", place)["result"] == 1;
     partition["roles"] = Json::array();
-    AddTypeRole(partition);
+    AddTypeRole(partition, mbrPartitionTypes);
+    AddTypeRole(partition, gptPartitionTypes);
     if (Ask(object, "IsBIOSHibernationPartition", place)["result"] == 1)
         AddRole(partition, "hibernation", "type");
     AddVolumeRoles(object, status, partition);

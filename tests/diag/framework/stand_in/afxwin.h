@@ -1,5 +1,5 @@
-// A stand-in for the framework's header: exactly what the module host uses of it, under the published names.
-// It records each call.
+// A stand-in for the framework's header: exactly what the module binding uses of it, under the published
+// names. It records each call.
 #pragma once
 
 #include "platform/windows_api.h"

@@ -188,8 +188,8 @@ TEST(PartitionInfo, TellsGptPartition) {
     const PARTITION_INFORMATION_EX info = reply.As<PARTITION_INFORMATION_EX>();
     EXPECT_EQ(info.PartitionStyle, PARTITION_STYLE_GPT);
     EXPECT_EQ(info.PartitionNumber, 5u);
-    EXPECT_TRUE(IsSameGuid(info.Gpt.PartitionType, PARTITION_BASIC_DATA_GUID));
-    EXPECT_TRUE(IsSameGuid(info.Gpt.PartitionId, pc.facts.disks[0].partitions[4].gptId));
+    EXPECT_TRUE(info.Gpt.PartitionType == PARTITION_BASIC_DATA_GUID);
+    EXPECT_TRUE(info.Gpt.PartitionId == pc.facts.disks[0].partitions[4].gptId);
     EXPECT_EQ(info.Gpt.Attributes, 0x8000000000000001u);
     EXPECT_STREQ(ToUtf8(info.Gpt.Name).c_str(), "Basic data partition");
 }
@@ -240,7 +240,7 @@ TEST(DriveLayout, GptTellsIdAndEveryPartition) {
     const DRIVE_LAYOUT_INFORMATION_EX layout = reply.As<DRIVE_LAYOUT_INFORMATION_EX>();
     EXPECT_EQ(layout.PartitionStyle, DWORD{PARTITION_STYLE_GPT});
     EXPECT_EQ(layout.PartitionCount, 6u);
-    EXPECT_TRUE(IsSameGuid(layout.Gpt.DiskId, pc.facts.disks[0].guid));
+    EXPECT_TRUE(layout.Gpt.DiskId == pc.facts.disks[0].guid);
     EXPECT_EQ(layout.Gpt.MaxPartitionCount, 128u);
 }
 

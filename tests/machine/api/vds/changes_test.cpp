@@ -172,7 +172,7 @@ TEST(ChangePartitionType, HidingTakesTheVolumeAndItsLettersAway) {
     EXPECT_EQ(SetType(client, 3, MBR_ID_HIDDEN_RECOVERY), S_OK);
     EXPECT_EQ(client.Partition(3).mbrType, MBR_ID_HIDDEN_RECOVERY);
     EXPECT_EQ(client.Partition(3).volume->letters, "");
-    EXPECT_TRUE(IsSameGuid(client.VolumeId(3), GUID_NULL));
+    EXPECT_TRUE(client.VolumeId(3) == GUID_NULL);
     IUnknown* none = nullptr;
     EXPECT_EQ(client.service->GetObject(data, VDS_OT_VOLUME, &none), VDS_E_OBJECT_NOT_FOUND);
     EXPECT_EQ(client.advanced->AssignDriveLetter(client.Partition(3).offset, TEXT('R')), S_OK);
@@ -185,8 +185,8 @@ TEST(ChangePartitionType, UnhidingMakesANewVolume) {
     const VDS_OBJECT_ID before = client.VolumeId(3);
     ASSERT_EQ(SetType(client, 3, MBR_ID_HIDDEN_RECOVERY), S_OK);
     ASSERT_EQ(SetType(client, 3, MBR_ID_NTFS), S_OK);
-    EXPECT_FALSE(IsSameGuid(client.VolumeId(3), GUID_NULL));
-    EXPECT_FALSE(IsSameGuid(client.VolumeId(3), before));
+    EXPECT_FALSE(client.VolumeId(3) == GUID_NULL);
+    EXPECT_FALSE(client.VolumeId(3) == before);
 }
 
 TEST(ChangePartitionType, HidingKeepsTheVolumeWhenTheSwitchSaysSo) {
@@ -195,9 +195,9 @@ TEST(ChangePartitionType, HidingKeepsTheVolumeWhenTheSwitchSaysSo) {
     const VDS_OBJECT_ID before = client.VolumeId(3);
     EXPECT_EQ(SetType(client, 3, MBR_ID_HIDDEN_RECOVERY), S_OK);
     EXPECT_EQ(client.Partition(3).volume->letters, "D");
-    EXPECT_TRUE(IsSameGuid(client.VolumeId(3), before));
+    EXPECT_TRUE(client.VolumeId(3) == before);
     EXPECT_EQ(SetType(client, 3, MBR_ID_NTFS), S_OK);
-    EXPECT_TRUE(IsSameGuid(client.VolumeId(3), before));
+    EXPECT_TRUE(client.VolumeId(3) == before);
 }
 
 TEST(ChangePartitionType, BetweenTwoTypesOfVolumesKeepsTheVolume) {
@@ -205,7 +205,7 @@ TEST(ChangePartitionType, BetweenTwoTypesOfVolumesKeepsTheVolume) {
     const VDS_OBJECT_ID before = client.VolumeId(3);
     EXPECT_EQ(SetType(client, 3, 0x0C), S_OK);
     EXPECT_EQ(client.Partition(3).volume->letters, "D");
-    EXPECT_TRUE(IsSameGuid(client.VolumeId(3), before));
+    EXPECT_TRUE(client.VolumeId(3) == before);
 }
 
 TEST(ChangePartitionType, RefusesWhatItCannotChange) {
@@ -235,14 +235,14 @@ TEST(ChangePartitionType, TakesTheRunningWindowsOnlyByForce) {
 TEST(ChangePartitionType, OnGptTakesBasicDataAlone) {
     DiskClient client(machine::FactoryGpt());
     EXPECT_EQ(SetType(client, 6, PARTITION_BASIC_DATA_GUID), S_OK);
-    EXPECT_TRUE(IsSameGuid(client.Partition(6).gptType, PARTITION_BASIC_DATA_GUID));
-    EXPECT_FALSE(IsSameGuid(client.VolumeId(6), GUID_NULL));
+    EXPECT_TRUE(client.Partition(6).gptType == PARTITION_BASIC_DATA_GUID);
+    EXPECT_FALSE(client.VolumeId(6) == GUID_NULL);
     EXPECT_EQ(SetType(client, 6, PARTITION_MSFT_RECOVERY_GUID), VDS_E_INVALID_PARTITION_TYPE);
     EXPECT_EQ(SetType(client, 4, PARTITION_BASIC_DATA_GUID), VDS_E_PARTITION_MSR);
     EXPECT_EQ(SetType(client, 6, MBR_ID_NTFS), VDS_E_PARTITION_STYLE_MISMATCH);
     PutOnMedium(client);
     EXPECT_EQ(SetType(client, 2, PARTITION_BASIC_DATA_GUID), VDS_E_NOT_SUPPORTED) << "on an image";
-    EXPECT_TRUE(IsSameGuid(client.Partition(2).gptType, PARTITION_MSFT_RECOVERY_GUID));
+    EXPECT_TRUE(client.Partition(2).gptType == PARTITION_MSFT_RECOVERY_GUID);
 }
 
 TEST(ChangePartitionType, WritesTheMediumFirst) {

@@ -90,8 +90,8 @@ TEST(DiskProperties, IdStaysWhileThePcLives) {
     DiskClient client(machine::WinPeTwoDisks());
     const VDS_OBJECT_ID first = DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0");
     const VDS_OBJECT_ID second = DiskId(client.service.Get(), "\\\\?\\PhysicalDrive1");
-    EXPECT_FALSE(IsSameGuid(first, second));
-    EXPECT_TRUE(IsSameGuid(first, DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0")));
+    EXPECT_FALSE(first == second);
+    EXPECT_TRUE(first == DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0"));
 }
 
 TEST(DiskProperties, OfADynamicDiskSayIt) {
@@ -119,7 +119,7 @@ TEST(QueryExtents, ListsPartitionsByOffsetAndTheFreeSpaceBetween) {
         EXPECT_EQ(extents[at].type, type) << at;
         EXPECT_EQ(extents[at].ullOffset, offset) << at;
         EXPECT_EQ(extents[at].ullSize, size) << at;
-        EXPECT_TRUE(IsSameGuid(extents[at].diskId, DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0")));
+        EXPECT_TRUE(extents[at].diskId == DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0"));
     };
     expectExtent(0, VDS_DET_FREE, 0, MiB);
     expectExtent(1, VDS_DET_UNKNOWN, MiB, GiB);
@@ -168,19 +168,19 @@ TEST(QueryExtents, AVolumeCanHaveAnotherTypeThanItsPartition) {
     DiskClient client(machine::FactoryMbr());
     client.Partition(2).volume->extentType = VDS_DET_UNUSABLE;
     EXPECT_EQ(ExtentsOf(client.disk.Get())[2].type, VDS_DET_UNUSABLE);
-    EXPECT_TRUE(IsSameGuid(client.VolumeId(2), GUID_NULL));
+    EXPECT_TRUE(client.VolumeId(2) == GUID_NULL);
 }
 
 TEST(QueryExtents, VolumesHaveIdsThatStay) {
     DiskClient client(machine::FactoryGpt());
     const VDS_OBJECT_ID windows = client.VolumeId(5);
-    EXPECT_FALSE(IsSameGuid(windows, GUID_NULL));
-    EXPECT_FALSE(IsSameGuid(windows, client.VolumeId(3))) << "the EFI system partition's";
-    EXPECT_FALSE(IsSameGuid(client.VolumeId(3), GUID_NULL));
-    EXPECT_TRUE(IsSameGuid(windows, client.VolumeId(5)));
-    EXPECT_TRUE(IsSameGuid(client.VolumeId(1), GUID_NULL)) << "an unknown type";
-    EXPECT_TRUE(IsSameGuid(client.VolumeId(2), GUID_NULL)) << "recovery";
-    EXPECT_TRUE(IsSameGuid(client.VolumeId(4), GUID_NULL)) << "reserved, without contents";
+    EXPECT_FALSE(windows == GUID_NULL);
+    EXPECT_FALSE(windows == client.VolumeId(3)) << "the EFI system partition's";
+    EXPECT_FALSE(client.VolumeId(3) == GUID_NULL);
+    EXPECT_TRUE(windows == client.VolumeId(5));
+    EXPECT_TRUE(client.VolumeId(1) == GUID_NULL) << "an unknown type";
+    EXPECT_TRUE(client.VolumeId(2) == GUID_NULL) << "recovery";
+    EXPECT_TRUE(client.VolumeId(4) == GUID_NULL) << "reserved, without contents";
 }
 
 TEST(AnyDiskMethod, OfADiskThatIsGoneSaysSo) {

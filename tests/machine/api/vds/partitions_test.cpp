@@ -48,7 +48,7 @@ TEST(QueryPartitions, TellsGptPartitions) {
     const std::vector<VDS_PARTITION_PROP> partitions = PartitionsOf(client.advanced.Get());
     ASSERT_EQ(partitions.size(), 6u);
     EXPECT_EQ(partitions[1].PartitionStyle, VDS_PST_GPT);
-    EXPECT_TRUE(IsSameGuid(partitions[1].Gpt.partitionType, PARTITION_MSFT_RECOVERY_GUID));
+    EXPECT_TRUE(partitions[1].Gpt.partitionType == PARTITION_MSFT_RECOVERY_GUID);
     EXPECT_EQ(GuidText(partitions[1].Gpt.partitionId), "6f1f3a52-0000-4000-8000-000000000002");
     EXPECT_EQ(partitions[1].Gpt.attributes, 0x8000000000000001u);
     EXPECT_EQ(partitions[1].Gpt.name[35], TEXT('x')) << "cut at 36 characters";

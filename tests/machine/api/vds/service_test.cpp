@@ -149,7 +149,7 @@ TEST(PackProperties, TheNameBelongsToTheCaller) {
     VDS_PACK_PROP properties{};
     ASSERT_EQ(pack->GetProperties(&properties), S_OK);
     EXPECT_EQ(ToUtf8(properties.pwszName), "pair");
-    EXPECT_FALSE(IsSameGuid(properties.id, GUID_NULL));
+    EXPECT_FALSE(properties.id == GUID_NULL);
     EXPECT_EQ(client.OnLoan()["VDS_PACK_PROP name"], 1);
     CoTaskMemFree(properties.pwszName);
     EXPECT_EQ(client.OnLoan().count("VDS_PACK_PROP name"), 0u);

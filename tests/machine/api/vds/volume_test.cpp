@@ -21,7 +21,7 @@ TEST(FileSystemProperties, TellTheLabelWhichTheCallerOwns) {
     ASSERT_EQ(volume->GetFileSystemProperties(&properties), S_OK);
     EXPECT_EQ(ToUtf8(properties.pwszLabel), "Windows");
     EXPECT_EQ(properties.type, VDS_FST_NTFS);
-    EXPECT_TRUE(IsSameGuid(properties.volumeId, id));
+    EXPECT_TRUE(properties.volumeId == id);
     EXPECT_EQ(properties.ullTotalAllocationUnits * properties.ulAllocationUnitSize, client.Partition(2).size);
     EXPECT_EQ(client.OnLoan()["VDS_FILE_SYSTEM_PROP label"], 1);
     CoTaskMemFree(properties.pwszLabel);

@@ -1,4 +1,4 @@
-#include "diag/framework_host/module_app.h"
+#include "diag/framework_binding/module_app.h"
 
 #include <afxdllx.h>
 
@@ -6,10 +6,11 @@
 
 namespace {
 
-// The library's own module state. It makes no windows, so the framework's procedure stands for theirs.
+// The library's own module state. The library creates no windows; the framework's window procedure fills the
+// argument.
 AFX_MODULE_STATE ownState(TRUE, AfxWndProc, _MFC_VER);
 
-// The application object registers itself in the state that is current while it is made.
+// The application object registers itself in the state that is current during its construction.
 AFX_MODULE_STATE* const hostState = AfxSetModuleState(&ownState);
 CModuleApp theApp;
 [[maybe_unused]] AFX_MODULE_STATE* const stateOfTheApp = AfxSetModuleState(hostState);
@@ -35,7 +36,7 @@ BOOL StartApplication(HINSTANCE instance) {
     return TRUE;
 }
 
-// FALSE when there is no memory for the record. The framework owns it, until the module's end.
+// FALSE if there is no memory for the record, which the framework owns until the module is unloaded.
 BOOL LinkIntoHost() {
     try {
         new CDynLinkLibrary(extensionModule);
@@ -47,7 +48,7 @@ BOOL LinkIntoHost() {
     }
 }
 
-// The record goes into the chain of the module that is current, which must be the host again by then.
+// The record is added to the chain of the current module, which must be the host application's again by then.
 BOOL Load(HINSTANCE instance) {
     return StartApplication(instance) && AfxInitExtensionModule(extensionModule, instance) && LinkIntoHost();
 }
@@ -87,8 +88,8 @@ bool ModuleContext::IsCurrent() {
     return AfxGetModuleState() == &ownState;
 }
 
-// The loader calls it for each of its four reasons. A thread that begins needs nothing. After a load that
-// failed the loader calls it for the unload too.
+// The loader calls it for each of its four reasons, and after a failed load for the unload too. A new thread
+// needs nothing.
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     switch (reason) {
         case DLL_PROCESS_ATTACH:

@@ -1,4 +1,4 @@
-#include "logging/host.h"
+#include "logging/platform.h"
 
 #include <new>
 #include <string>
@@ -11,7 +11,7 @@ namespace {
 
 using Text = std::basic_string<WCHAR>;
 
-constexpr DWORD longestText = 32768;  // of an environment variable, and of a path
+constexpr DWORD longestText = 32768;  // of an environment variable or a path, in units
 
 // Empty when the variable is not set.
 Text Setting(const WCHAR* name) {
@@ -20,7 +20,7 @@ Text Setting(const WCHAR* name) {
     return value;
 }
 
-// A relative path is meant from where the program was started, wherever it goes later.
+// Resolved once: a relative path is relative to the folder in which the program was started.
 Text FullPath(const Text& path) {
     Text full(longestText, 0);
     full.resize(GetFullPathNameW(path.c_str(), longestText, full.data(), nullptr));

@@ -1,4 +1,4 @@
-#include "logging/host.h"
+#include "logging/platform.h"
 
 DWORD LastErrorCode() {
     return 0;

@@ -1,14 +1,14 @@
-// What the logging library asks of where it runs. windows/ answers with a log file; memory/ keeps nothing of
-// its own, and the sinks that are added have the records.
+// What the logging library needs from its platform. windows/ writes a log file; memory/ stores nothing, and
+// only the sinks that a program adds receive the records.
 #pragma once
 
 #include "logging/logging.h"
 
-// The calling thread's last error code, which the records of a failed call must not change.
+// The calling thread's last error code, which writing a record must not change.
 DWORD LastErrorCode();
 void SetLastErrorCode(DWORD code);
 
-// Keeps the code over its life.
+// Restores the code at the end of its scope.
 class LastErrorKept {
   public:
     LastErrorKept() : code_(LastErrorCode()) {}
@@ -20,5 +20,5 @@ class LastErrorKept {
     DWORD code_;
 };
 
-// The sink that the logger begins with, never destroyed; null without one.
+// The sink that the logger starts with, which is never destroyed; null if there is none.
 ILogSink* StandardSink() noexcept;

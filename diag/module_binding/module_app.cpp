@@ -1,4 +1,4 @@
-#include "diag/reduced_host/module_app.h"
+#include "diag/module_binding/module_app.h"
 
 #include <atomic>
 
@@ -8,7 +8,7 @@ namespace {
 
 CModuleApp theApp;
 
-// Calls that are running. One number for all threads: what a toolchain keeps for each thread outlives the
+// Calls in progress, on all threads: some toolchains keep thread-local storage beyond the unload of the
 // module.
 std::atomic<int> callsRunning = 0;
 
@@ -40,7 +40,7 @@ bool ModuleContext::IsCurrent() {
     return callsRunning > 0;
 }
 
-// The loader calls it for each of its four reasons. Threads own nothing here.
+// The loader calls it for each of its four reasons. Nothing is kept for threads.
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     switch (reason) {
         case DLL_PROCESS_ATTACH:
