@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "machine/description/description.h"
 #include "machine/description/node.h"
 #include "machine/facts/call_table.h"
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <set>
 
 #include "machine/description/checks.h"
@@ -99,7 +100,8 @@ Json Parse(const std::string& text, const std::string& file) {
 
 Pc ReadDescription(const std::string& text, const std::string& fileName) {
     const Json json = Parse(text, fileName);
-    Pc pc = description::ReadRecord(description::PcType(), description::Node(json, fileName), Pc());
+    Pc pc;
+    description::ReadPc(description::Node(json, fileName), pc);
     description::CheckDescription(pc, fileName);
     return pc;
 }
