@@ -16,7 +16,7 @@ bool IsAlphanumeric(const std::string& key) {
     });
 }
 
-// The kind of a value, as the messages name it.
+// The kind of a value, for messages.
 std::string Kind(const Json& value) {
     switch (value.type()) {
         case Json::value_t::object:

@@ -1,4 +1,5 @@
-// Registry keys as JSON: an object with a key for each path, in it one for each value.
+// Registry keys as JSON: an object with a key for each path, containing an object with a key for each
+// value.
 
 #include <map>
 
@@ -34,7 +35,7 @@ void WriteValue(Output out, const RegistryValue& value) {
     HexBytes::Write(out.Key("hex"), value.data, {});
 }
 
-// The entries of an object by name; fails for two names that differ only in case.
+// Reads the entries of an object by name; fails for two names that differ only in case.
 template <typename Entry, typename Read>
 std::map<std::string, Entry> ReadByName(const Node& node, Read read) {
     node.ExpectObject();

@@ -151,16 +151,16 @@ constexpr Field<RunningSystem> systemFields[] = {
 constexpr RecordType<RunningSystem> systemType = {
     .fields = systemFields, .leading = 1, .standard = StandardSystem};
 
-constexpr Field<HostProgram> hostFields[] = {
-    {"path", Optional, through<&HostProgram::path, Text>},
-    {"files", Optional, through<&HostProgram::files, Files>},
+constexpr Field<HostApplication> hostFields[] = {
+    {"path", Optional, through<&HostApplication::path, Text>},
+    {"files", Optional, through<&HostApplication::files, Files>},
 };
-constexpr RecordType<HostProgram> hostType = {hostFields};
+constexpr RecordType<HostApplication> hostType = {hostFields};
 
 constexpr Field<Shell> shellFields[] = {
     {"milliseconds", Optional, through<&Shell::milliseconds, Number<uint32_t>>},
     {"regFails", Optional, through<&Shell::regFails, Flag>},
-    {"tellsProcess", Optional, through<&Shell::tellsProcess, Flag>},
+    {"tellsProcess", Optional, through<&Shell::returnsProcess, Flag>},
 };
 constexpr RecordType<Shell> shellType = {shellFields};
 

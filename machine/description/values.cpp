@@ -16,7 +16,7 @@ struct Unit {
 constexpr Unit units[] = {
     {"TiB", uint64_t{1} << 40}, {"GiB", uint64_t{1} << 30}, {"MiB", uint64_t{1} << 20}, {"KiB", 1024}};
 
-// The whole of a decimal number, or of a hexadecimal one with 0x in front.
+// A decimal number, or a hexadecimal one with 0x in front; nothing if anything follows it.
 std::optional<uint64_t> NumberFromText(std::string_view text) {
     const bool hex = text.starts_with("0x") || text.starts_with("0X");
     if (hex) text.remove_prefix(2);

@@ -6,7 +6,7 @@ namespace machine {
 
 namespace {
 
-// Slashes only, none at either end.
+// The path with slashes only, none at either end.
 std::string Normal(std::string_view path) {
     std::string normal(path);
     std::replace(normal.begin(), normal.end(), '\\', '/');

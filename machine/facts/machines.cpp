@@ -104,7 +104,7 @@ Disk FactoryGptDisk() {
     return disk;
 }
 
-// The factory disk with a data partition between Windows and recovery, which is locked.
+// The factory disk with an additional data partition, which is locked, between Windows and recovery.
 Disk SharedGptDisk() {
     Volume locked = MakeVolume("D", "", {}, "RAW");
     locked.label = Fact<std::string>::Fails(lockedVolume);
@@ -124,7 +124,7 @@ Volume RecoveryMedium(const char* letter, DriveType driveType, const char* fileS
     return medium;
 }
 
-// A value of MountedDevices for a partition of a GPT disk.
+// The MountedDevices value of a GPT partition.
 std::pair<const std::string, RegistryValue> MountedDevice(char letter, const Guid& partitionId) {
     constexpr uint32_t binary = 3;
     const std::string id(reinterpret_cast<const char*>(&partitionId), sizeof(GUID));

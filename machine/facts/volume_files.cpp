@@ -13,10 +13,10 @@ namespace {
 
 struct FullPath {
     char drive = '\0';
-    std::string inner;  // below the drive, with slashes
+    std::string inner;  // path below the drive, with slashes
 };
 
-// The parts between slashes and backslashes, with "." and ".." resolved; ".." stays at the root.
+// Joins the parts between slashes and backslashes with "." and ".." resolved; ".." never leaves the root.
 std::string Resolved(std::string_view path) {
     std::vector<std::string_view> parts;
     for (size_t start = 0; start <= path.size();) {
@@ -47,7 +47,7 @@ uint32_t Split(std::string_view path, FullPath& full) {
     return ERROR_SUCCESS;
 }
 
-// System32 of the running system as a 32-bit program sees it; other paths stay.
+// Redirects System32 of the running system for a 32-bit program; other paths are unchanged.
 void Redirect(const Pc& pc, FullPath& full) {
     constexpr std::string_view folder = "System32";
     FullPath system;
@@ -69,7 +69,7 @@ std::string Parent(const std::string& inner) {
     return slash == std::string::npos ? std::string() : inner.substr(0, slash);
 }
 
-// What lies under one drive letter: the host program's files before the volume's.
+// The files of one drive letter: those beside the host application hide the volume's.
 class Drive {
   public:
     Drive(Pc& pc, char letter) {
@@ -89,13 +89,13 @@ class Drive {
         return volume_->Find(inner);
     }
 
-    // Why a path means nothing here.
+    // The error for a path that does not exist.
     uint32_t WhyMissing(const std::string& inner) {
         if (KindOf(Parent(inner)) == FileKind::Folder) return ERROR_FILE_NOT_FOUND;
         return volumeError_ != ERROR_SUCCESS ? volumeError_ : ERROR_PATH_NOT_FOUND;
     }
 
-    // The files among which the path is, or would be. Its folder exists.
+    // The store that contains the path or would receive it. Its folder exists.
     FileStore& HolderOf(const std::string& inner) {
         const bool onVolume = volumeError_ == ERROR_SUCCESS && volume_->Find(inner) != FileKind::None;
         const bool withHost = host_ && host_->Covers(inner);
@@ -103,7 +103,7 @@ class Drive {
         return *volume_;
     }
 
-    // Whether a file could be put at that path, and if not, why.
+    // 0 if a file can be written at the path, otherwise the error.
     uint32_t WhyUnwritable(const std::string& inner) {
         if (KindOf(inner) == FileKind::Folder) return ERROR_ACCESS_DENIED;
         if (KindOf(Parent(inner)) != FileKind::Folder)

@@ -9,7 +9,7 @@ namespace machine {
 
 namespace {
 
-// Fills a VARIANT from the value and tells its CIM type.
+// Stores the value in a VARIANT and returns its CIM type.
 class VariantWriter {
   public:
     VariantWriter(EmulatedPc& pc, VARIANT& variant) : pc_(pc), variant_(variant) {}
@@ -39,7 +39,7 @@ class VariantWriter {
     VARIANT& variant_;
 };
 
-// The value of a VARIANT; nothing for a kind that no property has.
+// The value of a VARIANT; nothing for a type that no property has.
 std::optional<WmiValue> ValueOf(const VARIANT& variant) {
     switch (V_VT(&variant)) {
         case VT_NULL:

@@ -1,4 +1,4 @@
-// Paths as they come to a FileStore.
+// Splits and normalises the paths passed to a FileStore.
 #pragma once
 
 #include <string>
@@ -7,10 +7,10 @@
 
 namespace machine {
 
-// The names of the path, from the root on; the empty path has none.
+// The names in the path, from the root; the empty path has none.
 std::vector<std::string> NamesOf(std::string_view path);
 
-// The path with one slash between its names and none around them.
+// The path with single slashes between its names and none around them.
 std::string Normalized(std::string_view path);
 
 }  // namespace machine

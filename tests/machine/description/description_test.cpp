@@ -283,7 +283,7 @@ TEST(ReadDescription, ShellIsQuickAndWorksUnlessToldOtherwise) {
     EXPECT_TRUE(Read("{}").shell == Shell());
     EXPECT_TRUE(
         Read(R"({"shell": {"milliseconds": 60000, "regFails": true, "tellsProcess": false}})").shell ==
-        (Shell{.milliseconds = 60000, .regFails = true, .tellsProcess = false}));
+        (Shell{.milliseconds = 60000, .regFails = true, .returnsProcess = false}));
 }
 
 TEST(ReadDescription, LogicalPartitionsLieInsideTheExtendedOne) {

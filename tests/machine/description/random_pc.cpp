@@ -265,10 +265,10 @@ Pc Generator::MakePc() {
     offlineSystemHive = MakeRegistry();
     static_cast<void>(hiveReader);
 
-    auto& [milliseconds, regFails, tellsProcess] = shell;
+    auto& [milliseconds, regFails, returnsProcess] = shell;
     milliseconds = Number<uint32_t>();
     regFails = Sometimes();
-    tellsProcess = Sometimes();
+    returnsProcess = Sometimes();
     encryptableVolumes = ValueOrNothing<std::vector<EncryptableVolume>>([&] { return MakeEncryptable(); });
 
     auto& [activeFlagIsExclusive, letterless, volumesRefuseLetterCalls, hidingRemovesVolume,

@@ -106,7 +106,7 @@ TEST(ShellExecuteEx, HandsOutNoProcessUnlessItIsAskedForAndTold) {
     info.hProcess = INVALID_HANDLE_VALUE;
     EXPECT_TRUE(ShellExecuteExW(&info));
     EXPECT_EQ(info.hProcess, nullptr);
-    pc.facts.shell.tellsProcess = false;
+    pc.facts.shell.returnsProcess = false;
     info = Info();
     EXPECT_TRUE(ShellExecuteExW(&info));
     EXPECT_EQ(info.hProcess, nullptr);
