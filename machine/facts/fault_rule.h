@@ -7,9 +7,9 @@
 namespace machine {
 
 struct FaultRule {
-    std::string call;      // the published name: "CreateFileW", "IVdsAdvancedDisk::ChangeAttributes"
-    uint32_t nth = 0;      // which call of that name fails, from 1; 0: every call
-    bool onwards = false;  // and all later ones
+    std::string call;          // the published name: "CreateFileW", "IVdsAdvancedDisk::ChangeAttributes"
+    uint32_t nth = 0;          // which call of that name fails, from 1; 0: every call
+    bool onwards = false;      // and all later ones
     bool afterEffect = false;  // fails after doing its work; matters only to calls that change the PC
     uint32_t code = 0;         // a result code, a last error, or the returned value itself
 

@@ -19,6 +19,8 @@ struct LocatedVolume {
 // The volume with that letter (in either case); partitions come before volumes without a disk.
 LocatedVolume FindLetter(Pc& pc, char letter);
 
+inline constexpr uint32_t errorLockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
+
 // 0 if the volume can be read, otherwise the error: 1005 for an unknown file system, 0x80310000 for one
 // that BitLocker keeps locked.
 uint32_t WhyUnreadable(const Volume& volume);

@@ -1,5 +1,6 @@
 #include "machine/facts/machines.h"
 
+#include "machine/facts/letters.h"
 #include "platform/partition_types.h"
 
 namespace machine {
@@ -8,8 +9,7 @@ namespace {
 
 constexpr uint64_t MiB = 1024ULL * 1024;
 constexpr uint64_t GiB = 1024 * MiB;
-constexpr uint32_t lockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
-constexpr uint32_t xtsAes128 = 6;              // of Win32_EncryptableVolume
+constexpr uint32_t xtsAes128 = 6;  // of Win32_EncryptableVolume
 constexpr const char* sataController = "PCI\\VEN_8086&DEV_2922&SUBSYS_20F017AA&REV_03\\3&11583659&0&FA";
 constexpr const char* cacheController = "PCI\\VEN_8086&DEV_282A&SUBSYS_20F017AA&REV_03\\3&11583659&0&FB";
 
@@ -107,7 +107,7 @@ Disk FactoryGptDisk() {
 // The factory disk with an additional data partition, which is locked, between Windows and recovery.
 Disk SharedGptDisk() {
     Volume locked = MakeVolume("D", "", {}, "RAW");
-    locked.label = Fact<std::string>::Fails(lockedVolume);
+    locked.label = Fact<std::string>::Fails(errorLockedVolume);
     Disk disk = FactoryGptDisk();
     disk.partitions[4].size = 200 * GiB;
     disk.partitions[5] = GptPartition(6, MiB + 204 * GiB, 270 * GiB, PARTITION_BASIC_DATA_GUID,

@@ -117,9 +117,9 @@ struct Disk {
     uint32_t busType = 11;               // VDS bus type; 11 is SATA
     uint64_t size = 0;                   // bytes
     PartitionStyle style = PartitionStyle::Mbr;
-    uint32_t signature = 0;      // on MBR disks
-    Guid guid;                   // on GPT disks
-    std::string pack;            // name of a pack of the PC; empty: an implicit pack of its own, which is online
+    uint32_t signature = 0;  // on MBR disks
+    Guid guid;               // on GPT disks
+    std::string pack;        // name of a pack of the PC; empty: an implicit pack of its own, which is online
     bool unallocated = false;    // listed as unallocated; then in a pack only if `pack` names one
     std::optional<WmiDisk> wmi;  // absent: WMI does not list the disk
     Fact<std::string> location = std::string();     // SetupAPI location text; error 13: no such property

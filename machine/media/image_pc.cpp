@@ -59,7 +59,7 @@ Partition* FindWindows(Pc& pc) {
 // Assigns C, D, ... in the order of disks and partitions; the running Windows is C.
 void DealLetters(Pc& pc) {
     std::string free = "CDEFGHIJKLMNOPQRSTUVWXYZ";
-    const auto deal = [&](Partition& partition) {
+    const auto assign = [&](Partition& partition) {
         partition.volume->letters = free.substr(0, 1);
         free.erase(0, 1);
     };
@@ -68,14 +68,14 @@ void DealLetters(Pc& pc) {
     const Partition* windows = nullptr;
     if (pc.system.kind == SystemKind::Windows) {
         if (Partition* found = FindWindows(pc)) {
-            deal(*found);
+            assign(*found);
             windows = found;
         }
     }
     for (Disk& disk : pc.disks) {
         for (Partition& partition : disk.partitions) {
             if (&partition != windows && !free.empty() && GetsLetter(disk, partition, pc.system.kind))
-                deal(partition);
+                assign(partition);
         }
     }
 }

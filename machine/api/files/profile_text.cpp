@@ -21,13 +21,7 @@ WideView Trimmed(WideView text) {
 }
 
 bool SameName(WideView left, WideView right) {
-    const auto upper = [](WCHAR unit) {
-        return unit >= TEXT('a') && unit <= TEXT('z') ? static_cast<WCHAR>(unit - TEXT('a') + TEXT('A'))
-                                                      : unit;
-    };
-    const WideView a = Trimmed(left), b = Trimmed(right);
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](WCHAR x, WCHAR y) { return upper(x) == upper(y); });
+    return UpperCase(WideString(Trimmed(left))) == UpperCase(WideString(Trimmed(right)));
 }
 
 // The section name of a header line, ignoring what follows the bracket; nothing for other lines.

@@ -27,7 +27,4 @@ std::string NameOf(EmulatedPc& pc, const void* handle);
 // physical disk. All parts are null for a file, and for a device that is gone.
 LocatedVolume DeviceOf(EmulatedPc& pc, const FileHandle& file);
 
-// The disk of that number, or null.
-Disk* FindDisk(Pc& pc, uint32_t number);
-
 }  // namespace machine

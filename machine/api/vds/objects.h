@@ -6,6 +6,7 @@
 #include <map>
 
 #include "machine/api/com/object.h"
+#include "machine/facts/find_disk.h"
 #include "platform/vds.h"
 
 namespace machine {
@@ -61,10 +62,6 @@ class VdsObjects {
     std::map<VolumePlace, VdsVolume*> volumes_;
 };
 
-// The disk with that number, or null.
-Disk* FindDisk(Pc& pc, uint32_t number);
-// The first partition that begins at the offset, or null.
-Partition* FindPartition(Disk& disk, uint64_t offset);
 // The disk as an argument in the journal.
 std::string DiskText(uint32_t number);
 

@@ -96,8 +96,8 @@ HRESULT WmiObject::Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type, 
         if (property == nullptr) return static_cast<HRESULT>(WBEM_E_NOT_FOUND);
         Empty(flavor);
         if (value != nullptr) {
-            const CIMTYPE told = std::visit(VariantWriter(pc, *value), *property);
-            if (type != nullptr) *type = told;
+            const CIMTYPE cimType = std::visit(VariantWriter(pc, *value), *property);
+            if (type != nullptr) *type = cimType;
         }
         return S_OK;
     });

@@ -43,7 +43,7 @@ class FatVolumeTest : public ImageTest, public testing::WithParamInterface<const
 
 INSTANTIATE_TEST_SUITE_P(Formats, FatVolumeTest, testing::Values("fat12", "fat16", "fat32"));
 
-TEST_P(FatVolumeTest, FindLooksUpWithoutRegardToCase) {
+TEST_P(FatVolumeTest, OtherCase_Find_ReturnsTheFile) {
     FatVolume volume = Open();
 
     EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
@@ -57,11 +57,11 @@ TEST_P(FatVolumeTest, FindLooksUpWithoutRegardToCase) {
     EXPECT_EQ(volume.Find("RECOVERY"), FileKind::None) << "the label";
 }
 
-TEST_P(FatVolumeTest, FindKnowsShortNamesToo) {
+TEST_P(FatVolumeTest, ShortName_Find_ReturnsTheFile) {
     EXPECT_EQ(Open().Find("sources/IMAGEO~1.WIM"), FileKind::File);
 }
 
-TEST_P(FatVolumeTest, ReadGivesWhatOtherToolsRead) {
+TEST_P(FatVolumeTest, AnyFile_Read_MatchesMtools) {
     FatVolume volume = Open();
     std::string content;
 
@@ -72,7 +72,7 @@ TEST_P(FatVolumeTest, ReadGivesWhatOtherToolsRead) {
     EXPECT_EQ(content, "[Recovery]\r\nVersion=1\r\n");
 }
 
-TEST_P(FatVolumeTest, ReadOfNoFileSaysWhy) {
+TEST_P(FatVolumeTest, FolderOrMissingFile_Read_FailsWithItsError) {
     FatVolume volume = Open();
     std::string content = "as it was";
 
@@ -81,7 +81,7 @@ TEST_P(FatVolumeTest, ReadOfNoFileSaysWhy) {
     EXPECT_EQ(content, "as it was");
 }
 
-TEST_P(FatVolumeTest, ReadFollowsAFileInPieces) {
+TEST_P(FatVolumeTest, FragmentedFile_Read_FollowsTheChain) {
     const std::string file = PutFragmented("pieces.bin", 150001);
     std::string content;
 
@@ -92,7 +92,7 @@ TEST_P(FatVolumeTest, ReadFollowsAFileInPieces) {
     EXPECT_EQ(Open().Find("filler1"), FileKind::File);
 }
 
-TEST_P(FatVolumeTest, FolderOfManyClustersAndDeletedFilesIsListedWhole) {
+TEST_P(FatVolumeTest, LongFolderWithDeletedFiles_Find_ListsItCompletely) {
     Mtools("mmd", "::many");
     OutputOf("mkdir '" + (Folder() / "many").string() + "' && cd '" + (Folder() / "many").string() +
              "' && for i in $(seq 300); do echo $i >\"a file with a long name $i\"; done");
@@ -106,7 +106,7 @@ TEST_P(FatVolumeTest, FolderOfManyClustersAndDeletedFilesIsListedWhole) {
     EXPECT_EQ(volume.Find("many/a file with a long name 150"), FileKind::None);
 }
 
-TEST_P(FatVolumeTest, EmptyFileAndNameBeyondAscii) {
+TEST_P(FatVolumeTest, EmptyFileAndUnicodeName_Read_Succeeds) {
     OutputOf("cd '" + Folder().string() +
              "' && : >empty && echo x >'Größe.txt' && LC_ALL=C.UTF-8 mcopy -i '" + image_ +
              "' empty 'Größe.txt' ::");
@@ -119,7 +119,7 @@ TEST_P(FatVolumeTest, EmptyFileAndNameBeyondAscii) {
     EXPECT_EQ(content, "x\n");
 }
 
-TEST_P(FatVolumeTest, WriteAndRemoveAreRefusedAndChangeNothing) {
+TEST_P(FatVolumeTest, AnyFile_WriteAndRemove_FailAndChangeNothing) {
     FatVolume volume = Open();
 
     EXPECT_EQ(volume.Write("SystemVolume.ini", "x"), 19u);
@@ -129,7 +129,7 @@ TEST_P(FatVolumeTest, WriteAndRemoveAreRefusedAndChangeNothing) {
     EXPECT_TRUE(AreSame(std::string(KESTOVA_TEST_IMAGES) + "/" + format_, image_));
 }
 
-TEST_P(FatVolumeTest, TruncatedVolumeHoldsNothing) {
+TEST_P(FatVolumeTest, TruncatedVolume_Find_ReturnsNothing) {
     std::filesystem::resize_file(image_, std::filesystem::file_size(image_) - 512);
     FatVolume volume = Open();
     std::string content;
@@ -159,7 +159,7 @@ class FatCircleTest : public ImageTest {
     }
 };
 
-TEST_F(FatCircleTest, CountsAsDamage) {
+TEST_F(FatCircleTest, ClusterChainWithACycle_Read_FailsAsDamaged) {
     for (const uint64_t backTo : {0U, 1U, 3U, 4U}) {
         std::string content = "as it was";
         EXPECT_EQ(WithCircle(backTo).Read("circle", content), 1392u) << backTo;

@@ -44,7 +44,7 @@ uint32_t NumberAt(const std::string& bytes, size_t at) {
     return number;
 }
 
-TEST_F(HivexReaderTest, LettersOfTheInstalledWindows) {
+TEST_F(HivexReaderTest, InstalledWindows_Read_ReturnsItsLetters) {
     RegistryKeys keys;
 
     ASSERT_EQ(HivexReader().Read(Hive(), keys), 0u);
@@ -62,7 +62,7 @@ TEST_F(HivexReaderTest, LettersOfTheInstalledWindows) {
               std::string("DMIO:ID:\x52\x3A\x1F\x6F\0\0\0\x40\x80\0\0\0\0\0\0\x05", 24));
 }
 
-TEST_F(HivexReaderTest, ValuesAreWhatAnotherToolLists) {
+TEST_F(HivexReaderTest, AnyHive_Read_MatchesHivexregedit) {
     RegistryKeys keys;
     const std::string hive = With(
         "[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup]\n\n[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup\\Inner]\n@=\"the default\"\n"
@@ -80,7 +80,7 @@ TEST_F(HivexReaderTest, ValuesAreWhatAnotherToolLists) {
                 HasSubstr("\"Number\"=dword:00000102"));
 }
 
-TEST_F(HivexReaderTest, FileThatIsNoHiveLeavesTheKeys) {
+TEST_F(HivexReaderTest, FileWithoutHive_Read_LeavesTheKeysUnchanged) {
     const std::string hive = Hive();
     const RegistryKeys before = {{"Key", {}}};
     for (const std::string& file : {std::string(), std::string("regf"), std::string(8192, '\0'),
@@ -91,7 +91,7 @@ TEST_F(HivexReaderTest, FileThatIsNoHiveLeavesTheKeys) {
     }
 }
 
-TEST_F(HivexReaderTest, KeysInACircleAreRefused) {
+TEST_F(HivexReaderTest, KeysWithACycle_Read_IsRefused) {
     std::string hive = Hive();
     const size_t list = 0x1000 + NumberAt(hive, rootKey + 4 + 0x1C) + 4;
     ASSERT_EQ(hive.substr(list, 2), "lh");
@@ -101,7 +101,7 @@ TEST_F(HivexReaderTest, KeysInACircleAreRefused) {
     EXPECT_EQ(HivexReader().Read(hive, keys), 1009u);
 }
 
-TEST_F(HivexReaderTest, KeysDeeperThanThePlatformAllowsAreRefused) {
+TEST_F(HivexReaderTest, KeysNestedTooDeep_Read_IsRefused) {
     std::string keysOfHive;
     std::string path = "HKEY_LOCAL_MACHINE\\SYSTEM";
     for (int i = 0; i < 513; ++i) {

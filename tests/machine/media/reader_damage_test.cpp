@@ -94,39 +94,39 @@ void AskHive(const std::string& image) {
 constexpr uint64_t KiB = 1024;
 constexpr Stretch fatParameters = {11, 64};
 
-TEST_F(ReaderDamageTest, Fat12) {
+TEST_F(ReaderDamageTest, DamagedFat12_Read_AnswersOrFails) {
     const std::string image = MadeImage("stick-fat12.img");
     ExpectUnharmed(image, fatParameters, 1, AskStick);
     ExpectUnharmed(image, {0, 24 * KiB}, 2, AskStick);
 }
 
-TEST_F(ReaderDamageTest, Fat16) {
+TEST_F(ReaderDamageTest, DamagedFat16_Read_AnswersOrFails) {
     const std::string image = MadeImage("stick-fat16.img");
     ExpectUnharmed(image, fatParameters, 3, AskStick);
     ExpectUnharmed(image, {2 * KiB, 3 * KiB}, 4, AskStick);
 }
 
-TEST_F(ReaderDamageTest, Fat32) {
+TEST_F(ReaderDamageTest, DamagedFat32_Read_AnswersOrFails) {
     const std::string image = MadeImage("stick-fat32.img");
     ExpectUnharmed(image, fatParameters, 5, AskStick);
     ExpectUnharmed(image, {16 * KiB, 17 * KiB}, 6, AskStick);
 }
 
-TEST_F(ReaderDamageTest, Iso) {
+TEST_F(ReaderDamageTest, DamagedIso_Read_AnswersOrFails) {
     ExpectUnharmed(MadeImage("disc-iso.iso"), {32 * KiB, 64 * KiB}, 7, AskDisc);
 }
 
-TEST_F(ReaderDamageTest, Joliet) {
+TEST_F(ReaderDamageTest, DamagedJoliet_Read_AnswersOrFails) {
     ExpectUnharmed(MadeImage("disc-joliet.iso"), {32 * KiB, 72 * KiB}, 8, AskDisc);
 }
 
-TEST_F(ReaderDamageTest, Udf) {
+TEST_F(ReaderDamageTest, DamagedUdf_Read_AnswersOrFails) {
     const std::string image = MadeImage("disc-udf.iso");
     ExpectUnharmed(image, {64 * KiB, 76 * KiB}, 9, AskDisc);
     ExpectUnharmed(image, {512 * KiB, 552 * KiB}, 10, AskDisc);
 }
 
-TEST_F(ReaderDamageTest, Hive) {
+TEST_F(ReaderDamageTest, DamagedHive_Read_AnswersOrFails) {
     const std::string hive = HiveFile();
     ExpectUnharmed(hive, {0, 4 * KiB}, 11, AskHive);
     ExpectUnharmed(hive, {4 * KiB, 6 * KiB}, 12, AskHive);

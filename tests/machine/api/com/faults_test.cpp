@@ -289,17 +289,17 @@ void ExpectInjected(const Row& row, uint32_t code) {
 
 }  // namespace
 
-TEST(InjectedFault, IsTheAnswerAndLeavesNothing) {
+TEST(InjectedFault, EveryCall_ReturnsTheCodeAndClearsOutputs) {
     for (const Row& row : Rows())
         ExpectInjected(row, 0x80004005);
 }
 
-TEST(InjectedSuccess, LeavesNothingEither) {
+TEST(InjectedSuccess, EveryCall_ReturnsSuccessAndClearsOutputs) {
     for (const Row& row : Rows())
         ExpectInjected(row, 0);
 }
 
-TEST(InjectedFault, HasARowForEveryCall) {
+TEST(InjectedFault, EveryCall_HasARow) {
     std::map<std::string, int> rows;
     for (const Row& row : Rows())
         ++rows[row.call];
