@@ -57,7 +57,7 @@ Partition* FindWindows(Pc& pc) {
 }
 
 // Assigns C, D, ... in the order of disks and partitions; the running Windows is C.
-void DealLetters(Pc& pc) {
+void AssignLetters(Pc& pc) {
     std::string free = "CDEFGHIJKLMNOPQRSTUVWXYZ";
     const auto assign = [&](Partition& partition) {
         partition.volume->letters = free.substr(0, 1);
@@ -98,7 +98,7 @@ Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAcc
     }
     const bool isUefi = !pc.disks.empty() && pc.disks.front().style == PartitionStyle::Gpt;
     pc.firmware.kind = isUefi ? FirmwareKind::Uefi : FirmwareKind::Bios;
-    DealLetters(pc);
+    AssignLetters(pc);
     pc.registry["HKLM\\SYSTEM\\MountedDevices"] = MountedDevicesOf(pc);
     pc.encryptableVolumes = EncryptableVolumesOf(pc);
     pc.hiveReader = std::make_shared<HivexReader>();

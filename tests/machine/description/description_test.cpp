@@ -1,4 +1,4 @@
-// What a description says, and what is said of one that is wrong.
+// What a description means, and the errors of an invalid one.
 
 #include "machine/description/description.h"
 
@@ -12,7 +12,7 @@ Pc Read(const std::string& text) {
     return ReadDescription(text, "pc.json");
 }
 
-// What is wrong with a description; empty when nothing is.
+// The error of a description; empty for a valid one.
 std::string ErrorOf(const std::string& text) {
     try {
         Read(text);
@@ -22,7 +22,7 @@ std::string ErrorOf(const std::string& text) {
     }
 }
 
-// A PC with one disk of 1 GiB on which these keys, or these partitions, stand besides.
+// A PC with one disk of 1 GiB that has these further keys, or these partitions.
 std::string WithDisk(const std::string& keys) {
     return R"({"disks": [{"number": 0, "size": "1 GiB", )" + keys + "}]}";
 }
@@ -36,6 +36,10 @@ struct WrongText {
     std::string text;
     std::string error;  // after "pc.json: "
 };
+
+void PrintTo(const WrongText& wrong, std::ostream* out) {
+    *out << wrong.name;
+}
 
 class WrongDescription : public testing::TestWithParam<WrongText> {};
 
@@ -273,7 +277,7 @@ TEST(ReadDescription, EncryptableVolumes_CanBeAbsentEmptyOrListed) {
     EXPECT_TRUE(pc.encryptableVolumes.value() == (std::vector{encrypted, locked}));
 }
 
-// The library hands the letter on as it is told.
+// The library returns the letter in the case of the description.
 TEST(ReadDescription, EncryptableVolume_KeepsTheCaseOfItsLetter) {
     const Pc pc = Read(R"({"encryptableVolumes": [{"driveLetter": "d:"}]})");
     EXPECT_EQ(pc.encryptableVolumes.value().at(0).driveLetter, "d:");

@@ -1,4 +1,4 @@
-// docs/pc-description.md tells everything that the reader knows, and its example is a description.
+// docs/pc-description.md documents everything that the reader accepts, and its example is valid.
 
 #include <gtest/gtest.h>
 
@@ -102,7 +102,7 @@ TEST(ReadDescription, TruncatedText_IsRefused) {
         EXPECT_THROW(ReadDescription(example.substr(0, length), "example.json"), DescriptionError) << length;
 }
 
-// One byte after the other becomes another one: the text is refused or read, never anything else.
+// Changes one byte at a time: the text is either refused or read.
 TEST(ReadDescription, DamagedText_IsReadOrRefused) {
     const std::string example = Example();
     const std::string damage("\"{9\0\xFF", 5);

@@ -1,4 +1,4 @@
-// What is written reads back to the same PC.
+// A written description reads back as the same PC.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ TEST(WriteDescription, PredefinedMachines_ReadBackTheSame) {
     }
 }
 
-// KESTOVA_SEED in the environment repeats the run of that seed.
+// Set KESTOVA_SEED in the environment to repeat a run.
 TEST(WriteDescription, RandomPcs_ReadBackTheSame) {
     const char* const given = std::getenv("KESTOVA_SEED");
     const auto first = given != nullptr ? static_cast<uint32_t>(std::stoul(given)) : std::random_device()();

@@ -12,7 +12,7 @@ using machine::VolumeFiles;
 
 namespace {
 
-// An image that was opened for reading only, with one file "data/on image.txt".
+// An image opened for reading only, with one file "data/on image.txt".
 class ReadOnlyStore final : public machine::FileStore {
   public:
     FileKind Find(std::string_view path) override {

@@ -11,7 +11,7 @@ namespace {
 
 using Rules = std::vector<FaultRule>;
 
-// Which of the first five calls of that name fail.
+// The numbers of the calls that fail among the first five of that name.
 std::vector<bool> FirstFive(FaultPlan& plan, const std::string& call) {
     std::vector<bool> fails;
     for (int i = 0; i < 5; ++i)

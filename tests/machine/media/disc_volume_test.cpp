@@ -1,4 +1,4 @@
-// Files of recovery discs, looked at with isoinfo where it knows the format.
+// Files of recovery discs, compared with isoinfo where it supports the format.
 #include "tests/machine/media/image_fixture.h"
 
 #include "machine/media/volumes/iso_volume.h"
@@ -16,7 +16,7 @@ class DiscVolumeTest : public ImageTest {
         const auto file = std::make_shared<ImageFile>(image, ImageAccess::Read);
         return DiscVolume(VolumeBytes(file, 0, file->Size()));
     }
-    // A disc that holds a folder with these files of the shell's making.
+    // A disc with a folder of files created by the shell commands.
     std::string DiscOf(const std::string& script, const std::string& options) {
         const std::string folder = (Folder() / "content").string();
         std::string disc = (Folder() / "disc.iso").string();
@@ -124,7 +124,7 @@ TEST_F(DiscVolumeTest, TruncatedDisc_Read_FailsForTheLostFiles) {
     EXPECT_EQ(content, "as it was");
 }
 
-// On a file that takes no room on a disk, and would take as much memory as the length says.
+// A sparse file, whose damaged length could exhaust memory.
 TEST_F(DiscVolumeTest, DamagedFileLength_Read_DoesNotAllocateIt) {
     const std::string image = MadeImage("disc-iso.iso");
     const std::string bytes = ContentOf(image);

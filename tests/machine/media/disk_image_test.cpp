@@ -1,4 +1,4 @@
-// What an image tells about the disk that it is.
+// The facts of a disk on an image.
 #include "machine/media/disk_image.h"
 
 #include <gmock/gmock.h>
@@ -21,7 +21,7 @@ std::vector<uint32_t> NumbersOf(const Disk& disk) {
     return numbers;
 }
 
-// One word a partition: its letter, "none" for a volume without one, "-" without a volume.
+// One word per partition: its letter, "none" for a volume without one, "-" without a volume.
 std::vector<std::string> LettersOf(const Disk& disk) {
     std::vector<std::string> letters;
     for (const Partition& partition : disk.partitions) {
@@ -143,7 +143,7 @@ TEST_F(AttachImageTest, DescribedPartitions_AreMergedByNumber) {
     disk.image = FactoryMbrImage();
     Partition windows;
     windows.number = 2;
-    windows.size = 1;  // the image knows better
+    windows.size = 1;  // overridden by the image
     windows.volume.emplace();
     windows.volume->letters = "W";
     windows.volume->openError = 5;

@@ -1,4 +1,4 @@
-// The installed Windows' SYSTEM hive, read out of its image and checked with hivexregedit.
+// The SYSTEM hive of the installed Windows, read from its image and compared with hivexregedit.
 #include "machine/media/hivex_reader.h"
 
 #include <gmock/gmock.h>
@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::Key;
 
 constexpr const char* hivePath = "windows/system32/CONFIG/system";
-constexpr uint64_t rootKey = 0x1020;  // where the image's script puts it
+constexpr uint64_t rootKey = 0x1020;  // where the script that makes the image puts it
 
 class HivexReaderTest : public ImageTest {
   protected:
@@ -27,7 +27,7 @@ class HivexReaderTest : public ImageTest {
         EXPECT_EQ(disk.partitions[1].volume->store->Read(hivePath, content), 0u);
         return content;
     }
-    // The hive with the keys of a .reg file added.
+    // The hive with the keys of a .reg file merged into it.
     std::string With(const std::string& keys) {
         const std::string hive = (Folder() / "hive").string();
         std::ofstream(hive, std::ios::binary) << Hive();
@@ -54,7 +54,7 @@ TEST_F(HivexReaderTest, InstalledWindows_Read_ReturnsItsLetters) {
     EXPECT_THAT(devices,
                 ElementsAre(Key("\\DosDevices\\C:"), Key("\\DosDevices\\D:"), Key("\\DosDevices\\E:"),
                             Key("\\DosDevices\\F:"), Key("\\DosDevices\\G:")));
-    // Signature and offset of an MBR disk's partition, as the disk's table has them.
+    // Signature and offset of an MBR partition from the disk's table.
     EXPECT_EQ(devices["\\DosDevices\\C:"].type, REG_BINARY);
     EXPECT_EQ(devices["\\DosDevices\\C:"].data, std::string("\xD4\xC3\xB2\xA1\0\0\x90\x02\0\0\0\0", 12));
     EXPECT_EQ(devices["\\DosDevices\\D:"], devices["\\DosDevices\\G:"]);

@@ -1,5 +1,5 @@
-// Truncated and damaged images at many places: an answer or an ImageError, never a crash, never a write,
-// never a word on the terminal.
+// Truncated and damaged images at many places: each is read or refused with an ImageError, without a crash,
+// a write or terminal output.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 class ImageDamageTest : public ImageTest {};
 
-// Opens the image in each way and asks what the library would ask, as far as it opens.
+// Opens the image in each mode and makes the library's queries as far as possible.
 void AskEverything(const std::string& image) {
     for (const ImageAccess access : {ImageAccess::Read, ImageAccess::Overlay, ImageAccess::Write}) {
         try {
@@ -28,12 +28,12 @@ void AskEverything(const std::string& image) {
                 if (access != ImageAccess::Write) partition.volume->store->Write("SystemVolume.ini", "[x]");
             }
         } catch (const ImageError&) {
-            // A refusal is an answer.
+            // A refusal is expected.
         }
     }
 }
 
-// Puts one byte after another in, asks, and puts back what was there; `places` are file offsets.
+// Damages one byte at a time, runs the queries and restores it; `places` are file offsets.
 void ExpectUnharmed(const std::string& original, const std::string& image,
                     const std::vector<uint64_t>& places, uint32_t seed) {
     std::mt19937 random(seed);

@@ -1,4 +1,4 @@
-// What an image PC tells besides its disks: encrypted volumes, and the letters that its registry remembers.
+// The facts of an image PC besides its disks: encrypted volumes, and the letters in its registry.
 #include <gmock/gmock.h>
 
 #include "machine/facts/volume_files.h"

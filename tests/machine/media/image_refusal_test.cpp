@@ -1,5 +1,5 @@
-// Files that are no disk, damaged tables, and volumes that must not be changed: a clear message, and not one
-// byte of the file touched.
+// Files without a disk, damaged tables, and volumes that must not be changed: each is refused with a clear
+// message and left untouched.
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -23,7 +23,7 @@ class ImageRefusalTest : public ImageTest {
         std::ofstream(path, std::ios::binary) << content;
         return path;
     }
-    // Expects the same message for each access, behind the file's name, and the file as it was.
+    // Expects that message after the file name for each access, and an unchanged file.
     void ExpectRefused(const std::string& image, const std::string& message) {
         const std::string copy = (Folder() / "before").string();
         OutputOf("cp --sparse=always '" + image + "' '" + copy + "'");
@@ -31,7 +31,7 @@ class ImageRefusalTest : public ImageTest {
             EXPECT_EQ(Complaint(image, access), image + ": " + message);
         EXPECT_TRUE(AreSame(copy, image));
     }
-    // For messages with libfdisk's words in them.
+    // For messages that contain libfdisk's text.
     void ExpectRefusedWith(const std::string& image, const std::string& part) {
         const std::string copy = (Folder() / "before").string();
         OutputOf("cp --sparse=always '" + image + "' '" + copy + "'");
@@ -41,7 +41,7 @@ class ImageRefusalTest : public ImageTest {
         }
         EXPECT_TRUE(AreSame(copy, image));
     }
-    // A number of four bytes in a table.
+    // Writes a 32-bit number into a table.
     void PatchSectors(const std::string& image, uint64_t offset, uint32_t value) {
         for (int i = 0; i < 4; ++i)
             PatchByte(image, offset + static_cast<uint64_t>(i), static_cast<uint8_t>(value >> 8 * i));
@@ -63,7 +63,7 @@ TEST_F(ImageRefusalTest, FolderOrDevice_Attach_IsRefused) {
     EXPECT_EQ(Complaint(pipe), pipe + ": not a regular file");
 }
 
-// Root may read everything, so while it lives root is somebody else.
+// Root may read everything, so this runs as another user while it exists.
 class OrdinaryUser {
   public:
     OrdinaryUser() : before_(geteuid()) { changed_ = before_ != 0 || seteuid(65534) == 0; }
@@ -125,7 +125,7 @@ TEST_F(ImageRefusalTest, TruncatedGptImage_Attach_IsRefused) {
     ExpectRefusedWith(image, "truncated");
 }
 
-// The memory for its entries would be as much as the file, which takes no room on a disk.
+// Reading the entries would take as much memory as the sparse file is long.
 TEST_F(ImageRefusalTest, GptWithTooManyEntries_Attach_IsRefused) {
     const std::string claim =
         "the GUID partition table is damaged: its entries claim to take 4294967168 bytes";
@@ -161,7 +161,7 @@ TEST_F(ImageRefusalTest, LogicalChainWithACycle_Attach_IsRefused) {
         PartitionedImage(40,
                          "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n"
                          "6: start=20480,size=2048,type=7\\n");
-    // The second link leads back to the first.
+    // The second link refers back to the first.
     const uint64_t second = 8192 * 512 + uint64_t{20480 - 2048 - 8192} * 512;
     ASSERT_EQ(ByteAt(image, second + 510), 0x55);
     PatchByte(image, second + 462 + 4, 0x05);
@@ -203,7 +203,7 @@ TEST_F(ImageRefusalTest, BrokenLogicalChain_Attach_IsRefused) {
 
 TEST_F(ImageRefusalTest, DamagedGpt_Attach_DoesNotUseTheBackup) {
     const std::string image = FactoryGptImage();
-    PatchByte(image, 512 + 56, 0xFF);  // the disk's GUID, below the header's checksum
+    PatchByte(image, 512 + 56, 0xFF);  // the disk's GUID, covered by the header's checksum
     ExpectRefusedWith(image, "the partition table is damaged: ");
 }
 
@@ -223,7 +223,7 @@ TEST_F(ImageRefusalTest, DamagedGptAndBackup_Attach_IsRefused) {
     ExpectRefused(image, "the GUID partition table is damaged, or the image is truncated");
 }
 
-// ntfsfix leaves the volume marked, so that Windows checks it.
+// ntfsfix leaves the volume marked dirty, so that Windows checks it.
 TEST_F(ImageRefusalTest, DirtyVolume_Attach_IsAcceptedForReadingOnly) {
     const std::string image = FactoryMbrImage();
     const std::string partition = PartitionFile(image, 181, 90);
@@ -263,7 +263,7 @@ TEST_F(ImageRefusalTest, HibernatedVolume_Attach_IsAcceptedForReadingOnly) {
     EXPECT_TRUE(AreSame(before, image));
 }
 
-// The record of the master file table with that number on partition 2, "Windows".
+// The offset of a record in the master file table of partition 2, "Windows".
 uint64_t RecordPlace(const std::string& image, uint64_t number) {
     const std::string cluster =
         OutputOf("od -An -tu8 -j " + std::to_string(61 * MiB + 0x30) + " -N 8 '" + image + "'");

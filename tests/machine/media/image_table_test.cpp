@@ -1,4 +1,4 @@
-// Changes of a partition table in an image: exactly the bytes that they need.
+// Changes of a partition table on an image, checked byte by byte.
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -16,7 +16,7 @@ bool flushesFail = false;
 
 }  // namespace
 
-// In the place of the C library's, for a medium that takes no bytes from the cache.
+// Replaces the C library's function, to emulate a medium whose cache cannot be flushed.
 extern "C" int fsync(int descriptor) {
     if (!flushesFail) return static_cast<int>(syscall(SYS_fsync, descriptor));
     errno = EIO;
@@ -39,23 +39,23 @@ class ImageTableTest : public ImageTest {
     std::string image_ = FactoryMbrImage("changed.img");
 };
 
-// While it lives no file can be written from that byte on, as if the medium failed there.
-class FullMedium {
+// While it exists, writes at or after that byte fail, as on a defective medium.
+class DefectiveMedium {
   public:
-    explicit FullMedium(rlim_t firstBadByte) {
+    explicit DefectiveMedium(rlim_t firstBadByte) {
         signal(SIGXFSZ, SIG_IGN);
         getrlimit(RLIMIT_FSIZE, &before_);
         rlimit limit = before_;
         limit.rlim_cur = firstBadByte;
         setrlimit(RLIMIT_FSIZE, &limit);
     }
-    ~FullMedium() { setrlimit(RLIMIT_FSIZE, &before_); }
+    ~DefectiveMedium() { setrlimit(RLIMIT_FSIZE, &before_); }
 
   private:
     rlimit before_ = {};
 };
 
-// While it lives bytes stay in the cache.
+// While it exists, flushing fails.
 class UnreachableMedium {
   public:
     UnreachableMedium() { flushesFail = true; }
@@ -90,7 +90,7 @@ TEST_F(ImageTableTest, FactoryMbr_SetActiveAndType_AreOnTheMediumAfterEachCall) 
 
 TEST_F(ImageTableTest, FlagOnTheMediumOnly_SetActive_ClearsItToo) {
     const Disk disk = Attach(image_, ImageAccess::Write);
-    PatchByte(image_, 446 + 3 * 16, 0x80);  // which the disk's facts do not know of
+    PatchByte(image_, 446 + 3 * 16, 0x80);  // unknown to the disk's facts
 
     EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Clear), 0u);
 
@@ -158,7 +158,7 @@ TEST_F(ImageTableTest, LogicalPartition_SetType_ChangesItsOwnSector) {
     EXPECT_EQ(disk.table->SetMbrType(10240 * 512, 0x17), 0u);
     EXPECT_EQ(ByteAt(image, 8192 * 512 + 450), 0x17);
     EXPECT_EQ(disk.table->SetMbrType(8192 * 512, 0x07),
-              87u);  // the extended partition is no partition to change
+              87u);  // the extended partition cannot be changed
 }
 
 TEST_F(ImageTableTest, OffsetWithoutPartition_Change_IsRefused) {
@@ -201,7 +201,7 @@ TEST_F(ImageTableTest, FailingMedium_Change_FailsWithIoError) {
     const Disk disk = Attach(image_, ImageAccess::Write);
     uint32_t result = 0;
     {
-        const FullMedium medium(0);
+        const DefectiveMedium medium(0);
         result = disk.table->SetActive(recovery, true, OtherFlags::Keep);
     }
 
@@ -218,7 +218,7 @@ TEST_F(ImageTableTest, FlagAfterAFailedFlush_SetActive_IsWrittenAgain) {
     }
     const std::vector<TableEntry> entries = disk.table->Entries();
     {
-        const FullMedium medium(0);
+        const DefectiveMedium medium(0);
         results[1] = disk.table->SetActive(recovery, true, OtherFlags::Clear);
     }
 
@@ -238,7 +238,7 @@ TEST_F(ImageTableTest, TypeAfterAFailedFlush_SetType_IsWrittenAgain) {
         results[0] = disk.table->SetMbrType(recovery, 0x12);
     }
     {
-        const FullMedium medium(0);
+        const DefectiveMedium medium(0);
         results[1] = disk.table->SetMbrType(recovery, 0x12);
     }
 
@@ -247,7 +247,7 @@ TEST_F(ImageTableTest, TypeAfterAFailedFlush_SetType_IsWrittenAgain) {
     EXPECT_EQ(results[1], 1117u);
 }
 
-TEST_F(ImageTableTest, WritableMbr_Entries_AreTheCurrentOnes) {
+TEST_F(ImageTableTest, DryRunGptOrErasedTable_Entries_AreEmpty) {
     EXPECT_EQ(Attach(image_, ImageAccess::Read).table->Entries().size(), 4u);
     EXPECT_THAT(Attach(image_, ImageAccess::Overlay).table->Entries(), testing::IsEmpty());
     EXPECT_THAT(Attach(FactoryGptImage(), ImageAccess::Write).table->Entries(), testing::IsEmpty());
@@ -256,7 +256,7 @@ TEST_F(ImageTableTest, WritableMbr_Entries_AreTheCurrentOnes) {
     EXPECT_THAT(disk.table->Entries(), testing::IsEmpty()) << "the table is gone";
 }
 
-TEST_F(ImageTableTest, TableErasedMeanwhile_Change_FailsWithIoError) {
+TEST_F(ImageTableTest, TableErasedMeanwhile_Change_Fails) {
     const Disk disk = Attach(image_, ImageAccess::Write);
     PatchByte(image_, 511, 0);
 

@@ -1,4 +1,4 @@
-// Discs and sticks in a PC: letters, drives, and files that are neither.
+// Discs and sticks in a PC: letters, drives, and files that are refused.
 #include "machine/media/medium_image.h"
 
 #include "machine/facts/machines.h"
@@ -9,7 +9,8 @@ namespace {
 
 class MediumImageTest : public ImageTest {
   protected:
-    // What is said of a file that is no disc, or no stick; the PC stays as it was.
+    // The error of inserting a file without a disc or stick, which leaves the PC unchanged; empty on
+    // success.
     template <typename Insert>
     std::string Refusal(Insert insert, const std::string& path) {
         Pc pc = WinPeTwoDisks();
@@ -155,7 +156,7 @@ TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
         const std::string stick = cut(name, 2ULL * 1024 * 1024);
         EXPECT_EQ(Refusal(InsertStick, stick), isCut(stick, fileSystem));
     }
-    // What is left of a volume can look like a partition table without an entry.
+    // A damaged volume can look like an empty partition table.
     const std::string sector = cut("stick-fat32.img", 512);
     EXPECT_EQ(
         Refusal(InsertStick, sector),
@@ -165,7 +166,7 @@ TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
 
 TEST_F(MediumImageTest, DamagedMedium_Insert_IsRefused) {
     const std::string disc = MadeImage("disc-udf.iso");
-    PatchByte(disc, 257ULL * 2048 + 1, 0);  // the way to the root folder
+    PatchByte(disc, 257ULL * 2048 + 1, 0);  // the descriptor that leads to the root folder
     const std::string stick = MadeImage("stick-fat32.img");
     PatchByte(stick, 44, 0);  // the root folder's cluster
 

@@ -1,4 +1,4 @@
-// Files of an NTFS volume in an image, looked at afterwards with the tools of ntfs-3g.
+// Files of an NTFS volume on an image, checked with the tools of ntfs-3g.
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -36,14 +36,14 @@ class NtfsVolumeTest : public ImageTest {
     Disk disk_;
 };
 
-// Where the text stands in the file, as UTF-16.
+// The offset of the text in the file, as UTF-16.
 uint64_t FindWide(const std::string& file, const std::string& text) {
     std::ifstream stream(file, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
     std::string wide;
     for (const char character : text)
         wide += {character, '\0'};
-    // The index of the folder has the name too; the record of the file begins with FILE.
+    // The name is also in the folder's index; the record of the file begins with FILE.
     for (size_t at = bytes.find(wide); at != std::string::npos; at = bytes.find(wide, at + 1)) {
         const size_t record = at / 1024 * 1024;
         if (bytes.compare(record, 4, "FILE") == 0 && (bytes[record + 22] & 2) == 0) return record;
@@ -106,7 +106,7 @@ TEST_F(NtfsVolumeTest, NewFile_Write_IsOnTheMediumWhenItReturns) {
 
     EXPECT_EQ(store.Write("SystemVolume.ini", iniText), 0u);
 
-    // The image is still open: what the tools see does not wait for its closing.
+    // The image is still open: the changes are visible to other tools before it is closed.
     EXPECT_EQ(Content("SystemVolume.ini"), iniText);
     EXPECT_THAT(Listing(), HasSubstr("SystemVolume.ini"));
     EXPECT_TRUE(IsConsistent());
@@ -188,7 +188,7 @@ TEST_F(NtfsVolumeTest, FolderOrSystemFile_Remove_Fails) {
 }
 
 TEST_F(NtfsVolumeTest, ReadOnlyFile_WriteAndRemove_Fail) {
-    // The attribute stands in the file's first record, in its standard information.
+    // The attribute is in the standard information of the file's record.
     const std::string partition = Cut();
     PatchByte(partition, FindWide(partition, "Winload.exe") + 0x70, 0x01);
     PutPartition(partition, image_, 61);
@@ -212,7 +212,7 @@ TEST_F(NtfsVolumeTest, FullVolume_Write_FailsAndKeepsTheOldContent) {
     EXPECT_TRUE(IsConsistent());
 }
 
-TEST_F(NtfsVolumeTest, FailingMedium_WriteAndRemove_FailWithIoError) {
+TEST_F(NtfsVolumeTest, FailingMedium_Write_FailsWithIoError) {
     FileStore& store = Open(ImageAccess::Write);
     signal(SIGXFSZ, SIG_IGN);
     rlimit before = {};

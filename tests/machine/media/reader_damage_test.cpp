@@ -1,5 +1,5 @@
-// Damaged discs, sticks and hives: many bytes become others, and whatever is asked is answered or refused,
-// never more, and never a write.
+// Damaged discs, sticks and hives: with many bytes changed, each query is answered or refused, without a
+// crash or a write.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -16,7 +16,7 @@ namespace {
 
 class ReaderDamageTest : public ImageTest {
   protected:
-    // A file that holds the hive of the installed Windows.
+    // A file with the hive of the installed Windows.
     std::string HiveFile() {
         const Disk disk = Attach(MadeImage("installed-windows.img"));
         std::string content;
@@ -27,13 +27,13 @@ class ReaderDamageTest : public ImageTest {
     }
 };
 
-// A stretch of a file, in bytes.
+// A range of a file, in bytes.
 struct Stretch {
     uint64_t from;
     uint64_t to;
 };
 
-// Makes up to 16 bytes of the stretch others at a time, asks, and puts back what was there, many times over.
+// Repeatedly changes up to 16 bytes of the range, runs the queries and restores the bytes.
 void ExpectUnharmed(const std::string& image, Stretch stretch, uint32_t seed,
                     void (*ask)(const std::string& image)) {
     constexpr int rounds = 1000;
@@ -44,7 +44,7 @@ void ExpectUnharmed(const std::string& image, Stretch stretch, uint32_t seed,
         std::vector<uint64_t> places;
         for (auto count = 1 + random() % 16; count > 0; --count) {
             places.push_back(stretch.from + random() % (stretch.to - stretch.from));
-            // Zeros, ones and all bits lead further than others.
+            // Zeros, ones and all bits set are the most effective values.
             const uint8_t values[] = {0, 1, 0xFF, static_cast<uint8_t>(random())};
             PatchByte(image, places.back(), values[random() % 4]);
         }
@@ -72,7 +72,7 @@ void AskDisc(const std::string& image) {
         InsertDisc(pc, image);
         AskFiles(*pc.volumes.front().store);
     } catch (const ImageError&) {
-        // A refusal is an answer.
+        // A refusal is expected.
     }
 }
 
@@ -82,7 +82,7 @@ void AskStick(const std::string& image) {
         InsertStick(pc, image);
         AskFiles(*pc.volumes.front().store);
     } catch (const ImageError&) {
-        // A refusal is an answer.
+        // A refusal is expected.
     }
 }
 

@@ -20,7 +20,7 @@ TEST(CoTaskMemory, AllocateAndFree_IsCountedUntilFreed) {
 
 TEST(CoTaskMemory, FreedTwice_IsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
-    void* volatile memory = CoTaskMemAlloc(16);  // volatile: the compiler must not see through it
+    void* volatile memory = CoTaskMemAlloc(16);  // volatile, to prevent optimisation
     CoTaskMemFree(memory);
     CoTaskMemFree(memory);
     EXPECT_EQ(pc.ledger.Violations().size(), 1u);

@@ -1,4 +1,4 @@
-// Identity, references and their books.
+// Identity, references and their ledger entries.
 #include "machine/facts/machines.h"
 #include "tests/machine/api/com/com_client.h"
 

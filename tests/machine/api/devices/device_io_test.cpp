@@ -7,7 +7,7 @@ using machine::EmulatedPc;
 
 namespace {
 
-// What one control answered on a device.
+// The result of one control on a device.
 struct Reply {
     BOOL result = FALSE;
     DWORD error = 0;

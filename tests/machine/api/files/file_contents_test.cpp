@@ -10,7 +10,7 @@ HANDLE Create(DWORD access = GENERIC_WRITE) {
     return CreateFileW(file, access, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-// What the file holds; nothing when there is none.
+// The content of the file; nothing if it does not exist.
 std::optional<std::string> Content(EmulatedPc& pc) {
     const auto* const entry = pc.facts.disks[0].partitions[2].volume->files.Find("new.txt");
     return entry != nullptr ? std::optional(entry->content) : std::nullopt;
@@ -20,7 +20,7 @@ BOOL Write(HANDLE handle, std::string_view bytes, DWORD* written) {
     return WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), written, nullptr);
 }
 
-// The file's bytes in pieces of that size, up to the end.
+// Reads the file in pieces of that size up to the end.
 std::vector<std::string> ReadPieces(HANDLE handle, DWORD size) {
     std::vector<std::string> pieces;
     for (;;) {

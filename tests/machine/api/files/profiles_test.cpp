@@ -24,7 +24,7 @@ std::string IniContent(EmulatedPc& pc) {
     return entry != nullptr ? entry->content : "<none>";
 }
 
-// What a read with the default "none" gives.
+// The result of reading with the default "none".
 std::string Read(const WCHAR* section, const WCHAR* key) {
     WCHAR value[260];
     const INT length = GetPrivateProfileStringW(section, key, TEXT("none"), value, 260, iniPath);

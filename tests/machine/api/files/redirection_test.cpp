@@ -5,7 +5,7 @@ using machine::EmulatedPc;
 
 namespace {
 
-// A 32-bit program on a 64-bit system: the loader is in System32 only, one library is in SysWOW64 only.
+// A 32-bit program on a 64-bit system: the loader exists only in System32, one library only in SysWOW64.
 machine::Pc EmulatingPc() {
     machine::Pc pc = machine::FactoryMbr();
     pc.system.emulates32Bit = true;

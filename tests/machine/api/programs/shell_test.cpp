@@ -1,4 +1,4 @@
-// The shell, its batch files, and the hives that their `reg` lines mount and take away.
+// The shell, its batch files, and the hives that their `reg` lines mount and unmount.
 
 #include "machine/facts/file_stores.h"
 #include "machine/journal/clock.h"
@@ -16,7 +16,7 @@ constexpr const char* hiveFile = "Windows/System32/config/SYSTEM";
 constexpr const char* load = "reg load HKLM\\TEMSYSTEM D:\\Windows\\System32\\Config\\SYSTEM\r\nexit\r\n";
 constexpr const char* unload = "reg unload HKLM\\TEMSYSTEM\r\nexit\r\n";
 
-// Windows PE with a batch file on X:, and an installed Windows at D: whose hive knows the letter C:.
+// Windows PE with a batch file on X:, and an installed Windows on D: whose hive records the letter C:.
 machine::Pc PcWithBatch(const std::string& content) {
     machine::Pc pc = machine::WinPeTwoDisks();
     pc.volumes[0].files.PutFile(batch, content);
@@ -33,7 +33,7 @@ SHELLEXECUTEINFOW Info(const WCHAR* file = u"X:\\LoadRegistry.bat") {
     return info;
 }
 
-// Runs the batch to its end; the exit codes of its `reg` lines.
+// Runs the batch to its end and returns the exit codes of its `reg` lines.
 std::vector<std::string> RunToEnd(EmulatedPc& pc, const std::string& content) {
     pc.facts.volumes[0].files.PutFile(batch, content);
     pc.journal.Clear();

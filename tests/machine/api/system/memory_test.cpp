@@ -33,7 +33,7 @@ TEST(GlobalAlloc, TooLargeOrMovable_FailsWithItsError) {
 
 TEST(GlobalFree, UnknownBlock_IsReturnedAndIsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
-    // Out of the compiler's sight, which knows what may be freed.
+    // Hidden from the compiler, which knows what may be freed.
     void* volatile elsewhere = reinterpret_cast<void*>(uintptr_t{0x1000});
     void* const unknown = elsewhere;
     EXPECT_EQ(GlobalFree(unknown), unknown);

@@ -1,4 +1,4 @@
-// The active flag, attributes and types of partitions, and what becomes of their volumes.
+// Changes of the active flag, attributes and types of partitions, and their effect on volumes.
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/machine/api/com/com_client.h"
@@ -42,7 +42,7 @@ std::vector<int> BootIndicators(DiskClient& client) {
 
 constexpr uint64_t MiB = 1024ULL * 1024;
 
-// Writes down what reaches the medium, and fails when told to.
+// Records what reaches the medium, and fails on request.
 class RecordingTable final : public machine::PartitionTable {
   public:
     uint32_t SetActive(uint64_t offset, bool active, machine::OtherFlags others) override {
@@ -57,8 +57,8 @@ class RecordingTable final : public machine::PartitionTable {
     std::vector<machine::TableEntry> Entries() override { return entries; }
 
     std::vector<std::string> writes;
-    std::vector<machine::TableEntry> entries;  // what reads after a failure
-    int failsIn = 0;                           // the write that fails, from 1
+    std::vector<machine::TableEntry> entries;  // the result of Entries() after a failure
+    int failsIn = 0;                           // which write fails, from 1
 };
 
 std::shared_ptr<RecordingTable> PutOnMedium(DiskClient& client) {

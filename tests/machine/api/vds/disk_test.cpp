@@ -16,7 +16,7 @@ machine::Partition PartitionAt(uint32_t number, uint64_t offset, uint64_t size) 
     return partition;
 }
 
-// The extent type of a lone partition.
+// The extent type of the only partition.
 int ExtentTypeOf(machine::PartitionStyle style, machine::Partition partition) {
     machine::Pc facts = machine::FactoryMbr();
     facts.disks[0].style = style;

@@ -1,11 +1,11 @@
-// The loader, the service, its lists and packs.
+// The loader, the service, its enumerations and packs.
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/machine/api/com/com_client.h"
 
 namespace {
 
-// A disk of that number with an empty table, named D and its number.
+// A disk with that number and an empty table, named D with its number.
 machine::Disk EmptyDisk(uint32_t number) {
     machine::Disk disk;
     disk.number = number;

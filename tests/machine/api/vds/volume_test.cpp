@@ -1,4 +1,4 @@
-// What the service tells of a volume's file system.
+// The file-system properties of a volume.
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/machine/api/com/com_client.h"

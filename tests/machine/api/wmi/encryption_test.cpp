@@ -41,7 +41,7 @@ std::string ObjectPath(const std::string& deviceId) {
            deviceId + "'";
 }
 
-// The number of an output; the test fails for anything else.
+// The value of a numeric output; fails the test for any other type.
 LONG NumberOf(IWbemClassObject* object, const WCHAR* name) {
     VARIANT value;
     EXPECT_EQ(object->Get(name, 0, &value, nullptr, nullptr), S_OK);

@@ -11,7 +11,7 @@ constexpr HRESULT Code(WBEMSTATUS status) {
     return static_cast<HRESULT>(status);
 }
 
-// A class "Lamp" with two lamps and the method "Switch", which tells whether the lamp was off before.
+// A class "Lamp" with two instances and the method "Switch", which returns whether the lamp was off before.
 machine::WmiClass LampClass(std::string space) {
     machine::WmiClass lamp;
     lamp.space = std::move(space);
@@ -56,7 +56,7 @@ class LampClient : public ComClient {
         return object;
     }
 
-    // An instance of the inputs of "Switch" that says so.
+    // The inputs of "Switch" with that value.
     Held<IWbemClassObject> Inputs(bool lit) {
         Held<IWbemClassObject> signature;
         EXPECT_EQ(Object("Lamp")->GetMethod(TEXT("Switch"), 0, signature.Put(), nullptr), S_OK);
