@@ -11,23 +11,30 @@
 namespace machine::description {
 
 template <typename Record>
+struct RecordType;
+
+// How one member of a record is read and written.
+template <typename Record>
 struct Access {
     void (*read)(const Node& node, Record& record);
     void (*write)(Output out, const Record& record, const Record& standard);
     bool (*isStandard)(const Record& record, const Record& standard);
 };
 
+// For decltype only: the record of a member, and that of a type.
 template <typename Record, typename Value>
 Record RecordWith(Value Record::*member);
+template <typename Record>
+Record RecordIn(const RecordType<Record>& type);
 
 // Reads and writes a member of a record with a codec.
-template <auto member, typename Codec, typename Record = decltype(RecordWith(member))>
-constexpr Access<Record> through = {
-    [](const Node& node, Record& record) { Codec::Read(node, record.*member); },
+template <auto pointer, typename Codec, typename Record = decltype(RecordWith(pointer))>
+constexpr Access<Record> member = {
+    [](const Node& node, Record& record) { Codec::Read(node, record.*pointer); },
     [](Output out, const Record& record, const Record& standard) {
-        Codec::Write(out, record.*member, standard.*member);
+        Codec::Write(out, record.*pointer, standard.*pointer);
     },
-    [](const Record& record, const Record& standard) { return record.*member == standard.*member; },
+    [](const Record& record, const Record& standard) { return record.*pointer == standard.*pointer; },
 };
 
 // An optional key is not written when its value equals the standard.
@@ -58,8 +65,8 @@ template <typename Record>
 struct RecordType {
     std::span<const Field<Record>> fields;
     bool onImage = false;
-    // How many fields come first because the defaults of the others depend on them, and those defaults: a
-    // record made from one that has only the leading fields.
+    // The defaults of the other fields depend on the first `leading` ones: `standard` makes them, given a
+    // record in which only those are set.
     size_t leading = 0;
     Record (*standard)(const Record& leading) = nullptr;
 
@@ -98,9 +105,6 @@ void WriteRecord(const RecordType<Record>& type, Output out, const Record& recor
         if (!supplied && !leftOut) field.access.write(out.Key(field.key), record, standard);
     }
 }
-
-template <typename Record>
-Record RecordIn(const RecordType<Record>& type);
 
 // The codec of a record.
 template <const auto& type>

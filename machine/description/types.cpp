@@ -33,22 +33,22 @@ constexpr Named encryptionMethods[] = {{"none", 0},        {"aes-128-diffuser", 
 constexpr Named packStatuses[] = {{"unknown", 0}, {"online", 1}, {"offline", 4}};
 
 constexpr Field<Extent> extentFields[] = {
-    {"disk", Required, through<&Extent::disk, Number<uint32_t>>},
-    {"offset", Required, through<&Extent::offset, ByteCount>},
-    {"size", Required, through<&Extent::size, ByteCount>},
+    {"disk", Required, member<&Extent::disk, Number<uint32_t>>},
+    {"offset", Required, member<&Extent::offset, ByteCount>},
+    {"size", Required, member<&Extent::size, ByteCount>},
 };
 constexpr RecordType<Extent> extentType = {extentFields};
 
 constexpr Field<Volume> volumeFields[] = {
-    {"letters", Optional, through<&Volume::letters, Letters>},
-    {"fileSystem", Optional, through<&Volume::fileSystem, Text>, fromImage},
-    {"label", Optional, through<&Volume::label, OrError<Text, ErrorCode>>, fromImage},
-    {"driveType", Optional, through<&Volume::driveType, Word<DriveType, driveTypes>>},
-    {"furtherExtents", Optional, through<&Volume::furtherExtents, ListOf<RecordOf<extentType>>>},
-    {"openError", Optional, through<&Volume::openError, ErrorCode>},
-    {"extentType", Optional, through<&Volume::extentType, OrNull<WordOrNumber<int, extentTypes>>>},
-    {"files", Optional, through<&Volume::files, Files>, fromImage},
-    {"image", Required, through<&Volume::image, Text>},
+    {"letters", Optional, member<&Volume::letters, Letters>},
+    {"fileSystem", Optional, member<&Volume::fileSystem, Text>, fromImage},
+    {"label", Optional, member<&Volume::label, OrError<Text, ErrorCode>>, fromImage},
+    {"driveType", Optional, member<&Volume::driveType, Word<DriveType, driveTypes>>},
+    {"furtherExtents", Optional, member<&Volume::furtherExtents, ListOf<RecordOf<extentType>>>},
+    {"openError", Optional, member<&Volume::openError, ErrorCode>},
+    {"extentType", Optional, member<&Volume::extentType, OrNull<WordOrNumber<int, extentTypes>>>},
+    {"files", Optional, member<&Volume::files, Files>, fromImage},
+    {"image", Required, member<&Volume::image, Text>},
 };
 // Only a volume without a disk has an image of its own.
 constexpr RecordType<Volume> volumeType = {std::span(volumeFields).first<std::size(volumeFields) - 1>()};
@@ -57,33 +57,33 @@ constexpr RecordType<Volume> mediumType = RecordType<Volume>{volumeFields}.OnIma
 
 template <const auto& typeOfVolume>
 constexpr Field<Partition> partitionFields[] = {
-    {"number", Required, through<&Partition::number, Number<uint32_t>>},
-    {"offset", Required, through<&Partition::offset, ByteCount>, fromImage},
-    {"size", Required, through<&Partition::size, ByteCount>, fromImage},
-    {"mbrType", Optional, through<&Partition::mbrType, Number<uint8_t, Notation::Hex>>, fromImage},
-    {"bootIndicator", Optional, through<&Partition::bootIndicator, Number<uint8_t>>, fromImage},
-    {"gptType", Optional, through<&Partition::gptType, GuidValue>, fromImage},
-    {"gptId", Optional, through<&Partition::gptId, GuidValue>, fromImage},
-    {"attributes", Optional, through<&Partition::attributes, Number<uint64_t, Notation::Hex>>, fromImage},
-    {"name", Optional, through<&Partition::name, Text>, fromImage},
-    {"volume", Optional, through<&Partition::volume, OrNull<RecordOf<typeOfVolume>>>},
+    {"number", Required, member<&Partition::number, Number<uint32_t>>},
+    {"offset", Required, member<&Partition::offset, ByteCount>, fromImage},
+    {"size", Required, member<&Partition::size, ByteCount>, fromImage},
+    {"mbrType", Optional, member<&Partition::mbrType, Number<uint8_t, Notation::Hex>>, fromImage},
+    {"bootIndicator", Optional, member<&Partition::bootIndicator, Number<uint8_t>>, fromImage},
+    {"gptType", Optional, member<&Partition::gptType, GuidValue>, fromImage},
+    {"gptId", Optional, member<&Partition::gptId, GuidValue>, fromImage},
+    {"attributes", Optional, member<&Partition::attributes, Number<uint64_t, Notation::Hex>>, fromImage},
+    {"name", Optional, member<&Partition::name, Text>, fromImage},
+    {"volume", Optional, member<&Partition::volume, OrNull<RecordOf<typeOfVolume>>>},
 };
 constexpr RecordType<Partition> partitionType = {partitionFields<volumeType>};
 constexpr RecordType<Partition> partitionOfImageType =
     RecordType<Partition>{partitionFields<volumeOfImageType>}.OnImage();
 
 constexpr Field<ScsiAddress> scsiAddressFields[] = {
-    {"port", Optional, through<&ScsiAddress::port, Number<uint8_t>>},
-    {"path", Optional, through<&ScsiAddress::path, Number<uint8_t>>},
-    {"target", Optional, through<&ScsiAddress::target, Number<uint8_t>>},
-    {"lun", Optional, through<&ScsiAddress::lun, Number<uint8_t>>},
+    {"port", Optional, member<&ScsiAddress::port, Number<uint8_t>>},
+    {"path", Optional, member<&ScsiAddress::path, Number<uint8_t>>},
+    {"target", Optional, member<&ScsiAddress::target, Number<uint8_t>>},
+    {"lun", Optional, member<&ScsiAddress::lun, Number<uint8_t>>},
 };
 constexpr RecordType<ScsiAddress> scsiAddressType = {scsiAddressFields};
 
 constexpr Field<WmiDisk> wmiDiskFields[] = {
-    {"deviceId", Optional, through<&WmiDisk::deviceId, OrNull<Text>>},
-    {"pnpDeviceId", Optional, through<&WmiDisk::pnpDeviceId, OrNull<Text>>},
-    {"interfaceType", Optional, through<&WmiDisk::interfaceType, OrNull<Text>>},
+    {"deviceId", Optional, member<&WmiDisk::deviceId, OrNull<Text>>},
+    {"pnpDeviceId", Optional, member<&WmiDisk::pnpDeviceId, OrNull<Text>>},
+    {"interfaceType", Optional, member<&WmiDisk::interfaceType, OrNull<Text>>},
 };
 constexpr RecordType<WmiDisk> wmiDiskType = {wmiDiskFields};
 
@@ -94,24 +94,24 @@ Disk StandardDiskOf(const Disk& leading) {
 
 template <const auto& typeOfPartition>
 constexpr Field<Disk> diskFields[] = {
-    {"number", Required, through<&Disk::number, Number<uint32_t>>},
-    {"busType", Optional, through<&Disk::busType, WordOrNumber<uint32_t, busTypes>>},
-    {"image", Optional, through<&Disk::image, Text>},
-    {"vdsName", Optional, through<&Disk::vdsName, OrNull<Text>>},
-    {"deviceType", Optional, through<&Disk::deviceType, WordOrNumber<uint32_t, deviceTypes>>},
-    {"size", Optional, through<&Disk::size, ByteCount>, fromImage},
-    {"style", Optional, through<&Disk::style, Word<PartitionStyle, partitionStyles>>, fromImage},
-    {"signature", Optional, through<&Disk::signature, Number<uint32_t, Notation::Hex>>, fromImage},
-    {"guid", Optional, through<&Disk::guid, GuidValue>, fromImage},
-    {"pack", Optional, through<&Disk::pack, Text>},
-    {"unallocated", Optional, through<&Disk::unallocated, Flag>},
-    {"wmi", Optional, through<&Disk::wmi, OrNull<RecordOf<wmiDiskType>>>},
-    {"location", Optional, through<&Disk::location, OrError<Text, ErrorCode>>},
-    {"scsiAddress", Optional, through<&Disk::scsiAddress, OrError<RecordOf<scsiAddressType>, ErrorCode>>},
+    {"number", Required, member<&Disk::number, Number<uint32_t>>},
+    {"busType", Optional, member<&Disk::busType, WordOrNumber<uint32_t, busTypes>>},
+    {"image", Optional, member<&Disk::image, Text>},
+    {"vdsName", Optional, member<&Disk::vdsName, OrNull<Text>>},
+    {"deviceType", Optional, member<&Disk::deviceType, WordOrNumber<uint32_t, deviceTypes>>},
+    {"size", Optional, member<&Disk::size, ByteCount>, fromImage},
+    {"style", Optional, member<&Disk::style, Word<PartitionStyle, partitionStyles>>, fromImage},
+    {"signature", Optional, member<&Disk::signature, Number<uint32_t, Notation::Hex>>, fromImage},
+    {"guid", Optional, member<&Disk::guid, GuidValue>, fromImage},
+    {"pack", Optional, member<&Disk::pack, Text>},
+    {"unallocated", Optional, member<&Disk::unallocated, Flag>},
+    {"wmi", Optional, member<&Disk::wmi, OrNull<RecordOf<wmiDiskType>>>},
+    {"location", Optional, member<&Disk::location, OrError<Text, ErrorCode>>},
+    {"scsiAddress", Optional, member<&Disk::scsiAddress, OrError<RecordOf<scsiAddressType>, ErrorCode>>},
     {"storageBusType", Optional,
-     through<&Disk::storageBusType, OrError<WordOrNumber<uint32_t, busTypes>, ErrorCode>>},
-    {"controllers", Optional, through<&Disk::controllers, ListOf<Text>>},
-    {"partitions", Optional, through<&Disk::partitions, ListOf<RecordOf<typeOfPartition>>>},
+     member<&Disk::storageBusType, OrError<WordOrNumber<uint32_t, busTypes>, ErrorCode>>},
+    {"controllers", Optional, member<&Disk::controllers, ListOf<Text>>},
+    {"partitions", Optional, member<&Disk::partitions, ListOf<RecordOf<typeOfPartition>>>},
 };
 constexpr RecordType<Disk> diskType = {
     .fields = diskFields<partitionType>, .leading = 2, .standard = StandardDiskOf};
@@ -119,15 +119,15 @@ constexpr RecordType<Disk> diskOfImageType = {
     .fields = diskFields<partitionOfImageType>, .onImage = true, .leading = 2, .standard = StandardDiskOf};
 
 constexpr Field<Pack> packFields[] = {
-    {"name", Required, through<&Pack::name, Text>},
-    {"status", Optional, through<&Pack::status, WordOrNumber<int, packStatuses>>},
-    {"dynamic", Optional, through<&Pack::dynamic, Flag>},
+    {"name", Required, member<&Pack::name, Text>},
+    {"status", Optional, member<&Pack::status, WordOrNumber<int, packStatuses>>},
+    {"dynamic", Optional, member<&Pack::dynamic, Flag>},
 };
 constexpr RecordType<Pack> packType = {packFields};
 
 constexpr Field<Firmware> firmwareFields[] = {
-    {"kind", Optional, through<&Firmware::kind, Word<FirmwareKind, firmwareKinds>>},
-    {"error", Optional, through<&Firmware::error, OrNull<ErrorCode>>},
+    {"kind", Optional, member<&Firmware::kind, Word<FirmwareKind, firmwareKinds>>},
+    {"error", Optional, member<&Firmware::error, OrNull<ErrorCode>>},
 };
 constexpr RecordType<Firmware> firmwareType = {firmwareFields};
 
@@ -143,71 +143,71 @@ RunningSystem StandardSystem(const RunningSystem& leading) {
 }
 
 constexpr Field<RunningSystem> systemFields[] = {
-    {"kind", Optional, through<&RunningSystem::kind, Word<SystemKind, systemKinds>>},
-    {"windowsDirectory", Optional, through<&RunningSystem::windowsDirectory, Text>},
-    {"startOptions", Optional, through<&RunningSystem::startOptions, OrNull<Text>>},
-    {"emulates32Bit", Optional, through<&RunningSystem::emulates32Bit, Flag>},
+    {"kind", Optional, member<&RunningSystem::kind, Word<SystemKind, systemKinds>>},
+    {"windowsDirectory", Optional, member<&RunningSystem::windowsDirectory, Text>},
+    {"startOptions", Optional, member<&RunningSystem::startOptions, OrNull<Text>>},
+    {"emulates32Bit", Optional, member<&RunningSystem::emulates32Bit, Flag>},
 };
 constexpr RecordType<RunningSystem> systemType = {
     .fields = systemFields, .leading = 1, .standard = StandardSystem};
 
 constexpr Field<HostApplication> hostFields[] = {
-    {"path", Optional, through<&HostApplication::path, Text>},
-    {"files", Optional, through<&HostApplication::files, Files>},
+    {"path", Optional, member<&HostApplication::path, Text>},
+    {"files", Optional, member<&HostApplication::files, Files>},
 };
 constexpr RecordType<HostApplication> hostType = {hostFields};
 
 constexpr Field<Shell> shellFields[] = {
-    {"milliseconds", Optional, through<&Shell::milliseconds, Number<uint32_t>>},
-    {"regFails", Optional, through<&Shell::regFails, Flag>},
-    {"tellsProcess", Optional, through<&Shell::returnsProcess, Flag>},
+    {"milliseconds", Optional, member<&Shell::milliseconds, Number<uint32_t>>},
+    {"regFails", Optional, member<&Shell::regFails, Flag>},
+    {"tellsProcess", Optional, member<&Shell::returnsProcess, Flag>},
 };
 constexpr RecordType<Shell> shellType = {shellFields};
 
 constexpr Field<EncryptableVolume> encryptableVolumeFields[] = {
-    {"deviceId", Optional, through<&EncryptableVolume::deviceId, OrNull<Text>>},
-    {"persistentVolumeId", Optional, through<&EncryptableVolume::persistentVolumeId, OrNull<Text>>},
-    {"driveLetter", Optional, through<&EncryptableVolume::driveLetter, OrNull<DriveName>>},
-    {"returnValue", Optional, through<&EncryptableVolume::returnValue, ErrorCode>},
+    {"deviceId", Optional, member<&EncryptableVolume::deviceId, OrNull<Text>>},
+    {"persistentVolumeId", Optional, member<&EncryptableVolume::persistentVolumeId, OrNull<Text>>},
+    {"driveLetter", Optional, member<&EncryptableVolume::driveLetter, OrNull<DriveName>>},
+    {"returnValue", Optional, member<&EncryptableVolume::returnValue, ErrorCode>},
     {"encryptionMethod", Optional,
-     through<&EncryptableVolume::encryptionMethod, WordOrNumber<uint32_t, encryptionMethods>>},
+     member<&EncryptableVolume::encryptionMethod, WordOrNumber<uint32_t, encryptionMethods>>},
 };
 constexpr RecordType<EncryptableVolume> encryptableVolumeType = {encryptableVolumeFields};
 
 constexpr Field<Switches> switchesFields[] = {
-    {"activeFlagIsExclusive", Optional, through<&Switches::activeFlagIsExclusive, Flag>},
-    {"letterless", Optional, through<&Switches::letterless, Word<Switches::Letterless, letterlessAnswers>>},
-    {"volumesRefuseLetterCalls", Optional, through<&Switches::volumesRefuseLetterCalls, Flag>},
-    {"hidingRemovesVolume", Optional, through<&Switches::hidingRemovesVolume, Flag>},
-    {"profilesSkipUtf8Mark", Optional, through<&Switches::profilesSkipUtf8Mark, Flag>},
+    {"activeFlagIsExclusive", Optional, member<&Switches::activeFlagIsExclusive, Flag>},
+    {"letterless", Optional, member<&Switches::letterless, Word<Switches::Letterless, letterlessAnswers>>},
+    {"volumesRefuseLetterCalls", Optional, member<&Switches::volumesRefuseLetterCalls, Flag>},
+    {"hidingRemovesVolume", Optional, member<&Switches::hidingRemovesVolume, Flag>},
+    {"profilesSkipUtf8Mark", Optional, member<&Switches::profilesSkipUtf8Mark, Flag>},
 };
 constexpr RecordType<Switches> switchesType = {switchesFields};
 
 constexpr Field<FaultRule> faultFields[] = {
-    {"call", Required, through<&FaultRule::call, Text>},
-    {"nth", Optional, through<&FaultRule::nth, Number<uint32_t>>},
-    {"onwards", Optional, through<&FaultRule::onwards, Flag>},
-    {"afterEffect", Optional, through<&FaultRule::afterEffect, Flag>},
-    {"code", Required, through<&FaultRule::code, ErrorCode>},
+    {"call", Required, member<&FaultRule::call, Text>},
+    {"nth", Optional, member<&FaultRule::nth, Number<uint32_t>>},
+    {"onwards", Optional, member<&FaultRule::onwards, Flag>},
+    {"afterEffect", Optional, member<&FaultRule::afterEffect, Flag>},
+    {"code", Required, member<&FaultRule::code, ErrorCode>},
 };
 constexpr RecordType<FaultRule> faultType = {faultFields};
 
 constexpr Field<Pc> pcFields[] = {
-    {"name", Optional, through<&Pc::name, Text>},
-    {"firmware", Optional, through<&Pc::firmware, RecordOf<firmwareType>>},
-    {"system", Optional, through<&Pc::system, RecordOf<systemType>>},
-    {"host", Optional, through<&Pc::host, RecordOf<hostType>>},
-    {"packs", Optional, through<&Pc::packs, ListOf<RecordOf<packType>>>},
-    {"disks", Optional, through<&Pc::disks, ListOf<RecordOrImage<diskType, diskOfImageType>>>},
-    {"wmiOrder", Optional, through<&Pc::wmiOrder, ListOf<Number<uint32_t>>>},
-    {"volumes", Optional, through<&Pc::volumes, ListOf<RecordOrImage<volumeType, mediumType>>>},
-    {"registry", Optional, through<&Pc::registry, Registry>},
-    {"offlineSystemHive", Optional, through<&Pc::offlineSystemHive, Registry>},
-    {"shell", Optional, through<&Pc::shell, RecordOf<shellType>>},
+    {"name", Optional, member<&Pc::name, Text>},
+    {"firmware", Optional, member<&Pc::firmware, RecordOf<firmwareType>>},
+    {"system", Optional, member<&Pc::system, RecordOf<systemType>>},
+    {"host", Optional, member<&Pc::host, RecordOf<hostType>>},
+    {"packs", Optional, member<&Pc::packs, ListOf<RecordOf<packType>>>},
+    {"disks", Optional, member<&Pc::disks, ListOf<RecordOrImage<diskType, diskOfImageType>>>},
+    {"wmiOrder", Optional, member<&Pc::wmiOrder, ListOf<Number<uint32_t>>>},
+    {"volumes", Optional, member<&Pc::volumes, ListOf<RecordOrImage<volumeType, mediumType>>>},
+    {"registry", Optional, member<&Pc::registry, Registry>},
+    {"offlineSystemHive", Optional, member<&Pc::offlineSystemHive, Registry>},
+    {"shell", Optional, member<&Pc::shell, RecordOf<shellType>>},
     {"encryptableVolumes", Optional,
-     through<&Pc::encryptableVolumes, OrNull<ListOf<RecordOf<encryptableVolumeType>>>>},
-    {"switches", Optional, through<&Pc::switches, RecordOf<switchesType>>},
-    {"faults", Optional, through<&Pc::faults, ListOf<RecordOf<faultType>>>},
+     member<&Pc::encryptableVolumes, OrNull<ListOf<RecordOf<encryptableVolumeType>>>>},
+    {"switches", Optional, member<&Pc::switches, RecordOf<switchesType>>},
+    {"faults", Optional, member<&Pc::faults, ListOf<RecordOf<faultType>>>},
 };
 constexpr RecordType<Pc> pcType = {pcFields};
 

@@ -9,15 +9,13 @@ namespace machine {
 
 namespace {
 
-std::string Folded(std::string_view path) {
-    return UpperCase(Normalized(path));
-}
-
+// Where the normalised path is among the sorted entries, or would be inserted.
 template <typename Entries>
-auto Position(Entries& entries, const std::string& folded) {
-    return std::lower_bound(
-        entries.begin(), entries.end(), folded,
-        [](const FileTree::Entry& entry, const std::string& path) { return Folded(entry.path) < path; });
+auto Position(Entries& entries, const std::string& normalized) {
+    return std::lower_bound(entries.begin(), entries.end(), UpperCase(normalized),
+                            [](const FileTree::Entry& entry, const std::string& folded) {
+                                return UpperCase(entry.path) < folded;
+                            });
 }
 
 }  // namespace
@@ -35,8 +33,8 @@ FileTree::FileTree(std::initializer_list<std::pair<std::string, std::string>> fi
 void FileTree::PutFile(std::string_view path, std::string content) {
     const std::string normalized = Normalized(path);
     PutFolder(FolderOf(normalized));
-    const auto at = Position(entries_, Folded(normalized));
-    if (at != entries_.end() && Folded(at->path) == Folded(normalized)) {
+    const auto at = Position(entries_, normalized);
+    if (at != entries_.end() && SameName(at->path, normalized)) {
         at->content = std::move(content);
     } else {
         entries_.insert(at, {normalized, false, std::move(content)});
@@ -47,7 +45,7 @@ void FileTree::PutFolder(std::string_view path) {
     const std::string normalized = Normalized(path);
     if (normalized.empty() || Find(normalized) != nullptr) return;
     PutFolder(FolderOf(normalized));
-    entries_.insert(Position(entries_, Folded(normalized)), {normalized, true, {}});
+    entries_.insert(Position(entries_, normalized), {normalized, true, {}});
 }
 
 bool FileTree::RemoveFile(std::string_view path) {
@@ -58,9 +56,9 @@ bool FileTree::RemoveFile(std::string_view path) {
 }
 
 const FileTree::Entry* FileTree::Find(std::string_view path) const {
-    const std::string folded = Folded(path);
-    const auto at = Position(entries_, folded);
-    return at != entries_.end() && Folded(at->path) == folded ? &*at : nullptr;
+    const std::string normalized = Normalized(path);
+    const auto at = Position(entries_, normalized);
+    return at != entries_.end() && SameName(at->path, normalized) ? &*at : nullptr;
 }
 
 }  // namespace machine

@@ -43,7 +43,7 @@ uint8_t ShortNameSum(std::string_view entry) {
     return sum;
 }
 
-// "README  TXT" as README.TXT; what is not ASCII as "?", which no path has.
+// Converts "README  TXT" to README.TXT; characters beyond ASCII become "?", which no path contains.
 std::string ShortName(std::string_view entry) {
     const auto trimmed = [&](size_t at, size_t length) {
         std::string part(entry.substr(at, length));
