@@ -23,8 +23,8 @@ bool IsBasicData(const Partition& partition) {
     return IsSameGuid(partition.gptType, PARTITION_BASIC_DATA_GUID);
 }
 
-// Every system assigns letters to recognised volumes. Windows PE assigns one to every volume it can read,
-// including the maker's and the recovery environment's.
+// Every system assigns letters to recognised volumes. Windows PE also assigns them to the readable volumes
+// of the maker and the recovery environment.
 bool GetsLetter(const Disk& disk, const Partition& partition, SystemKind system) {
     if (!partition.volume) return false;
     const bool isPe = system == SystemKind::WindowsPe;
