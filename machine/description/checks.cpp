@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "machine/description/description.h"
 #include "machine/description/node.h"
 #include "machine/facts/call_table.h"
 #include "platform/partition_types.h"
@@ -11,7 +12,7 @@ namespace machine::description {
 
 namespace {
 
-// Values that may stand only once, with the place where each stands.
+// Values that must be unique, with the place of each.
 template <typename Value>
 using Places = std::map<Value, std::string>;
 
@@ -116,7 +117,7 @@ bool Overlap(const Partition& left, const Partition& right) {
     return left.offset < right.offset + right.size && right.offset < left.offset + left.size;
 }
 
-// Logical partitions lie inside an extended one.
+// Logical partitions are inside an extended one.
 bool LiesInside(const Partition& inner, const Partition& outer) {
     return IsExtended(outer) && inner.offset > outer.offset &&
            inner.offset + inner.size <= outer.offset + outer.size;

@@ -1,4 +1,4 @@
-// What must hold between the values of a description, each of which may be right in itself.
+// Checks the consistency of a description whose values are valid each by itself.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace machine::description {
 
-// Throws DescriptionError for the first contradiction: letters, names and numbers that stand twice,
-// partitions that overlap or lie beyond the disk, and names and numbers of what is not described.
+// Throws DescriptionError for the first contradiction: duplicate letters, names and numbers, partitions
+// that overlap or exceed the disk, references to something that is not described.
 void CheckDescription(const Pc& pc, const std::string& file);
 
 }  // namespace machine::description

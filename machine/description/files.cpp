@@ -23,7 +23,7 @@ bool HasEmptyStep(const std::string& path) {
     return path.empty();
 }
 
-// Fails for a path that is no path, and for one that is a file and a folder at once.
+// Fails for a malformed path, for a file that exists already, and for a path below a file.
 void ExpectFits(const FileTree& tree, const std::string& path, const Node& node) {
     if (HasEmptyStep(path) || path.find_first_of(":*?\"<>|") != std::string::npos)
         node.Fail(
@@ -39,71 +39,66 @@ void ExpectFits(const FileTree& tree, const std::string& path, const Node& node)
 }
 
 std::string ReadContent(const Node& node) {
-    if (!node.Value().is_object()) return node.Text();
+    if (!node.IsObject()) return node.Text();
     node.ExpectKeys({"hex"});
-    if (node.Value().empty()) node.Fail("the key \"hex\" is missing");
-    return HexBytes().read(node.Key("hex"), {});
+    if (!node.Has("hex")) node.Fail("the key \"hex\" is missing");
+    std::string content;
+    HexBytes::Read(node.Key("hex"), content);
+    return content;
 }
 
-Json WriteContent(const std::string& content) {
-    if (IsJsonText(content)) return content;
-    Json object = Json::object();
-    object["hex"] = HexBytes().write(content, {});
-    return object;
+void WriteContent(Output out, const std::string& content) {
+    if (IsJsonText(content)) return out.Text(content);
+    out.Object();
+    HexBytes::Write(out.Key("hex"), content, {});
 }
 
-FileTree ReadFiles(const Node& node) {
-    node.ExpectObject();
-    FileTree tree;
-    for (const auto& entry : node.Value().items()) {
-        const Node file = node.Key(entry.key());
-        ExpectFits(tree, entry.key(), file);
-        if (!IsFolderPath(entry.key())) {
-            tree.PutFile(entry.key(), ReadContent(file));
-        } else {
-            if (!file.Value().is_null()) file.Fail("must be null, since the path is a folder's");
-            tree.PutFolder(entry.key());
-        }
-    }
-    return tree;
-}
-
-// The folders that must be written: those with nothing below, and those that a path below spells otherwise.
-// The paths below tell all others.
+// The folders that need a key of their own: the empty ones, and those that a path below spells differently.
+// All others follow from the paths below them.
 std::set<std::string> FoldersToWrite(const FileTree& tree) {
-    std::set<std::string> told;
+    std::set<std::string> implied;
     std::set<std::string> toWrite;
     for (const FileTree::Entry& entry : tree.Entries()) {
         for (size_t slash = entry.path.find('/'); slash != std::string::npos;
              slash = entry.path.find('/', slash + 1)) {
             const std::string spelled = entry.path.substr(0, slash);
             const std::string& folder = tree.Find(spelled)->path;
-            (folder == spelled ? told : toWrite).insert(folder);
+            (folder == spelled ? implied : toWrite).insert(folder);
         }
     }
     for (const FileTree::Entry& entry : tree.Entries()) {
-        if (entry.folder && !told.contains(entry.path)) toWrite.insert(entry.path);
+        if (entry.folder && !implied.contains(entry.path)) toWrite.insert(entry.path);
     }
     return toWrite;
 }
 
-Json WriteFiles(const FileTree& tree) {
-    const std::set<std::string> folders = FoldersToWrite(tree);
-    Json object = Json::object();
-    for (const FileTree::Entry& entry : tree.Entries()) {
-        if (!entry.folder) {
-            object[entry.path] = WriteContent(entry.content);
-        } else if (folders.contains(entry.path)) {
-            object[entry.path + "/"] = nullptr;
-        }
-    }
-    return object;
-}
-
 }  // namespace
 
-Codec<FileTree> Files() {
-    return PlainCodec<FileTree>(ReadFiles, WriteFiles);
+void Files::Read(const Node& node, FileTree& tree) {
+    node.ExpectObject();
+    tree = {};
+    for (const std::string& path : node.Keys()) {
+        const Node file = node.Key(path);
+        ExpectFits(tree, path, file);
+        if (!IsFolderPath(path)) {
+            tree.PutFile(path, ReadContent(file));
+        } else {
+            if (!file.IsNull()) file.Fail("must be null, since the path is a folder's");
+            tree.PutFolder(path);
+        }
+    }
+}
+
+void Files::Write(Output out, const FileTree& tree, const FileTree&) {
+    const std::set<std::string> folders = FoldersToWrite(tree);
+    out.Object();
+    for (const FileTree::Entry& entry : tree.Entries()) {
+        if (!entry.folder) {
+            WriteContent(out.Key(entry.path), entry.content);
+        } else if (folders.contains(entry.path)) {
+            out.Key(entry.path + "/").Null();
+        }
+    }
 }
 
 }  // namespace machine::description

@@ -1,20 +1,22 @@
 #include "machine/description/node.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "base/nearest.h"
+#include "machine/description/description.h"
 
 namespace machine::description {
 
 namespace {
 
-bool IsPlainWord(const std::string& key) {
+bool IsAlphanumeric(const std::string& key) {
     return !key.empty() && std::all_of(key.begin(), key.end(), [](char unit) {
         return (unit >= 'a' && unit <= 'z') || (unit >= 'A' && unit <= 'Z') || (unit >= '0' && unit <= '9');
     });
 }
 
-// The kind of a value, as the messages name it.
+// The kind of a value, for messages.
 std::string Kind(const Json& value) {
     switch (value.type()) {
         case Json::value_t::object:
@@ -34,13 +36,56 @@ std::string Kind(const Json& value) {
 
 }  // namespace
 
+bool Node::IsNull() const {
+    return value_.is_null();
+}
+
+bool Node::IsText() const {
+    return value_.is_string();
+}
+
+bool Node::IsObject() const {
+    return value_.is_object();
+}
+
 const std::string& Node::Text() const {
     if (!value_.is_string()) Fail("must be text, not " + Kind(value_));
     return value_.get_ref<const std::string&>();
 }
 
-Node Node::Key(const std::string& key) const {
-    return {value_.at(key), file_, PlaceOfKey(place_, key)};
+bool Node::Flag() const {
+    if (!value_.is_boolean()) Fail("must be true or false");
+    return value_.get<bool>();
+}
+
+std::optional<WholeNumber> Node::Number() const {
+    if (!value_.is_number_integer()) return std::nullopt;
+    const bool negative = !value_.is_number_unsigned() && value_.get<int64_t>() < 0;
+    return WholeNumber{value_.get<uint64_t>(), negative};
+}
+
+std::string Node::Spelling() const {
+    return value_.dump();
+}
+
+std::vector<std::string> Node::Keys() const {
+    std::vector<std::string> keys;
+    for (const auto& entry : value_.items())
+        keys.push_back(entry.key());
+    return keys;
+}
+
+bool Node::Has(std::string_view key) const {
+    return value_.contains(std::string(key));
+}
+
+size_t Node::Size() const {
+    return value_.size();
+}
+
+Node Node::Key(std::string_view key) const {
+    const std::string name(key);
+    return {value_.at(name), file_, PlaceOfKey(place_, name)};
 }
 
 Node Node::Entry(size_t index) const {
@@ -56,9 +101,9 @@ void Node::ExpectList() const {
 }
 
 void Node::ExpectKeys(const std::vector<std::string>& known) const {
-    for (const auto& entry : value_.items()) {
-        if (std::find(known.begin(), known.end(), entry.key()) == known.end())
-            Key(entry.key()).Fail("unknown key " + Unknown(entry.key(), known));
+    for (const std::string& key : Keys()) {
+        if (std::find(known.begin(), known.end(), key) == known.end())
+            Key(key).Fail("unknown key " + Unknown(key, known));
     }
 }
 
@@ -67,7 +112,7 @@ void Node::Fail(const std::string& what) const {
 }
 
 std::string PlaceOfKey(const std::string& place, const std::string& key) {
-    if (!IsPlainWord(key)) return place + "[" + Json(key).dump() + "]";
+    if (!IsAlphanumeric(key)) return place + "[" + Json(key).dump() + "]";
     return place.empty() ? key : place + "." + key;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <set>
 
 #include "machine/description/checks.h"
@@ -11,7 +12,7 @@ namespace {
 
 using description::Json;
 
-// Notices a key that stands twice in one object, of which the parser would silently keep one.
+// Detects duplicate keys in one object, of which the parser would silently keep one.
 class DuplicateKeys {
   public:
     explicit DuplicateKeys(const std::string& file) : file_(file) {}
@@ -29,7 +30,7 @@ class DuplicateKeys {
     }
 
   private:
-    // An object or a list that is not closed yet, and where in it the parser stands.
+    // An object or a list that is still open, and the parser's position in it.
     struct Level {
         bool isList;
         size_t entries;
@@ -51,7 +52,7 @@ class DuplicateKeys {
     std::vector<Level> levels_;
 };
 
-// "line 3, column 7" of the byte at which the parser gave up, counted from 1.
+// "line 3, column 7" for the byte at which the parser failed, counted from 1.
 std::string PlaceOfByte(const std::string& text, size_t byte) {
     const std::string before = text.substr(0, byte > 0 ? byte - 1 : 0);
     const auto line = std::count(before.begin(), before.end(), '\n') + 1;
@@ -60,14 +61,14 @@ std::string PlaceOfByte(const std::string& text, size_t byte) {
     return "line " + std::to_string(line) + ", column " + std::to_string(column);
 }
 
-// What the parser says, from a marker in it onwards: its own number and place stand in front.
+// The parser's message from a marker on, without the number and place in front.
 std::string Complaint(const std::exception& error, const std::string& marker) {
     const std::string what = error.what();
     const size_t start = what.find(marker);
     return start == std::string::npos ? what : what.substr(start);
 }
 
-// The parser tells no place for a number that it cannot hold, but quotes it.
+// The parser does not report the place of a number that is out of range, but quotes the number.
 [[noreturn]] void FailOnHugeNumber(const std::string& text, const std::string& file,
                                    const std::exception& error) {
     const std::string complaint = Complaint(error, "number overflow");
@@ -99,7 +100,8 @@ Json Parse(const std::string& text, const std::string& file) {
 
 Pc ReadDescription(const std::string& text, const std::string& fileName) {
     const Json json = Parse(text, fileName);
-    Pc pc = description::ReadRecord(description::PcType(), description::Node(json, fileName), Pc());
+    Pc pc;
+    description::ReadPc(description::Node(json, fileName), pc);
     description::CheckDescription(pc, fileName);
     return pc;
 }

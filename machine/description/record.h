@@ -1,105 +1,135 @@
-// Records of the PC as JSON objects: a table of fields, each with its key, its place in the record and its
-// codec.
+// Records of the PC as JSON objects: a table of fields, each with its key, its member and its codec.
 #pragma once
 
-#include <string>
-#include <type_traits>
+#include <span>
+#include <string_view>
 #include <vector>
 
-#include "machine/description/codec.h"
+#include "machine/description/node.h"
+#include "machine/description/output.h"
 
 namespace machine::description {
 
 template <typename Record>
-struct Field {
-    std::string key;
-    bool required;
-    std::function<void(Record& record, const Node& node)> read;
-    // Nothing, if it may be left out because it equals the standard.
-    std::function<std::optional<Json>(const Record& record, const Record& standard)> write;
+struct RecordType;
+
+// How one member of a record is read and written.
+template <typename Record>
+struct Access {
+    void (*read)(const Node& node, Record& record);
+    void (*write)(Output out, const Record& record, const Record& standard);
+    bool (*isStandard)(const Record& record, const Record& standard);
 };
 
-template <typename Record, typename T>
-Field<Record> Required(std::string key, T Record::*member, Codec<std::type_identity_t<T>> codec) {
-    return {std::move(key), true,
-            [=](Record& record, const Node& node) { record.*member = codec.read(node, record.*member); },
-            [=](const Record& record, const Record& standard) -> std::optional<Json> {
-                return codec.write(record.*member, standard.*member);
-            }};
-}
+// For decltype only: the record of a member, and that of a type.
+template <typename Record, typename Value>
+Record RecordWith(Value Record::*member);
+template <typename Record>
+Record RecordIn(const RecordType<Record>& type);
 
-template <typename Record, typename T>
-Field<Record> Optional(std::string key, T Record::*member, Codec<std::type_identity_t<T>> codec) {
-    Field<Record> field = Required(std::move(key), member, std::move(codec));
-    field.required = false;
-    field.write = [member, write = field.write](const Record& record, const Record& standard) {
-        return record.*member == standard.*member ? std::nullopt : write(record, standard);
-    };
-    return field;
-}
+// Reads and writes a member of a record with a codec.
+template <auto pointer, typename Codec, typename Record = decltype(RecordWith(pointer))>
+constexpr Access<Record> member = {
+    [](const Node& node, Record& record) { Codec::Read(node, record.*pointer); },
+    [](Output out, const Record& record, const Record& standard) {
+        Codec::Write(out, record.*pointer, standard.*pointer);
+    },
+    [](const Record& record, const Record& standard) { return record.*pointer == standard.*pointer; },
+};
+
+// An optional key is not written when its value equals the standard.
+enum class Presence { Required, Optional };
+
+// A fact that a disk image supplies: its key is refused in the description of a record on an image.
+constexpr bool fromImage = true;
+
+struct Key {
+    std::string_view name;
+    Presence presence;
+    bool suppliedByImage;
+};
+
+// Fails unless the value is an object with these keys only, none of them supplied by an image and no required
+// one missing.
+void ExpectKeys(const std::vector<Key>& keys, bool onImage, const Node& node);
+
+template <typename Record>
+struct Field {
+    std::string_view key;
+    Presence presence;
+    Access<Record> access;
+    bool suppliedByImage = false;
+};
 
 template <typename Record>
 struct RecordType {
-    std::vector<Field<Record>> fields;
-    // Fields, among those above the first ones, on which defaults of the others depend, and those defaults: a
-    // record that knows nothing but its leading fields.
+    std::span<const Field<Record>> fields;
+    bool onImage = false;
+    // The defaults of the other fields depend on the first `leading` ones: `standard` makes them, given a
+    // record in which only those are set.
     size_t leading = 0;
     Record (*standard)(const Record& leading) = nullptr;
-    // Keys that do not stand here because the disk image tells them.
-    std::vector<std::string> toldByImage = {};
 
-    std::vector<std::string> Keys() const {
-        std::vector<std::string> keys;
+    constexpr RecordType OnImage() const {
+        RecordType type = *this;
+        type.onImage = true;
+        return type;
+    }
+    std::vector<Key> Keys() const {
+        std::vector<Key> keys;
         for (const Field<Record>& field : fields)
-            keys.push_back(field.key);
+            keys.push_back({field.key, field.presence, field.suppliedByImage});
         return keys;
     }
 };
 
 template <typename Record>
-void ExpectKeysOf(const RecordType<Record>& type, const Node& node) {
-    node.ExpectObject();
-    for (const std::string& key : type.toldByImage) {
-        if (node.Value().contains(key)) node.Key(key).Fail("not beside an image, which tells it");
-    }
-    node.ExpectKeys(type.Keys());
-    for (const Field<Record>& field : type.fields) {
-        if (field.required && !node.Value().contains(field.key))
-            node.Fail("the key \"" + field.key + "\" is missing");
-    }
-}
-
-template <typename Record>
-Record ReadRecord(const RecordType<Record>& type, const Node& node, Record record) {
-    ExpectKeysOf(type, node);
+void ReadRecord(const RecordType<Record>& type, const Node& node, Record& record) {
+    ExpectKeys(type.Keys(), type.onImage, node);
     for (size_t index = 0; index < type.fields.size(); ++index) {
         if (index == type.leading && type.standard != nullptr) record = type.standard(record);
         const Field<Record>& field = type.fields[index];
-        if (node.Value().contains(field.key)) field.read(record, node.Key(field.key));
+        if (node.Has(field.key)) field.access.read(node.Key(field.key), record);
     }
-    return record;
 }
 
 template <typename Record>
-Json WriteRecord(const RecordType<Record>& type, const Record& record, Record standard) {
-    Json object = Json::object();
+void WriteRecord(const RecordType<Record>& type, Output out, const Record& record, Record standard) {
+    out.Object();
     for (size_t index = 0; index < type.fields.size(); ++index) {
         if (index == type.leading && type.standard != nullptr) standard = type.standard(record);
         const Field<Record>& field = type.fields[index];
-        if (std::optional<Json> value = field.write(record, standard)) object[field.key] = std::move(*value);
+        const bool supplied = type.onImage && field.suppliedByImage;
+        const bool leftOut =
+            field.presence == Presence::Optional && field.access.isStandard(record, standard);
+        if (!supplied && !leftOut) field.access.write(out.Key(field.key), record, standard);
     }
-    return object;
 }
 
-// The type must live as long as the codec; a temporary does not compile.
-template <typename Record>
-Codec<Record> RecordOf(const RecordType<Record>& type) {
-    return {[&type](const Node& node, const Record& standard) { return ReadRecord(type, node, standard); },
-            [&type](const Record& record, const Record& standard) {
-                return WriteRecord(type, record, standard);
-            }};
-}
-template <typename Record>
-Codec<Record> RecordOf(RecordType<Record>&& type) = delete;
+// The codec of a record.
+template <const auto& type>
+struct RecordOf {
+    using Value = decltype(RecordIn(type));
+
+    static void Read(const Node& node, Value& record) { ReadRecord(type, node, record); }
+    static void Write(Output out, const Value& record, const Value& standard) {
+        WriteRecord(type, out, record, standard);
+    }
+};
+
+// The codec of a record that is on an image if its description names one.
+template <const auto& type, const auto& typeOnImage>
+struct RecordOrImage {
+    using Value = decltype(RecordIn(type));
+
+    static void Read(const Node& node, Value& record) {
+        const bool onImage = node.Has("image");
+        if (onImage && node.Key("image").Text().empty()) node.Key("image").Fail("must name a file");
+        ReadRecord(onImage ? typeOnImage : type, node, record);
+    }
+    static void Write(Output out, const Value& record, const Value& standard) {
+        WriteRecord(record.image.empty() ? type : typeOnImage, out, record, standard);
+    }
+};
 
 }  // namespace machine::description

@@ -1,75 +1,70 @@
-// Registry keys as JSON: an object with a key for each path, in it one for each value.
+// Registry keys as JSON: an object with a key for each path, containing an object with a key for each
+// value.
 
-#include <algorithm>
+#include <map>
 
+#include "base/text_case.h"
 #include "machine/description/values.h"
 
 namespace machine::description {
 
 namespace {
 
-const Words<uint32_t> valueTypes = {{"REG_NONE", 0},   {"REG_SZ", 1},    {"REG_EXPAND_SZ", 2},
-                                    {"REG_BINARY", 3}, {"REG_DWORD", 4}, {"REG_MULTI_SZ", 7},
-                                    {"REG_QWORD", 11}};
+constexpr Named valueTypes[] = {{"REG_NONE", 0},   {"REG_SZ", 1},    {"REG_EXPAND_SZ", 2},
+                                {"REG_BINARY", 3}, {"REG_DWORD", 4}, {"REG_MULTI_SZ", 7},
+                                {"REG_QWORD", 11}};
 constexpr uint32_t regSz = 1;
+using ValueType = WordOrNumber<uint32_t, valueTypes>;
 
 RegistryValue ReadValue(const Node& node) {
-    if (!node.Value().is_object()) return {regSz, node.Text()};
+    if (!node.IsObject()) return {regSz, node.Text()};
     node.ExpectKeys({"type", "hex"});
     for (const char* const key : {"type", "hex"}) {
-        if (!node.Value().contains(key)) node.Fail("the key \"" + std::string(key) + "\" is missing");
+        if (!node.Has(key)) node.Fail("the key \"" + std::string(key) + "\" is missing");
     }
-    return {WordOrNumber(valueTypes).read(node.Key("type"), 0), HexBytes().read(node.Key("hex"), {})};
+    RegistryValue value;
+    ValueType::Read(node.Key("type"), value.type);
+    HexBytes::Read(node.Key("hex"), value.data);
+    return value;
 }
 
-Json WriteValue(const RegistryValue& value) {
-    if (value.type == regSz && IsJsonText(value.data)) return value.data;
-    Json object = Json::object();
-    object["type"] = WordOrNumber(valueTypes).write(value.type, 0);
-    object["hex"] = HexBytes().write(value.data, {});
-    return object;
+void WriteValue(Output out, const RegistryValue& value) {
+    if (value.type == regSz && IsJsonText(value.data)) return out.Text(value.data);
+    out.Object();
+    ValueType::Write(out.Key("type"), value.type, regSz);
+    HexBytes::Write(out.Key("hex"), value.data, {});
 }
 
-bool SameName(const std::string& left, const std::string& right) {
-    const auto lower = [](char unit) { return unit >= 'A' && unit <= 'Z' ? unit - 'A' + 'a' : unit; };
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [&](char one, char other) { return lower(one) == lower(other); });
-}
-
-// The entries of an object by name; fails for two names that differ only in case.
+// Reads the entries of an object by name; fails for two names that differ only in case.
 template <typename Entry, typename Read>
 std::map<std::string, Entry> ReadByName(const Node& node, Read read) {
     node.ExpectObject();
     std::map<std::string, Entry> entries;
-    for (const auto& item : node.Value().items()) {
-        const Node entry = node.Key(item.key());
+    for (const std::string& key : node.Keys()) {
+        const Node entry = node.Key(key);
         for (const auto& [name, other] : entries) {
-            if (SameName(name, item.key())) entry.Fail("stands here already as \"" + name + "\"");
+            if (SameName(name, key)) entry.Fail("stands here already as \"" + name + "\"");
         }
-        entries[item.key()] = read(entry);
+        entries[key] = read(entry);
     }
     return entries;
 }
 
-RegistryKeys ReadKeys(const Node& node) {
-    return ReadByName<std::map<std::string, RegistryValue>>(
+}  // namespace
+
+void Registry::Read(const Node& node, RegistryKeys& keys) {
+    keys = ReadByName<std::map<std::string, RegistryValue>>(
         node, [](const Node& key) { return ReadByName<RegistryValue>(key, ReadValue); });
 }
 
-Json WriteKeys(const RegistryKeys& keys) {
-    Json object = Json::object();
+void Registry::Write(Output out, const RegistryKeys& keys, const RegistryKeys&) {
+    out.Object();
     for (const auto& [path, values] : keys) {
-        Json& key = object[path] = Json::object();
+        const Output key = out.Key(path);
+        key.Object();
         for (const auto& [name, value] : values)
-            key[name] = WriteValue(value);
+            WriteValue(key.Key(name), value);
     }
-    return object;
-}
-
-}  // namespace
-
-Codec<RegistryKeys> Registry() {
-    return PlainCodec<RegistryKeys>(ReadKeys, WriteKeys);
 }
 
 }  // namespace machine::description

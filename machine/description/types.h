@@ -4,11 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "machine/description/record.h"
+#include "machine/description/node.h"
+#include "machine/description/output.h"
+#include "machine/facts/pc.h"
 
 namespace machine::description {
 
-const RecordType<Pc>& PcType();
+// Before reading, `pc` holds the defaults. Throws DescriptionError.
+void ReadPc(const Node& node, Pc& pc);
+void WritePc(Output out, const Pc& pc);
 
 // Every key that a description can hold, below the name of the object that holds it ("disk", "partition").
 struct KeysOfObject {

@@ -1,34 +1,74 @@
-// The simple values of a description: text, numbers, words, GUIDs, letters, files, registry keys.
+// The codecs of simple values: text, numbers, words, GUIDs, letters, files, registry keys.
 #pragma once
 
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <string>
+#include <string_view>
 #include <type_traits>
-#include <utility>
-#include <vector>
 
-#include "machine/description/codec.h"
+#include "machine/description/node.h"
+#include "machine/description/output.h"
+#include "machine/facts/pc.h"
 
 namespace machine::description {
 
-Codec<std::string> Text();
-Codec<bool> Flag();
-Codec<Guid> GuidValue();
+struct Text {
+    using Value = std::string;
+    static void Read(const Node& node, std::string& text);
+    static void Write(Output out, const std::string& text, const std::string& standard);
+};
+
 // Upper-case letters from A to Z.
-Codec<std::string> Letters();
+struct Letters : Text {
+    static void Read(const Node& node, std::string& letters);
+};
+
 // A letter from A to Z and a colon: "C:".
-Codec<std::string> DriveName();
+struct DriveName : Text {
+    static void Read(const Node& node, std::string& name);
+};
+
+// Bytes as pairs of hexadecimal digits; on reading, blanks are allowed between the digits.
+struct HexBytes {
+    using Value = std::string;
+    static void Read(const Node& node, std::string& bytes);
+    static void Write(Output out, const std::string& bytes, const std::string& standard);
+};
+
+struct Flag {
+    using Value = bool;
+    static void Read(const Node& node, bool& flag);
+    static void Write(Output out, bool flag, bool standard);
+};
+
+struct GuidValue {
+    using Value = Guid;
+    static void Read(const Node& node, Guid& guid);
+    static void Write(Output out, const Guid& guid, const Guid& standard);
+};
+
 // "15 GiB", or the bare number of bytes.
-Codec<uint64_t> ByteCount();
-// Whether JSON can hold the text, which must be UTF-8.
-bool IsJsonText(const std::string& text);
-// Bytes as pairs of hexadecimal digits; on reading, blanks may stand between them.
-Codec<std::string> HexBytes();
+struct ByteCount {
+    using Value = uint64_t;
+    static void Read(const Node& node, uint64_t& bytes);
+    static void Write(Output out, uint64_t bytes, uint64_t standard);
+};
+
 // {"sources/boot.wim": "text", "sources/data/": null, "unicode.ini": {"hex": "fffe"}}.
-Codec<FileTree> Files();
+struct Files {
+    using Value = FileTree;
+    static void Read(const Node& node, FileTree& tree);
+    static void Write(Output out, const FileTree& tree, const FileTree& standard);
+};
+
 // {"HKLM\\SYSTEM\\Setup": {"OOBE": "text", "Flags": {"type": "REG_DWORD", "hex": "01000000"}}}.
-Codec<RegistryKeys> Registry();
+struct Registry {
+    using Value = RegistryKeys;
+    static void Read(const Node& node, RegistryKeys& keys);
+    static void Write(Output out, const RegistryKeys& keys, const RegistryKeys& standard);
+};
 
 // Numbers are JSON numbers or text, decimal or with 0x in front.
 enum class Notation {
@@ -37,84 +77,74 @@ enum class Notation {
     Code,     // 13, "0x80004005": result codes and last errors
 };
 
-// A number as the model keeps it: the bits of a negative one are those of int64_t.
 struct NumberRange {
     int64_t least;
     uint64_t most;
 };
+// The bits of a negative number are those of int64_t.
 uint64_t ReadNumber(const Node& node, NumberRange range);
-Json WriteNumber(uint64_t number, Notation notation, size_t bytes);
+void WriteNumber(Output out, uint64_t number, Notation notation, size_t bytes);
 
-template <typename T>
-Codec<T> Number(Notation notation = Notation::Decimal) {
-    using Limits = std::numeric_limits<T>;
-    const NumberRange range = {Limits::min(), static_cast<uint64_t>(Limits::max())};
-    return PlainCodec<T>([range](const Node& node) { return static_cast<T>(ReadNumber(node, range)); },
-                         [notation](const T& number) -> Json {
-                             if constexpr (std::is_signed_v<T>) {
-                                 if (number < 0) return number;
-                             }
-                             return WriteNumber(static_cast<uint64_t>(number), notation, sizeof(T));
-                         });
-}
+template <typename T, Notation notation = Notation::Decimal>
+struct Number {
+    using Value = T;
 
-// Values with names.
-template <typename T>
-using Words = std::vector<std::pair<std::string, T>>;
-
-template <typename T>
-const T* FindWord(const Words<T>& words, const std::string& word) {
-    for (const auto& [name, value] : words) {
-        if (name == word) return &value;
+    static void Read(const Node& node, T& number) {
+        using Limits = std::numeric_limits<T>;
+        number = static_cast<T>(ReadNumber(node, {Limits::min(), static_cast<uint64_t>(Limits::max())}));
     }
-    return nullptr;
-}
-
-template <typename T>
-const std::string* FindName(const Words<T>& words, const T& value) {
-    for (const auto& [name, named] : words) {
-        if (named == value) return &name;
+    static void Write(Output out, T number, T) {
+        if constexpr (std::is_signed_v<T>) {
+            if (number < 0) return out.NegativeNumber(number);
+        }
+        WriteNumber(out, static_cast<uint64_t>(number), notation, sizeof(T));
     }
-    return nullptr;
-}
+};
 
-template <typename T>
-std::vector<std::string> Names(const Words<T>& words) {
-    std::vector<std::string> names;
-    for (const auto& [name, value] : words)
-        names.push_back(name);
-    return names;
-}
+using ErrorCode = Number<uint32_t, Notation::Code>;
 
-// Fails for a word that is none of these.
-[[noreturn]] void FailOnWord(const Node& node, const std::vector<std::string>& words);
+// A row in a table of values with names: numbers or enumerators.
+struct Named {
+    std::string_view name;
+    int64_t value;
 
-// One of the words.
-template <typename T>
-Codec<T> Word(Words<T> words) {
-    return PlainCodec<T>(
-        [words](const Node& node) {
-            const T* const value = FindWord(words, node.Text());
-            if (value == nullptr) FailOnWord(node, Names(words));
-            return *value;
-        },
-        [words](const T& value) { return Json(*FindName(words, value)); });
-}
+    template <typename T>
+    constexpr Named(std::string_view word, T named) : name(word), value(static_cast<int64_t>(named)) {}
+};
+using Words = std::span<const Named>;
 
-// Whether the value is meant as a number: no text, or text that begins with a digit.
+// The value of a word; fails for a word without one.
+int64_t ReadWord(const Node& node, Words words);
+// The row of a value, or null.
+const Named* FindValue(Words words, int64_t value);
+// Whether the value is meant as a number: anything but text, or text that begins with a digit.
 bool LooksLikeNumber(const Node& node);
 
-// One of the words, or a number that has none.
-template <typename T>
-Codec<T> WordOrNumber(Words<T> words) {
-    const Codec<T> word = Word(words);
-    const Codec<T> number = Number<T>();
-    return {[=](const Node& node, const T& standard) {
-                return (LooksLikeNumber(node) ? number : word).read(node, standard);
-            },
-            [=](const T& value, const T& standard) {
-                return (FindName(words, value) != nullptr ? word : number).write(value, standard);
-            }};
-}
+// One of the words in the table.
+template <typename T, const auto& words>
+struct Word {
+    using Value = T;
+
+    static void Read(const Node& node, T& value) { value = static_cast<T>(ReadWord(node, words)); }
+    static void Write(Output out, T value, T) {
+        out.Text(std::string(FindValue(words, static_cast<int64_t>(value))->name));
+    }
+};
+
+// One of the words in the table, or a number that has none.
+template <typename T, const auto& words>
+struct WordOrNumber {
+    using Value = T;
+
+    static void Read(const Node& node, T& value) {
+        if (LooksLikeNumber(node)) return Number<T>::Read(node, value);
+        Word<T, words>::Read(node, value);
+    }
+    static void Write(Output out, T value, T standard) {
+        if (FindValue(words, static_cast<int64_t>(value)) == nullptr)
+            return Number<T>::Write(out, value, standard);
+        Word<T, words>::Write(out, value, standard);
+    }
+};
 
 }  // namespace machine::description

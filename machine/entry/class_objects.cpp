@@ -1,4 +1,4 @@
-// The component runtime: apartment, security, and the two classes that can be created.
+// The component runtime: apartment, security, and the two classes that can be instantiated.
 
 #include <utility>
 
@@ -11,7 +11,7 @@ namespace {
 
 struct ComRuntime {
     int initializations = 0;
-    DWORD model = 0;  // of the apartment, while it is initialised
+    DWORD model = 0;  // of the apartment, while initialised
     bool securitySet = false;
 };
 
@@ -20,7 +20,7 @@ const char* const initialization = "COM initialization";
 struct ComClass {
     GUID clsid;
     const char* name;
-    DWORD context;  // where the class can run
+    DWORD context;  // contexts in which the class can run
     ComObject& (*make)(EmulatedPc&);
 };
 
@@ -46,8 +46,8 @@ bool IsInitialized(EmulatedPc& pc) {
 
 }  // namespace
 
-// S_FALSE: initialised already; RPC_E_CHANGED_MODE: with another model, and nothing is counted. Each success
-// is one CoUninitialize; until then the ledger holds a "COM initialization".
+// S_FALSE: already initialised; RPC_E_CHANGED_MODE: with another model, and not counted. Each success
+// requires one CoUninitialize; until then the ledger lists a "COM initialization".
 extern "C" HRESULT WINAPI CoInitializeEx(LPVOID, DWORD model) {
     return Answer<HRESULT>("CoInitializeEx", {Hex(model)}, [&](EmulatedPc& pc) {
         ComRuntime& runtime = pc.State<ComRuntime>();
@@ -59,7 +59,7 @@ extern "C" HRESULT WINAPI CoInitializeEx(LPVOID, DWORD model) {
     });
 }
 
-// One too many is a violation.
+// An unmatched call is a violation in the ledger.
 extern "C" void WINAPI CoUninitialize() {
     EmulatedPc& pc = EmulatedPc::Current();
     pc.ledger.GiveBack(initialization);
@@ -68,7 +68,7 @@ extern "C" void WINAPI CoUninitialize() {
     pc.journal.Add(CallRecord{"CoUninitialize", {}, "", false});
 }
 
-// CO_E_NOTINITIALIZED: before CoInitializeEx; RPC_E_TOO_LATE: every time but the first.
+// CO_E_NOTINITIALIZED: before CoInitializeEx; RPC_E_TOO_LATE: all calls after the first.
 extern "C" HRESULT WINAPI CoInitializeSecurity(PSECURITY_DESCRIPTOR, LONG services,
                                                SOLE_AUTHENTICATION_SERVICE*, void*, DWORD authentication,
                                                DWORD impersonation, void*, DWORD capabilities, void*) {
@@ -82,9 +82,9 @@ extern "C" HRESULT WINAPI CoInitializeSecurity(PSECURITY_DESCRIPTOR, LONG servic
                            });
 }
 
-// CO_E_NOTINITIALIZED: before CoInitializeEx; REGDB_E_CLASSNOTREG: an unknown class, or one that does not run
-// in this context; CLASS_E_NOAGGREGATION: with an outer object; E_NOINTERFACE: the class has no such
-// interface. The caller releases the interface.
+// CO_E_NOTINITIALIZED: before CoInitializeEx; REGDB_E_CLASSNOTREG: an unknown class, or one that does not
+// run in this context; CLASS_E_NOAGGREGATION: with an outer object; E_NOINTERFACE: the class does not
+// implement the interface. The caller releases the interface.
 extern "C" HRESULT WINAPI CoCreateInstance(REFCLSID clsid, LPUNKNOWN outer, DWORD context, REFIID iid,
                                            LPVOID* out) {
     Empty(out);
@@ -102,7 +102,7 @@ extern "C" HRESULT WINAPI CoCreateInstance(REFCLSID clsid, LPUNKNOWN outer, DWOR
                            });
 }
 
-// E_INVALIDARG: no proxy; E_NOINTERFACE: an object of this process, which has no proxy.
+// E_INVALIDARG: a null proxy; E_NOINTERFACE: an object of this process, which has no proxy.
 extern "C" HRESULT WINAPI CoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWORD authorization,
                                             OLECHAR*, DWORD level, DWORD impersonation,
                                             RPC_AUTH_IDENTITY_HANDLE, DWORD capabilities) {

@@ -1,4 +1,4 @@
-// Every platform call that can fail, by its published name: what a failure looks like to the caller.
+// Every platform call that can fail, by its published name, and how it reports a failure.
 #pragma once
 
 #include <span>
@@ -6,27 +6,27 @@
 
 namespace machine {
 
-// How a call tells that it failed, and so what the code of a fault rule means.
+// How a call reports failure, which defines the meaning of a fault rule's code.
 enum class FailsWith {
-    Hresult,            // the code is the result; 0 answers success and does nothing
-    Status,             // the code is the result, as registry calls have it
+    Hresult,            // the code is the result; 0 returns success without doing anything
+    Status,             // the code is the result, as in registry calls
     FalseAndLastError,  // FALSE; the code is the last error
     ZeroAndLastError,   // a count of 0; the code is the last error
     NullAndLastError,   // a null pointer; the code is the last error
     InvalidHandle,      // INVALID_HANDLE_VALUE; the code is the last error
-    Value,              // no failure of its own: the code is the value answered
+    Value,              // cannot fail: the code is the returned value
 };
 
 struct CallInfo {
     std::string_view name;
     FailsWith failsWith;
-    bool changesPc;  // a failure after the effect differs from one before it
+    bool changesPc;  // whether a failure after the effect differs from one before it
 };
 
-// All of them, in the order of their names within each area.
+// All calls, sorted by name within each area.
 std::span<const CallInfo> AllCalls();
 
-// The row of that name, or null.
+// The row with that name, or null.
 const CallInfo* FindCall(std::string_view name);
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// One line of a fault plan: which call fails, when, and with what.
+// One rule of a fault plan: which call fails, when, and with which code.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,11 @@
 namespace machine {
 
 struct FaultRule {
-    std::string call;      // the published name: "CreateFileW", "IVdsAdvancedDisk::ChangeAttributes"
-    uint32_t nth = 0;      // the how-manieth call of that name, from 1; 0: every call
-    bool onwards = false;  // and all later ones
-    bool afterEffect =
-        false;          // the call does its work first; only calls that change the PC tell the difference
-    uint32_t code = 0;  // what it answers: a result code, a last error, or the value itself
+    std::string call;          // the published name: "CreateFileW", "IVdsAdvancedDisk::ChangeAttributes"
+    uint32_t nth = 0;          // which call of that name fails, from 1; 0: every call
+    bool onwards = false;      // and all later ones
+    bool afterEffect = false;  // fails after doing its work; matters only to calls that change the PC
+    uint32_t code = 0;         // a result code, a last error, or the returned value itself
 
     bool operator==(const FaultRule&) const = default;
 };

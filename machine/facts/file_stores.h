@@ -1,4 +1,4 @@
-// Files of the facts behind the same door as files on an image.
+// Implementations of FileStore for files in the facts.
 #pragma once
 
 #include "machine/facts/pc.h"
@@ -19,8 +19,8 @@ class TreeStore final : public FileStore {
     FileTree& tree_;
 };
 
-// The host program and the files beside it, as they show on the program's drive: `program` is its path
-// without the drive. The program itself exists, but cannot be read, overwritten or removed.
+// The host application and the files beside it, as they appear on its drive. `program` is its path without
+// the drive. The program itself exists but cannot be read, overwritten or deleted.
 class HostStore final : public FileStore {
   public:
     HostStore(std::string_view program, FileTree& files);
@@ -30,12 +30,12 @@ class HostStore final : public FileStore {
     uint32_t Write(std::string_view path, std::string_view content) override;
     uint32_t Remove(std::string_view path) override;
 
-    // Whether a file of that path lies in the program's folder or below it.
+    // Whether the path is inside the program's folder.
     bool Covers(std::string_view path) const;
 
   private:
     std::string program_;  // upper case, with slashes
-    std::string folder_;   // the same up to and with the last slash; empty for the root
+    std::string folder_;   // its folder with the trailing slash; empty for the root
     TreeStore files_;
 };
 

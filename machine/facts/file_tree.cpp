@@ -2,33 +2,20 @@
 
 #include <algorithm>
 
+#include "base/text_case.h"
+#include "machine/facts/store_path.h"
+
 namespace machine {
 
 namespace {
 
-// Slashes only, none at either end.
-std::string Normal(std::string_view path) {
-    std::string normal(path);
-    std::replace(normal.begin(), normal.end(), '\\', '/');
-    while (!normal.empty() && normal.back() == '/')
-        normal.pop_back();
-    const size_t start = normal.find_first_not_of('/');
-    return start == std::string::npos ? std::string() : normal.substr(start);
-}
-
-std::string Folded(std::string_view path) {
-    std::string folded = Normal(path);
-    std::transform(folded.begin(), folded.end(), folded.begin(), [](char unit) {
-        return unit >= 'a' && unit <= 'z' ? static_cast<char>(unit - 'a' + 'A') : unit;
-    });
-    return folded;
-}
-
+// Where the normalised path is among the sorted entries, or would be inserted.
 template <typename Entries>
-auto Position(Entries& entries, const std::string& folded) {
-    return std::lower_bound(
-        entries.begin(), entries.end(), folded,
-        [](const FileTree::Entry& entry, const std::string& path) { return Folded(entry.path) < path; });
+auto Position(Entries& entries, const std::string& normalized) {
+    return std::lower_bound(entries.begin(), entries.end(), UpperCase(normalized),
+                            [](const FileTree::Entry& entry, const std::string& folded) {
+                                return UpperCase(entry.path) < folded;
+                            });
 }
 
 }  // namespace
@@ -44,23 +31,21 @@ FileTree::FileTree(std::initializer_list<std::pair<std::string, std::string>> fi
 }
 
 void FileTree::PutFile(std::string_view path, std::string content) {
-    const std::string normal = Normal(path);
-    if (const size_t slash = normal.rfind('/'); slash != std::string::npos)
-        PutFolder(normal.substr(0, slash));
-    const auto at = Position(entries_, Folded(normal));
-    if (at != entries_.end() && Folded(at->path) == Folded(normal)) {
+    const std::string normalized = Normalized(path);
+    PutFolder(FolderOf(normalized));
+    const auto at = Position(entries_, normalized);
+    if (at != entries_.end() && SameName(at->path, normalized)) {
         at->content = std::move(content);
     } else {
-        entries_.insert(at, {normal, false, std::move(content)});
+        entries_.insert(at, {normalized, false, std::move(content)});
     }
 }
 
 void FileTree::PutFolder(std::string_view path) {
-    const std::string normal = Normal(path);
-    if (normal.empty() || Find(normal) != nullptr) return;
-    if (const size_t slash = normal.rfind('/'); slash != std::string::npos)
-        PutFolder(normal.substr(0, slash));
-    entries_.insert(Position(entries_, Folded(normal)), {normal, true, {}});
+    const std::string normalized = Normalized(path);
+    if (normalized.empty() || Find(normalized) != nullptr) return;
+    PutFolder(FolderOf(normalized));
+    entries_.insert(Position(entries_, normalized), {normalized, true, {}});
 }
 
 bool FileTree::RemoveFile(std::string_view path) {
@@ -71,9 +56,9 @@ bool FileTree::RemoveFile(std::string_view path) {
 }
 
 const FileTree::Entry* FileTree::Find(std::string_view path) const {
-    const std::string folded = Folded(path);
-    const auto at = Position(entries_, folded);
-    return at != entries_.end() && Folded(at->path) == folded ? &*at : nullptr;
+    const std::string normalized = Normalized(path);
+    const auto at = Position(entries_, normalized);
+    return at != entries_.end() && SameName(at->path, normalized) ? &*at : nullptr;
 }
 
 }  // namespace machine

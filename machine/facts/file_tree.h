@@ -1,4 +1,4 @@
-// The files of a described volume: a small file system in memory, looked up without regard to case.
+// The files of a described volume: a small in-memory file system, case-insensitive.
 #pragma once
 
 #include <optional>
@@ -13,26 +13,26 @@ namespace machine {
 class FileTree {
   public:
     struct Entry {
-        std::string path;  // as it was first spelled, with slashes, without a leading one
+        std::string path;  // as first spelled, with slashes but no leading one
         bool folder = false;
         std::string content;  // of a file
         bool operator==(const Entry&) const = default;
     };
 
     FileTree() = default;
-    // Files, each with its content; a path that ends in a slash is an empty folder.
+    // Files with their contents; a path that ends in a slash is an empty folder.
     FileTree(std::initializer_list<std::pair<std::string, std::string>> files);
 
-    // Adds or replaces a file, making the folders above it.
+    // Adds or replaces a file and creates the folders above it.
     void PutFile(std::string_view path, std::string content);
-    // Adds a folder and the folders above it; an existing one stays.
+    // Adds a folder and the folders above it; an existing one is kept.
     void PutFolder(std::string_view path);
-    // Takes a file away; false when there is none of that name.
+    // Deletes a file; false if there is none of that name.
     bool RemoveFile(std::string_view path);
     // The entry, or null. The empty path is the root, which always exists and has no entry.
     const Entry* Find(std::string_view path) const;
     bool IsEmpty() const { return entries_.empty(); }
-    // In the order of their folded paths.
+    // Sorted by upper-case path.
     const std::vector<Entry>& Entries() const { return entries_; }
 
     bool operator==(const FileTree&) const = default;

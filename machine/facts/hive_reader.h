@@ -1,5 +1,5 @@
-// How a registry hive in a file is read, when it is really one and not in the description: the door to a
-// hive on a disk image.
+// The interface to a reader of registry hive files, for hives on a disk image. The hives of described
+// volumes are in the description.
 #pragma once
 
 #include <cstdint>
@@ -9,13 +9,13 @@
 
 namespace machine {
 
-// The codes are the platform's error codes; 0 is success.
+// Returned codes are the platform's error codes; 0 is success.
 class HiveReader {
   public:
     virtual ~HiveReader() = default;
-    // The keys of a hive by their paths below its root ("MountedDevices"), keys without values too; the root
-    // itself is the empty path. `file` is the whole content of the hive's file. Error 1009 when it is no
-    // hive; `keys` is then as it was.
+    // The keys of a hive by their paths below its root ("MountedDevices"), including those without values;
+    // the root itself is the empty path. `file` is the content of the hive file. Error 1009 if it is not a
+    // hive; `keys` is then unchanged.
     virtual uint32_t Read(std::string_view file, RegistryKeys& keys) = 0;
 };
 

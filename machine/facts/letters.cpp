@@ -2,13 +2,14 @@
 
 #include <set>
 
+#include "base/text_case.h"
+
 namespace machine {
 
 namespace {
 
 bool HasLetter(const Volume& volume, char letter) {
-    const char upper = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-    return volume.letters.find(upper) != std::string::npos;
+    return volume.letters.find(UpperCase({&letter, 1})) != std::string::npos;
 }
 
 }  // namespace
@@ -28,9 +29,8 @@ LocatedVolume FindLetter(Pc& pc, char letter) {
 }
 
 uint32_t WhyUnreadable(const Volume& volume) {
-    constexpr uint32_t lockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
     if (volume.fileSystem == "RAW") return ERROR_UNRECOGNIZED_VOLUME;
-    return volume.fileSystem == "BitLocker" ? lockedVolume : uint32_t{ERROR_SUCCESS};
+    return volume.fileSystem == "BitLocker" ? errorLockedVolume : uint32_t{ERROR_SUCCESS};
 }
 
 std::string UsedLetters(const Pc& pc) {

@@ -1,4 +1,4 @@
-// Which letter opens what.
+// Maps drive letters to volumes.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace machine {
 
-// A volume and where it lies; disk and partition are null for one without a disk.
+// A volume with its partition and disk, which are null for a volume without a disk.
 struct LocatedVolume {
     Volume* volume = nullptr;
     Partition* partition = nullptr;
@@ -16,11 +16,13 @@ struct LocatedVolume {
     explicit operator bool() const { return volume != nullptr; }
 };
 
-// What the letter (in either case) opens; partitions come before volumes without a disk.
+// The volume with that letter (in either case); partitions come before volumes without a disk.
 LocatedVolume FindLetter(Pc& pc, char letter);
 
-// Why nothing on the volume can be read: 1005 for a file system that nothing reads, 0x80310000 for one that
-// BitLocker keeps locked; 0 when it can.
+inline constexpr uint32_t errorLockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
+
+// 0 if the volume can be read, otherwise the error: 1005 for an unknown file system, 0x80310000 for one
+// that BitLocker keeps locked.
 uint32_t WhyUnreadable(const Volume& volume);
 
 // Every letter in use, upper case, ascending, each once.

@@ -1,5 +1,6 @@
 #include "machine/facts/machines.h"
 
+#include "machine/facts/letters.h"
 #include "platform/partition_types.h"
 
 namespace machine {
@@ -8,8 +9,7 @@ namespace {
 
 constexpr uint64_t MiB = 1024ULL * 1024;
 constexpr uint64_t GiB = 1024 * MiB;
-constexpr uint32_t lockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
-constexpr uint32_t xtsAes128 = 6;              // of Win32_EncryptableVolume
+constexpr uint32_t xtsAes128 = 6;  // of Win32_EncryptableVolume
 constexpr const char* sataController = "PCI\\VEN_8086&DEV_2922&SUBSYS_20F017AA&REV_03\\3&11583659&0&FA";
 constexpr const char* cacheController = "PCI\\VEN_8086&DEV_282A&SUBSYS_20F017AA&REV_03\\3&11583659&0&FB";
 
@@ -104,10 +104,10 @@ Disk FactoryGptDisk() {
     return disk;
 }
 
-// The factory disk with a data partition between Windows and recovery, which is locked.
+// The factory disk with an additional data partition, which is locked, between Windows and recovery.
 Disk SharedGptDisk() {
     Volume locked = MakeVolume("D", "", {}, "RAW");
-    locked.label = Fact<std::string>::Fails(lockedVolume);
+    locked.label = Fact<std::string>::Fails(errorLockedVolume);
     Disk disk = FactoryGptDisk();
     disk.partitions[4].size = 200 * GiB;
     disk.partitions[5] = GptPartition(6, MiB + 204 * GiB, 270 * GiB, PARTITION_BASIC_DATA_GUID,
@@ -124,7 +124,7 @@ Volume RecoveryMedium(const char* letter, DriveType driveType, const char* fileS
     return medium;
 }
 
-// A value of MountedDevices for a partition of a GPT disk.
+// The MountedDevices value of a GPT partition.
 std::pair<const std::string, RegistryValue> MountedDevice(char letter, const Guid& partitionId) {
     constexpr uint32_t binary = 3;
     const std::string id(reinterpret_cast<const char*>(&partitionId), sizeof(GUID));

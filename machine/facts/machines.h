@@ -1,4 +1,4 @@
-// The machines that come with the project.
+// The predefined machines.
 #pragma once
 
 #include <string>
@@ -17,21 +17,21 @@ Pc FactoryMbr();
 // (C:), 6 recovery.
 Pc FactoryGpt();
 
-// BIOS, Windows PE from the recovery partition. Disk 0 as FactoryMbr with partition 1 active, disk 1 a small
-// cache disk; IDE.INI beside the host program prefers the controller of disk 0.
+// BIOS, Windows PE from the recovery partition. Disk 0 as in FactoryMbr with partition 1 active, disk 1 a
+// small cache disk; IDE.INI beside the host application prefers the controller of disk 0.
 Pc WinPeTwoDisks();
 
-// UEFI, Windows PE. Disk 0 as FactoryGpt with 5 Windows (C:), 6 data (D:, locked by BitLocker), 7 recovery;
-// R: a recovery disc, U: a recovery stick. The installed Windows calls the data E:, and had an F: that is
-// gone.
+// UEFI, Windows PE. Disk 0 as in FactoryGpt with 5 Windows (C:), 6 data (D:, locked by BitLocker), 7
+// recovery; R: a recovery disc, U: a recovery stick. The installed Windows has the data partition as E:,
+// and remembers an F: that no longer exists.
 Pc WinPeMedia();
 
-// A PC that runs Windows PE from its RAM drive X:, and has no disks.
+// A PC running Windows PE from its RAM drive X:, without disks.
 Pc WindowsPePc();
 
-// A SATA disk as its port driver, WMI and the Virtual Disk Service report it, without partitions. `model` is
-// its name in the PNP device id, padded with underscores to 40 characters; `controller` the PNP device id of
-// what it hangs on.
+// A SATA disk without partitions, as its port driver, WMI and the Virtual Disk Service report it. `model`
+// is the name in its PNP device id, padded with underscores to 40 characters; `controller` is the PNP
+// device id of its controller.
 Disk SataDisk(uint32_t number, uint64_t size, const std::string& model, const std::string& controller);
 
 struct NamedMachine {

@@ -1,4 +1,4 @@
-// Where changes of a disk's partition table go, when it is not only in the description.
+// The interface to a partition table on an image.
 #pragma once
 
 #include <cstdint>
@@ -6,10 +6,10 @@
 
 namespace machine {
 
-// What a change of the active flag does to the flags of the disk's other partitions.
+// What a change of one active flag does to the disk's other flags.
 enum class OtherFlags { Keep, Clear };
 
-// What the table says of a partition that is no extended one.
+// An entry other than an extended partition's.
 struct TableEntry {
     uint64_t offset = 0;  // bytes
     bool isActive = false;
@@ -18,19 +18,19 @@ struct TableEntry {
     bool operator==(const TableEntry&) const = default;
 };
 
-// The changes answer 0, and are on the medium then, or the platform's error code: 19 when the medium is open
-// for reading only, 87 when there is no such partition or it cannot have that value (a flag or an MBR type on
-// a GPT disk, type 0, to or from an extended partition), both having changed nothing; 1117 when the medium
-// cannot be read or written. Then the change may have been made or not, which Entries tells.
+// Changes return 0 once they are on the medium, or the platform's error code. 19: the medium is
+// write-protected; 87: there is no such partition, or it cannot have that value (a flag or an MBR type on a
+// GPT disk, type 0, to or from an extended partition); both change nothing. 1117: the medium cannot be read
+// or written. After 1117 the change may or may not be on the medium; call Entries() to find out.
 class PartitionTable {
   public:
     virtual ~PartitionTable() = default;
-    // One edit of the table and one write, so that no two flags are set in between. The flags to clear are
-    // those on the medium.
+    // One edit of the table and one write, so that two flags are never set in between. Clears the flags
+    // that are set on the medium.
     virtual uint32_t SetActive(uint64_t partitionOffset, bool active, OtherFlags others) = 0;
     virtual uint32_t SetMbrType(uint64_t partitionOffset, uint8_t type) = 0;
-    // The entries of an MBR as they read now. Empty on GPT, when the medium cannot be read, and when changes
-    // do not reach it, so that it would tell nothing of them.
+    // The current entries of an MBR. Empty for GPT, if the medium cannot be read, and on a dry run, where
+    // the medium does not have the changes.
     virtual std::vector<TableEntry> Entries() = 0;
 };
 

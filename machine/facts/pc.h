@@ -1,6 +1,6 @@
-// The facts of an emulated PC: plain data that tests build, the JSON description holds, and the emulated
-// platform answers from. Everything that changes an answer of the recovery library stands here. Text is
-// UTF-8; paths on volumes are written with slashes or backslashes, without the drive.
+// The facts of an emulated PC: plain data that tests construct, the JSON description stores, and the
+// emulated platform answers from. They contain everything that can change an answer of the recovery
+// library. Text is UTF-8; paths on volumes are written with slashes or backslashes, without the drive.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@
 
 namespace machine {
 
-// A fact that a call either tells or fails to tell: a value, or the error code that the call fails with.
+// A fact that a call returns or fails to return: a value, or the error code of the failure.
 template <typename T>
 struct Fact {
     std::optional<T> value;
@@ -38,7 +38,7 @@ struct Fact {
 
 // --- volumes ---
 
-// A piece of a disk that a volume lies on.
+// A contiguous part of a disk that a volume occupies.
 struct Extent {
     uint32_t disk = 0;
     uint64_t offset = 0;
@@ -57,20 +57,20 @@ enum class DriveType : uint32_t {
     RamDisk = 6
 };
 
-// What a drive letter opens: the contents of a partition, or a disc, a stick or a network share without a
-// disk.
+// What a drive letter refers to: the contents of a partition, or a disc, a stick or a network share without
+// a disk.
 struct Volume {
-    std::string letters;  // upper case; one partition can have several
-    // As GetVolumeInformationW names it; "RAW" when unreadable, "BitLocker" when locked.
+    std::string letters;  // upper case; a volume can have several
+    // As GetVolumeInformationW reports it; "RAW" if unreadable, "BitLocker" if locked.
     std::string fileSystem = "NTFS";
     Fact<std::string> label = std::string();  // or the error of reading it
     DriveType driveType = DriveType::Fixed;
     std::vector<Extent> furtherExtents;  // besides the partition's own
-    uint32_t openError = 0;              // what CreateFileW on \\.\X: fails with; 0 opens
-    std::optional<int> extentType;       // VDS extent type; without it, what the partition's type implies
+    uint32_t openError = 0;              // the error of CreateFileW on \\.\X:; 0: it succeeds
+    std::optional<int> extentType;       // VDS extent type; absent: implied by the partition's type
     FileTree files;                      // the files of a described volume
-    std::shared_ptr<FileStore> store;    // where the files are instead, on an image
-    std::string image;                   // path of a disc's or a stick's image; empty without one
+    std::shared_ptr<FileStore> store;    // the files of a volume on an image
+    std::string image;                   // path of a disc's or a stick's image; empty: none
 
     bool operator==(const Volume&) const = default;
 };
@@ -85,11 +85,11 @@ struct Partition {
     uint64_t size = 0;          // bytes
     uint8_t mbrType = 0;        // on MBR disks
     uint8_t bootIndicator = 0;  // as VDS reports it: 1 is active
-    Guid gptType;               // on GPT disks, as the next three
+    Guid gptType;               // on GPT disks, as are the next three
     Guid gptId;
     uint64_t attributes = 0;
     std::string name;
-    std::optional<Volume> volume;  // absent: nothing that a letter could open
+    std::optional<Volume> volume;  // absent: no contents
 
     bool operator==(const Partition&) const = default;
 };
@@ -102,7 +102,7 @@ struct ScsiAddress {
     bool operator==(const ScsiAddress&) const = default;
 };
 
-// The instance of Win32_DiskDrive; an absent property reads as VT_NULL.
+// The instance of Win32_DiskDrive; an absent property is VT_NULL.
 struct WmiDisk {
     std::optional<std::string> deviceId;
     std::optional<std::string> pnpDeviceId;
@@ -117,23 +117,23 @@ struct Disk {
     uint32_t busType = 11;               // VDS bus type; 11 is SATA
     uint64_t size = 0;                   // bytes
     PartitionStyle style = PartitionStyle::Mbr;
-    uint32_t signature = 0;      // on MBR disks
-    Guid guid;                   // on GPT disks
-    std::string pack;            // name of a pack of the PC; empty: an online pack of its own
+    uint32_t signature = 0;  // on MBR disks
+    Guid guid;               // on GPT disks
+    std::string pack;        // name of a pack of the PC; empty: an implicit pack of its own, which is online
     bool unallocated = false;    // listed as unallocated; then in a pack only if `pack` names one
     std::optional<WmiDisk> wmi;  // absent: WMI does not list the disk
     Fact<std::string> location = std::string();     // SetupAPI location text; error 13: no such property
     Fact<ScsiAddress> scsiAddress = ScsiAddress();  // IOCTL_SCSI_GET_ADDRESS
     Fact<uint32_t> storageBusType = uint32_t{11};   // IOCTL_STORAGE_QUERY_PROPERTY
-    std::vector<std::string> controllers;           // PNP device ids of what the disk hangs on, nearest first
+    std::vector<std::string> controllers;           // PNP device ids of its controllers, nearest first
     std::vector<Partition> partitions;              // in the order in which VDS lists them
     std::string image;                              // path of the image file; empty: a described disk
-    std::shared_ptr<PartitionTable> table;          // where table changes go on an image
+    std::shared_ptr<PartitionTable> table;          // receives changes of the table on an image
 
     bool operator==(const Disk&) const = default;
 };
 
-// A VDS pack that disks name. Disks without one stand in an online pack of their own.
+// A VDS pack that disks refer to by name. A disk without a pack is in an implicit online pack of its own.
 struct Pack {
     std::string name;
     int status = 1;        // VDS_PS_ONLINE
@@ -147,8 +147,8 @@ enum class FirmwareKind { Bios, Uefi };
 
 struct Firmware {
     FirmwareKind kind = FirmwareKind::Bios;
-    std::optional<uint32_t>
-        error;  // of GetFirmwareEnvironmentVariableW; absent: 1 on BIOS, 998 on UEFI; 0 reads
+    // Of GetFirmwareEnvironmentVariableW; 0: it succeeds; absent: 1 on BIOS, 998 on UEFI.
+    std::optional<uint32_t> error;
     bool operator==(const Firmware&) const = default;
 };
 
@@ -157,30 +157,30 @@ enum class SystemKind { Windows, WindowsPe };
 struct RunningSystem {
     SystemKind kind = SystemKind::Windows;
     std::string windowsDirectory = "C:\\Windows";
-    std::optional<std::string> startOptions =
-        " NOEXECUTE=OPTIN";  // SystemStartOptions; absent: no such value
-    // The program is a 32-bit one on a 64-bit system: below the Windows directory it sees SysWOW64 as
-    // System32 unless it switches the redirection off.
+    std::optional<std::string> startOptions = " NOEXECUTE=OPTIN";  // SystemStartOptions; absent: no value
+    // The host application is a 32-bit program on a 64-bit system: below the Windows directory, System32 is
+    // redirected to SysWOW64 unless it disables the redirection.
     bool emulates32Bit = false;
     bool operator==(const RunningSystem&) const = default;
 };
 
-// The program that loaded the library; its folder's files are seen whatever the volumes hold.
-struct HostProgram {
+// The host application, which loads the library. The files in its folder exist whatever the volumes
+// contain.
+struct HostApplication {
     std::string path = "C:\\Program Files\\Recovery\\Recovery.exe";
-    FileTree files;  // in its folder, IDE.INI for instance
-    bool operator==(const HostProgram&) const = default;
+    FileTree files;  // in its folder, such as IDE.INI
+    bool operator==(const HostApplication&) const = default;
 };
 
 // How the command interpreter runs a batch file.
 struct Shell {
-    uint32_t milliseconds = 50;  // that a batch takes
-    bool regFails = false;       // `reg` does nothing and ends with an error
-    bool tellsProcess = true;    // false: a batch starts without a handle of its process
+    uint32_t milliseconds = 50;  // duration of a batch file
+    bool regFails = false;       // `reg` does nothing and returns an error
+    bool returnsProcess = true;  // false: a batch starts without a process handle
     bool operator==(const Shell&) const = default;
 };
 
-// A volume as BitLocker's WMI provider lists it; an absent property reads as VT_NULL.
+// A volume as BitLocker's WMI provider lists it; an absent property is VT_NULL.
 struct EncryptableVolume {
     std::optional<std::string> deviceId;
     std::optional<std::string> persistentVolumeId;
@@ -190,14 +190,15 @@ struct EncryptableVolume {
     bool operator==(const EncryptableVolume&) const = default;
 };
 
-// What the platform's documentation leaves open. The defaults are what is documented or observed most.
+// Behaviour that the platform's documentation leaves open. The defaults are documented, or what is observed
+// most.
 struct Switches {
     bool activeFlagIsExclusive = false;          // setting one active flag clears the others
     enum class Letterless { Fails, Nul, Zero };  // GetDriveLetter of a partition without a letter
     Letterless letterless = Letterless::Fails;
-    bool volumesRefuseLetterCalls = true;  // letter calls fail on a partition that carries a volume
-    bool hidingRemovesVolume = true;       // an unrecognised type takes letters and label away
-    bool profilesSkipUtf8Mark = false;     // a UTF-8 mark does not spoil the first line of a profile
+    bool volumesRefuseLetterCalls = true;  // letter calls fail for a partition with a volume
+    bool hidingRemovesVolume = true;       // an unrecognised type removes letters and label
+    bool profilesSkipUtf8Mark = false;     // a UTF-8 mark does not spoil the first line of an INI file
     bool operator==(const Switches&) const = default;
 };
 
@@ -205,16 +206,16 @@ struct Pc {
     std::string name;
     Firmware firmware;
     RunningSystem system;
-    HostProgram host;
+    HostApplication host;
     std::vector<Pack> packs;
     std::vector<Disk> disks;         // in VDS order
-    std::vector<uint32_t> wmiOrder;  // disk numbers in WMI's order; those not named follow in VDS order
-    std::vector<Volume> volumes;     // without a disk: discs, sticks, network letters
+    std::vector<uint32_t> wmiOrder;  // disk numbers in WMI's order; unlisted disks follow in VDS order
+    std::vector<Volume> volumes;     // without a disk: discs, sticks, network drives
     RegistryKeys registry;
-    RegistryKeys offlineSystemHive;  // what a hive file on a described volume holds, keys below its root
-    std::shared_ptr<HiveReader> hiveReader;  // reads the hive files of disk images instead
+    RegistryKeys offlineSystemHive;  // contents of a hive file on a described volume, keys below its root
+    std::shared_ptr<HiveReader> hiveReader;  // reads the hive files of disk images
     Shell shell;
-    // What BitLocker's provider lists, in its order; absent: there is no such provider.
+    // The instances of BitLocker's provider, in its order; absent: there is no provider.
     std::optional<std::vector<EncryptableVolume>> encryptableVolumes;
     Switches switches;
     std::vector<FaultRule> faults;

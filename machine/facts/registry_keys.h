@@ -1,4 +1,4 @@
-// Registry keys as plain data, of the running system or of a hive that is not mounted.
+// Registry keys as plain data, of the running system or of an unmounted hive.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,12 @@
 namespace machine {
 
 struct RegistryValue {
-    uint32_t type = 1;  // REG_SZ: data are UTF-8 and stored as UTF-16 with a terminator; other types: bytes
+    uint32_t type = 1;  // REG_SZ: UTF-8 data, stored as UTF-16 with a terminator; other types: bytes
     std::string data;
     bool operator==(const RegistryValue&) const = default;
 };
 
-// Keys by path ("HKLM\\SYSTEM\\MountedDevices"), values by name; both are looked up without regard to case.
+// Keys by path ("HKLM\\SYSTEM\\MountedDevices"), values by name; lookups ignore case.
 using RegistryKeys = std::map<std::string, std::map<std::string, RegistryValue>>;
 
 }  // namespace machine

@@ -7,7 +7,7 @@ namespace machine {
 
 namespace {
 
-// How WMI lists the disks of a bus; the disk's number stands where the PNP device id has a star.
+// How WMI lists the disks of a bus; the star in the PNP device id stands for the disk number.
 struct BusRow {
     uint32_t busType;
     const char* interfaceType;

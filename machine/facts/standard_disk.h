@@ -1,4 +1,4 @@
-// What Windows usually says of a disk about which nothing is known but its number and bus.
+// The defaults of a disk of which only the number and the bus are known.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace machine {
 
-// A disk without size and partitions that VDS, WMI and its driver report consistently. `busType` is a VDS bus
-// type; the storage bus type is the same number.
+// A disk without size and partitions, reported consistently by VDS, WMI and its driver. `busType` is a VDS
+// bus type, and also the storage bus type.
 Disk StandardDisk(uint32_t number, uint32_t busType);
 
 }  // namespace machine

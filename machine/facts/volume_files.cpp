@@ -1,11 +1,11 @@
 #include "machine/facts/volume_files.h"
 
-#include <algorithm>
 #include <vector>
 
 #include "base/text_case.h"
 #include "machine/facts/file_stores.h"
 #include "machine/facts/letters.h"
+#include "machine/facts/store_path.h"
 
 namespace machine {
 
@@ -13,28 +13,20 @@ namespace {
 
 struct FullPath {
     char drive = '\0';
-    std::string inner;  // below the drive, with slashes
+    std::string inner;  // path below the drive, with slashes
 };
 
-// The parts between slashes and backslashes, with "." and ".." resolved; ".." stays at the root.
+// The path with "." and ".." resolved; ".." never leaves the root.
 std::string Resolved(std::string_view path) {
-    std::vector<std::string_view> parts;
-    for (size_t start = 0; start <= path.size();) {
-        const size_t end = std::min(path.find_first_of("/\\", start), path.size());
-        const std::string_view part = path.substr(start, end - start);
-        if (part == "..") {
-            if (!parts.empty()) parts.pop_back();
-        } else if (!part.empty() && part != ".") {
-            parts.push_back(part);
+    std::vector<std::string> resolved;
+    for (std::string& name : NamesOf(path)) {
+        if (name == "..") {
+            if (!resolved.empty()) resolved.pop_back();
+        } else if (name != ".") {
+            resolved.push_back(std::move(name));
         }
-        start = end + 1;
     }
-    std::string resolved;
-    for (const std::string_view part : parts) {
-        if (!resolved.empty()) resolved += '/';
-        resolved += part;
-    }
-    return resolved;
+    return Joined(resolved);
 }
 
 uint32_t Split(std::string_view path, FullPath& full) {
@@ -47,7 +39,7 @@ uint32_t Split(std::string_view path, FullPath& full) {
     return ERROR_SUCCESS;
 }
 
-// System32 of the running system as a 32-bit program sees it; other paths stay.
+// Redirects System32 of the running system for a 32-bit program; other paths are unchanged.
 void Redirect(const Pc& pc, FullPath& full) {
     constexpr std::string_view folder = "System32";
     FullPath system;
@@ -64,12 +56,7 @@ uint32_t Locate(const Pc& pc, bool redirects, std::string_view path, FullPath& f
     return error;
 }
 
-std::string Parent(const std::string& inner) {
-    const size_t slash = inner.rfind('/');
-    return slash == std::string::npos ? std::string() : inner.substr(0, slash);
-}
-
-// What lies under one drive letter: the host program's files before the volume's.
+// The files of one drive letter: those beside the host application hide the volume's.
 class Drive {
   public:
     Drive(Pc& pc, char letter) {
@@ -89,13 +76,13 @@ class Drive {
         return volume_->Find(inner);
     }
 
-    // Why a path means nothing here.
+    // The error for a path that does not exist.
     uint32_t WhyMissing(const std::string& inner) {
-        if (KindOf(Parent(inner)) == FileKind::Folder) return ERROR_FILE_NOT_FOUND;
+        if (KindOf(FolderOf(inner)) == FileKind::Folder) return ERROR_FILE_NOT_FOUND;
         return volumeError_ != ERROR_SUCCESS ? volumeError_ : ERROR_PATH_NOT_FOUND;
     }
 
-    // The files among which the path is, or would be. Its folder exists.
+    // The store that contains the path or would receive it. Its folder exists.
     FileStore& HolderOf(const std::string& inner) {
         const bool onVolume = volumeError_ == ERROR_SUCCESS && volume_->Find(inner) != FileKind::None;
         const bool withHost = host_ && host_->Covers(inner);
@@ -103,10 +90,10 @@ class Drive {
         return *volume_;
     }
 
-    // Whether a file could be put at that path, and if not, why.
+    // 0 if a file can be written at the path, otherwise the error.
     uint32_t WhyUnwritable(const std::string& inner) {
         if (KindOf(inner) == FileKind::Folder) return ERROR_ACCESS_DENIED;
-        if (KindOf(Parent(inner)) != FileKind::Folder)
+        if (KindOf(FolderOf(inner)) != FileKind::Folder)
             return volumeError_ != ERROR_SUCCESS ? volumeError_ : ERROR_PATH_NOT_FOUND;
         return host_ && host_->Covers(inner) ? uint32_t{ERROR_SUCCESS} : volumeError_;
     }

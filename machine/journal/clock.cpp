@@ -7,7 +7,7 @@ namespace machine {
 namespace {
 
 struct Agenda {
-    std::multimap<uint64_t, std::function<void(EmulatedPc&)>> actions;  // by their hour
+    std::multimap<uint64_t, std::function<void(EmulatedPc&)>> actions;  // by the time they are due
 };
 
 }  // namespace

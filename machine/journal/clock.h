@@ -1,5 +1,4 @@
-// The clock of the emulated PC, and what happens at its hours. It goes on when somebody waits; nobody really
-// does.
+// The clock of the emulated PC and its scheduled actions. Waiting advances the clock; nothing really waits.
 #pragma once
 
 #include <functional>
@@ -8,10 +7,10 @@
 
 namespace machine {
 
-// Does the action when the clock has gone on by that much.
+// Runs the action when the clock has advanced by that time.
 void Schedule(EmulatedPc& pc, uint64_t milliseconds, std::function<void(EmulatedPc&)> action);
 
-// Lets the time pass. What was scheduled for it happens at its hour, in order.
+// Advances the clock and runs the actions that become due, in order.
 void AdvanceClock(EmulatedPc& pc, uint64_t milliseconds);
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// The PC that answers the platform's calls: the facts, and what happened to it.
+// The PC that answers the platform calls: the facts and the records of what happened.
 #pragma once
 
 #include <any>
@@ -13,8 +13,8 @@
 
 namespace machine {
 
-// While it lives it answers every platform call of the process and keeps the log records of the library; one
-// at a time. Its parts are open: tests look at them and change them between two operations.
+// While it exists, it answers every platform call of the process and stores the library's log records. Only
+// one may exist at a time. Its parts are public: tests inspect them and change them between operations.
 class EmulatedPc final : private ILogSink {
   public:
     explicit EmulatedPc(Pc given);
@@ -22,18 +22,18 @@ class EmulatedPc final : private ILogSink {
     EmulatedPc(const EmulatedPc&) = delete;
     EmulatedPc& operator=(const EmulatedPc&) = delete;
 
-    // The PC that lives now. Ends the process with a message when there is none.
+    // The existing PC. Ends the process with a message if there is none.
     static EmulatedPc& Current();
 
     Pc facts;
     FaultPlan faults;
     Journal journal;
     Ledger ledger;
-    uint64_t clockMilliseconds = 0;  // advanced by Sleep and time-outs; nothing really waits
+    uint64_t clockMilliseconds = 0;  // advanced by Sleep and timeouts
     uint32_t lastError = 0;
 
-    // What one area of the platform keeps while the PC lives (open handles, COM objects): one object of each
-    // type, made on first use.
+    // The state of one area of the platform (open handles, COM objects): one object of each type, created
+    // on first use.
     template <typename T>
     T& State() {
         std::any& state = states_[std::type_index(typeid(T))];
@@ -44,7 +44,7 @@ class EmulatedPc final : private ILogSink {
   private:
     void Write(const LogEntry& entry) override { journal.Add(entry); }
 
-    // Not ordered: type_info::before contradicts itself on mingw-w64 for types of unnamed namespaces.
+    // Unordered, because type_info::before is inconsistent on mingw-w64 for types in unnamed namespaces.
     std::unordered_map<std::type_index, std::any> states_;
 };
 

@@ -1,4 +1,4 @@
-// Decides, call by call, which fail: counts the calls of each name and finds the rule that applies.
+// Decides which calls fail: counts the calls of each name and finds the rule that applies.
 #pragma once
 
 #include <map>
@@ -14,12 +14,12 @@ class FaultPlan {
     FaultPlan() = default;
     explicit FaultPlan(std::vector<FaultRule> rules) : rules_(std::move(rules)) {}
 
-    // Counting starts afresh with the rule.
+    // Adds a rule and restarts all counts.
     void Arm(FaultRule rule);
     void Disarm();
-    // Counts one call; the first rule that applies to it, or null.
+    // Counts the call and returns the first rule that applies to it, or null.
     const FaultRule* Next(const std::string& call);
-    // How often a rule applied.
+    // How many calls a rule has applied to.
     int Fired() const { return fired_; }
 
   private:
@@ -28,7 +28,7 @@ class FaultPlan {
     int fired_ = 0;
 };
 
-// Called whenever a rule applies: the place for a breakpoint.
+// Called whenever a rule applies; set a breakpoint here.
 void FaultInjected(const FaultRule& rule);
 
 }  // namespace machine

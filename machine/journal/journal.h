@@ -1,5 +1,5 @@
-// Everything that happened, in order: the platform calls with arguments and result, and the log records of
-// the library between them.
+// The journal: platform calls with arguments and results, and the library's log records between them, in
+// order.
 #pragma once
 
 #include <string>
@@ -12,9 +12,9 @@ namespace machine {
 
 struct CallRecord {
     std::string call;                    // the published name
-    std::vector<std::string> arguments;  // those that tell something, as text
+    std::vector<std::string> arguments;  // the significant ones, as text
     std::string result;
-    bool injected = false;  // a fault rule gave the result
+    bool injected = false;  // the result comes from a fault rule
 };
 
 using JournalEntry = std::variant<CallRecord, LogEntry>;
@@ -24,7 +24,7 @@ class Journal {
     void Add(JournalEntry entry) { entries_.push_back(std::move(entry)); }
     void Clear() { entries_.clear(); }
     const std::vector<JournalEntry>& Entries() const { return entries_; }
-    // The calls alone, those of one name, the records alone.
+    // Only the calls; only those of one name; only the log records.
     std::vector<CallRecord> Calls() const;
     std::vector<CallRecord> Calls(const std::string& name) const;
     std::vector<LogEntry> Records() const;

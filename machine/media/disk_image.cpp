@@ -22,8 +22,8 @@ std::string NameOf(const Partition& partition) {
     return name;
 }
 
-// What Windows would see there: a file system that it knows, or an unreadable one where the partition's type
-// says that there is one.
+// What Windows would find there: a known file system, or an unreadable one if the partition's type implies
+// a volume.
 std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, FileSystemProbe& probe,
                                  PartitionStyle style, const Partition& partition) {
     const auto fileSystem = probe.Identify(partition.offset, partition.size);
@@ -31,7 +31,7 @@ std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, FileSy
     return VolumeAt(image, fileSystem.value_or(FileSystem{"RAW", ""}), partition.offset, partition.size);
 }
 
-// Keeps of a described volume what its image cannot tell.
+// Keeps the parts of a described volume that its image does not contain.
 void Merge(const ImageFile& image, const Volume& described, Partition& partition) {
     if (!partition.volume) {
         partition.volume.emplace();
@@ -62,8 +62,7 @@ void Merge(const ImageFile& image, const std::vector<Partition>& described, Disk
     }
 }
 
-// Refuses what a change could ruin: Windows would play its own version over it, or lose what it has not
-// written.
+// Refuses volumes that a change could damage: Windows would restore its own version or lose unwritten data.
 void CheckMayChange(const ImageFile& image, const Disk& disk) {
     for (const Partition& partition : disk.partitions) {
         auto* const volume =
@@ -88,7 +87,7 @@ void CheckMayChange(const ImageFile& image, const Disk& disk) {
     }
 }
 
-// A volume's first sector ends as a partition table does.
+// The first sector of a volume has the same signature as a partition table.
 void CheckIsWholeDisk(const ImageFile& image, FileSystemProbe& probe) {
     const auto fileSystem = probe.Identify(0, image.Size());
     if (fileSystem)

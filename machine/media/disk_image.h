@@ -1,5 +1,5 @@
-// Raw disk images under the emulated PC: a file's partition table and file systems become the facts of a
-// disk.
+// Attaches raw disk images to the emulated PC: the partition table and file systems of a file become the
+// facts of a disk.
 #pragma once
 
 #include <string>
@@ -10,17 +10,16 @@
 
 namespace machine {
 
-// Opens the image that disk.image names, and fills in the disk's size, style, signature or GUID, its
-// partitions with their volumes and files, and where table changes go. Partitions described beforehand are
-// matched by number: the image tells where they lie and what is on them, the description keeps letters, drive
-// type and whatever else an image cannot tell.
+// Opens the image that disk.image names and fills in the disk's size, style, signature or GUID, its
+// partitions with volumes and files, and the object that receives table changes. Partitions described in
+// advance are matched by number: offsets and contents come from the image; letters, drive type and whatever
+// else an image does not contain come from the description.
 //
-// Throws ImageError, and has changed neither the disk nor one byte of the file then. Write and Overlay refuse
-// NTFS volumes that are dirty or hibernated; Write locks the file for as long as the disk or a copy of it
-// lives.
+// Throws ImageError with the disk and the file unchanged. Write and Overlay refuse dirty or hibernated NTFS
+// volumes. Write locks the file as long as the disk or a copy of it exists.
 void AttachImage(Disk& disk, ImageAccess access);
 
-// The PC whose disks 0, 1, ... are these images: SATA disks, with the letters that the running system gives.
+// A PC with these images as disks 0, 1, ...: SATA disks, with the letters that the running system assigns.
 // Throws ImageError.
 Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAccess access);
 

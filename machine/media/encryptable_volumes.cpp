@@ -7,7 +7,7 @@ namespace {
 constexpr uint32_t notEncrypted = 0;
 constexpr uint32_t xtsAes128 = 6;
 
-// Windows names the volume of a GPT partition by the partition's id, and that of an MBR partition by the
+// Windows identifies the volume of a GPT partition by the partition's id, that of an MBR partition by the
 // disk's signature and the partition's offset.
 std::string VolumeGuidText(const Disk& disk, const Partition& partition) {
     if (disk.style == PartitionStyle::Gpt) return GuidText(partition.gptId);

@@ -1,4 +1,4 @@
-// What BitLocker's provider would list of the disks of a PC.
+// The volumes that BitLocker's provider would list for the disks of a PC.
 #pragma once
 
 #include <vector>
@@ -7,8 +7,8 @@
 
 namespace machine {
 
-// The fixed volumes that have a letter, and the locked ones without, in the order of disks and partitions.
-// How a locked volume is encrypted stands in its metadata, which nobody asks for: it counts as XTS-AES 128.
+// Fixed volumes with a letter, and locked ones without, in the order of disks and partitions. The method of
+// a locked volume is in its metadata, which is not read here; XTS-AES 128 is assumed.
 std::vector<EncryptableVolume> EncryptableVolumesOf(const Pc& pc);
 
 }  // namespace machine

@@ -9,7 +9,7 @@ namespace machine {
 
 namespace {
 
-// In the order in which the PC names them.
+// In the PC's order.
 std::vector<std::string> ImagesOf(const Pc& pc) {
     std::vector<std::string> paths;
     for (const Disk& disk : pc.disks) {
@@ -23,7 +23,7 @@ std::vector<std::string> ImagesOf(const Pc& pc) {
 
 void CheckIsNoneOf(std::span<const std::string> given, const std::string& path) {
     const auto twin = std::ranges::find_if(given, [&](const std::string& other) {
-        std::error_code missing;  // which is told when the image is opened
+        std::error_code missing;  // reported when the image is opened
         return std::filesystem::equivalent(other, path, missing);
     });
     if (twin != given.end()) throw ImageError(path + ": given twice, first as " + *twin);

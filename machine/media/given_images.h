@@ -1,4 +1,4 @@
-// The image files that a PC is made of.
+// The image files of a PC, each of which may be used once.
 #pragma once
 
 #include <string>
@@ -8,11 +8,11 @@
 
 namespace machine {
 
-// Throws ImageError when the PC has that file already, by whatever path: two disks over one file would each
-// write what the other does not know of.
+// Throws ImageError if the PC already uses that file, by whatever path: two disks on one file would
+// overwrite each other's changes.
 void CheckIsNew(const Pc& pc, const std::string& path);
 
-// Throws ImageError when the PC names one file for two of its images.
+// Throws ImageError if the PC uses one file for two of its images.
 void CheckEachIsNew(const Pc& pc);
 
 }  // namespace machine

@@ -32,13 +32,13 @@ using HiveOwner = std::unique_ptr<hive_h, HiveClose>;
 template <typename T>
 using HivexMemory = std::unique_ptr<T, Release>;
 
-// A file in memory, because libhivex opens hives by their path.
+// A file in memory, because libhivex opens hives by path.
 class MemoryFile {
   public:
     explicit MemoryFile(std::string_view content) : descriptor_(memfd_create("hive", MFD_CLOEXEC)) {
         while (!content.empty()) {
             const ssize_t done = write(descriptor_, content.data(), content.size());
-            if (done <= 0) break;  // and the hive is too short to be one
+            if (done <= 0) break;  // the truncated hive is rejected as damaged
             content.remove_prefix(static_cast<size_t>(done));
         }
     }
@@ -54,7 +54,7 @@ class MemoryFile {
     int descriptor_;
 };
 
-// A text is stored with its terminator, which is no part of it.
+// Text is stored with a terminator, which is not part of it.
 std::string TextOf(std::string_view stored) {
     std::u16string text(stored.size() / sizeof(char16_t), u'\0');
     stored.copy(reinterpret_cast<char*>(text.data()), text.size() * sizeof(char16_t));
@@ -62,7 +62,7 @@ std::string TextOf(std::string_view stored) {
     return ToUtf8(text);
 }
 
-// Takes the keys out of an open hive; false when it is damaged.
+// Reads the keys of an open hive; false if it is damaged.
 class HiveWalk {
   public:
     HiveWalk(hive_h* hive, RegistryKeys& keys) : hive_(hive), keys_(keys) {}

@@ -1,4 +1,4 @@
-// The PC that images alone make, and the letters that its running system gives.
+// Builds a PC from images only, and assigns the letters of its running system.
 #include "machine/facts/extent_type.h"
 #include "machine/facts/letters.h"
 #include "machine/facts/machines.h"
@@ -23,8 +23,8 @@ bool IsBasicData(const Partition& partition) {
     return partition.gptType == PARTITION_BASIC_DATA_GUID;
 }
 
-// Recognised volumes get a letter from every system, those of the maker and the recovery environment only
-// from Windows PE, which has a letter for whatever it can read.
+// Every system assigns letters to recognised volumes. Windows PE also assigns them to the readable volumes
+// of the maker and the recovery environment.
 bool GetsLetter(const Disk& disk, const Partition& partition, SystemKind system) {
     if (!partition.volume) return false;
     const bool isPe = system == SystemKind::WindowsPe;
@@ -32,7 +32,7 @@ bool GetsLetter(const Disk& disk, const Partition& partition, SystemKind system)
     const VDS_DISK_EXTENT_TYPE extent = ExtentTypeOf(disk.style, partition);
     if (disk.style == PartitionStyle::Gpt) {
         if ((partition.attributes & gptHidden) != 0) return false;
-        // The attribute for no letter means something on basic data only.
+        // The no-letter attribute is defined only for basic data.
         if (IsBasicData(partition) && (partition.attributes & gptNoDriveLetter) != 0) return false;
         return extent == VDS_DET_DATA || (isPe && isReadable && extent == VDS_DET_OEM);
     }
@@ -56,10 +56,10 @@ Partition* FindWindows(Pc& pc) {
     return nullptr;
 }
 
-// Deals C, D, ... in the order of disks and partitions; the running Windows is C.
-void DealLetters(Pc& pc) {
+// Assigns C, D, ... in the order of disks and partitions; the running Windows is C.
+void AssignLetters(Pc& pc) {
     std::string free = "CDEFGHIJKLMNOPQRSTUVWXYZ";
-    const auto deal = [&](Partition& partition) {
+    const auto assign = [&](Partition& partition) {
         partition.volume->letters = free.substr(0, 1);
         free.erase(0, 1);
     };
@@ -68,14 +68,14 @@ void DealLetters(Pc& pc) {
     const Partition* windows = nullptr;
     if (pc.system.kind == SystemKind::Windows) {
         if (Partition* found = FindWindows(pc)) {
-            deal(*found);
+            assign(*found);
             windows = found;
         }
     }
     for (Disk& disk : pc.disks) {
         for (Partition& partition : disk.partitions) {
             if (&partition != windows && !free.empty() && GetsLetter(disk, partition, pc.system.kind))
-                deal(partition);
+                assign(partition);
         }
     }
 }
@@ -85,7 +85,8 @@ void DealLetters(Pc& pc) {
 Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAccess access) {
     Pc pc = system == SystemKind::WindowsPe ? WindowsPePc() : Pc();
     pc.name = "images";
-    // The platform does not say what becomes of the other flags; a disk with two of them boots nothing.
+    // The platform does not document what happens to the other flags. With two of them a disk does not
+    // boot.
     pc.switches.activeFlagIsExclusive = true;
     for (const std::string& path : paths) {
         CheckIsNew(pc, path);
@@ -97,7 +98,7 @@ Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAcc
     }
     const bool isUefi = !pc.disks.empty() && pc.disks.front().style == PartitionStyle::Gpt;
     pc.firmware.kind = isUefi ? FirmwareKind::Uefi : FirmwareKind::Bios;
-    DealLetters(pc);
+    AssignLetters(pc);
     pc.registry["HKLM\\SYSTEM\\MountedDevices"] = MountedDevicesOf(pc);
     pc.encryptableVolumes = EncryptableVolumesOf(pc);
     pc.hiveReader = std::make_shared<HivexReader>();

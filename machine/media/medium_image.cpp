@@ -14,13 +14,13 @@ namespace {
 
 using SharedImage = std::shared_ptr<ImageFile>;
 
-// How many sectors, and of what size, a file system says that it has.
+// The number and size of sectors according to the file system.
 struct OwnLength {
     uint64_t sectors;
     uint64_t sectorSize;
 };
 
-// UDF says nothing of the kind.
+// UDF does not record them.
 OwnLength OwnLengthOf(const std::string& fileSystem, const VolumeBytes& bytes) {
     constexpr uint64_t discDescriptor = 16ULL * 2048;
     const bool isDisc = fileSystem == "CDFS";
@@ -36,7 +36,7 @@ bool IsCutOff(const std::string& fileSystem, const VolumeBytes& bytes) {
     return length.sectorSize != 0 && length.sectors > bytes.Size() / length.sectorSize;
 }
 
-// A volume that cannot be read has no root folder either.
+// An unreadable volume does not even have a root folder.
 void CheckIsReadable(const SharedImage& image, const Volume& volume, uint64_t offset, uint64_t size) {
     const std::string name = "its " + volume.fileSystem + " file system ";
     if (IsCutOff(volume.fileSystem, VolumeBytes(image, offset, size)))
@@ -53,8 +53,8 @@ Volume DiscOn(const SharedImage& image) {
     return volume;
 }
 
-// A volume's first sector ends as a partition table does, so that what is left of one looks like an empty
-// table.
+// The first sector of a volume has the signature of a partition table, so a damaged volume can look like an
+// empty table.
 constexpr const char* noStick =
     "no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated";
 

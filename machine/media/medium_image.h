@@ -1,4 +1,4 @@
-// Discs and sticks as images: the volumes of a PC that lie on no disk of it. They are only ever read.
+// Discs and sticks on images: the volumes of a PC without a disk. They are opened for reading only.
 #pragma once
 
 #include <string>
@@ -8,17 +8,17 @@
 
 namespace machine {
 
-// Puts a disc, ISO 9660 or UDF, into an optical drive of the PC. Its letter is the first free one from C on;
-// it has none when all are taken. Throws ImageError, and the PC is as it was then.
+// Inserts a disc, ISO 9660 or UDF, into an optical drive of the PC. Its letter is the first free one from
+// C; none if all are in use. Throws ImageError with the PC unchanged.
 void InsertDisc(Pc& pc, const std::string& path);
 
-// The same with a stick in a removable drive: a single FAT or NTFS volume, or a partition table, of which
-// Windows shows the first partition that it can read.
+// The same for a stick in a removable drive: a single FAT or NTFS volume, or a partition table, of which
+// Windows shows the first readable partition.
 void InsertStick(Pc& pc, const std::string& path);
 
-// Opens the image that volume.image names, as a disc or a stick by volume.driveType: the image tells file
-// system, label and files, the description keeps the rest. Throws ImageError, also when the drive is neither
-// an optical nor a removable one.
+// Opens the image that volume.image names, as a disc or a stick by volume.driveType. File system, label and
+// files come from the image, the rest from the description. Throws ImageError, also for a drive that is
+// neither optical nor removable.
 void AttachMedium(Volume& volume);
 
 }  // namespace machine

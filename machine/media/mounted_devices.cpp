@@ -4,7 +4,7 @@ namespace machine {
 
 namespace {
 
-// The lowest byte first.
+// Little-endian.
 std::string BytesOf(uint64_t number, size_t count) {
     std::string bytes;
     for (size_t i = 0; i < count; ++i)

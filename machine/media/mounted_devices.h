@@ -1,12 +1,12 @@
-// What the running system's registry remembers of the letters it gave.
+// The drive letters that the running system's registry has recorded.
 #pragma once
 
 #include "machine/facts/pc.h"
 
 namespace machine {
 
-// The values of the key MountedDevices for the letters of the disks' partitions: "\DosDevices\C:", and where
-// the partition is. On MBR disks that is signature and offset, on GPT disks the partition's id.
+// The values of the MountedDevices key for the letters of the disks' partitions: "\DosDevices\C:" with the
+// partition's location, which is signature and offset on MBR disks, the partition's id on GPT disks.
 std::map<std::string, RegistryValue> MountedDevicesOf(const Pc& pc);
 
 }  // namespace machine

@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(Every, BrokenBatch, testing::ValuesIn(batchFailures),
 
 TEST(LoadRegistry, TellsThatThereIsNoProcessToWaitFor) {
     Offline offline;
-    offline.pc.facts.shell.tellsProcess = false;
+    offline.pc.facts.shell.returnsProcess = false;
     EXPECT_EQ(offline.Run(load), 2);
     EXPECT_EQ(BatchFile(offline.pc), nullptr);
     EXPECT_EQ(offline.Count("WaitForSingleObject"), 0U);
@@ -279,7 +279,7 @@ TEST(LoadWindowsRegistry, GivesUpAfterThreeTimesTenSecondsAndThreePauses) {
 
 TEST(LoadWindowsRegistry, GivesUpAfterThreeProcessesThatAreNotTold) {
     Offline offline;
-    offline.pc.facts.shell.tellsProcess = false;
+    offline.pc.facts.shell.returnsProcess = false;
     EXPECT_EQ(offline.Load(), FALSE);
     EXPECT_EQ(offline.Count("ShellExecuteExW"), 3U);
     EXPECT_EQ(offline.pc.clockMilliseconds, 900U);

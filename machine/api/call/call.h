@@ -1,5 +1,5 @@
-// How every emulated call is written: its name and arguments go into the journal, the fault plan is asked,
-// and only then the PC answers.
+// Every emulated call goes through Answer(): it writes the call and its arguments into the journal,
+// consults the fault plan, and only then runs the body.
 #pragma once
 
 #include <cstdio>
@@ -13,10 +13,10 @@
 
 namespace machine {
 
-// Arguments and results as the journal shows them: numbers decimal, codes and flags in hexadecimal.
+// Arguments and results are written to the journal in decimal, codes and flags in hexadecimal.
 std::string Hex(uint64_t value);
 
-// The failure of a call of that kind with that code.
+// How a call of that kind reports failure with that code.
 template <typename R>
 R Failure(EmulatedPc& pc, FailsWith failsWith, uint32_t code) {
     if constexpr (std::is_pointer_v<R>) {
@@ -32,7 +32,7 @@ R Failure(EmulatedPc& pc, FailsWith failsWith, uint32_t code) {
     }
 }
 
-// A result as the journal shows it.
+// A result as text for the journal.
 template <typename R>
 std::string ResultText(FailsWith failsWith, R result) {
     if constexpr (std::is_pointer_v<R>) {
@@ -43,8 +43,8 @@ std::string ResultText(FailsWith failsWith, R result) {
     }
 }
 
-// Performs one call. `body` takes the PC and gives the result; a failing body calls Failure itself. Outputs
-// must be emptied by the caller beforehand, since an injected failure does not run the body.
+// Performs one call. `body` takes the PC and returns the result; a body that fails calls Failure itself.
+// The caller clears the outputs first, because an injected failure does not run the body.
 template <typename R, typename Body>
 R Answer(std::string_view name, std::vector<std::string> arguments, Body body) {
     EmulatedPc& pc = EmulatedPc::Current();

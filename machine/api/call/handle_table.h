@@ -1,4 +1,4 @@
-// Handles of one kind: what each stands for, with an entry in the ledger for each that is open.
+// Handles of one kind: maps each to its object and keeps a ledger entry while it is open.
 #pragma once
 
 #include <algorithm>
@@ -9,13 +9,13 @@
 
 namespace machine {
 
-// Handle values of all tables, so that none means two things and none is used twice.
+// Allocates the handle values for all tables, so that no value is used twice.
 struct HandleValues {
     uintptr_t next = 0x100;
 };
 
-// `Object` says what its handles are called in the ledger: `static constexpr const char* kind`. A table is
-// the State of the PC; every member is given that PC.
+// `Object::kind` is the name of its handles in the ledger: `static constexpr const char* kind`. A table is
+// a State of the PC, and its members are passed that PC.
 template <typename Object>
 class HandleTable {
   public:
@@ -31,20 +31,20 @@ class HandleTable {
         return handle;
     }
 
-    // Null when no such handle is open.
+    // Null if the handle is not open.
     Object* Find(const void* handle) {
         const auto found = open_.find(const_cast<void*>(handle));
         return found != open_.end() ? &found->second : nullptr;
     }
 
-    // Whether one that is open fits the predicate.
+    // Whether any open object satisfies the predicate.
     template <typename Predicate>
     bool Any(Predicate predicate) const {
         return std::any_of(open_.begin(), open_.end(),
                            [&](const auto& entry) { return predicate(entry.second); });
     }
 
-    // False, and a violation in the ledger, when no such handle is open.
+    // False if the handle is not open, which is a violation in the ledger.
     bool Close(EmulatedPc& pc, void* handle) {
         if (open_.erase(handle) == 0) {
             pc.ledger.Violation(std::string(Object::kind) + " closed that is not open");

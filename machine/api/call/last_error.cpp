@@ -1,5 +1,5 @@
-// The last error: one for the emulated PC, as all its calls are made by one thread. Asking leaves no trace in
-// the journal.
+// The last error. One value for the emulated PC suffices, because one thread makes all its calls. These
+// calls are not written to the journal.
 
 #include "machine/journal/emulated_pc.h"
 

@@ -8,8 +8,8 @@ using namespace machine;
 
 namespace {
 
-// A system string has its length in bytes in front of the first unit; the block begins a little earlier, so
-// that the units stay aligned.
+// A system string stores its length in bytes before the first unit. The block begins a little earlier
+// still, to keep the units aligned.
 constexpr size_t lengthSize = sizeof(UINT);
 constexpr size_t headerSize = 8;
 
@@ -39,30 +39,30 @@ BSTR LendSystemString(EmulatedPc& pc, WideView text) {
 
 }  // namespace machine
 
-// Task memory, in the ledger as "CoTaskMem". It cannot fail.
+// Task memory; the ledger lists it as "CoTaskMem". Never fails.
 extern "C" LPVOID WINAPI CoTaskMemAlloc(SIZE_T size) {
     return EmulatedPc::Current().ledger.Lend("CoTaskMem", "CoTaskMem", size);
 }
 
-// Takes back task memory of any kind; null is fine.
+// Frees task memory of any kind; null is allowed.
 extern "C" void WINAPI CoTaskMemFree(LPVOID memory) {
     EmulatedPc::Current().ledger.Return("CoTaskMem", memory);
 }
 
-// A copy of the text up to its terminator. Null: the text was null, or there is no memory. The caller frees
-// it with SysFreeString.
+// A copy of the text up to its terminator. Null if the text is null or memory is exhausted. The caller
+// frees it with SysFreeString.
 extern "C" BSTR WINAPI SysAllocString(const OLECHAR* text) {
     return Answer<BSTR>("SysAllocString", {ToUtf8(text)}, [&](EmulatedPc& pc) {
         return text != nullptr ? LendSystemString(pc, text) : nullptr;
     });
 }
 
-// Null is fine.
+// Null is allowed.
 extern "C" void WINAPI SysFreeString(BSTR string) {
     if (string != nullptr) EmulatedPc::Current().ledger.Return("BSTR", BlockOf(string));
 }
 
-// In units, without the terminator; 0 for null.
+// The length in units, without the terminator; 0 for null.
 extern "C" UINT WINAPI SysStringLen(BSTR string) {
     if (string == nullptr) return 0;
     UINT length = 0;
@@ -70,13 +70,13 @@ extern "C" UINT WINAPI SysStringLen(BSTR string) {
     return length / static_cast<UINT>(sizeof(WCHAR));
 }
 
-// Makes it VT_EMPTY whatever it held; frees nothing.
+// Sets the type to VT_EMPTY without freeing the previous value.
 extern "C" void WINAPI VariantInit(VARIANTARG* variant) {
     std::memset(variant, 0, sizeof *variant);
 }
 
-// Frees the string or releases the interface that it holds and makes it VT_EMPTY. DISP_E_BADVARTYPE, and
-// nothing changed: it holds what nothing here puts into one, an array for instance.
+// Frees the string or releases the interface in it and sets it to VT_EMPTY. DISP_E_BADVARTYPE, with nothing
+// changed, for a type that the emulated PC never stores, such as an array.
 extern "C" HRESULT WINAPI VariantClear(VARIANTARG* variant) {
     switch (V_VT(variant)) {
         case VT_EMPTY:

@@ -1,4 +1,4 @@
-// Memory and strings that the component runtime lends and the caller gives back: task memory with
+// Memory and strings that the component runtime allocates and the caller frees: task memory with
 // CoTaskMemFree, system strings with SysFreeString.
 #pragma once
 
@@ -10,17 +10,17 @@
 
 namespace machine {
 
-// Task memory for so many records, zeroed.
+// Zeroed task memory for `count` records.
 template <typename Record>
 Record* LendRecords(EmulatedPc& pc, const std::string& kind, size_t count) {
     static_assert(std::is_trivially_copyable_v<Record>);
     return static_cast<Record*>(pc.ledger.Lend("CoTaskMem", kind, count * sizeof(Record)));
 }
 
-// A copy in task memory, with terminator.
+// A copy with terminator, in task memory.
 LPWSTR LendText(EmulatedPc& pc, const std::string& kind, std::string_view text);
 
-// A system string, in the ledger as "BSTR".
+// A system string; the ledger lists it as "BSTR".
 BSTR LendSystemString(EmulatedPc& pc, WideView text);
 
 }  // namespace machine

@@ -1,6 +1,6 @@
-// Objects of the emulated component runtime. An object has one identity and one or several interfaces. Each
-// interface counts the references to it, in itself and in the ledger under its name ("IVdsDisk"), so a
-// reference left, or given back too often, is told together with the interface that it belongs to.
+// Objects of the emulated component runtime. An object has one identity and one or more interfaces. Each
+// interface counts its own references and reports them to the ledger under its name ("IVdsDisk"), so that a
+// leak or an extra release is reported with the interface concerned.
 #pragma once
 
 #include <memory>
@@ -13,20 +13,22 @@ namespace machine {
 
 class ComObject;
 
-// What all interfaces do alike, whatever their methods.
+// The IUnknown part that all interfaces share.
 class ComReferences {
   public:
-    // Adds the interface to those of the object.
+    // Registers the interface with the object.
     ComReferences(ComObject& object, const IID& iid, const char* name, IUnknown* pointer);
     ComReferences(const ComReferences&) = delete;
     ComReferences& operator=(const ComReferences&) = delete;
 
-    // The call "IUnknown::QueryInterface". E_NOINTERFACE, and null: the object has no such interface.
+    // The call "IUnknown::QueryInterface". E_NOINTERFACE, with a null output, if the object does not
+    // implement the interface.
     HRESULT Query(REFIID iid, void** out) const;
-    // Both answer the new count. A reference given back too often is a violation and leaves the count at 0.
+    // Both return the new count. Releasing a reference that is not held is a violation and leaves the count
+    // at 0.
     ULONG Add();
     ULONG GiveBack();
-    // A call through an interface to which no reference is left is a violation.
+    // Calling through an interface without holding a reference is a violation.
     void ExpectHeld(std::string_view call) const;
 
   private:
@@ -35,7 +37,7 @@ class ComReferences {
     ULONG count_ = 0;
 };
 
-// Base of what implements one interface.
+// Base class for the implementation of one interface.
 template <typename Interface>
 class ComInterface : public Interface {
   public:
@@ -50,7 +52,7 @@ class ComInterface : public Interface {
     ULONG STDMETHODCALLTYPE Release() override { return references_.GiveBack(); }
 
   protected:
-    // Answers a method under its published name. Outputs are emptied by the caller beforehand.
+    // Answers a method under its published name. The caller clears the outputs first.
     template <typename Body>
     HRESULT Call(std::string_view name, std::vector<std::string> arguments, Body body) const {
         references_.ExpectHeld(name);
@@ -68,9 +70,9 @@ class ComObject {
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
 
-    // The interface, with a reference for the caller; null when the object has none of that id.
+    // The interface with a reference for the caller, or null if the object does not implement it.
     IUnknown* Take(REFIID iid);
-    // Its published name, or the id as text when the object has no such interface.
+    // The published name, or the id as text if the object does not implement the interface.
     std::string InterfaceName(REFIID iid) const;
 
   private:
@@ -87,11 +89,11 @@ class ComObject {
     ComInterface<IUnknown> unknown_;  // the identity
 };
 
-// All objects of a PC, in the order in which they were made.
+// All objects of a PC in the order of their creation.
 using ComObjects = std::vector<std::unique_ptr<ComObject>>;
 
-// Makes an object that lives as long as the PC: nothing is freed under a caller, and what a caller does not
-// release shows in the ledger alone.
+// Creates an object that lives as long as the PC: it is never destroyed under a caller, and a missing
+// release shows only in the ledger.
 template <typename Object, typename... Arguments>
 Object& MakeObject(EmulatedPc& pc, Arguments&&... arguments) {
     auto object = std::make_unique<Object>(std::forward<Arguments>(arguments)...);
@@ -100,7 +102,7 @@ Object& MakeObject(EmulatedPc& pc, Arguments&&... arguments) {
     return made;
 }
 
-// Hands an interface out with a reference for the caller.
+// Returns an interface with a reference for the caller.
 template <typename Interface>
 HRESULT HandOut(Interface& offered, Interface** out) {
     offered.AddRef();
@@ -108,7 +110,7 @@ HRESULT HandOut(Interface& offered, Interface** out) {
     return S_OK;
 }
 
-// Empties an output before the call is answered; a null address is left for the call to refuse.
+// Clears an output before the call is answered. A null pointer is left for the call to reject.
 template <typename Value>
 void Empty(Value* output) {
     if (output != nullptr) *output = Value{};

@@ -9,21 +9,21 @@ namespace machine {
 
 namespace {
 
-// Copies a record into the output as far as it fits, as the count of bytes tells.
+// Copies as much of the record as fits and sets the byte count.
 void Fill(DeviceRequest& request, const void* record, size_t size) {
     const size_t filled = std::min(size, request.output.size());
     if (filled > 0) std::memcpy(request.output.data(), record, filled);
     request.returned = static_cast<DWORD>(filled);
 }
 
-// A record that must fit as a whole.
+// Copies a record that must fit completely.
 uint32_t FillWhole(DeviceRequest& request, const void* record, size_t size) {
     if (request.output.size() < size) return ERROR_INSUFFICIENT_BUFFER;
     Fill(request, record, size);
     return ERROR_SUCCESS;
 }
 
-// Error 1 for a volume without a disk; else the address or the error that the disk's facts say.
+// Error 1 for a volume without a disk; otherwise the address, or the error from the disk's facts.
 uint32_t ScsiGetAddress(DeviceRequest& request) {
     if (request.device.disk == nullptr) return ERROR_INVALID_FUNCTION;
     const Fact<ScsiAddress>& fact = request.device.disk->scsiAddress;
@@ -33,8 +33,9 @@ uint32_t ScsiGetAddress(DeviceRequest& request) {
     return FillWhole(request, &address, sizeof address);
 }
 
-// The device descriptor, as far as it fits: a first look at 8 bytes or more tells its whole size. Error 87
-// for a shorter buffer or an incomplete query, 50 for another property, 1 for a volume without a disk.
+// The device descriptor, truncated to the buffer: a first query with 8 bytes or more returns its total
+// size. Error 87 for a shorter buffer or an incomplete query, 50 for another property, 1 for a volume
+// without a disk.
 uint32_t StorageQueryProperty(DeviceRequest& request) {
     static constexpr char product[] = "Emulated disk";  // makes the descriptor longer than its fixed part
     constexpr DWORD size = sizeof(STORAGE_DEVICE_DESCRIPTOR) + sizeof product;
@@ -56,16 +57,16 @@ uint32_t StorageQueryProperty(DeviceRequest& request) {
     descriptor.ProductIdOffset = sizeof descriptor;
     char whole[size];
     std::memcpy(whole, &descriptor, sizeof descriptor);
-    // A value that the enumeration of the headers lacks is still reported as it is.
+    // Also reports values that the headers' enumeration lacks.
     std::memcpy(whole + offsetof(STORAGE_DEVICE_DESCRIPTOR, BusType), &*busType.value, sizeof(uint32_t));
     std::memcpy(whole + sizeof descriptor, product, sizeof product);
     Fill(request, whole, size);
     return ERROR_SUCCESS;
 }
 
-// Where the volume lies: the partition's own extent, then the further ones. Error 122 when not even one fits,
-// 234 when some do not: those that fit and the count of all are filled. Error 1 without an extent, for a disc
-// or a network letter, and for a physical disk.
+// The extents of the volume: the partition's own, then the further ones. Error 122 if not even one fits;
+// 234 if some do not, with the total count and those that fit filled in. Error 1 if there is no extent (a
+// disc or a network drive), and for a physical disk.
 uint32_t VolumeGetDiskExtents(DeviceRequest& request) {
     if (request.device.volume == nullptr) return ERROR_INVALID_FUNCTION;
     std::vector<Extent> extents = request.device.volume->furtherExtents;
@@ -92,8 +93,8 @@ uint32_t VolumeGetDiskExtents(DeviceRequest& request) {
     return fitting < extents.size() ? ERROR_MORE_DATA : ERROR_SUCCESS;
 }
 
-// A volume's partition, or the whole of a physical disk as partition 0. Error 1 for a volume without a disk
-// and for a dynamic data volume of a GPT disk, 122 for a short buffer.
+// A volume's partition, or an entire physical disk as partition 0. Error 1 for a volume without a disk and
+// for a dynamic data volume of a GPT disk, 122 for a short buffer.
 uint32_t DiskGetPartitionInfoEx(DeviceRequest& request) {
     if (request.device.disk == nullptr) return ERROR_INVALID_FUNCTION;
     const Disk& disk = *request.device.disk;
@@ -108,7 +109,7 @@ uint32_t DiskGetPartitionInfoEx(DeviceRequest& request) {
     return FillWhole(request, &record, sizeof record);
 }
 
-// The disk's table. Error 1 for anything but a physical disk, 122 for a short buffer.
+// The disk's partition table. Error 1 unless the device is a physical disk, 122 for a short buffer.
 uint32_t DiskGetDriveLayoutEx(DeviceRequest& request) {
     if (request.device.disk == nullptr || request.device.volume != nullptr) return ERROR_INVALID_FUNCTION;
     const std::vector<char> layout = DriveLayoutRecord(*request.device.disk);

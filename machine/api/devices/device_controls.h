@@ -1,4 +1,4 @@
-// The device controls that the emulated PC answers, one row each.
+// The device controls that the emulated PC supports, one row each.
 #pragma once
 
 #include <span>
@@ -7,19 +7,19 @@
 
 namespace machine {
 
-// One DeviceIoControl: what it is about and the caller's buffers.
+// One DeviceIoControl call: its device and the caller's buffers.
 struct DeviceRequest {
     EmulatedPc& pc;
-    LocatedVolume device;  // a physical disk has no volume and no partition
+    LocatedVolume device;  // volume and partition are null for a physical disk
     std::span<const char> input;
     std::span<char> output;
-    DWORD returned = 0;  // bytes of the output that were filled
+    DWORD returned = 0;  // bytes written to the output
 };
 
 struct DeviceControl {
     DWORD code;
     const char* name;
-    // 0 or an error code; `returned` counts also for ERROR_MORE_DATA.
+    // 0 or an error code; `returned` is also valid with ERROR_MORE_DATA.
     uint32_t (*answer)(DeviceRequest& request);
 };
 

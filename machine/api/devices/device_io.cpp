@@ -1,4 +1,4 @@
-// DeviceIoControl: finds the control and hands it the device behind the handle.
+// DeviceIoControl: finds the control and applies it to the device behind the handle.
 
 #include "machine/api/devices/device_controls.h"
 #include "machine/api/call/outcome.h"
@@ -19,9 +19,9 @@ uint32_t Perform(EmulatedPc& pc, HANDLE handle, const DeviceControl* control, De
 
 }  // namespace
 
-// Error 1 for a control that the device does not know, 6 for a handle that is not open, 87 without a place
-// for the count of bytes (nothing is overlapped here), 1006 for a device that has gone; else what the control
-// says. The count of bytes is 0 after a failure other than ERROR_MORE_DATA.
+// Error 1 for a control that the device does not support, 6 for a handle that is not open, 87 without a
+// pointer for the byte count (overlapped calls are not supported), 1006 for a device that is gone;
+// otherwise the result of the control. The byte count is 0 after a failure other than ERROR_MORE_DATA.
 extern "C" BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID input, DWORD inputSize,
                                        LPVOID output, DWORD outputSize, LPDWORD returned, LPOVERLAPPED) {
     const DeviceControl* const control = FindDeviceControl(code);

@@ -1,5 +1,5 @@
-// The device set-up interface: sets of devices, which are the disks that WMI lists and their controllers, by
-// their PNP device ids; and the location text that a disk's driver gives.
+// The device set-up interface: sets of devices, by PNP device id, and the location text that a disk's
+// driver reports. The devices are the disks that WMI lists and their controllers.
 
 #include <algorithm>
 #include <cstring>
@@ -12,11 +12,11 @@ using namespace machine;
 
 namespace {
 
-constexpr const char* treeRoot = "HTREE\\ROOT\\0";  // what an empty id means
+constexpr const char* treeRoot = "HTREE\\ROOT\\0";  // the device of an empty id
 
 struct DeviceSet {
     static constexpr const char* kind = "device info set";
-    std::vector<std::string> devices;  // an element's DevInst is the position, counted from 1
+    std::vector<std::string> devices;  // an element's DevInst is its position, from 1
 };
 
 using DeviceSets = HandleTable<DeviceSet>;
@@ -51,14 +51,14 @@ uint32_t OpenDevice(EmulatedPc& pc, HDEVINFO handle, const std::string& id, SP_D
     return ERROR_SUCCESS;
 }
 
-// The id of a set's element; null for a record that no element fits.
+// The device id of an element; null if the record is not an element of the set.
 const std::string* FindElement(const DeviceSet& set, const SP_DEVINFO_DATA* element) {
     if (element == nullptr || element->cbSize != sizeof *element) return nullptr;
     const bool known = element->DevInst >= 1 && element->DevInst <= set.devices.size();
     return known ? &set.devices[element->DevInst - 1] : nullptr;
 }
 
-// Where the caller wants a property.
+// The caller's output buffers for a property.
 struct PropertyAnswer {
     DWORD* type;
     BYTE* buffer;
@@ -88,14 +88,14 @@ uint32_t TellProperty(EmulatedPc& pc, HDEVINFO handle, const SP_DEVINFO_DATA* el
 
 }  // namespace
 
-// An empty set. The caller destroys it with SetupDiDestroyDeviceInfoList.
+// Creates an empty set, which the caller destroys with SetupDiDestroyDeviceInfoList.
 extern "C" HDEVINFO WINAPI SetupDiCreateDeviceInfoList(const GUID*, HWND) {
     return Answer<HDEVINFO>("SetupDiCreateDeviceInfoList", {},
                             [](EmulatedPc& pc) { return DeviceSets::Of(pc).Open(pc, {}); });
 }
 
 // Adds a device to the set; an empty id is the root of the device tree. Error 6 for a set that is not open,
-// 1784 for a record whose size is not set, 0xE000020B for a device that does not exist.
+// 1784 for a record without its size, 0xE000020B for a device that does not exist.
 extern "C" BOOL WINAPI SetupDiOpenDeviceInfoW(HDEVINFO set, PCWSTR id, HWND, DWORD,
                                               PSP_DEVINFO_DATA element) {
     const std::string name = ToUtf8(id);
@@ -103,9 +103,10 @@ extern "C" BOOL WINAPI SetupDiOpenDeviceInfoW(HDEVINFO set, PCWSTR id, HWND, DWO
                         [&](EmulatedPc& pc) { return Outcome(pc, OpenDevice(pc, set, name, element)); });
 }
 
-// A disk's location text with its terminator, sizes in bytes. Error 122 for a short buffer, with the size
-// that is needed; 13 for another property and another device, 6 for a set that is not open, 87 for a record
-// that is no element of it, 0xE0000209 for no property at all, and the error that the disk's facts say.
+// A disk's location text with its terminator; sizes are in bytes. Error 122 for a short buffer, with the
+// required size; 13 for another property or a device other than a disk, 6 for a set that is not open, 87
+// for a record that is not an element of the set, 0xE0000209 for an invalid property, and the error from
+// the disk's facts.
 extern "C" BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, PSP_DEVINFO_DATA element,
                                                          DWORD property, PDWORD type, PBYTE buffer,
                                                          DWORD size, PDWORD required) {
@@ -117,7 +118,7 @@ extern "C" BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, PSP_DEVIN
         });
 }
 
-// Error 6, and a violation in the ledger, for a set that is not open.
+// Error 6 for a set that is not open, which is a violation in the ledger.
 extern "C" BOOL WINAPI SetupDiDestroyDeviceInfoList(HDEVINFO set) {
     return Answer<BOOL>("SetupDiDestroyDeviceInfoList", {}, [&](EmulatedPc& pc) {
         return Outcome(pc, DeviceSets::Of(pc).Close(pc, set) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);

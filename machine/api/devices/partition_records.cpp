@@ -12,7 +12,7 @@ namespace machine {
 namespace {
 
 constexpr uint64_t sectorSize = 512;
-constexpr uint64_t gptSectors = 34;  // protective MBR, header and 128 entries; the copy lacks the first
+constexpr uint64_t gptSectors = 34;  // protective MBR, header and 128 entries; the backup has no MBR
 constexpr DWORD gptEntries = 128;
 constexpr size_t mbrSlots = 4;
 
@@ -28,7 +28,7 @@ PARTITION_STYLE StyleOf(const Disk& disk) {
     return PARTITION_STYLE_RAW;
 }
 
-// An entry with nothing in it.
+// An unused entry.
 PARTITION_INFORMATION_EX UnusedRecord(const Disk& disk) {
     PARTITION_INFORMATION_EX record;
     std::memset(&record, 0, sizeof record);

@@ -1,4 +1,4 @@
-// Reading and writing through a handle of a file, from the position that both move on.
+// ReadFile and WriteFile on a file handle; both advance its position.
 
 #include <algorithm>
 
@@ -10,7 +10,7 @@ using namespace machine;
 
 namespace {
 
-// The file behind a handle with that access, and what it holds now.
+// The file behind a handle opened with that access, and its current content.
 struct OpenFile {
     FileHandle* handle = nullptr;
     std::string content;
@@ -50,8 +50,8 @@ uint32_t Write(EmulatedPc& pc, HANDLE handle, std::string_view bytes) {
 
 }  // namespace
 
-// At most the bytes that are left, at the end none. Error 5 for a file that was opened for writing only, 6
-// for a handle that is not open, 50 for one of a volume or disk, and those of VolumeFiles.
+// Reads up to the end of the file; at the end, 0 bytes. Error 5 for a file not opened for reading, 6 for a
+// handle that is not open, 50 for a volume or disk handle, and those of VolumeFiles.
 extern "C" BOOL WINAPI ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD read, LPOVERLAPPED) {
     size_t count = 0;
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle), std::to_string(size)};
@@ -62,7 +62,7 @@ extern "C" BOOL WINAPI ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD
     return answer;
 }
 
-// Writes all of it or nothing. Error 5 for a file that was opened for reading only; the others as ReadFile.
+// Writes everything or nothing. Error 5 for a file not opened for writing; the others as for ReadFile.
 extern "C" BOOL WINAPI WriteFile(HANDLE handle, LPCVOID bytes, DWORD size, LPDWORD written, LPOVERLAPPED) {
     if (written != nullptr) *written = 0;
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle), std::to_string(size)};

@@ -1,5 +1,5 @@
-// Opening, closing and deleting. A handle of a volume or a disk is for DeviceIoControl, one of a file tells
-// that it exists, or is for WriteFile.
+// CreateFileW, CloseHandle and DeleteFileW. A handle of a volume or disk is for DeviceIoControl, one of a
+// file for ReadFile and WriteFile, or proof that the file exists.
 
 #include <charconv>
 
@@ -19,7 +19,8 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
     return true;
 }
 
-// What a device name after "\\\\.\\" stands for: "C:", "PhysicalDrive0". Nothing when it is no such name.
+// The volume or disk that a device name after "\\\\.\\" opens: "C:", "PhysicalDrive0". Nothing for any
+// other text.
 std::optional<FileHandle> ParseDevice(std::string_view device) {
     FileHandle file;
     if (device.size() == 2 && device[1] == ':') {
@@ -62,11 +63,12 @@ std::string DispositionText(DWORD disposition) {
 
 }  // namespace
 
-// Opens what exists: a volume ("\\\\.\\C:"), a physical disk ("\\\\.\\PhysicalDrive0"), a file, with
-// FILE_FLAG_BACKUP_SEMANTICS a folder. CREATE_ALWAYS makes a file, or empties the one there is.
-// INVALID_HANDLE_VALUE: error 2 or 3 when there is none, 5 for a folder, 19 for a medium that cannot be
-// written, 32 for a volume without FILE_SHARE_WRITE, 50 for a file with another disposition, 87 for a device
-// with another than OPEN_EXISTING, and whatever the volume's facts say. The caller closes with CloseHandle.
+// Opens an existing volume ("\\\\.\\C:"), physical disk ("\\\\.\\PhysicalDrive0") or file, and with
+// FILE_FLAG_BACKUP_SEMANTICS a folder. CREATE_ALWAYS creates a file or truncates an existing one.
+// INVALID_HANDLE_VALUE: error 2 or 3 if it does not exist, 5 for a folder, 19 for a write-protected medium,
+// 32 for a volume without FILE_SHARE_WRITE, 50 for a file with another disposition, 87 for a device with a
+// disposition other than OPEN_EXISTING, and the error from the volume's facts. The caller closes the handle
+// with CloseHandle.
 extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES,
                                      DWORD disposition, DWORD flags, HANDLE) {
     const std::string path = ToUtf8(name);
@@ -85,13 +87,14 @@ extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode
         opened = FileHandles::Of(pc).Open(pc, *file);
         return opened;
     });
-    // A failure after the effect made the file all the same, but nobody holds it.
+    // A failure after the effect leaves the file created, without an open handle.
     EmulatedPc& pc = EmulatedPc::Current();
     if (answer != opened) FileHandles::Of(pc).Close(pc, opened);
     return answer;
 }
 
-// Of a file, a device or a process. Error 6, and a violation in the ledger, for a handle that is not open.
+// Closes a handle of a file, a device or a process. Error 6 for a handle that is not open, which is a
+// violation in the ledger.
 extern "C" BOOL WINAPI CloseHandle(HANDLE handle) {
     return Answer<BOOL>("CloseHandle", {NameOf(EmulatedPc::Current(), handle)}, [&](EmulatedPc& pc) {
         const bool closed = Processes::Of(pc).Find(handle) != nullptr ? Processes::Of(pc).Close(pc, handle)
@@ -100,7 +103,7 @@ extern "C" BOOL WINAPI CloseHandle(HANDLE handle) {
     });
 }
 
-// The errors of VolumeFiles.
+// Fails with the errors of VolumeFiles.
 extern "C" BOOL WINAPI DeleteFileW(LPCWSTR name) {
     const std::string path = ToUtf8(name);
     return Answer<BOOL>("DeleteFileW", {path},

@@ -1,5 +1,5 @@
-// Path texts, and whether a path leads somewhere. The calls that only cut and join text leave the last error
-// alone.
+// Path texts, and whether a path exists. The calls that only join and cut text leave the last error
+// unchanged.
 
 #include <algorithm>
 
@@ -14,21 +14,21 @@ bool HasDrive(WideView path) {
     return path.size() >= 2 && path[1] == TEXT(':');
 }
 
-// What ".." cannot climb over and no cut removes: "C:\\", "C:", "\\\\", "\\".
+// The length of the root, which ".." and cutting never remove: "C:\\", "C:", "\\\\", "\\".
 size_t RootLength(WideView path) {
     if (HasDrive(path)) return path.size() > 2 && path[2] == TEXT('\\') ? 3 : 2;
     const size_t backslashes = std::min(path.find_first_not_of(TEXT('\\')), path.size());
     return std::min<size_t>(backslashes, 2);
 }
 
-// Where the last part of the path and the backslash before it begin, but never inside the root.
+// Where the last part of the path begins, including the backslash before it; never inside the root.
 size_t LastPart(WideView path) {
     const size_t root = RootLength(path);
     const size_t slash = path.rfind(TEXT('\\'));
     return slash == WideView::npos ? root : std::max(slash, root);
 }
 
-// Adds one part; "." adds nothing, ".." takes the last part away.
+// Appends one part; "." appends nothing, ".." removes the last part.
 void AddPart(WideString& path, WideView part) {
     if (part == TEXT(".")) return;
     if (part == TEXT("..")) {
@@ -59,7 +59,7 @@ WideString Joined(WideView path, WideView more) {
 
 }  // namespace
 
-// TRUE for a file, a folder, and the drive of a volume that can be read. Errors as VolumeFiles has them.
+// TRUE for a file, a folder, and the root of a readable volume. Errors are those of VolumeFiles.
 extern "C" BOOL WINAPI PathFileExistsW(LPCWSTR path) {
     const std::string name = ToUtf8(path);
     return Answer<BOOL>("PathFileExistsW", {name}, [&](EmulatedPc& pc) {
@@ -68,9 +68,9 @@ extern "C" BOOL WINAPI PathFileExistsW(LPCWSTR path) {
     });
 }
 
-// Joins in place; the buffer has MAX_PATH characters. What has a drive of its own, or a server, replaces the
-// path; one leading backslash does not. FALSE for a null argument, and with an emptied path for a result that
-// is too long.
+// Joins in place; the buffer has MAX_PATH characters. An addition with a drive or server of its own
+// replaces the path; one with a single leading backslash does not. FALSE for a null argument, and, with the
+// path emptied, for a result that is too long.
 extern "C" BOOL WINAPI PathAppendW(LPWSTR path, LPCWSTR more) {
     return Answer<BOOL>("PathAppendW", {ToUtf8(path), ToUtf8(more)}, [&](EmulatedPc&) -> BOOL {
         if (path == nullptr || more == nullptr) return FALSE;
@@ -84,7 +84,7 @@ extern "C" BOOL WINAPI PathAppendW(LPWSTR path, LPCWSTR more) {
     });
 }
 
-// Cuts the last part and its backslash off, never the root. FALSE when there was nothing to cut.
+// Removes the last part and its backslash, never the root. FALSE if there was nothing to remove.
 extern "C" BOOL WINAPI PathRemoveFileSpecW(LPWSTR path) {
     return Answer<BOOL>("PathRemoveFileSpecW", {ToUtf8(path)}, [&](EmulatedPc&) -> BOOL {
         if (path == nullptr) return FALSE;

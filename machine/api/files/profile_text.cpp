@@ -21,16 +21,10 @@ WideView Trimmed(WideView text) {
 }
 
 bool SameName(WideView left, WideView right) {
-    const auto upper = [](WCHAR unit) {
-        return unit >= TEXT('a') && unit <= TEXT('z') ? static_cast<WCHAR>(unit - TEXT('a') + TEXT('A'))
-                                                      : unit;
-    };
-    const WideView a = Trimmed(left), b = Trimmed(right);
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](WCHAR x, WCHAR y) { return upper(x) == upper(y); });
+    return UpperCase(WideString(Trimmed(left))) == UpperCase(WideString(Trimmed(right)));
 }
 
-// The name of a header line, whatever follows the bracket; nothing for other lines.
+// The section name of a header line, ignoring what follows the bracket; nothing for other lines.
 std::optional<WideView> HeaderName(WideView line) {
     const WideView text = Trimmed(line);
     const size_t close = text.find(TEXT(']'));
@@ -42,7 +36,7 @@ bool IsComment(WideView line) {
     return Trimmed(line).starts_with(TEXT(';'));
 }
 
-// The name of the key; empty for comments and blank lines.
+// The key of a line; empty for comments and blank lines.
 WideView KeyName(WideView line) {
     return IsComment(line) ? WideView() : Trimmed(line.substr(0, line.find(TEXT('='))));
 }

@@ -1,5 +1,5 @@
-// Initialisation files as text: sections in brackets, a "key=value" a line. Looking up follows the platform's
-// rules; changing leaves every other line as it is.
+// Initialisation files as text: sections in brackets, one "key=value" per line. Lookups follow the
+// platform's rules; changes leave all other lines untouched.
 #pragma once
 
 #include <optional>
@@ -11,26 +11,28 @@
 
 namespace machine {
 
-// Names of sections and keys are compared without regard to case and to blanks around them. Lines that start
-// with ";" are comments. Of sections and of keys with the same name the first one counts.
+// Names of sections and keys are compared without regard to case or surrounding blanks. Lines that start
+// with ";" are comments. Where a section or key occurs more than once, the first one counts.
 class ProfileText {
   public:
-    // Bytes as they stand in a file: UTF-16 after its mark, else the ANSI code page (1252). The mark of UTF-8
-    // is text like any other, and so spoils a section header behind it, unless it is to be skipped.
+    // `bytes` is the content of a file: UTF-16 after a byte order mark, otherwise the ANSI code page
+    // (1252). A UTF-8 mark is ordinary text, and so spoils a section header after it, unless it is to be
+    // skipped.
     explicit ProfileText(std::string_view bytes, bool skipUtf8Mark = false);
 
-    // In the encoding that was read; what the ANSI code page lacks becomes "?".
+    // In the encoding that was read; a character missing from the ANSI code page becomes "?".
     std::string Bytes() const;
 
-    // Without the blanks around it and one pair of quotes. Nothing when the key is absent or has no "=".
+    // The value without surrounding blanks and one pair of quotes. Nothing if the key is absent or has no
+    // "=".
     std::optional<WideString> Value(WideView section, WideView key) const;
     std::vector<WideString> SectionNames() const;
     std::vector<WideString> KeyNames(WideView section) const;
 
-    // Replaces the value in place, keeping the key's spelling; a new key follows the last one of its section,
-    // a new section the last line. Leading blanks of the value are lost.
+    // Replaces the value in place and keeps the key's spelling. A new key goes after the last one of its
+    // section, a new section after the last line. Leading blanks of the value are lost.
     void Set(WideView section, WideView key, WideView value);
-    // Both do nothing when there is none of that name.
+    // Both do nothing if the name does not exist.
     void RemoveKey(WideView section, WideView key);
     void RemoveSection(WideView section);
 
@@ -39,10 +41,10 @@ class ProfileText {
 
     struct Line {
         WideString text;
-        WideString end;  // what ended it in the file; empty for a last line without one
+        WideString end;  // its line ending in the file; empty for an unterminated last line
     };
 
-    // Lines of a section without its header; an absent section is empty and starts at npos.
+    // The lines of a section without its header. An absent section is empty and starts at npos.
     struct Range {
         size_t begin;
         size_t end;

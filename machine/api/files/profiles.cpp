@@ -1,4 +1,4 @@
-// Initialisation files of the emulated PC.
+// The initialisation-file calls of the emulated PC.
 
 #include <algorithm>
 
@@ -10,14 +10,14 @@ using namespace machine;
 
 namespace {
 
-// A name without a path means a file in the Windows directory; no name at all means win.ini.
+// A file name without a path refers to the Windows directory; a null name to win.ini.
 std::string ProfilePath(const EmulatedPc& pc, LPCWSTR file) {
     const std::string name = file != nullptr ? ToUtf8(file) : "win.ini";
     return name.find_first_of(":\\/") != std::string::npos ? name
                                                            : pc.facts.system.windowsDirectory + "\\" + name;
 }
 
-// Each name with its terminator, and one more.
+// Each name with its terminator, then a final terminator.
 WideString AsList(const std::vector<WideString>& names) {
     WideString list;
     for (const WideString& name : names)
@@ -25,7 +25,7 @@ WideString AsList(const std::vector<WideString>& names) {
     return list;
 }
 
-// As much as fits before `terminators` terminators; the count without them.
+// Copies what fits before `terminators` terminators; returns the count without them.
 DWORD PutCut(const WideString& text, DWORD terminators, LPWSTR buffer, DWORD size) {
     if (buffer == nullptr || size == 0) return 0;
     if (size < terminators) {
@@ -38,7 +38,7 @@ DWORD PutCut(const WideString& text, DWORD terminators, LPWSTR buffer, DWORD siz
     return static_cast<DWORD>(length);
 }
 
-// Names fill the buffer up to its last terminator; names that are cut leave room for two.
+// A complete list fills the buffer up to its last terminator; a truncated one leaves room for two.
 DWORD PutList(const WideString& list, LPWSTR buffer, DWORD size) {
     return PutCut(list, list.size() < size ? 1 : 2, buffer, size);
 }
@@ -70,14 +70,14 @@ uint32_t Change(EmulatedPc& pc, LPCWSTR section, LPCWSTR key, LPCWSTR value, LPC
     return nothingToRemove ? uint32_t{ERROR_SUCCESS} : files.Write(path, changed);
 }
 
-// The platform's headers disagree whether the length has a sign.
+// The headers disagree on whether the length is signed.
 using Length = decltype(GetPrivateProfileStringW(nullptr, nullptr, nullptr, nullptr, 0, nullptr));
 
 }  // namespace
 
-// The length of what was put into the buffer: the value, else the default without trailing blanks, cut to
-// size - 1. Without a section the names of all sections, without a key the names of its keys, each with its
-// terminator, cut to size - 2. Last error: 2 or what else kept the file from being read.
+// The number of characters copied: the value, or the default without trailing blanks, truncated to size - 1.
+// Without a section, the names of all sections; without a key, the names of the section's keys; each with
+// its terminator, truncated to size - 2. Last error: 2, or another that prevented reading the file.
 extern "C" Length WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue,
                                                   LPWSTR buffer, DWORD size, LPCWSTR file) {
     if (buffer != nullptr && size > 0) buffer[0] = TEXT('\0');
@@ -101,9 +101,9 @@ extern "C" Length WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, 
 }
 
 // Writes the value; a null value removes the key, a null key the section. Creates the file, but no folder.
-// Error 3 for a missing folder or drive, 19 for a medium that cannot be written, 87 without a section, and
-// what else VolumeFiles says. Without section, key and value FALSE, the last error as it was: nothing is kept
-// back that could be flushed.
+// Error 3 for a missing folder or drive, 19 for a write-protected medium, 87 without a section, and the
+// other errors of VolumeFiles. Without section, key and value, FALSE with the last error unchanged: there
+// is no cache to flush.
 extern "C" BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR file) {
     std::vector<std::string> arguments = {ToUtf8(section), ToUtf8(key), ToUtf8(value), ToUtf8(file)};
     return Answer<BOOL>("WritePrivateProfileStringW", std::move(arguments), [&](EmulatedPc& pc) -> BOOL {

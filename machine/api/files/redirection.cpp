@@ -23,13 +23,13 @@ VolumeFiles FilesOf(EmulatedPc& pc) {
 
 }  // namespace machine
 
-// The same value for every process, known to no table of handles.
+// The pseudo handle, the same in every process and in no handle table.
 extern "C" HANDLE WINAPI GetCurrentProcess() {
     return thisProcess;
 }
 
-// Whether this program is a 32-bit one on a 64-bit system. Error 6 for any other process, 87 without a place
-// for the answer.
+// Whether this program is a 32-bit one on a 64-bit system. Error 6 for any other process, 87 without an
+// output pointer.
 extern "C" BOOL WINAPI IsWow64Process(HANDLE process, PBOOL emulated) {
     return Answer<BOOL>("IsWow64Process", {}, [&](EmulatedPc& pc) {
         if (process != thisProcess) return Outcome(pc, ERROR_INVALID_HANDLE);
@@ -39,8 +39,8 @@ extern "C" BOOL WINAPI IsWow64Process(HANDLE process, PBOOL emulated) {
     });
 }
 
-// Switches the redirection off and tells how it stood. Error 1 in a program that has none, 87 without a place
-// for the old state. The caller gives the state back with Wow64RevertWow64FsRedirection.
+// Disables the redirection and returns its previous state, which the caller passes to
+// Wow64RevertWow64FsRedirection. Error 1 in a program without redirection, 87 without an output pointer.
 extern "C" BOOL WINAPI Wow64DisableWow64FsRedirection(PVOID* oldState) {
     return Answer<BOOL>("Wow64DisableWow64FsRedirection", {}, [&](EmulatedPc& pc) {
         if (!pc.facts.system.emulates32Bit) return Outcome(pc, ERROR_INVALID_FUNCTION);
@@ -53,8 +53,8 @@ extern "C" BOOL WINAPI Wow64DisableWow64FsRedirection(PVOID* oldState) {
     });
 }
 
-// Puts the redirection back to a state that Wow64DisableWow64FsRedirection told. Error 1 in a program that
-// has none; once too often is a violation in the ledger.
+// Restores a state that Wow64DisableWow64FsRedirection returned. Error 1 in a program without redirection;
+// an unmatched call is a violation in the ledger.
 extern "C" BOOL WINAPI Wow64RevertWow64FsRedirection(PVOID oldState) {
     return Answer<BOOL>("Wow64RevertWow64FsRedirection", {}, [&](EmulatedPc& pc) {
         if (!pc.facts.system.emulates32Bit) return Outcome(pc, ERROR_INVALID_FUNCTION);

@@ -1,4 +1,4 @@
-// The switch that a 32-bit program on a 64-bit system has over what it sees as System32.
+// File-system redirection: which folder a 32-bit program on a 64-bit system gets for System32.
 #pragma once
 
 #include "machine/facts/volume_files.h"
@@ -6,7 +6,7 @@
 
 namespace machine {
 
-// The files as the program sees them now.
+// The files under the redirection that is currently in force.
 VolumeFiles FilesOf(EmulatedPc& pc);
 
 }  // namespace machine

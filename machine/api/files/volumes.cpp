@@ -1,4 +1,4 @@
-// Drive letters and what they say about their volumes.
+// Drive letters and the properties of their volumes.
 
 #include <algorithm>
 
@@ -9,13 +9,13 @@ using namespace machine;
 
 namespace {
 
-// "C:\\", and where the platform forgives it "C:".
+// "C:\\"; "C:" where the platform also accepts it.
 bool IsRoot(const std::string& path, bool backslashRequired) {
     if (path.size() == 2) return path[1] == ':' && !backslashRequired;
     return path.size() == 3 && path[1] == ':' && path[2] == '\\';
 }
 
-// Copies the text with its terminator where the caller wants it; error 234 when it does not fit.
+// Copies the text with its terminator to the caller's buffer; error 234 if it does not fit.
 uint32_t PutText(const std::string& text, WCHAR* buffer, DWORD size) {
     if (buffer == nullptr) return ERROR_SUCCESS;
     const WideString wide = ToWide(text);
@@ -24,7 +24,7 @@ uint32_t PutText(const std::string& text, WCHAR* buffer, DWORD size) {
     return ERROR_SUCCESS;
 }
 
-// Where GetVolumeInformationW puts its answers; null where the caller does not ask.
+// The outputs of GetVolumeInformationW; null for those not requested.
 struct VolumeAnswers {
     WCHAR* label;
     DWORD labelSize;
@@ -51,8 +51,8 @@ uint32_t TellVolume(EmulatedPc& pc, const std::string& root, const VolumeAnswers
 
 }  // namespace
 
-// DRIVE_NO_ROOT_DIR (1) for a letter without a volume and for anything that is no root; the backslash may be
-// missing. A null root is the host program's drive. The last error stays as it was.
+// DRIVE_NO_ROOT_DIR (1) for a letter without a volume and for any path other than a root; the backslash may
+// be missing. A null root is the drive of the host application. The last error is unchanged.
 extern "C" UINT WINAPI GetDriveTypeW(LPCWSTR root) {
     const std::string path = root != nullptr ? ToUtf8(root) : EmulatedPc::Current().facts.host.path.substr(0, 2);
     return Answer<UINT>("GetDriveTypeW", {path}, [&](EmulatedPc& pc) -> UINT {
@@ -63,8 +63,8 @@ extern "C" UINT WINAPI GetDriveTypeW(LPCWSTR root) {
 }
 
 // Error 3 for a letter without a volume, 123 for a root without its backslash, 234 for a short buffer, 1005
-// for a file system that nothing reads, 0x80310000 for one that BitLocker keeps locked, and the error that
-// the label's fact says.
+// for an unknown file system, 0x80310000 for one that BitLocker keeps locked, and the error from the
+// label's fact.
 extern "C" BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD labelSize, LPDWORD serial,
                                              LPDWORD longestName, LPDWORD flags, LPWSTR fileSystem,
                                              DWORD fileSystemSize) {
@@ -76,8 +76,8 @@ extern "C" BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD l
     });
 }
 
-// "C:\\", "D:\\", ... each with its terminator, and one more. The length without the last terminator; with it
-// when the buffer is too short, and nothing is written then.
+// "C:\\", "D:\\", ..., each with its terminator, then a final terminator. Returns the length without the
+// final terminator. If the buffer is too short, writes nothing and returns the length with it.
 extern "C" DWORD WINAPI GetLogicalDriveStringsW(DWORD size, LPWSTR buffer) {
     return Answer<DWORD>("GetLogicalDriveStringsW", {std::to_string(size)}, [&](EmulatedPc& pc) {
         WideString roots;

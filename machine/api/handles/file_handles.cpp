@@ -1,8 +1,7 @@
 #include "machine/api/handles/file_handles.h"
 
-#include <algorithm>
-
 #include "machine/api/handles/processes.h"
+#include "machine/facts/find_disk.h"
 
 namespace machine {
 
@@ -16,12 +15,6 @@ std::string NameOf(EmulatedPc& pc, const void* handle) {
 LocatedVolume DeviceOf(EmulatedPc& pc, const FileHandle& file) {
     if (file.disk) return {nullptr, nullptr, FindDisk(pc.facts, *file.disk)};
     return file.letter != '\0' ? FindLetter(pc.facts, file.letter) : LocatedVolume();
-}
-
-Disk* FindDisk(Pc& pc, uint32_t number) {
-    const auto found = std::find_if(pc.disks.begin(), pc.disks.end(),
-                                    [&](const Disk& disk) { return disk.number == number; });
-    return found != pc.disks.end() ? &*found : nullptr;
 }
 
 }  // namespace machine

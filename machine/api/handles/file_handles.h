@@ -1,4 +1,4 @@
-// What the handles of CreateFileW stand for.
+// The objects behind the handles of CreateFileW.
 #pragma once
 
 #include <optional>
@@ -11,24 +11,20 @@ namespace machine {
 
 struct FileHandle {
     static constexpr const char* kind = "file handle";
-    std::string name;              // as it was opened
+    std::string name;              // the name it was opened with
     char letter = '\0';            // of a volume
-    std::optional<uint32_t> disk;  // number of a physical disk; with no letter either, a file or folder
+    std::optional<uint32_t> disk;  // number of a physical disk; a file or folder has neither disk nor letter
     DWORD access = 0;
-    size_t position = 0;  // where the next bytes go in a file
+    size_t position = 0;  // offset of the next read or write in a file
 };
 
 using FileHandles = HandleTable<FileHandle>;
 
-// The name under which the handle was opened, for a process what was started, or "<not open>": for the
-// journal.
+// For the journal: the name the handle was opened with, a process's file, or "<not open>".
 std::string NameOf(EmulatedPc& pc, const void* handle);
 
-// The volume or disk behind the handle as the PC is now: a physical disk has no volume and no partition. All
-// parts are null for a file, and for a device that has gone.
+// The volume or disk behind the handle in the PC's current state; volume and partition are null for a
+// physical disk. All parts are null for a file, and for a device that is gone.
 LocatedVolume DeviceOf(EmulatedPc& pc, const FileHandle& file);
-
-// The disk of that number, or null.
-Disk* FindDisk(Pc& pc, uint32_t number);
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// What the process handles of ShellExecuteExW stand for.
+// The objects behind the process handles of ShellExecuteExW.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ namespace machine {
 
 struct Process {
     static constexpr const char* kind = "process handle";
-    std::string file;     // that was started
+    std::string file;     // the file that was started
     uint64_t endsAt = 0;  // on the PC's clock, in milliseconds
 };
 

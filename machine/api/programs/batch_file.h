@@ -1,4 +1,4 @@
-// What the command interpreter does with a batch file.
+// Runs batch files as the command interpreter does.
 #pragma once
 
 #include <string_view>
@@ -7,8 +7,8 @@
 
 namespace machine {
 
-// Carries out the `reg` lines of a batch up to its end or `exit`; every other command does nothing. Each
-// stands in the journal as "reg", with its words and its exit code.
+// Executes the `reg` lines of a batch file up to its end or `exit`; all other commands do nothing. The
+// journal lists each as "reg" with its words and its exit code.
 void RunBatch(EmulatedPc& pc, std::string_view content);
 
 }  // namespace machine

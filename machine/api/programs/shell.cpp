@@ -1,5 +1,5 @@
-// Starting a file as the shell does. Batch files are the only kind that this PC runs: the command interpreter
-// takes the time that the PC's facts tell, and what the batch does has happened when that is over.
+// ShellExecuteExW. This PC runs batch files only: the command interpreter takes the time given in the PC's
+// facts, and the effects of the batch appear when that time has passed.
 
 #include "base/text_case.h"
 #include "machine/api/files/redirection.h"
@@ -12,7 +12,7 @@ using namespace machine;
 
 namespace {
 
-constexpr intptr_t started = 42;  // hInstApp of a success is above 32
+constexpr intptr_t started = 42;  // hInstApp is above 32 on success
 
 bool IsBatch(std::string_view file) {
     constexpr std::string_view extension = ".bat";
@@ -30,10 +30,10 @@ uint32_t Start(EmulatedPc& pc, const std::string& verb, const std::string& file)
 
 }  // namespace
 
-// Error 2 or 3 when there is no such file, 1155 for one that is no batch file and for another verb than
-// "open", 87 for a record of another size; hInstApp is then the error, else above 32. With
-// SEE_MASK_NOCLOSEPROCESS hProcess is the process, which the caller closes, or null when the PC's facts keep
-// it back.
+// Error 2 or 3 for a missing file, 1155 for a file that is not a batch file and for a verb other than
+// "open", 87 for a record of another size; hInstApp is then the error, otherwise above 32. With
+// SEE_MASK_NOCLOSEPROCESS hProcess is the process, which the caller closes, or null if the PC's facts say
+// that a batch starts without a process handle.
 extern "C" BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info) {
     if (info == nullptr || info->cbSize != sizeof *info) {
         return Answer<BOOL>("ShellExecuteExW", {},
@@ -53,7 +53,7 @@ extern "C" BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info) {
                                      [&](EmulatedPc& pc) { return Outcome(pc, Start(pc, verb, file)); });
     EmulatedPc& pc = EmulatedPc::Current();
     info->hInstApp = reinterpret_cast<HINSTANCE>(result ? started : static_cast<intptr_t>(pc.lastError));
-    if (result && (info->fMask & SEE_MASK_NOCLOSEPROCESS) != 0 && pc.facts.shell.tellsProcess) {
+    if (result && (info->fMask & SEE_MASK_NOCLOSEPROCESS) != 0 && pc.facts.shell.returnsProcess) {
         info->hProcess = Processes::Of(pc).Open(pc, {file, pc.clockMilliseconds + pc.facts.shell.milliseconds});
     }
     return result;

@@ -1,4 +1,4 @@
-// What the key handles of RegOpenKeyExW stand for, and which keys there are.
+// The objects behind the key handles of RegOpenKeyExW, and which keys exist.
 #pragma once
 
 #include <string>
@@ -15,10 +15,10 @@ struct OpenKey {
 
 using OpenKeys = HandleTable<OpenKey>;
 
-// Whether the key is that of the path, or one below it, in any case.
+// Whether the key is at the path or below it, ignoring case.
 bool IsAtOrBelow(const std::string& key, const std::string& path);
 
-// Whether there is a key of that path ("HKLM\\SYSTEM"). What has a key below it exists.
+// Whether a key exists at the path ("HKLM\\SYSTEM"). A key with subkeys exists.
 bool KeyExists(const Pc& pc, const std::string& path);
 
 }  // namespace machine

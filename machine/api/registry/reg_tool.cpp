@@ -12,11 +12,11 @@ namespace machine {
 
 namespace {
 
-constexpr const char* mountedHive = "mounted hive";  // in the ledger
+constexpr const char* mountedHive = "mounted hive";  // its name in the ledger
 constexpr uint32_t done = 0;
 constexpr uint32_t failed = 1;
 
-// Below HKEY_LOCAL_MACHINE there is nothing but hives; these are the running system's own.
+// Only hives exist directly below HKEY_LOCAL_MACHINE; these belong to the running system.
 constexpr const char* systemHives[] = {"HKLM\\HARDWARE", "HKLM\\SAM", "HKLM\\SECURITY", "HKLM\\SOFTWARE",
                                        "HKLM\\SYSTEM"};
 
@@ -28,7 +28,7 @@ bool CanBeMount(const std::string& key) {
                                          [&](const char* hive) { return SameName(hive, key); });
 }
 
-// 0, or why there are none: the codes of VolumeFiles and of the reader.
+// 0, or the error code of VolumeFiles or of the hive reader.
 uint32_t ReadHive(Pc& pc, const std::string& file, RegistryKeys& keys) {
     std::string content;
     if (const uint32_t error = VolumeFiles(pc).Read(file, content); error != ERROR_SUCCESS) return error;
@@ -56,7 +56,7 @@ uint32_t Unload(EmulatedPc& pc, const std::string& mount) {
     const bool inUse = OpenKeys::Of(pc).Any([&](const OpenKey& key) { return IsAtOrBelow(key.path, mount); });
     if (!CanBeMount(mount) || !KeyExists(pc.facts, mount) || inUse) return failed;
     std::erase_if(pc.facts.registry, [&](const auto& key) { return IsAtOrBelow(key.first, mount); });
-    // One that a description lists was mounted before the books were opened.
+    // A hive listed by the description was mounted before the ledger started.
     if (pc.ledger.Outstanding().contains(mountedHive)) pc.ledger.GiveBack(mountedHive);
     return done;
 }

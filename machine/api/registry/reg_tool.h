@@ -1,4 +1,4 @@
-// The platform's registry tool, as far as it mounts hives and takes them away again.
+// The platform's registry tool; only mounting and unmounting of hives.
 #pragma once
 
 #include <string>
@@ -8,16 +8,16 @@
 
 namespace machine {
 
-// `reg` with these words; its exit code.
+// Runs `reg` with these words and returns its exit code.
 //
-//   load HKLM\NAME FILE    The keys of a hive file appear below a new key. On a described volume they are the
-//                          PC's `offlineSystemHive`, on a disk image what its `hiveReader` finds. 1 when the
-//                          key exists, the file does not or is no hive, or it is the running system's own.
-//   unload HKLM\NAME       They disappear. 1 when there is no such key, when it is none that was mounted, and
-//                          while a key at or below it is open.
+//   load HKLM\NAME FILE    Mounts the keys of a hive file below a new key. On a described volume they are the
+//                          PC's `offlineSystemHive`, on a disk image what its `hiveReader` reads. 1 if the
+//                          key exists, if the file is missing or not a hive, or if it is the running system's.
+//   unload HKLM\NAME       Unmounts them. 1 if the key does not exist or was not mounted, and while a key at
+//                          or below it is open.
 //
-// A hive that stays mounted is in the PC's registry, and in its ledger as a "mounted hive". 1 and nothing
-// else for other words, and whenever the PC's facts let `reg` fail.
+// A mounted hive is part of the PC's registry and is listed in the ledger as a "mounted hive". All other
+// words return 1 and change nothing, as does every command if the PC's facts make `reg` fail.
 uint32_t RunReg(EmulatedPc& pc, const std::vector<std::string>& words);
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// Registry keys and values. The codes are the results; the last error stays as it was.
+// Registry keys and values. Errors are returned as results; the last error is unchanged.
 
 #include <algorithm>
 #include <cstring>
@@ -31,7 +31,7 @@ const Root* FindRoot(HKEY key) {
     return found != std::end(roots) ? found : nullptr;
 }
 
-// The path of a root or an open key; nothing for another handle.
+// The path of a predefined root or an open key; nothing for any other handle.
 std::optional<std::string> PathOf(EmulatedPc& pc, HKEY key) {
     if (const Root* const root = FindRoot(key)) return root->name;
     const OpenKey* const open = OpenKeys::Of(pc).Find(key);
@@ -42,7 +42,7 @@ std::string KeyName(HKEY key) {
     return PathOf(EmulatedPc::Current(), key).value_or("<not open>");
 }
 
-// The boot loader's options are a fact of the running system, whatever the registry lists.
+// The boot loader's options come from the running system's facts, overriding the registry.
 std::optional<RegistryValue> FindValue(const Pc& pc, const std::string& path, const std::string& name) {
     if (SameName(path, controlKey) && SameName(name, startOptionsValue)) {
         return pc.system.startOptions ? std::optional(RegistryValue{REG_SZ, *pc.system.startOptions})
@@ -57,7 +57,7 @@ std::optional<RegistryValue> FindValue(const Pc& pc, const std::string& path, co
     return std::nullopt;
 }
 
-// As the platform stores it: text in UTF-16 with its terminator.
+// The value as the platform stores it: text as UTF-16 with its terminator.
 std::string StoredBytes(const RegistryValue& value) {
     if (value.type != REG_SZ) return value.data;
     const WideString wide = ToWide(value.data);
@@ -102,8 +102,8 @@ bool machine::KeyExists(const Pc& pc, const std::string& path) {
                        [&](const auto& key) { return IsAtOrBelow(key.first, path); });
 }
 
-// Error 2 for a key that does not exist, 6 for a parent that is not open, 87 without a place for the result,
-// which is null after a failure. The caller closes with RegCloseKey.
+// Error 2 for a key that does not exist, 6 for a parent that is not open, 87 without an output pointer. The
+// output is null after a failure. The caller closes the key with RegCloseKey.
 extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD, REGSAM access, PHKEY opened) {
     if (opened != nullptr) *opened = nullptr;
     const std::string path = WithoutSlashes(ToUtf8(name));
@@ -120,9 +120,9 @@ extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD, REGSAM
                            });
 }
 
-// Without a buffer only type and size. Error 2 for a value that does not exist, 5 for a key that was not
+// Without a buffer, returns only type and size. Error 2 for a value that does not exist, 5 for a key not
 // opened for reading, 6 for one that is not open, 87 for a buffer without its size, 234 for a short buffer,
-// which is left alone, with the size that is needed.
+// which is left untouched, with the required size.
 extern "C" LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD, LPDWORD type, LPBYTE data,
                                            LPDWORD size) {
     const std::string value = ToUtf8(name);
@@ -130,7 +130,8 @@ extern "C" LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD, LPDW
                            [&](EmulatedPc& pc) { return Query(pc, key, value, type, data, size); });
 }
 
-// Roots stay open. Error 6, and a violation in the ledger, for a key that is not open.
+// Closing a predefined root does nothing. Error 6 for a key that is not open, which is a violation in the
+// ledger.
 extern "C" LSTATUS WINAPI RegCloseKey(HKEY key) {
     return Answer<LSTATUS>("RegCloseKey", {KeyName(key)}, [&](EmulatedPc& pc) -> LSTATUS {
         if (FindRoot(key) != nullptr) return ERROR_SUCCESS;

@@ -8,7 +8,7 @@ using namespace machine;
 
 namespace {
 
-// On legacy BIOS the call does not exist; UEFI firmware refuses a name that it does not have.
+// A legacy BIOS does not support the call; UEFI firmware rejects an unknown name.
 uint32_t FirmwareError(const Firmware& firmware) {
     const uint32_t usual = firmware.kind == FirmwareKind::Uefi ? ERROR_NOACCESS : ERROR_INVALID_FUNCTION;
     return firmware.error.value_or(usual);
@@ -16,8 +16,8 @@ uint32_t FirmwareError(const Firmware& firmware) {
 
 }  // namespace
 
-// The count of bytes read: where the facts let the firmware answer, it has a variable of one zero byte.
-// Otherwise 0 and the firmware's error; 122 when the buffer has no room.
+// The number of bytes read: if the facts let the firmware answer, every variable is one zero byte.
+// Otherwise 0 with the firmware's error; 122 for a short buffer.
 extern "C" DWORD WINAPI GetFirmwareEnvironmentVariableW(LPCWSTR name, LPCWSTR space, PVOID buffer,
                                                         DWORD size) {
     std::vector<std::string> arguments = {ToUtf8(name), ToUtf8(space), std::to_string(size)};

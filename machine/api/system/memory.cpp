@@ -1,4 +1,4 @@
-// Fixed blocks of the global heap. The ledger lends them as "GlobalAlloc".
+// Fixed blocks of the global heap; the ledger lists them as "GlobalAlloc".
 
 #include <cstring>
 
@@ -13,8 +13,8 @@ constexpr int unusedByte = 0xCD;
 
 }  // namespace
 
-// Null: error 8 for more than a gigabyte, error 87 for a movable block, which nothing here could lock. Memory
-// that was not asked to be zeroed holds a pattern. The caller frees with GlobalFree.
+// Null with error 8 for more than a gigabyte, with error 87 for a movable block, since GlobalLock is not
+// emulated. Memory not requested as zeroed is filled with a pattern. The caller frees it with GlobalFree.
 extern "C" HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T bytes) {
     return Answer<HGLOBAL>("GlobalAlloc", {Hex(flags), std::to_string(bytes)}, [&](EmulatedPc& pc) {
         if ((flags & GMEM_MOVEABLE) != 0)
@@ -27,7 +27,7 @@ extern "C" HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T bytes) {
     });
 }
 
-// Null on success, also for a null block; the block itself, and error 6, when it is not on loan.
+// Null on success and for null; the block and error 6 if it was not allocated here.
 extern "C" HGLOBAL WINAPI GlobalFree(HGLOBAL block) {
     EmulatedPc& pc = EmulatedPc::Current();
     if (pc.ledger.Return("GlobalAlloc", block)) return nullptr;

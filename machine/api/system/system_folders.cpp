@@ -1,4 +1,4 @@
-// Where the running system and the host program lie.
+// The folders of the running system and of the host application.
 
 #include <algorithm>
 
@@ -6,7 +6,7 @@
 
 using namespace machine;
 
-// The length; with the terminator, and nothing written, when the buffer is too short.
+// The length. If the buffer is too short, writes nothing and returns the length with the terminator.
 extern "C" UINT WINAPI GetWindowsDirectoryW(LPWSTR buffer, UINT size) {
     return Answer<UINT>("GetWindowsDirectoryW", {std::to_string(size)}, [&](EmulatedPc& pc) {
         const WideString folder = ToWide(pc.facts.system.windowsDirectory);
@@ -17,8 +17,8 @@ extern "C" UINT WINAPI GetWindowsDirectoryW(LPWSTR buffer, UINT size) {
     });
 }
 
-// The host program, which is the null module; other modules are not known (error 126). The length; in a short
-// buffer the path is cut, ends in a terminator, and the result is the size with error 122.
+// The path of the host application, which is the null module; error 126 for any other. Returns the length;
+// in a short buffer the path is truncated and terminated, and the result is the size with error 122.
 extern "C" DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD size) {
     const std::string which = module == nullptr ? "null" : "<module>";
     return Answer<DWORD>("GetModuleFileNameW", {which, std::to_string(size)}, [&](EmulatedPc& pc) {

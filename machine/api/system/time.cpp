@@ -1,4 +1,4 @@
-// Waiting: the clock of the emulated PC goes on, nobody waits.
+// Sleeping and waiting, which advance the clock of the emulated PC without really waiting.
 
 #include "machine/api/call/call.h"
 #include "machine/api/handles/file_handles.h"
@@ -13,8 +13,8 @@ extern "C" void WINAPI Sleep(DWORD milliseconds) {
     AdvanceClock(pc, milliseconds);
 }
 
-// Waits for a process. 0: it has ended; 258 (WAIT_TIMEOUT): it has not, and the time is over; 0xFFFFFFFF
-// (WAIT_FAILED) and error 6 for a handle of anything else.
+// Waits for a process. 0: it has ended; 258 (WAIT_TIMEOUT): it is still running after that time; 0xFFFFFFFF
+// (WAIT_FAILED) with error 6 for any other handle.
 extern "C" DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle),
                                           std::to_string(milliseconds)};

@@ -7,7 +7,7 @@ namespace machine {
 
 namespace {
 
-// 0x80 to 0x9F; every other byte is the character of its own number. The five unassigned bytes are, too.
+// Bytes 0x80 to 0x9F; all others, and the five unassigned ones, are the character of the same number.
 constexpr WCHAR upperControls[] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,

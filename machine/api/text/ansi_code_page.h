@@ -9,7 +9,7 @@
 namespace machine {
 
 WideString FromAnsi(std::string_view bytes);
-// What the code page lacks becomes "?".
+// A character missing from the code page becomes "?".
 std::string ToAnsi(WideView text);
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// Text in the code pages of the emulated PC.
+// WideCharToMultiByte for the code pages of the emulated PC.
 
 #include <algorithm>
 #include <optional>
@@ -23,9 +23,9 @@ std::optional<std::string> Converted(UINT codePage, WideView text) {
 
 }  // namespace
 
-// The number of bytes written, or needed when `capacity` is 0. A length of -1 takes the text with its
-// terminator. What the code page lacks becomes "?". 0: error 87 without a text and for another code page than
-// CP_ACP and CP_OEMCP, 122 for a short buffer, which is left alone.
+// The number of bytes written, or required if `capacity` is 0. A length of -1 converts up to and including
+// the terminator. A character missing from the code page becomes "?". 0 with error 87 without a text and
+// for code pages other than CP_ACP and CP_OEMCP, with 122 for a short buffer, which is left untouched.
 extern "C" INT WINAPI WideCharToMultiByte(UINT codePage, DWORD, LPCWSTR text, INT length, LPSTR buffer,
                                           INT capacity, LPCSTR, LPBOOL) {
     std::vector<std::string> arguments = {std::to_string(codePage), std::to_string(length),

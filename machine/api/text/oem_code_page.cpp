@@ -7,7 +7,7 @@ namespace machine {
 
 namespace {
 
-// From 0x80 on; every byte below is the character of its own number.
+// Bytes from 0x80 up; those below are the character of the same number.
 constexpr WideView upperHalf = TEXT("ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜ¢£¥₧ƒáíóúñÑªº¿⌐¬½¼¡«»░▒▓│┤╡╢╖╕╣║╗╝╜╛┐")
     TEXT("└┴┬├─┼╞╟╚╔╩╦╠═╬╧╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀αßΓπΣσµτΦΘΩδ∞φε∩≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00A0");
 constexpr WCHAR firstOfTable = 0x80;

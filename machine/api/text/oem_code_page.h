@@ -1,4 +1,4 @@
-// The OEM code page of the emulated PC, 437: what the command interpreter reads.
+// The OEM code page of the emulated PC, 437, which the command interpreter reads.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace machine {
 
-// What the code page lacks becomes "?".
+// A character missing from the code page becomes "?".
 std::string ToOem(WideView text);
 
 }  // namespace machine

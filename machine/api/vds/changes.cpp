@@ -1,5 +1,5 @@
-// Changes of the partition table: attributes and types. On an image every change is written there first; only
-// what is on the medium is then true of the PC.
+// Changes of the partition table: attributes and types. On an image each change is written to the table
+// first, and the PC's facts follow what is on the medium.
 #include "machine/api/vds/disk.h"
 #include "machine/api/vds/pack.h"
 #include "machine/facts/extent_type.h"
@@ -16,7 +16,7 @@ struct Located {
     Partition* partition = nullptr;
 };
 
-// Finds the partition that a change is about, or the code that refuses the change.
+// Finds the partition to change, or returns the code that rejects the change.
 HRESULT FindChangeable(EmulatedPc& pc, uint32_t diskNumber, uint64_t offset, VDS_PARTITION_STYLE style,
                        Located& found) {
     found.disk = FindDisk(pc.facts, diskNumber);
@@ -28,8 +28,8 @@ HRESULT FindChangeable(EmulatedPc& pc, uint32_t diskNumber, uint64_t offset, VDS
     return S_OK;
 }
 
-// The answer to a write of the table that failed. It can have changed the table all the same; what is true
-// then stands on the medium.
+// The result of a failed write of the table. The write may have changed the table, so the facts are read
+// back from the medium.
 HRESULT FailedWrite(Disk& disk, uint32_t error) {
     for (const TableEntry& entry : disk.table->Entries()) {
         Partition* partition = FindPartition(disk, entry.offset);
@@ -87,8 +87,8 @@ HRESULT WriteType(Disk& disk, Partition& partition, const CHANGE_PARTITION_TYPE_
     return S_OK;
 }
 
-// What becomes of the volume when the type changes between a volume's and another: it goes with its letters,
-// and comes as a new one; or it stays, as the PC's switch has it.
+// Updates the volume after a change between types that can and cannot hold one: it disappears with its
+// letters, and a new one appears; or it stays, by the PC's switch.
 void ChangeVolume(EmulatedPc& pc, const Disk& disk, Partition& partition, bool hidden) {
     const VolumePlace place = {disk.number, partition.offset};
     if (!pc.facts.switches.hidingRemovesVolume) {

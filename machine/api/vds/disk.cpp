@@ -1,4 +1,4 @@
-// The disk as a whole: its properties and what lies on it.
+// The disk as a whole: its properties and extents.
 #include "machine/api/vds/disk.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ std::string AddressOf(const Disk& disk) {
            std::to_string(address.target) + "Lun" + std::to_string(address.lun);
 }
 
-// The device interface's path: the PNP device id with '#' for every backslash, and the class of disks.
+// The path of the device interface: the PNP device id with '#' for each backslash, then the class of disks.
 std::string DevicePathOf(const Disk& disk) {
     std::string path = disk.wmi && disk.wmi->pnpDeviceId ? *disk.wmi->pnpDeviceId : DiskText(disk.number);
     std::replace(path.begin(), path.end(), '\\', '#');

@@ -1,4 +1,4 @@
-// A list of service objects, fixed when it is made.
+// An enumeration of service objects, fixed at its creation.
 #pragma once
 
 #include "machine/api/com/object.h"
@@ -6,13 +6,13 @@
 
 namespace machine {
 
-// Skip, Reset and Clone answer VDS_E_NOT_SUPPORTED.
+// Skip, Reset and Clone return VDS_E_NOT_SUPPORTED.
 class VdsEnumerator final : public ComObject, public ComInterface<IEnumVdsObject> {
   public:
     explicit VdsEnumerator(std::vector<ComObject*> objects)
         : ComInterface(*this, IID_IEnumVdsObject, "IEnumVdsObject"), objects_(std::move(objects)) {}
 
-    // S_FALSE: fewer were left than asked for, at the end none. The caller releases what it got.
+    // S_FALSE: fewer objects remained than requested, at the end none. The caller releases those returned.
     HRESULT STDMETHODCALLTYPE Next(ULONG count, IUnknown** objects, ULONG* fetched) override;
     HRESULT STDMETHODCALLTYPE Skip(ULONG) override { return VDS_E_NOT_SUPPORTED; }
     HRESULT STDMETHODCALLTYPE Reset() override { return VDS_E_NOT_SUPPORTED; }
@@ -23,7 +23,7 @@ class VdsEnumerator final : public ComObject, public ComInterface<IEnumVdsObject
     size_t position_ = 0;
 };
 
-// Hands a new enumerator out; E_POINTER without an address to put it in.
+// Returns a new enumerator; E_POINTER without an output pointer.
 HRESULT HandOutList(EmulatedPc& pc, std::vector<ComObject*> objects, IEnumVdsObject** enumerator);
 
 }  // namespace machine

@@ -28,7 +28,7 @@ VDS_DISK_EXTENT_TYPE TypeOf(EmulatedPc& pc, const Disk& disk, const Partition& p
     return keptWhenHidden ? VDS_DET_DATA : ExtentTypeOf(disk.style, partition);
 }
 
-// Data is a volume even when nobody formatted it, the others only with contents.
+// A data partition is a volume even if it is not formatted, others only if they have contents.
 bool HasVolume(VDS_DISK_EXTENT_TYPE type, const Partition& partition) {
     switch (type) {
         case VDS_DET_UNKNOWN:

@@ -1,4 +1,4 @@
-// What lies on a disk, as the Virtual Disk Service lists it.
+// The extents of a disk as the Virtual Disk Service lists them.
 #pragma once
 
 #include <vector>
@@ -8,8 +8,8 @@
 
 namespace machine {
 
-// Partitions and the free space around them, by offset; one unusable extent for a disk without a table. `id`
-// is the disk's. Volumes get their objects here.
+// Partitions and free space, ordered by offset; one unusable extent for a disk without a table. `id` is the
+// disk's. Creates the objects of volumes not listed before.
 std::vector<VDS_DISK_EXTENT> ExtentsOf(EmulatedPc& pc, const Disk& disk, const Guid& id);
 
 }  // namespace machine

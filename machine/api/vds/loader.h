@@ -10,7 +10,7 @@ class VdsServiceLoader final : public ComObject, public ComInterface<IVdsService
   public:
     VdsServiceLoader() : ComInterface(*this, IID_IVdsServiceLoader, "IVdsServiceLoader") {}
 
-    // A null or empty name is this machine; another one cannot be reached (RPC_S_SERVER_UNAVAILABLE). The
+    // A null or empty name is the local machine; others are unreachable (RPC_S_SERVER_UNAVAILABLE). The
     // caller releases the service.
     HRESULT STDMETHODCALLTYPE LoadService(LPWSTR machineName, IVdsService** service) override;
 };

@@ -61,12 +61,6 @@ Guid VdsObjects::NextId() {
     return GUID{++lastId_, 0x0000, 0x4000, {0x80, 0x00, 0x76, 0x64, 0x73, 0x00, 0x00, 0x00}};
 }
 
-Partition* FindPartition(Disk& disk, uint64_t offset) {
-    const auto partition = std::find_if(disk.partitions.begin(), disk.partitions.end(),
-                                        [&](const Partition& known) { return known.offset == offset; });
-    return partition != disk.partitions.end() ? &*partition : nullptr;
-}
-
 std::string DiskText(uint32_t number) {
     return "disk " + std::to_string(number);
 }

@@ -1,11 +1,12 @@
-// The objects of the Virtual Disk Service by what they stand for. Ids are made when an object is first
-// needed, and last as long as it: they mean nothing on another PC.
+// Maps disks, packs and volumes to their objects in the Virtual Disk Service. An id is created with its
+// object and is not valid on another PC.
 #pragma once
 
 #include <compare>
 #include <map>
 
 #include "machine/api/com/object.h"
+#include "machine/facts/find_disk.h"
 #include "platform/vds.h"
 
 namespace machine {
@@ -16,23 +17,23 @@ class VdsProvider;
 class VdsService;
 class VdsVolume;
 
-// The partition whose contents a volume is.
+// Identifies a volume by its partition.
 struct VolumePlace {
     uint32_t disk = 0;
     uint64_t offset = 0;
     auto operator<=>(const VolumePlace&) const = default;
 };
 
-// A pack that the PC names, or the own pack of one disk.
+// A pack listed by the PC, or the implicit pack of one disk.
 struct PackKey {
     std::string name;
-    uint32_t disk = 0;  // of an own pack
+    uint32_t disk = 0;  // of an implicit pack
     auto operator<=>(const PackKey&) const = default;
 };
 
 class VdsObjects {
   public:
-    // Of the PC that lives now.
+    // The objects of that PC.
     static VdsObjects& Of(EmulatedPc& pc) { return pc.State<VdsObjects>(); }
 
     VdsService& Service(EmulatedPc& pc);
@@ -41,12 +42,12 @@ class VdsObjects {
     VdsDisk& DiskObject(EmulatedPc& pc, uint32_t number);
     VdsVolume& VolumeObject(EmulatedPc& pc, VolumePlace place);
 
-    // The volume at the place, or null when none has been seen there.
+    // The volume at the place, or null if none was created there.
     VdsVolume* FindVolume(VolumePlace place) const;
-    // What is at the place later is another volume.
+    // The next volume at the place gets a new object.
     void ForgetVolume(VolumePlace place) { volumes_.erase(place); }
 
-    // Null: no disk that the PC has bears the id, or no volume that exists.
+    // Null if no disk of the PC, or no existing volume, has the id.
     VdsDisk* FindDisk(const Pc& pc, const Guid& id) const;
     VdsVolume* FindVolume(const Guid& id) const;
 
@@ -61,11 +62,7 @@ class VdsObjects {
     std::map<VolumePlace, VdsVolume*> volumes_;
 };
 
-// The disk of that number, or null.
-Disk* FindDisk(Pc& pc, uint32_t number);
-// The first partition that begins there, or null.
-Partition* FindPartition(Disk& disk, uint64_t offset);
-// The text of the journal.
+// The disk as an argument in the journal.
 std::string DiskText(uint32_t number);
 
 }  // namespace machine

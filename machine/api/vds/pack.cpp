@@ -10,7 +10,7 @@ namespace machine {
 
 namespace {
 
-// An unallocated disk stands in a pack only if it names one.
+// An unallocated disk belongs to a pack only if it names one.
 bool IsInPack(const Disk& disk) {
     return !disk.unallocated || !disk.pack.empty();
 }
@@ -19,7 +19,7 @@ PackKey KeyOf(const Disk& disk) {
     return disk.pack.empty() ? PackKey{"", disk.number} : PackKey{disk.pack, 0};
 }
 
-// What the PC says of a named pack; an online one that is not dynamic when it says nothing.
+// The PC's entry for a named pack; an online basic pack if it is not listed.
 Pack FactsOf(const Pc& pc, const std::string& name) {
     const auto pack =
         std::find_if(pc.packs.begin(), pc.packs.end(), [&](const Pack& known) { return known.name == name; });

@@ -1,4 +1,4 @@
-// The software providers and the packs that they list.
+// The software providers and their packs.
 #pragma once
 
 #include "machine/api/com/object.h"
@@ -7,8 +7,8 @@
 
 namespace machine {
 
-// The basic provider lists the own packs of disks and the named packs that are not dynamic, the dynamic one
-// the others.
+// The basic provider lists the implicit packs of disks and the named packs that are not dynamic; the
+// dynamic one lists the others.
 class VdsProvider final : public ComObject, public ComInterface<IVdsSwProvider> {
   public:
     explicit VdsProvider(bool dynamic)
@@ -22,16 +22,16 @@ class VdsProvider final : public ComObject, public ComInterface<IVdsSwProvider> 
     const bool dynamic_;
 };
 
-// What is not declared with a docstring answers VDS_E_NOT_SUPPORTED.
+// Methods without a comment return VDS_E_NOT_SUPPORTED.
 class VdsPack final : public ComObject, public ComInterface<IVdsPack> {
   public:
     VdsPack(PackKey key, const Guid& id)
         : ComInterface(*this, IID_IVdsPack, "IVdsPack"), key_(std::move(key)), id_(id) {}
 
-    // A pack that a disk has for itself has no name (null) and is online; the caller frees another one's
+    // An implicit pack is online and has no name (null); otherwise the caller frees the name
     // ("VDS_PACK_PROP name").
     HRESULT STDMETHODCALLTYPE GetProperties(VDS_PACK_PROP* properties) override;
-    // In the order in which the PC has them, whatever the status of the pack.
+    // In the PC's order, regardless of the status of the pack.
     HRESULT STDMETHODCALLTYPE QueryDisks(IEnumVdsObject** enumerator) override;
 
     HRESULT STDMETHODCALLTYPE GetProvider(IVdsProvider**) override { return VDS_E_NOT_SUPPORTED; }
@@ -58,7 +58,7 @@ class VdsPack final : public ComObject, public ComInterface<IVdsPack> {
     const Guid id_;
 };
 
-// Whether the disk stands in a pack of the dynamic provider.
+// Whether the disk belongs to a pack of the dynamic provider.
 bool IsDynamic(const Pc& pc, const Disk& disk);
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// The partitions of a disk: their records and their letters.
+// The partitions of a disk: their properties and letters.
 #include <algorithm>
 
 #include "machine/api/com/memory.h"
@@ -31,7 +31,7 @@ VDS_PARTITION_PROP RecordOf(const Disk& disk, const Partition& partition) {
     return record;
 }
 
-// The letter in upper case; 0 when it is none.
+// The letter in upper case, or 0 for any other character.
 char UpperLetter(WCHAR letter) {
     if (letter >= TEXT('a') && letter <= TEXT('z')) return static_cast<char>(letter - TEXT('a') + 'A');
     if (letter >= TEXT('A') && letter <= TEXT('Z')) return static_cast<char>(letter);
@@ -42,7 +42,7 @@ std::string LetterText(WCHAR letter) {
     return ToUtf8(WideView(&letter, 1));
 }
 
-// Finds the partition whose letters a call is about, or the code that refuses the call.
+// Finds the partition of a letter call, or returns the code that rejects the call.
 HRESULT FindLetterable(EmulatedPc& pc, uint32_t diskNumber, uint64_t offset, Partition*& partition) {
     Disk* const disk = FindDisk(pc.facts, diskNumber);
     if (disk == nullptr) return VDS_E_OBJECT_DELETED;

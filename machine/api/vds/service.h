@@ -6,20 +6,20 @@
 
 namespace machine {
 
-// Ready from the start; a PC whose service is not has a fault plan that says so. What is not declared with a
-// docstring answers VDS_E_NOT_SUPPORTED.
+// Ready from the start; a fault plan makes the service fail. Methods without a comment return
+// VDS_E_NOT_SUPPORTED.
 class VdsService final : public ComObject, public ComInterface<IVdsService> {
   public:
     VdsService() : ComInterface(*this, IID_IVdsService, "IVdsService") {}
 
     HRESULT STDMETHODCALLTYPE IsServiceReady() override;
     HRESULT STDMETHODCALLTYPE WaitForServiceReady() override;
-    // The software providers, basic and dynamic, or none when the mask has not their bit.
-    // VDS_E_INVALID_QUERY_PROVIDER_FLAG: the mask has bits of no kind of provider.
+    // The software providers, basic and dynamic; none if the mask lacks their bit.
+    // VDS_E_INVALID_QUERY_PROVIDER_FLAG: the mask has unknown bits.
     HRESULT STDMETHODCALLTYPE QueryProviders(DWORD masks, IEnumVdsObject** enumerator) override;
     HRESULT STDMETHODCALLTYPE QueryUnallocatedDisks(IEnumVdsObject** enumerator) override;
-    // VDS_E_OBJECT_NOT_FOUND: no disk or volume of that id; VDS_E_INVALID_OBJECT_TYPE: neither of the two.
-    // The caller releases the object.
+    // VDS_E_OBJECT_NOT_FOUND: no disk or volume has the id; VDS_E_INVALID_OBJECT_TYPE: any other type of
+    // object. The caller releases the object.
     HRESULT STDMETHODCALLTYPE GetObject(VDS_OBJECT_ID id, VDS_OBJECT_TYPE type, IUnknown** object) override;
 
     HRESULT STDMETHODCALLTYPE GetProperties(VDS_SERVICE_PROP*) override { return VDS_E_NOT_SUPPORTED; }

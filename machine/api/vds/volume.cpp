@@ -26,7 +26,7 @@ VDS_FILE_SYSTEM_TYPE TypeOf(std::string_view fileSystem) {
     return VDS_FST_UNKNOWN;
 }
 
-// What a partition of a volume's type holds that nobody formatted.
+// The contents of an unformatted partition whose type can hold a volume.
 Volume RawVolume() {
     Volume volume;
     volume.fileSystem = "RAW";

@@ -1,4 +1,5 @@
-// A volume of the Virtual Disk Service: what is on one partition, as long as its type is a volume's.
+// A volume of the Virtual Disk Service: the contents of one partition, as long as its type can hold a
+// volume.
 #pragma once
 
 #include "machine/api/com/object.h"
@@ -7,15 +8,15 @@
 
 namespace machine {
 
-// What is not declared with a docstring answers VDS_E_NOT_SUPPORTED.
+// Methods without a comment return VDS_E_NOT_SUPPORTED.
 class VdsVolume final : public ComObject, public ComInterface<IVdsVolumeMF> {
   public:
     VdsVolume(VolumePlace place, const Guid& id)
         : ComInterface(*this, IID_IVdsVolumeMF, "IVdsVolumeMF"), place_(place), id_(id) {}
     const Guid& Id() const { return id_; }
 
-    // The caller frees the label ("VDS_FILE_SYSTEM_PROP label"); it is null when the volume has none to tell.
-    // VDS_E_OBJECT_DELETED: the volume is gone; else the code that its label cannot be read with.
+    // The caller frees the label ("VDS_FILE_SYSTEM_PROP label"); it is null if the volume has none.
+    // VDS_E_OBJECT_DELETED: the volume is gone; otherwise the error of reading its label.
     HRESULT STDMETHODCALLTYPE GetFileSystemProperties(VDS_FILE_SYSTEM_PROP* properties) override;
 
     HRESULT STDMETHODCALLTYPE Format(VDS_FILE_SYSTEM_TYPE, LPWSTR, DWORD, BOOL, BOOL, BOOL,

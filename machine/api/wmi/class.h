@@ -1,5 +1,5 @@
-// What WMI offers, as data: classes with their instances and methods, each in a namespace. A PC has those
-// that the library asks for; more are added with one row.
+// WMI as data: classes with their instances and methods, each in a namespace. Contains the classes that the
+// library uses; one row adds another.
 #pragma once
 
 #include <functional>
@@ -14,10 +14,10 @@
 
 namespace machine {
 
-// Absent (VT_NULL), text (VT_BSTR), a number (VT_I4) or a truth value (VT_BOOL).
+// Absent (VT_NULL), text (VT_BSTR), a number (VT_I4) or a Boolean (VT_BOOL).
 using WmiValue = std::variant<std::monostate, std::string, int32_t, bool>;
 
-// The value of a fact that may be absent.
+// Converts an optional fact.
 WmiValue TextOrAbsent(const std::optional<std::string>& text);
 
 // Values by name, in the order of their declaration. Names are compared without regard to case.
@@ -28,10 +28,10 @@ const WmiValue* FindProperty(const WmiProperties& properties, std::string_view n
 
 struct WmiMethod {
     std::string name;
-    std::vector<std::string> inputs;   // none: the method has no input signature
+    std::vector<std::string> inputs;   // empty: the method has no input signature
     std::vector<std::string> outputs;  // "ReturnValue" among them
-    // Performs the method on an instance and fills the outputs, which are absent before. A failure code is
-    // the result of ExecMethod, and there are no outputs then.
+    // Runs the method on an instance and fills the outputs, which are absent at first. A failure code
+    // becomes the result of ExecMethod, without outputs.
     std::function<HRESULT(EmulatedPc&, const WmiProperties& instance, const WmiProperties& inputs,
                           WmiProperties& outputs)>
         run;
@@ -40,11 +40,11 @@ struct WmiMethod {
 struct WmiClass {
     std::string space;  // "root\\cimv2", in any case
     std::string name;
-    std::vector<std::string> properties;  // the first is the key that object paths name
+    std::vector<std::string> properties;  // the first is the key used in object paths
     // Rows of values in the order of `properties`.
     std::function<std::vector<std::vector<WmiValue>>(const Pc&)> rows;
     std::vector<WmiMethod> methods;
-    bool (*isOffered)(const Pc&) = nullptr;  // whether the PC has the class at all; null: every PC
+    bool (*isOffered)(const Pc&) = nullptr;  // whether the PC has the class; null: always
 };
 
 class WmiRepository {
@@ -54,9 +54,9 @@ class WmiRepository {
     static WmiRepository& Of(EmulatedPc& pc) { return pc.State<WmiRepository>(); }
 
     void Add(WmiClass definition) { classes_.push_back(std::move(definition)); }
-    // Whether the PC has the namespace: any with a class that it offers.
+    // Whether the PC has the namespace, that is, any class in it.
     bool HasNamespace(const Pc& pc, std::string_view space) const;
-    // The class of that name, or null. It stays where it is.
+    // The class of that name, or null. The pointer stays valid.
     const WmiClass* FindClass(std::string_view space, std::string_view name) const;
 
   private:

@@ -10,7 +10,7 @@ namespace {
 
 using Rows = std::vector<std::vector<WmiValue>>;
 
-// The disks that WMI lists: first those that the PC's order names, then the others as the PC has them.
+// The disks that WMI lists: first those in the PC's `wmiOrder`, then the others in the PC's order.
 std::vector<const Disk*> ListedDisks(const Pc& pc) {
     std::vector<const Disk*> disks;
     const auto add = [&](const Disk& disk) {
@@ -35,7 +35,7 @@ Rows DiskDrives(const Pc& pc) {
     return rows;
 }
 
-// An object path, in which every backslash of the key stands twice.
+// An object path; each backslash of the key is doubled.
 WmiValue PathTo(std::string_view className, std::string_view deviceId) {
     std::string path = "\\\\PC\\root\\cimv2:" + std::string(className) + ".DeviceID=\"";
     for (const char unit : deviceId)
@@ -43,8 +43,8 @@ WmiValue PathTo(std::string_view className, std::string_view deviceId) {
     return path + "\"";
 }
 
-// One row a hop from each disk of that interface up to its top-most controller; a hop that disks share is
-// one row.
+// One row per hop from each disk of that interface to its topmost controller. A hop that several disks
+// share has one row.
 Rows ControllerLinks(const Pc& pc, std::string_view interfaceType, std::string_view controllerClass) {
     Rows rows;
     for (const Disk* disk : ListedDisks(pc)) {

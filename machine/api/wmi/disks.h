@@ -1,4 +1,4 @@
-// The WMI classes about disks: the drives, and what they hang on.
+// The WMI classes about disks: the drives and their controllers.
 #pragma once
 
 #include "machine/api/wmi/class.h"

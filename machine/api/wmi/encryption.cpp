@@ -22,7 +22,7 @@ std::vector<std::vector<WmiValue>> EncryptableVolumes(const Pc& pc) {
     return rows;
 }
 
-// WBEM_E_INVALID_METHOD_PARAMETERS: asked of the class, not of a volume.
+// WBEM_E_INVALID_METHOD_PARAMETERS: called on the class, not on a volume.
 HRESULT GetEncryptionMethod(EmulatedPc& pc, const WmiProperties& instance, const WmiProperties&,
                             WmiProperties& outputs) {
     const WmiValue* const key = FindProperty(instance, "DeviceID");

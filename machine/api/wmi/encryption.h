@@ -1,4 +1,4 @@
-// The WMI class of BitLocker, in a namespace of its own that not every PC has.
+// The WMI class of BitLocker, in its own namespace, which not every PC has.
 #pragma once
 
 #include "machine/api/wmi/class.h"

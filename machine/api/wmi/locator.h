@@ -1,4 +1,4 @@
-// The door to WMI.
+// Connects to namespaces of WMI.
 #pragma once
 
 #include "machine/api/com/object.h"
@@ -9,8 +9,8 @@ class WmiLocator final : public ComObject, public ComInterface<IWbemLocator> {
   public:
     WmiLocator() : ComInterface(*this, IID_IWbemLocator, "IWbemLocator") {}
 
-    // Each connection is an object of its own, which the caller releases. WBEM_E_INVALID_NAMESPACE: the PC
-    // has no such namespace.
+    // Each connection is a separate object, which the caller releases. WBEM_E_INVALID_NAMESPACE: the PC
+    // does not have the namespace.
     HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR resource, const BSTR user, const BSTR password,
                                             const BSTR locale, LONG flags, const BSTR authority,
                                             IWbemContext* context, IWbemServices** services) override;

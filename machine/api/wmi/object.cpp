@@ -9,7 +9,7 @@ namespace machine {
 
 namespace {
 
-// Fills a VARIANT from the value and tells its CIM type.
+// Stores the value in a VARIANT and returns its CIM type.
 class VariantWriter {
   public:
     VariantWriter(EmulatedPc& pc, VARIANT& variant) : pc_(pc), variant_(variant) {}
@@ -39,7 +39,7 @@ class VariantWriter {
     VARIANT& variant_;
 };
 
-// The value of a VARIANT; nothing for a kind that no property has.
+// The value of a VARIANT; nothing for a type that no property has.
 std::optional<WmiValue> ValueOf(const VARIANT& variant) {
     switch (V_VT(&variant)) {
         case VT_NULL:
@@ -96,8 +96,8 @@ HRESULT WmiObject::Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type, 
         if (property == nullptr) return static_cast<HRESULT>(WBEM_E_NOT_FOUND);
         Empty(flavor);
         if (value != nullptr) {
-            const CIMTYPE told = std::visit(VariantWriter(pc, *value), *property);
-            if (type != nullptr) *type = told;
+            const CIMTYPE cimType = std::visit(VariantWriter(pc, *value), *property);
+            if (type != nullptr) *type = cimType;
         }
         return S_OK;
     });

@@ -1,4 +1,4 @@
-// An object of WMI: a class, the signature of a method, or an instance of either.
+// A WMI object: a class, a method signature, or an instance of either.
 #pragma once
 
 #include "machine/api/com/object.h"
@@ -6,7 +6,7 @@
 
 namespace machine {
 
-// The methods of IWbemClassObject that nothing here needs; all answer WBEM_E_NOT_SUPPORTED.
+// The unused methods of IWbemClassObject; all return WBEM_E_NOT_SUPPORTED.
 class WmiObjectBase : public ComInterface<IWbemClassObject> {
   public:
     using ComInterface::ComInterface;
@@ -46,29 +46,29 @@ class WmiObjectBase : public ComInterface<IWbemClassObject> {
     static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
 };
 
-// The flags of its methods are reserved: every value but 0 is WBEM_E_INVALID_PARAMETER.
+// The flags of all methods are reserved: any value but 0 is WBEM_E_INVALID_PARAMETER.
 class WmiObject final : public ComObject, public WmiObjectBase {
   public:
-    // A class: its properties are absent, its methods can be asked for.
+    // A class: its properties are absent, and its methods are available.
     explicit WmiObject(const WmiClass& definition);
-    // A signature: what instances of it can be put into.
+    // A method signature, from which instances are created.
     explicit WmiObject(const std::vector<std::string>& names);
     // An instance.
     explicit WmiObject(WmiProperties properties);
 
     const WmiProperties& Properties() const { return properties_; }
 
-    // A number, a text or a truth value by its type, VT_NULL when absent; the caller clears it.
-    // WBEM_E_NOT_FOUND: no such property, and `value` is untouched, as on any failure.
+    // A number, text or Boolean by its type, VT_NULL if absent; the caller clears it. WBEM_E_NOT_FOUND:
+    // unknown property; `value` is unchanged, as on any failure.
     HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type,
                                   LONG* flavor) override;
-    // WBEM_E_NOT_FOUND: no such property; WBEM_E_TYPE_MISMATCH: a kind of value that none has;
-    // WBEM_E_INVALID_PARAMETER: a type, which is for properties of a new class.
+    // WBEM_E_NOT_FOUND: unknown property; WBEM_E_TYPE_MISMATCH: a type that no property has;
+    // WBEM_E_INVALID_PARAMETER: a type other than 0, which is for properties of a new class.
     HRESULT STDMETHODCALLTYPE Put(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE type) override;
-    // WBEM_E_ILLEGAL_OPERATION: this is an instance itself. The caller releases the instance.
+    // WBEM_E_ILLEGAL_OPERATION: the object is itself an instance. The caller releases the instance.
     HRESULT STDMETHODCALLTYPE SpawnInstance(LONG flags, IWbemClassObject** instance) override;
-    // Signatures of a method; null when the method has no inputs or outputs. WBEM_E_ILLEGAL_OPERATION: this
-    // is no class; WBEM_E_NOT_FOUND: it has no such method. The caller releases both.
+    // Signatures of a method; null if it has no inputs or outputs. WBEM_E_ILLEGAL_OPERATION: the object is
+    // not a class; WBEM_E_NOT_FOUND: unknown method. The caller releases both.
     HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR name, LONG flags, IWbemClassObject** inputs,
                                         IWbemClassObject** outputs) override;
 
@@ -83,7 +83,7 @@ class WmiObject final : public ComObject, public WmiObjectBase {
 // The method of that name, or null.
 const WmiMethod* FindMethod(const WmiClass& definition, std::string_view name);
 
-// Properties of those names, all absent.
+// Properties with those names, all absent.
 WmiProperties AbsentProperties(const std::vector<std::string>& names);
 
 }  // namespace machine

@@ -17,7 +17,7 @@ std::string WithSingleBackslashes(std::string_view text) {
     return single;
 }
 
-// The text between a pair of equal quotes.
+// The text between two equal quotes.
 std::optional<std::string> Unquoted(std::string_view text) {
     const bool quoted =
         text.size() >= 2 && (text.front() == '"' || text.front() == '\'') && text.back() == text.front();

@@ -19,7 +19,7 @@ struct Located {
     std::optional<WmiProperties> instance;  // absent: the path names the class
 };
 
-// Finds what a path names, or the code that refuses it.
+// Resolves a path, or returns the code that rejects it.
 HRESULT Locate(EmulatedPc& pc, const std::string& space, const std::string& path, Located& found) {
     const std::optional<WmiPath> read = ReadWmiPath(path);
     if (!read || (!read->space.empty() && !SameName(read->space, space)))

@@ -1,4 +1,4 @@
-// A connection to one namespace of WMI, and the lists of instances that it hands out.
+// A connection to a WMI namespace, and its enumerations of instances.
 #pragma once
 
 #include "machine/api/com/object.h"
@@ -7,7 +7,7 @@
 
 namespace machine {
 
-// The methods of IWbemServices that nothing here needs; all answer WBEM_E_NOT_SUPPORTED.
+// The unused methods of IWbemServices; all return WBEM_E_NOT_SUPPORTED.
 class WmiServicesBase : public ComInterface<IWbemServices> {
   public:
     using ComInterface::ComInterface;
@@ -92,17 +92,17 @@ class WmiServices final : public ComObject, public WmiServicesBase {
         : WmiServicesBase(*this, IID_IWbemServices, "IWbemServices"), space_(std::move(space)) {}
 
     // A class by its name, or an instance by its path; the caller releases it. WBEM_E_INVALID_OBJECT_PATH:
-    // malformed, or of another namespace; WBEM_E_NOT_FOUND: no such class or instance;
-    // WBEM_E_INVALID_PARAMETER: flags, none of which are known here.
+    // malformed, or of another namespace; WBEM_E_NOT_FOUND: unknown class or instance;
+    // WBEM_E_INVALID_PARAMETER: flags, none of which are supported.
     HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG flags, IWbemContext* context,
                                         IWbemClassObject** object, IWbemCallResult** callResult) override;
-    // All instances as they are now, whatever the flags; the caller releases the list.
-    // WBEM_E_INVALID_CLASS: no such class.
+    // All current instances, whatever the flags; the caller releases the enumeration. WBEM_E_INVALID_CLASS:
+    // unknown class.
     HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext* context,
                                                  IEnumWbemClassObject** enumerator) override;
-    // Path errors as GetObject; WBEM_E_INVALID_METHOD: the class has no such method;
-    // WBEM_E_INVALID_PARAMETER: flags, or `inputs` that are no object of WMI; else what the method itself
-    // answers. The caller releases the outputs.
+    // Path errors as for GetObject; WBEM_E_INVALID_METHOD: unknown method; WBEM_E_INVALID_PARAMETER: flags,
+    // or `inputs` that are not a WMI object; otherwise the result of the method itself. The caller releases
+    // the outputs.
     HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG flags,
                                          IWbemContext* context, IWbemClassObject* inputs,
                                          IWbemClassObject** outputs, IWbemCallResult** callResult) override;
@@ -111,15 +111,15 @@ class WmiServices final : public ComObject, public WmiServicesBase {
     const std::string space_;
 };
 
-// Reset, NextAsync, Clone and Skip answer WBEM_E_NOT_SUPPORTED.
+// Reset, NextAsync, Clone and Skip return WBEM_E_NOT_SUPPORTED.
 class WmiEnumerator final : public ComObject, public ComInterface<IEnumWbemClassObject> {
   public:
     explicit WmiEnumerator(std::vector<WmiProperties> instances)
         : ComInterface(*this, IID_IEnumWbemClassObject, "IEnumWbemClassObject"),
           instances_(std::move(instances)) {}
 
-    // WBEM_S_FALSE: fewer were left than asked for, at the end none. Nothing waits, whatever the timeout. The
-    // caller releases what it got.
+    // WBEM_S_FALSE: fewer objects remained than requested, at the end none. Never waits, whatever the
+    // timeout. The caller releases those returned.
     HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
                                    ULONG* returned) override;
     HRESULT STDMETHODCALLTYPE Reset() override { return NotSupported(); }

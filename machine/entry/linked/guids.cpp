@@ -1,4 +1,5 @@
-// The identifiers that the platform's headers declare and its import libraries define elsewhere.
+// Defines the identifiers that the platform's headers declare and that its import libraries define on
+// Windows.
 
 #include "platform/windows_api.h"
 

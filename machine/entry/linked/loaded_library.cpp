@@ -1,4 +1,4 @@
-// The calls were linked to the emulated PC; what is left is the entry point.
+// Platform calls are linked to the emulated PC; only the entry point has to be called.
 
 #include "machine/entry/loaded_library.h"
 

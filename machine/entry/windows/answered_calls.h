@@ -1,4 +1,4 @@
-// The platform calls of the emulated PC, as a module's import table names them.
+// The platform calls that the emulated PC implements, by their names in a module's import table.
 #pragma once
 
 #include <span>
@@ -11,11 +11,11 @@ struct AnsweredCall {
     const void* function;
 };
 
-// In the order of their names, each once.
+// Sorted by name, each once.
 std::span<const AnsweredCall> AnsweredCalls();
 
-// The functions by which the C runtime inside a module serves itself: threads, locks, thread-local storage,
-// exceptions. In the order of their names, each once. They are no part of the PC.
+// The functions that the C runtime inside a module imports for itself: threads, locks, thread-local
+// storage, exceptions. Sorted by name, each once. They do not belong to the PC.
 std::span<const std::string_view> RuntimeCalls();
 
 }  // namespace machine

@@ -1,10 +1,11 @@
-// Whom the platform calls of the program itself reach, in its sources that choose.
+// Selects whether the program's own platform calls go to the emulated PC or to Windows, in sources compiled
+// with chosen_names.h.
 #pragma once
 
 namespace machine {
 
 void ChooseEmulatedPc();
-// As it is at first.
+// The initial choice.
 void ChooseWindows();
 
 }  // namespace machine

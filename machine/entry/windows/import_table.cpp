@@ -11,12 +11,12 @@ namespace machine {
 
 namespace {
 
-// Their functions are no platform calls.
+// Modules whose functions are not platform calls.
 constexpr std::string_view otherModules[] = {"LOGGING.DLL", "MSVCRT.DLL"};
 
 struct Import {
     std::string library;
-    std::string name;  // the number of one without a name
+    std::string name;  // its ordinal if imported without a name
     ULONG_PTR* address;
 };
 
@@ -51,7 +51,7 @@ std::vector<Import> ImportsOf(HMODULE module) {
     return imports;
 }
 
-// The emulated PC's function of that name; 0 without one.
+// The emulated PC's function of that name, or 0.
 ULONG_PTR Emulated(std::string_view name) {
     const auto calls = AnsweredCalls();
     const auto found = std::ranges::lower_bound(calls, name, {}, &AnsweredCall::name);
@@ -63,7 +63,7 @@ bool StaysWithWindows(const Import& import) {
            std::ranges::binary_search(RuntimeCalls(), import.name);
 }
 
-// The table is read-only; a page of it is opened for the moment.
+// The table is read-only; its page is made writable for the change.
 void Write(ULONG_PTR* address, ULONG_PTR function) {
     DWORD protection = 0;
     if (!VirtualProtect(address, sizeof *address, PAGE_READWRITE, &protection))
@@ -74,14 +74,15 @@ void Write(ULONG_PTR* address, ULONG_PTR function) {
 
 }  // namespace
 
-// Some entries serve the product and the C runtime inside the module alike: CloseHandle, GetCurrentProcess,
-// GetLastError, SetLastError, Sleep, WaitForSingleObject, WideCharToMultiByte. They are answered for both,
-// and nothing is passed on to Windows: a handle of the one may have the value of a handle of the other, so a
-// handle that the product closes twice must never be tried on Windows. It is right for the runtime because
-// all calls come from one thread and the table is put back before the module goes. What the runtime asks then
-// has the same effect either way: it keeps the last error across a look at thread-local storage, and it names
-// the process by a value that is the same everywhere. It closes, waits and sleeps only for other threads and
-// contended locks, and converts text only for narrow output, which the product has not.
+// The product and the C runtime inside the module share some imports: CloseHandle, GetCurrentProcess,
+// GetLastError, SetLastError, Sleep, WaitForSingleObject, WideCharToMultiByte. The emulated PC answers them
+// for both and never forwards to Windows: a handle of one may have the same value as a handle of the other,
+// so a handle that the product closes twice must never reach Windows. This is safe for the runtime because
+// all calls come from one thread and the imports are restored before the module is unloaded. The runtime's
+// remaining uses have the same effect either way: it preserves the last error around an access to
+// thread-local storage, and names the process by a constant pseudo handle. It closes, waits and sleeps only
+// for other threads and contended locks, and converts text only for narrow output, which the product does
+// not use.
 ImportTable::ImportTable(HMODULE module) {
     std::string unanswered;
     for (const Import& import : ImportsOf(module)) {

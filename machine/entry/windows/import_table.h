@@ -1,4 +1,4 @@
-// The import table of a module that Windows has loaded.
+// Redirects the imports of a module that Windows has loaded.
 #pragma once
 
 #include <vector>
@@ -7,12 +7,12 @@
 
 namespace machine {
 
-// While it lives the module's imports of platform calls lead to the emulated PC; no other module is touched.
-// What the module imports from the C runtime and from the logging library stays, and so do the functions by
-// which the C runtime inside the module serves itself.
+// While it exists, the module's imports of platform calls go to the emulated PC; no other module is
+// touched. Imports from the C runtime and the logging library are kept, and so are the functions that the C
+// runtime inside the module imports for itself.
 class ImportTable {
   public:
-    // Throws std::runtime_error naming every import that is none of these; nothing is changed then.
+    // Throws std::runtime_error with the name of every other import; nothing is changed then.
     explicit ImportTable(HMODULE module);
     ~ImportTable();
     ImportTable(const ImportTable&) = delete;
@@ -20,8 +20,8 @@ class ImportTable {
 
   private:
     struct Entry {
-        ULONG_PTR* address;  // in the table
-        ULONG_PTR windows;   // Windows' function
+        ULONG_PTR* address;  // of the slot in the table
+        ULONG_PTR windows;   // the original function
         ULONG_PTR emulated;
     };
 

@@ -1,4 +1,4 @@
-// Windows has loaded the library, as it ships; its imports are answered by the emulated PC.
+// Windows has loaded the library as it ships; its imports are redirected to the emulated PC.
 
 #include "machine/entry/loaded_library.h"
 

@@ -1,14 +1,14 @@
-// How an image is opened, and what is thrown when it cannot be.
+// How an image is opened, and the exception for one that cannot be used.
 #pragma once
 
 #include <stdexcept>
 
 namespace machine {
 
-// Overlay is a dry run: changes are kept in memory, and nothing reaches the file.
+// Overlay is a dry run: changes stay in memory and never reach the file.
 enum class ImageAccess { Read, Write, Overlay };
 
-// A file that cannot be used as the disk it should be. what() reads "FILE: what is wrong[, where]".
+// The image file cannot be used. what() reads "FILE: what is wrong[, where]".
 class ImageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

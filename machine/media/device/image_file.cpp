@@ -34,7 +34,7 @@ std::string OpenProblem(int error, ImageAccess access) {
 }  // namespace
 
 ImageFile::ImageFile(const std::string& path, ImageAccess access) : path_(path), access_(access) {
-    // Not blocking, because opening a named pipe would wait for its other end.
+    // Non-blocking, because opening a named pipe would wait for its other end.
     const int mode = access == ImageAccess::Write ? O_RDWR : O_RDONLY;
     descriptor_ = open(path.c_str(), mode | O_CLOEXEC | O_NONBLOCK);
     if (descriptor_ < 0) throw Error(OpenProblem(errno, access));
@@ -67,7 +67,7 @@ void ImageFile::Lock() {
 bool ImageFile::Read(uint64_t offset, void* buffer, size_t length) const {
     if (!ReadFile(offset, buffer, length)) return false;
     if (length == 0) return true;
-    // Lay the changed blocks that the range touches over what the file holds.
+    // Overlay the changed blocks of the range on the bytes of the file.
     auto* bytes = static_cast<uint8_t*>(buffer);
     const uint64_t end = offset + length;
     for (auto block = overlay_.lower_bound(offset / blockSize);

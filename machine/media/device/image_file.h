@@ -1,4 +1,4 @@
-// The bytes of an image file, with a copy-on-write overlay in front of them for a dry run.
+// The bytes of an image file, with a copy-on-write overlay for a dry run.
 #pragma once
 
 #include <array>
@@ -13,8 +13,8 @@ namespace machine {
 
 class ImageFile {
   public:
-    // Opens the file; for writing it is locked against other writers as long as this object lives. Throws
-    // ImageError when it is missing, a folder, empty, not whole sectors, not permitted or locked by another.
+    // Opens the file; for writing, locks it against other writers for the lifetime of this object. Throws
+    // ImageError if it is missing, a folder, empty, not a whole number of sectors, not permitted or locked.
     ImageFile(const std::string& path, ImageAccess access);
     ~ImageFile();
     ImageFile(const ImageFile&) = delete;
@@ -23,17 +23,18 @@ class ImageFile {
     const std::string& Path() const { return path_; }
     ImageAccess Access() const { return access_; }
     uint64_t Size() const { return size_; }  // bytes
-    // The file below the overlay, for libraries that read by themselves.
+    // The file without the overlay, for libraries that read it themselves.
     int Descriptor() const { return descriptor_; }
 
-    // All of the bytes or false; a range that leaves the file is false.
+    // Reads all of the bytes or returns false, also for a range beyond the end of the file.
     bool Read(uint64_t offset, void* buffer, size_t length) const;
-    // The same; false too when the image is open for reading only. Into the overlay of a dry run.
+    // The same for writing; also false if the image is open for reading only. On a dry run writes to the
+    // overlay.
     bool Write(uint64_t offset, const void* bytes, size_t length);
-    // False when the bytes written so far may not have reached the medium.
+    // False if the bytes written so far may not be on the medium.
     bool Flush();
 
-    // An error that names this file.
+    // An error with the name of this file.
     ImageError Error(const std::string& whatIsWrong) const;
 
   private:

@@ -1,5 +1,5 @@
-// The platform's error codes that an image answers. Libraries whose headers clash with the
-// platform's are used here, so they stand by themselves.
+// The platform's error codes that an image returns. Defined separately, because the headers of the
+// file-system libraries clash with the platform's.
 #pragma once
 
 #include <cstdint>

@@ -8,7 +8,7 @@ namespace machine {
 
 namespace {
 
-// libfdisk's dialogs: its warnings are noted, its questions stay unanswered.
+// libfdisk's dialogs: collects warnings and leaves questions unanswered.
 int NoteWarning(fdisk_context*, fdisk_ask* ask, void* data) {
     switch (fdisk_ask_get_type(ask)) {
         case FDISK_ASKTYPE_WARN:
@@ -29,7 +29,7 @@ FdiskSession::FdiskSession(const ImageFile& image, bool readOnly) : context_(fdi
     CheckGptLength(image);
     fdisk_set_ask(Context(), NoteWarning, &warnings_);
     fdisk_disable_dialogs(Context(), 1);
-    fdisk_enable_listonly(Context(), 1);  // no search for file systems in the table's place
+    fdisk_enable_listonly(Context(), 1);  // does not look for a file system in place of the table
     fdisk_enable_wipe(Context(), 0);
     const int error =
         fdisk_assign_device_by_fd(Context(), image.Descriptor(), image.Path().c_str(), readOnly ? 1 : 0);

@@ -1,4 +1,4 @@
-// One visit of libfdisk to an image: its context, without dialogs and without a word on the terminal.
+// A libfdisk context for an image, without dialogs or terminal output.
 #pragma once
 
 #include <libfdisk/libfdisk.h>
@@ -23,18 +23,18 @@ using FdiskOwner = std::unique_ptr<T, FdiskRelease>;
 
 class FdiskSession {
   public:
-    // Reads the table; `readOnly` keeps libfdisk from writing whatever happens. Throws ImageError when the
-    // file cannot be read.
+    // Reads the table; `readOnly` keeps libfdisk from ever writing. Throws ImageError if the file cannot be
+    // read.
     FdiskSession(const ImageFile& image, bool readOnly);
     FdiskSession(const FdiskSession&) = delete;
     FdiskSession& operator=(const FdiskSession&) = delete;
 
     fdisk_context* Context() const { return context_.get(); }
-    // What libfdisk found wrong with the table, in its words.
+    // libfdisk's warnings about the table.
     const std::vector<std::string>& Warnings() const { return warnings_; }
-    // The partition in that slot; null when the slot is unused.
+    // The partition in the slot; null if the slot is unused.
     FdiskOwner<fdisk_partition> Slot(size_t slot) const;
-    // The slot of the partition, not an extended one, that starts there.
+    // The slot of the partition that starts there, other than an extended one.
     std::optional<size_t> SlotAt(uint64_t offset) const;
 
   private:
@@ -42,7 +42,7 @@ class FdiskSession {
     FdiskOwner<fdisk_context> context_;
 };
 
-// Starts and sizes of libfdisk are in these.
+// The unit of libfdisk's starts and sizes.
 inline constexpr uint64_t fdiskSectorSize = 512;
 
 }  // namespace machine

@@ -13,7 +13,7 @@ namespace machine {
 namespace {
 
 constexpr uint8_t mbrUnused = 0x00;
-constexpr uint8_t mbrExtendedLinux = 0x85;  // which Windows does not look into
+constexpr uint8_t mbrExtendedLinux = 0x85;  // ignored by Windows
 constexpr uint8_t mbrProtective = 0xEE;
 
 bool IsExtended(uint8_t type) {
@@ -35,7 +35,8 @@ Guid GuidOf(const ImageFile& image, const char* text) {
 }
 
 Partition PlaceOf(fdisk_partition* entry) {
-    // A damaged table can name any sector; beyond these no image ends, and bytes can still be added up.
+    // A damaged table can refer to any sector. No image ends beyond these, and sums of byte offsets do not
+    // overflow.
     constexpr uint64_t maximumSectors = uint64_t{1} << 53;
     Partition partition;
     partition.offset = std::min(fdisk_partition_get_start(entry), maximumSectors) * fdiskSectorSize;
@@ -118,8 +119,8 @@ bool Toggle(const FdiskSession& session, size_t slot) {
     return fdisk_toggle_partition_flag(session.Context(), slot, DOS_FLAG_ACTIVE) == 0;
 }
 
-// A flag that is there already is toggled twice, and so written again: after a flush that failed, bytes can
-// be read that never reached the medium, and only a new write takes them there.
+// Toggles a flag that is already set twice, so that it is written again: after a failed flush the bytes
+// read back may never have reached the medium, and only a new write gets them there.
 bool SetFlag(const FdiskSession& session, size_t slot, bool active) {
     const auto entry = session.Slot(slot);
     if (!entry) return false;
@@ -127,7 +128,7 @@ bool SetFlag(const FdiskSession& session, size_t slot, bool active) {
     return Toggle(session, slot) && (!isThere || Toggle(session, slot));
 }
 
-// The extended partition's flag too, for firmware counts it.
+// Includes the extended partition's flag, since firmware counts it.
 bool ClearOtherFlags(const FdiskSession& session, size_t kept) {
     for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
         const auto entry = session.Slot(slot);
@@ -154,7 +155,8 @@ void ReadTable(const ImageFile& image, Disk& disk) {
     } else {
         throw image.Error("no partition table, so no disk image");
     }
-    // Whatever else libfdisk would repair on writing: a damaged header, a backup in a wrong place.
+    // Anything else that libfdisk would repair when writing, such as a damaged header or a misplaced
+    // backup.
     if (!session.Warnings().empty())
         throw image.Error("the partition table is damaged: " + session.Warnings().front());
 }

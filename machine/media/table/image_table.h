@@ -1,4 +1,4 @@
-// The partition table of an image: read into the facts of a disk, and changed in place.
+// Reads the partition table of an image into the facts of a disk, and changes it in place.
 #pragma once
 
 #include <functional>
@@ -12,15 +12,16 @@ namespace machine {
 
 class FdiskSession;
 
-// Whether there is a partition table that Windows knows, sound or not.
+// Whether the image has a partition table that Windows knows, valid or not.
 bool HasTable(const ImageFile& image);
 
-// Sets the disk's size, style, signature or GUID, and its partitions without their volumes, numbered as
-// Windows does: used entries from 1, logical ones after the primary ones, the extended partition itself left
-// out. Throws ImageError when there is no table, or one that does not fit the disk, overlaps or is damaged.
+// Sets the disk's size, style, signature or GUID, and its partitions without their volumes. They are
+// numbered as in Windows: used entries from 1, logical partitions after the primary ones, without the
+// extended partition. Throws ImageError if there is no table, or if it does not fit the disk, overlaps or
+// is damaged.
 void ReadTable(const ImageFile& image, Disk& disk);
 
-// On a dry run changes are checked as usual and then dropped; the disk's facts are what remembers them.
+// On a dry run, changes are checked as usual and then dropped; only the disk's facts contain them.
 class ImageTable : public PartitionTable {
   public:
     explicit ImageTable(std::shared_ptr<ImageFile> image) : image_(std::move(image)) {}
@@ -29,7 +30,7 @@ class ImageTable : public PartitionTable {
     std::vector<TableEntry> Entries() override;
 
   private:
-    // Makes a change in libfdisk's memory; false when the partition cannot have that value.
+    // Applies a change in libfdisk's memory; false if the partition cannot have that value.
     using Edit = std::function<bool(const FdiskSession& session, size_t slot)>;
     uint32_t Change(uint64_t partitionOffset, const Edit& edit);
 

@@ -39,7 +39,7 @@ void CheckApart(const ImageFile& image, std::vector<Region> regions) {
     }
 }
 
-// Empty when none is there.
+// Empty if there is none.
 std::string GptHeaderAt(const ImageFile& image, uint64_t sector) {
     std::string header(sectorSize, '\0');
     const bool isThere = sector < image.Size() / sectorSize &&
@@ -66,7 +66,7 @@ void CheckLayout(const ImageFile& image, const TableLayout& layout) {
 }
 
 void CheckGptLength(const ImageFile& image) {
-    constexpr uint64_t longest = 1024ULL * 1024;  // 64 times the usual one
+    constexpr uint64_t longest = 1024ULL * 1024;  // 64 times the usual length
     const std::string first = GptHeaderAt(image, 1);
     const std::string backup = GptHeaderAt(image, Le64(first, 32));
     const std::string last = GptHeaderAt(image, image.Size() / sectorSize - 1);
@@ -86,8 +86,8 @@ void CheckBootIndicator(const ImageFile& image, size_t slot, const std::string& 
 }
 
 void CheckChain(const ImageFile& image, const Region& extended) {
-    // A link is a sector laid out as the MBR. Its second entry leads to the next link, counted in sectors
-    // from the start of the extended partition.
+    // A link has the format of an MBR. Its second entry points to the next link, in sectors from the start
+    // of the extended partition.
     constexpr size_t secondEntry = firstEntry + entrySize;
     std::set<uint64_t> visited;
     uint64_t link = extended.offset;

@@ -1,4 +1,4 @@
-// Whether the partitions of a table can be true: inside the disk, apart from each other, reachable.
+// Checks that the partitions of a table are plausible: inside the disk, without overlap, reachable.
 #pragma once
 
 #include <cstdint>
@@ -9,35 +9,35 @@
 
 namespace machine {
 
-// A stretch of the disk, in bytes, and what it is called in a message.
+// A range of the disk in bytes, with its name for messages.
 struct Region {
     std::string name;  // "partition 2"
     uint64_t offset = 0;
     uint64_t size = 0;
 };
 
-// The stretches of the disk that a table gives away.
+// The ranges of the disk that a table allocates.
 struct TableLayout {
-    Region space;  // what lies between the parts of the table itself; name unused
+    Region space;  // the space between the parts of the table itself; name unused
     std::vector<Region> primaries;
-    std::vector<Region> extended;  // containers, which lie among the primaries
+    std::vector<Region> extended;  // containers, which are among the primaries
     std::vector<Region> logicals;
 };
 
-// Throws ImageError for a partition without a length, one that leaves the file (which is truncated then) or
-// lies on the table, and for two that overlap.
+// Throws ImageError for an empty partition, one beyond the end of the file (which is truncated then) or on
+// the table itself, and for two that overlap.
 void CheckLayout(const ImageFile& image, const TableLayout& layout);
 
-// Throws ImageError when a header of a GUID partition table claims more entries than any disk has: reading
-// them would take as much memory, up to the size of the file.
+// Throws ImageError if a GPT header claims more entries than any disk has. Reading them could take as much
+// memory as the file is long.
 void CheckGptLength(const ImageFile& image);
 
-// Throws ImageError when the MBR's entry in that slot, 0 to 3, is neither active (0x80) nor not (0x00): what
-// a PC starts from such a table is anybody's guess. `name` is the partition's in the message.
+// Throws ImageError if the MBR entry in that slot, 0 to 3, is neither active (0x80) nor inactive (0x00):
+// firmware handles such a table unpredictably. `name` is the name of the partition in the message.
 void CheckBootIndicator(const ImageFile& image, size_t slot, const std::string& name);
 
-// Follows the chain of logical partitions that starts with the extended partition. Throws ImageError when it
-// leaves the extended partition, runs in a circle or meets a sector that is no link.
+// Follows the chain of logical partitions in the extended partition. Throws ImageError if it leaves the
+// extended partition, forms a cycle or reaches a sector that is not a link.
 void CheckChain(const ImageFile& image, const Region& extended);
 
 }  // namespace machine

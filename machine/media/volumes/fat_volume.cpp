@@ -14,10 +14,10 @@ namespace {
 constexpr uint64_t bootSectorSize = 512;
 constexpr uint64_t entrySize = 32;
 constexpr uint32_t firstCluster = 2;
-// Fewer clusters than these make a volume FAT12 or FAT16.
+// A volume with fewer clusters is FAT12 or FAT16.
 constexpr uint64_t leastFat16Clusters = 4085;
 constexpr uint64_t leastFat32Clusters = 65525;
-// No folder is longer, by definition.
+// The longest folder that the format allows.
 constexpr uint64_t longestFolder = 65536 * entrySize;
 
 bool IsPowerOfTwo(uint64_t number, uint64_t least, uint64_t most) {
@@ -43,7 +43,7 @@ uint8_t ShortNameSum(std::string_view entry) {
     return sum;
 }
 
-// "README  TXT" as README.TXT; what is not ASCII as "?", which no path has.
+// Converts "README  TXT" to README.TXT; characters beyond ASCII become "?", which no path contains.
 std::string ShortName(std::string_view entry) {
     const auto trimmed = [&](size_t at, size_t length) {
         std::string part(entry.substr(at, length));
@@ -57,7 +57,7 @@ std::string ShortName(std::string_view entry) {
     return extension.empty() ? base : base + '.' + extension;
 }
 
-// A long name stands in entries before the short one, its last part first.
+// The entries of a long name precede the short entry, the last part first.
 class LongName {
   public:
     void Clear() {
@@ -84,7 +84,7 @@ class LongName {
         if (characters_.size() > longestName + charactersAPart) Clear();
     }
 
-    // The name of the short entry that follows it; empty when it belongs to another one.
+    // The long name of the short entry that follows; empty if it belongs to another entry.
     std::string Of(std::string_view shortEntry) const {
         if (characters_.empty() || expected_ != 0 || sum_ != ShortNameSum(shortEntry)) return "";
         return ToUtf8(std::u16string_view(characters_).substr(0, characters_.find(u'\0')));
@@ -94,7 +94,7 @@ class LongName {
     static constexpr uint8_t noPart = 0xFF;
 
     std::u16string characters_;
-    uint8_t expected_ = noPart;  // number of the part that comes next
+    uint8_t expected_ = noPart;  // number of the next part
     uint8_t sum_ = 0;
 };
 
@@ -156,8 +156,8 @@ std::optional<uint32_t> FatVolume::Next(uint32_t cluster) const {
 
 std::optional<std::string> FatVolume::ReadClusters(uint64_t first, uint64_t length) const {
     std::string content;
-    // A chain that comes back to a cluster runs in a circle. One mark is enough: it is set anew after 1, 2,
-    // 4, 8 and so on clusters, so that some turn of any circle lies between two of them.
+    // Detects a cycle with a single mark that is moved after 1, 2, 4, 8 and so on clusters: a chain that
+    // returns to it is a cycle, and any cycle eventually fits between two moves.
     uint64_t mark = 0;
     uint64_t passed = 0;
     for (uint64_t cluster = first; content.size() < length;) {
@@ -223,7 +223,7 @@ std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Entry& folder
         entry.size = Le32(raw, 28);
         longName.Clear();
         if (!isUsed || entry.alias == "." || entry.alias == "..") continue;
-        // Only the root lies outside the clusters, and no entry leads to it.
+        // Only the root is outside the clusters, and no entry refers to it.
         if (entry.isFolder && !IsCluster(entry.place)) return std::nullopt;
         entries.push_back(std::move(entry));
     }

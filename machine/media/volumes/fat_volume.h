@@ -1,4 +1,4 @@
-// The files of a FAT12, FAT16 or FAT32 volume that lies in an image, read only.
+// The files of a FAT12, FAT16 or FAT32 volume on an image, read only.
 #pragma once
 
 #include "machine/media/device/volume_bytes.h"
@@ -6,11 +6,11 @@
 
 namespace machine {
 
-// Files are found by their long and by their short names; a short name with letters beyond ASCII, whose code
-// page nobody knows, only by its long one.
+// Files are found by long and short names. A short name with characters beyond ASCII, whose code page is
+// unknown, is found only by its long one.
 class FatVolume final : public ReadOnlyVolume {
   public:
-    // Reads the boot sector; a volume whose boot sector cannot be true counts as damaged.
+    // Reads the boot sector; a volume with an implausible one counts as damaged.
     explicit FatVolume(VolumeBytes bytes);
 
   protected:
@@ -19,7 +19,7 @@ class FatVolume final : public ReadOnlyVolume {
     std::optional<std::string> Content(const Entry& file) const override;
 
   private:
-    // Where things lie, in bytes from the start of the volume.
+    // The layout in bytes from the start of the volume.
     struct Layout {
         uint32_t entryBits = 0;  // of the allocation table: 12, 16 or 32
         uint32_t clusters = 0;
@@ -33,11 +33,11 @@ class FatVolume final : public ReadOnlyVolume {
     };
 
     static std::optional<Layout> ReadLayout(const VolumeBytes& bytes);
-    // What the table has for the cluster: the next one, or the mark for the last.
+    // The allocation-table entry of the cluster: the next cluster, or the end mark.
     std::optional<uint32_t> Next(uint32_t cluster) const;
     bool IsCluster(uint64_t number) const;
-    // The bytes of the clusters that follow each other from the first on: `length` of them, or all up to the
-    // last cluster, which must come before `most` bytes.
+    // The bytes of the cluster chain that starts at `first`: `length` bytes, or all up to the last cluster,
+    // which must end before `most` bytes.
     std::optional<std::string> ReadClusters(uint64_t first, uint64_t length) const;
     std::optional<std::string> ReadAllClusters(uint64_t first, uint64_t most) const;
     std::optional<std::string> FolderBytes(const Entry& folder) const;

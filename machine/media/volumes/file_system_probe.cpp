@@ -10,7 +10,7 @@ namespace machine {
 
 namespace {
 
-// The file systems that Windows recognises: libblkid's name and, where one name covers several, its version.
+// The file systems that Windows recognises: libblkid's name and, where a name covers several, its version.
 struct KnownFileSystem {
     MediumKind medium;
     const char* type;

@@ -1,4 +1,4 @@
-// Names the file system at a place of an image, and reads its label.
+// Identifies the file system at an offset of an image, and reads its label.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@ struct blkid_struct_probe;
 namespace machine {
 
 struct FileSystem {
-    // As GetVolumeInformationW names it: "NTFS", "FAT32", "FAT", "exFAT", "ReFS", "BitLocker"; on discs "UDF"
-    // and "CDFS".
+    // As GetVolumeInformationW reports it: "NTFS", "FAT32", "FAT", "exFAT", "ReFS", "BitLocker"; on discs
+    // "UDF" and "CDFS".
     std::string kind;
     std::string label;  // UTF-8
 };
@@ -23,13 +23,13 @@ enum class MediumKind { Disk, Disc };
 
 class FileSystemProbe {
   public:
-    // Looks for the file systems that Windows expects on such a medium.
+    // Detects the file systems that Windows expects on that kind of medium.
     FileSystemProbe(const ImageFile& image, MediumKind medium);
     ~FileSystemProbe();
     FileSystemProbe(const FileSystemProbe&) = delete;
     FileSystemProbe& operator=(const FileSystemProbe&) = delete;
 
-    // Nothing when Windows would not recognise what is there.
+    // Nothing if Windows would not recognise it.
     std::optional<FileSystem> Identify(uint64_t offset, uint64_t size);
 
   private:

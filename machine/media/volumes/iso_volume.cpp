@@ -19,13 +19,13 @@ constexpr uint8_t descriptorSupplementary = 2;
 constexpr uint8_t descriptorEnd = 255;
 
 constexpr uint8_t flagFolder = 0x02;
-constexpr uint8_t flagAssociated = 0x04;  // a second stream of the file before it
+constexpr uint8_t flagAssociated = 0x04;  // a second stream of the preceding file
 constexpr uint8_t flagContinued = 0x80;
 
 constexpr size_t recordHeader = 33;
 constexpr uint64_t inPieces = std::numeric_limits<uint64_t>::max();
 
-// Joliet marks its descriptor with the level of UCS-2 that its names are in.
+// A Joliet descriptor contains the UCS-2 level of its names.
 bool IsJoliet(std::string_view descriptor) {
     const std::string_view escape = descriptor.substr(88, 3);
     return escape == "%/@" || escape == "%/C" || escape == "%/E";
@@ -44,7 +44,7 @@ std::string JolietName(std::string_view bytes) {
     return ToUtf8(name);
 }
 
-// The folder itself is listed with the name 0, its parent with the name 1.
+// A folder lists itself with the name 0, its parent with the name 1.
 bool IsSelfOrParent(std::string_view record) {
     return Byte(record, 32) == 1 && Byte(record, recordHeader) <= 1;
 }
@@ -82,7 +82,7 @@ IsoVolume::Entry IsoVolume::EntryOf(std::string_view record) const {
     entry.isFolder = (flags & flagFolder) != 0;
     entry.name = isJoliet_ ? JolietName(name) : std::string(name);
     if (!entry.isFolder) entry.name = WithoutVersion(entry.name);
-    // The file lies behind its extended attributes, whose blocks the record counts.
+    // The file follows its extended attributes, whose length in blocks is in the record.
     entry.place = (uint64_t{Le32(record, 2)} + Byte(record, 1)) * blockSize_;
     entry.size = (flags & flagContinued) != 0 || isInterleaved ? inPieces : Le32(record, 10);
     return entry;

@@ -1,4 +1,4 @@
-// The files of an ISO 9660 disc that lies in an image, with the long names of Joliet where it has them.
+// The files of an ISO 9660 disc on an image, with the long names of Joliet if present.
 #pragma once
 
 #include "machine/media/device/volume_bytes.h"
@@ -6,11 +6,11 @@
 
 namespace machine {
 
-// Names are those that Windows shows: without version (";1"), and without the dot of an empty extension.
-// A file in several pieces (of 4 GiB and more, or interleaved) is found, but counts as damaged when read.
+// Names are as Windows shows them: without version (";1"), and without the dot of an empty extension. A
+// file in several sections (of 4 GiB and more, or interleaved) is found, but counts as damaged when read.
 class IsoVolume final : public ReadOnlyVolume {
   public:
-    // Reads the volume descriptors; without one that can be true the disc counts as damaged.
+    // Reads the volume descriptors; a disc without a plausible one counts as damaged.
     explicit IsoVolume(VolumeBytes bytes);
 
   protected:
@@ -23,7 +23,7 @@ class IsoVolume final : public ReadOnlyVolume {
     Entry EntryOf(std::string_view record) const;
 
     VolumeBytes bytes_;
-    uint64_t blockSize_ = 0;  // 0: no descriptor
+    uint64_t blockSize_ = 0;  // 0: no valid descriptor
     bool isJoliet_ = false;
     Entry root_;
 };

@@ -1,33 +1,17 @@
 #include "machine/media/volumes/ntfs_volume.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <new>
 #include <string>
 
+#include "machine/facts/store_path.h"
 #include "machine/media/device/store_errors.h"
 #include "machine/media/device/volume_bytes.h"
-#include "machine/media/volumes/store_path.h"
-
-// C headers without linkage of their own, which name macros `min`, `max` and a type BOOL: they must not meet
-// the platform's headers, so they stay in this file.
-extern "C" {
-#include <ntfs-3g/attrib.h>
-#include <ntfs-3g/device.h>
-#include <ntfs-3g/dir.h>
-#include <ntfs-3g/inode.h>
-#include <ntfs-3g/layout.h>
-#include <ntfs-3g/logging.h>
-#include <ntfs-3g/types.h>
-#include <ntfs-3g/unistr.h>
-#include <ntfs-3g/volume.h>
-}
-#undef min
-#undef max
+#include "machine/media/volumes/ntfs_device.h"
+#include "machine/media/volumes/ntfs_library.h"
 
 namespace machine {
 
@@ -57,109 +41,6 @@ uint32_t PlatformError(int error) {
     }
 }
 
-// --- the device: a stretch of the image ---
-
-struct ImageRange {
-    ImageFile& image;
-    uint64_t offset;
-    uint64_t size;
-    uint64_t position = 0;
-};
-
-ImageRange& RangeOf(ntfs_device* device) {
-    return *static_cast<ImageRange*>(device->d_private);
-}
-
-int DeviceOpen(ntfs_device* device, int flags) {
-    NDevSetOpen(device);
-    if ((flags & O_ACCMODE) == O_RDONLY) NDevSetReadOnly(device);
-    return 0;
-}
-
-int DeviceSync(ntfs_device* device) {
-    if (RangeOf(device).image.Flush()) return 0;
-    errno = EIO;
-    return -1;
-}
-
-int DeviceClose(ntfs_device* device) {
-    NDevClearOpen(device);
-    return 0;
-}
-
-s64 DeviceReadAt(ntfs_device* device, void* buffer, s64 count, s64 offset) {
-    const ImageRange& range = RangeOf(device);
-    if (count < 0 || offset < 0 || static_cast<uint64_t>(offset) > range.size) {
-        errno = EINVAL;
-        return -1;
-    }
-    const uint64_t start = static_cast<uint64_t>(offset);
-    const uint64_t length = std::min<uint64_t>(static_cast<uint64_t>(count), range.size - start);
-    if (range.image.Read(range.offset + start, buffer, length)) return static_cast<s64>(length);
-    errno = EIO;
-    return -1;
-}
-
-s64 DeviceWriteAt(ntfs_device* device, const void* bytes, s64 count, s64 offset) {
-    ImageRange& range = RangeOf(device);
-    if (NDevReadOnly(device)) {
-        errno = EROFS;
-        return -1;
-    }
-    const uint64_t start = static_cast<uint64_t>(offset);
-    const uint64_t length = static_cast<uint64_t>(count);
-    if (count < 0 || offset < 0 || start > range.size || length > range.size - start) {
-        errno = ENOSPC;
-        return -1;
-    }
-    if (range.image.Write(range.offset + start, bytes, length)) return count;
-    errno = EIO;
-    return -1;
-}
-
-s64 DeviceSeek(ntfs_device* device, s64 offset, int whence) {
-    ImageRange& range = RangeOf(device);
-    const s64 base = whence == SEEK_CUR   ? static_cast<s64>(range.position)
-                     : whence == SEEK_END ? static_cast<s64>(range.size)
-                                          : 0;
-    if (base + offset < 0 || base + offset > static_cast<s64>(range.size)) {
-        errno = EINVAL;
-        return -1;
-    }
-    range.position = static_cast<uint64_t>(base + offset);
-    return base + offset;
-}
-
-s64 DeviceRead(ntfs_device* device, void* buffer, s64 count) {
-    ImageRange& range = RangeOf(device);
-    const s64 done = DeviceReadAt(device, buffer, count, static_cast<s64>(range.position));
-    if (done > 0) range.position += static_cast<uint64_t>(done);
-    return done;
-}
-
-s64 DeviceWrite(ntfs_device* device, const void* bytes, s64 count) {
-    ImageRange& range = RangeOf(device);
-    const s64 done = DeviceWriteAt(device, bytes, count, static_cast<s64>(range.position));
-    if (done > 0) range.position += static_cast<uint64_t>(done);
-    return done;
-}
-
-int DeviceStat(ntfs_device* device, struct stat* status) {
-    *status = {};
-    status->st_mode = S_IFREG;
-    status->st_size = static_cast<off_t>(RangeOf(device).size);
-    return 0;
-}
-
-// There is no drive behind a file that could be asked or told anything.
-int DeviceControl(ntfs_device*, unsigned long, void*) {
-    errno = EOPNOTSUPP;
-    return -1;
-}
-
-ntfs_device_operations imageOperations = {DeviceOpen,   DeviceClose,   DeviceSeek, DeviceRead, DeviceWrite,
-                                          DeviceReadAt, DeviceWriteAt, DeviceSync, DeviceStat, DeviceControl};
-
 // --- names and open files ---
 
 struct SplitPath {
@@ -168,12 +49,11 @@ struct SplitPath {
 };
 
 SplitPath Split(const std::string& normalized) {
-    const size_t slash = normalized.rfind('/');
-    if (slash == std::string::npos) return {"", normalized};
-    return {normalized.substr(0, slash), normalized.substr(slash + 1)};
+    const std::string folder = FolderOf(normalized);
+    return {folder, normalized.substr(folder.empty() ? 0 : folder.size() + 1)};
 }
 
-// A name as NTFS stores it.
+// A name in the encoding of NTFS.
 class NtfsName {
   public:
     explicit NtfsName(const std::string& name) : length_(ntfs_mbstoucs(name.c_str(), &characters_)) {}
@@ -206,7 +86,7 @@ bool IsFolder(const ntfs_inode& inode) {
     return (inode.mrec->flags & MFT_RECORD_IS_DIRECTORY) != 0;
 }
 
-// $MFT and its like, which Windows opens for nobody.
+// $MFT and the like, which Windows does not open for anybody.
 bool IsSystemFile(const ntfs_inode& inode) {
     return inode.mft_no < FILE_first_user && inode.mft_no != FILE_root;
 }
@@ -248,15 +128,14 @@ uint32_t WriteContent(ntfs_inode& inode, std::string_view content) {
 
 }  // namespace
 
-// --- the open volume ---
+// --- the mounted volume ---
 
 class NtfsVolume::Mount {
   public:
     Mount(ImageFile& image, uint64_t offset, uint64_t size) : range_{image, offset, size} {
         ntfs_log_set_handler(ntfs_log_handler_null);
         ntfs_set_char_encoding("utf8");
-        ntfs_device* device = ntfs_device_alloc("image", 0, &imageOperations, &range_);
-        if (!device) throw std::bad_alloc();
+        ntfs_device* const device = NewDevice(range_);
         const bool isReadOnly = image.Access() == ImageAccess::Read;
         volume_ = ntfs_device_mount(device, isReadOnly ? NTFS_MNT_RDONLY : NTFS_MNT_NONE);
         if (!volume_) {
@@ -273,16 +152,16 @@ class NtfsVolume::Mount {
     Mount& operator=(const Mount&) = delete;
 
     ntfs_volume* Volume() const { return volume_; }
-    // The errno of opening it, when it could not be opened.
+    // The errno of mounting it, if that failed.
     int Error() const { return error_; }
 
-    // Null, and errno, when there is none.
+    // Null, with errno set, if there is none.
     InodeOwner Open(const std::string& path) const {
         if (path.empty()) return InodeOwner(ntfs_inode_open(volume_, FILE_root));
         return InodeOwner(ntfs_pathname_to_inode(volume_, nullptr, path.c_str()));
     }
 
-    // An empty file in an existing folder.
+    // Creates an empty file in an existing folder.
     uint32_t Create(const SplitPath& path) const {
         InodeOwner folder = Open(path.folder);
         if (!folder || !IsFolder(*folder)) return errorPathNotFound;
@@ -291,7 +170,7 @@ class NtfsVolume::Mount {
         if (!name.IsAllowed()) return errorInvalidName;
         ntfs_inode* file = ntfs_create(folder.get(), 0, name.Characters(), name.Length(), S_IFREG);
         if (!file) return PlatformError(errno);
-        // Closing a file updates its folder, which must not be open a second time then.
+        // Closing a file updates its folder, which must not be open twice at that time.
         if (ntfs_inode_close_in_dir(file, folder.get()) != 0) return PlatformError(errno);
         return ntfs_inode_close(folder.release()) == 0 ? 0 : PlatformError(errno);
     }
@@ -302,13 +181,13 @@ class NtfsVolume::Mount {
         InodeOwner folder = Open(split.folder);
         InodeOwner file = Open(path);
         if (!folder || !file || !name.IsAllowed()) return errorFileNotFound;
-        // Closes both, whatever comes out.
+        // ntfs_delete closes both, also on failure.
         const int result =
             ntfs_delete(volume_, nullptr, file.release(), folder.release(), name.Characters(), name.Length());
         return result == 0 ? 0 : PlatformError(errno);
     }
 
-    // Puts everything that libntfs-3g still holds back on the medium.
+    // Writes everything that libntfs-3g still caches to the medium.
     uint32_t Flush() const {
         for (ntfs_inode* inode : {volume_->mft_ni, volume_->mftmirr_ni, volume_->lcnbmp_ni}) {
             if (inode && NInoDirty(inode) && ntfs_inode_sync(inode) != 0) return PlatformError(errno);
@@ -334,8 +213,8 @@ NtfsVolume::Mount& NtfsVolume::Mounted() {
 
 NtfsVolume::Condition NtfsVolume::Check() {
     const Mount& mount = Mounted();
-    // Opening for writing fails with these for a hibernation file (or metadata that Windows keeps across a
-    // fast start), and for a journal that has not been played back.
+    // The errors of mounting for writing with a hibernation file (or metadata that Windows keeps across a
+    // fast start), and with a journal that has not been replayed.
     if (mount.Error() == EPERM) return Condition::Hibernated;
     if (mount.Error() == EOPNOTSUPP) return Condition::Dirty;
     if (!mount.Volume()) return Condition::Damaged;
@@ -374,7 +253,7 @@ uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
     }
     if (IsClosedForChange(*file)) return errorAccessDenied;
 
-    // What was there comes back when the new content cannot be written, on a full volume for instance.
+    // Restores the old content if the new content cannot be written, for instance on a full volume.
     std::string before;
     uint32_t error = isNew ? 0 : ReadContent(*file, size_, before);
     if (error != 0) return error;

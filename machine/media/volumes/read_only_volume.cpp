@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "base/text_case.h"
+#include "machine/facts/store_path.h"
 #include "machine/media/device/store_errors.h"
-#include "machine/media/volumes/store_path.h"
 
 namespace machine {
 

@@ -1,5 +1,5 @@
-// What the file systems that are only read here have in common: a file is found name by name from the root,
-// without regard to case, and the medium refuses to be changed.
+// The common part of the read-only file systems: resolves paths name by name from the root, ignoring case,
+// and refuses changes.
 #pragma once
 
 #include <optional>
@@ -11,8 +11,8 @@ namespace machine {
 
 class ReadOnlyVolume : public FileStore {
   public:
-    // On a damaged volume there is nothing to find, not even the root. Besides the codes of FileStore: 5 for
-    // a folder, 1392 when the volume or the file is damaged. Write and Remove answer 19.
+    // Finds nothing on a damaged volume, not even the root. Error codes beyond those of FileStore: 5 for a
+    // folder, 1392 if the volume or the file is damaged. Write and Remove return 19.
     FileKind Find(std::string_view path) final;
     uint32_t Read(std::string_view path, std::string& content) final;
     uint32_t Write(std::string_view path, std::string_view content) final;
@@ -21,18 +21,18 @@ class ReadOnlyVolume : public FileStore {
   protected:
     struct Entry {
         std::string name;   // UTF-8
-        std::string alias;  // a second name, when there is one
+        std::string alias;  // a second name, or empty
         bool isFolder = false;
-        uint64_t place = 0;  // where the file system finds the content
+        uint64_t place = 0;  // location of the content, defined by the file system
         uint64_t size = 0;   // bytes
     };
 
     bool IsReadable() const { return List(Root()).has_value(); }
 
     virtual Entry Root() const = 0;
-    // What lies in the folder, except itself and its parent; nothing when it is damaged.
+    // The entries of the folder without itself and its parent; nothing if it is damaged.
     virtual std::optional<std::vector<Entry>> List(const Entry& folder) const = 0;
-    // Nothing when the file is damaged.
+    // Nothing if the file is damaged.
     virtual std::optional<std::string> Content(const Entry& file) const = 0;
 
   private:

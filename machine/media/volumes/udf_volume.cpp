@@ -12,7 +12,7 @@ constexpr uint64_t sectorSize = 2048;
 constexpr uint64_t longestFolder = 16ULL * 1024 * 1024;
 constexpr uint64_t mostDescriptors = 64;
 
-// What a descriptor is, in its first two bytes.
+// Tags: the type of a descriptor, in its first two bytes.
 constexpr uint16_t tagAnchor = 2;
 constexpr uint16_t tagPartition = 5;
 constexpr uint16_t tagLogicalVolume = 6;
@@ -24,7 +24,7 @@ constexpr uint16_t tagExtendedFileEntry = 266;
 constexpr uint8_t typeFolder = 4;
 constexpr uint8_t typeFile = 5;
 
-// How a file entry writes down where the file lies: in descriptors of extents, or the file itself.
+// How a file entry stores its allocation: in extent descriptors, or the file itself.
 constexpr uint16_t formShort = 0;
 constexpr uint16_t formLong = 1;
 constexpr uint16_t formInside = 3;
@@ -35,7 +35,7 @@ constexpr uint8_t flagParent = 0x08;
 
 constexpr size_t identifierHeader = 38;
 
-// The tag's fifth byte is the sum of its others.
+// The fifth byte of a tag is the sum of the others.
 bool IsTag(std::string_view bytes, uint16_t tag) {
     uint8_t sum = 0;
     for (size_t i = 0; i < 16; ++i)
@@ -43,7 +43,7 @@ bool IsTag(std::string_view bytes, uint16_t tag) {
     return Le16(bytes, 0) == tag && sum == Byte(bytes, 4);
 }
 
-// A name's first byte says how wide its characters are.
+// The first byte of a name is the width of its characters in bits.
 std::string NameOf(std::string_view bytes) {
     std::u16string name;
     if (Byte(bytes, 0) == 8) {
@@ -62,7 +62,7 @@ struct UdfVolume::FileEntry {
     uint8_t type = 0;
     uint64_t size = 0;  // bytes
     uint16_t form = formShort;
-    std::string allocation;  // the descriptors, or the file itself
+    std::string allocation;  // the extent descriptors, or the file itself
 };
 
 // --- the way to the root folder ---
@@ -77,7 +77,7 @@ std::optional<std::string> UdfVolume::ReadSector(uint64_t sector, uint16_t tag) 
     return bytes && IsTag(*bytes, tag) ? bytes : std::nullopt;
 }
 
-// The anchor can stand in three places, and leads to two sequences of the same descriptors.
+// The anchor can be in three places, and refers to two copies of the descriptor sequence.
 void UdfVolume::ReadDescriptors() {
     const uint64_t sectors = bytes_.Size() / sectorSize;
     for (const uint64_t place : {uint64_t{256}, sectors - 1, sectors - 257}) {
@@ -146,7 +146,7 @@ std::optional<std::string> UdfVolume::ReadContent(const FileEntry& entry) const 
     const size_t step = entry.form == formShort ? 8 : 16;
     std::string content;
     for (size_t at = 0; content.size() < entry.size; at += step) {
-        // The highest two bits tell extents that were not recorded, and more descriptors elsewhere.
+        // The top two bits mark extents that are not recorded, and a continuation of the descriptors.
         const uint32_t length = Le32(entry.allocation, at);
         if (length == 0 || length >> 30 != 0) return std::nullopt;
         const auto piece = ReadBlocks(Le32(entry.allocation, at + 4),

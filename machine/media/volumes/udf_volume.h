@@ -1,4 +1,4 @@
-// The files of a UDF disc that lies in an image.
+// The files of a UDF disc on an image.
 #pragma once
 
 #include "machine/media/device/volume_bytes.h"
@@ -6,11 +6,11 @@
 
 namespace machine {
 
-// UDF 1.02 to 2.01 as mastering writes it: sectors of 2048 bytes, one partition, files of recorded extents.
-// Discs written in packets, and those with a metadata partition (2.50 and above), count as damaged.
+// UDF 1.02 to 2.01 as written by mastering software: sectors of 2048 bytes, one partition, recorded
+// extents. Packet-written discs, and those with a metadata partition (2.50 and above), count as damaged.
 class UdfVolume final : public ReadOnlyVolume {
   public:
-    // Reads the volume descriptors; without those that lead to a root folder the disc counts as damaged.
+    // Reads the volume descriptors; a disc without those that lead to a root folder counts as damaged.
     explicit UdfVolume(VolumeBytes bytes);
 
   protected:
@@ -19,7 +19,7 @@ class UdfVolume final : public ReadOnlyVolume {
     std::optional<std::string> Content(const Entry& file) const override;
 
   private:
-    // What a file entry says of its file.
+    // The contents of a file entry.
     struct FileEntry;
 
     void ReadDescriptors();
@@ -31,7 +31,7 @@ class UdfVolume final : public ReadOnlyVolume {
     std::optional<std::string> ReadContent(const FileEntry& entry) const;
 
     VolumeBytes bytes_;
-    // The partition, in sectors.
+    // The extent of the partition, in sectors.
     uint64_t start_ = 0;
     uint64_t sectors_ = 0;
     Entry root_;

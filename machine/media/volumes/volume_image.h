@@ -1,4 +1,4 @@
-// A file system on an image as the volume that a letter could open.
+// Makes a volume of the facts from a file system on an image.
 #pragma once
 
 #include <memory>
@@ -8,8 +8,8 @@
 
 namespace machine {
 
-// The volume that lies there. Its files are those on the image where this system reads its file system: NTFS,
-// FAT, UDF and ISO 9660; others have none.
+// The volume at that place. Its files are those on the image if this emulation reads the file system (NTFS,
+// FAT, UDF, ISO 9660); otherwise it has none.
 Volume VolumeAt(const std::shared_ptr<ImageFile>& image, const FileSystem& fileSystem, uint64_t offset,
                 uint64_t size);
 

@@ -1,4 +1,4 @@
-// What a description says, and what is said of one that is wrong.
+// What a description means, and the errors of an invalid one.
 
 #include "machine/description/description.h"
 
@@ -12,7 +12,7 @@ Pc Read(const std::string& text) {
     return ReadDescription(text, "pc.json");
 }
 
-// What is wrong with a description; empty when nothing is.
+// The error of a description; empty for a valid one.
 std::string ErrorOf(const std::string& text) {
     try {
         Read(text);
@@ -22,7 +22,7 @@ std::string ErrorOf(const std::string& text) {
     }
 }
 
-// A PC with one disk of 1 GiB on which these keys, or these partitions, stand besides.
+// A PC with one disk of 1 GiB that has these further keys, or these partitions.
 std::string WithDisk(const std::string& keys) {
     return R"({"disks": [{"number": 0, "size": "1 GiB", )" + keys + "}]}";
 }
@@ -37,9 +37,13 @@ struct WrongText {
     std::string error;  // after "pc.json: "
 };
 
+void PrintTo(const WrongText& wrong, std::ostream* out) {
+    *out << wrong.name;
+}
+
 class WrongDescription : public testing::TestWithParam<WrongText> {};
 
-TEST_P(WrongDescription, IsRefusedWithFileAndPlace) {
+TEST_P(WrongDescription, Read_FailsWithFilePlaceAndReason) {
     EXPECT_EQ(ErrorOf(GetParam().text), "pc.json: " + GetParam().error);
 }
 
@@ -183,7 +187,7 @@ const WrongText contradictions[] = {
 INSTANTIATE_TEST_SUITE_P(Contradictions, WrongDescription, testing::ValuesIn(contradictions),
                          [](const auto& row) { return row.param.name; });
 
-TEST(ReadDescription, SyntaxErrorHasLineAndColumn) {
+TEST(ReadDescription, SyntaxError_FailsWithLineAndColumn) {
     EXPECT_EQ(ErrorOf("{\n  // a comment\n  \"name\": oops\n}")
                   .rfind("pc.json: line 3, column 11: no JSON: syntax error", 0),
               0u)
@@ -193,23 +197,23 @@ TEST(ReadDescription, SyntaxErrorHasLineAndColumn) {
         << ErrorOf("{\"name\": \"\xFF\"}");
 }
 
-TEST(ReadDescription, DeepNestingIsRefused) {
+TEST(ReadDescription, DeepNesting_IsRefused) {
     EXPECT_EQ(ErrorOf(std::string(100000, '[') + std::string(100000, ']')),
               "pc.json: top level: must be an object, not a list");
 }
 
-TEST(ReadDescription, EmptyObjectIsADefaultPc) {
+TEST(ReadDescription, EmptyObject_IsADefaultPc) {
     EXPECT_TRUE(Read("{}") == Pc());
 }
 
-TEST(ReadDescription, NumbersAndSizesInEveryNotation) {
+TEST(ReadDescription, NumbersAndSizes_ReadInEveryNotation) {
     for (const char* const size : {"1048576", "\"1048576\"", "\"0x100000\"", "\"1024 KiB\"", "\"1 MiB\""}) {
         const Pc pc = Read(std::string(R"({"disks": [{"number": "0x0", "size": )") + size + "}]}");
         EXPECT_EQ(pc.disks.at(0).size, 1048576u) << size;
     }
 }
 
-TEST(ReadDescription, WordsWithNumbersCanBeEither) {
+TEST(ReadDescription, WordOrNumber_ReadsEither) {
     const Pc pc = Read(R"({"disks": [{"number": 0, "busType": 17}, {"number": 1, "busType": "nvme"},
                                       {"number": 2, "busType": "0x7F"}]})");
     EXPECT_EQ(pc.disks.at(0).busType, 17u);
@@ -217,7 +221,7 @@ TEST(ReadDescription, WordsWithNumbersCanBeEither) {
     EXPECT_EQ(pc.disks.at(2).busType, 127u);
 }
 
-TEST(ReadDescription, DiskHasTheUsualNamesOfItsNumberAndBus) {
+TEST(ReadDescription, DiskWithNumberAndBus_GetsTheStandardNames) {
     const std::pair<const char*, const char*> interfaces[] = {
         {"sata", "IDE"},  {"ata", "IDE"},   {"atapi", "IDE"}, {"usb", "USB"},  {"firewire", "1394"},
         {"raid", "SCSI"}, {"nvme", "SCSI"}, {"sas", "SCSI"},  {"scsi", "SCSI"}};
@@ -233,7 +237,7 @@ TEST(ReadDescription, DiskHasTheUsualNamesOfItsNumberAndBus) {
     }
 }
 
-TEST(ReadDescription, NullTakesAwayWhatADiskUsuallyHas) {
+TEST(ReadDescription, NullForDiskFacts_RemovesTheDefault) {
     const Pc pc = Read(R"({"disks": [{"number": 0, "vdsName": null, "wmi": null},
                                       {"number": 1, "wmi": {"pnpDeviceId": null}}]})");
     EXPECT_FALSE(pc.disks.at(0).vdsName);
@@ -243,14 +247,14 @@ TEST(ReadDescription, NullTakesAwayWhatADiskUsuallyHas) {
     EXPECT_EQ(pc.disks.at(1).wmi->deviceId, "\\\\.\\PHYSICALDRIVE1");
 }
 
-TEST(ReadDescription, FactsCanBeErrors) {
+TEST(ReadDescription, ErrorObject_ReadsAsAFailingFact) {
     const Pc pc = Read(WithDisk(R"("location": {"error": 13}, "scsiAddress": {"error": 50})"));
     EXPECT_TRUE(pc.disks.at(0).location == Fact<std::string>::Fails(13));
     EXPECT_TRUE(pc.disks.at(0).scsiAddress == Fact<ScsiAddress>::Fails(50));
     EXPECT_TRUE(pc.disks.at(0).storageBusType == Fact<uint32_t>(11));
 }
 
-TEST(ReadDescription, WindowsPeRunsFromItsRamDrive) {
+TEST(ReadDescription, WindowsPe_DefaultsToItsRamDrive) {
     const Pc pc = Read(R"({"system": {"kind": "windows-pe"}})");
     EXPECT_EQ(pc.system.windowsDirectory, "X:\\Windows");
     EXPECT_EQ(pc.system.startOptions, " FASTDETECT MININT");
@@ -258,7 +262,7 @@ TEST(ReadDescription, WindowsPeRunsFromItsRamDrive) {
               std::nullopt);
 }
 
-TEST(ReadDescription, EncryptableVolumesCanBeAbsentNoneOrSome) {
+TEST(ReadDescription, EncryptableVolumes_CanBeAbsentEmptyOrListed) {
     EXPECT_FALSE(Read("{}").encryptableVolumes);
     EXPECT_FALSE(Read(R"({"encryptableVolumes": null})").encryptableVolumes);
     EXPECT_TRUE(Read(R"({"encryptableVolumes": []})").encryptableVolumes.value().empty());
@@ -273,26 +277,26 @@ TEST(ReadDescription, EncryptableVolumesCanBeAbsentNoneOrSome) {
     EXPECT_TRUE(pc.encryptableVolumes.value() == (std::vector{encrypted, locked}));
 }
 
-// The library hands the letter on as it is told.
-TEST(ReadDescription, EncryptableVolumeKeepsTheCaseOfItsLetter) {
+// The library returns the letter in the case of the description.
+TEST(ReadDescription, EncryptableVolume_KeepsTheCaseOfItsLetter) {
     const Pc pc = Read(R"({"encryptableVolumes": [{"driveLetter": "d:"}]})");
     EXPECT_EQ(pc.encryptableVolumes.value().at(0).driveLetter, "d:");
 }
 
-TEST(ReadDescription, ShellIsQuickAndWorksUnlessToldOtherwise) {
+TEST(ReadDescription, Shell_DefaultsAreQuickAndWorking) {
     EXPECT_TRUE(Read("{}").shell == Shell());
     EXPECT_TRUE(
         Read(R"({"shell": {"milliseconds": 60000, "regFails": true, "tellsProcess": false}})").shell ==
-        (Shell{.milliseconds = 60000, .regFails = true, .tellsProcess = false}));
+        (Shell{.milliseconds = 60000, .regFails = true, .returnsProcess = false}));
 }
 
-TEST(ReadDescription, LogicalPartitionsLieInsideTheExtendedOne) {
+TEST(ReadDescription, LogicalPartitionInsideExtendedOne_IsAccepted) {
     const Pc pc = Read(WithPartitions(R"({"number": 0, "offset": 100, "size": 100, "mbrType": "0x0F"},
                                          {"number": 1, "offset": 110, "size": 90, "mbrType": 7})"));
     EXPECT_EQ(pc.disks.at(0).partitions.size(), 2u);
 }
 
-TEST(ReadDescription, RegistryValuesAreTextOrBytes) {
+TEST(ReadDescription, RegistryValues_ReadAsTextOrBytes) {
     const Pc pc =
         Read(R"({"registry": {"HKLM\\A": {"Text": "a", "Bytes": {"type": "REG_BINARY", "hex": "00 Ff"}}}})");
     EXPECT_TRUE(pc.registry.at("HKLM\\A").at("Text") == (RegistryValue{1, "a"}));

@@ -1,4 +1,4 @@
-// docs/pc-description.md tells everything that the reader knows, and its example is a description.
+// docs/pc-description.md documents everything that the reader accepts, and its example is valid.
 
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ std::string Example() {
     return page.substr(start, page.find("```", start) - start);
 }
 
-TEST(DescriptionPage, EveryKeyHasARowUnderItsObject) {
+TEST(DescriptionPage, EveryKey_HasARowUnderItsObject) {
     const std::map<std::string, std::string> headings = {{"PC", "PC"},
                                                          {"firmware", "Firmware"},
                                                          {"system", "System"},
@@ -59,7 +59,7 @@ TEST(DescriptionPage, EveryKeyHasARowUnderItsObject) {
     }
 }
 
-TEST(DescriptionPage, EveryCallStandsInTheRowOfItsKind) {
+TEST(DescriptionPage, EveryCall_IsInTheRowOfItsKind) {
     const std::map<FailsWith, std::string> kinds = {{FailsWith::Hresult, "HRESULT"},
                                                     {FailsWith::Status, "status"},
                                                     {FailsWith::FalseAndLastError, "FALSE"},
@@ -78,7 +78,7 @@ TEST(DescriptionPage, EveryCallStandsInTheRowOfItsKind) {
     }
 }
 
-TEST(DescriptionPage, ExampleReadsAndReadsBack) {
+TEST(DescriptionPage, Example_ReadsAndReadsBackTheSame) {
     const Pc pc = ReadDescription(Example(), "example.json");
     EXPECT_EQ(pc.name, "workshop");
     EXPECT_EQ(pc.disks.size(), 4u);
@@ -87,7 +87,7 @@ TEST(DescriptionPage, ExampleReadsAndReadsBack) {
     EXPECT_TRUE(ReadDescription(WriteDescription(pc), "example.json") == pc);
 }
 
-TEST(DescriptionPage, ExampleShowsEveryKey) {
+TEST(DescriptionPage, Example_ContainsEveryKey) {
     const std::string example = Example();
     for (const auto& [object, keys] : description::AllKeys()) {
         for (const std::string& key : keys)
@@ -95,15 +95,15 @@ TEST(DescriptionPage, ExampleShowsEveryKey) {
     }
 }
 
-TEST(ReadDescription, TruncatedTextIsRefused) {
+TEST(ReadDescription, TruncatedText_IsRefused) {
     const std::string example = Example();
     const size_t whole = example.rfind('}') + 1;
     for (size_t length = 0; length < whole; ++length)
         EXPECT_THROW(ReadDescription(example.substr(0, length), "example.json"), DescriptionError) << length;
 }
 
-// One byte after the other becomes another one: the text is refused or read, never anything else.
-TEST(ReadDescription, DamagedTextIsReadOrRefused) {
+// Changes one byte at a time: the text is either refused or read.
+TEST(ReadDescription, DamagedText_IsReadOrRefused) {
     const std::string example = Example();
     const std::string damage("\"{9\0\xFF", 5);
     size_t refused = 0;

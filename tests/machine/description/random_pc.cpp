@@ -8,8 +8,8 @@ namespace {
 
 using namespace machine;
 
-// Records are filled through structured bindings, each member by name: a member that is added to the model
-// does not compile here until the generator fills it, and with it the round trip covers it.
+// Fills records through structured bindings: a new member of the model does not compile here until the
+// generator fills it, which also adds it to the round trip.
 class Generator {
   public:
     explicit Generator(uint32_t seed) : random_(seed) {}
@@ -115,7 +115,7 @@ RegistryKeys Generator::MakeRegistry() {
     return keys;
 }
 
-// What an image tells stays as it is; the doors to an image are never described.
+// What an image supplies keeps its default; the interfaces to an image are never described.
 Volume Generator::MakeVolume(bool inPartition, bool onImage) {
     Volume volume;
     auto& [letters, fileSystem, label, driveType, furtherExtents, openError, extentType, files, store,
@@ -265,10 +265,10 @@ Pc Generator::MakePc() {
     offlineSystemHive = MakeRegistry();
     static_cast<void>(hiveReader);
 
-    auto& [milliseconds, regFails, tellsProcess] = shell;
+    auto& [milliseconds, regFails, returnsProcess] = shell;
     milliseconds = Number<uint32_t>();
     regFails = Sometimes();
-    tellsProcess = Sometimes();
+    returnsProcess = Sometimes();
     encryptableVolumes = ValueOrNothing<std::vector<EncryptableVolume>>([&] { return MakeEncryptable(); });
 
     auto& [activeFlagIsExclusive, letterless, volumesRefuseLetterCalls, hidingRemovesVolume,

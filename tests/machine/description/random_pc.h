@@ -1,9 +1,9 @@
-// PCs made at random, in which every fact that the model has can take other values than its default.
+// Random PCs in which every fact of the model can differ from its default.
 #pragma once
 
 #include <cstdint>
 
 #include "machine/facts/pc.h"
 
-// The same PC for the same seed. It contradicts itself nowhere, but makes no sense otherwise.
+// The same PC for the same seed: consistent, but not meaningful.
 machine::Pc RandomPc(uint32_t seed);

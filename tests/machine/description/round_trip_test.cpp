@@ -1,4 +1,4 @@
-// What is written reads back to the same PC.
+// A written description reads back as the same PC.
 
 #include <gtest/gtest.h>
 
@@ -13,15 +13,15 @@ namespace {
 
 using namespace machine;
 
-TEST(WriteDescription, MachinesReadBackTheSame) {
+TEST(WriteDescription, PredefinedMachines_ReadBackTheSame) {
     for (const NamedMachine& machine : NamedMachines()) {
         const Pc pc = machine.make();
         EXPECT_TRUE(ReadDescription(WriteDescription(pc), "pc.json") == pc) << WriteDescription(pc);
     }
 }
 
-// KESTOVA_SEED in the environment repeats the run of that seed.
-TEST(WriteDescription, RandomPcsReadBackTheSame) {
+// Set KESTOVA_SEED in the environment to repeat a run.
+TEST(WriteDescription, RandomPcs_ReadBackTheSame) {
     const char* const given = std::getenv("KESTOVA_SEED");
     const auto first = given != nullptr ? static_cast<uint32_t>(std::stoul(given)) : std::random_device()();
     const uint32_t runs = given != nullptr ? 1 : 300;
@@ -33,17 +33,17 @@ TEST(WriteDescription, RandomPcsReadBackTheSame) {
     }
 }
 
-TEST(WriteDescription, DefaultsAreLeftOut) {
+TEST(WriteDescription, DefaultPc_WritesNoKeys) {
     EXPECT_EQ(WriteDescription(Pc()), "{}\n");
 }
 
-TEST(WriteDescription, StandardDiskIsItsNumber) {
+TEST(WriteDescription, StandardDisk_WritesOnlyItsNumber) {
     const Pc pc = ReadDescription(R"({"disks": [{"number": 3, "busType": "usb"}]})", "pc.json");
     EXPECT_EQ(WriteDescription(pc),
               "{\n  \"disks\": [\n    {\n      \"number\": 3,\n      \"busType\": \"usb\"\n    }\n  ]\n}\n");
 }
 
-TEST(WriteDescription, SizesAndCodesReadWell) {
+TEST(WriteDescription, SizesAndCodes_AreWrittenWithUnitsAndHexadecimally) {
     Pc pc;
     Disk& disk = pc.disks.emplace_back();
     disk.size = uint64_t{500} << 30;
@@ -61,7 +61,7 @@ TEST(WriteDescription, SizesAndCodesReadWell) {
     }
 }
 
-TEST(WriteDescription, WhatAnImageTellsIsLeftOut) {
+TEST(WriteDescription, DiskOnImage_LeavesOutWhatTheImageSupplies) {
     Pc pc;
     Disk& disk = pc.disks.emplace_back();
     disk.image = "factory.img";
@@ -84,7 +84,7 @@ TEST(WriteDescription, WhatAnImageTellsIsLeftOut) {
     EXPECT_EQ(read.disks[0].partitions[0].volume->label, std::string());
 }
 
-TEST(WriteDescription, FoldersKeepTheirSpelling) {
+TEST(WriteDescription, FoldersInSeveralSpellings_KeepTheirSpelling) {
     Pc pc;
     pc.host.files.PutFolder("Sources");
     pc.host.files.PutFile("sources/a.ini", "a");
@@ -92,7 +92,7 @@ TEST(WriteDescription, FoldersKeepTheirSpelling) {
     EXPECT_TRUE(ReadDescription(WriteDescription(pc), "pc.json") == pc) << WriteDescription(pc);
 }
 
-TEST(WriteDescription, TextThatIsNotUtf8IsRefused) {
+TEST(WriteDescription, TextThatIsNotUtf8_IsRefused) {
     Pc pc;
     pc.name = "bad";
     pc.host.path = "\xFF";

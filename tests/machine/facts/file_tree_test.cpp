@@ -15,7 +15,7 @@ std::vector<std::string> Paths(const FileTree& tree) {
     return paths;
 }
 
-TEST(FileTree, FileBringsTheFoldersAboveIt) {
+TEST(FileTree, NestedFile_Put_CreatesTheFoldersAboveIt) {
     FileTree tree;
     tree.PutFile("a/b/c.txt", "text");
     EXPECT_THAT(Paths(tree), ElementsAre("a", "a/b", "a/b/c.txt"));
@@ -24,7 +24,7 @@ TEST(FileTree, FileBringsTheFoldersAboveIt) {
     EXPECT_FALSE(tree.Find("a/b/c.txt")->folder);
 }
 
-TEST(FileTree, LookUpIgnoresCaseAndKindOfSlash) {
+TEST(FileTree, OtherCaseAndSlashes_Find_ReturnsTheEntry) {
     const FileTree tree = {{"sources/Boot.wim", "WIM"}};
     for (const char* const path : {"sources/boot.wim", "\\SOURCES\\BOOT.WIM", "/Sources/Boot.wim"}) {
         ASSERT_NE(tree.Find(path), nullptr) << path;
@@ -33,27 +33,27 @@ TEST(FileTree, LookUpIgnoresCaseAndKindOfSlash) {
     EXPECT_EQ(tree.Find("boot.wim"), nullptr);
 }
 
-TEST(FileTree, ReplacingKeepsTheFirstSpelling) {
+TEST(FileTree, ExistingFileInOtherCase_Put_KeepsTheFirstSpelling) {
     FileTree tree = {{"IDE.INI", "old"}};
     tree.PutFile("ide.ini", "new");
     EXPECT_THAT(Paths(tree), ElementsAre("IDE.INI"));
     EXPECT_EQ(tree.Find("IDE.INI")->content, "new");
 }
 
-TEST(FileTree, PathWithSlashAtItsEndIsAFolder) {
+TEST(FileTree, TrailingSlash_Construct_CreatesAFolder) {
     const FileTree tree = {{"sources/data/", ""}, {"other\\", ""}};
     EXPECT_THAT(Paths(tree), ElementsAre("other", "sources", "sources/data"));
     EXPECT_TRUE(tree.Find("sources/data")->folder);
     EXPECT_TRUE(tree.Find("other")->folder);
 }
 
-TEST(FileTree, ExistingFolderStays) {
+TEST(FileTree, ExistingFolder_Put_ChangesNothing) {
     FileTree tree = {{"a/file", "x"}};
     tree.PutFolder("A");
     EXPECT_THAT(Paths(tree), ElementsAre("a", "a/file"));
 }
 
-TEST(FileTree, OnlyFilesCanBeRemoved) {
+TEST(FileTree, FileAndFolder_Remove_DeletesOnlyTheFile) {
     FileTree tree = {{"a/file", "x"}};
     EXPECT_FALSE(tree.RemoveFile("a"));
     EXPECT_FALSE(tree.RemoveFile("a/other"));
@@ -62,7 +62,7 @@ TEST(FileTree, OnlyFilesCanBeRemoved) {
     EXPECT_FALSE(tree.RemoveFile("a/file"));
 }
 
-TEST(FileTree, RootHasNoEntry) {
+TEST(FileTree, Root_Find_ReturnsNull) {
     FileTree tree;
     tree.PutFolder("/");
     EXPECT_TRUE(tree.IsEmpty());

@@ -18,7 +18,7 @@ Volume WithLetters(std::string letters) {
 
 }  // namespace
 
-TEST(Letters, LetterOfPartitionTellsDiskPartitionAndVolume) {
+TEST(Letters, LetterOfPartition_Find_ReturnsDiskPartitionAndVolume) {
     Pc pc = machine::FactoryMbr();
     for (const char letter : {'D', 'd'}) {
         const machine::LocatedVolume located = FindLetter(pc, letter);
@@ -29,7 +29,7 @@ TEST(Letters, LetterOfPartitionTellsDiskPartitionAndVolume) {
     }
 }
 
-TEST(Letters, LetterOfDiscHasNoDisk) {
+TEST(Letters, LetterOfDisc_Find_ReturnsNoDisk) {
     Pc pc = machine::WinPeTwoDisks();
     const machine::LocatedVolume located = FindLetter(pc, 'X');
     EXPECT_EQ(located.volume, &pc.volumes[0]);
@@ -37,19 +37,19 @@ TEST(Letters, LetterOfDiscHasNoDisk) {
     EXPECT_EQ(located.disk, nullptr);
 }
 
-TEST(Letters, UnusedLetterOpensNothing) {
+TEST(Letters, UnusedLetter_Find_ReturnsNothing) {
     Pc pc = machine::FactoryMbr();
     EXPECT_FALSE(FindLetter(pc, 'Q'));
     EXPECT_FALSE(FindLetter(pc, '\0'));
 }
 
-TEST(Letters, PartitionComesBeforeVolumeWithoutDisk) {
+TEST(Letters, LetterUsedTwice_Find_PrefersThePartition) {
     Pc pc = machine::FactoryMbr();
     pc.volumes = {WithLetters("C")};
     EXPECT_EQ(FindLetter(pc, 'C').disk, &pc.disks[0]);
 }
 
-TEST(Letters, UsedLettersAreSortedAndUnique) {
+TEST(Letters, SeveralVolumes_UsedLetters_AreSortedAndUnique) {
     Pc pc = machine::FactoryMbr();
     pc.volumes = {WithLetters("ZEC")};
     EXPECT_EQ(machine::UsedLetters(pc), "CDEZ");

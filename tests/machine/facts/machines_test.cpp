@@ -11,7 +11,7 @@ namespace {
 using namespace machine;
 using testing::ElementsAre;
 
-TEST(NamedMachines, AreMadeUnderTheirNames) {
+TEST(NamedMachines, EveryName_Make_BuildsThePcOfThatName) {
     std::vector<std::string> names;
     for (const NamedMachine& machine : NamedMachines()) {
         names.push_back(machine.make().name);
@@ -21,7 +21,7 @@ TEST(NamedMachines, AreMadeUnderTheirNames) {
     EXPECT_THAT(names, ElementsAre("factory-mbr", "factory-gpt", "winpe-two-disks", "winpe-media"));
 }
 
-TEST(NamedMachines, PartitionsFollowEachOtherOnTheDisk) {
+TEST(NamedMachines, EveryName_Make_PartitionsDoNotOverlapOrExceedTheDisk) {
     for (const NamedMachine& machine : NamedMachines()) {
         for (const Disk& disk : machine.make().disks) {
             uint64_t end = 0;
@@ -34,7 +34,7 @@ TEST(NamedMachines, PartitionsFollowEachOtherOnTheDisk) {
     }
 }
 
-TEST(FactoryMbr, WindowsIsActiveAndTheRecoveryPartitionHidden) {
+TEST(FactoryMbr, Make_ActivatesWindowsAndHidesTheRecoveryPartition) {
     const Pc pc = FactoryMbr();
     const std::vector<Partition>& partitions = pc.disks.at(0).partitions;
     ASSERT_EQ(partitions.size(), 4u);
@@ -48,7 +48,7 @@ TEST(FactoryMbr, WindowsIsActiveAndTheRecoveryPartitionHidden) {
     EXPECT_EQ(UsedLetters(pc), "CD");
 }
 
-TEST(FactoryGpt, HasTheSixPartitionsOfTheFactory) {
+TEST(FactoryGpt, Make_CreatesTheSixFactoryPartitions) {
     const Pc pc = FactoryGpt();
     EXPECT_EQ(pc.firmware.kind, FirmwareKind::Uefi);
     EXPECT_EQ(pc.disks.at(0).style, PartitionStyle::Gpt);
@@ -64,7 +64,7 @@ TEST(FactoryGpt, HasTheSixPartitionsOfTheFactory) {
     EXPECT_EQ(UsedLetters(pc), "C");
 }
 
-TEST(WinPeTwoDisks, RunsFromTheRecoveryPartitionAndPrefersDiskZero) {
+TEST(WinPeTwoDisks, Make_BootsFromTheRecoveryPartitionAndPrefersDisk0) {
     const Pc pc = WinPeTwoDisks();
     EXPECT_EQ(pc.system.kind, SystemKind::WindowsPe);
     EXPECT_EQ(pc.system.windowsDirectory, "X:\\Windows");
@@ -79,7 +79,7 @@ TEST(WinPeTwoDisks, RunsFromTheRecoveryPartitionAndPrefersDiskZero) {
     EXPECT_EQ(ini->content.find(pc.disks[1].controllers.at(0)), std::string::npos);
 }
 
-TEST(WinPeMedia, HasMediaALockedVolumeAndLettersOfTheInstalledWindows) {
+TEST(WinPeMedia, Make_HasMediaALockedVolumeAndRecordedLetters) {
     const Pc pc = WinPeMedia();
     EXPECT_EQ(UsedLetters(pc), "CDRUX");
     const std::vector<Partition>& partitions = pc.disks.at(0).partitions;

@@ -12,7 +12,7 @@ using machine::VolumeFiles;
 
 namespace {
 
-// An image that was opened for reading only, with one file "data/on image.txt".
+// An image opened for reading only, with one file "data/on image.txt".
 class ReadOnlyStore final : public machine::FileStore {
   public:
     FileKind Find(std::string_view path) override {
@@ -53,7 +53,7 @@ std::string ContentOf(Pc& pc, std::string_view path) {
 
 }  // namespace
 
-TEST(VolumeFiles, FindsFilesAndFoldersHoweverThePathIsSpelled) {
+TEST(VolumeFiles, EverySpellingOfAPath_Find_ReturnsFileOrFolder) {
     Pc pc = PcWithDataFiles();
     for (const char* const path :
          {"D:\\Docs\\Letter.txt", "d:/docs/LETTER.TXT", "\\\\?\\D:\\Docs\\Letter.txt",
@@ -64,7 +64,7 @@ TEST(VolumeFiles, FindsFilesAndFoldersHoweverThePathIsSpelled) {
         EXPECT_EQ(KindOf(pc, path), FileKind::Folder) << path;
 }
 
-TEST(VolumeFiles, TellsWhyPathLeadsNowhere) {
+TEST(VolumeFiles, MissingPath_Find_FailsWithItsError) {
     Pc pc = PcWithDataFiles();
     pc.disks[0].partitions[1].volume->fileSystem = "RAW";
     pc.host.path = "X:\\Recovery.exe";
@@ -91,7 +91,7 @@ TEST(VolumeFiles, TellsWhyPathLeadsNowhere) {
     }
 }
 
-TEST(VolumeFiles, ReadsWhatWasWritten) {
+TEST(VolumeFiles, NewFile_Write_IsReadBack) {
     Pc pc = PcWithDataFiles();
     EXPECT_EQ(VolumeFiles(pc).Write("D:\\Docs\\New.txt", "first"), 0u);
     EXPECT_EQ(VolumeFiles(pc).Write("D:\\docs\\NEW.TXT", "second"), 0u);
@@ -99,7 +99,7 @@ TEST(VolumeFiles, ReadsWhatWasWritten) {
     EXPECT_EQ(pc.disks[0].partitions[2].volume->files.Find("Docs/New.txt")->path, "Docs/New.txt");
 }
 
-TEST(VolumeFiles, WriteMakesNoFolderAndOverwritesNone) {
+TEST(VolumeFiles, MissingOrExistingFolder_Write_Fails) {
     Pc pc = PcWithDataFiles();
     const Pc before = pc;
     EXPECT_EQ(VolumeFiles(pc).Write("D:\\new\\file", "x"), uint32_t{ERROR_PATH_NOT_FOUND});
@@ -109,13 +109,13 @@ TEST(VolumeFiles, WriteMakesNoFolderAndOverwritesNone) {
     EXPECT_EQ(pc, before);
 }
 
-TEST(VolumeFiles, WriteToUnreadableVolumeTellsSo) {
+TEST(VolumeFiles, UnreadableVolume_Write_FailsWithTheVolumesError) {
     Pc pc = PcWithDataFiles();
     pc.disks[0].partitions[2].volume->fileSystem = "RAW";
     EXPECT_EQ(VolumeFiles(pc).Write("D:\\file", "x"), uint32_t{ERROR_UNRECOGNIZED_VOLUME});
 }
 
-TEST(VolumeFiles, RemovesFilesOnly) {
+TEST(VolumeFiles, FileAndFolder_Remove_DeletesOnlyTheFile) {
     Pc pc = PcWithDataFiles();
     EXPECT_EQ(VolumeFiles(pc).Remove("D:\\Docs\\letter.txt"), 0u);
     EXPECT_EQ(VolumeFiles(pc).Remove("D:\\Docs\\letter.txt"), uint32_t{ERROR_FILE_NOT_FOUND});
@@ -123,28 +123,28 @@ TEST(VolumeFiles, RemovesFilesOnly) {
     EXPECT_EQ(KindOf(pc, "D:\\Docs"), FileKind::Folder);
 }
 
-TEST(VolumeFiles, ReadOfFolderIsRefused) {
+TEST(VolumeFiles, Folder_Read_FailsWithAccessDenied) {
     Pc pc = PcWithDataFiles();
     std::string content;
     EXPECT_EQ(VolumeFiles(pc).Read("D:\\Docs", content), uint32_t{ERROR_ACCESS_DENIED});
     EXPECT_EQ(VolumeFiles(pc).Read("D:\\none", content), uint32_t{ERROR_FILE_NOT_FOUND});
 }
 
-TEST(VolumeFiles, ImageAnswersInsteadOfFacts) {
+TEST(VolumeFiles, VolumeOnImage_Find_UsesTheImageNotTheFacts) {
     Pc pc = PcWithDataFiles();
     pc.disks[0].partitions[2].volume->store = std::make_shared<ReadOnlyStore>();
     EXPECT_EQ(ContentOf(pc, "D:\\data\\on image.txt"), "from the image");
     EXPECT_EQ(ErrorOfFind(pc, "D:\\Docs\\Letter.txt"), uint32_t{ERROR_PATH_NOT_FOUND});
 }
 
-TEST(VolumeFiles, ImageOpenForReadingOnlyRefusesChanges) {
+TEST(VolumeFiles, ReadOnlyImage_WriteOrRemove_FailsWithWriteProtect) {
     Pc pc = PcWithDataFiles();
     pc.disks[0].partitions[2].volume->store = std::make_shared<ReadOnlyStore>();
     EXPECT_EQ(VolumeFiles(pc).Write("D:\\data\\new.txt", "x"), uint32_t{ERROR_WRITE_PROTECT});
     EXPECT_EQ(VolumeFiles(pc).Remove("D:\\data\\on image.txt"), uint32_t{ERROR_WRITE_PROTECT});
 }
 
-TEST(VolumeFiles, HostFolderIsSeenWithoutItsVolume) {
+TEST(VolumeFiles, HostOnMissingVolume_Find_ReturnsItsFolder) {
     Pc pc = PcWithDataFiles();
     pc.host.path = "R:\\Tools\\Recovery\\Recovery.exe";
     pc.host.files = {{"IDE.INI", "[OrderIndex]\r\n"}, {"Logs/", ""}};
@@ -157,7 +157,7 @@ TEST(VolumeFiles, HostFolderIsSeenWithoutItsVolume) {
     EXPECT_EQ(VolumeFiles(pc).Write("R:\\file", "x"), uint32_t{ERROR_PATH_NOT_FOUND});
 }
 
-TEST(VolumeFiles, HostFilesCoverThoseOfTheVolume) {
+TEST(VolumeFiles, SameFileOnVolume_Read_PrefersTheHostsFile) {
     Pc pc = PcWithDataFiles();
     pc.host.path = "D:\\Docs\\Recovery.exe";
     pc.host.files = {{"Letter.txt", "covers"}};
@@ -168,7 +168,7 @@ TEST(VolumeFiles, HostFilesCoverThoseOfTheVolume) {
     EXPECT_EQ(pc.disks[0].partitions[2].volume->files.Find("Docs/Letter.txt")->content, "Hello");
 }
 
-TEST(VolumeFiles, NewFileBesideTheHostProgramJoinsItsFiles) {
+TEST(VolumeFiles, NewFileBesideTheHost_Write_JoinsTheHostsFiles) {
     Pc pc = PcWithDataFiles();
     pc.host.path = "X:\\Recovery\\Recovery.exe";
     EXPECT_EQ(VolumeFiles(pc).Write("X:\\Recovery\\IDE.INI", "[Exclude]\r\n"), 0u);
@@ -176,7 +176,7 @@ TEST(VolumeFiles, NewFileBesideTheHostProgramJoinsItsFiles) {
     EXPECT_EQ(ContentOf(pc, "X:\\Recovery\\IDE.INI"), "[Exclude]\r\n");
 }
 
-TEST(VolumeFiles, HostProgramItselfIsOutOfReach) {
+TEST(VolumeFiles, HostApplicationItself_ReadWriteRemove_FailsWithAccessDenied) {
     Pc pc = PcWithDataFiles();
     std::string content;
     EXPECT_EQ(VolumeFiles(pc).Read(pc.host.path, content), uint32_t{ERROR_ACCESS_DENIED});

@@ -10,7 +10,7 @@ using machine::EmulatedPc;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-TEST(EmulatedPc, AnswersWhileItLives) {
+TEST(EmulatedPc, WhileItExists_AnswersCalls) {
     {
         EmulatedPc first(machine::FactoryMbr());
         EXPECT_EQ(&EmulatedPc::Current(), &first);
@@ -19,7 +19,7 @@ TEST(EmulatedPc, AnswersWhileItLives) {
     EXPECT_EQ(&EmulatedPc::Current(), &second);
 }
 
-TEST(EmulatedPc, StartsWithTheFaultsOfItsFacts) {
+TEST(EmulatedPc, FaultsInFacts_AreArmedFromTheStart) {
     machine::Pc facts = machine::FactoryMbr();
     facts.faults = {{.call = "GetDriveTypeW", .nth = 1, .code = 0}};
     EmulatedPc pc(facts);
@@ -27,14 +27,14 @@ TEST(EmulatedPc, StartsWithTheFaultsOfItsFacts) {
     EXPECT_EQ(pc.faults.Fired(), 1);
 }
 
-TEST(EmulatedPc, KeepsOneStateOfEachType) {
+TEST(EmulatedPc, SeveralTypes_State_KeepsOneObjectOfEach) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.State<int>() = 7;
     EXPECT_EQ(pc.State<int>(), 7);
     EXPECT_EQ(pc.State<std::string>(), "");
 }
 
-TEST(EmulatedPc, NoRecordComesAfterItsEnd) {
+TEST(EmulatedPc, AfterItsEnd_LogRecordsAreNotDelivered) {
     machine::Journal before;
     {
         EmulatedPc pc(machine::FactoryMbr());
@@ -47,11 +47,11 @@ TEST(EmulatedPc, NoRecordComesAfterItsEnd) {
     EXPECT_THAT(pc.journal.Records(), IsEmpty());
 }
 
-TEST(EmulatedPcDeathTest, CallWithoutPcEndsTheProgramWithMessage) {
+TEST(EmulatedPcDeathTest, NoPc_Call_EndsTheProcessWithAMessage) {
     EXPECT_DEATH(GetDriveTypeW(TEXT("C:")), "a platform call was made, but no emulated PC is alive");
 }
 
-TEST(EmulatedPcDeathTest, SecondPcEndsTheProgramWithMessage) {
+TEST(EmulatedPcDeathTest, ExistingPc_SecondOne_EndsTheProcessWithAMessage) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_DEATH(EmulatedPc{machine::FactoryGpt()}, "an emulated PC is alive already");
 }

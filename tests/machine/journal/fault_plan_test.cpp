@@ -11,7 +11,7 @@ namespace {
 
 using Rules = std::vector<FaultRule>;
 
-// Which of the first five calls of that name fail.
+// The numbers of the calls that fail among the first five of that name.
 std::vector<bool> FirstFive(FaultPlan& plan, const std::string& call) {
     std::vector<bool> fails;
     for (int i = 0; i < 5; ++i)
@@ -21,55 +21,55 @@ std::vector<bool> FirstFive(FaultPlan& plan, const std::string& call) {
 
 }  // namespace
 
-TEST(FaultPlan, WithoutRulesNothingFails) {
+TEST(FaultPlan, NoRule_FailsNoCall) {
     FaultPlan plan;
     EXPECT_THAT(FirstFive(plan, "CreateFileW"), ElementsAre(false, false, false, false, false));
     EXPECT_EQ(plan.Fired(), 0);
 }
 
-TEST(FaultPlan, NthCallFailsOnce) {
+TEST(FaultPlan, NthCallArmed_FailsOnlyThatCall) {
     FaultPlan plan(Rules{{.call = "CreateFileW", .nth = 2, .code = 5}});
     EXPECT_THAT(FirstFive(plan, "CreateFileW"), ElementsAre(false, true, false, false, false));
     EXPECT_EQ(plan.Fired(), 1);
 }
 
-TEST(FaultPlan, NthCallAndAllLaterOnesFail) {
+TEST(FaultPlan, NthCallOnwardsArmed_FailsItAndAllLaterCalls) {
     FaultPlan plan(Rules{{.call = "CreateFileW", .nth = 3, .onwards = true, .code = 5}});
     EXPECT_THAT(FirstFive(plan, "CreateFileW"), ElementsAre(false, false, true, true, true));
     EXPECT_EQ(plan.Fired(), 3);
 }
 
-TEST(FaultPlan, EveryCallFails) {
+TEST(FaultPlan, EveryCallArmed_FailsEveryCall) {
     FaultPlan plan(Rules{{.call = "CreateFileW", .code = 5}});
     EXPECT_THAT(FirstFive(plan, "CreateFileW"), ElementsAre(true, true, true, true, true));
 }
 
-TEST(FaultPlan, CountsEachNameByItself) {
+TEST(FaultPlan, SeveralNames_AreCountedSeparately) {
     FaultPlan plan(Rules{{.call = "CreateFileW", .nth = 1, .code = 5}});
     EXPECT_EQ(plan.Next("CloseHandle"), nullptr);
     EXPECT_NE(plan.Next("CreateFileW"), nullptr);
 }
 
-TEST(FaultPlan, TellsTheRuleThatApplied) {
+TEST(FaultPlan, RuleApplies_ReturnsThatRule) {
     const FaultRule after{.call = "DeleteFileW", .nth = 2, .afterEffect = true, .code = 5};
     FaultPlan plan(Rules{{.call = "DeleteFileW", .nth = 1, .code = 19}, after});
     EXPECT_EQ(plan.Next("DeleteFileW")->code, 19u);
     EXPECT_EQ(*plan.Next("DeleteFileW"), after);
 }
 
-TEST(FaultPlan, FirstOfTwoRulesForOneCallWins) {
+TEST(FaultPlan, TwoRulesForOneCall_FirstOneApplies) {
     FaultPlan plan(Rules{{.call = "DeleteFileW", .code = 1}, {.call = "DeleteFileW", .nth = 1, .code = 2}});
     EXPECT_EQ(plan.Next("DeleteFileW")->code, 1u);
 }
 
-TEST(FaultPlan, ArmingCountsAfresh) {
+TEST(FaultPlan, ArmedLater_RestartsTheCount) {
     FaultPlan plan;
     plan.Next("CreateFileW");
     plan.Arm({.call = "CreateFileW", .nth = 1, .code = 5});
     EXPECT_NE(plan.Next("CreateFileW"), nullptr);
 }
 
-TEST(FaultPlan, DisarmedNothingFailsAndNothingHasFired) {
+TEST(FaultPlan, Disarmed_FailsNoCallAndResetsTheCount) {
     FaultPlan plan(Rules{{.call = "CreateFileW", .code = 5}});
     plan.Next("CreateFileW");
     plan.Disarm();

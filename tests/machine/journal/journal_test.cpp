@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-TEST(Journal, KeepsCallsAndRecordsInTheirOrder) {
+TEST(Journal, CallsAndRecords_AreKeptInOrder) {
     EmulatedPc pc(machine::FactoryMbr());
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("before"));
     Sleep(300);
@@ -28,7 +28,7 @@ TEST(Journal, KeepsCallsAndRecordsInTheirOrder) {
     EXPECT_EQ(std::get<LogEntry>(entries[2]).level, LOG_LEVEL_ERROR);
 }
 
-TEST(Journal, TellsCallsOfOneNameAndRecordsApart) {
+TEST(Journal, CallsAndRecords_CanBeFilteredByNameAndKind) {
     EmulatedPc pc(machine::FactoryMbr());
     Sleep(1);
     GetDriveTypeW(TEXT("C:\\"));
@@ -39,7 +39,7 @@ TEST(Journal, TellsCallsOfOneNameAndRecordsApart) {
     EXPECT_THAT(pc.journal.Records(), SizeIs(1));
 }
 
-TEST(Journal, ShowsArgumentsResultAndInjection) {
+TEST(Journal, Call_RecordsArgumentsResultAndInjection) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.faults.Arm({.call = "GetDriveTypeW", .nth = 2, .code = DRIVE_REMOTE});
     GetDriveTypeW(TEXT("C:\\"));
@@ -54,14 +54,14 @@ TEST(Journal, ShowsArgumentsResultAndInjection) {
     EXPECT_TRUE(calls[1].injected);
 }
 
-TEST(Journal, ClearedItIsEmpty) {
+TEST(Journal, Cleared_IsEmpty) {
     Journal journal;
     journal.Add(CallRecord{"Sleep", {"1"}, ""});
     journal.Clear();
     EXPECT_THAT(journal.Entries(), IsEmpty());
 }
 
-TEST(Journal, ShowsPointersAndCodesWithoutTheirAddresses) {
+TEST(Journal, PointersAndCodes_AreShownWithoutAddresses) {
     using machine::FailsWith;
     int thing = 0;
     EXPECT_EQ(machine::ResultText(FailsWith::NullAndLastError, &thing), "<pointer>");

@@ -10,7 +10,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-TEST(Ledger, CountsWhatIsOnLoanByKind) {
+TEST(Ledger, Take_CountsByKind) {
     Ledger ledger;
     ledger.Take("file handle");
     ledger.Take("file handle");
@@ -19,7 +19,7 @@ TEST(Ledger, CountsWhatIsOnLoanByKind) {
     EXPECT_THAT(ledger.Outstanding(), ElementsAre(Pair("file handle", 1), Pair("registry key", 1)));
 }
 
-TEST(Ledger, WhatIsBackDoesNotShow) {
+TEST(Ledger, EverythingReleased_Outstanding_IsEmpty) {
     Ledger ledger;
     ledger.Take("file handle");
     ledger.GiveBack("file handle");
@@ -27,14 +27,14 @@ TEST(Ledger, WhatIsBackDoesNotShow) {
     EXPECT_THAT(ledger.Violations(), IsEmpty());
 }
 
-TEST(Ledger, GivingBackTooOftenIsViolation) {
+TEST(Ledger, NothingHeld_GiveBack_IsAViolation) {
     Ledger ledger;
     ledger.GiveBack("IVdsDisk");
     EXPECT_THAT(ledger.Outstanding(), IsEmpty());
     EXPECT_THAT(ledger.Violations(), ElementsAre("IVdsDisk given back too often"));
 }
 
-TEST(Ledger, LendsZeroedMemoryUntilItIsReturned) {
+TEST(Ledger, Lend_ZeroesMemoryAndCountsItUntilReturned) {
     Ledger ledger;
     char* const block = static_cast<char*>(ledger.Lend("CoTaskMem", "VDS_DISK_PROP", 64));
     EXPECT_TRUE(std::all_of(block, block + 64, [](char byte) { return byte == 0; }));
@@ -44,7 +44,7 @@ TEST(Ledger, LendsZeroedMemoryUntilItIsReturned) {
     EXPECT_THAT(ledger.Violations(), IsEmpty());
 }
 
-TEST(Ledger, EmptyBlocksHaveAddressesOfTheirOwn) {
+TEST(Ledger, EmptyBlocks_Lend_ReturnsDistinctAddresses) {
     Ledger ledger;
     void* const first = ledger.Lend("GlobalAlloc", "GlobalAlloc", 0);
     void* const second = ledger.Lend("GlobalAlloc", "GlobalAlloc", 0);
@@ -52,13 +52,13 @@ TEST(Ledger, EmptyBlocksHaveAddressesOfTheirOwn) {
     EXPECT_NE(first, second);
 }
 
-TEST(Ledger, ReturningNullIsFine) {
+TEST(Ledger, Null_Return_Succeeds) {
     Ledger ledger;
     EXPECT_TRUE(ledger.Return("CoTaskMem", nullptr));
     EXPECT_THAT(ledger.Violations(), IsEmpty());
 }
 
-TEST(Ledger, ReturningTwiceIsViolation) {
+TEST(Ledger, ReturnedBlock_Return_IsAViolation) {
     Ledger ledger;
     void* const block = ledger.Lend("CoTaskMem", "VDS_DISK_PROP", 8);
     ledger.Return("CoTaskMem", block);
@@ -66,7 +66,7 @@ TEST(Ledger, ReturningTwiceIsViolation) {
     EXPECT_THAT(ledger.Violations(), ElementsAre("memory freed with CoTaskMem that is not on loan"));
 }
 
-TEST(Ledger, ReturningToAnotherAllocatorIsViolationAndFrees) {
+TEST(Ledger, BlockOfOtherAllocator_Return_IsAViolationAndFrees) {
     Ledger ledger;
     void* const block = ledger.Lend("BSTR", "property text", 8);
     EXPECT_TRUE(ledger.Return("GlobalAlloc", block));

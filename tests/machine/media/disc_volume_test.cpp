@@ -1,4 +1,4 @@
-// Files of recovery discs, looked at with isoinfo where it knows the format.
+// Files of recovery discs, compared with isoinfo where it supports the format.
 #include "tests/machine/media/image_fixture.h"
 
 #include "machine/media/volumes/iso_volume.h"
@@ -16,7 +16,7 @@ class DiscVolumeTest : public ImageTest {
         const auto file = std::make_shared<ImageFile>(image, ImageAccess::Read);
         return DiscVolume(VolumeBytes(file, 0, file->Size()));
     }
-    // A disc that holds a folder with these files of the shell's making.
+    // A disc with a folder of files created by the shell commands.
     std::string DiscOf(const std::string& script, const std::string& options) {
         const std::string folder = (Folder() / "content").string();
         std::string disc = (Folder() / "disc.iso").string();
@@ -43,7 +43,7 @@ void ExpectRecoveryFiles(FileStore& volume) {
     EXPECT_EQ(volume.Remove("sources/DVD"), 19u);
 }
 
-TEST_F(DiscVolumeTest, IsoNamesAreFoundWithoutVersionAndEmptyExtension) {
+TEST_F(DiscVolumeTest, IsoNames_Find_IgnoresVersionAndEmptyExtension) {
     const std::string image = MadeImage("disc-iso.iso");
     auto volume = Open<IsoVolume>(image);
     std::string content;
@@ -56,7 +56,7 @@ TEST_F(DiscVolumeTest, IsoNamesAreFoundWithoutVersionAndEmptyExtension) {
     EXPECT_EQ(volume.Find("sources/image_of.wim;1"), FileKind::None);
 }
 
-TEST_F(DiscVolumeTest, JolietNamesGoBeforeThoseOfIso) {
+TEST_F(DiscVolumeTest, JolietAndIsoNames_Find_PrefersJoliet) {
     const std::string image = MadeImage("disc-joliet.iso");
     auto volume = Open<IsoVolume>(image);
     std::string content;
@@ -68,7 +68,7 @@ TEST_F(DiscVolumeTest, JolietNamesGoBeforeThoseOfIso) {
     EXPECT_EQ(volume.Find("sources/IMAGE_OF.WIM"), FileKind::None);
 }
 
-TEST_F(DiscVolumeTest, UdfIsFoundWhereIsoHoldsNothing) {
+TEST_F(DiscVolumeTest, UdfWithEmptyIso_Find_UsesUdf) {
     const std::string image = MadeImage("disc-udf.iso");
     auto volume = Open<UdfVolume>(image);
     auto other = Open<IsoVolume>(image);
@@ -96,15 +96,15 @@ void ExpectCrowd(Volume volume) {
     EXPECT_EQ(volume.Find("größe Ω.TXT"), FileKind::File);
 }
 
-TEST_F(DiscVolumeTest, LongFoldersAndWideNamesOfJoliet) {
+TEST_F(DiscVolumeTest, JolietWithLongFoldersAndUnicodeNames_Read_ReturnsEveryFile) {
     ExpectCrowd(Open<IsoVolume>(DiscOf(crowd, "-input-charset utf-8 -J")));
 }
 
-TEST_F(DiscVolumeTest, LongFoldersAndWideNamesOfUdf) {
+TEST_F(DiscVolumeTest, UdfWithLongFoldersAndUnicodeNames_Read_ReturnsEveryFile) {
     ExpectCrowd(Open<UdfVolume>(DiscOf(crowd, "-input-charset utf-8 -udf")));
 }
 
-TEST_F(DiscVolumeTest, EmptyUdfOfAnotherMakerIsReadable) {
+TEST_F(DiscVolumeTest, EmptyUdfOfAnotherTool_Find_ReturnsTheRoot) {
     const std::string image = (Folder() / "empty.udf").string();
     OutputOf("truncate -s 4M '" + image + "' && mkudffs -b 2048 -m dvd '" + image + "'");
 
@@ -114,7 +114,7 @@ TEST_F(DiscVolumeTest, EmptyUdfOfAnotherMakerIsReadable) {
     EXPECT_EQ(volume.Find("sources"), FileKind::None);
 }
 
-TEST_F(DiscVolumeTest, TruncatedDiscTellsWhatIsLostWhenItIsRead) {
+TEST_F(DiscVolumeTest, TruncatedDisc_Read_FailsForTheLostFiles) {
     const std::string image = MadeImage("disc-joliet.iso");
     std::filesystem::resize_file(image, 64 * 1024);
     auto volume = Open<IsoVolume>(image);
@@ -124,8 +124,8 @@ TEST_F(DiscVolumeTest, TruncatedDiscTellsWhatIsLostWhenItIsRead) {
     EXPECT_EQ(content, "as it was");
 }
 
-// On a file that takes no room on a disk, and would take as much memory as the length says.
-TEST_F(DiscVolumeTest, DamagedLengthOfAFileIsNotReadIntoMemory) {
+// A sparse file, whose damaged length could exhaust memory.
+TEST_F(DiscVolumeTest, DamagedFileLength_Read_DoesNotAllocateIt) {
     const std::string image = MadeImage("disc-iso.iso");
     const std::string bytes = ContentOf(image);
     const size_t record = bytes.rfind("QELHDRCV.INI") - 33;
@@ -139,7 +139,7 @@ TEST_F(DiscVolumeTest, DamagedLengthOfAFileIsNotReadIntoMemory) {
     EXPECT_EQ(content, "as it was");
 }
 
-TEST_F(DiscVolumeTest, QuestionsLeaveTheDiscAsItWas) {
+TEST_F(DiscVolumeTest, AnyDisc_FindAndRead_LeaveTheDiscUnchanged) {
     for (const std::string name : {"disc-iso.iso", "disc-joliet.iso", "disc-udf.iso"}) {
         const std::string image = MadeImage(name);
         auto iso = Open<IsoVolume>(image);

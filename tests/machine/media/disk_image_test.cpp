@@ -1,4 +1,4 @@
-// What an image tells about the disk that it is.
+// The facts of a disk on an image.
 #include "machine/media/disk_image.h"
 
 #include <gmock/gmock.h>
@@ -21,7 +21,7 @@ std::vector<uint32_t> NumbersOf(const Disk& disk) {
     return numbers;
 }
 
-// One word a partition: its letter, "none" for a volume without one, "-" without a volume.
+// One word per partition: its letter, "none" for a volume without one, "-" without a volume.
 std::vector<std::string> LettersOf(const Disk& disk) {
     std::vector<std::string> letters;
     for (const Partition& partition : disk.partitions) {
@@ -34,7 +34,7 @@ std::vector<std::string> LettersOf(const Disk& disk) {
     return letters;
 }
 
-TEST_F(AttachImageTest, FactoryMbrTellsTableAndVolumes) {
+TEST_F(AttachImageTest, FactoryMbr_HasItsTableAndVolumes) {
     const Disk disk = Attach(FactoryMbrImage());
 
     EXPECT_EQ(disk.size, 300 * MiB);
@@ -56,7 +56,7 @@ TEST_F(AttachImageTest, FactoryMbrTellsTableAndVolumes) {
     EXPECT_FALSE(partitions[3].volume);
 }
 
-TEST_F(AttachImageTest, FactoryGptTellsTableAndVolumes) {
+TEST_F(AttachImageTest, FactoryGpt_HasItsTableAndVolumes) {
     const Disk disk = Attach(FactoryGptImage());
 
     EXPECT_EQ(disk.style, PartitionStyle::Gpt);
@@ -79,7 +79,7 @@ TEST_F(AttachImageTest, FactoryGptTellsTableAndVolumes) {
     EXPECT_EQ(partitions[5].volume->store->Find("sources/Orvo"), FileKind::Folder);
 }
 
-TEST_F(AttachImageTest, EmptySlotsTakeNoNumber) {
+TEST_F(AttachImageTest, EmptySlots_AreNotNumbered) {
     const Disk disk = Attach(PartitionedImage(
         20, "label: dos\\n2: start=2048,size=2048,type=7\\n4: start=8192,size=2048,type=27\\n"));
 
@@ -88,7 +88,7 @@ TEST_F(AttachImageTest, EmptySlotsTakeNoNumber) {
     EXPECT_EQ(disk.partitions[1].mbrType, 0x27);
 }
 
-TEST_F(AttachImageTest, LogicalPartitionsAreCountedAfterPrimariesWithoutTheirContainer) {
+TEST_F(AttachImageTest, LogicalPartitions_AreNumberedAfterPrimariesWithoutTheExtendedOne) {
     const Disk disk = Attach(
         PartitionedImage(40,
                          "label: dos\\n1: start=2048,size=2048,type=7\\n2: start=8192,size=40960,type=5\\n"
@@ -102,14 +102,14 @@ TEST_F(AttachImageTest, LogicalPartitionsAreCountedAfterPrimariesWithoutTheirCon
     EXPECT_EQ(disk.partitions[3].offset, 20480 * 512u);
 }
 
-TEST_F(AttachImageTest, EmptyTableIsADiskWithoutPartitions) {
+TEST_F(AttachImageTest, EmptyTable_HasNoPartitions) {
     const Disk disk = Attach(PartitionedImage(20, "label: dos\\n"));
 
     EXPECT_EQ(disk.style, PartitionStyle::Mbr);
     EXPECT_THAT(disk.partitions, testing::IsEmpty());
 }
 
-TEST_F(AttachImageTest, RecognisedTypeWithoutFileSystemIsRaw) {
+TEST_F(AttachImageTest, RecognisedTypeWithoutFileSystem_IsRaw) {
     const Disk disk = Attach(PartitionedImage(20, "label: dos\\n1: start=2048,size=2048,type=7\\n"));
 
     ASSERT_TRUE(disk.partitions[0].volume);
@@ -117,7 +117,7 @@ TEST_F(AttachImageTest, RecognisedTypeWithoutFileSystemIsRaw) {
     EXPECT_FALSE(disk.partitions[0].volume->store);
 }
 
-TEST_F(AttachImageTest, SmallFatIsNamedFat) {
+TEST_F(AttachImageTest, SmallFat_IsNamedFat) {
     const std::string image = PartitionedImage(40, "label: dos\\n1: start=2048,size=32768,type=6\\n");
     OutputOf("truncate -s 16M '" + (Folder() / "fat").string() + "' && mkfs.fat -F 16 -n STICK '" +
              (Folder() / "fat").string() + "'");
@@ -129,7 +129,7 @@ TEST_F(AttachImageTest, SmallFatIsNamedFat) {
     EXPECT_EQ(disk.partitions[0].volume->label.value, "STICK");
 }
 
-TEST_F(AttachImageTest, LabelIsUtf8) {
+TEST_F(AttachImageTest, UnicodeLabel_IsUtf8) {
     const std::string image = FactoryMbrImage();
     const std::string partition = PartitionFile(image, 61, 120);
     OutputOf("LC_ALL=C.UTF-8 ntfslabel --force '" + partition + "' 'Ünïcode Ω' 2>&1");
@@ -138,12 +138,12 @@ TEST_F(AttachImageTest, LabelIsUtf8) {
     EXPECT_EQ(Attach(image).partitions[1].volume->label.value, "Ünïcode Ω");
 }
 
-TEST_F(AttachImageTest, DescribedFactsAreMergedByNumber) {
+TEST_F(AttachImageTest, DescribedPartitions_AreMergedByNumber) {
     Disk disk;
     disk.image = FactoryMbrImage();
     Partition windows;
     windows.number = 2;
-    windows.size = 1;  // the image knows better
+    windows.size = 1;  // overridden by the image
     windows.volume.emplace();
     windows.volume->letters = "W";
     windows.volume->openError = 5;
@@ -160,7 +160,7 @@ TEST_F(AttachImageTest, DescribedFactsAreMergedByNumber) {
     EXPECT_EQ(disk.partitions[1].volume->store->Find("Users"), FileKind::Folder);
 }
 
-TEST_F(AttachImageTest, DescribedPartitionThatIsNotThereIsAnError) {
+TEST_F(AttachImageTest, DescribedPartitionMissingOnTheImage_IsRefused) {
     Disk disk;
     disk.image = FactoryMbrImage();
     disk.partitions.resize(1);
@@ -176,7 +176,7 @@ TEST_F(AttachImageTest, DescribedPartitionThatIsNotThereIsAnError) {
     EXPECT_EQ(disk, before);
 }
 
-TEST_F(AttachImageTest, DescribedFilesOnAnNtfsVolumeAreAnError) {
+TEST_F(AttachImageTest, DescribedFilesOnAnNtfsVolume_AreRefused) {
     Disk disk;
     disk.image = FactoryMbrImage();
     disk.partitions.resize(1);
@@ -187,7 +187,7 @@ TEST_F(AttachImageTest, DescribedFilesOnAnNtfsVolumeAreAnError) {
     EXPECT_THROW(AttachImage(disk, ImageAccess::Read), ImageError);
 }
 
-TEST_F(PcOfImagesTest, WindowsPeDealsLettersInDiskOrder) {
+TEST_F(PcOfImagesTest, WindowsPe_AssignsLettersInDiskOrder) {
     const Pc pc = PcOfImages({FactoryMbrImage()}, SystemKind::WindowsPe, ImageAccess::Read);
 
     EXPECT_THAT(LettersOf(pc.disks[0]), ElementsAre("C", "D", "E", "-"));
@@ -200,14 +200,14 @@ TEST_F(PcOfImagesTest, WindowsPeDealsLettersInDiskOrder) {
     EXPECT_EQ(pc.disks[0].vdsName, "\\\\?\\PhysicalDrive0");
 }
 
-TEST_F(PcOfImagesTest, InstalledWindowsIsDriveC) {
+TEST_F(PcOfImagesTest, InstalledWindows_IsDriveC) {
     const Pc pc = PcOfImages({FactoryMbrImage()}, SystemKind::Windows, ImageAccess::Read);
 
     EXPECT_THAT(LettersOf(pc.disks[0]), ElementsAre("none", "C", "D", "-"));
     EXPECT_TRUE(pc.volumes.empty());
 }
 
-TEST_F(PcOfImagesTest, InstalledWindowsOnTheSecondDiskIsDriveC) {
+TEST_F(PcOfImagesTest, InstalledWindowsOnTheSecondDisk_IsDriveC) {
     const std::string data = PartitionedImage(20, "label: dos\\n1: start=2048,size=2048,type=7\\n");
 
     const Pc pc = PcOfImages({data, FactoryMbrImage()}, SystemKind::Windows, ImageAccess::Read);
@@ -218,20 +218,20 @@ TEST_F(PcOfImagesTest, InstalledWindowsOnTheSecondDiskIsDriveC) {
     EXPECT_EQ(pc.disks[1].vdsName, "\\\\?\\PhysicalDrive1");
 }
 
-TEST_F(PcOfImagesTest, WindowsPeGivesRecoveryPartitionsOfGptLettersButNotTheEfiSystem) {
+TEST_F(PcOfImagesTest, WindowsPeOnGpt_AssignsLettersToRecoveryButNotToEfiSystem) {
     const Pc pc = PcOfImages({FactoryGptImage()}, SystemKind::WindowsPe, ImageAccess::Read);
 
     EXPECT_THAT(LettersOf(pc.disks[0]), ElementsAre("none", "C", "none", "-", "D", "E"));
     EXPECT_EQ(pc.firmware.kind, FirmwareKind::Uefi);
 }
 
-TEST_F(PcOfImagesTest, InstalledWindowsGivesOnlyBasicDataOfGptALetter) {
+TEST_F(PcOfImagesTest, InstalledWindowsOnGpt_AssignsLettersToBasicDataOnly) {
     const Pc pc = PcOfImages({FactoryGptImage()}, SystemKind::Windows, ImageAccess::Read);
 
     EXPECT_THAT(LettersOf(pc.disks[0]), ElementsAre("none", "none", "none", "-", "C", "none"));
 }
 
-TEST_F(PcOfImagesTest, NoLetterAttributeOfBasicDataCounts) {
+TEST_F(PcOfImagesTest, NoLetterAttributeOfBasicData_IsRespected) {
     const std::string image = PartitionedImage(
         20,
         "label: gpt\\n1: start=2048,size=2048,type=EBD0A0A2-B9E5-4433-87C0-68B6B72699C7,attrs=GUID:63\\n"
@@ -252,7 +252,7 @@ std::string ComplaintAbout(const std::vector<std::string>& images, ImageAccess a
     return "";
 }
 
-TEST_F(PcOfImagesTest, SameImageTwiceIsRefused) {
+TEST_F(PcOfImagesTest, SameImageTwice_IsRefused) {
     const std::string image = FactoryMbrImage();
     const std::string link = (Folder() / "link.img").string();
     std::filesystem::create_hard_link(image, link);

@@ -1,4 +1,4 @@
-// Files of FAT volumes, put there and looked at with mtools.
+// Files of FAT volumes, written and checked with mtools.
 #include "machine/media/volumes/fat_volume.h"
 
 #include <fstream>
@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* longName = "sources/Image of the factory state.wim";
 
-// A stick without a partition table, in the format that the test's parameter names.
+// A stick without a partition table, in the format of the test's parameter.
 class FatVolumeTest : public ImageTest, public testing::WithParamInterface<const char*> {
   protected:
     FatVolume Open() {
@@ -20,19 +20,19 @@ class FatVolumeTest : public ImageTest, public testing::WithParamInterface<const
     std::string Mtools(const std::string& command, const std::string& words) {
         return OutputOf(command + " -i '" + image_ + "' " + words);
     }
-    // A file of that many bytes, no two stretches of it alike.
-    std::string Host(const std::string& name, size_t size) {
+    // A file of that many bytes without repetition.
+    std::string LocalFile(const std::string& name, size_t size) {
         std::string file = (Folder() / name).string();
         OutputOf("seq 1000000 | head -c " + std::to_string(size) + " >'" + file + "'");
         return file;
     }
-    // Lets a file of that size fill the gaps between others.
+    // Writes a file of that size into the gaps between others.
     std::string PutFragmented(const std::string& name, size_t size) {
         for (int i = 0; i < 20; ++i)
-            Mtools("mcopy", "'" + Host("filler", 3000) + "' ::filler" + std::to_string(i));
+            Mtools("mcopy", "'" + LocalFile("filler", 3000) + "' ::filler" + std::to_string(i));
         for (int i = 0; i < 20; i += 2)
             Mtools("mdel", "::filler" + std::to_string(i));
-        std::string file = Host(name, size);
+        std::string file = LocalFile(name, size);
         Mtools("mcopy", "'" + file + "' ::");
         return file;
     }
@@ -41,9 +41,10 @@ class FatVolumeTest : public ImageTest, public testing::WithParamInterface<const
     std::string image_ = MadeImage(format_);
 };
 
-INSTANTIATE_TEST_SUITE_P(Formats, FatVolumeTest, testing::Values("fat12", "fat16", "fat32"));
+INSTANTIATE_TEST_SUITE_P(Formats, FatVolumeTest, testing::Values("fat12", "fat16", "fat32"),
+                         [](const auto& format) { return std::string(format.param); });
 
-TEST_P(FatVolumeTest, FindLooksUpWithoutRegardToCase) {
+TEST_P(FatVolumeTest, OtherCase_Find_ReturnsTheFile) {
     FatVolume volume = Open();
 
     EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
@@ -57,11 +58,11 @@ TEST_P(FatVolumeTest, FindLooksUpWithoutRegardToCase) {
     EXPECT_EQ(volume.Find("RECOVERY"), FileKind::None) << "the label";
 }
 
-TEST_P(FatVolumeTest, FindKnowsShortNamesToo) {
+TEST_P(FatVolumeTest, ShortName_Find_ReturnsTheFile) {
     EXPECT_EQ(Open().Find("sources/IMAGEO~1.WIM"), FileKind::File);
 }
 
-TEST_P(FatVolumeTest, ReadGivesWhatOtherToolsRead) {
+TEST_P(FatVolumeTest, AnyFile_Read_MatchesMtools) {
     FatVolume volume = Open();
     std::string content;
 
@@ -72,7 +73,7 @@ TEST_P(FatVolumeTest, ReadGivesWhatOtherToolsRead) {
     EXPECT_EQ(content, "[Recovery]\r\nVersion=1\r\n");
 }
 
-TEST_P(FatVolumeTest, ReadOfNoFileSaysWhy) {
+TEST_P(FatVolumeTest, FolderOrMissingFile_Read_FailsWithItsError) {
     FatVolume volume = Open();
     std::string content = "as it was";
 
@@ -81,7 +82,7 @@ TEST_P(FatVolumeTest, ReadOfNoFileSaysWhy) {
     EXPECT_EQ(content, "as it was");
 }
 
-TEST_P(FatVolumeTest, ReadFollowsAFileInPieces) {
+TEST_P(FatVolumeTest, FragmentedFile_Read_FollowsTheChain) {
     const std::string file = PutFragmented("pieces.bin", 150001);
     std::string content;
 
@@ -92,7 +93,7 @@ TEST_P(FatVolumeTest, ReadFollowsAFileInPieces) {
     EXPECT_EQ(Open().Find("filler1"), FileKind::File);
 }
 
-TEST_P(FatVolumeTest, FolderOfManyClustersAndDeletedFilesIsListedWhole) {
+TEST_P(FatVolumeTest, LongFolderWithDeletedFiles_Find_ListsItCompletely) {
     Mtools("mmd", "::many");
     OutputOf("mkdir '" + (Folder() / "many").string() + "' && cd '" + (Folder() / "many").string() +
              "' && for i in $(seq 300); do echo $i >\"a file with a long name $i\"; done");
@@ -106,7 +107,7 @@ TEST_P(FatVolumeTest, FolderOfManyClustersAndDeletedFilesIsListedWhole) {
     EXPECT_EQ(volume.Find("many/a file with a long name 150"), FileKind::None);
 }
 
-TEST_P(FatVolumeTest, EmptyFileAndNameBeyondAscii) {
+TEST_P(FatVolumeTest, EmptyFileAndUnicodeName_Read_Succeeds) {
     OutputOf("cd '" + Folder().string() +
              "' && : >empty && echo x >'Größe.txt' && LC_ALL=C.UTF-8 mcopy -i '" + image_ +
              "' empty 'Größe.txt' ::");
@@ -119,7 +120,7 @@ TEST_P(FatVolumeTest, EmptyFileAndNameBeyondAscii) {
     EXPECT_EQ(content, "x\n");
 }
 
-TEST_P(FatVolumeTest, WriteAndRemoveAreRefusedAndChangeNothing) {
+TEST_P(FatVolumeTest, AnyFile_WriteAndRemove_FailAndChangeNothing) {
     FatVolume volume = Open();
 
     EXPECT_EQ(volume.Write("SystemVolume.ini", "x"), 19u);
@@ -129,7 +130,7 @@ TEST_P(FatVolumeTest, WriteAndRemoveAreRefusedAndChangeNothing) {
     EXPECT_TRUE(AreSame(std::string(KESTOVA_TEST_IMAGES) + "/" + format_, image_));
 }
 
-TEST_P(FatVolumeTest, TruncatedVolumeHoldsNothing) {
+TEST_P(FatVolumeTest, TruncatedVolume_Find_ReturnsNothing) {
     std::filesystem::resize_file(image_, std::filesystem::file_size(image_) - 512);
     FatVolume volume = Open();
     std::string content;
@@ -139,11 +140,11 @@ TEST_P(FatVolumeTest, TruncatedVolumeHoldsNothing) {
     EXPECT_EQ(volume.Read("sources/Qelhdrcv.ini", content), 1392u);
 }
 
-class FatCircleTest : public ImageTest {
+class FatCycleTest : public ImageTest {
   protected:
-    // Makes a FAT16 stick with a file of five clusters, the last of which leads back to one of them, from 0,
-    // while its size is that of very many.
-    FatVolume WithCircle(uint64_t backTo) {
+    // A FAT16 stick with a file of five clusters, the last of which refers back to cluster `backTo`,
+    // counted from 0, while the recorded size is much longer.
+    FatVolume WithCycle(uint64_t backTo) {
         const std::string image = MadeImage("stick-fat16.img");
         OutputOf("cd '" + Folder().string() + "' && head -c 10000 /dev/zero >circle && mcopy -i '" + image +
                  "' circle ::");
@@ -159,10 +160,10 @@ class FatCircleTest : public ImageTest {
     }
 };
 
-TEST_F(FatCircleTest, CountsAsDamage) {
+TEST_F(FatCycleTest, ClusterChainWithACycle_Read_FailsAsDamaged) {
     for (const uint64_t backTo : {0U, 1U, 3U, 4U}) {
         std::string content = "as it was";
-        EXPECT_EQ(WithCircle(backTo).Read("circle", content), 1392u) << backTo;
+        EXPECT_EQ(WithCycle(backTo).Read("circle", content), 1392u) << backTo;
         EXPECT_EQ(content, "as it was");
     }
 }

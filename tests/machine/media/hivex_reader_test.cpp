@@ -1,4 +1,4 @@
-// The installed Windows' SYSTEM hive, read out of its image and checked with hivexregedit.
+// The SYSTEM hive of the installed Windows, read from its image and compared with hivexregedit.
 #include "machine/media/hivex_reader.h"
 
 #include <gmock/gmock.h>
@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::Key;
 
 constexpr const char* hivePath = "windows/system32/CONFIG/system";
-constexpr uint64_t rootKey = 0x1020;  // where the image's script puts it
+constexpr uint64_t rootKey = 0x1020;  // where the script that makes the image puts it
 
 class HivexReaderTest : public ImageTest {
   protected:
@@ -27,7 +27,7 @@ class HivexReaderTest : public ImageTest {
         EXPECT_EQ(disk.partitions[1].volume->store->Read(hivePath, content), 0u);
         return content;
     }
-    // The hive with the keys of a .reg file added.
+    // The hive with the keys of a .reg file merged into it.
     std::string With(const std::string& keys) {
         const std::string hive = (Folder() / "hive").string();
         std::ofstream(hive, std::ios::binary) << Hive();
@@ -44,7 +44,7 @@ uint32_t NumberAt(const std::string& bytes, size_t at) {
     return number;
 }
 
-TEST_F(HivexReaderTest, LettersOfTheInstalledWindows) {
+TEST_F(HivexReaderTest, InstalledWindows_Read_ReturnsItsLetters) {
     RegistryKeys keys;
 
     ASSERT_EQ(HivexReader().Read(Hive(), keys), 0u);
@@ -54,7 +54,7 @@ TEST_F(HivexReaderTest, LettersOfTheInstalledWindows) {
     EXPECT_THAT(devices,
                 ElementsAre(Key("\\DosDevices\\C:"), Key("\\DosDevices\\D:"), Key("\\DosDevices\\E:"),
                             Key("\\DosDevices\\F:"), Key("\\DosDevices\\G:")));
-    // Signature and offset of an MBR disk's partition, as the disk's table has them.
+    // Signature and offset of an MBR partition from the disk's table.
     EXPECT_EQ(devices["\\DosDevices\\C:"].type, REG_BINARY);
     EXPECT_EQ(devices["\\DosDevices\\C:"].data, std::string("\xD4\xC3\xB2\xA1\0\0\x90\x02\0\0\0\0", 12));
     EXPECT_EQ(devices["\\DosDevices\\D:"], devices["\\DosDevices\\G:"]);
@@ -62,7 +62,7 @@ TEST_F(HivexReaderTest, LettersOfTheInstalledWindows) {
               std::string("DMIO:ID:\x52\x3A\x1F\x6F\0\0\0\x40\x80\0\0\0\0\0\0\x05", 24));
 }
 
-TEST_F(HivexReaderTest, ValuesAreWhatAnotherToolLists) {
+TEST_F(HivexReaderTest, AnyHive_Read_MatchesHivexregedit) {
     RegistryKeys keys;
     const std::string hive = With(
         "[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup]\n\n[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup\\Inner]\n@=\"the default\"\n"
@@ -80,7 +80,7 @@ TEST_F(HivexReaderTest, ValuesAreWhatAnotherToolLists) {
                 HasSubstr("\"Number\"=dword:00000102"));
 }
 
-TEST_F(HivexReaderTest, FileThatIsNoHiveLeavesTheKeys) {
+TEST_F(HivexReaderTest, FileWithoutHive_Read_LeavesTheKeysUnchanged) {
     const std::string hive = Hive();
     const RegistryKeys before = {{"Key", {}}};
     for (const std::string& file : {std::string(), std::string("regf"), std::string(8192, '\0'),
@@ -91,7 +91,7 @@ TEST_F(HivexReaderTest, FileThatIsNoHiveLeavesTheKeys) {
     }
 }
 
-TEST_F(HivexReaderTest, KeysInACircleAreRefused) {
+TEST_F(HivexReaderTest, KeysWithACycle_Read_IsRefused) {
     std::string hive = Hive();
     const size_t list = 0x1000 + NumberAt(hive, rootKey + 4 + 0x1C) + 4;
     ASSERT_EQ(hive.substr(list, 2), "lh");
@@ -101,7 +101,7 @@ TEST_F(HivexReaderTest, KeysInACircleAreRefused) {
     EXPECT_EQ(HivexReader().Read(hive, keys), 1009u);
 }
 
-TEST_F(HivexReaderTest, KeysDeeperThanThePlatformAllowsAreRefused) {
+TEST_F(HivexReaderTest, KeysNestedTooDeep_Read_IsRefused) {
     std::string keysOfHive;
     std::string path = "HKEY_LOCAL_MACHINE\\SYSTEM";
     for (int i = 0; i < 513; ++i) {

@@ -1,5 +1,5 @@
-// Truncated and damaged images at many places: an answer or an ImageError, never a crash, never a write,
-// never a word on the terminal.
+// Truncated and damaged images at many places: each is read or refused with an ImageError, without a crash,
+// a write or terminal output.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 class ImageDamageTest : public ImageTest {};
 
-// Opens the image in each way and asks what the library would ask, as far as it opens.
+// Opens the image in each mode and makes the library's queries as far as possible.
 void AskEverything(const std::string& image) {
     for (const ImageAccess access : {ImageAccess::Read, ImageAccess::Overlay, ImageAccess::Write}) {
         try {
@@ -28,12 +28,12 @@ void AskEverything(const std::string& image) {
                 if (access != ImageAccess::Write) partition.volume->store->Write("SystemVolume.ini", "[x]");
             }
         } catch (const ImageError&) {
-            // A refusal is an answer.
+            // A refusal is expected.
         }
     }
 }
 
-// Puts one byte after another in, asks, and puts back what was there; `places` are file offsets.
+// Damages one byte at a time, runs the queries and restores it; `places` are file offsets.
 void ExpectUnharmed(const std::string& original, const std::string& image,
                     const std::vector<uint64_t>& places, uint32_t seed) {
     std::mt19937 random(seed);
@@ -55,7 +55,7 @@ std::vector<uint64_t> Every(uint64_t step, uint64_t from, uint64_t to) {
     return places;
 }
 
-TEST_F(ImageDamageTest, TruncatedAtAnyLengthIsAnErrorAndStaysAsItIs) {
+TEST_F(ImageDamageTest, TruncatedAtAnyLength_Attach_FailsAndChangesNothing) {
     const std::string image = FactoryMbrImage();
     for (uint64_t length = 298 * MiB; length > 0; length = length * 2 / 3) {
         std::filesystem::resize_file(image, length);
@@ -65,20 +65,20 @@ TEST_F(ImageDamageTest, TruncatedAtAnyLengthIsAnErrorAndStaysAsItIs) {
     }
 }
 
-TEST_F(ImageDamageTest, EachByteOfTheMbrTable) {
+TEST_F(ImageDamageTest, DamagedMbrTable_Attach_AnswersOrFails) {
     ExpectUnharmed(FactoryMbrImage("original.img"), FactoryMbrImage(), Every(1, 440, 512), 1);
 }
 
-TEST_F(ImageDamageTest, BytesOfTheGptHeaderAndEntries) {
+TEST_F(ImageDamageTest, DamagedGptHeaderAndEntries_Attach_AnswersOrFails) {
     ExpectUnharmed(FactoryGptImage("original.img"), FactoryGptImage(), Every(7, 512, 1024 + 6 * 128), 2);
 }
 
-TEST_F(ImageDamageTest, BytesOfTheNtfsBootSector) {
+TEST_F(ImageDamageTest, DamagedNtfsBootSector_Attach_AnswersOrFails) {
     ExpectUnharmed(FactoryMbrImage("original.img"), FactoryMbrImage(), Every(1, 61 * MiB + 3, 61 * MiB + 84),
                    3);
 }
 
-TEST_F(ImageDamageTest, BytesOfTheMasterFileTable) {
+TEST_F(ImageDamageTest, DamagedMasterFileTable_Attach_AnswersOrFails) {
     const std::string image = FactoryMbrImage();
     const uint64_t cluster =
         std::stoull(OutputOf("od -An -tu8 -j " + std::to_string(61 * MiB + 0x30) + " -N 8 '" + image + "'"));
@@ -86,7 +86,7 @@ TEST_F(ImageDamageTest, BytesOfTheMasterFileTable) {
     ExpectUnharmed(FactoryMbrImage("original.img"), image, Every(61, mft, mft + 16ULL * 1024), 4);
 }
 
-TEST_F(ImageDamageTest, NothingIsSaidOnTheTerminal) {
+TEST_F(ImageDamageTest, DamagedImage_Attach_PrintsNothing) {
     const std::string image = FactoryMbrImage();
     PatchByte(image, 61 * MiB + 0x30, 0xFF);
     const std::string gpt = FactoryGptImage();

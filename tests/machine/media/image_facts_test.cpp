@@ -1,4 +1,4 @@
-// What an image PC tells besides its disks: encrypted volumes, and the letters that its registry remembers.
+// The facts of an image PC besides its disks: encrypted volumes, and the letters in its registry.
 #include <gmock/gmock.h>
 
 #include "machine/facts/volume_files.h"
@@ -17,7 +17,7 @@ class ImageFactsTest : public ImageTest {
     }
 };
 
-TEST_F(ImageFactsTest, BitLockerVolumeIsLockedAndListedAsEncrypted) {
+TEST_F(ImageFactsTest, BitLockerVolume_IsLockedAndListedAsEncrypted) {
     Pc pc = PcOf("bitlocker.img");
 
     const Volume& windows = *pc.disks[0].partitions[1].volume;
@@ -37,7 +37,7 @@ TEST_F(ImageFactsTest, BitLockerVolumeIsLockedAndListedAsEncrypted) {
     EXPECT_EQ((*pc.encryptableVolumes)[2].encryptionMethod, 0u);
 }
 
-TEST_F(ImageFactsTest, LockedVolumeWithoutALetterIsListedToo) {
+TEST_F(ImageFactsTest, LockedVolumeWithoutLetter_IsListed) {
     const std::string image = MadeImage("bitlocker.img");
     OutputOf("sfdisk --quiet --part-type '" + image + "' 2 84");
 
@@ -48,14 +48,14 @@ TEST_F(ImageFactsTest, LockedVolumeWithoutALetterIsListedToo) {
     EXPECT_EQ((*pc.encryptableVolumes)[1].encryptionMethod, 6u);
 }
 
-TEST_F(ImageFactsTest, VolumeOfAGptPartitionHasThePartitionsId) {
+TEST_F(ImageFactsTest, VolumeOfGptPartition_HasThePartitionsId) {
     const Pc pc = PcOf("factory-gpt.img", SystemKind::Windows);
 
     ASSERT_EQ(pc.encryptableVolumes->size(), 1u);
     EXPECT_EQ((*pc.encryptableVolumes)[0].deviceId, "\\\\?\\Volume{6f1f3a52-0000-4000-8000-000000000005}\\");
 }
 
-TEST_F(ImageFactsTest, MountedDevicesRemembersTheLettersOfMbrDisks) {
+TEST_F(ImageFactsTest, MbrDisk_MountedDevicesHasItsLetters) {
     Pc pc = PcOf("installed-windows.img");
 
     auto& devices = pc.registry["HKLM\\SYSTEM\\MountedDevices"];
@@ -65,7 +65,7 @@ TEST_F(ImageFactsTest, MountedDevicesRemembersTheLettersOfMbrDisks) {
               (RegistryValue{REG_BINARY, std::string("\xD4\xC3\xB2\xA1\0\0\x90\x02\0\0\0\0", 12)}));
 }
 
-TEST_F(ImageFactsTest, MountedDevicesRemembersTheLettersOfGptDisks) {
+TEST_F(ImageFactsTest, GptDisk_MountedDevicesHasItsLetters) {
     Pc pc = PcOf("factory-gpt.img", SystemKind::Windows);
 
     auto& devices = pc.registry["HKLM\\SYSTEM\\MountedDevices"];
@@ -74,7 +74,7 @@ TEST_F(ImageFactsTest, MountedDevicesRemembersTheLettersOfGptDisks) {
               std::string("DMIO:ID:\x52\x3A\x1F\x6F\0\0\0\x40\x80\0\0\0\0\0\0\x05", 24));
 }
 
-TEST_F(ImageFactsTest, GptDiskWithoutEfiSystemHasWindowsAtThree) {
+TEST_F(ImageFactsTest, GptWithoutEfiSystem_HasWindowsAsPartition3) {
     const Pc pc = PcOf("gpt-without-efi.img", SystemKind::Windows);
 
     ASSERT_EQ(pc.disks[0].partitions.size(), 4u);
@@ -82,7 +82,7 @@ TEST_F(ImageFactsTest, GptDiskWithoutEfiSystemHasWindowsAtThree) {
     EXPECT_EQ(pc.disks[0].partitions[2].volume->label.value, "Windows");
 }
 
-TEST_F(ImageFactsTest, HivesOfImagesHaveAReader) {
+TEST_F(ImageFactsTest, ImageWithHive_HasAReader) {
     Pc pc = PcOf("installed-windows.img");
     std::string file;
     RegistryKeys keys;

@@ -1,4 +1,4 @@
-// Factory disks as image files, made once for a build, and the independent tools that look at them.
+// Factory disks as image files, created once per build, and independent tools that inspect them.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,19 +16,19 @@ inline constexpr uint64_t MiB = 1024ULL * 1024;
 
 class ImageTest : public testing::Test {
   protected:
-    // A copy of the disk that tests/images/make-factory-mbr makes, for this test alone.
+    // A copy of the disk from tests/images/make-factory-mbr, for this test only.
     std::string FactoryMbrImage(const std::string& name = "mbr.img");
     std::string FactoryGptImage(const std::string& name = "gpt.img");
-    // A copy of any other image that is made for the tests: "disc-udf.iso".
+    // A copy of any other test image, by name: "disc-udf.iso".
     std::string MadeImage(const std::string& name) { return CopyOf(name, name); }
-    // An image of that many MiB with a table in the words of sfdisk.
+    // An image of that many MiB with a table in sfdisk's script format.
     std::string PartitionedImage(int sizeMiB, const std::string& script);
-    // Where this test may put files; gone with the test.
+    // The temporary folder of this test.
     const std::filesystem::path& Folder();
 
-    // The partition of a factory image cut out into a file, so that tools without offsets can look at it.
+    // Extracts a partition of a factory image into a file, for tools that do not support offsets.
     std::string PartitionFile(const std::string& image, int startMiB, int sizeMiB);
-    // Puts it back.
+    // Copies it back.
     void PutPartition(const std::string& partitionFile, const std::string& image, int startMiB);
 
     void TearDown() override;
@@ -38,17 +38,17 @@ class ImageTest : public testing::Test {
     std::filesystem::path folder_;
 };
 
-// Whether the files hold the same bytes, in the words of cmp(1).
+// Whether the files are identical according to cmp(1).
 bool AreSame(const std::string& left, const std::string& right);
 // The number of bytes that differ.
 int Differences(const std::string& left, const std::string& right);
 
-// What the file holds.
+// The content of the file.
 std::string ContentOf(const std::string& file);
 void PatchByte(const std::string& file, uint64_t offset, uint8_t value);
 uint8_t ByteAt(const std::string& file, uint64_t offset);
 
-// What AttachImage says about the file; empty when it takes it.
+// The error of AttachImage for the file; empty on success.
 std::string Complaint(const std::string& image, ImageAccess access = ImageAccess::Read);
 
 // The disk of the image.

@@ -1,5 +1,5 @@
-// Files that are no disk, damaged tables, and volumes that must not be changed: a clear message, and not one
-// byte of the file touched.
+// Files without a disk, damaged tables, and volumes that must not be changed: each is refused with a clear
+// message and left untouched.
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -23,7 +23,7 @@ class ImageRefusalTest : public ImageTest {
         std::ofstream(path, std::ios::binary) << content;
         return path;
     }
-    // Expects the same message for each access, behind the file's name, and the file as it was.
+    // Expects that message after the file name for each access, and an unchanged file.
     void ExpectRefused(const std::string& image, const std::string& message) {
         const std::string copy = (Folder() / "before").string();
         OutputOf("cp --sparse=always '" + image + "' '" + copy + "'");
@@ -31,7 +31,7 @@ class ImageRefusalTest : public ImageTest {
             EXPECT_EQ(Complaint(image, access), image + ": " + message);
         EXPECT_TRUE(AreSame(copy, image));
     }
-    // For messages with libfdisk's words in them.
+    // For messages that contain libfdisk's text.
     void ExpectRefusedWith(const std::string& image, const std::string& part) {
         const std::string copy = (Folder() / "before").string();
         OutputOf("cp --sparse=always '" + image + "' '" + copy + "'");
@@ -41,19 +41,19 @@ class ImageRefusalTest : public ImageTest {
         }
         EXPECT_TRUE(AreSame(copy, image));
     }
-    // A number of four bytes in a table.
+    // Writes a 32-bit number into a table.
     void PatchSectors(const std::string& image, uint64_t offset, uint32_t value) {
         for (int i = 0; i < 4; ++i)
             PatchByte(image, offset + static_cast<uint64_t>(i), static_cast<uint8_t>(value >> 8 * i));
     }
 };
 
-TEST_F(ImageRefusalTest, MissingFile) {
+TEST_F(ImageRefusalTest, MissingFile_Attach_IsRefused) {
     for (const ImageAccess access : everyAccess)
         EXPECT_EQ(Complaint("/nowhere/disk.img", access), "/nowhere/disk.img: no such file");
 }
 
-TEST_F(ImageRefusalTest, FolderAndDevice) {
+TEST_F(ImageRefusalTest, FolderOrDevice_Attach_IsRefused) {
     EXPECT_EQ(Complaint(Folder().string()), Folder().string() + ": a folder, not a disk image");
     EXPECT_EQ(Complaint(Folder().string(), ImageAccess::Write),
               Folder().string() + ": a folder, not a disk image");
@@ -63,7 +63,7 @@ TEST_F(ImageRefusalTest, FolderAndDevice) {
     EXPECT_EQ(Complaint(pipe), pipe + ": not a regular file");
 }
 
-// Root may read everything, so while it lives root is somebody else.
+// Root may read everything, so this runs as another user while it exists.
 class OrdinaryUser {
   public:
     OrdinaryUser() : before_(geteuid()) { changed_ = before_ != 0 || seteuid(65534) == 0; }
@@ -77,7 +77,7 @@ class OrdinaryUser {
     bool changed_ = false;
 };
 
-TEST_F(ImageRefusalTest, FileWithoutPermission) {
+TEST_F(ImageRefusalTest, ReadOnlyFile_AttachForWriting_IsRefused) {
     const std::string image = FactoryMbrImage();
     OutputOf("chmod 755 '" + Folder().string() + "' && chmod 444 '" + image + "'");
     const OrdinaryUser user;
@@ -86,7 +86,7 @@ TEST_F(ImageRefusalTest, FileWithoutPermission) {
     EXPECT_EQ(Complaint(image), "");
 }
 
-TEST_F(ImageRefusalTest, SecretFile) {
+TEST_F(ImageRefusalTest, UnreadableFile_Attach_IsRefused) {
     const std::string image = FactoryMbrImage();
     OutputOf("chmod 755 '" + Folder().string() + "' && chmod 000 '" + image + "'");
     const OrdinaryUser user;
@@ -95,7 +95,7 @@ TEST_F(ImageRefusalTest, SecretFile) {
         EXPECT_EQ(Complaint(image, access), image + ": no permission to read it");
 }
 
-TEST_F(ImageRefusalTest, FilesThatAreNoDisk) {
+TEST_F(ImageRefusalTest, FileWithoutDisk_Attach_IsRefused) {
     ExpectRefused(File("empty", ""), "an empty file, no disk image");
     ExpectRefused(File("text", "Dear customer,\n"),
                   "not a whole number of 512-byte sectors, so no disk image, or a truncated one");
@@ -103,14 +103,14 @@ TEST_F(ImageRefusalTest, FilesThatAreNoDisk) {
     ExpectRefused(File("sector", std::string(512, 'x')), "no partition table, so no disk image");
 }
 
-TEST_F(ImageRefusalTest, SingleVolumeWithoutATable) {
+TEST_F(ImageRefusalTest, VolumeWithoutTable_Attach_IsRefused) {
     ExpectRefused(PartitionFile(FactoryMbrImage(), 61, 120),
                   "no partition table, so no disk image: the file holds a single NTFS volume");
     ExpectRefused(PartitionFile(FactoryGptImage(), 1, 40),
                   "no partition table, so no disk image: the file holds a single FAT32 volume");
 }
 
-TEST_F(ImageRefusalTest, TruncatedMbrImage) {
+TEST_F(ImageRefusalTest, TruncatedMbrImage_Attach_IsRefused) {
     const std::string image = FactoryMbrImage();
     OutputOf("truncate -s 280M '" + image + "'");
     ExpectRefused(
@@ -119,14 +119,14 @@ TEST_F(ImageRefusalTest, TruncatedMbrImage) {
         "table damaged");
 }
 
-TEST_F(ImageRefusalTest, TruncatedGptImage) {
+TEST_F(ImageRefusalTest, TruncatedGptImage_Attach_IsRefused) {
     const std::string image = FactoryGptImage();
     OutputOf("truncate -s 300M '" + image + "'");
     ExpectRefusedWith(image, "truncated");
 }
 
-// The memory for its entries would be as much as the file, which takes no room on a disk.
-TEST_F(ImageRefusalTest, GptWithMoreEntriesThanAnyDiskHas) {
+// Reading the entries would take as much memory as the sparse file is long.
+TEST_F(ImageRefusalTest, GptWithTooManyEntries_Attach_IsRefused) {
     const std::string claim =
         "the GUID partition table is damaged: its entries claim to take 4294967168 bytes";
     const std::string primary = FactoryGptImage();
@@ -141,13 +141,13 @@ TEST_F(ImageRefusalTest, GptWithMoreEntriesThanAnyDiskHas) {
     EXPECT_EQ(Complaint(primary), primary + ": " + claim);
 }
 
-TEST_F(ImageRefusalTest, OverlappingPartitions) {
+TEST_F(ImageRefusalTest, OverlappingPartitions_Attach_IsRefused) {
     const std::string image = FactoryMbrImage();
     PatchSectors(image, 446 + 2 * 16 + 8, 180 * 2048);  // partition 3 starts 1 MiB early
     ExpectRefused(image, "partition 2 and partition 3 overlap");
 }
 
-TEST_F(ImageRefusalTest, PartitionWithoutALengthOrOnTheTable) {
+TEST_F(ImageRefusalTest, EmptyPartitionOrOneOnTheTable_Attach_IsRefused) {
     const std::string image = FactoryMbrImage();
     PatchSectors(image, 446 + 2 * 16 + 12, 0);
     ExpectRefused(image, "partition 3 has no length; the partition table is damaged");
@@ -156,12 +156,12 @@ TEST_F(ImageRefusalTest, PartitionWithoutALengthOrOnTheTable) {
     ExpectRefused(other, "partition 1 lies on the partition table");
 }
 
-TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsInACircle) {
+TEST_F(ImageRefusalTest, LogicalChainWithACycle_Attach_IsRefused) {
     const std::string image =
         PartitionedImage(40,
                          "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n"
                          "6: start=20480,size=2048,type=7\\n");
-    // The second link leads back to the first.
+    // The second link refers back to the first.
     const uint64_t second = 8192 * 512 + uint64_t{20480 - 2048 - 8192} * 512;
     ASSERT_EQ(ByteAt(image, second + 510), 0x55);
     PatchByte(image, second + 462 + 4, 0x05);
@@ -169,7 +169,7 @@ TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsInACircle) {
     ExpectRefused(image, "the chain of logical partitions runs in a circle, at sector 18432");
 }
 
-TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsBackToItsStart) {
+TEST_F(ImageRefusalTest, LogicalChainBackToItsStart_Attach_IsRefused) {
     const std::string image =
         PartitionedImage(40,
                          "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n"
@@ -179,7 +179,7 @@ TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsBackToItsStart) {
     ExpectRefused(image, "the chain of logical partitions runs in a circle, at sector 8192");
 }
 
-TEST_F(ImageRefusalTest, BootIndicatorThatIsNone) {
+TEST_F(ImageRefusalTest, InvalidBootIndicator_Attach_IsRefused) {
     const std::string image = FactoryMbrImage();
     PatchByte(image, 446 + 16, 0x81);
     ExpectRefused(image, "partition 2 is neither active nor inactive; the partition table is damaged");
@@ -190,7 +190,7 @@ TEST_F(ImageRefusalTest, BootIndicatorThatIsNone) {
                   "the extended partition is neither active nor inactive; the partition table is damaged");
 }
 
-TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsThatBreaks) {
+TEST_F(ImageRefusalTest, BrokenLogicalChain_Attach_IsRefused) {
     const std::string image = PartitionedImage(
         40, "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n");
     PatchByte(image, 8192 * 512 + 511, 0);
@@ -201,13 +201,13 @@ TEST_F(ImageRefusalTest, ChainOfLogicalPartitionsThatBreaks) {
     ExpectRefused(image, "the chain of logical partitions leaves the extended partition, at sector 68192");
 }
 
-TEST_F(ImageRefusalTest, DamagedGptIsNotReplacedByItsBackup) {
+TEST_F(ImageRefusalTest, DamagedGpt_Attach_DoesNotUseTheBackup) {
     const std::string image = FactoryGptImage();
-    PatchByte(image, 512 + 56, 0xFF);  // the disk's GUID, below the header's checksum
+    PatchByte(image, 512 + 56, 0xFF);  // the disk's GUID, covered by the header's checksum
     ExpectRefusedWith(image, "the partition table is damaged: ");
 }
 
-TEST_F(ImageRefusalTest, DamagedGptEntriesOrBackup) {
+TEST_F(ImageRefusalTest, DamagedGptEntriesOrBackup_Attach_IsRefused) {
     const std::string image = FactoryGptImage();
     PatchByte(image, 1024 + 56, 'X');  // the name of the first entry
     ExpectRefusedWith(image, "the partition table is damaged: ");
@@ -216,15 +216,15 @@ TEST_F(ImageRefusalTest, DamagedGptEntriesOrBackup) {
     ExpectRefusedWith(other, "the partition table is damaged: ");
 }
 
-TEST_F(ImageRefusalTest, DamagedGptAndBackup) {
+TEST_F(ImageRefusalTest, DamagedGptAndBackup_Attach_IsRefused) {
     const std::string image = FactoryGptImage();
     PatchByte(image, 512, 0);
     PatchByte(image, 400 * MiB - 512, 0);
     ExpectRefused(image, "the GUID partition table is damaged, or the image is truncated");
 }
 
-// ntfsfix leaves the volume marked, so that Windows checks it.
-TEST_F(ImageRefusalTest, DirtyVolumeIsReadButNotChanged) {
+// ntfsfix leaves the volume marked dirty, so that Windows checks it.
+TEST_F(ImageRefusalTest, DirtyVolume_Attach_IsAcceptedForReadingOnly) {
     const std::string image = FactoryMbrImage();
     const std::string partition = PartitionFile(image, 181, 90);
     OutputOf("ntfsfix '" + partition + "'");
@@ -243,7 +243,7 @@ TEST_F(ImageRefusalTest, DirtyVolumeIsReadButNotChanged) {
     EXPECT_TRUE(AreSame(before, image));
 }
 
-TEST_F(ImageRefusalTest, HibernatedVolumeIsReadButNotChanged) {
+TEST_F(ImageRefusalTest, HibernatedVolume_Attach_IsAcceptedForReadingOnly) {
     const std::string image = FactoryMbrImage();
     const std::string partition = PartitionFile(image, 61, 120);
     const std::string hibernation = File("hibernation", "hibr" + std::string(8192, '\0'));
@@ -263,14 +263,14 @@ TEST_F(ImageRefusalTest, HibernatedVolumeIsReadButNotChanged) {
     EXPECT_TRUE(AreSame(before, image));
 }
 
-// The record of the master file table with that number on partition 2, "Windows".
+// The offset of a record in the master file table of partition 2, "Windows".
 uint64_t RecordPlace(const std::string& image, uint64_t number) {
     const std::string cluster =
         OutputOf("od -An -tu8 -j " + std::to_string(61 * MiB + 0x30) + " -N 8 '" + image + "'");
     return 61 * MiB + std::stoull(cluster) * 4096 + number * 1024;
 }
 
-TEST_F(ImageRefusalTest, DamagedVolumeIsReadButNotChanged) {
+TEST_F(ImageRefusalTest, DamagedVolume_Attach_IsAcceptedForReadingOnly) {
     const std::string image = FactoryMbrImage();
     const uint64_t bitmap = RecordPlace(image, 6);
     ASSERT_EQ(ByteAt(image, bitmap), 'F');
@@ -286,7 +286,7 @@ TEST_F(ImageRefusalTest, DamagedVolumeIsReadButNotChanged) {
     EXPECT_EQ(disk.partitions[1].volume->store->Read("Users", content), 1392u);
 }
 
-TEST_F(ImageRefusalTest, VolumeBeyondRecognitionIsRaw) {
+TEST_F(ImageRefusalTest, UnrecognisableVolume_Attach_IsRaw) {
     const std::string image = FactoryMbrImage();
     PatchByte(image, RecordPlace(image, 0), 'X');
 
@@ -296,7 +296,7 @@ TEST_F(ImageRefusalTest, VolumeBeyondRecognitionIsRaw) {
     EXPECT_FALSE(disk.partitions[1].volume->store);
 }
 
-TEST_F(ImageRefusalTest, ImageThatAnotherProgramWrites) {
+TEST_F(ImageRefusalTest, ImageLockedByAnotherProcess_AttachForWriting_IsRefused) {
     const std::string image = FactoryMbrImage();
     Disk writer = Attach(image, ImageAccess::Write);
 
@@ -309,7 +309,7 @@ TEST_F(ImageRefusalTest, ImageThatAnotherProgramWrites) {
     EXPECT_NE(Complaint(image, ImageAccess::Write), "");
 }
 
-TEST_F(ImageRefusalTest, LockEndsWithTheDiskAndReadersTakeNone) {
+TEST_F(ImageRefusalTest, AttachedDisk_Destroy_ReleasesTheLockAndReadersTakeNone) {
     const std::string image = FactoryMbrImage();
     Attach(image, ImageAccess::Write);
 

@@ -1,4 +1,4 @@
-// Changes of a partition table in an image: exactly the bytes that they need.
+// Changes of a partition table on an image, checked byte by byte.
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -16,7 +16,7 @@ bool flushesFail = false;
 
 }  // namespace
 
-// In the place of the C library's, for a medium that takes no bytes from the cache.
+// Replaces the C library's function, to emulate a medium whose cache cannot be flushed.
 extern "C" int fsync(int descriptor) {
     if (!flushesFail) return static_cast<int>(syscall(SYS_fsync, descriptor));
     errno = EIO;
@@ -39,30 +39,30 @@ class ImageTableTest : public ImageTest {
     std::string image_ = FactoryMbrImage("changed.img");
 };
 
-// While it lives no file can be written from that byte on, as if the medium failed there.
-class FullMedium {
+// While it exists, writes at or after that byte fail, as on a defective medium.
+class DefectiveMedium {
   public:
-    explicit FullMedium(rlim_t firstBadByte) {
+    explicit DefectiveMedium(rlim_t firstBadByte) {
         signal(SIGXFSZ, SIG_IGN);
         getrlimit(RLIMIT_FSIZE, &before_);
         rlimit limit = before_;
         limit.rlim_cur = firstBadByte;
         setrlimit(RLIMIT_FSIZE, &limit);
     }
-    ~FullMedium() { setrlimit(RLIMIT_FSIZE, &before_); }
+    ~DefectiveMedium() { setrlimit(RLIMIT_FSIZE, &before_); }
 
   private:
     rlimit before_ = {};
 };
 
-// While it lives bytes stay in the cache.
+// While it exists, flushing fails.
 class UnreachableMedium {
   public:
     UnreachableMedium() { flushesFail = true; }
     ~UnreachableMedium() { flushesFail = false; }
 };
 
-TEST_F(ImageTableTest, MovingTheFlagChangesTwoBytes) {
+TEST_F(ImageTableTest, FactoryMbr_MoveActiveFlag_ChangesTwoBytes) {
     const Disk disk = Attach(image_, ImageAccess::Write);
 
     EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Clear), 0u);
@@ -73,7 +73,7 @@ TEST_F(ImageTableTest, MovingTheFlagChangesTwoBytes) {
     EXPECT_THAT(dump, HasSubstr("type=7\n"));
 }
 
-TEST_F(ImageTableTest, FlagAndTypeAreOnTheMediumAfterEachCall) {
+TEST_F(ImageTableTest, FactoryMbr_SetActiveAndType_AreOnTheMediumAfterEachCall) {
     const Disk disk = Attach(image_, ImageAccess::Write);
 
     EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Keep), 0u);
@@ -88,9 +88,9 @@ TEST_F(ImageTableTest, FlagAndTypeAreOnTheMediumAfterEachCall) {
     EXPECT_EQ(Differences(original_, image_), 4);
 }
 
-TEST_F(ImageTableTest, FlagsToClearAreThoseOnTheMedium) {
+TEST_F(ImageTableTest, FlagOnTheMediumOnly_SetActive_ClearsItToo) {
     const Disk disk = Attach(image_, ImageAccess::Write);
-    PatchByte(image_, 446 + 3 * 16, 0x80);  // which the disk's facts do not know of
+    PatchByte(image_, 446 + 3 * 16, 0x80);  // unknown to the disk's facts
 
     EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Clear), 0u);
 
@@ -100,7 +100,7 @@ TEST_F(ImageTableTest, FlagsToClearAreThoseOnTheMedium) {
     EXPECT_EQ(Differences(original_, image_), 2);
 }
 
-TEST_F(ImageTableTest, FlagOfTheExtendedPartitionIsClearedToo) {
+TEST_F(ImageTableTest, ActiveExtendedPartition_SetActive_ClearsItsFlagToo) {
     const std::string image =
         PartitionedImage(40,
                          "label: dos\\n1: start=2048,size=2048,type=7\\n2: start=8192,size=40960,type=5\\n"
@@ -116,7 +116,7 @@ TEST_F(ImageTableTest, FlagOfTheExtendedPartitionIsClearedToo) {
                 ElementsAre(TableEntry{2048 * 512, true, 0x07}, TableEntry{10240 * 512, false, 0x0B}));
 }
 
-TEST_F(ImageTableTest, ThereAndBackLeavesTheImageAsItWas) {
+TEST_F(ImageTableTest, FactoryMbr_ChangeAndRestore_LeavesTheImageUnchanged) {
     const Disk disk = Attach(image_, ImageAccess::Write);
 
     EXPECT_EQ(disk.table->SetActive(windows, false, OtherFlags::Keep), 0u);
@@ -126,7 +126,7 @@ TEST_F(ImageTableTest, ThereAndBackLeavesTheImageAsItWas) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(ImageTableTest, ValueThatIsThereAlreadySucceedsAndChangesNothing) {
+TEST_F(ImageTableTest, CurrentValue_SetActiveAndType_SucceedAndChangeNothing) {
     const Disk disk = Attach(image_, ImageAccess::Write);
 
     EXPECT_EQ(disk.table->SetActive(windows, true, OtherFlags::Keep), 0u);
@@ -136,7 +136,7 @@ TEST_F(ImageTableTest, ValueThatIsThereAlreadySucceedsAndChangesNothing) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(ImageTableTest, EveryTypeOfAPlainPartitionCanBeSet) {
+TEST_F(ImageTableTest, EveryPlainType_SetType_IsStored) {
     const Disk disk = Attach(image_, ImageAccess::Write);
 
     for (int type = 1; type <= 0xFF; ++type) {
@@ -150,7 +150,7 @@ TEST_F(ImageTableTest, EveryTypeOfAPlainPartitionCanBeSet) {
     EXPECT_EQ(disk.table->SetMbrType(hibernation, 0), 87u);
 }
 
-TEST_F(ImageTableTest, LogicalPartitionIsChangedInItsOwnSector) {
+TEST_F(ImageTableTest, LogicalPartition_SetType_ChangesItsOwnSector) {
     const std::string image = PartitionedImage(
         40, "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n");
     const Disk disk = Attach(image, ImageAccess::Write);
@@ -158,10 +158,10 @@ TEST_F(ImageTableTest, LogicalPartitionIsChangedInItsOwnSector) {
     EXPECT_EQ(disk.table->SetMbrType(10240 * 512, 0x17), 0u);
     EXPECT_EQ(ByteAt(image, 8192 * 512 + 450), 0x17);
     EXPECT_EQ(disk.table->SetMbrType(8192 * 512, 0x07),
-              87u);  // the extended partition is no partition to change
+              87u);  // the extended partition cannot be changed
 }
 
-TEST_F(ImageTableTest, PlaceWithoutAPartitionIsRefused) {
+TEST_F(ImageTableTest, OffsetWithoutPartition_Change_IsRefused) {
     const Disk disk = Attach(image_, ImageAccess::Write);
 
     EXPECT_EQ(disk.table->SetActive(5 * MiB, true, OtherFlags::Keep), 87u);
@@ -169,7 +169,7 @@ TEST_F(ImageTableTest, PlaceWithoutAPartitionIsRefused) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(ImageTableTest, GptHasNeitherFlagNorType) {
+TEST_F(ImageTableTest, GptDisk_SetActiveAndType_AreRefused) {
     const std::string original = FactoryGptImage("original-gpt.img");
     const std::string image = FactoryGptImage();
     const Disk disk = Attach(image, ImageAccess::Write);
@@ -179,7 +179,7 @@ TEST_F(ImageTableTest, GptHasNeitherFlagNorType) {
     EXPECT_TRUE(AreSame(original, image));
 }
 
-TEST_F(ImageTableTest, ReadingRefusesChanges) {
+TEST_F(ImageTableTest, ReadOnlyImage_Change_FailsWithWriteProtect) {
     const Disk disk = Attach(image_, ImageAccess::Read);
 
     EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Keep), 19u);
@@ -187,7 +187,7 @@ TEST_F(ImageTableTest, ReadingRefusesChanges) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(ImageTableTest, DryRunAnswersAsWritingWouldAndWritesNothing) {
+TEST_F(ImageTableTest, DryRun_Change_AnswersAsWritingAndWritesNothing) {
     const Disk disk = Attach(image_, ImageAccess::Overlay);
 
     EXPECT_EQ(disk.table->SetActive(recovery, true, OtherFlags::Keep), 0u);
@@ -197,11 +197,11 @@ TEST_F(ImageTableTest, DryRunAnswersAsWritingWouldAndWritesNothing) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(ImageTableTest, MediumThatCannotBeWrittenIsTold) {
+TEST_F(ImageTableTest, FailingMedium_Change_FailsWithIoError) {
     const Disk disk = Attach(image_, ImageAccess::Write);
     uint32_t result = 0;
     {
-        const FullMedium medium(0);
+        const DefectiveMedium medium(0);
         result = disk.table->SetActive(recovery, true, OtherFlags::Keep);
     }
 
@@ -209,7 +209,7 @@ TEST_F(ImageTableTest, MediumThatCannotBeWrittenIsTold) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(ImageTableTest, FlagThatDidNotReachTheMediumIsWrittenAgain) {
+TEST_F(ImageTableTest, FlagAfterAFailedFlush_SetActive_IsWrittenAgain) {
     const Disk disk = Attach(image_, ImageAccess::Write);
     uint32_t results[2] = {};
     {
@@ -218,7 +218,7 @@ TEST_F(ImageTableTest, FlagThatDidNotReachTheMediumIsWrittenAgain) {
     }
     const std::vector<TableEntry> entries = disk.table->Entries();
     {
-        const FullMedium medium(0);
+        const DefectiveMedium medium(0);
         results[1] = disk.table->SetActive(recovery, true, OtherFlags::Clear);
     }
 
@@ -230,7 +230,7 @@ TEST_F(ImageTableTest, FlagThatDidNotReachTheMediumIsWrittenAgain) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(ImageTableTest, TypeThatDidNotReachTheMediumIsWrittenAgain) {
+TEST_F(ImageTableTest, TypeAfterAFailedFlush_SetType_IsWrittenAgain) {
     const Disk disk = Attach(image_, ImageAccess::Write);
     uint32_t results[2] = {};
     {
@@ -238,7 +238,7 @@ TEST_F(ImageTableTest, TypeThatDidNotReachTheMediumIsWrittenAgain) {
         results[0] = disk.table->SetMbrType(recovery, 0x12);
     }
     {
-        const FullMedium medium(0);
+        const DefectiveMedium medium(0);
         results[1] = disk.table->SetMbrType(recovery, 0x12);
     }
 
@@ -247,7 +247,7 @@ TEST_F(ImageTableTest, TypeThatDidNotReachTheMediumIsWrittenAgain) {
     EXPECT_EQ(results[1], 1117u);
 }
 
-TEST_F(ImageTableTest, EntriesAreThoseOfAnMbrThatChangesReach) {
+TEST_F(ImageTableTest, DryRunGptOrErasedTable_Entries_AreEmpty) {
     EXPECT_EQ(Attach(image_, ImageAccess::Read).table->Entries().size(), 4u);
     EXPECT_THAT(Attach(image_, ImageAccess::Overlay).table->Entries(), testing::IsEmpty());
     EXPECT_THAT(Attach(FactoryGptImage(), ImageAccess::Write).table->Entries(), testing::IsEmpty());
@@ -256,7 +256,7 @@ TEST_F(ImageTableTest, EntriesAreThoseOfAnMbrThatChangesReach) {
     EXPECT_THAT(disk.table->Entries(), testing::IsEmpty()) << "the table is gone";
 }
 
-TEST_F(ImageTableTest, TableThatIsGoneMeanwhileIsTold) {
+TEST_F(ImageTableTest, TableErasedMeanwhile_Change_Fails) {
     const Disk disk = Attach(image_, ImageAccess::Write);
     PatchByte(image_, 511, 0);
 

@@ -1,4 +1,4 @@
-// Discs and sticks in a PC: letters, drives, and files that are neither.
+// Discs and sticks in a PC: letters, drives, and files that are refused.
 #include "machine/media/medium_image.h"
 
 #include "machine/facts/machines.h"
@@ -9,7 +9,8 @@ namespace {
 
 class MediumImageTest : public ImageTest {
   protected:
-    // What is said of a file that is no disc, or no stick; the PC stays as it was.
+    // The error of inserting a file without a disc or stick, which leaves the PC unchanged; empty on
+    // success.
     template <typename Insert>
     std::string Refusal(Insert insert, const std::string& path) {
         Pc pc = WinPeTwoDisks();
@@ -24,7 +25,7 @@ class MediumImageTest : public ImageTest {
     }
 };
 
-TEST_F(MediumImageTest, DiscsOfEachFormatAreOptical) {
+TEST_F(MediumImageTest, DiscOfEachFormat_Insert_CreatesAnOpticalVolume) {
     const std::pair<const char*, const char*> formats[] = {
         {"disc-iso.iso", "CDFS"}, {"disc-joliet.iso", "CDFS"}, {"disc-udf.iso", "UDF"}};
     for (const auto& [name, fileSystem] : formats) {
@@ -41,7 +42,7 @@ TEST_F(MediumImageTest, DiscsOfEachFormatAreOptical) {
     }
 }
 
-TEST_F(MediumImageTest, SticksOfEachFormatAreRemovable) {
+TEST_F(MediumImageTest, StickOfEachFormat_Insert_CreatesARemovableVolume) {
     const std::pair<const char*, const char*> formats[] = {{"stick-fat12.img", "FAT"},
                                                            {"stick-fat16.img", "FAT"},
                                                            {"stick-fat32.img", "FAT32"},
@@ -64,7 +65,7 @@ TEST_F(MediumImageTest, SticksOfEachFormatAreRemovable) {
     }
 }
 
-TEST_F(MediumImageTest, LettersComeAfterThoseOfTheDisks) {
+TEST_F(MediumImageTest, DisksWithLetters_Insert_AssignsTheNextFreeLetter) {
     Pc pc = PcOfImages({FactoryMbrImage()}, SystemKind::WindowsPe, ImageAccess::Read);
 
     InsertStick(pc, MadeImage("stick-fat12.img"));
@@ -76,7 +77,7 @@ TEST_F(MediumImageTest, LettersComeAfterThoseOfTheDisks) {
     EXPECT_EQ(pc.volumes[2].letters, "G");
 }
 
-TEST_F(MediumImageTest, NoLetterIsLeft) {
+TEST_F(MediumImageTest, AllLettersUsed_Insert_AssignsNoLetter) {
     Pc pc;
     pc.volumes.resize(1);
     pc.volumes[0].letters = "CDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -86,7 +87,7 @@ TEST_F(MediumImageTest, NoLetterIsLeft) {
     EXPECT_EQ(pc.volumes[1].letters, "");
 }
 
-TEST_F(MediumImageTest, DescribedMediumKeepsWhatAnImageCannotTell) {
+TEST_F(MediumImageTest, DescribedMedium_Attach_KeepsFactsThatAnImageLacks) {
     Volume volume;
     volume.image = MadeImage("stick-fat16.img");
     volume.driveType = DriveType::Removable;
@@ -103,7 +104,7 @@ TEST_F(MediumImageTest, DescribedMediumKeepsWhatAnImageCannotTell) {
     EXPECT_EQ(volume.store->Find("sources/idf"), FileKind::Folder);
 }
 
-TEST_F(MediumImageTest, ImageInAFixedDriveIsRefused) {
+TEST_F(MediumImageTest, FixedDrive_Attach_IsRefused) {
     Volume volume;
     volume.image = MadeImage("stick-fat16.img");
 
@@ -116,7 +117,7 @@ TEST_F(MediumImageTest, ImageInAFixedDriveIsRefused) {
     }
 }
 
-TEST_F(MediumImageTest, FileThatIsNoDiscIsRefused) {
+TEST_F(MediumImageTest, FileWithoutDisc_Insert_IsRefused) {
     const std::string stick = MadeImage("stick-fat12.img");
     const std::string none = stick + ".none";
 
@@ -124,7 +125,7 @@ TEST_F(MediumImageTest, FileThatIsNoDiscIsRefused) {
     EXPECT_EQ(Refusal(InsertDisc, none), none + ": no such file");
 }
 
-TEST_F(MediumImageTest, FileThatIsNoStickIsRefused) {
+TEST_F(MediumImageTest, FileWithoutStick_Insert_IsRefused) {
     const std::string disc = MadeImage("disc-iso.iso");
     const std::string bare = PartitionedImage(20, "label: dos\\n1: start=2048,size=2048,type=7\\n");
     const std::string locked = PartitionFile(MadeImage("bitlocker.img"), 41, 80);
@@ -135,7 +136,7 @@ TEST_F(MediumImageTest, FileThatIsNoStickIsRefused) {
               locked + ": a volume of BitLocker, but only FAT and NTFS are read");
 }
 
-TEST_F(MediumImageTest, TruncatedMediumIsRefused) {
+TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
     const auto cut = [&](const char* name, uintmax_t size) {
         std::string image = MadeImage(name);
         std::filesystem::resize_file(image, size);
@@ -155,7 +156,7 @@ TEST_F(MediumImageTest, TruncatedMediumIsRefused) {
         const std::string stick = cut(name, 2ULL * 1024 * 1024);
         EXPECT_EQ(Refusal(InsertStick, stick), isCut(stick, fileSystem));
     }
-    // What is left of a volume can look like a partition table without an entry.
+    // A damaged volume can look like an empty partition table.
     const std::string sector = cut("stick-fat32.img", 512);
     EXPECT_EQ(
         Refusal(InsertStick, sector),
@@ -163,9 +164,9 @@ TEST_F(MediumImageTest, TruncatedMediumIsRefused) {
             ": no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated");
 }
 
-TEST_F(MediumImageTest, DamagedMediumIsRefused) {
+TEST_F(MediumImageTest, DamagedMedium_Insert_IsRefused) {
     const std::string disc = MadeImage("disc-udf.iso");
-    PatchByte(disc, 257ULL * 2048 + 1, 0);  // the way to the root folder
+    PatchByte(disc, 257ULL * 2048 + 1, 0);  // the descriptor that leads to the root folder
     const std::string stick = MadeImage("stick-fat32.img");
     PatchByte(stick, 44, 0);  // the root folder's cluster
 
@@ -175,7 +176,7 @@ TEST_F(MediumImageTest, DamagedMediumIsRefused) {
               stick + ": its FAT32 file system is damaged, truncated, or of a kind that is not read here");
 }
 
-TEST_F(MediumImageTest, OneFileIsNotTwoMedia) {
+TEST_F(MediumImageTest, FileInUse_Insert_IsRefused) {
     Pc pc = PcOfImages({FactoryMbrImage()}, SystemKind::WindowsPe, ImageAccess::Read);
     const std::string stick = MadeImage("stick-fat12.img");
     InsertStick(pc, stick);

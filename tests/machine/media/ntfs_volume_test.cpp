@@ -1,4 +1,4 @@
-// Files of an NTFS volume in an image, looked at afterwards with the tools of ntfs-3g.
+// Files of an NTFS volume on an image, checked with the tools of ntfs-3g.
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -36,14 +36,14 @@ class NtfsVolumeTest : public ImageTest {
     Disk disk_;
 };
 
-// Where the text stands in the file, as UTF-16.
+// The offset of the text in the file, as UTF-16.
 uint64_t FindWide(const std::string& file, const std::string& text) {
     std::ifstream stream(file, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
     std::string wide;
     for (const char character : text)
         wide += {character, '\0'};
-    // The index of the folder has the name too; the record of the file begins with FILE.
+    // The name is also in the folder's index; the record of the file begins with FILE.
     for (size_t at = bytes.find(wide); at != std::string::npos; at = bytes.find(wide, at + 1)) {
         const size_t record = at / 1024 * 1024;
         if (bytes.compare(record, 4, "FILE") == 0 && (bytes[record + 22] & 2) == 0) return record;
@@ -52,7 +52,7 @@ uint64_t FindWide(const std::string& file, const std::string& text) {
     return 0;
 }
 
-TEST_F(NtfsVolumeTest, FindLooksUpWithoutRegardToCase) {
+TEST_F(NtfsVolumeTest, OtherCase_Find_ReturnsTheFile) {
     FileStore& store = Open(ImageAccess::Read);
 
     EXPECT_EQ(store.Find("Windows/System32/Winload.exe"), FileKind::File);
@@ -66,7 +66,7 @@ TEST_F(NtfsVolumeTest, FindLooksUpWithoutRegardToCase) {
     EXPECT_EQ(store.Find("\xFF\xFE"), FileKind::None);
 }
 
-TEST_F(NtfsVolumeTest, ReadingLeavesTheImageAsItWas) {
+TEST_F(NtfsVolumeTest, AnyFile_Read_LeavesTheImageUnchanged) {
     std::string content;
     EXPECT_EQ(Open(ImageAccess::Read).Read("WINDOWS/system32/winload.exe", content), 0u);
     EXPECT_EQ(content, "MZ");
@@ -75,7 +75,7 @@ TEST_F(NtfsVolumeTest, ReadingLeavesTheImageAsItWas) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(NtfsVolumeTest, ReadTellsWhatIsNoFile) {
+TEST_F(NtfsVolumeTest, FolderOrMissingFile_Read_FailsWithItsError) {
     FileStore& store = Open(ImageAccess::Read);
     std::string content = "untouched";
 
@@ -86,7 +86,7 @@ TEST_F(NtfsVolumeTest, ReadTellsWhatIsNoFile) {
     EXPECT_EQ(content, "untouched");
 }
 
-TEST_F(NtfsVolumeTest, ReadingRefusesChanges) {
+TEST_F(NtfsVolumeTest, ReadOnlyImage_WriteAndRemove_FailWithWriteProtect) {
     FileStore& store = Open(ImageAccess::Read);
 
     EXPECT_EQ(store.Write("new.txt", "x"), 19u);
@@ -94,25 +94,25 @@ TEST_F(NtfsVolumeTest, ReadingRefusesChanges) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(NtfsVolumeTest, OpeningForWritingChangesNothing) {
+TEST_F(NtfsVolumeTest, CleanVolume_OpenForWriting_ChangesNothing) {
     EXPECT_EQ(Open(ImageAccess::Write).Find("Users"), FileKind::Folder);
     disk_ = Disk();
 
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(NtfsVolumeTest, NewFileIsOnTheMediumWhenWriteAnswers) {
+TEST_F(NtfsVolumeTest, NewFile_Write_IsOnTheMediumWhenItReturns) {
     FileStore& store = Open(ImageAccess::Write);
 
     EXPECT_EQ(store.Write("SystemVolume.ini", iniText), 0u);
 
-    // The image is still open: what the tools see does not wait for its closing.
+    // The image is still open: the changes are visible to other tools before it is closed.
     EXPECT_EQ(Content("SystemVolume.ini"), iniText);
     EXPECT_THAT(Listing(), HasSubstr("SystemVolume.ini"));
     EXPECT_TRUE(IsConsistent());
 }
 
-TEST_F(NtfsVolumeTest, FileIsOnTheMediumBeforeTheFlagMoves) {
+TEST_F(NtfsVolumeTest, NewFileThenActiveFlag_Write_ReachesTheMediumFirst) {
     FileStore& store = Open(ImageAccess::Write);
 
     EXPECT_EQ(store.Write("SystemVolume.ini", iniText), 0u);
@@ -124,7 +124,7 @@ TEST_F(NtfsVolumeTest, FileIsOnTheMediumBeforeTheFlagMoves) {
     EXPECT_EQ(Content("SystemVolume.ini"), iniText);
 }
 
-TEST_F(NtfsVolumeTest, OverwritingKeepsTheNameAndReplacesTheContent) {
+TEST_F(NtfsVolumeTest, ExistingFile_Write_KeepsTheNameAndReplacesTheContent) {
     FileStore& store = Open(ImageAccess::Write);
     const std::string large(100'000, 'L');
 
@@ -141,7 +141,7 @@ TEST_F(NtfsVolumeTest, OverwritingKeepsTheNameAndReplacesTheContent) {
     EXPECT_TRUE(IsConsistent());
 }
 
-TEST_F(NtfsVolumeTest, NamesBeyondAsciiAreUnicode) {
+TEST_F(NtfsVolumeTest, UnicodeName_Write_IsStoredAsUnicode) {
     FileStore& store = Open(ImageAccess::Write);
 
     EXPECT_EQ(store.Write("Übung Ω.txt", "x"), 0u);
@@ -150,7 +150,7 @@ TEST_F(NtfsVolumeTest, NamesBeyondAsciiAreUnicode) {
     EXPECT_THAT(OutputOf("LC_ALL=C.UTF-8 ntfsls --force '" + Cut() + "'"), HasSubstr("Übung Ω.txt"));
 }
 
-TEST_F(NtfsVolumeTest, WriteRefusesWhatWindowsWould) {
+TEST_F(NtfsVolumeTest, PathThatWindowsRefuses_Write_FailsWithItsError) {
     FileStore& store = Open(ImageAccess::Write);
 
     EXPECT_EQ(store.Write("nope/new.txt", "x"), 3u);
@@ -166,7 +166,7 @@ TEST_F(NtfsVolumeTest, WriteRefusesWhatWindowsWould) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(NtfsVolumeTest, RemovedFileIsGoneFromTheMedium) {
+TEST_F(NtfsVolumeTest, ExistingFile_Remove_DeletesItFromTheMedium) {
     FileStore& store = Open(ImageAccess::Write);
     EXPECT_EQ(store.Write("SystemVolume.ini", iniText), 0u);
 
@@ -177,7 +177,7 @@ TEST_F(NtfsVolumeTest, RemovedFileIsGoneFromTheMedium) {
     EXPECT_EQ(store.Remove("SystemVolume.ini"), 2u);
 }
 
-TEST_F(NtfsVolumeTest, RemoveRefusesFoldersAndTheFileSystemsOwn) {
+TEST_F(NtfsVolumeTest, FolderOrSystemFile_Remove_Fails) {
     FileStore& store = Open(ImageAccess::Write);
 
     EXPECT_EQ(store.Remove("nope.txt"), 2u);
@@ -187,8 +187,8 @@ TEST_F(NtfsVolumeTest, RemoveRefusesFoldersAndTheFileSystemsOwn) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(NtfsVolumeTest, ReadOnlyFileIsNeitherOverwrittenNorRemoved) {
-    // The attribute stands in the file's first record, in its standard information.
+TEST_F(NtfsVolumeTest, ReadOnlyFile_WriteAndRemove_Fail) {
+    // The attribute is in the standard information of the file's record.
     const std::string partition = Cut();
     PatchByte(partition, FindWide(partition, "Winload.exe") + 0x70, 0x01);
     PutPartition(partition, image_, 61);
@@ -199,7 +199,7 @@ TEST_F(NtfsVolumeTest, ReadOnlyFileIsNeitherOverwrittenNorRemoved) {
     EXPECT_EQ(Content("Windows/System32/Winload.exe"), "MZ");
 }
 
-TEST_F(NtfsVolumeTest, FullVolumeLosesNothing) {
+TEST_F(NtfsVolumeTest, FullVolume_Write_FailsAndKeepsTheOldContent) {
     FileStore& store = Open(ImageAccess::Write);
     EXPECT_EQ(store.Write("Note.txt", "kept"), 0u);
     const std::string tooMuch(130 * MiB, 'L');
@@ -212,7 +212,7 @@ TEST_F(NtfsVolumeTest, FullVolumeLosesNothing) {
     EXPECT_TRUE(IsConsistent());
 }
 
-TEST_F(NtfsVolumeTest, MediumThatCannotBeWrittenIsTold) {
+TEST_F(NtfsVolumeTest, FailingMedium_Write_FailsWithIoError) {
     FileStore& store = Open(ImageAccess::Write);
     signal(SIGXFSZ, SIG_IGN);
     rlimit before = {};
@@ -227,7 +227,7 @@ TEST_F(NtfsVolumeTest, MediumThatCannotBeWrittenIsTold) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(NtfsVolumeTest, DryRunSeesItsOwnChangesAndWritesNothing) {
+TEST_F(NtfsVolumeTest, DryRun_Write_IsReadBackAndWritesNothing) {
     FileStore& store = Open(ImageAccess::Overlay);
     std::string content;
 
@@ -242,7 +242,7 @@ TEST_F(NtfsVolumeTest, DryRunSeesItsOwnChangesAndWritesNothing) {
     EXPECT_TRUE(AreSame(original_, image_));
 }
 
-TEST_F(NtfsVolumeTest, ManyFilesLeaveAConsistentVolume) {
+TEST_F(NtfsVolumeTest, ManyFiles_WriteAndRemove_LeaveAConsistentVolume) {
     FileStore& store = Open(ImageAccess::Write);
 
     for (int i = 0; i < 60; ++i)

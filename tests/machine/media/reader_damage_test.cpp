@@ -1,5 +1,5 @@
-// Damaged discs, sticks and hives: many bytes become others, and whatever is asked is answered or refused,
-// never more, and never a write.
+// Damaged discs, sticks and hives: with many bytes changed, each query is answered or refused, without a
+// crash or a write.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -16,7 +16,7 @@ namespace {
 
 class ReaderDamageTest : public ImageTest {
   protected:
-    // A file that holds the hive of the installed Windows.
+    // A file with the hive of the installed Windows.
     std::string HiveFile() {
         const Disk disk = Attach(MadeImage("installed-windows.img"));
         std::string content;
@@ -27,13 +27,13 @@ class ReaderDamageTest : public ImageTest {
     }
 };
 
-// A stretch of a file, in bytes.
+// A range of a file, in bytes.
 struct Stretch {
     uint64_t from;
     uint64_t to;
 };
 
-// Makes up to 16 bytes of the stretch others at a time, asks, and puts back what was there, many times over.
+// Repeatedly changes up to 16 bytes of the range, runs the queries and restores the bytes.
 void ExpectUnharmed(const std::string& image, Stretch stretch, uint32_t seed,
                     void (*ask)(const std::string& image)) {
     constexpr int rounds = 1000;
@@ -44,7 +44,7 @@ void ExpectUnharmed(const std::string& image, Stretch stretch, uint32_t seed,
         std::vector<uint64_t> places;
         for (auto count = 1 + random() % 16; count > 0; --count) {
             places.push_back(stretch.from + random() % (stretch.to - stretch.from));
-            // Zeros, ones and all bits lead further than others.
+            // Zeros, ones and all bits set are the most effective values.
             const uint8_t values[] = {0, 1, 0xFF, static_cast<uint8_t>(random())};
             PatchByte(image, places.back(), values[random() % 4]);
         }
@@ -72,7 +72,7 @@ void AskDisc(const std::string& image) {
         InsertDisc(pc, image);
         AskFiles(*pc.volumes.front().store);
     } catch (const ImageError&) {
-        // A refusal is an answer.
+        // A refusal is expected.
     }
 }
 
@@ -82,7 +82,7 @@ void AskStick(const std::string& image) {
         InsertStick(pc, image);
         AskFiles(*pc.volumes.front().store);
     } catch (const ImageError&) {
-        // A refusal is an answer.
+        // A refusal is expected.
     }
 }
 
@@ -94,39 +94,39 @@ void AskHive(const std::string& image) {
 constexpr uint64_t KiB = 1024;
 constexpr Stretch fatParameters = {11, 64};
 
-TEST_F(ReaderDamageTest, Fat12) {
+TEST_F(ReaderDamageTest, DamagedFat12_Read_AnswersOrFails) {
     const std::string image = MadeImage("stick-fat12.img");
     ExpectUnharmed(image, fatParameters, 1, AskStick);
     ExpectUnharmed(image, {0, 24 * KiB}, 2, AskStick);
 }
 
-TEST_F(ReaderDamageTest, Fat16) {
+TEST_F(ReaderDamageTest, DamagedFat16_Read_AnswersOrFails) {
     const std::string image = MadeImage("stick-fat16.img");
     ExpectUnharmed(image, fatParameters, 3, AskStick);
     ExpectUnharmed(image, {2 * KiB, 3 * KiB}, 4, AskStick);
 }
 
-TEST_F(ReaderDamageTest, Fat32) {
+TEST_F(ReaderDamageTest, DamagedFat32_Read_AnswersOrFails) {
     const std::string image = MadeImage("stick-fat32.img");
     ExpectUnharmed(image, fatParameters, 5, AskStick);
     ExpectUnharmed(image, {16 * KiB, 17 * KiB}, 6, AskStick);
 }
 
-TEST_F(ReaderDamageTest, Iso) {
+TEST_F(ReaderDamageTest, DamagedIso_Read_AnswersOrFails) {
     ExpectUnharmed(MadeImage("disc-iso.iso"), {32 * KiB, 64 * KiB}, 7, AskDisc);
 }
 
-TEST_F(ReaderDamageTest, Joliet) {
+TEST_F(ReaderDamageTest, DamagedJoliet_Read_AnswersOrFails) {
     ExpectUnharmed(MadeImage("disc-joliet.iso"), {32 * KiB, 72 * KiB}, 8, AskDisc);
 }
 
-TEST_F(ReaderDamageTest, Udf) {
+TEST_F(ReaderDamageTest, DamagedUdf_Read_AnswersOrFails) {
     const std::string image = MadeImage("disc-udf.iso");
     ExpectUnharmed(image, {64 * KiB, 76 * KiB}, 9, AskDisc);
     ExpectUnharmed(image, {512 * KiB, 552 * KiB}, 10, AskDisc);
 }
 
-TEST_F(ReaderDamageTest, Hive) {
+TEST_F(ReaderDamageTest, DamagedHive_Read_AnswersOrFails) {
     const std::string hive = HiveFile();
     ExpectUnharmed(hive, {0, 4 * KiB}, 11, AskHive);
     ExpectUnharmed(hive, {4 * KiB, 6 * KiB}, 12, AskHive);

@@ -1,4 +1,4 @@
-// What the tests of COM, the Virtual Disk Service and WMI hold while they look at an emulated PC.
+// Fixtures of the tests of COM, the Virtual Disk Service and WMI.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@
 #include "machine/journal/emulated_pc.h"
 #include "platform/vds.h"
 
-// One reference to an interface, released at the end.
+// A reference to an interface, released in the destructor.
 template <typename Interface>
 class Held {
   public:
@@ -35,7 +35,7 @@ class Held {
     Interface* pointer_ = nullptr;
 };
 
-// COM on this thread.
+// COM, initialised on this thread.
 class Apartment {
   public:
     Apartment() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
@@ -44,12 +44,12 @@ class Apartment {
     Apartment& operator=(const Apartment&) = delete;
 };
 
-// A PC and a client of its COM runtime. What `OnLoan` tells comes on top of the apartment.
+// A PC and a client of its COM runtime. `OnLoan` does not count the apartment.
 class ComClient {
   public:
     explicit ComClient(machine::Pc facts) : pc(std::move(facts)) {}
 
-    // Kinds and counts of what the platform lent, without the apartment itself.
+    // What the platform has handed out, by kind, without the apartment.
     std::map<std::string, int> OnLoan() const {
         std::map<std::string, int> outstanding = pc.ledger.Outstanding();
         outstanding.erase("COM initialization");
@@ -62,7 +62,7 @@ class ComClient {
 
 using Loans = std::map<std::string, int>;
 
-// The same object through another interface; fails the test when it has none.
+// Another interface of the same object; fails the test if there is none.
 template <typename Interface>
 Held<Interface> Ask(IUnknown* object, REFIID iid) {
     Held<Interface> asked;
@@ -73,15 +73,15 @@ Held<Interface> Ask(IUnknown* object, REFIID iid) {
 // --- Virtual Disk Service ---
 
 Held<IVdsService> LoadVds();
-// All objects that are left in the list.
+// The remaining objects of the enumeration.
 std::vector<Held<IUnknown>> AllOf(IEnumVdsObject* list);
-// Disks that no pack has, by VDS name.
+// The unallocated disks, by VDS name.
 std::vector<std::string> UnallocatedDisks(IVdsService* service);
 // The packs of the providers with the names of their disks: "basic: pack data (4): \\?\PhysicalDrive1".
 std::vector<std::string> PackLines(IVdsService* service);
-// Id of the disk of that VDS name; fails the test when no pack has it.
+// The id of the disk with that VDS name; fails the test if no pack contains it.
 VDS_OBJECT_ID DiskId(IVdsService* service, const std::string& name);
-// The disk by id through one of its interfaces.
+// An interface of the disk with that id.
 template <typename Interface>
 Held<Interface> OpenDisk(IVdsService* service, VDS_OBJECT_ID id, REFIID iid) {
     Held<IUnknown> object;
@@ -90,18 +90,18 @@ Held<Interface> OpenDisk(IVdsService* service, VDS_OBJECT_ID id, REFIID iid) {
 }
 // Frees the five strings of the record.
 void FreeStrings(VDS_DISK_PROP& properties);
-// The extents of a disk; their array is freed already.
+// The extents of a disk; frees their array.
 std::vector<VDS_DISK_EXTENT> ExtentsOf(IVdsDisk* disk);
-// The partitions of a disk; their array is freed already.
+// The partitions of a disk; frees their array.
 std::vector<VDS_PARTITION_PROP> PartitionsOf(IVdsAdvancedDisk* disk);
 
-// A PC whose first disk is open: what most tests of the service begin with.
+// A PC with its first disk opened, the starting point of most tests.
 class DiskClient : public ComClient {
   public:
     explicit DiskClient(machine::Pc facts);
 
     machine::Partition& Partition(uint32_t number);
-    // Takes the volume id of the partition's extent; GUID_NULL when it has none.
+    // The volume id of the partition's extent; GUID_NULL if it has none.
     VDS_OBJECT_ID VolumeId(uint32_t number) const;
 
     Held<IVdsService> service;
@@ -112,7 +112,7 @@ class DiskClient : public ComClient {
 
 // --- WMI ---
 
-// A system string for one call.
+// A temporary system string.
 class SystemString {
   public:
     explicit SystemString(const std::string& text) : string_(SysAllocString(ToWide(text).c_str())) {}
@@ -126,8 +126,8 @@ class SystemString {
 };
 
 Held<IWbemServices> ConnectWmi(const std::string& space = "\\\\.\\root\\CIMV2");
-// The text of a property; "null" when it is absent, "?" when it is another kind of value or cannot be read.
+// The text of a property; "null" if absent, "?" for other types and on failure.
 std::string TextOf(IWbemClassObject* object, const std::string& name);
-// All instances of a class, each as the texts of the named properties.
+// All instances of a class as texts of the named properties.
 std::vector<std::vector<std::string>> InstancesOf(IWbemServices* services, const std::string& className,
                                                   const std::vector<std::string>& names);

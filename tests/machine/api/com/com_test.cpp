@@ -27,7 +27,7 @@ HRESULT Create(REFCLSID clsid, DWORD context, REFIID iid, IUnknown* outer = null
 
 }  // namespace
 
-TEST(CoInitializeEx, CountsUntilEverySuccessIsUndone) {
+TEST(CoInitializeEx, Repeated_CountsUntilEachSuccessIsUndone) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE);
@@ -38,40 +38,40 @@ TEST(CoInitializeEx, CountsUntilEverySuccessIsUndone) {
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
 }
 
-TEST(CoInitializeEx, RefusesAnotherModel) {
+TEST(CoInitializeEx, OtherModel_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE);
     EXPECT_EQ(pc.ledger.Outstanding(), (Loans{{"COM initialization", 1}}));
 }
 
-TEST(CoUninitialize, OnceTooOftenIsAViolation) {
+TEST(CoUninitialize, Unmatched_IsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
     CoUninitialize();
     EXPECT_EQ(pc.ledger.Violations().size(), 1u);
     EXPECT_EQ(pc.journal.Calls("CoUninitialize").size(), 1u);
 }
 
-TEST(CoInitializeSecurity, SucceedsOnce) {
+TEST(CoInitializeSecurity, Repeated_SucceedsOnce) {
     ComClient client(machine::FactoryMbr());
     EXPECT_EQ(SetSecurity(), S_OK);
     EXPECT_EQ(SetSecurity(), RPC_E_TOO_LATE);
     EXPECT_EQ(SetSecurity(), RPC_E_TOO_LATE);
 }
 
-TEST(CoInitializeSecurity, NeedsAnApartment) {
+TEST(CoInitializeSecurity, NoApartment_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(SetSecurity(), CO_E_NOTINITIALIZED);
 }
 
-TEST(CoInitializeSecurity, FailsAfterItsEffect) {
+TEST(CoInitializeSecurity, FaultAfterEffect_CountsAsTheOneCall) {
     ComClient client(machine::FactoryMbr());
     client.pc.faults.Arm({"CoInitializeSecurity", 1, false, true, 0x80004005});
     EXPECT_EQ(SetSecurity(), E_FAIL);
     EXPECT_EQ(SetSecurity(), RPC_E_TOO_LATE);
 }
 
-TEST(CoCreateInstance, MakesTheTwoClassesInTheirContexts) {
+TEST(CoCreateInstance, KnownClasses_AreCreatedInTheirContexts) {
     ComClient client(machine::FactoryMbr());
     EXPECT_EQ(Create(CLSID_VdsLoader, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader), S_OK);
     EXPECT_EQ(Create(CLSID_VdsLoader, CLSCTX_ALL, IID_IUnknown), S_OK);
@@ -79,14 +79,14 @@ TEST(CoCreateInstance, MakesTheTwoClassesInTheirContexts) {
     EXPECT_EQ(client.OnLoan(), Loans());
 }
 
-TEST(CoCreateInstance, KnowsNoOtherClassAndNoOtherContext) {
+TEST(CoCreateInstance, UnknownClassOrContext_Fails) {
     ComClient client(machine::FactoryMbr());
     EXPECT_EQ(Create(CLSID_VdsLoader, CLSCTX_INPROC_SERVER, IID_IVdsServiceLoader), REGDB_E_CLASSNOTREG);
     EXPECT_EQ(Create(CLSID_WbemLocator, CLSCTX_LOCAL_SERVER, IID_IWbemLocator), REGDB_E_CLASSNOTREG);
     EXPECT_EQ(Create(IID_IVdsDisk, CLSCTX_ALL, IID_IUnknown), REGDB_E_CLASSNOTREG);
 }
 
-TEST(CoCreateInstance, RefusesWhatTheClassLacks) {
+TEST(CoCreateInstance, AggregationOrUnknownInterface_Fails) {
     ComClient client(machine::FactoryMbr());
     const Held<IVdsService> outer = LoadVds();
     EXPECT_EQ(Create(CLSID_VdsLoader, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader, outer.Get()),
@@ -96,12 +96,12 @@ TEST(CoCreateInstance, RefusesWhatTheClassLacks) {
               E_POINTER);
 }
 
-TEST(CoCreateInstance, NeedsAnApartment) {
+TEST(CoCreateInstance, NoApartment_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(Create(CLSID_VdsLoader, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader), CO_E_NOTINITIALIZED);
 }
 
-TEST(CoCreateInstance, JournalNamesTheClass) {
+TEST(CoCreateInstance, AnyClass_JournalsItsName) {
     ComClient client(machine::FactoryMbr());
     Create(CLSID_VdsLoader, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader);
     Create(IID_IVdsDisk, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader);
@@ -113,7 +113,7 @@ TEST(CoCreateInstance, JournalNamesTheClass) {
     EXPECT_EQ(calls[1].result, "0x80040154");
 }
 
-TEST(CoSetProxyBlanket, NeedsAProxy) {
+TEST(CoSetProxyBlanket, LocalObject_Fails) {
     ComClient client(machine::FactoryMbr());
     Held<IWbemLocator> locator;
     ASSERT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,

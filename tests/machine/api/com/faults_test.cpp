@@ -1,5 +1,5 @@
-// Every call of COM, the Virtual Disk Service and WMI under an injected failure and an injected empty
-// success: the code is the answer, every output is empty, and nothing is lent.
+// Every call of COM, the Virtual Disk Service and WMI with an injected failure and with an injected empty
+// success: the code is returned, every output is cleared, and nothing is handed out.
 #include <functional>
 
 #include "machine/facts/call_table.h"
@@ -8,13 +8,13 @@
 
 namespace {
 
-// What an output holds before the call, so that emptying it shows.
+// The initial value of outputs, to prove that they are cleared.
 template <typename Type>
 Type* Poison() {
     return reinterpret_cast<Type*>(0x10);
 }
 
-// Everything that the calls need, opened before the fault is armed.
+// All objects that the calls need, created before the fault is armed.
 class FaultClient : public DiskClient {
   public:
     FaultClient() : DiskClient(machine::FactoryMbr()) {
@@ -54,7 +54,7 @@ class FaultClient : public DiskClient {
 
 struct Row {
     std::string call;
-    // Makes the call; `empty` becomes whether every output was emptied.
+    // Makes the call and sets `empty` if every output was cleared.
     std::function<HRESULT(FaultClient&, bool& empty)> make;
 };
 
@@ -289,17 +289,17 @@ void ExpectInjected(const Row& row, uint32_t code) {
 
 }  // namespace
 
-TEST(InjectedFault, IsTheAnswerAndLeavesNothing) {
+TEST(InjectedFault, EveryCall_ReturnsTheCodeAndClearsOutputs) {
     for (const Row& row : Rows())
         ExpectInjected(row, 0x80004005);
 }
 
-TEST(InjectedSuccess, LeavesNothingEither) {
+TEST(InjectedSuccess, EveryCall_ReturnsSuccessAndClearsOutputs) {
     for (const Row& row : Rows())
         ExpectInjected(row, 0);
 }
 
-TEST(InjectedFault, HasARowForEveryCall) {
+TEST(InjectedFault, EveryCall_HasARow) {
     std::map<std::string, int> rows;
     for (const Row& row : Rows())
         ++rows[row.call];

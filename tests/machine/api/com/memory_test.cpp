@@ -7,7 +7,7 @@
 
 using machine::EmulatedPc;
 
-TEST(CoTaskMemory, IsLentAndGivenBack) {
+TEST(CoTaskMemory, AllocateAndFree_IsCountedUntilFreed) {
     EmulatedPc pc(machine::FactoryMbr());
     void* const memory = CoTaskMemAlloc(16);
     std::memset(memory, 0xFF, 16);
@@ -18,15 +18,15 @@ TEST(CoTaskMemory, IsLentAndGivenBack) {
     EXPECT_TRUE(pc.ledger.Violations().empty());
 }
 
-TEST(CoTaskMemory, FreedTwiceIsAViolation) {
+TEST(CoTaskMemory, FreedTwice_IsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
-    void* volatile memory = CoTaskMemAlloc(16);  // volatile: the compiler must not see through it
+    void* volatile memory = CoTaskMemAlloc(16);  // volatile, to prevent optimisation
     CoTaskMemFree(memory);
     CoTaskMemFree(memory);
     EXPECT_EQ(pc.ledger.Violations().size(), 1u);
 }
 
-TEST(SystemStrings, HoldTheTextAndItsLength) {
+TEST(SystemStrings, AnyText_HasTextAndLength) {
     EmulatedPc pc(machine::FactoryMbr());
     const BSTR string = SysAllocString(TEXT("CIMV2"));
     EXPECT_EQ(ToUtf8(string), "CIMV2");
@@ -38,13 +38,13 @@ TEST(SystemStrings, HoldTheTextAndItsLength) {
     EXPECT_TRUE(pc.ledger.Outstanding().empty());
 }
 
-TEST(SystemStrings, OfNoTextAreNull) {
+TEST(SystemStrings, NullText_IsNull) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(SysAllocString(nullptr), nullptr);
     EXPECT_TRUE(pc.ledger.Outstanding().empty());
 }
 
-TEST(SystemStrings, FailWithoutMemory) {
+TEST(SystemStrings, OutOfMemory_IsNull) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.faults.Arm({"SysAllocString", 1, false, false, ERROR_OUTOFMEMORY});
     EXPECT_EQ(SysAllocString(TEXT("x")), nullptr);
@@ -52,14 +52,14 @@ TEST(SystemStrings, FailWithoutMemory) {
     EXPECT_TRUE(pc.ledger.Outstanding().empty());
 }
 
-TEST(SystemStrings, AreNoTaskMemory) {
+TEST(SystemStrings, FreedAsTaskMemory_IsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
     CoTaskMemFree(pc.ledger.Lend("BSTR", "BSTR", 16));
     EXPECT_EQ(pc.ledger.Violations(),
               (std::vector<std::string>{"BSTR freed with CoTaskMem instead of BSTR"}));
 }
 
-TEST(VariantClear, FreesWhatItHolds) {
+TEST(VariantClear, String_IsFreed) {
     EmulatedPc pc(machine::FactoryMbr());
     VARIANT variant;
     VariantInit(&variant);
@@ -72,7 +72,7 @@ TEST(VariantClear, FreesWhatItHolds) {
     EXPECT_TRUE(pc.ledger.Outstanding().empty());
 }
 
-TEST(VariantClear, ReleasesAnInterface) {
+TEST(VariantClear, Interface_IsReleased) {
     ComClient client(machine::FactoryMbr());
     Held<IVdsService> service = LoadVds();
     VARIANT variant;
@@ -85,7 +85,7 @@ TEST(VariantClear, ReleasesAnInterface) {
     EXPECT_EQ(VariantClear(&variant), S_OK) << "a null interface";
 }
 
-TEST(VariantClear, RefusesWhatNothingPutsIn) {
+TEST(VariantClear, UnsupportedType_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     VARIANT variant;
     VariantInit(&variant);

@@ -1,8 +1,8 @@
-// Identity, references and their books.
+// Identity, references and their ledger entries.
 #include "machine/facts/machines.h"
 #include "tests/machine/api/com/com_client.h"
 
-TEST(QueryInterface, OneObjectAnswersForTheDiskAndItsPartitions) {
+TEST(QueryInterface, Disk_HasTheInterfacesOfDiskAndPartitions) {
     DiskClient client(machine::FactoryMbr());
     const Held<IUnknown> identity = Ask<IUnknown>(client.disk.Get(), IID_IUnknown);
     EXPECT_EQ(Ask<IUnknown>(client.advanced.Get(), IID_IUnknown).Get(), identity.Get());
@@ -10,7 +10,7 @@ TEST(QueryInterface, OneObjectAnswersForTheDiskAndItsPartitions) {
     EXPECT_EQ(Ask<IVdsDisk>(identity.Get(), IID_IVdsDisk).Get(), client.disk.Get());
 }
 
-TEST(QueryInterface, RefusesAnInterfaceThatTheObjectLacks) {
+TEST(QueryInterface, UnknownInterface_Fails) {
     DiskClient client(machine::FactoryMbr());
     void* asked = client.disk.Get();
     EXPECT_EQ(client.disk->QueryInterface(IID_IVdsVolumeMF, &asked), E_NOINTERFACE);
@@ -18,7 +18,7 @@ TEST(QueryInterface, RefusesAnInterfaceThatTheObjectLacks) {
     EXPECT_EQ(client.disk->QueryInterface(IID_IVdsDisk, nullptr), E_POINTER);
 }
 
-TEST(QueryInterface, JournalNamesTheInterface) {
+TEST(QueryInterface, AnyInterface_JournalsItsName) {
     DiskClient client(machine::FactoryMbr());
     client.pc.journal.Clear();
     Ask<IVdsAdvancedDisk2>(client.disk.Get(), IID_IVdsAdvancedDisk2);
@@ -30,7 +30,7 @@ TEST(QueryInterface, JournalNamesTheInterface) {
     EXPECT_EQ(calls[1].arguments.front(), "ee2d5ded-6236-4169-931d-b9778ce03dc6");
 }
 
-TEST(References, LedgerCountsEachInterfaceUnderItsName) {
+TEST(References, SeveralInterfaces_AreCountedByName) {
     DiskClient client(machine::FactoryMbr());
     EXPECT_EQ(
         client.OnLoan(),
@@ -42,7 +42,7 @@ TEST(References, LedgerCountsEachInterfaceUnderItsName) {
     EXPECT_TRUE(client.pc.ledger.Violations().empty());
 }
 
-TEST(References, OneReleaseTooManyIsAViolationThatNamesTheInterface) {
+TEST(References, ExtraRelease_IsAViolationWithTheInterface) {
     ComClient client(machine::WinPeTwoDisks());
     const Held<IVdsService> service = LoadVds();
     const Held<IVdsDisk> other =
@@ -56,7 +56,7 @@ TEST(References, OneReleaseTooManyIsAViolationThatNamesTheInterface) {
     EXPECT_EQ(client.OnLoan()["IVdsDisk"], 1) << "the reference to the other disk";
 }
 
-TEST(References, ACallThroughAReleasedInterfaceIsAViolation) {
+TEST(References, CallThroughReleasedInterface_IsAViolation) {
     ComClient client(machine::FactoryMbr());
     Held<IVdsService> held = LoadVds();
     IVdsService* const service = std::exchange(*held.Put(), nullptr);
@@ -67,7 +67,7 @@ TEST(References, ACallThroughAReleasedInterfaceIsAViolation) {
         (std::vector<std::string>{"IVdsService::IsServiceReady called through a released IVdsService"}));
 }
 
-TEST(References, ALeakedOneStaysInTheLedger) {
+TEST(References, Leaked_StaysInTheLedger) {
     ComClient client(machine::FactoryMbr());
     *LoadVds().Put() = nullptr;
     EXPECT_EQ(client.OnLoan(), (Loans{{"IVdsService", 1}}));

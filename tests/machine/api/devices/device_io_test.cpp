@@ -7,7 +7,7 @@ using machine::EmulatedPc;
 
 namespace {
 
-// What one control answered on a device.
+// The result of one control on a device.
 struct Reply {
     BOOL result = FALSE;
     DWORD error = 0;
@@ -64,7 +64,7 @@ void ExpectFailure(const Reply& reply, DWORD error) {
 
 }  // namespace
 
-TEST(ScsiGetAddress, TellsTheAddressOfTheDisk) {
+TEST(ScsiGetAddress, VolumeOfDisk_ReturnsTheAddress) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.disks[0].scsiAddress = machine::ScsiAddress{1, 2, 3, 4};
     for (const WCHAR* const device : {TEXT("\\\\.\\PHYSICALDRIVE0"), TEXT("\\\\.\\C:")}) {
@@ -79,7 +79,7 @@ TEST(ScsiGetAddress, TellsTheAddressOfTheDisk) {
     }
 }
 
-TEST(ScsiGetAddress, FailsAsTheFactsSayOrInShortBuffer) {
+TEST(ScsiGetAddress, ErrorInFactsOrShortBuffer_Fails) {
     EmulatedPc pc(machine::WinPeTwoDisks());
     ExpectFailure(Control(TEXT("\\\\.\\PHYSICALDRIVE0"), IOCTL_SCSI_GET_ADDRESS, 7),
                   ERROR_INSUFFICIENT_BUFFER);
@@ -88,7 +88,7 @@ TEST(ScsiGetAddress, FailsAsTheFactsSayOrInShortBuffer) {
     ExpectFailure(Control(TEXT("\\\\.\\PHYSICALDRIVE0"), IOCTL_SCSI_GET_ADDRESS, 8), ERROR_NOT_SUPPORTED);
 }
 
-TEST(StorageQueryProperty, FirstCallTellsSizeSecondTellsAll) {
+TEST(StorageQueryProperty, TwoCalls_ReturnSizeThenDescriptor) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.disks[0].storageBusType = uint32_t{17};
     const Reply header = StorageProperty(sizeof(STORAGE_DESCRIPTOR_HEADER));
@@ -109,12 +109,12 @@ TEST(StorageQueryProperty, FirstCallTellsSizeSecondTellsAll) {
                  "Emulated disk");
 }
 
-TEST(StorageQueryProperty, ExistsQueryFillsNothing) {
+TEST(StorageQueryProperty, ExistsQuery_ReturnsNothing) {
     EmulatedPc pc(machine::FactoryMbr());
     ExpectSuccess(StorageProperty(40, StorageDeviceProperty, PropertyExistsQuery), 0);
 }
 
-TEST(StorageQueryProperty, RefusesWhatItCannotTell) {
+TEST(StorageQueryProperty, UnsupportedQuery_Fails) {
     EmulatedPc pc(machine::WinPeTwoDisks());
     ExpectFailure(StorageProperty(7), ERROR_INVALID_PARAMETER);
     ExpectFailure(StorageProperty(40, StorageAdapterProperty), ERROR_NOT_SUPPORTED);
@@ -126,7 +126,7 @@ TEST(StorageQueryProperty, RefusesWhatItCannotTell) {
     ExpectFailure(StorageProperty(40), ERROR_GEN_FAILURE);
 }
 
-TEST(VolumeDiskExtents, OneExtentIsThePartition) {
+TEST(VolumeDiskExtents, OneExtent_IsThePartition) {
     EmulatedPc pc(machine::FactoryMbr());
     const machine::Partition& data = pc.facts.disks[0].partitions[2];
     const Reply reply = Extents(TEXT("\\\\.\\D:"));
@@ -138,7 +138,7 @@ TEST(VolumeDiskExtents, OneExtentIsThePartition) {
     EXPECT_EQ(extents.Extents[0].ExtentLength.QuadPart, static_cast<LONGLONG>(data.size));
 }
 
-TEST(VolumeDiskExtents, MoreExtentsThanFitFillTheFirstAndTellMoreData) {
+TEST(VolumeDiskExtents, MoreExtentsThanFit_ReturnsTheFirstWithMoreData) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.disks[0].partitions[2].volume->furtherExtents = {{1, 4096, 8192}};
     const Reply one = Extents(TEXT("\\\\.\\D:"));
@@ -157,14 +157,14 @@ TEST(VolumeDiskExtents, MoreExtentsThanFitFillTheFirstAndTellMoreData) {
     EXPECT_EQ(second.ExtentLength.QuadPart, 8192);
 }
 
-TEST(VolumeDiskExtents, FailsWithoutExtentAndInShortBuffer) {
+TEST(VolumeDiskExtents, NoExtentOrShortBuffer_Fails) {
     EmulatedPc pc(machine::WinPeTwoDisks());
     ExpectFailure(Extents(TEXT("\\\\.\\X:")), ERROR_INVALID_FUNCTION);
     ExpectFailure(Extents(TEXT("\\\\.\\PHYSICALDRIVE0")), ERROR_INVALID_FUNCTION);
     ExpectFailure(Extents(TEXT("\\\\.\\D:"), 31), ERROR_INSUFFICIENT_BUFFER);
 }
 
-TEST(PartitionInfo, TellsMbrPartition) {
+TEST(PartitionInfo, MbrPartition_ReturnsItsRecord) {
     EmulatedPc pc(machine::FactoryMbr());
     const Reply reply = Control(TEXT("\\\\.\\C:"), IOCTL_DISK_GET_PARTITION_INFO_EX, 144);
     ExpectSuccess(reply, 144);
@@ -180,7 +180,7 @@ TEST(PartitionInfo, TellsMbrPartition) {
     EXPECT_EQ(info.Mbr.HiddenSectors, windows.offset / 512);
 }
 
-TEST(PartitionInfo, TellsGptPartition) {
+TEST(PartitionInfo, GptPartition_ReturnsItsRecord) {
     EmulatedPc pc(machine::FactoryGpt());
     pc.facts.disks[0].partitions[4].attributes = 0x8000000000000001;
     const Reply reply = Control(TEXT("\\\\.\\C:"), IOCTL_DISK_GET_PARTITION_INFO_EX, 144);
@@ -194,7 +194,7 @@ TEST(PartitionInfo, TellsGptPartition) {
     EXPECT_STREQ(ToUtf8(info.Gpt.Name).c_str(), "Basic data partition");
 }
 
-TEST(PartitionInfo, PhysicalDiskIsPartitionZero) {
+TEST(PartitionInfo, PhysicalDisk_IsPartitionZero) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.disks[0].style = machine::PartitionStyle::Unknown;
     const Reply reply = Control(TEXT("\\\\.\\PHYSICALDRIVE0"), IOCTL_DISK_GET_PARTITION_INFO_EX, 144);
@@ -205,7 +205,7 @@ TEST(PartitionInfo, PhysicalDiskIsPartitionZero) {
               static_cast<LONGLONG>(pc.facts.disks[0].size));
 }
 
-TEST(PartitionInfo, FailsWithoutDiskOnDynamicDataAndInShortBuffer) {
+TEST(PartitionInfo, NoDiskDynamicDataOrShortBuffer_Fails) {
     EmulatedPc pc(machine::FactoryGpt());
     machine::Volume disc;
     disc.letters = "E";
@@ -217,7 +217,7 @@ TEST(PartitionInfo, FailsWithoutDiskOnDynamicDataAndInShortBuffer) {
     ExpectFailure(Control(TEXT("\\\\.\\C:"), IOCTL_DISK_GET_PARTITION_INFO_EX, 144), ERROR_INVALID_FUNCTION);
 }
 
-TEST(DriveLayout, MbrHasMultipleOfFourEntries) {
+TEST(DriveLayout, MbrDisk_HasAMultipleOfFourEntries) {
     EmulatedPc pc(machine::WinPeTwoDisks());
     const Reply reply = Control(TEXT("\\\\.\\PHYSICALDRIVE1"), IOCTL_DISK_GET_DRIVE_LAYOUT_EX, 1024);
     ExpectSuccess(reply, 48 + 4 * 144);
@@ -233,7 +233,7 @@ TEST(DriveLayout, MbrHasMultipleOfFourEntries) {
     EXPECT_EQ(unused.Mbr.PartitionType, 0);
 }
 
-TEST(DriveLayout, GptTellsIdAndEveryPartition) {
+TEST(DriveLayout, GptDisk_ReturnsIdAndEveryPartition) {
     EmulatedPc pc(machine::FactoryGpt());
     const Reply reply = Control(TEXT("\\\\.\\PHYSICALDRIVE0"), IOCTL_DISK_GET_DRIVE_LAYOUT_EX, 1024);
     ExpectSuccess(reply, 48 + 6 * 144);
@@ -244,14 +244,14 @@ TEST(DriveLayout, GptTellsIdAndEveryPartition) {
     EXPECT_EQ(layout.Gpt.MaxPartitionCount, 128u);
 }
 
-TEST(DriveLayout, FailsOnVolumeAndInShortBuffer) {
+TEST(DriveLayout, VolumeOrShortBuffer_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     ExpectFailure(Control(TEXT("\\\\.\\C:"), IOCTL_DISK_GET_DRIVE_LAYOUT_EX, 1024), ERROR_INVALID_FUNCTION);
     ExpectFailure(Control(TEXT("\\\\.\\PHYSICALDRIVE0"), IOCTL_DISK_GET_DRIVE_LAYOUT_EX, 192),
                   ERROR_INSUFFICIENT_BUFFER);
 }
 
-TEST(DeviceIoControl, RefusesUnknownControlFileAndClosedHandle) {
+TEST(DeviceIoControl, UnknownControlFileOrClosedHandle_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     ExpectFailure(Control(TEXT("\\\\.\\C:"), 0x12345678, 8), ERROR_INVALID_FUNCTION);
     ExpectFailure(Control(TEXT("C:\\Windows\\System32\\Winload.exe"), IOCTL_SCSI_GET_ADDRESS, 8),
@@ -265,7 +265,7 @@ TEST(DeviceIoControl, RefusesUnknownControlFileAndClosedHandle) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
 }
 
-TEST(DeviceIoControl, VolumeThatLostItsLetterIsGone) {
+TEST(DeviceIoControl, VolumeThatLostItsLetter_FailsWithFileInvalid) {
     EmulatedPc pc(machine::FactoryMbr());
     const HANDLE handle = OpenShared(TEXT("\\\\.\\D:"));
     pc.facts.disks[0].partitions[2].volume->letters.clear();
@@ -276,7 +276,7 @@ TEST(DeviceIoControl, VolumeThatLostItsLetterIsGone) {
     ExpectCleanLedger(pc);
 }
 
-TEST(DeviceIoControl, InjectedFaultFillsNothing) {
+TEST(DeviceIoControl, Fault_ReturnsNothing) {
     EmulatedPc pc(machine::FactoryMbr());
     FailNext(pc, "DeviceIoControl", ERROR_NOT_READY, true);
     const Reply reply = Extents(TEXT("\\\\.\\C:"));
@@ -284,7 +284,7 @@ TEST(DeviceIoControl, InjectedFaultFillsNothing) {
     EXPECT_EQ(reply.output, std::vector<char>(32, '\x55'));
 }
 
-TEST(DeviceIoControl, JournalNamesDeviceAndControl) {
+TEST(DeviceIoControl, AnyControl_JournalsDeviceAndControl) {
     EmulatedPc pc(machine::FactoryMbr());
     Extents(TEXT("\\\\.\\C:"));
     EXPECT_THAT(pc.journal.Calls("DeviceIoControl")[0].arguments,

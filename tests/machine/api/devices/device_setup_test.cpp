@@ -19,7 +19,7 @@ SP_DEVINFO_DATA Element() {
 
 }  // namespace
 
-TEST(DeviceSetup, TellsLocationInTwoCalls) {
+TEST(DeviceSetup, Location_IsReturnedInTwoCalls) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.disks[0].location = std::string("Bus Number 0, Target Id 0, LUN 0");
     const HDEVINFO set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
@@ -46,7 +46,7 @@ TEST(DeviceSetup, TellsLocationInTwoCalls) {
     ExpectCleanLedger(pc);
 }
 
-TEST(DeviceSetup, OpensControllersAndTheRootOfTheTree) {
+TEST(DeviceSetup, ControllersAndTheRoot_Open) {
     EmulatedPc pc(machine::FactoryMbr());
     const HDEVINFO set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
     const std::u16string controller = ToWide(UpperCase(pc.facts.disks[0].controllers[0]));
@@ -62,7 +62,7 @@ TEST(DeviceSetup, OpensControllersAndTheRootOfTheTree) {
     ExpectCleanLedger(pc);
 }
 
-TEST(DeviceSetup, OpenTellsWhyNot) {
+TEST(DeviceSetup, InvalidSetOrDevice_OpenFailsWithItsError) {
     EmulatedPc pc(machine::FactoryMbr());
     const HDEVINFO set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
     SP_DEVINFO_DATA element = Element();
@@ -81,7 +81,7 @@ TEST(DeviceSetup, OpenTellsWhyNot) {
     ExpectCleanLedger(pc);
 }
 
-TEST(DeviceSetup, PropertyTellsWhyNot) {
+TEST(DeviceSetup, InvalidElementOrProperty_PropertyFailsWithItsError) {
     EmulatedPc pc(machine::FactoryMbr());
     const HDEVINFO set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
     SP_DEVINFO_DATA element = Element();
@@ -107,7 +107,7 @@ TEST(DeviceSetup, PropertyTellsWhyNot) {
     ExpectCleanLedger(pc);
 }
 
-TEST(DeviceSetup, InjectedFaultCreatesNoSet) {
+TEST(DeviceSetup, Fault_CreatesNoSet) {
     EmulatedPc pc(machine::FactoryMbr());
     FailNext(pc, "SetupDiCreateDeviceInfoList", ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(SetupDiCreateDeviceInfoList(nullptr, nullptr), INVALID_HANDLE_VALUE);
@@ -115,7 +115,7 @@ TEST(DeviceSetup, InjectedFaultCreatesNoSet) {
     ExpectCleanLedger(pc);
 }
 
-TEST(DeviceSetup, SecondDestroyIsViolation) {
+TEST(DeviceSetup, DestroyedSet_SecondDestroyIsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
     const HDEVINFO set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
     EXPECT_TRUE(SetupDiDestroyDeviceInfoList(set));
@@ -124,7 +124,7 @@ TEST(DeviceSetup, SecondDestroyIsViolation) {
     EXPECT_THAT(pc.ledger.Violations(), ElementsAre("device info set closed that is not open"));
 }
 
-TEST(DeviceSetup, FaultBeforeEffectKeepsSetAfterEffectDestroysIt) {
+TEST(DeviceSetup, FaultBeforeOrAfterEffect_KeepsOrDestroysTheSet) {
     for (const bool afterEffect : {false, true}) {
         EmulatedPc pc(machine::FactoryMbr());
         const HDEVINFO set = SetupDiCreateDeviceInfoList(nullptr, nullptr);

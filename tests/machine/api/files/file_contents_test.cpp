@@ -10,7 +10,7 @@ HANDLE Create(DWORD access = GENERIC_WRITE) {
     return CreateFileW(file, access, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-// What the file holds; nothing when there is none.
+// The content of the file; nothing if it does not exist.
 std::optional<std::string> Content(EmulatedPc& pc) {
     const auto* const entry = pc.facts.disks[0].partitions[2].volume->files.Find("new.txt");
     return entry != nullptr ? std::optional(entry->content) : std::nullopt;
@@ -20,7 +20,7 @@ BOOL Write(HANDLE handle, std::string_view bytes, DWORD* written) {
     return WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), written, nullptr);
 }
 
-// The file's bytes in pieces of that size, up to the end.
+// Reads the file in pieces of that size up to the end.
 std::vector<std::string> ReadPieces(HANDLE handle, DWORD size) {
     std::vector<std::string> pieces;
     for (;;) {
@@ -40,7 +40,7 @@ EmulatedPc PcWithFile() {
 
 }  // namespace
 
-TEST(ReadFile, TakesBytesBehindOneAnother) {
+TEST(ReadFile, RepeatedReads_ContinueAtThePosition) {
     EmulatedPc pc = PcWithFile();
     const HANDLE handle = OpenShared(file);
     EXPECT_THAT(ReadPieces(handle, 4), testing::ElementsAre("seve", "n b"));
@@ -49,7 +49,7 @@ TEST(ReadFile, TakesBytesBehindOneAnother) {
     ExpectCleanLedger(pc);
 }
 
-TEST(ReadFile, TellsWhyNot) {
+TEST(ReadFile, WrongHandleOrAccess_FailsWithItsError) {
     EmulatedPc pc = PcWithFile();
     char bytes[1];
     DWORD count = 9;
@@ -66,7 +66,7 @@ TEST(ReadFile, TellsWhyNot) {
     ExpectCleanLedger(pc);
 }
 
-TEST(WriteFile, PutsBytesBehindOneAnother) {
+TEST(WriteFile, RepeatedWrites_ContinueAtThePosition) {
     EmulatedPc pc(machine::FactoryMbr());
     SetLastError(staleError);
     const HANDLE handle = Create();
@@ -84,7 +84,7 @@ TEST(WriteFile, PutsBytesBehindOneAnother) {
     ExpectCleanLedger(pc);
 }
 
-TEST(WriteFile, TellsWhyNot) {
+TEST(WriteFile, WrongHandleOrAccess_FailsWithItsError) {
     EmulatedPc pc(machine::FactoryMbr());
     DWORD written = 9;
     EXPECT_FALSE(Write(nullptr, "x", &written));
@@ -105,7 +105,7 @@ TEST(WriteFile, TellsWhyNot) {
     ExpectCleanLedger(pc);
 }
 
-TEST(WriteFile, FaultBeforeEffectWritesNothingAfterEffectEverything) {
+TEST(WriteFile, FaultBeforeOrAfterEffect_WritesNothingOrEverything) {
     for (const bool afterEffect : {false, true}) {
         EmulatedPc pc(machine::FactoryMbr());
         const HANDLE handle = Create();
@@ -117,14 +117,14 @@ TEST(WriteFile, FaultBeforeEffectWritesNothingAfterEffectEverything) {
     }
 }
 
-TEST(CreateFile, EmptiesTheFileThatItAlwaysCreates) {
+TEST(CreateFile, CreateAlwaysOnExistingFile_TruncatesIt) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.disks[0].partitions[2].volume->files.PutFile("New.txt", "old");
     EXPECT_TRUE(CloseHandle(Create()));
     EXPECT_EQ(Content(pc), "");
 }
 
-TEST(CreateFile, FaultAfterEffectMakesTheFileAndNoHandle) {
+TEST(CreateFile, FaultAfterEffect_CreatesTheFileWithoutAHandle) {
     for (const bool afterEffect : {false, true}) {
         EmulatedPc pc(machine::FactoryMbr());
         FailNext(pc, "CreateFileW", ERROR_ACCESS_DENIED, afterEffect);

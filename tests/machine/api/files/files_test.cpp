@@ -4,7 +4,7 @@ using machine::EmulatedPc;
 using testing::ElementsAre;
 using testing::Pair;
 
-TEST(CreateFile, OpensVolumesDisksFilesAndFolders) {
+TEST(CreateFile, VolumesDisksFilesAndFolders_Open) {
     EmulatedPc pc(machine::FactoryMbr());
     SetLastError(staleError);
     for (const WCHAR* const name :
@@ -22,7 +22,7 @@ TEST(CreateFile, OpensVolumesDisksFilesAndFolders) {
     ExpectCleanLedger(pc);
 }
 
-TEST(CreateFile, TellsWhyNothingOpens) {
+TEST(CreateFile, InvalidNameOrArguments_FailsWithItsError) {
     machine::Pc facts = machine::FactoryMbr();
     facts.disks[0].partitions[2].volume->openError = ERROR_ACCESS_DENIED;
     EmulatedPc pc(facts);
@@ -56,7 +56,7 @@ TEST(CreateFile, TellsWhyNothingOpens) {
     ExpectCleanLedger(pc);
 }
 
-TEST(CreateFile, InjectedFaultOpensNothing) {
+TEST(CreateFile, Fault_OpensNothing) {
     EmulatedPc pc(machine::FactoryMbr());
     FailNext(pc, "CreateFileW", ERROR_SHARING_VIOLATION, true);
     EXPECT_EQ(OpenShared(TEXT("\\\\.\\C:")), INVALID_HANDLE_VALUE);
@@ -64,7 +64,7 @@ TEST(CreateFile, InjectedFaultOpensNothing) {
     ExpectCleanLedger(pc);
 }
 
-TEST(CreateFile, JournalShowsHowItWasOpened) {
+TEST(CreateFile, AnyFile_JournalsHowItWasOpened) {
     EmulatedPc pc(machine::FactoryMbr());
     CloseHandle(OpenShared(TEXT("\\\\.\\C:")));
     const auto calls = pc.journal.Calls();
@@ -73,7 +73,7 @@ TEST(CreateFile, JournalShowsHowItWasOpened) {
     EXPECT_THAT(calls[1].arguments, ElementsAre("\\\\.\\C:"));
 }
 
-TEST(CloseHandle, SecondCloseIsViolation) {
+TEST(CloseHandle, ClosedHandle_SecondCloseIsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
     const HANDLE handle = OpenShared(TEXT("\\\\.\\C:"));
     EXPECT_TRUE(CloseHandle(handle));
@@ -83,13 +83,13 @@ TEST(CloseHandle, SecondCloseIsViolation) {
     EXPECT_THAT(pc.ledger.Outstanding(), testing::IsEmpty());
 }
 
-TEST(CloseHandle, InvalidHandleValueIsViolation) {
+TEST(CloseHandle, InvalidHandleValue_IsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_FALSE(CloseHandle(INVALID_HANDLE_VALUE));
     EXPECT_THAT(pc.ledger.Violations(), testing::SizeIs(1));
 }
 
-TEST(CloseHandle, FaultBeforeEffectLeavesHandleOpenAfterEffectClosesIt) {
+TEST(CloseHandle, FaultBeforeOrAfterEffect_KeepsOrClosesTheHandle) {
     EmulatedPc pc(machine::FactoryMbr());
     const HANDLE handle = OpenShared(TEXT("\\\\.\\C:"));
     FailNext(pc, "CloseHandle", ERROR_GEN_FAILURE);
@@ -102,7 +102,7 @@ TEST(CloseHandle, FaultBeforeEffectLeavesHandleOpenAfterEffectClosesIt) {
     ExpectCleanLedger(pc);
 }
 
-TEST(DeleteFile, RemovesFileAndTellsWhyNot) {
+TEST(DeleteFile, ExistingOrMissingFile_DeletesOrFailsWithItsError) {
     EmulatedPc pc(machine::FactoryMbr());
     machine::FileTree& files = pc.facts.disks[0].partitions[2].volume->files;
     files.PutFile("SystemVolume.ini", "[System]\r\n");
@@ -114,7 +114,7 @@ TEST(DeleteFile, RemovesFileAndTellsWhyNot) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
 }
 
-TEST(DeleteFile, FaultBeforeEffectKeepsFileAfterEffectRemovesIt) {
+TEST(DeleteFile, FaultBeforeOrAfterEffect_KeepsOrDeletesTheFile) {
     for (const bool afterEffect : {false, true}) {
         EmulatedPc pc(machine::FactoryMbr());
         machine::FileTree& files = pc.facts.disks[0].partitions[2].volume->files;

@@ -2,7 +2,7 @@
 
 using machine::EmulatedPc;
 
-TEST(PathFileExists, TellsFilesFoldersAndDrives) {
+TEST(PathFileExists, FilesFoldersAndDrives_Exist) {
     EmulatedPc pc(machine::FactoryMbr());
     SetLastError(staleError);
     for (const WCHAR* const path : {TEXT("D:"), TEXT("C:\\"), TEXT("c:\\windows\\SYSTEM32"),
@@ -20,7 +20,7 @@ TEST(PathFileExists, TellsFilesFoldersAndDrives) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
 }
 
-TEST(PathAppend, JoinsAsThePlatformDoes) {
+TEST(PathAppend, EveryKindOfPath_JoinsAsThePlatformDoes) {
     const struct {
         std::u16string path;
         const WCHAR* more;
@@ -49,7 +49,7 @@ TEST(PathAppend, JoinsAsThePlatformDoes) {
     EXPECT_EQ(GetLastError(), staleError);
 }
 
-TEST(PathAppend, FailsWithNullTooLongAndByInjection) {
+TEST(PathAppend, NullTooLongOrFault_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     WCHAR path[MAX_PATH] = u"C:\\x";
     EXPECT_FALSE(PathAppendW(nullptr, TEXT("foo")));
@@ -64,7 +64,7 @@ TEST(PathAppend, FailsWithNullTooLongAndByInjection) {
     EXPECT_EQ(path[0], 0);
 }
 
-TEST(PathRemoveFileSpec, CutsLastPartButNotTheRoot) {
+TEST(PathRemoveFileSpec, EveryKindOfPath_RemovesTheLastPartButNotTheRoot) {
     const struct {
         std::u16string path;
         BOOL cut;

@@ -24,7 +24,7 @@ std::string IniContent(EmulatedPc& pc) {
     return entry != nullptr ? entry->content : "<none>";
 }
 
-// What a read with the default "none" gives.
+// The result of reading with the default "none".
 std::string Read(const WCHAR* section, const WCHAR* key) {
     WCHAR value[260];
     const INT length = GetPrivateProfileStringW(section, key, TEXT("none"), value, 260, iniPath);
@@ -38,7 +38,7 @@ constexpr const char* sample =
 
 }  // namespace
 
-TEST(GetPrivateProfileString, FindsValuesByThePlatformsRules) {
+TEST(GetPrivateProfileString, CaseBlanksAndQuotes_FollowThePlatformsRules) {
     const struct {
         const WCHAR* section;
         const WCHAR* key;
@@ -57,7 +57,7 @@ TEST(GetPrivateProfileString, FindsValuesByThePlatformsRules) {
     EXPECT_EQ(GetLastError(), staleError);
 }
 
-TEST(GetPrivateProfileString, MissingFileGivesDefaultWithoutTrailingBlanks) {
+TEST(GetPrivateProfileString, MissingFile_ReturnsTheDefaultWithoutTrailingBlanks) {
     EmulatedPc pc(machine::FactoryMbr());
     WCHAR value[20];
     EXPECT_EQ(GetPrivateProfileStringW(u"a", u"b", u" x  ", value, 20, iniPath), 2);
@@ -67,7 +67,7 @@ TEST(GetPrivateProfileString, MissingFileGivesDefaultWithoutTrailingBlanks) {
     EXPECT_EQ(value[0], 0);
 }
 
-TEST(GetPrivateProfileString, CutsInShortBuffer) {
+TEST(GetPrivateProfileString, ShortBuffer_TruncatesTheValue) {
     EmulatedPc pc(PcWithIni("[a]\r\nb=value\r\n"));
     WCHAR value[6] = u"-----";
     EXPECT_EQ(GetPrivateProfileStringW(u"a", u"b", nullptr, value, 0, iniPath), 0);
@@ -81,7 +81,7 @@ TEST(GetPrivateProfileString, CutsInShortBuffer) {
     EXPECT_EQ(ToUtf8(value), "def");
 }
 
-TEST(GetPrivateProfileString, ListsSectionsAndKeys) {
+TEST(GetPrivateProfileString, NullSectionOrKey_ListsTheNames) {
     EmulatedPc pc(PcWithIni("[a]\r\nx=1\r\n;c=1\r\ny=2\r\n[bc]\r\n"));
     WCHAR names[6];
     EXPECT_EQ(GetPrivateProfileStringW(nullptr, nullptr, nullptr, names, 6, iniPath), 5);
@@ -93,7 +93,7 @@ TEST(GetPrivateProfileString, ListsSectionsAndKeys) {
     EXPECT_EQ(GetPrivateProfileStringW(nullptr, nullptr, nullptr, names, 1, iniPath), 0);
 }
 
-TEST(GetPrivateProfileString, RelativeNameIsInTheWindowsDirectory) {
+TEST(GetPrivateProfileString, RelativeName_IsInTheWindowsDirectory) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.disks[0].partitions[1].volume->files.PutFile("Windows/win.ini", "[a]\r\nb=c\r\n");
     WCHAR value[10];
@@ -101,7 +101,7 @@ TEST(GetPrivateProfileString, RelativeNameIsInTheWindowsDirectory) {
     EXPECT_EQ(GetPrivateProfileStringW(u"a", u"b", nullptr, value, 10, nullptr), 1);
 }
 
-TEST(GetPrivateProfileString, ReadsUtf16AndAnsi) {
+TEST(GetPrivateProfileString, Utf16AndAnsi_AreDecoded) {
     const std::string utf16("\xFF\xFE[\0a\0]\0\n\0b\0=\0\x29\x59", 16);
     EmulatedPc pc(PcWithIni(utf16));
     EXPECT_EQ(Read(u"a", u"b"), "\xE5\xA4\xA9");
@@ -109,7 +109,7 @@ TEST(GetPrivateProfileString, ReadsUtf16AndAnsi) {
     EXPECT_EQ(Read(u"a", u"b"), "\xE2\x82\xAC\xC3\xA4");
 }
 
-TEST(GetPrivateProfileString, Utf8MarkSpoilsFirstSectionUnlessSkipped) {
+TEST(GetPrivateProfileString, Utf8Mark_SpoilsTheFirstSectionUnlessSkipped) {
     EmulatedPc pc(PcWithIni("\xEF\xBB\xBF[a]\r\nb=c\r\n"));
     EXPECT_EQ(Read(u"a", u"b"), "none");
     pc.facts.switches.profilesSkipUtf8Mark = true;
@@ -118,7 +118,7 @@ TEST(GetPrivateProfileString, Utf8MarkSpoilsFirstSectionUnlessSkipped) {
     EXPECT_EQ(IniContent(pc), "\xEF\xBB\xBF[a]\r\nb=d\r\n");
 }
 
-TEST(GetPrivateProfileString, InjectedFaultGivesNothing) {
+TEST(GetPrivateProfileString, Fault_ReturnsNothing) {
     EmulatedPc pc(PcWithIni("[a]\r\nb=c\r\n"));
     WCHAR value[10] = u"old";
     FailNext(pc, "GetPrivateProfileStringW", ERROR_READ_FAULT);
@@ -127,7 +127,7 @@ TEST(GetPrivateProfileString, InjectedFaultGivesNothing) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_READ_FAULT});
 }
 
-TEST(WritePrivateProfileString, ChangesOneLineAndKeepsTheOthers) {
+TEST(WritePrivateProfileString, ExistingFile_ChangesOneLineAndKeepsTheOthers) {
     const struct {
         const char* before;
         const WCHAR* section;
@@ -157,25 +157,25 @@ TEST(WritePrivateProfileString, ChangesOneLineAndKeepsTheOthers) {
     }
 }
 
-TEST(WritePrivateProfileString, CreatesFile) {
+TEST(WritePrivateProfileString, MissingFile_IsCreated) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_TRUE(WritePrivateProfileStringW(u"System", u"Active", u"2", iniPath));
     EXPECT_EQ(IniContent(pc), "[System]\r\nActive=2\r\n");
 }
 
-TEST(WritePrivateProfileString, RemovingFromMissingFileCreatesNone) {
+TEST(WritePrivateProfileString, MissingFile_RemovingCreatesNone) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_TRUE(WritePrivateProfileStringW(u"System", u"Active", nullptr, iniPath));
     EXPECT_EQ(IniContent(pc), "<none>");
 }
 
-TEST(WritePrivateProfileString, Utf16FileStaysSo) {
+TEST(WritePrivateProfileString, Utf16File_StaysUtf16) {
     EmulatedPc pc(PcWithIni(std::string("\xFF\xFE[\0a\0]\0", 8)));
     EXPECT_TRUE(WritePrivateProfileStringW(u"a", u"b", u"\u5929", iniPath));
     EXPECT_EQ(IniContent(pc), std::string("\xFF\xFE[\0a\0]\0\r\0\n\0b\0=\0\x29\x59\r\0\n\0", 22));
 }
 
-TEST(WritePrivateProfileString, TellsWhyNot) {
+TEST(WritePrivateProfileString, InvalidFolderMediumOrSection_FailsWithItsError) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_FALSE(WritePrivateProfileStringW(u"a", u"b", u"c", u"D:\\none\\test.ini"));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
@@ -187,7 +187,7 @@ TEST(WritePrivateProfileString, TellsWhyNot) {
     EXPECT_EQ(IniContent(pc), "<none>");
 }
 
-TEST(WritePrivateProfileString, FaultBeforeEffectWritesNothingAfterEffectWrites) {
+TEST(WritePrivateProfileString, FaultBeforeOrAfterEffect_WritesNothingOrTheValue) {
     for (const bool afterEffect : {false, true}) {
         EmulatedPc pc(machine::FactoryMbr());
         FailNext(pc, "WritePrivateProfileStringW", ERROR_WRITE_FAULT, afterEffect);
@@ -197,7 +197,7 @@ TEST(WritePrivateProfileString, FaultBeforeEffectWritesNothingAfterEffectWrites)
     }
 }
 
-TEST(ProfileText, UnchangedBytesComeBack) {
+TEST(ProfileText, AnyBytes_AreReturnedUnchanged) {
     std::string everyByte;
     for (int value = 0; value < 256; ++value)
         everyByte += static_cast<char>(value);

@@ -5,7 +5,7 @@ using machine::EmulatedPc;
 
 namespace {
 
-// A 32-bit program on a 64-bit system: the loader is in System32 only, one library is in SysWOW64 only.
+// A 32-bit program on a 64-bit system: the loader exists only in System32, one library only in SysWOW64.
 machine::Pc EmulatingPc() {
     machine::Pc pc = machine::FactoryMbr();
     pc.system.emulates32Bit = true;
@@ -17,7 +17,7 @@ const WCHAR* const loader = TEXT("C:\\Windows\\System32\\Winload.exe");
 
 }  // namespace
 
-TEST(IsWow64Process, TellsTheFactAboutThisProgram) {
+TEST(IsWow64Process, ThisProcess_ReturnsTheFact) {
     for (const bool emulates : {false, true}) {
         machine::Pc facts = machine::FactoryMbr();
         facts.system.emulates32Bit = emulates;
@@ -28,7 +28,7 @@ TEST(IsWow64Process, TellsTheFactAboutThisProgram) {
     }
 }
 
-TEST(IsWow64Process, RefusesOtherProcessesAndFailsByInjection) {
+TEST(IsWow64Process, OtherProcessOrFault_Fails) {
     EmulatedPc pc(EmulatingPc());
     BOOL emulated = 7;
     EXPECT_FALSE(IsWow64Process(nullptr, &emulated));
@@ -41,7 +41,7 @@ TEST(IsWow64Process, RefusesOtherProcessesAndFailsByInjection) {
     EXPECT_EQ(emulated, 7);
 }
 
-TEST(Redirection, ShowsSysWow64AsSystem32OfTheRunningSystem) {
+TEST(Redirection, RunningSystem_ShowsSysWow64AsSystem32) {
     EmulatedPc pc(EmulatingPc());
     EXPECT_FALSE(PathFileExistsW(loader));
     EXPECT_TRUE(PathFileExistsW(TEXT("C:\\Windows\\System32\\thunk.dll")));
@@ -53,13 +53,13 @@ TEST(Redirection, ShowsSysWow64AsSystem32OfTheRunningSystem) {
     EXPECT_TRUE(PathFileExistsW(TEXT("C:\\Windows"))) << "only System32 is another folder";
 }
 
-TEST(Redirection, LeavesOtherVolumesAlone) {
+TEST(Redirection, OtherVolume_IsNotRedirected) {
     EmulatedPc pc(EmulatingPc());
     machine::FindLetter(pc.facts, 'D').volume->files.PutFile("Windows/System32/Winload.exe", "MZ");
     EXPECT_TRUE(PathFileExistsW(TEXT("D:\\Windows\\System32\\Winload.exe")));
 }
 
-TEST(Redirection, IsOffBetweenDisableAndRevert) {
+TEST(Redirection, BetweenDisableAndRevert_IsOff) {
     EmulatedPc pc(EmulatingPc());
     SetLastError(staleError);
     PVOID old = &pc;
@@ -72,7 +72,7 @@ TEST(Redirection, IsOffBetweenDisableAndRevert) {
     ExpectCleanLedger(pc);
 }
 
-TEST(Redirection, SwitchedOffTwiceIsRestoredInSteps) {
+TEST(Redirection, DisabledTwice_IsRestoredStepByStep) {
     EmulatedPc pc(EmulatingPc());
     PVOID first = nullptr;
     PVOID second = nullptr;
@@ -87,7 +87,7 @@ TEST(Redirection, SwitchedOffTwiceIsRestoredInSteps) {
     EXPECT_THAT(pc.ledger.Violations(), testing::ElementsAre("file-system redirection given back too often"));
 }
 
-TEST(Redirection, DoesNotExistInA64BitProgram) {
+TEST(Redirection, Program64Bit_FailsWithInvalidFunction) {
     EmulatedPc pc(machine::FactoryMbr());
     PVOID old = &pc;
     EXPECT_TRUE(PathFileExistsW(loader));
@@ -100,7 +100,7 @@ TEST(Redirection, DoesNotExistInA64BitProgram) {
     ExpectCleanLedger(pc);
 }
 
-TEST(Redirection, FailsWithoutAPlaceForTheStateAndByInjection) {
+TEST(Redirection, NullStateOrFault_Fails) {
     EmulatedPc pc(EmulatingPc());
     EXPECT_FALSE(Wow64DisableWow64FsRedirection(nullptr));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});

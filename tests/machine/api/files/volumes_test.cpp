@@ -14,7 +14,7 @@ machine::Volume Disc() {
 
 }  // namespace
 
-TEST(GetDriveType, TellsTypeOfRootOnly) {
+TEST(GetDriveType, RootsAndOtherPaths_ReturnsTheTypeOfRootsOnly) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.volumes = {Disc()};
     const struct {
@@ -31,13 +31,13 @@ TEST(GetDriveType, TellsTypeOfRootOnly) {
     EXPECT_EQ(GetLastError(), staleError);
 }
 
-TEST(GetDriveType, InjectedFaultIsTheValue) {
+TEST(GetDriveType, Fault_ReturnsTheCodeAsValue) {
     EmulatedPc pc(machine::FactoryMbr());
     FailNext(pc, "GetDriveTypeW", DRIVE_REMOVABLE);
     EXPECT_EQ(GetDriveTypeW(TEXT("C:\\")), UINT{DRIVE_REMOVABLE});
 }
 
-TEST(GetVolumeInformation, TellsLabelAndFileSystem) {
+TEST(GetVolumeInformation, ReadableVolume_ReturnsLabelAndFileSystem) {
     EmulatedPc pc(machine::FactoryMbr());
     WCHAR label[MAX_PATH + 1];
     WCHAR fileSystem[MAX_PATH + 1];
@@ -52,7 +52,7 @@ TEST(GetVolumeInformation, TellsLabelAndFileSystem) {
     EXPECT_EQ(GetLastError(), staleError);
 }
 
-TEST(GetVolumeInformation, TellsWhyNot) {
+TEST(GetVolumeInformation, MissingUnreadableOrShortBuffer_FailsWithItsError) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.volumes = {Disc()};
     pc.facts.disks[0].partitions[2].volume->fileSystem = "RAW";
@@ -77,7 +77,7 @@ TEST(GetVolumeInformation, TellsWhyNot) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_GEN_FAILURE});
 }
 
-TEST(GetLogicalDriveStrings, ListsRootsOrTellsTheSize) {
+TEST(GetLogicalDriveStrings, AnyBuffer_ListsTheRootsOrReturnsTheSize) {
     EmulatedPc pc(machine::FactoryMbr());
     WCHAR roots[9];
     SetLastError(staleError);

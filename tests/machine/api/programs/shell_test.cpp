@@ -1,4 +1,4 @@
-// The shell, its batch files, and the hives that their `reg` lines mount and take away.
+// The shell, its batch files, and the hives that their `reg` lines mount and unmount.
 
 #include "machine/facts/file_stores.h"
 #include "machine/journal/clock.h"
@@ -16,7 +16,7 @@ constexpr const char* hiveFile = "Windows/System32/config/SYSTEM";
 constexpr const char* load = "reg load HKLM\\TEMSYSTEM D:\\Windows\\System32\\Config\\SYSTEM\r\nexit\r\n";
 constexpr const char* unload = "reg unload HKLM\\TEMSYSTEM\r\nexit\r\n";
 
-// Windows PE with a batch file on X:, and an installed Windows at D: whose hive knows the letter C:.
+// Windows PE with a batch file on X:, and an installed Windows on D: whose hive records the letter C:.
 machine::Pc PcWithBatch(const std::string& content) {
     machine::Pc pc = machine::WinPeTwoDisks();
     pc.volumes[0].files.PutFile(batch, content);
@@ -33,7 +33,7 @@ SHELLEXECUTEINFOW Info(const WCHAR* file = u"X:\\LoadRegistry.bat") {
     return info;
 }
 
-// Runs the batch to its end; the exit codes of its `reg` lines.
+// Runs the batch to its end and returns the exit codes of its `reg` lines.
 std::vector<std::string> RunToEnd(EmulatedPc& pc, const std::string& content) {
     pc.facts.volumes[0].files.PutFile(batch, content);
     pc.journal.Clear();
@@ -63,7 +63,7 @@ class HiveText final : public machine::HiveReader {
 
 }  // namespace
 
-TEST(ShellExecuteEx, RunsABatchThatMountsAHiveWhenItsTimeIsOver) {
+TEST(ShellExecuteEx, BatchThatMountsAHive_TakesEffectWhenItsTimeIsOver) {
     EmulatedPc pc(PcWithBatch(load));
     SetLastError(staleError);
     SHELLEXECUTEINFOW info = Info();
@@ -87,7 +87,7 @@ TEST(ShellExecuteEx, RunsABatchThatMountsAHiveWhenItsTimeIsOver) {
     EXPECT_THAT(calls[3].arguments, ElementsAre("X:\\LoadRegistry.bat"));
 }
 
-TEST(ShellExecuteEx, RunsWhatTheBatchHeldWhenItWasStarted) {
+TEST(ShellExecuteEx, BatchChangedAfterStart_RunsItsContentAtTheStart) {
     EmulatedPc pc(PcWithBatch(load));
     SHELLEXECUTEINFOW info = Info();
     ASSERT_TRUE(ShellExecuteExW(&info));
@@ -99,14 +99,14 @@ TEST(ShellExecuteEx, RunsWhatTheBatchHeldWhenItWasStarted) {
     EXPECT_TRUE(IsMounted(pc));
 }
 
-TEST(ShellExecuteEx, HandsOutNoProcessUnlessItIsAskedForAndTold) {
+TEST(ShellExecuteEx, ProcessNotRequestedOrWithheld_ReturnsNoProcess) {
     EmulatedPc pc(PcWithBatch(load));
     SHELLEXECUTEINFOW info = Info();
     info.fMask = 0;
     info.hProcess = INVALID_HANDLE_VALUE;
     EXPECT_TRUE(ShellExecuteExW(&info));
     EXPECT_EQ(info.hProcess, nullptr);
-    pc.facts.shell.tellsProcess = false;
+    pc.facts.shell.returnsProcess = false;
     info = Info();
     EXPECT_TRUE(ShellExecuteExW(&info));
     EXPECT_EQ(info.hProcess, nullptr);
@@ -115,7 +115,7 @@ TEST(ShellExecuteEx, HandsOutNoProcessUnlessItIsAskedForAndTold) {
     EXPECT_TRUE(IsMounted(pc));
 }
 
-TEST(ShellExecuteEx, TellsWhyNot) {
+TEST(ShellExecuteEx, InvalidFileVerbOrRecord_FailsWithItsError) {
     EmulatedPc pc(PcWithBatch(load));
     const struct {
         const WCHAR* verb;
@@ -148,7 +148,7 @@ TEST(ShellExecuteEx, TellsWhyNot) {
     ExpectCleanLedger(pc);
 }
 
-TEST(ShellExecuteEx, FaultBeforeEffectStartsNothingAfterEffectTheBatch) {
+TEST(ShellExecuteEx, FaultBeforeOrAfterEffect_StartsNothingOrTheBatch) {
     for (const bool afterEffect : {false, true}) {
         EmulatedPc pc(PcWithBatch(load));
         FailNext(pc, "ShellExecuteExW", ERROR_CANCELLED, afterEffect);
@@ -162,7 +162,7 @@ TEST(ShellExecuteEx, FaultBeforeEffectStartsNothingAfterEffectTheBatch) {
     }
 }
 
-TEST(WaitForSingleObject, TimesOutWhileTheBatchGoesOn) {
+TEST(WaitForSingleObject, RunningBatch_TimesOut) {
     machine::Pc facts = PcWithBatch(load);
     facts.shell.milliseconds = 15000;
     EmulatedPc pc(facts);
@@ -180,7 +180,7 @@ TEST(WaitForSingleObject, TimesOutWhileTheBatchGoesOn) {
     CloseHandle(info.hProcess);
 }
 
-TEST(WaitForSingleObject, EndsWithABatchThatTakesExactlyThatLong) {
+TEST(WaitForSingleObject, BatchOfExactlyThatTime_Succeeds) {
     machine::Pc facts = PcWithBatch(load);
     facts.shell.milliseconds = 10000;
     EmulatedPc pc(facts);
@@ -190,7 +190,7 @@ TEST(WaitForSingleObject, EndsWithABatchThatTakesExactlyThatLong) {
     CloseHandle(info.hProcess);
 }
 
-TEST(WaitForSingleObject, FailsForAnythingButAProcess) {
+TEST(WaitForSingleObject, OtherHandle_FailsWithInvalidHandle) {
     EmulatedPc pc(PcWithBatch(load));
     EXPECT_EQ(WaitForSingleObject(nullptr, 10000), WAIT_FAILED);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
@@ -200,7 +200,7 @@ TEST(WaitForSingleObject, FailsForAnythingButAProcess) {
     EXPECT_EQ(pc.clockMilliseconds, 0u);
 }
 
-TEST(WaitForSingleObject, FaultBeforeEffectDoesNotWaitAfterEffectDoes) {
+TEST(WaitForSingleObject, FaultBeforeOrAfterEffect_WaitsOnlyAfterIt) {
     for (const bool afterEffect : {false, true}) {
         EmulatedPc pc(PcWithBatch(load));
         SHELLEXECUTEINFOW info = Info();
@@ -212,7 +212,7 @@ TEST(WaitForSingleObject, FaultBeforeEffectDoesNotWaitAfterEffectDoes) {
     }
 }
 
-TEST(CloseHandle, ClosesAProcessOnce) {
+TEST(CloseHandle, ProcessClosedTwice_SecondCloseIsAViolation) {
     EmulatedPc pc(PcWithBatch(unload));
     SHELLEXECUTEINFOW info = Info();
     ASSERT_TRUE(ShellExecuteExW(&info));
@@ -222,7 +222,7 @@ TEST(CloseHandle, ClosesAProcessOnce) {
     EXPECT_THAT(pc.ledger.Violations(), testing::SizeIs(1));
 }
 
-TEST(Clock, DoesWhatIsDueInItsOrder) {
+TEST(Clock, SeveralScheduledActions_RunInOrderWhenDue) {
     EmulatedPc pc(machine::FactoryMbr());
     std::vector<std::pair<char, uint64_t>> done;
     for (const auto& [name, hour] : {std::pair('b', 20), {'c', 20}, {'a', 10}, {'d', 30}}) {
@@ -235,7 +235,7 @@ TEST(Clock, DoesWhatIsDueInItsOrder) {
     EXPECT_EQ(pc.clockMilliseconds, 29u);
 }
 
-TEST(Reg, UnloadsWhatItLoaded) {
+TEST(Reg, LoadedHive_Unload_RemovesItsKeys) {
     EmulatedPc pc(PcWithBatch(load));
     EXPECT_THAT(RunToEnd(pc, load), ElementsAre("0"));
     EXPECT_THAT(RunToEnd(pc, unload), ElementsAre("0"));
@@ -244,7 +244,7 @@ TEST(Reg, UnloadsWhatItLoaded) {
     ExpectCleanLedger(pc);
 }
 
-TEST(Reg, LoadsAHiveWithoutKeys) {
+TEST(Reg, HiveWithoutKeys_Load_CreatesTheMountKey) {
     EmulatedPc pc(PcWithBatch(load));
     pc.facts.offlineSystemHive.clear();
     EXPECT_THAT(RunToEnd(pc, load), ElementsAre("0"));
@@ -253,7 +253,7 @@ TEST(Reg, LoadsAHiveWithoutKeys) {
     EXPECT_FALSE(IsMounted(pc));
 }
 
-TEST(Reg, DoesNothingWhenThePcLetsItFail) {
+TEST(Reg, RegFails_AnyCommand_ChangesNothing) {
     EmulatedPc pc(PcWithBatch(load));
     pc.facts.shell.regFails = true;
     EXPECT_THAT(RunToEnd(pc, load), ElementsAre("1"));
@@ -265,7 +265,7 @@ TEST(Reg, DoesNothingWhenThePcLetsItFail) {
     EXPECT_TRUE(IsMounted(pc));
 }
 
-TEST(Reg, LoadsOnlyAHiveFileThatExistsAndIsNotInUse) {
+TEST(Reg, MissingFileOrHiveInUse_Load_Fails) {
     EmulatedPc pc(PcWithBatch(load));
     EXPECT_THAT(RunToEnd(pc, "reg load HKLM\\T D:\\Windows\\System32\\Config\\NONE"), ElementsAre("1"));
     EXPECT_THAT(RunToEnd(pc, "reg load HKLM\\T Q:\\Windows\\System32\\Config\\SYSTEM"), ElementsAre("1"));
@@ -276,7 +276,7 @@ TEST(Reg, LoadsOnlyAHiveFileThatExistsAndIsNotInUse) {
     ExpectCleanLedger(pc);
 }
 
-TEST(Reg, LoadsOnlyBelowANewKeyOfTheLocalMachine) {
+TEST(Reg, ExistingOrMisplacedKey_Load_Fails) {
     EmulatedPc pc(PcWithBatch(load));
     pc.facts.registry["HKLM\\TAKEN\\Below"];
     for (const char* const key :
@@ -289,14 +289,14 @@ TEST(Reg, LoadsOnlyBelowANewKeyOfTheLocalMachine) {
     EXPECT_EQ(pc.facts.registry.size(), 1u);
 }
 
-TEST(Reg, DoesNotUnloadTheSystemsOwnHives) {
+TEST(Reg, SystemsOwnHives_Unload_Fails) {
     EmulatedPc pc(PcWithBatch(load));
     pc.facts.registry["HKLM\\SYSTEM\\MountedDevices"];
     EXPECT_THAT(RunToEnd(pc, "reg unload HKLM\\SYSTEM"), ElementsAre("1"));
     EXPECT_EQ(pc.facts.registry.size(), 1u);
 }
 
-TEST(Reg, DoesNotUnloadWhileAKeyBelowIsOpen) {
+TEST(Reg, OpenKeyBelow_Unload_Fails) {
     EmulatedPc pc(PcWithBatch(load));
     RunToEnd(pc, load);
     HKEY key = nullptr;
@@ -308,7 +308,7 @@ TEST(Reg, DoesNotUnloadWhileAKeyBelowIsOpen) {
     ExpectCleanLedger(pc);
 }
 
-TEST(Reg, UnloadsAHiveThatWasMountedBeforeThePcWasDescribed) {
+TEST(Reg, HiveMountedByTheDescription_Unload_Succeeds) {
     machine::Pc facts = PcWithBatch(load);
     facts.registry["HKLM\\TEMSYSTEM\\MountedDevices"];
     EmulatedPc pc(facts);
@@ -317,7 +317,7 @@ TEST(Reg, UnloadsAHiveThatWasMountedBeforeThePcWasDescribed) {
     ExpectCleanLedger(pc);
 }
 
-TEST(Reg, ReadsTheHiveOfADiskImage) {
+TEST(Reg, HiveOnADiskImage_Load_ReadsTheFile) {
     machine::Pc facts = PcWithBatch(load);
     machine::Volume& windows = *facts.disks[0].partitions[1].volume;
     windows.store = std::make_shared<machine::TreeStore>(windows.files);
@@ -334,7 +334,7 @@ TEST(Reg, ReadsTheHiveOfADiskImage) {
     ExpectCleanLedger(pc);
 }
 
-TEST(BatchFile, RunsItsRegLinesUpToExit) {
+TEST(BatchFile, RegLinesAndExit_RunsThoseBeforeExit) {
     EmulatedPc pc(PcWithBatch(load));
     EXPECT_THAT(RunToEnd(pc, ""), IsEmpty());
     EXPECT_THAT(RunToEnd(pc, "@echo off\r\n\r\nREG load\r\nreg query HKLM\r\nExit\r\nreg load x y\r\n"),

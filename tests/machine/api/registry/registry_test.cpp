@@ -23,7 +23,7 @@ HKEY Open(const WCHAR* path, HKEY parent = HKEY_LOCAL_MACHINE) {
 
 }  // namespace
 
-TEST(RegOpenKey, OpensKeysAndThoseAboveThem) {
+TEST(RegOpenKey, KeysAndTheirParents_Open) {
     EmulatedPc pc(PcWithRegistry());
     SetLastError(staleError);
     for (const WCHAR* const path :
@@ -41,7 +41,7 @@ TEST(RegOpenKey, OpensKeysAndThoseAboveThem) {
     ExpectCleanLedger(pc);
 }
 
-TEST(RegOpenKey, TellsWhyNot) {
+TEST(RegOpenKey, InvalidArguments_FailWithTheirError) {
     EmulatedPc pc(PcWithRegistry());
     HKEY key = HKEY_USERS;
     EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"SYSTEM\\Mounted", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
@@ -56,7 +56,7 @@ TEST(RegOpenKey, TellsWhyNot) {
     ExpectCleanLedger(pc);
 }
 
-TEST(RegQueryValue, TellsSizeThenBytes) {
+TEST(RegQueryValue, TwoCalls_ReturnSizeThenBytes) {
     EmulatedPc pc(PcWithRegistry());
     const HKEY key = Open(u"SYSTEM\\MountedDevices");
     DWORD type = 0;
@@ -75,7 +75,7 @@ TEST(RegQueryValue, TellsSizeThenBytes) {
     ExpectCleanLedger(pc);
 }
 
-TEST(RegQueryValue, TellsWhyNot) {
+TEST(RegQueryValue, InvalidArguments_FailWithTheirError) {
     EmulatedPc pc(PcWithRegistry());
     const HKEY key = Open(u"SYSTEM\\MountedDevices");
     HKEY writing = nullptr;
@@ -96,7 +96,7 @@ TEST(RegQueryValue, TellsWhyNot) {
     ExpectCleanLedger(pc);
 }
 
-TEST(RegQueryValue, StartOptionsAreThoseOfTheRunningSystem) {
+TEST(RegQueryValue, StartOptions_AreTheRunningSystems) {
     EmulatedPc pc(machine::WinPeTwoDisks());
     pc.facts.registry["HKLM\\SYSTEM\\CurrentControlSet\\Control"]["SystemStartOptions"] = {REG_SZ, "other"};
     const HKEY key = Open(controlKey);
@@ -116,7 +116,7 @@ TEST(RegQueryValue, StartOptionsAreThoseOfTheRunningSystem) {
     ExpectCleanLedger(pc);
 }
 
-TEST(RegCloseKey, SecondCloseIsViolation) {
+TEST(RegCloseKey, ClosedKey_SecondCloseIsAViolation) {
     EmulatedPc pc(PcWithRegistry());
     const HKEY key = Open(u"SYSTEM");
     RegCloseKey(key);
@@ -124,7 +124,7 @@ TEST(RegCloseKey, SecondCloseIsViolation) {
     EXPECT_THAT(pc.ledger.Violations(), ElementsAre("registry key closed that is not open"));
 }
 
-TEST(RegCloseKey, FaultBeforeEffectLeavesKeyOpenAfterEffectClosesIt) {
+TEST(RegCloseKey, FaultBeforeOrAfterEffect_KeepsOrClosesTheKey) {
     for (const bool afterEffect : {false, true}) {
         EmulatedPc pc(PcWithRegistry());
         const HKEY key = Open(u"SYSTEM");

@@ -4,7 +4,7 @@ using machine::EmulatedPc;
 using testing::ElementsAre;
 using testing::Pair;
 
-TEST(GlobalAlloc, LendsZeroedMemoryOnlyWhenAsked) {
+TEST(GlobalAlloc, ZeroInitFlag_DecidesWhetherMemoryIsZeroed) {
     EmulatedPc pc(machine::FactoryMbr());
     SetLastError(staleError);
     char* const zeroed = static_cast<char*>(GlobalAlloc(GPTR, 4));
@@ -19,7 +19,7 @@ TEST(GlobalAlloc, LendsZeroedMemoryOnlyWhenAsked) {
     ExpectCleanLedger(pc);
 }
 
-TEST(GlobalAlloc, TellsWhyNot) {
+TEST(GlobalAlloc, TooLargeOrMovable_FailsWithItsError) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(GlobalAlloc(GMEM_MOVEABLE, 4), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
@@ -31,9 +31,9 @@ TEST(GlobalAlloc, TellsWhyNot) {
     ExpectCleanLedger(pc);
 }
 
-TEST(GlobalFree, UnknownBlockComesBackAndIsViolation) {
+TEST(GlobalFree, UnknownBlock_IsReturnedAndIsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
-    // Out of the compiler's sight, which knows what may be freed.
+    // Hidden from the compiler, which knows what may be freed.
     void* volatile elsewhere = reinterpret_cast<void*>(uintptr_t{0x1000});
     void* const unknown = elsewhere;
     EXPECT_EQ(GlobalFree(unknown), unknown);

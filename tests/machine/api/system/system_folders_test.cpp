@@ -2,7 +2,7 @@
 
 using machine::EmulatedPc;
 
-TEST(GetWindowsDirectory, TellsFolderOrSize) {
+TEST(GetWindowsDirectory, AnyBuffer_ReturnsFolderOrSize) {
     EmulatedPc pc(machine::WinPeTwoDisks());
     WCHAR folder[11] = {};
     SetLastError(staleError);
@@ -13,7 +13,7 @@ TEST(GetWindowsDirectory, TellsFolderOrSize) {
     EXPECT_EQ(GetLastError(), staleError);
 }
 
-TEST(GetWindowsDirectory, InjectedFault) {
+TEST(GetWindowsDirectory, Fault_ReturnsZeroAndTheError) {
     EmulatedPc pc(machine::FactoryMbr());
     WCHAR folder[MAX_PATH] = {};
     FailNext(pc, "GetWindowsDirectoryW", ERROR_NOT_ENOUGH_MEMORY);
@@ -22,7 +22,7 @@ TEST(GetWindowsDirectory, InjectedFault) {
     EXPECT_EQ(folder[0], 0);
 }
 
-TEST(GetModuleFileName, TellsHostProgram) {
+TEST(GetModuleFileName, NullModule_ReturnsTheHostApplication) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.host.path = "C:\\R.exe";
     WCHAR path[MAX_PATH];
@@ -32,7 +32,7 @@ TEST(GetModuleFileName, TellsHostProgram) {
     EXPECT_EQ(GetLastError(), staleError);
 }
 
-TEST(GetModuleFileName, CutsInShortBufferAndSaysSo) {
+TEST(GetModuleFileName, ShortBuffer_TruncatesAndFails) {
     EmulatedPc pc(machine::FactoryMbr());
     pc.facts.host.path = "C:\\R.exe";
     WCHAR path[8];
@@ -42,7 +42,7 @@ TEST(GetModuleFileName, CutsInShortBufferAndSaysSo) {
     EXPECT_EQ(GetModuleFileNameW(nullptr, nullptr, 0), 0u);
 }
 
-TEST(GetModuleFileName, FailsForOtherModuleAndByInjection) {
+TEST(GetModuleFileName, OtherModuleOrFault_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     WCHAR path[MAX_PATH];
     EXPECT_EQ(GetModuleFileNameW(reinterpret_cast<HMODULE>(path), path, MAX_PATH), 0u);
@@ -52,7 +52,7 @@ TEST(GetModuleFileName, FailsForOtherModuleAndByInjection) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
 }
 
-TEST(GetFirmwareEnvironmentVariable, FailsAsTheFirmwareDoes) {
+TEST(GetFirmwareEnvironmentVariable, BiosAndUefi_FailWithTheirError) {
     const struct {
         machine::FirmwareKind kind;
         std::optional<uint32_t> fact;
@@ -74,7 +74,7 @@ TEST(GetFirmwareEnvironmentVariable, FailsAsTheFirmwareDoes) {
     }
 }
 
-TEST(GetFirmwareEnvironmentVariable, ReadsWhereTheFactsLetIt) {
+TEST(GetFirmwareEnvironmentVariable, ErrorZeroInFacts_ReadsOneByte) {
     machine::Pc facts = machine::FactoryGpt();
     facts.firmware.error = 0;
     EmulatedPc pc(facts);
@@ -90,7 +90,7 @@ TEST(GetFirmwareEnvironmentVariable, ReadsWhereTheFactsLetIt) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NOACCESS});
 }
 
-TEST(Sleep, AdvancesTheClockOnly) {
+TEST(Sleep, AnyTime_AdvancesOnlyTheClock) {
     EmulatedPc pc(machine::FactoryMbr());
     Sleep(300);
     Sleep(19000);
@@ -98,7 +98,7 @@ TEST(Sleep, AdvancesTheClockOnly) {
     EXPECT_THAT(pc.journal.Calls("Sleep")[0].arguments, testing::ElementsAre("300"));
 }
 
-TEST(LastError, IsWhatWasSetAndLeavesNoTrace) {
+TEST(LastError, SetAndGet_KeepsTheValueAndJournalsNothing) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(GetLastError(), 0u);
     SetLastError(998);

@@ -13,7 +13,7 @@ std::string Convert(UINT codePage, const std::u16string& text) {
 
 }  // namespace
 
-TEST(WideCharToMultiByte, ConvertsIntoEitherCodePage) {
+TEST(WideCharToMultiByte, AnsiAndOem_ConvertsToTheCodePage) {
     EmulatedPc pc(machine::FactoryMbr());
     SetLastError(staleError);
     EXPECT_EQ(Convert(CP_ACP, u"reg\r\n"), "reg\r\n");
@@ -24,7 +24,7 @@ TEST(WideCharToMultiByte, ConvertsIntoEitherCodePage) {
     EXPECT_EQ(GetLastError(), staleError);
 }
 
-TEST(WideCharToMultiByte, TellsTheSizeWithTheTerminatorOfATextWithoutLength) {
+TEST(WideCharToMultiByte, TextWithoutLength_ReturnsTheSizeWithTerminator) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, u"exit", -1, nullptr, 0, nullptr, nullptr), 5);
     EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, u"exit", 4, nullptr, 0, nullptr, nullptr), 4);
@@ -33,7 +33,7 @@ TEST(WideCharToMultiByte, TellsTheSizeWithTheTerminatorOfATextWithoutLength) {
     EXPECT_STREQ(bytes, "exit");
 }
 
-TEST(WideCharToMultiByte, TellsWhyNot) {
+TEST(WideCharToMultiByte, InvalidArguments_FailWithTheirError) {
     EmulatedPc pc(machine::FactoryMbr());
     char bytes[2] = {'x', 'x'};
     EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, u"exit", -1, bytes, 2, nullptr, nullptr), 0);

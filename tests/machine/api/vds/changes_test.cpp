@@ -1,4 +1,4 @@
-// The active flag, attributes and types of partitions, and what becomes of their volumes.
+// Changes of the active flag, attributes and types of partitions, and their effect on volumes.
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/machine/api/com/com_client.h"
@@ -42,7 +42,7 @@ std::vector<int> BootIndicators(DiskClient& client) {
 
 constexpr uint64_t MiB = 1024ULL * 1024;
 
-// Writes down what reaches the medium, and fails when told to.
+// Records what reaches the medium, and fails on request.
 class RecordingTable final : public machine::PartitionTable {
   public:
     uint32_t SetActive(uint64_t offset, bool active, machine::OtherFlags others) override {
@@ -57,8 +57,8 @@ class RecordingTable final : public machine::PartitionTable {
     std::vector<machine::TableEntry> Entries() override { return entries; }
 
     std::vector<std::string> writes;
-    std::vector<machine::TableEntry> entries;  // what reads after a failure
-    int failsIn = 0;                           // the write that fails, from 1
+    std::vector<machine::TableEntry> entries;  // the result of Entries() after a failure
+    int failsIn = 0;                           // which write fails, from 1
 };
 
 std::shared_ptr<RecordingTable> PutOnMedium(DiskClient& client) {
@@ -69,7 +69,7 @@ std::shared_ptr<RecordingTable> PutOnMedium(DiskClient& client) {
 
 }  // namespace
 
-TEST(ChangeAttributes, SetsAndClearsOneFlag) {
+TEST(ChangeAttributes, MbrPartition_SetsAndClearsOneFlag) {
     DiskClient client(machine::FactoryMbr());
     EXPECT_EQ(SetActive(client, 1, 0x80), S_OK) << "any value but 0 sets";
     EXPECT_EQ(BootIndicators(client), (std::vector<int>{1, 1, 0, 0})) << "the others stay";
@@ -77,7 +77,7 @@ TEST(ChangeAttributes, SetsAndClearsOneFlag) {
     EXPECT_EQ(BootIndicators(client), (std::vector<int>{1, 0, 0, 0}));
 }
 
-TEST(ChangeAttributes, SettingAnExclusiveFlagClearsTheOthers) {
+TEST(ChangeAttributes, ExclusiveFlags_SettingOneClearsTheOthers) {
     DiskClient client(machine::FactoryMbr());
     client.pc.facts.switches.activeFlagIsExclusive = true;
     EXPECT_EQ(SetActive(client, 1, 1), S_OK);
@@ -87,7 +87,7 @@ TEST(ChangeAttributes, SettingAnExclusiveFlagClearsTheOthers) {
     EXPECT_EQ(BootIndicators(client), (std::vector<int>{0, 0, 1, 0})) << "clearing touches one";
 }
 
-TEST(ChangeAttributes, RefusesWhatItCannotChange) {
+TEST(ChangeAttributes, UnchangeablePartition_Fails) {
     DiskClient client(machine::FactoryMbr());
     const std::vector<int> before = BootIndicators(client);
     EXPECT_EQ(SetAttributes(client, 1, 0), VDS_E_PARTITION_STYLE_MISMATCH);
@@ -105,7 +105,7 @@ TEST(ChangeAttributes, RefusesWhatItCannotChange) {
     EXPECT_EQ(BootIndicators(client), before);
 }
 
-TEST(ChangeAttributes, ChangesThreeGptAttributes) {
+TEST(ChangeAttributes, GptPartition_ChangesThreeAttributes) {
     DiskClient client(machine::FactoryGpt());
     client.Partition(5).attributes = 4;
     EXPECT_EQ(SetAttributes(client, 5, 0xD000000000000004), S_OK);
@@ -117,7 +117,7 @@ TEST(ChangeAttributes, ChangesThreeGptAttributes) {
     EXPECT_EQ(client.Partition(5).attributes, 0xD000000000000004u);
 }
 
-TEST(ChangeAttributes, WritesTheMediumFirst) {
+TEST(ChangeAttributes, DiskOnImage_WritesTheMediumFirst) {
     DiskClient client(machine::FactoryMbr());
     const auto table = PutOnMedium(client);
     client.pc.facts.switches.activeFlagIsExclusive = true;
@@ -130,7 +130,7 @@ TEST(ChangeAttributes, WritesTheMediumFirst) {
     EXPECT_EQ(table->writes, (std::vector<std::string>{"active 1 alone", "inactive 1", "active 15361"}));
 }
 
-TEST(ChangeAttributes, ChangesNothingThatTheMediumRefuses) {
+TEST(ChangeAttributes, WriteProtectedMedium_ChangesNothing) {
     DiskClient client(machine::FactoryMbr());
     const auto table = PutOnMedium(client);
     table->failsIn = 1;
@@ -142,7 +142,7 @@ TEST(ChangeAttributes, ChangesNothingThatTheMediumRefuses) {
     EXPECT_EQ(BootIndicators(client), (std::vector<int>{0, 1, 0, 0}));
 }
 
-TEST(ChangeAttributes, AfterAFailedWriteTheMediumTellsWhatIsTrue) {
+TEST(ChangeAttributes, FailedWrite_FactsFollowTheMedium) {
     DiskClient client(machine::FactoryMbr());
     const auto table = PutOnMedium(client);
     client.pc.facts.switches.activeFlagIsExclusive = true;
@@ -155,7 +155,7 @@ TEST(ChangeAttributes, AfterAFailedWriteTheMediumTellsWhatIsTrue) {
     EXPECT_EQ(BootIndicators(client), (std::vector<int>{0, 1, 0, 0})) << "put right";
 }
 
-TEST(ChangeAttributes, FailsBeforeOrAfterItsEffect) {
+TEST(ChangeAttributes, FaultBeforeOrAfterEffect_ChangesNothingOrThePartition) {
     DiskClient client(machine::FactoryMbr());
     client.pc.faults.Arm({"IVdsAdvancedDisk::ChangeAttributes", 1, false, false, 0x80004005});
     client.pc.faults.Arm({"IVdsAdvancedDisk::ChangeAttributes", 2, false, true, 0x80004005});
@@ -165,7 +165,7 @@ TEST(ChangeAttributes, FailsBeforeOrAfterItsEffect) {
     EXPECT_EQ(client.Partition(1).bootIndicator, 1);
 }
 
-TEST(ChangePartitionType, HidingTakesTheVolumeAndItsLettersAway) {
+TEST(ChangePartitionType, TypeWithoutVolume_RemovesVolumeAndLetters) {
     DiskClient client(machine::FactoryMbr());
     const VDS_OBJECT_ID data = client.VolumeId(3);
     const machine::FileTree files = client.Partition(3).volume->files;
@@ -180,7 +180,7 @@ TEST(ChangePartitionType, HidingTakesTheVolumeAndItsLettersAway) {
     EXPECT_EQ(client.Partition(3).volume->files, files) << "reachable again";
 }
 
-TEST(ChangePartitionType, UnhidingMakesANewVolume) {
+TEST(ChangePartitionType, TypeWithVolume_CreatesANewVolume) {
     DiskClient client(machine::FactoryMbr());
     const VDS_OBJECT_ID before = client.VolumeId(3);
     ASSERT_EQ(SetType(client, 3, MBR_ID_HIDDEN_RECOVERY), S_OK);
@@ -189,7 +189,7 @@ TEST(ChangePartitionType, UnhidingMakesANewVolume) {
     EXPECT_FALSE(client.VolumeId(3) == before);
 }
 
-TEST(ChangePartitionType, HidingKeepsTheVolumeWhenTheSwitchSaysSo) {
+TEST(ChangePartitionType, TypeWithoutVolumeAndSwitch_KeepsTheVolume) {
     DiskClient client(machine::FactoryMbr());
     client.pc.facts.switches.hidingRemovesVolume = false;
     const VDS_OBJECT_ID before = client.VolumeId(3);
@@ -200,7 +200,7 @@ TEST(ChangePartitionType, HidingKeepsTheVolumeWhenTheSwitchSaysSo) {
     EXPECT_TRUE(client.VolumeId(3) == before);
 }
 
-TEST(ChangePartitionType, BetweenTwoTypesOfVolumesKeepsTheVolume) {
+TEST(ChangePartitionType, BothTypesWithVolume_KeepsTheVolume) {
     DiskClient client(machine::FactoryMbr());
     const VDS_OBJECT_ID before = client.VolumeId(3);
     EXPECT_EQ(SetType(client, 3, 0x0C), S_OK);
@@ -208,7 +208,7 @@ TEST(ChangePartitionType, BetweenTwoTypesOfVolumesKeepsTheVolume) {
     EXPECT_TRUE(client.VolumeId(3) == before);
 }
 
-TEST(ChangePartitionType, RefusesWhatItCannotChange) {
+TEST(ChangePartitionType, UnchangeablePartition_Fails) {
     DiskClient client(machine::FactoryMbr());
     CHANGE_PARTITION_TYPE_PARAMETERS parameters{};
     parameters.style = VDS_PST_MBR;
@@ -223,7 +223,7 @@ TEST(ChangePartitionType, RefusesWhatItCannotChange) {
     EXPECT_EQ(SetType(client, 4, MBR_ID_NTFS), VDS_E_PARTITION_LDM);
 }
 
-TEST(ChangePartitionType, TakesTheRunningWindowsOnlyByForce) {
+TEST(ChangePartitionType, RunningWindows_NeedsForce) {
     DiskClient client(machine::FactoryMbr());
     EXPECT_EQ(SetType(client, 2, MBR_ID_HIDDEN_RECOVERY, FALSE), VDS_E_DEVICE_IN_USE);
     EXPECT_EQ(client.Partition(2).volume->letters, "C");
@@ -232,7 +232,7 @@ TEST(ChangePartitionType, TakesTheRunningWindowsOnlyByForce) {
     EXPECT_EQ(client.Partition(2).volume->letters, "");
 }
 
-TEST(ChangePartitionType, OnGptTakesBasicDataAlone) {
+TEST(ChangePartitionType, GptPartition_AcceptsOnlyBasicData) {
     DiskClient client(machine::FactoryGpt());
     EXPECT_EQ(SetType(client, 6, PARTITION_BASIC_DATA_GUID), S_OK);
     EXPECT_TRUE(client.Partition(6).gptType == PARTITION_BASIC_DATA_GUID);
@@ -245,7 +245,7 @@ TEST(ChangePartitionType, OnGptTakesBasicDataAlone) {
     EXPECT_TRUE(client.Partition(2).gptType == PARTITION_MSFT_RECOVERY_GUID);
 }
 
-TEST(ChangePartitionType, WritesTheMediumFirst) {
+TEST(ChangePartitionType, DiskOnImage_WritesTheMediumFirst) {
     DiskClient client(machine::FactoryMbr());
     const auto table = PutOnMedium(client);
     EXPECT_EQ(SetType(client, 1, MBR_ID_NTFS), S_OK);
@@ -257,7 +257,7 @@ TEST(ChangePartitionType, WritesTheMediumFirst) {
     EXPECT_EQ(client.Partition(3).volume->letters, "D");
 }
 
-TEST(ChangePartitionType, AfterAFailedWriteTheMediumTellsWhatIsTrue) {
+TEST(ChangePartitionType, FailedWrite_FactsFollowTheMedium) {
     DiskClient client(machine::FactoryMbr());
     const auto table = PutOnMedium(client);
     table->failsIn = 1;
@@ -267,7 +267,7 @@ TEST(ChangePartitionType, AfterAFailedWriteTheMediumTellsWhatIsTrue) {
     EXPECT_EQ(client.Partition(3).volume->letters, "") << "the volume has gone with its type";
 }
 
-TEST(ChangePartitionType, FailsBeforeOrAfterItsEffect) {
+TEST(ChangePartitionType, FaultBeforeOrAfterEffect_ChangesNothingOrThePartition) {
     DiskClient client(machine::FactoryMbr());
     client.pc.faults.Arm({"IVdsAdvancedDisk2::ChangePartitionType", 1, false, false, 0x80004005});
     client.pc.faults.Arm({"IVdsAdvancedDisk2::ChangePartitionType", 2, false, true, 0x80004005});

@@ -16,7 +16,7 @@ machine::Partition PartitionAt(uint32_t number, uint64_t offset, uint64_t size) 
     return partition;
 }
 
-// The extent type of a lone partition.
+// The extent type of the only partition.
 int ExtentTypeOf(machine::PartitionStyle style, machine::Partition partition) {
     machine::Pc facts = machine::FactoryMbr();
     facts.disks[0].style = style;
@@ -44,7 +44,7 @@ int GptExtentType(const GUID& type, uint64_t attributes = 0) {
 
 }  // namespace
 
-TEST(DiskProperties, TellWhatThePcSays) {
+TEST(DiskProperties, MbrDisk_ReturnsTheFactsOfThePc) {
     DiskClient client(machine::FactoryMbr());
     VDS_DISK_PROP properties{};
     ASSERT_EQ(client.disk->GetProperties(&properties), S_OK);
@@ -63,7 +63,7 @@ TEST(DiskProperties, TellWhatThePcSays) {
     EXPECT_EQ(client.disk->GetProperties(nullptr), E_POINTER);
 }
 
-TEST(DiskProperties, OfAGptDiskTellItsGuid) {
+TEST(DiskProperties, GptDisk_ReturnsItsGuid) {
     DiskClient client(machine::FactoryGpt());
     VDS_DISK_PROP properties{};
     ASSERT_EQ(client.disk->GetProperties(&properties), S_OK);
@@ -72,7 +72,7 @@ TEST(DiskProperties, OfAGptDiskTellItsGuid) {
     FreeStrings(properties);
 }
 
-TEST(DiskProperties, TheCallerOwnsTheStrings) {
+TEST(DiskProperties, AnyDisk_CallerFreesTheStrings) {
     DiskClient client(machine::FactoryMbr());
     VDS_DISK_PROP properties{};
     ASSERT_EQ(client.disk->GetProperties(&properties), S_OK);
@@ -86,7 +86,7 @@ TEST(DiskProperties, TheCallerOwnsTheStrings) {
     FreeStrings(properties);
 }
 
-TEST(DiskProperties, IdStaysWhileThePcLives) {
+TEST(DiskProperties, SameDiskTwice_ReturnsTheSameId) {
     DiskClient client(machine::WinPeTwoDisks());
     const VDS_OBJECT_ID first = DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0");
     const VDS_OBJECT_ID second = DiskId(client.service.Get(), "\\\\?\\PhysicalDrive1");
@@ -94,7 +94,7 @@ TEST(DiskProperties, IdStaysWhileThePcLives) {
     EXPECT_TRUE(first == DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0"));
 }
 
-TEST(DiskProperties, OfADynamicDiskSayIt) {
+TEST(DiskProperties, DynamicDisk_IsReportedAsDynamic) {
     machine::Pc facts = machine::FactoryMbr();
     DiskClient client(facts);
     client.pc.facts.packs = {{"dynamic", 1, true}};
@@ -105,7 +105,7 @@ TEST(DiskProperties, OfADynamicDiskSayIt) {
     FreeStrings(properties);
 }
 
-TEST(QueryExtents, ListsPartitionsByOffsetAndTheFreeSpaceBetween) {
+TEST(QueryExtents, PartitionsAndGaps_AreListedByOffset) {
     machine::Pc facts = machine::FactoryMbr();
     facts.disks[0].size = 10 * GiB;
     facts.disks[0].partitions = {PartitionAt(1, 4 * GiB, 2 * GiB), PartitionAt(2, MiB, GiB)};
@@ -132,7 +132,7 @@ TEST(QueryExtents, ListsPartitionsByOffsetAndTheFreeSpaceBetween) {
     EXPECT_EQ(client.disk->QueryExtents(&extents, nullptr), E_POINTER);
 }
 
-TEST(QueryExtents, OfADiskWithoutTableIsUnusable) {
+TEST(QueryExtents, NoTable_IsOneUnusableExtent) {
     DiskClient client(machine::FactoryMbr());
     client.pc.facts.disks[0].style = machine::PartitionStyle::Unknown;
     client.pc.facts.disks[0].partitions.clear();
@@ -142,7 +142,7 @@ TEST(QueryExtents, OfADiskWithoutTableIsUnusable) {
     EXPECT_EQ(extents[0].ullSize, 500 * GiB);
 }
 
-TEST(QueryExtents, MbrTypesHaveTheirExtentTypes) {
+TEST(QueryExtents, EveryMbrType_HasItsExtentType) {
     for (const uint8_t type : std::initializer_list<uint8_t>{0x01, 0x04, 0x06, 0x07, 0x0B, 0x0C, 0x0E})
         EXPECT_EQ(MbrExtentType(type), VDS_DET_DATA) << int{type};
     for (const uint8_t type : std::initializer_list<uint8_t>{0x12, 0x27, 0x84, 0xA0, 0xDE, 0xFE})
@@ -152,7 +152,7 @@ TEST(QueryExtents, MbrTypesHaveTheirExtentTypes) {
     EXPECT_EQ(MbrExtentType(0x05), VDS_DET_UNKNOWN);
 }
 
-TEST(QueryExtents, GptTypesHaveTheirExtentTypes) {
+TEST(QueryExtents, EveryGptType_HasItsExtentType) {
     EXPECT_EQ(GptExtentType(PARTITION_BASIC_DATA_GUID), VDS_DET_DATA);
     EXPECT_EQ(GptExtentType(PARTITION_BASIC_DATA_GUID, 1), VDS_DET_OEM) << "platform required";
     EXPECT_EQ(GptExtentType(PARTITION_SYSTEM_GUID), VDS_DET_ESP);
@@ -164,14 +164,14 @@ TEST(QueryExtents, GptTypesHaveTheirExtentTypes) {
     EXPECT_EQ(ExtentTypeOf(machine::PartitionStyle::Unknown, {}), VDS_DET_UNKNOWN);
 }
 
-TEST(QueryExtents, AVolumeCanHaveAnotherTypeThanItsPartition) {
+TEST(QueryExtents, VolumeWithExtentType_OverridesThePartitions) {
     DiskClient client(machine::FactoryMbr());
     client.Partition(2).volume->extentType = VDS_DET_UNUSABLE;
     EXPECT_EQ(ExtentsOf(client.disk.Get())[2].type, VDS_DET_UNUSABLE);
     EXPECT_TRUE(client.VolumeId(2) == GUID_NULL);
 }
 
-TEST(QueryExtents, VolumesHaveIdsThatStay) {
+TEST(QueryExtents, SameVolumeTwice_ReturnsTheSameId) {
     DiskClient client(machine::FactoryGpt());
     const VDS_OBJECT_ID windows = client.VolumeId(5);
     EXPECT_FALSE(windows == GUID_NULL);
@@ -183,7 +183,7 @@ TEST(QueryExtents, VolumesHaveIdsThatStay) {
     EXPECT_TRUE(client.VolumeId(4) == GUID_NULL) << "reserved, without contents";
 }
 
-TEST(AnyDiskMethod, OfADiskThatIsGoneSaysSo) {
+TEST(AnyDiskMethod, RemovedDisk_FailsWithObjectDeleted) {
     DiskClient client(machine::FactoryMbr());
     client.pc.facts.disks.clear();
     VDS_DISK_PROP properties{};

@@ -23,7 +23,7 @@ HRESULT Delete(DiskClient& client, uint32_t partition, char letter) {
 
 }  // namespace
 
-TEST(QueryPartitions, TellsMbrPartitionsInTheOrderOfThePc) {
+TEST(QueryPartitions, MbrDisk_ReturnsPartitionsInThePcsOrder) {
     DiskClient client(machine::FactoryMbr());
     client.pc.facts.disks[0].partitions[1].bootIndicator = 2;
     std::swap(client.pc.facts.disks[0].partitions[0], client.pc.facts.disks[0].partitions[1]);
@@ -41,7 +41,7 @@ TEST(QueryPartitions, TellsMbrPartitionsInTheOrderOfThePc) {
     EXPECT_FALSE(partitions[1].Mbr.recognizedPartition);
 }
 
-TEST(QueryPartitions, TellsGptPartitions) {
+TEST(QueryPartitions, GptDisk_ReturnsItsPartitions) {
     DiskClient client(machine::FactoryGpt());
     client.Partition(2).attributes = 0x8000000000000001;
     client.Partition(2).name = std::string(40, 'x');
@@ -55,7 +55,7 @@ TEST(QueryPartitions, TellsGptPartitions) {
     EXPECT_EQ(ToUtf8(partitions[0].Gpt.name), "Maker boot");
 }
 
-TEST(QueryPartitions, TheCallerOwnsTheArray) {
+TEST(QueryPartitions, MbrDisk_CallerFreesTheArray) {
     DiskClient client(machine::FactoryMbr());
     VDS_PARTITION_PROP* partitions = nullptr;
     LONG count = 0;
@@ -67,7 +67,7 @@ TEST(QueryPartitions, TheCallerOwnsTheArray) {
     EXPECT_EQ(client.advanced->QueryPartitions(&partitions, nullptr), E_POINTER);
 }
 
-TEST(QueryPartitions, OfAnEmptyTableIsTheOtherSuccess) {
+TEST(QueryPartitions, EmptyTable_ReturnsSFalseAndNoArray) {
     DiskClient client(machine::FactoryMbr());
     client.pc.facts.disks[0].partitions.clear();
     VDS_PARTITION_PROP* partitions = reinterpret_cast<VDS_PARTITION_PROP*>(1);
@@ -77,7 +77,7 @@ TEST(QueryPartitions, OfAnEmptyTableIsTheOtherSuccess) {
     EXPECT_EQ(count, 0);
 }
 
-TEST(QueryPartitions, NeedsATable) {
+TEST(QueryPartitions, NoTable_FailsWithNotInitialized) {
     DiskClient client(machine::FactoryMbr());
     client.pc.facts.disks[0].style = machine::PartitionStyle::Unknown;
     EXPECT_EQ(PartitionsOf(client.advanced.Get()).at(0).PartitionStyle, VDS_PST_UNKNOWN)
@@ -88,7 +88,7 @@ TEST(QueryPartitions, NeedsATable) {
     EXPECT_EQ(client.advanced->QueryPartitions(&partitions, &count), VDS_E_DISK_NOT_INITIALIZED);
 }
 
-TEST(GetDriveLetter, TellsTheFirstLetter) {
+TEST(GetDriveLetter, SeveralLetters_ReturnsTheFirst) {
     DiskClient client(machine::FactoryMbr());
     client.Partition(1).volume->letters = "RQ";
     WCHAR letter = TEXT('?');
@@ -97,7 +97,7 @@ TEST(GetDriveLetter, TellsTheFirstLetter) {
     EXPECT_EQ(client.advanced->GetDriveLetter(MiB, nullptr), E_POINTER);
 }
 
-TEST(GetDriveLetter, WithoutALetterFollowsTheSwitch) {
+TEST(GetDriveLetter, NoLetter_FollowsTheSwitch) {
     DiskClient client(machine::FactoryMbr());
     WCHAR letter = TEXT('?');
     EXPECT_EQ(GetLetter(client, 1, letter), VDS_E_OBJECT_NOT_FOUND);
@@ -111,7 +111,7 @@ TEST(GetDriveLetter, WithoutALetterFollowsTheSwitch) {
     EXPECT_EQ(letter, TEXT('0'));
 }
 
-TEST(LetterCalls, OnVolumesFollowTheSwitch) {
+TEST(LetterCalls, Volume_FollowTheSwitch) {
     DiskClient client(machine::FactoryMbr());
     WCHAR letter = TEXT('?');
     EXPECT_EQ(GetLetter(client, 2, letter), VDS_E_INVALID_OPERATION);
@@ -127,7 +127,7 @@ TEST(LetterCalls, OnVolumesFollowTheSwitch) {
     EXPECT_EQ(client.Partition(2).volume->letters, "W");
 }
 
-TEST(LetterCalls, OnGptPartitionsFollowTheirTypes) {
+TEST(LetterCalls, GptPartition_FollowItsType) {
     DiskClient client(machine::FactoryGpt());
     EXPECT_EQ(Assign(client, 1, 'R'), S_OK) << "unknown";
     EXPECT_EQ(Assign(client, 2, 'S'), S_OK) << "recovery";
@@ -136,7 +136,7 @@ TEST(LetterCalls, OnGptPartitionsFollowTheirTypes) {
     EXPECT_EQ(Assign(client, 5, 'V'), VDS_E_INVALID_OPERATION) << "basic data";
 }
 
-TEST(LetterCalls, NeedAPartitionAtTheOffset) {
+TEST(LetterCalls, OffsetWithoutPartition_FailWithNotFound) {
     DiskClient client(machine::FactoryMbr());
     WCHAR letter = TEXT('?');
     EXPECT_EQ(client.advanced->GetDriveLetter(7, &letter), VDS_E_OBJECT_NOT_FOUND);
@@ -144,7 +144,7 @@ TEST(LetterCalls, NeedAPartitionAtTheOffset) {
     EXPECT_EQ(client.advanced->DeleteDriveLetter(7, TEXT('R')), VDS_E_OBJECT_NOT_FOUND);
 }
 
-TEST(AssignDriveLetter, TakesEitherCaseAndKeepsOtherLetters) {
+TEST(AssignDriveLetter, EitherCase_AddsTheLetterAndKeepsOthers) {
     DiskClient client(machine::FactoryMbr());
     EXPECT_EQ(Assign(client, 1, 'r'), S_OK);
     EXPECT_EQ(Assign(client, 1, 'Q'), S_OK);
@@ -152,7 +152,7 @@ TEST(AssignDriveLetter, TakesEitherCaseAndKeepsOtherLetters) {
     EXPECT_EQ(client.Partition(1).volume->letters, "RQ");
 }
 
-TEST(AssignDriveLetter, RefusesLettersInUseAndWhatIsNoLetter) {
+TEST(AssignDriveLetter, LetterInUseOrInvalid_Fails) {
     DiskClient client(machine::FactoryMbr());
     machine::Volume disc;
     disc.letters = "E";
@@ -164,7 +164,7 @@ TEST(AssignDriveLetter, RefusesLettersInUseAndWhatIsNoLetter) {
     EXPECT_EQ(client.Partition(1).volume->letters, "");
 }
 
-TEST(AssignDriveLetter, MakesAnUnreadableVolumeOfAnEmptyPartition) {
+TEST(AssignDriveLetter, EmptyPartition_BecomesAnUnreadableVolume) {
     DiskClient client(machine::FactoryMbr());
     EXPECT_EQ(Assign(client, 4, 'H'), S_OK);
     ASSERT_TRUE(client.Partition(4).volume);
@@ -172,7 +172,7 @@ TEST(AssignDriveLetter, MakesAnUnreadableVolumeOfAnEmptyPartition) {
     EXPECT_EQ(client.Partition(4).volume->fileSystem, "RAW");
 }
 
-TEST(AssignDriveLetter, FailsBeforeOrAfterItsEffect) {
+TEST(AssignDriveLetter, FaultBeforeOrAfterEffect_ChangesNothingOrTheLetter) {
     DiskClient client(machine::FactoryMbr());
     client.pc.faults.Arm({"IVdsAdvancedDisk::AssignDriveLetter", 1, false, false, 0x80004005});
     client.pc.faults.Arm({"IVdsAdvancedDisk::AssignDriveLetter", 2, false, true, 0x80004005});
@@ -182,7 +182,7 @@ TEST(AssignDriveLetter, FailsBeforeOrAfterItsEffect) {
     EXPECT_EQ(client.Partition(1).volume->letters, "R");
 }
 
-TEST(DeleteDriveLetter, TakesTheLetterThatItNames) {
+TEST(DeleteDriveLetter, SeveralLetters_RemovesOnlyThatLetter) {
     DiskClient client(machine::FactoryMbr());
     client.Partition(1).volume->letters = "RQ";
     EXPECT_EQ(Delete(client, 1, 'r'), S_OK);
@@ -193,7 +193,7 @@ TEST(DeleteDriveLetter, TakesTheLetterThatItNames) {
     EXPECT_EQ(Delete(client, 4, 'Q'), VDS_E_INVALID_DRIVE_LETTER) << "no volume";
 }
 
-TEST(DeleteDriveLetter, FailsBeforeOrAfterItsEffect) {
+TEST(DeleteDriveLetter, FaultBeforeOrAfterEffect_ChangesNothingOrTheLetter) {
     DiskClient client(machine::FactoryMbr());
     client.Partition(1).volume->letters = "R";
     client.pc.faults.Arm({"IVdsAdvancedDisk::DeleteDriveLetter", 1, false, false, 0x80004005});
@@ -204,7 +204,7 @@ TEST(DeleteDriveLetter, FailsBeforeOrAfterItsEffect) {
     EXPECT_EQ(client.Partition(1).volume->letters, "");
 }
 
-TEST(LetterCalls, JournalTellsDiskOffsetAndLetter) {
+TEST(LetterCalls, EachCall_JournalsDiskOffsetAndLetter) {
     DiskClient client(machine::FactoryMbr());
     Assign(client, 1, 'R');
     EXPECT_EQ(client.pc.journal.Calls("IVdsAdvancedDisk::AssignDriveLetter").at(0).arguments,

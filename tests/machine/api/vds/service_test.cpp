@@ -1,11 +1,11 @@
-// The loader, the service, its lists and packs.
+// The loader, the service, its enumerations and packs.
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/machine/api/com/com_client.h"
 
 namespace {
 
-// A disk of that number with an empty table, named D and its number.
+// A disk with that number and an empty table, named D with its number.
 machine::Disk EmptyDisk(uint32_t number) {
     machine::Disk disk;
     disk.number = number;
@@ -15,7 +15,7 @@ machine::Disk EmptyDisk(uint32_t number) {
 
 }  // namespace
 
-TEST(LoadService, ServesThisMachineAlone) {
+TEST(LoadService, OtherMachineName_IsUnreachable) {
     ComClient client(machine::FactoryMbr());
     Held<IVdsServiceLoader> loader;
     ASSERT_EQ(CoCreateInstance(CLSID_VdsLoader, nullptr, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader,
@@ -33,7 +33,7 @@ TEST(LoadService, ServesThisMachineAlone) {
     EXPECT_EQ(client.OnLoan(), (Loans{{"IVdsService", 1}, {"IVdsServiceLoader", 1}}));
 }
 
-TEST(IsServiceReady, TellsTheStateThatTheFaultPlanGivesIt) {
+TEST(IsServiceReady, FaultPlan_DefinesTheState) {
     ComClient client(machine::FactoryMbr());
     const Held<IVdsService> service = LoadVds();
     client.pc.faults.Arm({"IVdsService::IsServiceReady", 1, false, false, S_FALSE});
@@ -43,7 +43,7 @@ TEST(IsServiceReady, TellsTheStateThatTheFaultPlanGivesIt) {
     EXPECT_EQ(service->IsServiceReady(), S_OK);
 }
 
-TEST(QueryProviders, GivesTheSoftwareProvidersThatTheMaskAsksFor) {
+TEST(QueryProviders, EachMask_ReturnsTheProvidersOfItsBits) {
     ComClient client(machine::FactoryMbr());
     const Held<IVdsService> service = LoadVds();
     for (const auto& [mask, count] : std::map<DWORD, size_t>{{0, 0}, {1, 2}, {2, 0}, {4, 0}, {7, 2}}) {
@@ -57,7 +57,7 @@ TEST(QueryProviders, GivesTheSoftwareProvidersThatTheMaskAsksFor) {
     EXPECT_EQ(client.OnLoan(), (Loans{{"IVdsService", 1}}));
 }
 
-TEST(Enumerator, TellsTheEndEveryTime) {
+TEST(Enumerator, AtTheEnd_ReturnsSFalseEveryTime) {
     ComClient client(machine::WinPeTwoDisks());
     const Held<IVdsService> service = LoadVds();
     Held<IEnumVdsObject> list;
@@ -79,7 +79,7 @@ TEST(Enumerator, TellsTheEndEveryTime) {
     EXPECT_EQ(client.OnLoan(), (Loans{{"IEnumVdsObject", 1}, {"IVdsService", 1}}));
 }
 
-TEST(Enumerator, FixesItsListWhenItIsMade) {
+TEST(Enumerator, ListChangedLater_KeepsTheOriginalList) {
     machine::Pc facts;
     facts.disks = {EmptyDisk(0)};
     facts.disks[0].unallocated = true;
@@ -94,7 +94,7 @@ TEST(Enumerator, FixesItsListWhenItIsMade) {
     EXPECT_EQ(Ask<IVdsDisk>(disks[0].Get(), IID_IVdsDisk)->GetProperties(&properties), VDS_E_OBJECT_DELETED);
 }
 
-TEST(QueryPacks, EachDiskHasAnOnlinePackOfItsOwn) {
+TEST(QueryPacks, DisksWithoutPack_HaveImplicitOnlinePacks) {
     ComClient client(machine::WinPeTwoDisks());
     const Held<IVdsService> service = LoadVds();
     EXPECT_EQ(PackLines(service.Get()),
@@ -104,7 +104,7 @@ TEST(QueryPacks, EachDiskHasAnOnlinePackOfItsOwn) {
     EXPECT_EQ(client.OnLoan(), (Loans{{"IVdsService", 1}}));
 }
 
-TEST(QueryPacks, NamedPacksHaveTheirStatusTheirDisksAndTheirProvider) {
+TEST(QueryPacks, NamedPacks_HaveTheirStatusDisksAndProvider) {
     machine::Pc facts;
     facts.packs = {{"lonely", 1, false}, {"spanned", 4, true}, {"pair", 1, false}};
     facts.disks = {EmptyDisk(0), EmptyDisk(1), EmptyDisk(2), EmptyDisk(3), EmptyDisk(4), EmptyDisk(5)};
@@ -122,7 +122,7 @@ TEST(QueryPacks, NamedPacksHaveTheirStatusTheirDisksAndTheirProvider) {
     EXPECT_EQ(UnallocatedDisks(service.Get()), (std::vector<std::string>{"D5"}));
 }
 
-TEST(QueryPacks, AnUnallocatedDiskThatNamesAPackIsListedTwice) {
+TEST(QueryPacks, UnallocatedDiskInAPack_IsListedTwice) {
     machine::Pc facts;
     facts.packs = {{"odd", 1, false}};
     facts.disks = {EmptyDisk(0)};
@@ -134,7 +134,7 @@ TEST(QueryPacks, AnUnallocatedDiskThatNamesAPackIsListedTwice) {
     EXPECT_EQ(UnallocatedDisks(service.Get()), (std::vector<std::string>{"D0"}));
 }
 
-TEST(PackProperties, TheNameBelongsToTheCaller) {
+TEST(PackProperties, NamedPack_CallerFreesTheName) {
     machine::Pc facts;
     facts.packs = {{"pair", 1, false}};
     ComClient client(facts);
@@ -157,7 +157,7 @@ TEST(PackProperties, TheNameBelongsToTheCaller) {
     EXPECT_EQ(pack->QueryDisks(nullptr), E_POINTER);
 }
 
-TEST(GetObject, FindsDisksAndVolumesByTheirIds) {
+TEST(GetObject, IdOfDiskOrVolume_ReturnsItsObject) {
     DiskClient client(machine::FactoryMbr());
     const VDS_OBJECT_ID disk = DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0");
     const VDS_OBJECT_ID volume = client.VolumeId(2);
@@ -167,7 +167,7 @@ TEST(GetObject, FindsDisksAndVolumesByTheirIds) {
     EXPECT_EQ(OpenDisk<IVdsDisk>(client.service.Get(), disk, IID_IVdsDisk).Get(), client.disk.Get());
 }
 
-TEST(GetObject, RefusesAnotherIdAndAnotherType) {
+TEST(GetObject, UnknownIdOrType_Fails) {
     DiskClient client(machine::FactoryMbr());
     const VDS_OBJECT_ID disk = DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0");
     IUnknown* none = client.disk.Get();

@@ -1,4 +1,4 @@
-// What the service tells of a volume's file system.
+// The file-system properties of a volume.
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/machine/api/com/com_client.h"
@@ -13,7 +13,7 @@ Held<IVdsVolumeMF> OpenVolume(DiskClient& client, uint32_t partition) {
 
 }  // namespace
 
-TEST(FileSystemProperties, TellTheLabelWhichTheCallerOwns) {
+TEST(FileSystemProperties, LabelledVolume_ReturnsALabelThatTheCallerFrees) {
     DiskClient client(machine::FactoryMbr());
     const VDS_OBJECT_ID id = client.VolumeId(2);
     const Held<IVdsVolumeMF> volume = OpenVolume(client, 2);
@@ -29,7 +29,7 @@ TEST(FileSystemProperties, TellTheLabelWhichTheCallerOwns) {
     EXPECT_EQ(volume->GetFileSystemProperties(nullptr), E_POINTER);
 }
 
-TEST(FileSystemProperties, TellTheFileSystem) {
+TEST(FileSystemProperties, EachFileSystem_ReturnsItsType) {
     const std::map<std::string, VDS_FILE_SYSTEM_TYPE> expected = {
         {"RAW", VDS_FST_RAW},     {"FAT", VDS_FST_FAT},     {"FAT12", VDS_FST_FAT}, {"FAT16", VDS_FST_FAT},
         {"FAT32", VDS_FST_FAT32}, {"NTFS", VDS_FST_NTFS},   {"CDFS", VDS_FST_CDFS}, {"UDF", VDS_FST_UDF},
@@ -45,7 +45,7 @@ TEST(FileSystemProperties, TellTheFileSystem) {
     }
 }
 
-TEST(FileSystemProperties, FailWithTheErrorOfTheLabel) {
+TEST(FileSystemProperties, UnreadableLabel_FailsWithItsError) {
     DiskClient client(machine::FactoryMbr());
     const Held<IVdsVolumeMF> volume = OpenVolume(client, 2);
     VDS_FILE_SYSTEM_PROP properties{};
@@ -56,7 +56,7 @@ TEST(FileSystemProperties, FailWithTheErrorOfTheLabel) {
     EXPECT_EQ(properties.pwszLabel, nullptr);
 }
 
-TEST(FileSystemProperties, AVolumeWithoutLabelHasANullOne) {
+TEST(FileSystemProperties, VolumeWithoutLabel_ReturnsNull) {
     DiskClient client(machine::FactoryMbr());
     client.Partition(2).volume->label = {};
     VDS_FILE_SYSTEM_PROP properties{};
@@ -65,7 +65,7 @@ TEST(FileSystemProperties, AVolumeWithoutLabelHasANullOne) {
     EXPECT_EQ(properties.pwszLabel, nullptr);
 }
 
-TEST(FileSystemProperties, APartitionThatNobodyFormattedIsRaw) {
+TEST(FileSystemProperties, UnformattedPartition_IsRaw) {
     DiskClient client(machine::FactoryMbr());
     client.Partition(3).volume.reset();
     VDS_FILE_SYSTEM_PROP properties{};
@@ -75,7 +75,7 @@ TEST(FileSystemProperties, APartitionThatNobodyFormattedIsRaw) {
     CoTaskMemFree(properties.pwszLabel);
 }
 
-TEST(FileSystemProperties, OfAVolumeThatIsGoneSaySo) {
+TEST(FileSystemProperties, RemovedVolume_FailsWithObjectDeleted) {
     DiskClient client(machine::FactoryMbr());
     const Held<IVdsVolumeMF> volume = OpenVolume(client, 3);
     CHANGE_PARTITION_TYPE_PARAMETERS hidden{};

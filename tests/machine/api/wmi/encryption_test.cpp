@@ -41,7 +41,7 @@ std::string ObjectPath(const std::string& deviceId) {
            deviceId + "'";
 }
 
-// The number of an output; the test fails for anything else.
+// The value of a numeric output; fails the test for any other type.
 LONG NumberOf(IWbemClassObject* object, const WCHAR* name) {
     VARIANT value;
     EXPECT_EQ(object->Get(name, 0, &value, nullptr, nullptr), S_OK);
@@ -51,7 +51,7 @@ LONG NumberOf(IWbemClassObject* object, const WCHAR* name) {
 
 }  // namespace
 
-TEST(EncryptableVolumes, AreListedWithWhatTheyHave) {
+TEST(EncryptableVolumes, SeveralVolumes_AreListedWithTheirProperties) {
     EncryptionClient client;
     EXPECT_EQ(
         InstancesOf(client.services.Get(), "Win32_EncryptableVolume",
@@ -61,7 +61,7 @@ TEST(EncryptableVolumes, AreListedWithWhatTheyHave) {
     EXPECT_EQ(client.OnLoan(), (Loans{{"IWbemServices", 1}}));
 }
 
-TEST(GetEncryptionMethod, AnswersForTheVolumeOfThePath) {
+TEST(GetEncryptionMethod, SeveralVolumes_ReturnsTheMethodOfThePathsVolume) {
     EncryptionClient client;
     Held<IWbemClassObject> outputs;
     ASSERT_EQ(client.AskMethod(ObjectPath(systemVolume), outputs.Put()), S_OK);
@@ -74,7 +74,7 @@ TEST(GetEncryptionMethod, AnswersForTheVolumeOfThePath) {
     EXPECT_EQ(client.OnLoan(), (Loans{{"IWbemClassObject", 2}, {"IWbemServices", 1}}));
 }
 
-TEST(GetEncryptionMethod, IsAskedOfAVolumeThatExists) {
+TEST(GetEncryptionMethod, ClassOrUnknownVolume_Fails) {
     EncryptionClient client;
     IWbemClassObject* none = nullptr;
     EXPECT_EQ(client.AskMethod("Win32_EncryptableVolume", &none),
@@ -83,7 +83,7 @@ TEST(GetEncryptionMethod, IsAskedOfAVolumeThatExists) {
     EXPECT_EQ(none, nullptr);
 }
 
-TEST(GetEncryptionMethod, HasNoInputs) {
+TEST(GetEncryptionMethod, AnyVolume_HasNoInputs) {
     EncryptionClient client;
     Held<IWbemClassObject> definition;
     ASSERT_EQ(client.services->GetObject(SystemString("Win32_EncryptableVolume").Get(), 0, nullptr,

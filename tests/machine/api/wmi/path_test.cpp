@@ -5,19 +5,19 @@
 using machine::NamespaceOf;
 using machine::ReadWmiPath;
 
-TEST(NamespacePath, LeavesTheMachineOut) {
+TEST(NamespacePath, WithMachineName_DropsTheMachine) {
     EXPECT_EQ(NamespaceOf("\\\\.\\root\\CIMV2"), "root\\CIMV2");
     EXPECT_EQ(NamespaceOf("\\\\PC1\\root\\cimv2\\Security"), "root\\cimv2\\Security");
     EXPECT_EQ(NamespaceOf("root\\CIMV2"), "root\\CIMV2");
     EXPECT_EQ(NamespaceOf("//./root/CIMV2"), "root\\CIMV2");
 }
 
-TEST(NamespacePath, RefusesOtherForms) {
+TEST(NamespacePath, MalformedPath_IsRefused) {
     for (const char* path : {"", "\\", "\\\\", "\\\\.", "\\\\.\\", "\\\\\\root", "\\root", "root\\"})
         EXPECT_EQ(NamespaceOf(path), std::nullopt) << path;
 }
 
-TEST(ObjectPath, OfAClassIsItsName) {
+TEST(ObjectPath, Class_IsItsName) {
     const auto path = ReadWmiPath("Win32_DiskDrive");
     ASSERT_TRUE(path);
     EXPECT_EQ(path->className, "Win32_DiskDrive");
@@ -26,7 +26,7 @@ TEST(ObjectPath, OfAClassIsItsName) {
     EXPECT_FALSE(path->Names(""));
 }
 
-TEST(ObjectPath, OfAnInstanceNamesItsKeyInEitherQuotes) {
+TEST(ObjectPath, Instance_HasItsKeyInEitherQuotes) {
     const auto raw = ReadWmiPath("\\\\.\\root\\CIMV2\\Security:Win32_Volume.DeviceID='\\\\?\\Volume{1}\\'");
     ASSERT_TRUE(raw);
     EXPECT_EQ(raw->space, "root\\CIMV2\\Security");
@@ -42,7 +42,7 @@ TEST(ObjectPath, OfAnInstanceNamesItsKeyInEitherQuotes) {
     EXPECT_TRUE(keyless->Names("C:=."));
 }
 
-TEST(ObjectPath, RefusesOtherForms) {
+TEST(ObjectPath, MalformedPath_IsRefused) {
     for (const char* path :
          {"", ":", ".", "=", "Class.", "Class.='x'", "Class.Key", "Class.Key=", "Class.Key=x",
           "Class.Key='x\"", "Class.Key='", "\\root:Class", ".Key='x'", "root:", ":Class"})

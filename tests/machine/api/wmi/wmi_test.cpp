@@ -11,7 +11,7 @@ constexpr HRESULT Code(WBEMSTATUS status) {
     return static_cast<HRESULT>(status);
 }
 
-// A class "Lamp" with two lamps and the method "Switch", which tells whether the lamp was off before.
+// A class "Lamp" with two instances and the method "Switch", which returns whether the lamp was off before.
 machine::WmiClass LampClass(std::string space) {
     machine::WmiClass lamp;
     lamp.space = std::move(space);
@@ -56,7 +56,7 @@ class LampClient : public ComClient {
         return object;
     }
 
-    // An instance of the inputs of "Switch" that says so.
+    // The inputs of "Switch" with that value.
     Held<IWbemClassObject> Inputs(bool lit) {
         Held<IWbemClassObject> signature;
         EXPECT_EQ(Object("Lamp")->GetMethod(TEXT("Switch"), 0, signature.Put(), nullptr), S_OK);
@@ -96,7 +96,7 @@ machine::Disk WmiDisk(uint32_t number, const char* interfaceType, std::vector<st
 
 }  // namespace
 
-TEST(ConnectServer, OpensTheNamespacesThatThePcHas) {
+TEST(ConnectServer, AnySpelling_OpensTheNamespacesOfThePc) {
     ComClient client(machine::FactoryMbr());
     EXPECT_EQ(Connect("\\\\.\\root\\CIMV2"), S_OK);
     EXPECT_EQ(Connect("ROOT\\cimv2"), S_OK);
@@ -107,7 +107,7 @@ TEST(ConnectServer, OpensTheNamespacesThatThePcHas) {
     EXPECT_EQ(client.OnLoan(), Loans());
 }
 
-TEST(ConnectServer, OpensTheNamespaceOfEncryptionWhereThePcHasIt) {
+TEST(ConnectServer, EncryptionNamespace_OpensOnlyIfThePcHasIt) {
     ComClient client(machine::FactoryMbr());
     const char* const space = "\\\\.\\root\\CIMV2\\Security\\MicrosoftVolumeEncryption";
     client.pc.facts.encryptableVolumes.reset();
@@ -117,7 +117,7 @@ TEST(ConnectServer, OpensTheNamespaceOfEncryptionWhereThePcHasIt) {
     EXPECT_EQ(client.OnLoan(), Loans());
 }
 
-TEST(DiskDrives, AreListedInTheOrderOfWmi) {
+TEST(DiskDrives, SeveralDisks_AreListedInWmiOrder) {
     machine::Pc facts;
     facts.disks = {WmiDisk(0, "IDE", {}), WmiDisk(1, "SCSI", {}), WmiDisk(2, "USB", {}),
                    WmiDisk(3, "IDE", {})};
@@ -132,7 +132,7 @@ TEST(DiskDrives, AreListedInTheOrderOfWmi) {
     EXPECT_EQ(client.OnLoan(), (Loans{{"IWbemServices", 1}}));
 }
 
-TEST(ControllerLinks, AreOneRowAHopInTheClassOfTheInterface) {
+TEST(ControllerLinks, SeveralControllers_AreOneRowPerHopInTheClassOfTheInterface) {
     machine::Pc facts;
     facts.disks = {WmiDisk(0, "ide", {"PCIIDE\\CHANNEL", "PCI\\VEN_8086&DEV_7111"}),
                    WmiDisk(1, "SCSI", {"PCI\\RAID"}), WmiDisk(2, "USB", {"USB\\ROOT"}),
@@ -157,7 +157,7 @@ TEST(ControllerLinks, AreOneRowAHopInTheClassOfTheInterface) {
                    "\\\\PC\\root\\cimv2:Win32_PnPEntity.DeviceID=\"DISK\\\\1\""}}));
 }
 
-TEST(CreateInstanceEnum, RefusesAnUnknownClass) {
+TEST(CreateInstanceEnum, UnknownClass_Fails) {
     ComClient client(machine::FactoryMbr());
     const Held<IWbemServices> services = ConnectWmi();
     IEnumWbemClassObject* list = reinterpret_cast<IEnumWbemClassObject*>(1);
@@ -168,7 +168,7 @@ TEST(CreateInstanceEnum, RefusesAnUnknownClass) {
               Code(WBEM_E_INVALID_PARAMETER));
 }
 
-TEST(WmiEnumerator, FixesItsListAndTellsTheEndEveryTime) {
+TEST(WmiEnumerator, ListChangedLater_KeepsItsListAndEndsEveryTime) {
     ComClient client(machine::WinPeTwoDisks());
     const Held<IWbemServices> services = ConnectWmi();
     Held<IEnumWbemClassObject> list;
@@ -192,7 +192,7 @@ TEST(WmiEnumerator, FixesItsListAndTellsTheEndEveryTime) {
               Code(WBEM_E_INVALID_PARAMETER));
 }
 
-TEST(GetObject, FindsAClassOrAnInstance) {
+TEST(GetObject, PathOfClassOrInstance_ReturnsIt) {
     LampClient client;
     EXPECT_EQ(TextOf(client.Object("LAMP").Get(), "DeviceID"), "null") << "a class has no values";
     EXPECT_EQ(TextOf(client.Object("Lamp.DeviceID='\\\\?\\hall\\'").Get(), "DeviceID"), "\\\\?\\hall\\");
@@ -201,7 +201,7 @@ TEST(GetObject, FindsAClassOrAnInstance) {
               "\\\\?\\cellar\\");
 }
 
-TEST(GetObject, RefusesOtherPaths) {
+TEST(GetObject, OtherPaths_Fail) {
     LampClient client;
     const auto codeOf = [&](const std::string& path) {
         IWbemClassObject* object = reinterpret_cast<IWbemClassObject*>(1);
@@ -220,7 +220,7 @@ TEST(GetObject, RefusesOtherPaths) {
               Code(WBEM_E_INVALID_PARAMETER));
 }
 
-TEST(ReservedFlags, AreRefused) {
+TEST(ReservedFlags, AnyMethod_FailWithInvalidParameter) {
     LampClient client;
     const Held<IWbemClassObject> lamp = client.Object("Lamp");
     Held<IWbemClassObject> none;
@@ -240,7 +240,7 @@ TEST(ReservedFlags, AreRefused) {
     EXPECT_EQ(lamp->GetMethod(TEXT("Switch"), 1, none.Put(), nullptr), refused);
 }
 
-TEST(PropertyGet, TellsValuesByTheirKinds) {
+TEST(PropertyGet, EachKindOfValue_ReturnsItsVariantType) {
     LampClient client;
     const Held<IWbemClassObject> hall = client.Object("Lamp.DeviceID='\\\\?\\hall\\'");
     VARIANT value;
@@ -264,7 +264,7 @@ TEST(PropertyGet, TellsValuesByTheirKinds) {
     EXPECT_EQ(hall->Get(TEXT("Watts"), 0, nullptr, nullptr, nullptr), S_OK) << "there is one";
 }
 
-TEST(PropertyGet, OfAnUnknownOneLeavesTheVariantAlone) {
+TEST(PropertyGet, UnknownProperty_LeavesTheVariantUnchanged) {
     LampClient client;
     VARIANT value;
     V_VT(&value) = VT_I4;
@@ -276,7 +276,7 @@ TEST(PropertyGet, OfAnUnknownOneLeavesTheVariantAlone) {
               Code(WBEM_E_INVALID_PARAMETER));
 }
 
-TEST(PropertyPut, TakesEveryKindThatAPropertyHas) {
+TEST(PropertyPut, EachKindOfValue_IsStored) {
     LampClient client;
     const Held<IWbemClassObject> lamp = client.Object("Lamp");
     VARIANT value;
@@ -296,7 +296,7 @@ TEST(PropertyPut, TakesEveryKindThatAPropertyHas) {
     EXPECT_EQ(TextOf(lamp.Get(), "DeviceID"), "null");
 }
 
-TEST(PropertyPut, RefusesOtherNamesAndKinds) {
+TEST(PropertyPut, UnknownNameOrKind_Fails) {
     LampClient client;
     const Held<IWbemClassObject> lamp = client.Object("Lamp");
     VARIANT value;
@@ -309,7 +309,7 @@ TEST(PropertyPut, RefusesOtherNamesAndKinds) {
     EXPECT_EQ(lamp->Put(TEXT("Watts"), 0, &value, 0), Code(WBEM_E_TYPE_MISMATCH));
 }
 
-TEST(GetMethod, GivesTheSignaturesThatTheMethodHas) {
+TEST(GetMethod, KnownMethod_ReturnsItsSignatures) {
     LampClient client;
     const Held<IWbemClassObject> lamp = client.Object("Lamp");
     Held<IWbemClassObject> inputs;
@@ -324,7 +324,7 @@ TEST(GetMethod, GivesTheSignaturesThatTheMethodHas) {
     EXPECT_EQ(neither, nullptr);
 }
 
-TEST(GetMethod, NeedsAClassThatHasTheMethod) {
+TEST(GetMethod, InstanceOrUnknownMethod_Fails) {
     LampClient client;
     IWbemClassObject* none = nullptr;
     EXPECT_EQ(client.Object("Lamp")->GetMethod(TEXT("Sing"), 0, &none, nullptr), Code(WBEM_E_NOT_FOUND));
@@ -332,7 +332,7 @@ TEST(GetMethod, NeedsAClassThatHasTheMethod) {
               Code(WBEM_E_ILLEGAL_OPERATION));
 }
 
-TEST(SpawnInstance, NeedsAClassOrASignature) {
+TEST(SpawnInstance, Instance_Fails) {
     LampClient client;
     Held<IWbemClassObject> instance;
     EXPECT_EQ(client.Object("Lamp")->SpawnInstance(0, instance.Put()), S_OK);
@@ -341,7 +341,7 @@ TEST(SpawnInstance, NeedsAClassOrASignature) {
     EXPECT_EQ(client.Object("Lamp")->SpawnInstance(0, nullptr), Code(WBEM_E_INVALID_PARAMETER));
 }
 
-TEST(ExecMethod, RunsOnTheInstanceWithItsInputs) {
+TEST(ExecMethod, InstanceAndInputs_RunsTheMethod) {
     LampClient client;
     Held<IWbemClassObject> outputs;
     EXPECT_EQ(
@@ -355,7 +355,7 @@ TEST(ExecMethod, RunsOnTheInstanceWithItsInputs) {
     EXPECT_EQ(client.OnLoan(), (Loans{{"IWbemClassObject", 1}, {"IWbemServices", 1}}));
 }
 
-TEST(ExecMethod, AnswersWithTheCodeOfTheMethod) {
+TEST(ExecMethod, FailingMethod_ReturnsItsCode) {
     LampClient client;
     IWbemClassObject* outputs = reinterpret_cast<IWbemClassObject*>(1);
     EXPECT_EQ(client.Exec("Lamp.DeviceID='\\\\?\\hall\\'", "Switch", nullptr, &outputs),
@@ -368,7 +368,7 @@ TEST(ExecMethod, AnswersWithTheCodeOfTheMethod) {
         << "nobody asks for the outputs";
 }
 
-TEST(ExecMethod, RefusesOtherMethodsPathsAndInputs) {
+TEST(ExecMethod, UnknownMethodPathOrInputs_Fail) {
     LampClient client;
     IWbemClassObject* none = nullptr;
     EXPECT_EQ(client.Exec("Lamp.DeviceID='\\\\?\\hall\\'", "Sing", nullptr, &none),

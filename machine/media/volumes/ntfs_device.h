@@ -1,0 +1,21 @@
+// A range of an image as a device of libntfs-3g.
+#pragma once
+
+#include "machine/media/device/image_file.h"
+
+struct ntfs_device;
+
+namespace machine {
+
+struct ImageRange {
+    ImageFile& image;
+    uint64_t offset;
+    uint64_t size;
+    uint64_t position = 0;
+};
+
+// A device over the range, which must outlive it. Mounting takes ownership; otherwise the caller frees it
+// with ntfs_device_free.
+ntfs_device* NewDevice(ImageRange& range);
+
+}  // namespace machine
