@@ -6,12 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/kestova/common/json.h"
 #include "tools/kestova/operations/operations.h"
 
 struct PlannedCall {
     const Operation* operation = nullptr;
-    Json arguments;
+    Values arguments;
 };
 
 // The whole script, before anything of it is done. Throws WrongUse with `name` and the line.

@@ -23,7 +23,7 @@ std::vector<Operation> BootOperations() {
                      {4, "the record could not be written", true},
                      {5, "the flag could not be set; setting the former one again was tried", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetRcvprtActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetRcvprtActive(); }},
 
         {.name = "SetSystemActive",
          .summary = "Makes the recorded partition active again, 2 without a usable record.",
@@ -34,7 +34,7 @@ std::vector<Operation> BootOperations() {
                      {4, "the flag could not be set", true},
                      {5, "the record could not be deleted", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetSystemActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetSystemActive(); }},
 
         {.name = "SetPOneActive",
          .summary = "As SetRcvprtActive, and drops a record that says 2 or nothing usable.",
@@ -46,7 +46,7 @@ std::vector<Operation> BootOperations() {
                      {5, "the flag could not be set; setting the former one again was tried", true},
                      {6, "the record could not be dropped", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetPOneActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetPOneActive(); }},
 
         {.name = "SetPTwoActive",
          .summary = "Makes partition 2 active and deletes the record.",
@@ -58,6 +58,6 @@ std::vector<Operation> BootOperations() {
                true},
               {3, "the record could not be deleted", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetPTwoActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetPTwoActive(); }},
     };
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "manager/kestova.h"
-#include "tools/kestova/common/json.h"
+#include "tools/kestova/operations/value.h"
 
 // How a value is written: true or false; a number; a number of things, from 0 to 65536; a letter, or '0' for
 // none; a text; a list of objects. Arguments are of the first four kinds.
@@ -15,7 +15,7 @@ enum class Kind { Flag, Number, Count, Letter, Text, List };
 
 // A value in words.
 struct Meaning {
-    Json value;
+    Value value;
     const char* words = "";
     bool failure = false;
 };
@@ -26,7 +26,7 @@ struct Parameter {
     const char* words = "";
     bool output = false;
     std::vector<Meaning> meanings = {};
-    Json standard = nullptr;  // of an argument that may be left out; only the last ones may
+    Value standard = {};  // of an argument that may be left out; only the last ones may
 };
 
 struct Operation {
@@ -36,9 +36,9 @@ struct Operation {
     std::vector<Meaning> results = {};
     const char* otherwise = "";  // any other result, in words; empty when there is none
     bool changesPc = false;
-    // Answers the result, null for an operation without one. `arguments` has every input by name; outputs are
-    // put under theirs.
-    Json (*invoke)(Kestova& object, const Json& arguments, Json& outputs) = nullptr;
+    // Returns the result, nothing for an operation without one. `arguments` has every input by name; outputs
+    // are added under theirs.
+    Value (*invoke)(Kestova& object, const Values& arguments, Values& outputs) = nullptr;
 };
 
 // In the order of the class.
@@ -51,10 +51,10 @@ const Operation& FindOperation(std::string_view name);
 std::string Usage(const Operation& operation);
 
 // The arguments by name, from the words that follow the operation's. Throws WrongUse.
-Json ReadArguments(const Operation& operation, const std::vector<std::string>& words);
+Values ReadArguments(const Operation& operation, const std::vector<std::string>& words);
 
 // The meaning of that value, or null.
-const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Json& value);
+const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Value& value);
 
 // Whether the result tells a failure.
-bool IsFailure(const Operation& operation, const Json& result);
+bool IsFailure(const Operation& operation, const Value& result);

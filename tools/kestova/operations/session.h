@@ -1,15 +1,15 @@
-// One object of the library and what it is asked, each as a report: {"operation", "arguments", "result",
-// "outputs", "log"[, "trace"]}.
+// One object of the library and what it is asked, each as a report.
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <ostream>
+#include <vector>
 
 #include "logging/logging.h"
 #include "manager/kestova.h"
-#include "tools/kestova/common/json.h"
-#include "tools/kestova/common/log_json.h"
+#include "tools/kestova/operations/operation_report.h"
 #include "tools/kestova/operations/operations.h"
 #include "tools/kestova/pc/opened_pc.h"
 
@@ -24,11 +24,11 @@ class LogCollector final : public ILogSink {
 
     void Write(const LogEntry& entry) override;
     // The records since the last time.
-    Json Take();
+    std::vector<LogEntry> Take();
 
   private:
     std::ostream* file_;
-    Json records_ = Json::array();
+    std::vector<LogEntry> records_;
 };
 
 // COM on the calling thread, as the library expects of its host.
@@ -36,7 +36,7 @@ class ComApartment {
   public:
     // Throws Failed.
     ComApartment();
-    ~ComApartment() { CoUninitialize(); }
+    ~ComApartment();
     ComApartment(const ComApartment&) = delete;
     ComApartment& operator=(const ComApartment&) = delete;
 };
@@ -47,16 +47,16 @@ class Session {
     Session(OpenedPc& pc, std::ostream* log, bool traced) : pc_(pc), traced_(traced), collector_(log) {}
 
     // The object is made first and destroyed last.
-    Json Construct();
-    Json Call(const Operation& operation, const Json& arguments);
-    Json Destroy();
+    OperationReport Construct();
+    OperationReport Call(const Operation& operation, const Values& arguments);
+    OperationReport Destroy();
 
     Kestova& Object() { return *object_; }
     OpenedPc& OnPc() { return pc_; }
 
   private:
-    Json Report(const std::string& name, const Json& arguments,
-                const std::function<Json(Json& outputs)>& action);
+    OperationReport Report(const Operation& operation, const Values& arguments,
+                           const std::function<Value(Values& outputs)>& action);
 
     OpenedPc& pc_;
     bool traced_;

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/kestova/common/json.h"
+#include "tools/kestova/common/trace.h"
 
 // How the command line names a PC, and what it asks of it.
 struct PcChoice {
@@ -45,7 +45,7 @@ class OpenedPc {
     virtual const std::string& Note() const = 0;
     virtual InputFiles Inputs() const = 0;
     // Platform calls and log records in order, since the last time.
-    virtual Json TakeTrace() = 0;
+    virtual Trace TakeTrace() = 0;
     // Does what changes the PC only to find something out, and puts everything back. False, and nothing is
     // done, where nothing can be put back.
     virtual bool Rehearse(const std::function<void()>& action) = 0;
@@ -62,11 +62,3 @@ std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access);
 // The two kinds; a build has the first or both.
 std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access);
 std::unique_ptr<OpenedPc> OpenRealPc();
-
-// A machine that comes with the tool.
-struct ComingMachine {
-    std::string name;
-    std::string summary;
-};
-
-std::vector<ComingMachine> ComingMachines();

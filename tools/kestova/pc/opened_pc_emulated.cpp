@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "machine/description/description.h"
 #include "machine/entry/loaded_library.h"
@@ -9,7 +10,6 @@
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
 #include "tools/kestova/common/errors.h"
-#include "tools/kestova/common/log_json.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/common/whole_file.h"
 #include "tools/kestova/common/write_target.h"
@@ -130,14 +130,6 @@ Pc Watched(Pc pc) {
     return pc;
 }
 
-Json TraceEntry(const machine::JournalEntry& entry) {
-    if (const auto* const record = std::get_if<LogEntry>(&entry)) return LogRecordJson(*record);
-    const auto& call = std::get<machine::CallRecord>(entry);
-    Json json = {{"call", call.call}, {"arguments", call.arguments}, {"result", call.result}};
-    if (call.injected) json["injected"] = true;
-    return json;
-}
-
 class EmulatedOne final : public OpenedPc {
   public:
     EmulatedOne(const PcChoice& choice, Access access)
@@ -155,7 +147,7 @@ class EmulatedOne final : public OpenedPc {
 
     const std::string& Note() const override { return note_; }
     InputFiles Inputs() const override { return inputs_; }
-    Json TakeTrace() override;
+    Trace TakeTrace() override;
     bool Rehearse(const std::function<void()>& action) override;
     std::optional<std::vector<std::string>> Changes() const override {
         return ::Changes(before_, emulated_.facts);
@@ -171,12 +163,10 @@ class EmulatedOne final : public OpenedPc {
     size_t traced_ = 0;
 };
 
-Json EmulatedOne::TakeTrace() {
-    Json trace = Json::array();
+Trace EmulatedOne::TakeTrace() {
     const auto& entries = emulated_.journal.Entries();
-    for (; traced_ < entries.size(); ++traced_)
-        trace.push_back(TraceEntry(entries[traced_]));
-    return trace;
+    const auto first = entries.begin() + static_cast<std::ptrdiff_t>(std::exchange(traced_, entries.size()));
+    return {first, entries.end()};
 }
 
 // Letters are facts of the PC, whatever its volumes lie on.
@@ -203,12 +193,4 @@ void EmulatedOne::Save(const std::string& file) const {
 
 std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access) {
     return std::make_unique<EmulatedOne>(choice, access);
-}
-
-std::vector<ComingMachine> ComingMachines() {
-    std::vector<ComingMachine> machines;
-    for (const NamedMachine& named : machine::NamedMachines()) {
-        machines.push_back({std::string(named.name), std::string(named.summary)});
-    }
-    return machines;
 }

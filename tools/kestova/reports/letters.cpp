@@ -1,10 +1,8 @@
 #include "tools/kestova/reports/letters.h"
 
 #include <string_view>
-#include <vector>
 
-#include "tools/kestova/common/text.h"
-#include "tools/kestova/operations/operations.h"
+#include "base/utf.h"
 
 namespace {
 
@@ -36,11 +34,11 @@ constexpr Problem problems[] = {
 };
 
 // In the order of the records.
-std::string ProblemText(const Json& log) {
+std::string ProblemText(const std::vector<LogEntry>& log) {
     std::string reasons;
-    for (const Json& record : log) {
+    for (const LogEntry& record : log) {
         for (const Problem& problem : problems) {
-            if (record["text"] == problem.record) {
+            if (ToUtf8(record.Text()) == problem.record) {
                 reasons += reasons.empty() ? ": " : "; ";
                 reasons += problem.words;
             }
@@ -49,41 +47,27 @@ std::string ProblemText(const Json& log) {
     return "the letters of the installed Windows could not all be told" + reasons;
 }
 
-Json LetterJson(Session& session, const Json& record) {
-    const Json& disk = record["iDiskNum"];
-    const Json& partition = record["iPartNum"];
-    const Json place = {{"disk", disk}, {"partition", partition}};
-    const Json here = session.Call(FindOperation("GetDriveLetter"), place)["result"];
-    return {{"letter", record["cDriveLetter"]},
-            {"disk", disk == unknownDisk ? Json() : disk},
-            {"partition", partition == unknownPartition ? Json() : partition},
-            {"here", here == "0" ? Json() : here}};
-}
-
-std::string Cell(const Json& value) {
-    if (value.is_null()) return "-";
-    return value.is_string() ? value.get<std::string>() : value.dump();
+LetterReport Translate(Kestova& object, const DriveRecord& record) {
+    LetterReport letter{.letter = record.letter};
+    const WCHAR here = object.GetDriveLetter(record.disk, record.partition);
+    if (record.disk != unknownDisk) letter.disk = record.disk;
+    if (record.partition != unknownPartition) letter.partition = record.partition;
+    if (here != TEXT('0')) letter.here = here;
+    return letter;
 }
 
 }  // namespace
 
-Json ReadLetters(Session& session) {
-    const Json report = session.Call(FindOperation("GetWinDriveLetters"), {{"count", mostLetters}});
-    Json letters = {{"letters", Json::array()}};
-    for (const Json& record : report["outputs"]["records"])
-        letters["letters"].push_back(LetterJson(session, record));
-    if (report["result"] != 1) {
-        letters["problem"] = ProblemText(report["log"]);
-    } else if (letters["letters"].empty()) {
-        letters["remark"] = noLetters;  // which the library answers without saying why
+LettersReport ReadLetters(Session& session) {
+    const OperationReport report =
+        session.Call(FindOperation("GetWinDriveLetters"), {{"count", mostLetters}});
+    LettersReport letters;
+    for (const DriveRecord& record : std::get<std::vector<DriveRecord>>(ValueOf(report.outputs, "records")))
+        letters.letters.push_back(Translate(session.Object(), record));
+    if (IsFailure(*report.operation, report.result)) {
+        letters.problem = ProblemText(report.log);
+    } else if (letters.letters.empty()) {
+        letters.remark = noLetters;  // which the library answers without saying why
     }
     return letters;
-}
-
-std::string LettersText(const Json& letters) {
-    std::vector<std::vector<std::string>> rows = {{"Letter", "Disk", "Partition", "Here"}};
-    for (const Json& letter : letters["letters"])
-        rows.push_back(
-            {Cell(letter["letter"]), Cell(letter["disk"]), Cell(letter["partition"]), Cell(letter["here"])});
-    return Table(rows, "");
 }
