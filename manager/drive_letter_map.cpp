@@ -12,6 +12,7 @@
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"
+#include "manager/letter_map_failures.h"
 
 namespace {
 
@@ -110,16 +111,15 @@ int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
 
     const auto readBothSystems = [&]() -> int {
         if (!ReadRegistry(WideString(runningSystemKey).data())) {
-            LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail."));
+            LogRecord(LOG_LEVEL_ERROR).Text(runningSystemNotRead);
             return FALSE;
         }
         if (!LoadWindowsRegistry()) {
-            LogRecord(LOG_LEVEL_ERROR)
-                .Text(TEXT("Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed."));
+            LogRecord(LOG_LEVEL_ERROR).Text(installedWindowsNotLoaded);
             return FALSE;
         }
         if (!ReadRegistry(WideString(installedWindowsKey).data())) {
-            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters Read WINDOWS Registry fail."));
+            LogRecord(LOG_LEVEL_TRACE).Text(installedWindowsNotRead);
             return FALSE;
         }
         return TRUE;
@@ -143,8 +143,7 @@ int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
 
     int bResult = records != nullptr && readBothSystems() && fillRecords();
     if (!UnloadWindowsRegistry()) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova::GetWinDriveLetters\t\tUnload Windows Registry failed."));
+        LogRecord(LOG_LEVEL_ERROR).Text(installedWindowsNotUnloaded);
         bResult = FALSE;
     }
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters\t\tEnd"));

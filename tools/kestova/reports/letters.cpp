@@ -1,8 +1,6 @@
 #include "tools/kestova/reports/letters.h"
 
-#include <string_view>
-
-#include "base/utf.h"
+#include "manager/letter_map_failures.h"
 
 namespace {
 
@@ -16,35 +14,32 @@ constexpr const char* noLetters =
     "no letter was told: the installed Windows or the running system remembers none, none could be read, or "
     "none stands for a volume of both";
 
-// What went wrong, by the record that tells it.
-struct Problem {
-    std::string_view record;
+// What went wrong, by the record that reports it.
+struct Reason {
+    const WCHAR* record;
     const char* words;
 };
 
-constexpr Problem problems[] = {
-    {"Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail.",
-     "those of the running system cannot be read"},
-    {"Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed.",
+constexpr Reason reasons[] = {
+    {runningSystemNotRead, "those of the running system cannot be read"},
+    {installedWindowsNotLoaded,
      "it was not found, or its registry could not be loaded, which needs Windows PE"},
-    {"Kestova::GetWinDriveLetters Read WINDOWS Registry fail.",
-     "its registry is missing, damaged or without letters"},
-    {"Kestova::GetWinDriveLetters\t\tUnload Windows Registry failed.",
-     "its registry could not be unloaded, which needs Windows PE"},
+    {installedWindowsNotRead, "its registry is missing, damaged or without letters"},
+    {installedWindowsNotUnloaded, "its registry could not be unloaded, which needs Windows PE"},
 };
 
 // In the order of the records.
 std::string ProblemText(const std::vector<LogEntry>& log) {
-    std::string reasons;
+    std::string text = "the letters of the installed Windows could not all be told";
+    const char* separator = ": ";
     for (const LogEntry& record : log) {
-        for (const Problem& problem : problems) {
-            if (ToUtf8(record.Text()) == problem.record) {
-                reasons += reasons.empty() ? ": " : "; ";
-                reasons += problem.words;
-            }
+        for (const Reason& reason : reasons) {
+            if (record.Text() != reason.record) continue;
+            text += separator + std::string(reason.words);
+            separator = "; ";
         }
     }
-    return "the letters of the installed Windows could not all be told" + reasons;
+    return text;
 }
 
 LetterReport Translate(Kestova& object, const DriveRecord& record) {

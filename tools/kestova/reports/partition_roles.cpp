@@ -1,7 +1,6 @@
 #include "tools/kestova/reports/partition_roles.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <set>
 #include <string_view>
@@ -11,14 +10,16 @@
 #include "platform/partition_types.h"
 #include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/reports/refused_letters.h"
 
 namespace {
 
+constexpr WCHAR noLetter = TEXT('0');
 constexpr const char* installedWindows = "installed Windows";
 
 // The letter that an operation returned; none for '0'.
 std::optional<WCHAR> LetterOrNone(WCHAR letter) {
-    return letter != TEXT('0') ? std::optional(letter) : std::nullopt;
+    return letter != noLetter ? std::optional(letter) : std::nullopt;
 }
 
 struct TypeRole {
@@ -76,55 +77,38 @@ void AddFoundRole(Kestova& object, StatusReport& status, WCHAR letter, const cha
     }
 }
 
-// The partitions that the operation could not look into: no letter could be given to them, by its records.
-std::set<int> NotLookedInto(const std::vector<LogEntry>& log) {
-    constexpr std::string_view lettering =
-        "Kestova CVDSPartition::SetDriveLetter\t\tStart  PartitionNumber = ";
-    constexpr std::string_view refusals[] = {
-        "Kestova Kestova::IsRecoveryPartition SetDriveLetter return false",
-        "Kestova Kestova::IsWinREPartition SetDriveLetter return false",
-    };
-    std::set<int> numbers;
-    int number = 0;
-    for (const LogEntry& record : log) {
-        const std::string text = ToUtf8(record.Text());
-        if (text.starts_with(lettering)) {
-            std::from_chars(text.data() + lettering.size(), text.data() + text.size(), number);
-        } else if (std::ranges::find(refusals, text) != std::end(refusals)) {
-            numbers.insert(number);
-        }
-    }
-    return numbers;
-}
-
-// Windows' own recovery partitions, which may be the maker's too: only their contents decide.
+// Windows' own recovery partitions, which may be the maker's too: only their contents decide. The library
+// looks into one without a letter by giving it a letter.
 void AddRecoveryRoles(Session& session, StatusReport& status) {
-    std::set<int> notLookedInto;
-    const auto look = [&](const char* operation, const char* role) {
-        const OperationReport report = session.Call(FindOperation(operation), {});
-        const auto& letter = std::get<std::string>(ValueOf(report.outputs, "letter"));
-        AddFoundRole(session.Object(), status, ToWide(letter).front(), role);
-        notLookedInto.merge(NotLookedInto(report.log));
+    Kestova& object = session.Object();
+    OpenedPc& pc = session.OnPc();
+    std::set<int64_t> refused;
+    const auto look = [&](int (Kestova::*assign)(WCHAR&), const char* role) {
+        WCHAR letter = noLetter;
+        pc.TakeTrace();
+        (object.*assign)(letter);
+        refused.merge(RefusedLetters(pc.TakeTrace()));
+        AddFoundRole(object, status, letter, role);
     };
-    const bool rehearsed = session.OnPc().Rehearse([&] {
-        look("AssignRecoveryPartition", "recovery");
-        look("AssignWinREPartition", "Windows RE");
+    const bool rehearsed = pc.Rehearse([&] {
+        look(&Kestova::AssignRecoveryPartition, "recovery");
+        look(&Kestova::AssignWinREPartition, "Windows RE");
     });
     for (PartitionReport& partition : status.partitions) {
-        const bool isUnknown = partition.roles.empty() && notLookedInto.contains(partition.number);
+        const bool isUnknown = partition.roles.empty() && refused.contains(partition.offset);
         if ((isUnknown || !rehearsed) && partition.type == GuidText(PARTITION_MSFT_RECOVERY_GUID))
             partition.roles.push_back({"recovery or Windows RE", "type; contents not looked into"});
     }
 }
 
 bool HoldsWindows(const PartitionReport& partition) {
-    return std::ranges::any_of(partition.roles,
-                               [](const Role& role) { return std::string_view(role.role) == installedWindows; });
+    return std::ranges::any_of(
+        partition.roles, [](const Role& role) { return std::string_view(role.role) == installedWindows; });
 }
 
 // Where the library finds it by the layout, else where its files are.
 std::optional<WindowsPlace> InstalledWindows(Kestova& object, const StatusReport& status) {
-    WindowsPlace place{-1, -1, TEXT('0')};
+    WindowsPlace place{-1, -1, noLetter};
     if (object.GetVistaOSInfo(place.disk, place.partition, place.letter) == 0) return place;
     const auto windows = std::ranges::find_if(status.partitions, HoldsWindows);
     if (windows == status.partitions.end()) return std::nullopt;
