@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "machine/facts/call_table.h"
 #include "tests/support/program/program.h"
 
 namespace {
@@ -491,6 +492,35 @@ TEST_F(Lists, PcsNamesTheMachines) {
     EXPECT_THAT(outcome.output, StartsWith(R"({"name":"factory-mbr","summary":)"));
     EXPECT_THAT(outcome.output, HasSubstr("{\"name\":\"winpe-two-disks\","));
     EXPECT_THAT(outcome.output, HasSubstr("{\"name\":\"winpe-media\","));
+}
+
+TEST_F(Lists, CallsNameEveryCallOfTheEmulatedPc) {
+    std::string expected;
+    for (const machine::CallInfo& call : machine::AllCalls())
+        expected += std::string(call.name) + (call.changesPc ? " true\n" : " false\n");
+    EXPECT_EQ(Shell("'" KESTOVA_PROGRAM
+                    "' calls --json | sed -E 's/.*\"call\":\"([^\"]*)\",.*\"changesPc\":([a-z]*)}/\\1 \\2/'")
+                  .output,
+              expected);
+}
+
+TEST_F(Lists, CallsSayHowEachKindOfCallFails) {
+    const Outcome outcome = Kestova("calls --json");
+    EXPECT_EQ(outcome.status, 0);
+    for (const char* const line :
+         {R"({"call":"CoCreateInstance","failsWith":"HRESULT","changesPc":false})",
+          R"({"call":"RegCloseKey","failsWith":"status","changesPc":true})",
+          R"({"call":"DeviceIoControl","failsWith":"FALSE and last error","changesPc":false})",
+          R"({"call":"GetWindowsDirectoryW","failsWith":"0 and last error","changesPc":false})",
+          R"({"call":"GlobalAlloc","failsWith":"null and last error","changesPc":false})",
+          R"({"call":"CreateFileW","failsWith":"INVALID_HANDLE_VALUE and last error","changesPc":true})",
+          R"({"call":"GetDriveTypeW","failsWith":"value","changesPc":false})"})
+        EXPECT_THAT(outcome.output, HasSubstr(std::string(line) + "\n"));
+    EXPECT_THAT(
+        Kestova("calls").output,
+        StartsWith("Call                                    Fails with                           "
+                   "Changes the PC\n"
+                   "CloseHandle                             FALSE and last error                 yes\n"));
 }
 
 }  // namespace

@@ -73,6 +73,7 @@ const Mistake mistakes[] = {
     {"PcTwice", "--pc a --pc b status", 2, "--pc can be given only once\n"},
     {"PcWithoutValue", "status --pc", 2, "--pc needs a value\n"},
     {"PcsOfAPc", "--pc factory-mbr pcs", 2, "pcs does not use --pc\n"},
+    {"CallsOfAPc", "--pc factory-mbr calls", 2, "calls does not use --pc\n"},
     {"OperationsWithLog", "--log x operations", 2, "operations does not use --log\n"},
     {"StatusWithTrace", "--trace status", 2, "status does not use --trace\n"},
     {"SaveFolder", "--save none/pc.json boot recovery", 2,
@@ -310,6 +311,8 @@ TEST_F(Help, TellsCommandsOptionsAndStatuses) {
     const Outcome outcome = Kestova("--help");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, HasSubstr("  boot recovery|system     Choose what it boots\n"));
+    EXPECT_THAT(outcome.output,
+                HasSubstr("  calls                    The platform calls that --fail knows\n"));
     EXPECT_THAT(outcome.output, HasSubstr("  --fail NAME[#N][+]=CODE  "));
     EXPECT_THAT(outcome.output, HasSubstr("    4  the record could not be written\n"));
     EXPECT_EQ(Kestova("--version").output, "kestova " KESTOVA_VERSION "\n");

@@ -104,6 +104,11 @@ int ListPcs(const CommandLine& line) {
     return Done;
 }
 
+int ListCalls(const CommandLine& line) {
+    Show(line, machine::AllCalls());
+    return Done;
+}
+
 std::string BootStatuses() {
     std::string text;
     for (const auto& [name, operationName] : BootTargets()) {
@@ -131,6 +136,7 @@ const std::vector<Command>& Commands() {
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},
+        {"calls", "", "The platform calls that --fail knows", 0, 0, false, false, ListCalls},
     };
     return commands;
 }
