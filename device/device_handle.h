@@ -1,7 +1,7 @@
 // Opening disks and volumes for their device controls.
 #pragma once
 
-#include "device/owners.h"
+#include "base/owners.h"
 
 // Opens a device path for reading and writing, shared for both; no handle when CreateFileW fails (the last
 // error tells why).

@@ -1,6 +1,6 @@
 #include "device/wmi_ex.h"
 
-#include "device/owners.h"
+#include "base/owners.h"
 #include "diag/log_record.h"
 
 namespace {

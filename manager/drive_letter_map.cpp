@@ -7,8 +7,8 @@
 #include <new>
 
 #include "base/format.h"
+#include "base/owners.h"
 #include "base/wide_string.h"
-#include "device/owners.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"

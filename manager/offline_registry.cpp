@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "base/owners.h"
 #include "base/wide_string.h"
-#include "device/owners.h"
 #include "manager/kestova.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "base/format.h"
-#include "device/owners.h"
+#include "base/owners.h"
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/drive.h"

@@ -1,8 +1,8 @@
 // Types of partitions: reading them, what follows from them, and changing MBR IDs.
 #include <algorithm>
 
+#include "base/owners.h"
 #include "base/wide_string.h"
-#include "device/owners.h"
 #include "vds/first_disk_query.h"
 #include "vds/required_interface.h"
 #include "vds/vds_ex.h"

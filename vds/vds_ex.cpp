@@ -1,7 +1,7 @@
 // Opening the connection to the service.
 #include "vds/vds_ex.h"
 
-#include "device/owners.h"
+#include "base/owners.h"
 #include "vds/required_interface.h"
 
 HRESULT CVDSEx::InitializeSecurity() {

@@ -1,5 +1,5 @@
 // Disks and volumes by id. The four operations are one; what they ask for and what they write is data.
-#include "device/owners.h"
+#include "base/owners.h"
 #include "vds/failure_record.h"
 #include "vds/required_interface.h"
 #include "vds/vds_ex.h"

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstdio>
 
+#include "base/hexadecimal.h"
+
 namespace machine::description {
 
 namespace {
@@ -161,10 +163,7 @@ Json WriteNumber(uint64_t number, Notation notation, size_t bytes) {
     constexpr uint64_t leastResultCode = 0x10000;
     if (notation == Notation::Decimal || (notation == Notation::Code && number < leastResultCode))
         return number;
-    char text[20];
-    std::snprintf(text, sizeof text, "0x%0*llX", static_cast<int>(2 * bytes),
-                  static_cast<unsigned long long>(number));
-    return text;
+    return Hex(number, static_cast<int>(2 * bytes));
 }
 
 void FailOnWord(const Node& node, const std::vector<std::string>& words) {

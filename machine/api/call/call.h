@@ -2,7 +2,7 @@
 // and only then the PC answers.
 #pragma once
 
-#include <cstdio>
+#include <cstdint>
 #include <string>
 #include <type_traits>
 #include <vector>

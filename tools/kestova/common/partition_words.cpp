@@ -4,8 +4,8 @@
 #include <iterator>
 
 #include "base/guid.h"
+#include "base/hexadecimal.h"
 #include "platform/partition_types.h"
-#include "tools/kestova/common/text.h"
 
 namespace {
 

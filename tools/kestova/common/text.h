@@ -20,9 +20,6 @@ std::string Count(size_t count, std::string_view noun);
 // "there is no operation 'SetActiv'; did you mean SetActive?"
 std::string UnknownWord(std::string_view what, std::string_view name, const std::vector<std::string>& known);
 
-// "0x27", at least that many digits.
-std::string Hex(uint64_t value, int digits);
-
 // "100.0 MiB".
 std::string SizeText(uint64_t bytes);
 

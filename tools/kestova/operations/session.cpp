@@ -1,5 +1,7 @@
 #include "tools/kestova/operations/session.h"
 
+#include "base/com_apartment.h"
+#include "base/hexadecimal.h"
 #include "base/utf.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
@@ -20,17 +22,16 @@ std::vector<LogEntry> LogCollector::Take() {
     return std::exchange(records_, {});
 }
 
-ComApartment::ComApartment() {
-    const HRESULT result = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    if (FAILED(result)) {
+Session::Session(OpenedPc& pc, std::ostream* log, bool traced)
+    : pc_(pc), traced_(traced), collector_(log), com_(std::make_unique<ComApartment>()) {
+    if (FAILED(com_->Result())) {
         throw Failed("COM could not be initialised: CoInitializeEx answered " +
-                     Hex(static_cast<ULONG>(result), 8));
+                     Hex(static_cast<ULONG>(com_->Result()), 8));
     }
 }
 
-ComApartment::~ComApartment() {
-    CoUninitialize();
-}
+// Here, where the platform's calls go to the PC that was opened.
+Session::~Session() = default;
 
 OperationReport Session::Construct() {
     return Report(construction, {}, [this](Values&) -> Value {

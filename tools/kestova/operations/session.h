@@ -13,6 +13,8 @@
 #include "tools/kestova/operations/operations.h"
 #include "tools/kestova/pc/opened_pc.h"
 
+class ComApartment;
+
 // Keeps the records of one operation, and writes all of them to a file when there is one: a line a record,
 // its level, a tab, its text.
 class LogCollector final : public ILogSink {
@@ -31,20 +33,11 @@ class LogCollector final : public ILogSink {
     std::vector<LogEntry> records_;
 };
 
-// COM on the calling thread, as the library expects of its host.
-class ComApartment {
-  public:
-    // Throws Failed.
-    ComApartment();
-    ~ComApartment();
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-};
-
 class Session {
   public:
-    // `log` may be null.
-    Session(OpenedPc& pc, std::ostream* log, bool traced) : pc_(pc), traced_(traced), collector_(log) {}
+    // Initialises COM on the calling thread. `log` may be null. Throws Failed.
+    Session(OpenedPc& pc, std::ostream* log, bool traced);
+    ~Session();
 
     // The object is made first and destroyed last.
     OperationReport Construct();
@@ -61,6 +54,6 @@ class Session {
     OpenedPc& pc_;
     bool traced_;
     LogCollector collector_;
-    ComApartment apartment_;
+    std::unique_ptr<ComApartment> com_;
     std::optional<Kestova> object_;
 };

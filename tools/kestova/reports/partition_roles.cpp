@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/guid.h"
+#include "base/hexadecimal.h"
 #include "base/utf.h"
 #include "platform/partition_types.h"
 #include "tools/kestova/common/partition_words.h"
@@ -14,12 +15,11 @@
 
 namespace {
 
-constexpr WCHAR noLetter = TEXT('0');
 constexpr const char* installedWindows = "installed Windows";
 
 // The letter that an operation returned; none for '0'.
 std::optional<WCHAR> LetterOrNone(WCHAR letter) {
-    return letter != noLetter ? std::optional(letter) : std::nullopt;
+    return letter != TEXT('0') ? std::optional(letter) : std::nullopt;
 }
 
 struct TypeRole {
@@ -84,7 +84,7 @@ void AddRecoveryRoles(Session& session, StatusReport& status) {
     OpenedPc& pc = session.OnPc();
     std::set<int64_t> refused;
     const auto look = [&](int (Kestova::*assign)(WCHAR&), const char* role) {
-        WCHAR letter = noLetter;
+        WCHAR letter = TEXT('0');
         pc.TakeTrace();
         (object.*assign)(letter);
         refused.merge(RefusedLetters(pc.TakeTrace()));
@@ -108,7 +108,7 @@ bool HoldsWindows(const PartitionReport& partition) {
 
 // Where the library finds it by the layout, else where its files are.
 std::optional<WindowsPlace> InstalledWindows(Kestova& object, const StatusReport& status) {
-    WindowsPlace place{-1, -1, noLetter};
+    WindowsPlace place{-1, -1, TEXT('0')};
     if (object.GetVistaOSInfo(place.disk, place.partition, place.letter) == 0) return place;
     const auto windows = std::ranges::find_if(status.partitions, HoldsWindows);
     if (windows == status.partitions.end()) return std::nullopt;

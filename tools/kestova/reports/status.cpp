@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/guid.h"
+#include "base/hexadecimal.h"
 #include "base/text_case.h"
 #include "base/utf.h"
 #include "tools/kestova/common/partition_words.h"
