@@ -9,7 +9,8 @@
 
 namespace {
 
-// Where the records go: nowhere, to a file, or to be seen. Standard output is JSON's alone.
+// Where the log records are written: nowhere, to a file, or to a standard stream. With --json that is
+// standard error.
 class LogOutput {
   public:
     explicit LogOutput(const CommandLine& line) : name_(line.log), shown_(line.json ? std::cerr : std::cout) {
@@ -21,7 +22,7 @@ class LogOutput {
         if (name_.empty()) return nullptr;
         return name_ == "-" ? &shown_ : &file_;
     }
-    // False when a record did not reach the file.
+    // False if a record was not written to the file.
     bool Close() {
         if (file_.is_open()) file_.close();
         return !file_.fail();
@@ -33,7 +34,7 @@ class LogOutput {
     std::ofstream file_;
 };
 
-// Construction and destruction have no result: people see them only in a trace.
+// Construction and destruction have no result: as text they are shown only in a trace.
 void ShowLife(const CommandLine& line, const OperationReport& report) {
     if (line.json) {
         Show(line, report);

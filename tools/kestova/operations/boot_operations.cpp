@@ -1,10 +1,10 @@
-// Choosing what the machine boots.
+// Choosing which partition the PC boots from.
 
 #include "tools/kestova/operations/operation_tables.h"
 
 namespace {
 
-// What the four switches of the active partition have in common.
+// Common results of the operations that switch the active partition.
 const Meaning noActivePartition{1, "no active partition could be read", true};
 const Meaning unknownActivePartition{2, "the number of the active partition is unknown", true};
 const Meaning noRecoveryPartition{

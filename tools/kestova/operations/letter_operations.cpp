@@ -1,4 +1,4 @@
-// Letters on demand.
+// Temporary drive letters.
 
 #include "tools/kestova/operations/operation_tables.h"
 
@@ -6,7 +6,7 @@ namespace {
 
 const Meaning removeFailed{105, "the letter could not be taken", true};
 
-// What the two ways of giving partition 1 or 3 a letter have in common.
+// Common results of the two operations that give partition 1 or 3 a letter.
 std::vector<Meaning> ActivationResults(const char* wrongType) {
     return {{0, "done"},
             {101, "the type could not be read", true},

@@ -1,4 +1,4 @@
-// What came of one operation.
+// The report of one call of an operation.
 #pragma once
 
 #include <optional>

@@ -1,4 +1,4 @@
-// The rows of the operations, by the sections of the class, and what they have in common.
+// The rows of the operations by section of the class, and their common parts.
 #pragma once
 
 #include <vector>
@@ -32,7 +32,7 @@ Value WithLetter(Values& outputs, Member member) {
     return result;
 }
 
-// The output of such a member.
+// The output parameter of such a member.
 inline Parameter LetterOutput(const char* words, const char* none) {
     return {
         .name = "letter", .kind = Kind::Letter, .words = words, .output = true, .meanings = {{"0", none}}};

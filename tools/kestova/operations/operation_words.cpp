@@ -1,4 +1,4 @@
-// From words to operations and arguments, and back to words.
+// Parses operations and arguments, and finds the words of values.
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,4 @@
-// One object of the library and what it is asked, each as a report.
+// One object of the library; each operation on it gives a report.
 #pragma once
 
 #include <functional>
@@ -15,8 +15,8 @@
 
 class ComApartment;
 
-// Keeps the records of one operation, and writes all of them to a file when there is one: a line a record,
-// its level, a tab, its text.
+// Collects the log records of one operation and writes every record to a stream, if there is one: a line
+// each, with its level, a tab and its text.
 class LogCollector final : public ILogSink {
   public:
     explicit LogCollector(std::ostream* file) : file_(file) { CLoggingFactory::GetInstance().AddSink(*this); }
@@ -25,7 +25,7 @@ class LogCollector final : public ILogSink {
     LogCollector& operator=(const LogCollector&) = delete;
 
     void Write(const LogEntry& entry) override;
-    // The records since the last time.
+    // The records since the last call.
     std::vector<LogEntry> Take();
 
   private:
@@ -39,7 +39,7 @@ class Session {
     Session(OpenedPc& pc, std::ostream* log, bool traced);
     ~Session();
 
-    // The object is made first and destroyed last.
+    // Construct comes first, Destroy last.
     OperationReport Construct();
     OperationReport Call(const Operation& operation, const Values& arguments);
     OperationReport Destroy();

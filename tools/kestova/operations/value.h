@@ -1,4 +1,4 @@
-// What passes between the words of a command, an operation and its report.
+// Arguments, results and outputs of operations.
 #pragma once
 
 #include <string>

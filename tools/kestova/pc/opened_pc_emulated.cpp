@@ -35,7 +35,7 @@ const NamedMachine* FindMachine(std::string_view name) {
     return nullptr;
 }
 
-// A word without a dot or a slash is meant as a machine's name, and is wrong when nobody knows it.
+// A word without a dot or a slash is the name of a machine; an unknown one is wrong use.
 [[noreturn]] void RefuseMissing(const std::string& nameOrFile) {
     if (nameOrFile.find_first_of("./\\") != std::string::npos) {
         throw UnreadablePc(nameOrFile + ": there is no such file");
@@ -46,7 +46,7 @@ const NamedMachine* FindMachine(std::string_view name) {
     throw WrongUse("--pc: " + UnknownWord("machine or file", nameOrFile, names));
 }
 
-// A description is small; what is not has been taken for one by mistake.
+// A description is small; a larger file is some other file.
 std::string ReadDescriptionText(const std::string& name) {
     constexpr size_t most = size_t{16} << 20;
     std::error_code error;
@@ -68,7 +68,7 @@ std::string ReadDescriptionText(const std::string& name) {
     return text;
 }
 
-// The paths of all images that the PC is made of.
+// The paths of all images of the PC.
 std::vector<std::string*> ImagesOf(Pc& pc) {
     std::vector<std::string*> images;
     for (machine::Disk& disk : pc.disks) {
@@ -80,7 +80,7 @@ std::vector<std::string*> ImagesOf(Pc& pc) {
     return images;
 }
 
-// Images of a description lie relative to its file.
+// Image paths in a description are relative to its file.
 Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
     try {
         Pc pc = machine::ReadDescription(ReadDescriptionText(name), name);
@@ -93,7 +93,7 @@ Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
     }
 }
 
-// The other kind of system runs as it does on the machines that come with the tool.
+// Switches to the other kind of system, configured as on the machines that come with the tool.
 void Start(Pc& pc, SystemKind kind) {
     if (pc.system.kind == kind) return;
     const Pc example = kind == SystemKind::WindowsPe ? machine::WinPeTwoDisks() : machine::FactoryMbr();
@@ -169,7 +169,7 @@ Trace EmulatedOne::TakeTrace() {
     return {first, entries.end()};
 }
 
-// Letters are facts of the PC, whatever its volumes lie on.
+// Letters are facts of the PC, for volumes on images too.
 bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     const Pc kept = emulated_.facts;
     action();

@@ -1,4 +1,4 @@
-// The PC is the one that the program runs on. Windows loads the library and answers its calls.
+// The PC that the program runs on. Windows loads the library and executes its calls.
 
 #include "tools/kestova/pc/opened_pc.h"
 

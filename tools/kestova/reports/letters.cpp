@@ -6,7 +6,7 @@ namespace {
 
 constexpr int mostLetters = 26;
 
-// The answers of the class for a volume that does not tell where it lies.
+// What the class returns for a volume that does not report its disk or partition.
 constexpr int unknownDisk = 255;
 constexpr int unknownPartition = 0;
 
@@ -62,7 +62,7 @@ LettersReport ReadLetters(Session& session) {
     if (IsFailure(*report.operation, report.result)) {
         letters.problem = ProblemText(report.log);
     } else if (letters.letters.empty()) {
-        letters.remark = noLetters;  // which the library answers without saying why
+        letters.remark = noLetters;  // the library does not report why
     }
     return letters;
 }

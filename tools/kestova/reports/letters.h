@@ -1,4 +1,4 @@
-// The letters of the installed Windows, and what each stands for here.
+// The letters of the installed Windows, and the partition behind each.
 #pragma once
 
 #include <optional>

@@ -46,8 +46,8 @@ bool IsEncrypted(const StatusReport& status, WCHAR letter) {
     return status.encryptedVolumes && status.encryptedVolumes->find(LetterText(letter)) != std::string::npos;
 }
 
-// What the files of a lettered partition, or its encryption, show. The library takes every encrypted volume
-// for an installed Windows.
+// The roles that the files of a lettered partition, or its encryption, reveal. The library reports every
+// encrypted volume as an installed Windows.
 void AddVolumeRoles(Kestova& object, const StatusReport& status, PartitionReport& partition) {
     if (!partition.letter) return;
     if (IsEncrypted(status, *partition.letter)) {
@@ -68,7 +68,7 @@ void AddPartitionRoles(Kestova& object, const StatusReport& status, PartitionRep
     AddVolumeRoles(object, status, partition);
 }
 
-// The partition that the operation finds by type and contents, which gets a letter for it.
+// Marks the partition that an operation found by type and contents and gave that letter.
 void AddFoundRole(Kestova& object, StatusReport& status, WCHAR letter, const char* role) {
     if (!LetterOrNone(letter)) return;
     for (PartitionReport& partition : status.partitions) {
@@ -77,8 +77,8 @@ void AddFoundRole(Kestova& object, StatusReport& status, WCHAR letter, const cha
     }
 }
 
-// Windows' own recovery partitions, which may be the maker's too: only their contents decide. The library
-// looks into one without a letter by giving it a letter.
+// Windows and the maker share the recovery partition type; only the contents tell them apart. To look into a
+// partition without a letter, the library gives it one.
 void AddRecoveryRoles(Session& session, StatusReport& status) {
     Kestova& object = session.Object();
     OpenedPc& pc = session.OnPc();
@@ -106,7 +106,7 @@ bool HoldsWindows(const PartitionReport& partition) {
         partition.roles, [](const Role& role) { return std::string_view(role.role) == installedWindows; });
 }
 
-// Where the library finds it by the layout, else where its files are.
+// By the layout if the library finds it there, else by its files.
 std::optional<WindowsPlace> InstalledWindows(Kestova& object, const StatusReport& status) {
     WindowsPlace place{-1, -1, TEXT('0')};
     if (object.GetVistaOSInfo(place.disk, place.partition, place.letter) == 0) return place;

@@ -1,5 +1,5 @@
-// What the partitions of the internal disk are for, and what else a recovery application asks first. All of
-// it comes from the public operations of the class.
+// The roles of the partitions of the internal disk, and what else a recovery application asks first. Uses the
+// public operations of the class only.
 #pragma once
 
 #include "tools/kestova/reports/status.h"

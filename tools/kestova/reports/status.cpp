@@ -13,7 +13,7 @@
 
 namespace {
 
-// What could not be read, in the order of asking.
+// What could not be read, in the order of the queries.
 class Problems {
   public:
     void Add(const std::string& what) { text_ += (text_.empty() ? "" : "; ") + what; }
@@ -26,7 +26,7 @@ class Problems {
     std::string text_;
 };
 
-// Asks for a variable that does not exist: only UEFI firmware refuses to read it.
+// Reads a variable that does not exist: only UEFI firmware fails with ERROR_NOACCESS.
 std::string Firmware() {
     BYTE buffer[1000] = {};
     const DWORD length = GetFirmwareEnvironmentVariableW(
@@ -34,7 +34,7 @@ std::string Firmware() {
     return length == 0 && GetLastError() == ERROR_NOACCESS ? "UEFI" : "BIOS";
 }
 
-// The options that the running system was started with, as RegQueryValueExW answers them.
+// The boot options of the running system. Returns the status of the failing call, or of RegQueryValueExW.
 LSTATUS ReadStartOptions(std::string& options) {
     HKEY key = nullptr;
     const LSTATUS opened =
@@ -134,7 +134,7 @@ void AddPartitions(Kestova& object, int disk, const DiskLayout& layout, StatusRe
                    Problems& problems) {
     const int active = object.GetActivePartitionNumber();
     if (active >= 0) status.activePartition = active;
-    // The library's answer is the same for none and for one that it could not read.
+    // The library returns the same for none and for one that it could not read.
     const bool isKnown = active >= 0 || (layout && std::ranges::none_of(*layout, IsActive));
     if (!isKnown) problems.Add("the active partition of " + DiskName(disk) + " could not be told");
     if (!layout) return;

@@ -1,4 +1,4 @@
-// What a PC is, asked of the library and the platform.
+// The status of a PC, read through the library and the platform.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 #include "tools/kestova/operations/session.h"
 
-// What a partition is for, and what shows it.
+// The purpose of a partition, and how it was recognised.
 struct Role {
     const char* role;
     const char* reason;
@@ -55,7 +55,7 @@ struct StatusReport {
     std::string problem;  // what could not be read; else empty
 };
 
-// Calls Initialize first where the caller wants it. The PC is afterwards as it was.
+// Calls Initialize first on request. Leaves the PC unchanged.
 StatusReport ReadStatus(Session& session, bool initialize);
 
 // "2 partitions are active; ..." of the first internal disk; empty when it is one or none, or cannot be read.
