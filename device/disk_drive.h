@@ -2,8 +2,8 @@
 // internal one.
 #pragma once
 
+#include "base/owners.h"
 #include "base/wide_string.h"
-#include "device/owners.h"
 #include "platform/windows_api.h"
 
 inline constexpr int MAX_DISK_DRIVES = 64;

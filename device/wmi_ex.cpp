@@ -1,7 +1,7 @@
 #include "device/wmi_ex.h"
 
+#include "base/owners.h"
 #include "device/com_security.h"
-#include "device/owners.h"
 #include "diag/failure_record.h"
 
 namespace {

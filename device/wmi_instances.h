@@ -3,7 +3,7 @@
 
 #include <initializer_list>
 
-#include "device/owners.h"
+#include "base/owners.h"
 
 // A property to read, and the text that receives it: empty for VT_NULL.
 struct TextProperty {

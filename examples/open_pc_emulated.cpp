@@ -1,4 +1,4 @@
-// An emulated PC answers.
+// Opens an emulated PC.
 
 #include <cstdio>
 #include <cstdlib>

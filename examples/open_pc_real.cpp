@@ -1,4 +1,4 @@
-// Windows answers for itself.
+// Windows is the platform; there is nothing to open.
 
 #include "examples/open_pc.h"
 

@@ -1,11 +1,12 @@
 // A recovery application on one page: it finds the recovery partition, reads a file there through a drive
-// letter, lets the letter go, and has the PC start from that partition next time.
+// letter, removes the letter, and makes the PC start from that partition next time.
 //
-//     recovery          this PC (Windows); a factory PC that is made up (elsewhere)
+//     recovery          this PC (Windows); an emulated factory PC (elsewhere)
 //     recovery PC       elsewhere: a disk image, a description, or the name of a PC that comes with the
 //     project
 //
-// It ends with the code of the switch, or 9 when it found no recovery partition or could not read the file.
+// The exit status is the code of the switch, or 9 if there is no recovery partition or its file cannot be
+// read.
 
 #include <cstdio>
 #include <string>
@@ -17,8 +18,8 @@ namespace {
 
 constexpr int nothingToRecoverFrom = 9;
 
-// A GPT disk tells its recovery partition by type and contents, and the letter is given only for this. On an
-// MBR disk it is partition 1, whose letter Windows PE has given.
+// On a GPT disk the library finds the recovery partition by type and contents and gives it a letter. On an
+// MBR disk it is partition 1, which has a letter from Windows PE.
 WCHAR LetterOfRecoveryPartition(Kestova& kestova) {
     WCHAR letter = TEXT('0');
     kestova.AssignRecoveryPartition(letter);
@@ -26,7 +27,7 @@ WCHAR LetterOfRecoveryPartition(Kestova& kestova) {
     return kestova.GetDriveLetter(kestova.GetFirstInternalDriveNumber(), 1);
 }
 
-// The first bytes of a file; nothing when it cannot be read.
+// The first bytes of a file; empty if it cannot be read.
 std::string BeginningOf(const std::basic_string<WCHAR>& path) {
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -8,11 +8,12 @@
 
 #include "base/drive_letter.h"
 #include "base/format.h"
+#include "base/owners.h"
 #include "base/wide_string.h"
-#include "device/owners.h"
 #include "diag/failure_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"
+#include "manager/letter_map_failures.h"
 
 namespace {
 
@@ -111,16 +112,13 @@ int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
 
     const auto readBothSystems = [&]() -> int {
         if (!ReadRegistry(WideString(runningSystemKey).data())) {
-            return LogFailure(LOG_LEVEL_ERROR,
-                              TEXT("Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail."), FALSE);
+            return LogFailure(LOG_LEVEL_ERROR, runningSystemNotRead, FALSE);
         }
         if (!LoadWindowsRegistry()) {
-            return LogFailure(LOG_LEVEL_ERROR,
-                              TEXT("Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed."), FALSE);
+            return LogFailure(LOG_LEVEL_ERROR, installedWindowsNotLoaded, FALSE);
         }
         if (!ReadRegistry(WideString(installedWindowsKey).data())) {
-            return LogFailure(LOG_LEVEL_TRACE,
-                              TEXT("Kestova::GetWinDriveLetters Read WINDOWS Registry fail."), FALSE);
+            return LogFailure(LOG_LEVEL_TRACE, installedWindowsNotRead, FALSE);
         }
         return TRUE;
     };
@@ -143,8 +141,7 @@ int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
 
     int bResult = records != nullptr && readBothSystems() && fillRecords();
     if (!UnloadWindowsRegistry()) {
-        LogRecord(LOG_LEVEL_ERROR)
-            .Text(TEXT("Kestova::GetWinDriveLetters\t\tUnload Windows Registry failed."));
+        LogRecord(LOG_LEVEL_ERROR).Text(installedWindowsNotUnloaded);
         bResult = FALSE;
     }
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters\t\tEnd"));

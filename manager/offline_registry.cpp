@@ -4,8 +4,8 @@
 #include <string>
 
 #include "base/drive_letter.h"
+#include "base/owners.h"
 #include "base/wide_string.h"
-#include "device/owners.h"
 #include "manager/kestova.h"
 
 namespace {

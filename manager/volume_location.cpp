@@ -1,6 +1,7 @@
 // The disk and partition of a drive letter, and the letter of a disk and partition, by queries of the
 // volumes.
 
+#include "base/owners.h"
 #include "device/device_handle.h"
 #include "diag/log_record.h"
 #include "diag/module.h"

@@ -1,7 +1,7 @@
 // The partitions of the first and second internal disks.
 #include <algorithm>
 
-#include "device/owners.h"
+#include "base/owners.h"
 #include "vds/first_disk_query.h"
 #include "vds/vds_ex.h"
 #include "vds/vds_partition.h"

@@ -1,6 +1,6 @@
 // Partition types: reading and changing them, and what depends on them.
+#include "base/owners.h"
 #include "base/wide_string.h"
-#include "device/owners.h"
 #include "vds/first_disk_query.h"
 #include "vds/required_interface.h"
 #include "vds/vds_ex.h"

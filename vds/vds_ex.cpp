@@ -1,8 +1,8 @@
 // Opening the connection to the service.
 #include "vds/vds_ex.h"
 
+#include "base/owners.h"
 #include "device/com_security.h"
-#include "device/owners.h"
 #include "vds/required_interface.h"
 
 HRESULT CVDSEx::InitializeSecurity() {

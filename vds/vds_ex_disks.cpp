@@ -1,7 +1,7 @@
 // The list of all disks: the unallocated ones, then those of the online packs.
 #include <cstdlib>
 
-#include "device/owners.h"
+#include "base/owners.h"
 #include "vds/required_interface.h"
 #include "vds/service_check.h"
 #include "vds/vds_ex.h"

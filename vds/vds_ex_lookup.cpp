@@ -1,5 +1,5 @@
 // Disks and volumes by id: one lookup for the four operations, with the differences as data.
-#include "device/owners.h"
+#include "base/owners.h"
 #include "vds/required_interface.h"
 #include "vds/service_check.h"
 #include "vds/vds_ex.h"

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstdio>
 
+#include "base/hexadecimal.h"
+
 namespace machine::description {
 
 namespace {
@@ -134,10 +136,7 @@ void WriteNumber(Output out, uint64_t number, Notation notation, size_t bytes) {
     constexpr uint64_t leastResultCode = 0x10000;
     if (notation == Notation::Decimal || (notation == Notation::Code && number < leastResultCode))
         return out.Number(number);
-    char text[20];
-    std::snprintf(text, sizeof text, "0x%0*llX", static_cast<int>(2 * bytes),
-                  static_cast<unsigned long long>(number));
-    out.Text(text);
+    out.Text(Hex(number, static_cast<int>(2 * bytes)));
 }
 
 int64_t ReadWord(const Node& node, Words words) {

@@ -3,18 +3,18 @@
 
 #include <gmock/gmock.h>
 
+#include <optional>
+
+#include "base/com_apartment.h"
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
 
 // When it goes, everything that was lent must have been given back.
 class HostedPc {
   public:
-    explicit HostedPc(machine::Pc facts) : emulated(std::move(facts)) {
-        CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-        emulated.journal.Clear();
-    }
+    explicit HostedPc(machine::Pc facts) : emulated(std::move(facts)) { emulated.journal.Clear(); }
     ~HostedPc() {
-        CoUninitialize();
+        com_.reset();
         EXPECT_THAT(emulated.ledger.Outstanding(), testing::IsEmpty());
         EXPECT_THAT(emulated.ledger.Violations(), testing::IsEmpty());
     }
@@ -27,6 +27,9 @@ class HostedPc {
     }
 
     machine::EmulatedPc emulated;
+
+  private:
+    std::optional<ComApartment> com_{std::in_place};
 };
 
 // A SATA disk that WMI lists as an IDE disk without controller, and that tells neither location nor SCSI

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/owners.h"
 #include "base/utf.h"
-#include "device/owners.h"
 #include "machine/api/wmi/class.h"
 #include "tests/device/hosted_pc.h"
 #include "tests/support/transcript.h"

@@ -1,4 +1,4 @@
-// The example application, as built, on the PCs that its readers will try first.
+// The example application, as built, on the PCs that readers try first.
 
 #include <gmock/gmock.h>
 
@@ -13,7 +13,7 @@ class RecoveryExample : public ProgramTest {
     Outcome Run(const std::string& pc) { return Shell("'" KESTOVA_EXAMPLE "' " + pc); }
 };
 
-TEST_F(RecoveryExample, ReadsAFileAndSwitchesTheDiskImageToItsRecoveryPartition) {
+TEST_F(RecoveryExample, MbrImage_Run_ReadsTheFileAndSwitches) {
     ASSERT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
     const Outcome outcome = Run("disk.img");
     EXPECT_EQ(outcome.status, 0);
@@ -26,7 +26,7 @@ TEST_F(RecoveryExample, ReadsAFileAndSwitchesTheDiskImageToItsRecoveryPartition)
     EXPECT_THAT(Shell("sfdisk --dump disk.img").output, HasSubstr("type=27, bootable\n"));
 }
 
-TEST_F(RecoveryExample, GivesTheRecoveryPartitionOfAGptDiskALetterForAsLongAsItReads) {
+TEST_F(RecoveryExample, FactoryGpt_Run_ReadsThroughATemporaryLetter) {
     const Outcome outcome = Run("factory-gpt");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output,
@@ -37,14 +37,14 @@ TEST_F(RecoveryExample, GivesTheRecoveryPartitionOfAGptDiskALetterForAsLongAsItR
     EXPECT_EQ(Run("").output, outcome.output);
 }
 
-TEST_F(RecoveryExample, TellsThatThereIsNoRecoveryPartition) {
+TEST_F(RecoveryExample, NoRecoveryPartition_Run_SaysSo) {
     WriteFile("bare.json", "{}");
     const Outcome outcome = Run("bare.json");
     EXPECT_EQ(outcome.status, 9);
     EXPECT_EQ(outcome.output, "No recovery partition was found.\n");
 }
 
-TEST_F(RecoveryExample, TellsThatTheFileCannotBeRead) {
+TEST_F(RecoveryExample, UnreadableFile_Run_SaysSo) {
     ASSERT_EQ(Kestova("--pc factory-gpt --save factory.json status").status, 0);
     ASSERT_EQ(
         Shell("sed '1s/{/{\"faults\": [{\"call\": \"ReadFile\", \"code\": 23}],/' factory.json >pc.json")
@@ -57,7 +57,7 @@ TEST_F(RecoveryExample, TellsThatTheFileCannotBeRead) {
               "Its Qelhdrcv.ini cannot be read.\n");
 }
 
-TEST_F(RecoveryExample, RefusesWhatIsNoPc) {
+TEST_F(RecoveryExample, MissingPc_Run_IsRefused) {
     const Outcome outcome = Run("nothing.img");
     EXPECT_EQ(outcome.status, 3);
     EXPECT_THAT(outcome.errors, HasSubstr("recovery: nothing.img"));

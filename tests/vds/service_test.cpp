@@ -8,12 +8,9 @@ constexpr uint32_t accessDenied = 0x80070005;
 constexpr uint32_t notReady = 1;
 
 // A PC on whose thread COM is initialised, and nothing else done yet.
-class Host {
-  public:
-    Host() : pc(machine::FactoryMbr()) { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-    ~Host() { CoUninitialize(); }
-
-    machine::EmulatedPc pc;
+struct Host {
+    machine::EmulatedPc pc{machine::FactoryMbr()};
+    ComApartment com;
 };
 
 // Connects once and answers the code; what was handed out is released.

@@ -7,7 +7,6 @@ const std::string diskString = "VDS_DISK_PROP string";
 }  // namespace
 
 VdsSession::VdsSession(machine::Pc facts) : pc(std::move(facts)) {
-    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     partition_.emplace();
     EXPECT_TRUE(partition_->Initialize());
     pc.journal.Clear();
@@ -21,7 +20,7 @@ VdsSession::~VdsSession() {
 void VdsSession::End() {
     if (!partition_) return;
     partition_.reset();
-    CoUninitialize();
+    com_.reset();
 }
 
 machine::Partition& VdsSession::Partition(uint32_t number) {

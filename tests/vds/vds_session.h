@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/com_apartment.h"
 #include "base/utf.h"
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
@@ -42,6 +43,7 @@ class VdsSession {
   private:
     void End();
 
+    std::optional<ComApartment> com_{std::in_place};
     std::optional<CVDSPartition> partition_;
 };
 

@@ -59,13 +59,13 @@ cat once.txt once.txt >all.txt
 printf '%s\n' SetRcvprtActive SetSystemActive SetPOneActive SetPTwoActive GetWinDriveLetters\ 26 AssignRecoveryPartition \
     GetAllEncryptVolume\ 33 GetRCVDISC GetRCVUFD GetVistaOSInfo IsCachePartitionForExpCacheExist >faults.txt
 
-mapfile -t calls < <(sed -n 's/^    {"\([^"]*\)", FailsWith::.*/\1/p' "$source_folder/machine/facts/call_table.cpp")
-[ ${#calls[@]} -gt 50 ] || { echo "the table of calls was not understood" >&2; exit 1; }
+mapfile -t calls < <("$linux_tool" calls --json | sed 's/{"call":"\([^"]*\)".*/\1/')
+[ ${#calls[@]} -gt 50 ] || { echo "the tool lists too few calls: ${#calls[@]}" >&2; exit 1; }
 
 scenarios() {
     local pc call
-    printf '%s\n' --help --version operations 'operations --json' pcs 'pcs --json' 'call SetActiv 1' \
-        '--pc factory-mrb status' '--pc missing.json status' '--pc ../all.txt status'
+    printf '%s\n' --help --version operations 'operations --json' pcs 'pcs --json' calls 'calls --json' \
+        'call SetActiv 1' '--pc factory-mrb status' '--pc missing.json status' '--pc ../all.txt status'
     for pc in "${pcs[@]}"; do
         printf -- "--pc $pc %s\n" status '--json status' '--pe --json status' '--windows --json status' letters \
             '--json letters' 'boot recovery' 'boot system' '--json --trace --save saved.json boot recovery' \

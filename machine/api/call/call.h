@@ -2,7 +2,7 @@
 // consults the fault plan, and only then runs the body.
 #pragma once
 
-#include <cstdio>
+#include <cstdint>
 #include <string>
 #include <type_traits>
 #include <vector>

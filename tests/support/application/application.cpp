@@ -5,15 +5,8 @@
 #include <set>
 #include <stdexcept>
 
-ComApartment::ComApartment() {
-    if (CoInitializeEx(nullptr, COINIT_MULTITHREADED) != S_OK) throw std::runtime_error("no COM");
-}
-
-ComApartment::~ComApartment() {
-    CoUninitialize();
-}
-
 Application::Application(machine::Pc facts) : pc(std::move(facts)) {
+    if (com.Result() != S_OK) throw std::runtime_error("no COM");
     if (!kestova.Initialize(false)) throw std::runtime_error("not initialised");
     pc.journal.Clear();
 }

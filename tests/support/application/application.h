@@ -5,15 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "base/com_apartment.h"
 #include "machine/journal/emulated_pc.h"
 #include "manager/kestova.h"
-
-// COM on this thread, as a host has it before it touches the library.
-class ComApartment {
-  public:
-    ComApartment();
-    ~ComApartment();
-};
 
 // Has made its object, initialised it, and starts with an empty journal.
 class Application {

@@ -1,4 +1,4 @@
-// The built kestova program as a test runs it, in a folder of its own.
+// Runs the built kestova program in a temporary folder.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// What a run left behind.
+// The result of a run.
 struct Outcome {
     int status = -1;
     std::string output;
@@ -19,9 +19,9 @@ class ProgramTest : public testing::Test {
     ProgramTest();
     ~ProgramTest() override;
 
-    // Runs the program with these words, as one would type them for a shell, in the test's folder.
+    // Runs the program with these words, as typed in a shell, in the test's folder.
     Outcome Kestova(const std::string& words, const std::string& input = "");
-    // Runs any command there.
+    // Runs any shell command there.
     Outcome Shell(const std::string& command);
 
     void WriteFile(const std::string& name, const std::string& content);

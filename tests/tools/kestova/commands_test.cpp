@@ -1,7 +1,8 @@
-// What each command answers, and with which exit status.
+// The output and the exit status of each command.
 
 #include <gmock/gmock.h>
 
+#include "machine/facts/call_table.h"
 #include "tests/support/program/program.h"
 
 namespace {
@@ -17,7 +18,7 @@ using Letters = ProgramTest;
 using Script = ProgramTest;
 using Lists = ProgramTest;
 
-TEST_F(Status, WithoutPcShowsTheFactoryMachineAndSaysSo) {
+TEST_F(Status, NoPcNamed_Status_ShowsFactoryMbrAndANote) {
     const Outcome outcome = Kestova("status");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(
@@ -47,7 +48,7 @@ TEST_F(Status, WithoutPcShowsTheFactoryMachineAndSaysSo) {
         "type\n");
 }
 
-TEST_F(Status, OfGptMachineNamesTypesAndHasNoActivePartition) {
+TEST_F(Status, FactoryGpt_Status_NamesTypesAndNoActivePartition) {
     const Outcome outcome = Kestova("--pc factory-gpt status");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
@@ -75,7 +76,7 @@ TEST_F(Status, OfGptMachineNamesTypesAndHasNoActivePartition) {
             "contents\n"));
 }
 
-TEST_F(Status, FindsMediaCacheAndEncryptedVolumes) {
+TEST_F(Status, WinPe_Status_FindsMediaCacheAndEncryptedVolumes) {
     const std::string media = Kestova("--pc winpe-media status").output;
     EXPECT_THAT(media, HasSubstr("Installed Windows  C: disk 0, partition 5\n"
                                  "Encrypted volumes  D\n"
@@ -87,13 +88,13 @@ TEST_F(Status, FindsMediaCacheAndEncryptedVolumes) {
     EXPECT_THAT(Kestova("--pc none.json status").output, HasSubstr("Encrypted volumes  none\n"));
 }
 
-TEST_F(Status, OfAPcWithoutWindowsSaysSo) {
+TEST_F(Status, NoInstalledWindows_Status_SaysNotFound) {
     EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json status").status, 0);
     EXPECT_EQ(Shell("sed -i 's/Winload/winlaod/' pc.json").status, 0);
     EXPECT_THAT(Kestova("--pc pc.json status").output, HasSubstr("Installed Windows  not found\n"));
 }
 
-TEST_F(Status, LooksIntoRecoveryPartitionsAndChangesNothing) {
+TEST_F(Status, RecoveryPartitions_Status_LooksIntoThemAndChangesNothing) {
     EXPECT_EQ(Kestova("--pc factory-gpt --save before.json operations").status, 2) << "asks no PC";
     EXPECT_EQ(Kestova("--pc factory-gpt --save before.json call IsDynamic").status, 0);
     const Outcome outcome = Kestova("--pc before.json --save after.json --json status");
@@ -106,14 +107,14 @@ TEST_F(Status, LooksIntoRecoveryPartitionsAndChangesNothing) {
     EXPECT_EQ(ReadFile("failed.json").find("\"letters\": \"D\""), std::string::npos);
 }
 
-TEST_F(Status, SaysOfWhichRecoveryPartitionTheContentsAreNotKnown) {
+TEST_F(Status, LetterRefused_Status_NamesThePartitionNotLookedInto) {
     // Partition 6 gets no letter, partition 2 does.
     const Outcome one =
         Kestova("--pc factory-gpt --fail 'IVdsAdvancedDisk::AssignDriveLetter#1=0x80004005' status");
     EXPECT_EQ(one.status, 0);
     EXPECT_THAT(one.output, HasSubstr("-     Windows RE: type and contents\n"));
     EXPECT_THAT(one.output, HasSubstr("-     recovery or Windows RE: type; contents not looked into\n"));
-    // Neither does, because no free letter can be told.
+    // Neither does, because the free letters cannot be listed.
     const Outcome none = Kestova("--pc factory-gpt --fail GetLogicalDriveStringsW=5 --json status");
     EXPECT_EQ(none.status, 0);
     const std::string role =
@@ -122,7 +123,17 @@ TEST_F(Status, SaysOfWhichRecoveryPartitionTheContentsAreNotKnown) {
     EXPECT_EQ(none.output.find("type and contents"), std::string::npos);
 }
 
-TEST_F(Letters, OfTheInstalledWindowsAreTranslated) {
+// Partition 6 is looked into and found, and gets no letter afterwards: only unread contents are reported.
+TEST_F(Status, FoundPartitionGetsNoLetterToKeep_Status_ReportsNothingOfItsContents) {
+    const Outcome outcome =
+        Kestova("--pc factory-gpt --fail 'IVdsAdvancedDisk::AssignDriveLetter#2=0x80004005' status");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(
+        outcome.output,
+        HasSubstr("  6  25.0 GiB   Windows recovery    -       -       -        -            -     -\n"));
+}
+
+TEST_F(Letters, WinPeMedia_Letters_MapsThemToPartitions) {
     const Outcome outcome = Kestova("--pc winpe-media letters");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output,
@@ -136,7 +147,7 @@ TEST_F(Letters, OfTheInstalledWindowsAreTranslated) {
               "\n");
 }
 
-TEST_F(Letters, NoneAtAllIsRemarked) {
+TEST_F(Letters, NoLetterReadable_Letters_Remarks) {
     const std::string remark =
         "no letter was told: the installed Windows or the running system remembers none, none could be read, "
         "or none stands for a volume of both";
@@ -148,7 +159,7 @@ TEST_F(Letters, NoneAtAllIsRemarked) {
               R"({"letters":[],"remark":")" + remark + "\"}\n");
 }
 
-TEST_F(Letters, LeaveThePcAsItWas) {
+TEST_F(Letters, WinPeMedia_Letters_ChangesNothing) {
     EXPECT_EQ(Kestova("--pc winpe-media --dry-run letters").output,
               "Letter  Disk  Partition  Here\n"
               "C       0     5          C\n"
@@ -156,7 +167,7 @@ TEST_F(Letters, LeaveThePcAsItWas) {
               "Nothing would change.\n");
 }
 
-TEST_F(Letters, OfAVolumeThatTellsNoPlaceStandAlone) {
+TEST_F(Letters, VolumeWithoutPlace_Letters_ListsTheLetterAlone) {
     // The first file that is opened is the batch file, then the volume twice, for its disk and its partition.
     const Outcome outcome =
         Kestova("--pc winpe-media --fail 'CreateFileW#2=5' --fail 'CreateFileW#3=5' --json letters");
@@ -167,7 +178,7 @@ TEST_F(Letters, OfAVolumeThatTellsNoPlaceStandAlone) {
                 HasSubstr("C       -     -          -\n"));
 }
 
-TEST_F(Letters, AreNotToldWhereWindowsRuns) {
+TEST_F(Letters, InstalledWindowsRunning_Letters_FailsWithReasons) {
     const Outcome outcome = Kestova("--pc factory-gpt --json letters");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(
@@ -177,7 +188,7 @@ TEST_F(Letters, AreNotToldWhereWindowsRuns) {
     EXPECT_THAT(outcome.output, StartsWith(R"({"letters":[],"problem":"the letters of )"));
 }
 
-TEST_F(Letters, ThatCannotBeToldSayWhy) {
+TEST_F(Letters, EachStepFailing_Letters_GivesItsReason) {
     const std::string told = "kestova: the letters of the installed Windows could not all be told: ";
     // The first key that is opened is the running system's, the second the installed Windows'.
     EXPECT_EQ(Kestova("--pc winpe-media --fail 'RegOpenKeyExW#1=2' letters").errors,
@@ -192,7 +203,7 @@ TEST_F(Letters, ThatCannotBeToldSayWhy) {
     EXPECT_THAT(notUnloaded.output, HasSubstr("C       0     5          C\n"));
 }
 
-TEST_F(Status, InJsonIsOneObject) {
+TEST_F(Status, WinPeTwoDisks_StatusInJson_IsOneObject) {
     const Outcome outcome = Kestova("--pc winpe-two-disks --json status");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output,
@@ -212,7 +223,7 @@ TEST_F(Status, InJsonIsOneObject) {
                  "\n"));
 }
 
-TEST_F(Status, OfUnreadableLayoutTellsTheErrorAndFails) {
+TEST_F(Status, UnreadableLayout_Status_ReportsTheErrorAndFails) {
     // The library asks for the extents of C: three times before.
     const Outcome outcome = Kestova("--pc factory-mbr --fail 'DeviceIoControl#4=5' status");
     EXPECT_EQ(outcome.status, 1);
@@ -220,7 +231,7 @@ TEST_F(Status, OfUnreadableLayoutTellsTheErrorAndFails) {
     EXPECT_THAT(outcome.output, HasSubstr("Active partition   2\n"));
 }
 
-TEST_F(Status, TellsThatInitializeFailed) {
+TEST_F(Status, InitializeFailing_Status_ReportsIt) {
     const Outcome outcome =
         Kestova("--pc factory-mbr --fail 'IVdsServiceLoader::LoadService=0x80080005' status");
     EXPECT_EQ(outcome.status, 1);
@@ -229,7 +240,7 @@ TEST_F(Status, TellsThatInitializeFailed) {
     EXPECT_THAT(outcome.output, HasSubstr("Internal disk      unknown\n"));
 }
 
-TEST_F(Status, TellsWhatOfTheSystemCannotBeRead) {
+TEST_F(Status, UnreadableSystem_Status_ReportsEachPart) {
     const Outcome outcome =
         Kestova("--pc factory-mbr --fail RegOpenKeyExW=5 --fail GetWindowsDirectoryW=6 --json status");
     EXPECT_EQ(outcome.status, 1);
@@ -242,7 +253,7 @@ TEST_F(Status, TellsWhatOfTheSystemCannotBeRead) {
     EXPECT_THAT(outcome.output, HasSubstr(R"(,"windows":null,"problem":"the start options of )"));
 }
 
-TEST_F(Status, OnlyUefiFirmwareRefusesToReadAVariable) {
+TEST_F(Status, FirmwareErrors_Status_ShowsUefiFor998Only) {
     for (const char* const code : {"1", "5", "87", "1314"}) {
         EXPECT_THAT(Kestova("--pc factory-gpt --fail GetFirmwareEnvironmentVariableW=" + std::string(code) +
                             " status")
@@ -256,7 +267,7 @@ TEST_F(Status, OnlyUefiFirmwareRefusesToReadAVariable) {
     EXPECT_THAT(Kestova("--pc reads.json status").output, StartsWith("Firmware           BIOS\n"));
 }
 
-TEST_F(Status, RemarksThatTwoPartitionsAreActive) {
+TEST_F(Status, TwoActivePartitions_Status_Remarks) {
     EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json call SetActive 3").status, 0);
     const Outcome outcome = Kestova("--pc pc.json --json status");
     EXPECT_EQ(outcome.status, 0);
@@ -266,7 +277,7 @@ TEST_F(Status, RemarksThatTwoPartitionsAreActive) {
                          "\n"));
 }
 
-TEST_F(Boot, RecoverySwitchesAndShowsWhatChanged) {
+TEST_F(Boot, FactoryMbr_BootRecovery_SwitchesAndShowsTheChanges) {
     const Outcome outcome = Kestova("--pc factory-mbr boot recovery");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output,
@@ -280,20 +291,20 @@ TEST_F(Boot, RecoverySwitchesAndShowsWhatChanged) {
     EXPECT_EQ(outcome.errors, "kestova: 2 partitions are active; a PC starts from a disk with one only\n");
 }
 
-TEST_F(Boot, SystemOfInstalledSystemChangesNothing) {
+TEST_F(Boot, FactoryMbr_BootSystem_HasNothingToDo) {
     const Outcome outcome = Kestova("--pc factory-mbr boot system");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, StartsWith("SetSystemActive() = 0: done, or there was nothing to do\n"));
 }
 
-TEST_F(Boot, FailureIsTheExitStatusInWords) {
+TEST_F(Boot, FlagNotSet_BootRecovery_ExitsWithTheResultCode) {
     const Outcome outcome =
         Kestova("--pc factory-mbr --fail 'IVdsAdvancedDisk::ChangeAttributes#1=0x80004005' boot recovery");
     EXPECT_EQ(outcome.status, 5);
     EXPECT_THAT(outcome.output, StartsWith("SetRcvprtActive() = 5: the flag could not be set; "));
 }
 
-TEST_F(Boot, OfGptFailsWithItsOwnCodeAndReport) {
+TEST_F(Boot, FactoryGpt_BootRecovery_ExitsWithItsCodeAndReport) {
     const Outcome outcome = Kestova("--pc factory-gpt --json boot recovery");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(
@@ -301,20 +312,20 @@ TEST_F(Boot, OfGptFailsWithItsOwnCodeAndReport) {
         StartsWith(R"({"operation":"SetRcvprtActive","arguments":{},"result":1,"outputs":{},"log":[)"));
 }
 
-TEST_F(Call, AnswersResultAndWords) {
+TEST_F(Call, FactoryMbr_CallGetDriveLetter_ShowsResultAndWords) {
     const Outcome outcome = Kestova("--pc factory-mbr call GetDriveLetter 0 2");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "GetDriveLetter(0, 2) = C: its letter\n");
     EXPECT_EQ(outcome.errors, "");
 }
 
-TEST_F(Call, TakesLettersInEveryForm) {
+TEST_F(Call, LetterInEachForm_CallIsVistaOS_AcceptsIt) {
     for (const char* const letter : {"C", "c", "C:", "c:"})
         EXPECT_EQ(Kestova("--pc factory-mbr call IsVistaOS " + std::string(letter)).output,
                   "IsVistaOS(C) = 1: yes\n");
 }
 
-TEST_F(Call, ArgumentThatIsLeftOutHasItsStandard) {
+TEST_F(Call, ArgumentLeftOut_Call_UsesItsDefault) {
     EXPECT_THAT(Kestova("--pc winpe-media --json call GetWinDriveLetters").output,
                 HasSubstr(R"("arguments":{"count":26},"result":1,"outputs":{"records":[)"
                           R"({"iDiskNum":0,"iPartNum":5,"cDriveLetter":"C"},)"
@@ -325,7 +336,7 @@ TEST_F(Call, ArgumentThatIsLeftOutHasItsStandard) {
     EXPECT_THAT(Kestova("--pc winpe-media call GetWinDriveLetters 0").output, EndsWith("  records = none\n"));
 }
 
-TEST_F(Call, OfEncryptedVolumesCutsThemToTheBuffer) {
+TEST_F(Call, SmallBuffer_CallGetAllEncryptVolume_CutsTheLetters) {
     WriteFile("two.json",
               R"({"encryptableVolumes": [{"deviceId": "a", "driveLetter": "E:", "encryptionMethod": 7},
                                          {"deviceId": "b", "driveLetter": "C:", "encryptionMethod": 7}]})");
@@ -339,7 +350,7 @@ TEST_F(Call, OfEncryptedVolumesCutsThemToTheBuffer) {
                     EndsWith(buffer));
 }
 
-TEST_F(Call, OfTheOnlyEncryptedVolumeWithoutALetterAnswersNul) {
+TEST_F(Call, VolumeWithoutLetter_CallGetEncryptVolume_ReturnsNul) {
     WriteFile("one.json", R"({"encryptableVolumes": [{"deviceId": "a", "encryptionMethod": 7}]})");
     const Outcome outcome = Kestova("--pc one.json call GetEncryptVolume");
     EXPECT_EQ(outcome.status, 0);
@@ -348,7 +359,7 @@ TEST_F(Call, OfTheOnlyEncryptedVolumeWithoutALetterAnswersNul) {
                 HasSubstr(R"("result":"\u0000",)"));
 }
 
-TEST_F(Call, WithoutAResultShowsNone) {
+TEST_F(Call, OperationWithoutResult_Call_ShowsNone) {
     const Outcome outcome = Kestova("--pc factory-gpt call RemoveRecoveryPartition");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "RemoveRecoveryPartition()\nNothing changed.\n");
@@ -356,36 +367,36 @@ TEST_F(Call, WithoutAResultShowsNone) {
                 HasSubstr(R"("result":null,"outputs":{},)"));
 }
 
-TEST_F(Call, ShowsOutputs) {
+TEST_F(Call, FactoryGpt_CallGetDiskStyle_ShowsTheOutput) {
     const Outcome outcome = Kestova("--pc factory-gpt call GetDiskStyle");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "GetDiskStyle() = 1: asked; the style tells the rest\n  style = 2: GPT\n");
 }
 
-TEST_F(Call, ResultThatTellsFailureIsStatusOne) {
+TEST_F(Call, FailureResult_Call_ExitsWith1) {
     const Outcome outcome = Kestova("--pc factory-mbr call GetDriveLetter 0 4");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "GetDriveLetter(0, 4) = 0: it has none\n");
 }
 
-TEST_F(Call, TakesNegativeNumbers) {
+TEST_F(Call, NegativeNumber_Call_IsAnArgument) {
     const Outcome outcome = Kestova("--pc factory-mbr call SetActive -1");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "SetActive(-1) = 1: failed\nNothing changed.\n");
 }
 
-TEST_F(Call, ThatChangesShowsTheChanges) {
+TEST_F(Call, FactoryMbr_CallClearActive_ShowsTheChanges) {
     EXPECT_EQ(Kestova("--pc factory-mbr call ClearActive").output,
               "ClearActive() = 0: done\nChanged:\n  disk 0, partition 2: no longer active\n");
 }
 
-TEST_F(Call, OfInitializeIsTheOnlyInitialize) {
+TEST_F(Call, FactoryMbr_CallInitialize_InitializesOnce) {
     const Outcome outcome = Kestova("--pc factory-mbr --log log call Initialize true");
     EXPECT_EQ(outcome.output, "Initialize(true) = 1: the service is ready\n");
     EXPECT_EQ(Shell("grep -c Initialize log").output, "2\n");
 }
 
-TEST_F(Script, EachLineIsAnOperationOnOneObject) {
+TEST_F(Script, FactoryMbr_Run_CallsEachLineOnOneObject) {
     const Outcome outcome = Kestova("--pc factory-mbr run -",
                                     "# which one, then another\n"
                                     "GetActivePartitionNumber\n"
@@ -402,20 +413,20 @@ TEST_F(Script, EachLineIsAnOperationOnOneObject) {
               "GetActivePartitionNumber() = 3: the number of the partition\n");
 }
 
-TEST_F(Script, GoesOnAfterAFailureAndReportsIt) {
+TEST_F(Script, FailingLine_Run_ContinuesAndExitsWith1) {
     const Outcome outcome = Kestova("--pc factory-mbr run -", "SetActive 9\nSetActive 1\n");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.output, EndsWith("SetActive(9) = 1: failed\nSetActive(1) = 0: done\n"));
 }
 
-TEST_F(Script, WithoutInitializeOperationsFail) {
+TEST_F(Script, NoInitialize_Run_OperationsFail) {
     const Outcome outcome =
         Kestova("--pc factory-mbr --no-initialize run -", "GetFirstInternalDriveNumber\n");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "GetFirstInternalDriveNumber() = -1: there is none, or it could not be told\n");
 }
 
-TEST_F(Script, WrongLineIsNamedAndNothingRuns) {
+TEST_F(Script, WrongLine_Run_NamesItAndRunsNothing) {
     WriteFile("switch.txt", "SetActive 1\n\nSetActiv 2\n");
     const Outcome outcome = Kestova("--pc factory-mbr run switch.txt");
     EXPECT_EQ(outcome.status, 2);
@@ -424,28 +435,28 @@ TEST_F(Script, WrongLineIsNamedAndNothingRuns) {
                                            "did you mean SetActive?\n"));
 }
 
-TEST_F(Script, MayBeginWithAByteOrderMark) {
+TEST_F(Script, ByteOrderMark_Run_IsSkipped) {
     EXPECT_EQ(Kestova("--pc factory-mbr run -", "\xEF\xBB\xBFGetDriveLetter 0 2\n").status, 0);
 }
 
-TEST_F(Script, CommandInItIsAnsweredWithAHint) {
+TEST_F(Script, CommandInScript_Run_GivesAHint) {
     EXPECT_THAT(Kestova("--pc factory-mbr run -", "status\n").errors,
                 StartsWith("kestova: standard input:1: 'status' is a command; only operations stand in a "
                            "script (kestova operations lists them)\n"));
 }
 
-TEST_F(Script, ThatIsNoUtf8TextIsRefused) {
+TEST_F(Script, Utf16Script_Run_IsRefused) {
     WriteFile("wide.txt", std::string("SetActive 1\nS\0e\0t\0", 18));
     EXPECT_THAT(Kestova("--pc factory-mbr run wide.txt").errors,
                 StartsWith("kestova: wide.txt:2: not text; a script is written in UTF-8\n"));
 }
 
-TEST_F(Script, MissingScriptAndFolderAreRefused) {
+TEST_F(Script, MissingScriptOrFolder_Run_IsRefused) {
     EXPECT_THAT(Kestova("run none.txt").errors, StartsWith("kestova: none.txt: there is no such file\n"));
     EXPECT_THAT(Kestova("run /").errors, StartsWith("kestova: /: cannot be read\n"));
 }
 
-TEST_F(Lists, EveryPublicOperationOfTheClassIsThere) {
+TEST_F(Lists, Operations_InJson_NameEveryPublicOperation) {
     const std::string names =
         "sed -n '/^  public:/,/^  private:/p' '" KESTOVA_SOURCE_FOLDER
         "/manager/kestova.h' | sed -nE 's/^    (int|WCHAR|DWORD|void) ([A-Za-z]+)\\(.*/\\2/p' | sort";
@@ -456,7 +467,7 @@ TEST_F(Lists, EveryPublicOperationOfTheClassIsThere) {
     EXPECT_EQ(Shell(listed).output, declared);
 }
 
-TEST_F(Lists, OperationTellsArgumentsAndResults) {
+TEST_F(Lists, Operations_InText_ListArgumentsAndResults) {
     EXPECT_THAT(Kestova("operations").output, HasSubstr("GetDriveLetter DISK PARTITION\n"
                                                         "  The letter of a partition.\n"
                                                         "  disk: number of a disk, from 0\n"
@@ -466,7 +477,7 @@ TEST_F(Lists, OperationTellsArgumentsAndResults) {
                                                         "    else  its letter\n"));
 }
 
-TEST_F(Lists, OperationTellsWhatMayBeLeftOutAndWhatHasNoResult) {
+TEST_F(Lists, Operations_OptionalArgumentOrNoResult_AreMarked) {
     const std::string text = Kestova("operations").output;
     EXPECT_THAT(text,
                 HasSubstr("GetAllEncryptVolume [SIZE]\n"
@@ -485,12 +496,41 @@ TEST_F(Lists, OperationTellsWhatMayBeLeftOutAndWhatHasNoResult) {
     EXPECT_THAT(json, HasSubstr(R"("values":[],"default":26})"));
 }
 
-TEST_F(Lists, PcsNamesTheMachines) {
+TEST_F(Lists, Pcs_InJson_NameTheMachines) {
     const Outcome outcome = Kestova("pcs --json");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, StartsWith(R"({"name":"factory-mbr","summary":)"));
     EXPECT_THAT(outcome.output, HasSubstr("{\"name\":\"winpe-two-disks\","));
     EXPECT_THAT(outcome.output, HasSubstr("{\"name\":\"winpe-media\","));
+}
+
+TEST_F(Lists, Calls_InJson_NameEveryCallOfTheEmulatedPc) {
+    std::string expected;
+    for (const machine::CallInfo& call : machine::AllCalls())
+        expected += std::string(call.name) + (call.changesPc ? " true\n" : " false\n");
+    EXPECT_EQ(Shell("'" KESTOVA_PROGRAM
+                    "' calls --json | sed -E 's/.*\"call\":\"([^\"]*)\",.*\"changesPc\":([a-z]*)}/\\1 \\2/'")
+                  .output,
+              expected);
+}
+
+TEST_F(Lists, Calls_EachKindOfFailure_HasItsWords) {
+    const Outcome outcome = Kestova("calls --json");
+    EXPECT_EQ(outcome.status, 0);
+    for (const char* const line :
+         {R"({"call":"CoCreateInstance","failsWith":"HRESULT","changesPc":false})",
+          R"({"call":"RegCloseKey","failsWith":"status","changesPc":true})",
+          R"({"call":"DeviceIoControl","failsWith":"FALSE and last error","changesPc":false})",
+          R"({"call":"GetWindowsDirectoryW","failsWith":"0 and last error","changesPc":false})",
+          R"({"call":"GlobalAlloc","failsWith":"null and last error","changesPc":false})",
+          R"({"call":"CreateFileW","failsWith":"INVALID_HANDLE_VALUE and last error","changesPc":true})",
+          R"({"call":"GetDriveTypeW","failsWith":"value","changesPc":false})"})
+        EXPECT_THAT(outcome.output, HasSubstr(std::string(line) + "\n"));
+    EXPECT_THAT(
+        Kestova("calls").output,
+        StartsWith("Call                                    Fails with                           "
+                   "Changes the PC\n"
+                   "CloseHandle                             FALSE and last error                 yes\n"));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// docs/operations.md has an example of every operation, and each answers what the page says; the README leads
+// docs/operations.md has an example of every operation, and each writes what the page shows; the README links
 // to all of them.
 
 #include <gmock/gmock.h>
@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using Examples = ProgramTest;
 
 struct Example {
-    std::string command;  // as one types it
+    std::string command;  // as typed
     std::string output;
 };
 
@@ -27,7 +27,7 @@ std::string Text(const char* name) {
     return text.str();
 }
 
-// The indented lines of the page: a command after "$ ", below it what it writes.
+// The indented lines of the page: a command after "$ ", and below it its output.
 std::vector<Example> ExamplesOf(const std::string& page) {
     const std::string indent = "    ";
     const std::string prompt = "    $ ";
@@ -43,7 +43,7 @@ std::vector<Example> ExamplesOf(const std::string& page) {
     return examples;
 }
 
-TEST_F(Examples, AnswerWhatThePageSays) {
+TEST_F(Examples, EachExampleOfThePage_Run_WritesWhatThePageShows) {
     const std::vector<Example> examples = ExamplesOf(Text("docs/operations.md"));
     EXPECT_GT(examples.size(), 30u);
     for (const Example& example : examples) {
@@ -54,7 +54,7 @@ TEST_F(Examples, AnswerWhatThePageSays) {
     }
 }
 
-TEST_F(Examples, OfEveryOperationAreThereAndLinkedOnce) {
+TEST_F(Examples, EachOperation_OnThePage_HasAnExampleAndALink) {
     const std::string page = Text("docs/operations.md");
     const std::string readme = Text("README.md");
     std::istringstream names(

@@ -1,4 +1,4 @@
-// The options, wrong use, and the form of what scripts read.
+// The options, wrong use, and the JSON that scripts read.
 
 #include <gmock/gmock.h>
 
@@ -27,7 +27,7 @@ struct Mistake {
 
 class WrongUse : public ProgramTest, public testing::WithParamInterface<Mistake> {};
 
-TEST_P(WrongUse, IsToldOnStandardErrorAlone) {
+TEST_P(WrongUse, CommandLine_Run_FailsWithAMessageOnStandardErrorOnly) {
     const Outcome outcome = Kestova(GetParam().words);
     EXPECT_EQ(outcome.status, GetParam().status);
     EXPECT_EQ(outcome.output, "");
@@ -73,6 +73,7 @@ const Mistake mistakes[] = {
     {"PcTwice", "--pc a --pc b status", 2, "--pc can be given only once\n"},
     {"PcWithoutValue", "status --pc", 2, "--pc needs a value\n"},
     {"PcsOfAPc", "--pc factory-mbr pcs", 2, "pcs does not use --pc\n"},
+    {"CallsOfAPc", "--pc factory-mbr calls", 2, "calls does not use --pc\n"},
     {"OperationsWithLog", "--log x operations", 2, "operations does not use --log\n"},
     {"StatusWithTrace", "--trace status", 2, "status does not use --trace\n"},
     {"SaveFolder", "--save none/pc.json boot recovery", 2,
@@ -83,7 +84,7 @@ const Mistake mistakes[] = {
 INSTANTIATE_TEST_SUITE_P(Each, WrongUse, testing::ValuesIn(mistakes),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST_F(Json, OfCallIsTheContract) {
+TEST_F(Json, FactoryMbr_Call_WritesTheDocumentedObject) {
     const Outcome outcome = Kestova("--pc factory-mbr --json call GetDriveLetter 0 2");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(
@@ -94,7 +95,7 @@ TEST_F(Json, OfCallIsTheContract) {
         "\n");
 }
 
-TEST_F(Json, OfRunHasALineForEachStepOfTheObjectsLife) {
+TEST_F(Json, FactoryMbr_Run_WritesALineForEachStepOfTheObjectsLife) {
     const Outcome outcome = Kestova("--pc factory-mbr --json run -", "GetDriveLetter 0 3\n");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(
@@ -116,13 +117,13 @@ TEST_F(Json, OfRunHasALineForEachStepOfTheObjectsLife) {
         "\n");
 }
 
-TEST_F(Json, NamesOutputsAsTheClassDoes) {
+TEST_F(Json, FactoryMbr_CallGetDiskStyle_NamesTheOutputAsTheClassDoes) {
     EXPECT_THAT(
         Kestova("--pc factory-mbr --json call GetDiskStyle").output,
         StartsWith(R"({"operation":"GetDiskStyle","arguments":{},"result":1,"outputs":{"style":1},"log":[)"));
 }
 
-TEST_F(Trace, InterleavesCallsAndRecords) {
+TEST_F(Trace, FactoryMbr_CallInJson_InterleavesCallsAndRecords) {
     const Outcome outcome =
         Kestova("--pc factory-mbr --json --trace --fail 'GetDriveTypeW=3' call GetDriveLetter 0 9");
     EXPECT_THAT(outcome.output,
@@ -133,14 +134,14 @@ TEST_F(Trace, InterleavesCallsAndRecords) {
                                          "\n"));
 }
 
-TEST_F(Trace, InTextPrecedesTheResult) {
+TEST_F(Trace, FactoryMbr_CallInText_PrecedesTheResult) {
     const Outcome outcome = Kestova("--pc factory-mbr --trace call GetDriveLetter 0 2");
     EXPECT_THAT(outcome.output,
                 StartsWith("  log 4  Kestova::GetDriveLetter\tStart\n  GetDriveTypeW(A:) = 1\n"));
     EXPECT_THAT(outcome.output, EndsWith("GetDriveLetter(0, 2) = C: its letter\n"));
 }
 
-TEST_F(Log, HasALineForEachRecordOfTheObjectsLife) {
+TEST_F(Log, FactoryMbr_Call_LogsEachRecordOfTheObjectsLife) {
     EXPECT_EQ(Kestova("--pc factory-mbr --no-initialize --log log call GetDriveLetter 0 2").status, 0);
     EXPECT_EQ(ReadFile("log"),
               "4\tKestova::Kestova\tStart\n4\tKestova::Kestova\tEnd\n"
@@ -149,7 +150,7 @@ TEST_F(Log, HasALineForEachRecordOfTheObjectsLife) {
               "4\tKestova::CleanMap\tEnd\n4\tKestova::~Kestova\tEnd\n");
 }
 
-TEST_F(Log, HasOneLineForARecordWithNul) {
+TEST_F(Log, RecordWithNul_Call_LogsOneLine) {
     WriteFile(
         "pc.json",
         R"({"encryptableVolumes": [{"deviceId": "\\\\?\\Volume{1}\\", "encryptionMethod": "aes-256"}]})");
@@ -159,7 +160,7 @@ TEST_F(Log, HasOneLineForARecordWithNul) {
                 HasSubstr("\n  log 4  Kestova::GetEncryptVolume\tEnd. cDriveLetter = \\0\n"));
 }
 
-TEST_F(Log, ShownBesideJsonGoesToStandardError) {
+TEST_F(Log, JsonRequested_ShownLog_GoesToStandardError) {
     const Outcome outcome = Kestova("--pc factory-mbr --json --log - call GetDriveLetter 0 2");
     EXPECT_THAT(outcome.output, StartsWith("{\"operation\""));
     EXPECT_THAT(outcome.errors, StartsWith("4\tKestova::Kestova\tStart\n"));
@@ -167,7 +168,7 @@ TEST_F(Log, ShownBesideJsonGoesToStandardError) {
                 StartsWith("4\tKestova::Kestova\tStart\n"));
 }
 
-TEST_F(Fail, OnwardsMeetsTheRestoringCallToo) {
+TEST_F(Fail, FaultFromFirstCallOn_BootRecovery_MeetsTheRestoringCallToo) {
     const Outcome outcome = Kestova(
         "--pc factory-mbr --trace --fail 'IVdsAdvancedDisk::ChangeAttributes#1+=0x80004005' boot recovery");
     EXPECT_EQ(outcome.status, 5);
@@ -177,14 +178,14 @@ TEST_F(Fail, OnwardsMeetsTheRestoringCallToo) {
     EXPECT_EQ(count, 2u);
 }
 
-TEST_F(Fail, OfInitializeIsSaid) {
+TEST_F(Fail, InitializeFailing_Call_ReportsItAndContinues) {
     const Outcome outcome = Kestova(
         "--pc factory-mbr --fail 'IVdsServiceLoader::LoadService=0x80080005' call GetDriveLetter 0 2");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "kestova: Initialize: the service could not be loaded in 20 attempts\n");
 }
 
-TEST_F(DryRun, ShowsWhatWouldChange) {
+TEST_F(DryRun, FactoryMbr_CallSetActive_ShowsWhatWouldChange) {
     const Outcome outcome = Kestova("--pc factory-mbr --dry-run call SetActive 3");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output,
@@ -194,12 +195,12 @@ TEST_F(DryRun, ShowsWhatWouldChange) {
     EXPECT_THAT(Kestova("--pc factory-mbr --dry-run status").output, EndsWith("Nothing would change.\n"));
 }
 
-TEST_F(DryRun, BesideJsonIsShownOnStandardError) {
+TEST_F(DryRun, JsonRequested_CallClearActive_ShowsChangesOnStandardError) {
     const Outcome outcome = Kestova("--pc factory-mbr --dry-run --json call ClearActive");
     EXPECT_EQ(outcome.errors, "Would change:\n  disk 0, partition 2: no longer active\n");
 }
 
-TEST_F(Save, WritesAPcThatContinuesWhereThisOneStopped) {
+TEST_F(Save, SwitchedPc_BootSystem_ContinuesFromTheSavedState) {
     EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json boot recovery").status, 0);
     const Outcome outcome = Kestova("--pc pc.json --save pc.json boot system");
     EXPECT_EQ(outcome.status, 0);
@@ -207,19 +208,19 @@ TEST_F(Save, WritesAPcThatContinuesWhereThisOneStopped) {
     EXPECT_FALSE(std::filesystem::exists(Folder() / "pc.json.new"));
 }
 
-TEST_F(Save, ThatCannotBeWrittenFails) {
+TEST_F(Save, UnwritableFile_Status_ExitsWith1) {
     const Outcome outcome = Kestova("--pc factory-mbr --save /proc/pc.json status");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors, "kestova: /proc/pc.json: cannot be written\n");
 }
 
-TEST_F(Save, DoesNotGoWithADryRun) {
+TEST_F(Save, DryRun_Status_IsWrongUse) {
     const Outcome outcome = Kestova("--pc factory-mbr --dry-run --save pc.json status");
     EXPECT_EQ(outcome.status, 2);
     EXPECT_FALSE(std::filesystem::exists(Folder() / "pc.json"));
 }
 
-TEST_F(Save, LeavesNeighboursAndModeAlone) {
+TEST_F(Save, ExistingLinkedFile_Call_KeepsModeLinkAndNeighbours) {
     WriteFile("pc.json", "{}");
     WriteFile("pc.json.new", "mine");
     EXPECT_EQ(Shell("chmod 640 pc.json && ln -s pc.json link.json").status, 0);
@@ -230,7 +231,7 @@ TEST_F(Save, LeavesNeighboursAndModeAlone) {
     EXPECT_NE(ReadFile("pc.json"), "{}");
 }
 
-TEST_F(Save, IsNotLostWithTheLog) {
+TEST_F(Save, FullLog_Call_SavesAllTheSame) {
     const Outcome outcome =
         Kestova("--pc factory-mbr --log /dev/full --save pc.json call GetDriveLetter 0 2");
     EXPECT_EQ(outcome.status, 1);
@@ -239,7 +240,7 @@ TEST_F(Save, IsNotLostWithTheLog) {
 }
 
 // Links and other names of the same file count as the file.
-TEST_F(Save, AndLogDestroyNothingThatIsRead) {
+TEST_F(Save, OutputNamesAnInput_AnyCommand_IsWrongUse) {
     EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json call GetDriveLetter 0 2").status, 0);
     WriteFile("script", "GetDriveLetter 0 2\n");
     EXPECT_EQ(Shell("ln -s script soft && ln pc.json hard && ln -s new later").status, 0);
@@ -264,7 +265,7 @@ TEST_F(Save, AndLogDestroyNothingThatIsRead) {
     EXPECT_FALSE(std::filesystem::exists(Folder() / "new"));
 }
 
-TEST_F(Help, FullOutputIsAFailureThatLosesNoChange) {
+TEST_F(Help, FullStandardOutput_BootRecovery_ExitsWith1AndSaves) {
     const Outcome outcome = Shell("'" KESTOVA_PROGRAM
                                   "' --pc factory-mbr --save pc.json boot recovery "
                                   ">/dev/full");
@@ -273,8 +274,8 @@ TEST_F(Help, FullOutputIsAFailureThatLosesNoChange) {
     EXPECT_THAT(ReadFile("pc.json"), HasSubstr("Active=2"));
 }
 
-TEST_F(Help, ReaderThatGoesAwayEndsNoOperation) {
-    // The reader has closed its end before the program starts.
+TEST_F(Help, ClosedPipe_BootRecovery_CompletesAndSaves) {
+    // The reader closes its end before the program starts.
     Shell("mkfifo pipe ended; { read line <ended; '" KESTOVA_PROGRAM
           "' --pc factory-mbr --save pc.json boot "
           "recovery; echo $? >status; } >pipe & { : <pipe; }; echo >ended; wait");
@@ -282,7 +283,7 @@ TEST_F(Help, ReaderThatGoesAwayEndsNoOperation) {
     EXPECT_THAT(ReadFile("pc.json"), HasSubstr("Active=2"));
 }
 
-TEST_F(Help, LargeOrEmptyDescriptionIsNone) {
+TEST_F(Help, LargeOrEmptyDescription_Status_IsRefused) {
     WriteFile("empty.json", "");
     EXPECT_EQ(Shell("truncate -s 17M disk.img").status, 0);
     EXPECT_EQ(Kestova("--pc disk.img status").errors,
@@ -293,7 +294,7 @@ TEST_F(Help, LargeOrEmptyDescriptionIsNone) {
               "kestova: stick.img: not UTF-8 text, so no description; name a disk image with --image\n");
 }
 
-TEST_F(Help, DescriptionErrorNamesFileAndPlace) {
+TEST_F(Help, UnknownKeyInDescription_Status_NamesFileAndPlace) {
     WriteFile("pc.json", "{\"nmae\": \"x\"}");
     const Outcome outcome = Kestova("--pc pc.json status");
     EXPECT_EQ(outcome.status, 3);
@@ -301,15 +302,17 @@ TEST_F(Help, DescriptionErrorNamesFileAndPlace) {
     EXPECT_THAT(outcome.errors, StartsWith("kestova: pc.json: "));
 }
 
-TEST_F(Help, OtherSystemCanRunOnADescribedPc) {
+TEST_F(Help, FactoryMbr_StatusUnderWindowsPe_RunsWindowsPe) {
     EXPECT_THAT(Kestova("--pc factory-mbr --pe status").output,
                 HasSubstr("Running system     Windows PE\nWindows directory  X:\\Windows\n"));
 }
 
-TEST_F(Help, TellsCommandsOptionsAndStatuses) {
+TEST_F(Help, NoPc_Help_ListsCommandsOptionsAndStatuses) {
     const Outcome outcome = Kestova("--help");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, HasSubstr("  boot recovery|system     Choose what it boots\n"));
+    EXPECT_THAT(outcome.output,
+                HasSubstr("  calls                    The platform calls that --fail knows\n"));
     EXPECT_THAT(outcome.output, HasSubstr("  --fail NAME[#N][+]=CODE  "));
     EXPECT_THAT(outcome.output, HasSubstr("    4  the record could not be written\n"));
     EXPECT_EQ(Kestova("--version").output, "kestova " KESTOVA_VERSION "\n");

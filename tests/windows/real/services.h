@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/com_apartment.h"
 #include "platform/vds.h"
 
 using Text = std::basic_string<WCHAR>;
@@ -45,6 +46,7 @@ class Services {
     TestPc pc;
 
   private:
+    ComApartment com_;
     DWORD cookies_[2] = {};
 };
 

@@ -2,15 +2,11 @@
 
 #include <algorithm>
 #include <iostream>
-#include <map>
 
-#include "tools/kestova/command_line/host.h"
+#include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/command_line/script.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/reports/letters.h"
-#include "tools/kestova/reports/report_text.h"
-#include "tools/kestova/reports/status.h"
 
 namespace {
 
@@ -18,26 +14,24 @@ void ShowRemark(const std::string& remark) {
     if (!remark.empty()) std::cerr << "kestova: " << remark << "\n";
 }
 
+// The exit status is that of a report which can be incomplete.
+template <typename Report>
+int ShowWithProblem(const CommandLine& line, const Report& report) {
+    Show(line, report);
+    ShowRemark(report.remark);
+    ShowRemark(report.problem);
+    return report.problem.empty() ? Done : Failure;
+}
+
 int Status(const CommandLine& line) {
-    return Host(line, {.initialize = false, .run = [&](Session& session) -> int {
-                           const Json status = ReadStatus(session, line.initialize);
-                           std::cout << (line.json ? status.dump() + "\n" : StatusText(status));
-                           ShowRemark(status.value("remark", ""));
-                           if (!status.contains("problem")) return Done;
-                           std::cerr << "kestova: " << status["problem"].get<std::string>() << "\n";
-                           return Failure;
-                       }});
+    return RunOnPc(line, {.initialize = false, .run = [&](Session& session) {
+                              return ShowWithProblem(line, ReadStatus(session, line.initialize));
+                          }});
 }
 
 int Letters(const CommandLine& line) {
-    return Host(line, {.run = [&](Session& session) -> int {
-                    const Json letters = ReadLetters(session);
-                    std::cout << (line.json ? letters.dump() + "\n" : LettersText(letters));
-                    ShowRemark(letters.value("remark", ""));
-                    if (!letters.contains("problem")) return Done;
-                    std::cerr << "kestova: " << letters["problem"].get<std::string>() << "\n";
-                    return Failure;
-                }});
+    return RunOnPc(line,
+                   {.run = [&](Session& session) { return ShowWithProblem(line, ReadLetters(session)); }});
 }
 
 const std::vector<std::pair<std::string, std::string>>& BootTargets() {
@@ -53,21 +47,21 @@ int Boot(const CommandLine& line) {
         names.push_back(name);
         if (name != line.arguments[0]) continue;
         const Operation& operation = FindOperation(operationName);
-        return Host(line,
-                    {.access = Access::Change, .showChanges = true, .run = [&](Session& session) -> int {
-                         const Json report = session.Call(operation, Json::object());
-                         Show(line, operation, report);
-                         ShowRemark(ActiveFlagsRemark(session.Object()));
-                         return report["result"].get<int>();
-                     }});
+        return RunOnPc(line,
+                       {.access = Access::Change, .showChanges = true, .run = [&](Session& session) -> int {
+                            const OperationReport report = session.Call(operation, {});
+                            Show(line, report);
+                            ShowRemark(ActiveFlagsRemark(session.Object()));
+                            return std::get<int>(report.result);
+                        }});
     }
     throw WrongUse("boot: " + UnknownWord("system to boot", line.arguments[0], names));
 }
 
 int CallAndShow(const CommandLine& line, Session& session, const PlannedCall& call) {
-    const Json report = session.Call(*call.operation, call.arguments);
-    Show(line, *call.operation, report);
-    return IsFailure(*call.operation, report["result"]) ? Failure : Done;
+    const OperationReport report = session.Call(*call.operation, call.arguments);
+    Show(line, report);
+    return IsFailure(*call.operation, report.result) ? Failure : Done;
 }
 
 Access AccessFor(const std::vector<PlannedCall>& calls) {
@@ -80,47 +74,38 @@ int Call(const CommandLine& line) {
     const Operation& operation = FindOperation(line.arguments[0]);
     const std::vector<std::string> words(line.arguments.begin() + 1, line.arguments.end());
     const PlannedCall call{&operation, ReadArguments(operation, words)};
-    return Host(line, {.access = AccessFor({call}),
-                       .initialize = operation.name != "Initialize",
-                       .showChanges = operation.changesPc,
-                       .run = [&](Session& session) { return CallAndShow(line, session, call); }});
+    return RunOnPc(line, {.access = AccessFor({call}),
+                          .initialize = operation.name != "Initialize",
+                          .showChanges = operation.changesPc,
+                          .run = [&](Session& session) { return CallAndShow(line, session, call); }});
 }
 
 int Run(const CommandLine& line) {
     const std::vector<PlannedCall> calls = ReadScriptFile(line.arguments[0]);
-    return Host(line, {.access = AccessFor(calls),
-                       .showLife = true,
-                       .script = line.arguments[0],
-                       .run = [&](Session& session) -> int {
-                           int status = Done;
-                           for (const PlannedCall& call : calls) {
-                               status = std::max(status, CallAndShow(line, session, call));
-                           }
-                           return status;
-                       }});
+    return RunOnPc(line, {.access = AccessFor(calls),
+                          .showLife = true,
+                          .script = line.arguments[0],
+                          .run = [&](Session& session) -> int {
+                              int status = Done;
+                              for (const PlannedCall& call : calls) {
+                                  status = std::max(status, CallAndShow(line, session, call));
+                              }
+                              return status;
+                          }});
 }
 
 int ListOperations(const CommandLine& line) {
-    const char* separator = "";
-    for (const Operation& operation : Operations()) {
-        if (line.json) {
-            std::cout << OperationJson(operation).dump() << "\n";
-        } else {
-            std::cout << separator << OperationText(operation);
-            separator = "\n";
-        }
-    }
+    Show(line, Operations());
     return Done;
 }
 
 int ListPcs(const CommandLine& line) {
-    std::vector<std::vector<std::string>> rows;
-    for (const ComingMachine& machine : ComingMachines()) {
-        rows.push_back({machine.name, machine.summary});
-        if (line.json)
-            std::cout << Json({{"name", machine.name}, {"summary", machine.summary}}).dump() << "\n";
-    }
-    if (!line.json) std::cout << Table(rows, "");
+    Show(line, machine::NamedMachines());
+    return Done;
+}
+
+int ListCalls(const CommandLine& line) {
+    Show(line, machine::AllCalls());
     return Done;
 }
 
@@ -151,6 +136,7 @@ const std::vector<Command>& Commands() {
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},
+        {"calls", "", "The platform calls that --fail knows", 0, 0, false, false, ListCalls},
     };
     return commands;
 }

@@ -1,4 +1,4 @@
-// What the program does, a row for each command.
+// The commands of the program as a table.
 #pragma once
 
 #include <string>
@@ -14,14 +14,14 @@ struct Command {
     size_t most;
     bool usesPc;
     bool traces;
-    int (*run)(const CommandLine& line);  // answers the exit status
+    int (*run)(const CommandLine& line);  // returns the exit status
 };
 
 const std::vector<Command>& Commands();
 
-// What --help shows: commands, options and exit statuses.
+// The text of --help: commands, options and exit statuses.
 std::string HelpText();
 
-// Throws WrongUse for an unknown command, a wrong number of arguments, or an option that is
-// without effect on the command.
+// Throws WrongUse for an unknown command, a wrong number of arguments, or an option that has
+// no effect on the command.
 const Command& FindCommand(const CommandLine& line);

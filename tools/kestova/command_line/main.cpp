@@ -27,7 +27,7 @@ int Complain(const std::exception& error, ExitStatus status) {
     return status;
 }
 
-// What was done stays done; whoever reads the status must know that its report is lost.
+// The operation is complete, but its report is lost: the exit status must show that.
 int CheckOutput(int status) {
     if (std::cout.flush()) return status;
     std::cerr << "kestova: standard output cannot be written\n";

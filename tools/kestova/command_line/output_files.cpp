@@ -7,7 +7,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The same file by any name or link; what is written to a character device destroys nothing.
+// The same file by any name or link. Writing to a character device overwrites nothing.
 bool IsSameFile(const fs::path& left, const fs::path& right) {
     std::error_code missing;
     if (fs::is_character_file(left, missing)) return false;
@@ -26,7 +26,7 @@ void KeepInputs(const InputFiles& inputs, const std::string& script, const std::
     Keep(script == "-" ? "/dev/stdin" : script, "the script", option, output);
 }
 
-// What would otherwise be noticed only when the PC has been changed.
+// Otherwise this would fail only after the PC has been changed.
 void CheckSaveTarget(const std::string& save) {
     std::error_code missing;
     if (fs::exists(save, missing) && !fs::is_regular_file(save, missing))

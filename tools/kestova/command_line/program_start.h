@@ -1,9 +1,9 @@
-// What a program of this platform does before anything else.
+// The platform-specific start of the program.
 #pragma once
 
 #include <string>
 #include <vector>
 
-// Prepares the standard streams, which carry UTF-8 with plain line feeds, and answers the words of the
-// command line in UTF-8, the program's own name left out.
+// Sets the standard streams to UTF-8 with plain line feeds, and returns the words of the command line in
+// UTF-8, without the program's name.
 std::vector<std::string> StartProgram(int count, char** words);

@@ -3,7 +3,7 @@
 #include "tools/kestova/command_line/program_start.h"
 
 std::vector<std::string> StartProgram(int count, char** words) {
-    // A reader that goes away must not end an operation halfway.
+    // A closed pipe must not end the process in the middle of an operation.
     std::signal(SIGPIPE, SIG_IGN);
     return {words + 1, words + count};
 }

@@ -6,7 +6,8 @@
 #include "base/utf.h"
 #include "tools/kestova/command_line/program_start.h"
 
-// The C runtime would write a line end as two bytes, and its words have lost what the code page lacks.
+// In text mode the C runtime writes a line feed as two bytes; its words are in the ANSI code page, which
+// lacks most characters.
 std::vector<std::string> StartProgram(int, char**) {
     for (std::FILE* const stream : {stdin, stdout, stderr})
         _setmode(_fileno(stream), _O_BINARY);

@@ -19,7 +19,7 @@ std::vector<std::string> Words(const std::string& line) {
     return words;
 }
 
-// The commands of the program are no operations, but are easily taken for them.
+// Users confuse the commands of the program with operations.
 PlannedCall Plan(const std::vector<std::string>& words) {
     if (words.front() == "status" || words.front() == "letters" || words.front() == "boot") {
         throw WrongUse("'" + words.front() +

@@ -6,15 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "tools/kestova/common/json.h"
 #include "tools/kestova/operations/operations.h"
 
 struct PlannedCall {
     const Operation* operation = nullptr;
-    Json arguments;
+    Values arguments;
 };
 
-// The whole script, before anything of it is done. Throws WrongUse with `name` and the line.
+// Parses the whole script; nothing runs before. Throws WrongUse with `name` and the line.
 std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& name);
 
 // The script of that file; "-" is standard input. Throws WrongUse.

@@ -1,11 +1,11 @@
-// What ends the program early; main turns each into its exit status.
+// Exceptions that end the program; main maps each to its exit status.
 #pragma once
 
 #include <stdexcept>
 
 enum ExitStatus : int { Done = 0, Failure = 1, WrongUseStatus = 2, UnreadablePcStatus = 3 };
 
-// The command line, or a line of a script, cannot be carried out as it stands.
+// The command line or a line of a script is wrong; nothing has been done.
 struct WrongUse : std::runtime_error {
     using runtime_error::runtime_error;
 };
@@ -15,7 +15,7 @@ struct UnreadablePc : std::runtime_error {
     using runtime_error::runtime_error;
 };
 
-// What was asked could not be done.
+// The request could not be carried out.
 struct Failed : std::runtime_error {
     using runtime_error::runtime_error;
 };

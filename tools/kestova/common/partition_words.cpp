@@ -1,8 +1,8 @@
 #include "tools/kestova/common/partition_words.h"
 
 #include "base/guid.h"
+#include "base/hexadecimal.h"
 #include "platform/partition_types.h"
-#include "tools/kestova/common/text.h"
 
 std::string MbrTypeWords(BYTE type) {
     const char* const words = PartitionTypeOf(type).words;

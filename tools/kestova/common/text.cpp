@@ -51,12 +51,6 @@ std::string UnknownWord(std::string_view what, std::string_view name, const std:
            (nearest.empty() ? "" : "; did you mean " + nearest + "?");
 }
 
-std::string Hex(uint64_t value, int digits) {
-    char text[24];
-    std::snprintf(text, sizeof text, "0x%0*llX", digits, static_cast<unsigned long long>(value));
-    return text;
-}
-
 std::string SizeText(uint64_t bytes) {
     static constexpr std::array units = {"B", "KiB", "MiB", "GiB", "TiB"};
     double size = static_cast<double>(bytes);

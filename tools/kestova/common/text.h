@@ -1,4 +1,4 @@
-// Small helpers for the texts that the program reads and writes.
+// Small helpers for text.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +8,10 @@
 
 #include "platform/windows_api.h"
 
-// A wide character as a text of one.
+// A wide character as UTF-8.
 std::string LetterText(WCHAR letter);
 
-// On one line and without NUL: `\r`, `\n` and `\0` are written out, as in the log's file.
+// The text on one line: CR, LF and NUL are written as `\r`, `\n` and `\0`, as in the log file.
 std::string OneLine(std::string_view text);
 
 // "1 argument", "2 arguments".
@@ -20,11 +20,8 @@ std::string Count(size_t count, std::string_view noun);
 // "there is no operation 'SetActiv'; did you mean SetActive?"
 std::string UnknownWord(std::string_view what, std::string_view name, const std::vector<std::string>& known);
 
-// "0x27", at least that many digits.
-std::string Hex(uint64_t value, int digits);
-
 // "100.0 MiB".
 std::string SizeText(uint64_t bytes);
 
-// Rows of cells as lines, each column as wide as its widest cell. No line ends with blanks.
+// Rows of cells as lines, each column as wide as its widest cell, without trailing blanks.
 std::string Table(const std::vector<std::vector<std::string>>& rows, const std::string& indent);

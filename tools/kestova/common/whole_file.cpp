@@ -13,7 +13,7 @@
 
 namespace {
 
-// What a newly made file would have.
+// The mode of a new file.
 mode_t UsualMode() {
     const mode_t mask = umask(0);
     umask(mask);
@@ -41,7 +41,7 @@ bool Finish(int descriptor, const std::string& text, mode_t mode) {
     return close(descriptor) == 0 && written;
 }
 
-// So that the new name lasts too; a folder that cannot be synchronised holds the file all the same.
+// Makes the new name durable. Failure is ignored: the file is in place all the same.
 void SynchroniseFolder(const std::filesystem::path& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return;

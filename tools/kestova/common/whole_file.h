@@ -1,9 +1,8 @@
-// Replacing a file as a whole.
+// Atomic replacement of a file.
 #pragma once
 
 #include <string>
 
-// Writes the text to a new file beside the target and renames it, so that the file holds either what it held
-// or all of the text. Links are followed; a file that exists keeps its mode. False with nothing changed when
-// that fails.
+// Replaces the file atomically: writes the text to a new file beside the target and renames it. Follows
+// links; an existing file keeps its mode. False if that fails; the target is then unchanged.
 bool WriteWholeFile(const std::string& file, const std::string& text);

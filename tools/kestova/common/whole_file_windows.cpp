@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file beside the target that was not there; empty without one.
+// Creates a new file beside the target; empty on failure.
 fs::path MakeFresh(const fs::path& target) {
     WCHAR name[MAX_PATH];
     return GetTempFileNameW(target.parent_path().c_str(), TEXT("pc"), 0, name) != 0 ? name : fs::path();

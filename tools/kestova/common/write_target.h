@@ -1,7 +1,7 @@
-// Links on the way to a file that is written.
+// Resolves the links in the path of an output file.
 #pragma once
 
 #include <filesystem>
 
-// Where writing to that path ends: symbolic links are followed, to a file that is missing too.
+// The file that writing to this path creates or changes: symbolic links are followed, also to a missing file.
 std::filesystem::path WriteTarget(const std::filesystem::path& file);

@@ -1,10 +1,10 @@
-// Choosing what the machine boots.
+// Choosing which partition the PC boots from.
 
 #include "tools/kestova/operations/operation_tables.h"
 
 namespace {
 
-// What the four switches of the active partition have in common.
+// Common results of the operations that switch the active partition.
 const Meaning noActivePartition{1, "no active partition could be read", true};
 const Meaning unknownActivePartition{2, "the number of the active partition is unknown", true};
 const Meaning noRecoveryPartition{
@@ -23,7 +23,7 @@ std::vector<Operation> BootOperations() {
                      {4, "the record could not be written", true},
                      {5, "the flag could not be set; setting the former one again was tried", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetRcvprtActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetRcvprtActive(); }},
 
         {.name = "SetSystemActive",
          .summary = "Makes the recorded partition active again, 2 without a usable record.",
@@ -34,7 +34,7 @@ std::vector<Operation> BootOperations() {
                      {4, "the flag could not be set", true},
                      {5, "the record could not be deleted", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetSystemActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetSystemActive(); }},
 
         {.name = "SetPOneActive",
          .summary = "As SetRcvprtActive, and drops a record that says 2 or nothing usable.",
@@ -46,7 +46,7 @@ std::vector<Operation> BootOperations() {
                      {5, "the flag could not be set; setting the former one again was tried", true},
                      {6, "the record could not be dropped", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetPOneActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetPOneActive(); }},
 
         {.name = "SetPTwoActive",
          .summary = "Makes partition 2 active and deletes the record.",
@@ -58,6 +58,6 @@ std::vector<Operation> BootOperations() {
                true},
               {3, "the record could not be deleted", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.SetPTwoActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetPTwoActive(); }},
     };
 }

@@ -10,15 +10,15 @@ std::vector<Operation> DiskOperations() {
          .parameters = {{.name = "reserved", .kind = Kind::Flag, .words = "without effect"}},
          .results = {{1, "the service is ready"},
                      {0, "the service could not be loaded in 20 attempts", true}},
-         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
-             return object.Initialize(arguments.at("reserved").get<bool>());
+         .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
+             return object.Initialize(std::get<bool>(ValueOf(arguments, "reserved")));
          }},
 
         {.name = "GetFirstInternalDriveNumber",
          .summary = "Which disk is the first internal one.",
          .results = {{-1, "there is none, or it could not be told", true}},
          .otherwise = "the number of the disk",
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.GetFirstInternalDriveNumber();
          }},
 
@@ -29,10 +29,10 @@ std::vector<Operation> DiskOperations() {
                          .output = true,
                          .meanings = {{0, "unknown, or not to be read"}, {1, "MBR"}, {2, "GPT"}}}},
          .results = {{1, "asked; the style tells the rest"}, {0, "there is no volume layer", true}},
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              THardDiskType style = HARD_DISK_UNKNOWN;
              const int result = object.GetDiskStyle(style);
-             outputs["style"] = static_cast<int>(style);
+             outputs.emplace_back("style", static_cast<int>(style));
              return result;
          }},
 
@@ -47,29 +47,29 @@ std::vector<Operation> DiskOperations() {
                                       {3, "MBR, partition 2 is labelled \"System Reserved\""},
                                       {4, "MBR, partition 2 is not labelled System Reserved"}}}},
          .results = {{1, "asked; the type tells the rest"}},
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              tagDiskTypeEnum type = DISK_TYPE_UNKNOWN;
              const int result = object.GetCurrentDiskType(type);
-             outputs["type"] = static_cast<int>(type);
+             outputs.emplace_back("type", static_cast<int>(type));
              return result;
          }},
 
         {.name = "IsDynamic",
          .summary = "Always 0: no disk counts as dynamic.",
          .results = {{0, "no"}},
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.IsDynamic(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsDynamic(); }},
 
         {.name = "IsEFIBootSystem",
          .summary = "Whether the firmware is UEFI.",
          .results = {{1, "UEFI"}, {0, "BIOS"}},
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.IsEFIBootSystem(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsEFIBootSystem(); }},
 
         {.name = "GetDriveLetter",
          .summary = "The letter of a partition.",
          .parameters = {disk, partition},
          .results = {{"0", "it has none", true}},
          .otherwise = "its letter",
-         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return LetterText(
                  object.GetDriveLetter(Number(arguments, "disk"), Number(arguments, "partition")));
          }},
@@ -78,7 +78,7 @@ std::vector<Operation> DiskOperations() {
          .summary = "Whether a partition is not for the user's eyes.",
          .parameters = {disk, partition},
          .results = {{1, "yes"}, no},
-         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.IsNeedHidePartition(Number(arguments, "disk"), Number(arguments, "partition"));
          }},
 
@@ -86,7 +86,7 @@ std::vector<Operation> DiskOperations() {
          .summary = "Whether a partition is the BIOS's hibernation partition.",
          .parameters = {disk, partition},
          .results = {{1, "yes"}, no},
-         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.IsBIOSHibernationPartition(Number(arguments, "disk"),
                                                       Number(arguments, "partition"));
          }},
@@ -96,7 +96,7 @@ std::vector<Operation> DiskOperations() {
          .parameters = {partition},
          .results = {{0, "done"}, {1, "failed", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.SetBIOSHibernationPartitionID(Number(arguments, "partition"));
          }},
 
@@ -104,7 +104,7 @@ std::vector<Operation> DiskOperations() {
          .summary = "Which partition of the first internal disk is active.",
          .results = {{-1, "there is none, or it could not be told", true}},
          .otherwise = "the number of the partition",
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.GetActivePartitionNumber();
          }},
 
@@ -114,7 +114,7 @@ std::vector<Operation> DiskOperations() {
          .parameters = {partition},
          .results = {{0, "done"}, {1, "failed", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.SetActive(Number(arguments, "partition"));
          }},
 
@@ -122,6 +122,6 @@ std::vector<Operation> DiskOperations() {
          .summary = "Clears every active flag of the first internal disk.",
          .results = {{0, "done"}, {1, "failed", true}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.ClearActive(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.ClearActive(); }},
     };
 }

@@ -1,4 +1,4 @@
-// Letters on demand.
+// Temporary drive letters.
 
 #include "tools/kestova/operations/operation_tables.h"
 
@@ -6,7 +6,7 @@ namespace {
 
 const Meaning removeFailed{105, "the letter could not be taken", true};
 
-// What the two ways of giving partition 1 or 3 a letter have in common.
+// Common results of the two operations that give partition 1 or 3 a letter.
 std::vector<Meaning> ActivationResults(const char* wrongType) {
     return {{0, "done"},
             {101, "the type could not be read", true},
@@ -26,7 +26,7 @@ std::vector<Operation> LetterOperations() {
          .parameters = {given},
          .results = ActivationResults("partition 1 is not the maker's boot partition"),
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithLetter(outputs, [&](WCHAR& put) { return object.ActiveOrvoBootPartition(put); });
          }},
 
@@ -34,7 +34,7 @@ std::vector<Operation> LetterOperations() {
          .summary = "Takes the letter of partition 1, whoever gave it.",
          .results = {{0, "done"}, removeFailed},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.DisableOrvoBootPartition();
          }},
 
@@ -43,7 +43,7 @@ std::vector<Operation> LetterOperations() {
          .parameters = {given},
          .results = ActivationResults("partition 3 is not the EFI system partition"),
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithLetter(outputs, [&](WCHAR& put) { return object.ActiveGPTSystemPartition(put); });
          }},
 
@@ -51,7 +51,7 @@ std::vector<Operation> LetterOperations() {
          .summary = "Takes the letter of partition 3, whoever gave it.",
          .results = {{0, "done"}, removeFailed},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.DisableGPTSystemPartition();
          }},
 
@@ -60,7 +60,7 @@ std::vector<Operation> LetterOperations() {
          .parameters = {LetterOutput("its letter", "there is no recovery partition, or no letter for it")},
          .results = {asked},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithLetter(outputs, [&](WCHAR& put) { return object.AssignRecoveryPartition(put); });
          }},
 
@@ -69,30 +69,30 @@ std::vector<Operation> LetterOperations() {
          .parameters = {LetterOutput("its letter", "there is no Windows RE partition, or no letter for it")},
          .results = {asked},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithLetter(outputs, [&](WCHAR& put) { return object.AssignWinREPartition(put); });
          }},
 
         {.name = "RemoveRecoveryPartition",
          .summary = "Takes the letter of the partition that AssignRecoveryPartition last found.",
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              object.RemoveRecoveryPartition();
-             return nullptr;
+             return {};
          }},
 
         {.name = "RemoveWinREPartition",
          .summary = "Takes the letter of the partition that AssignWinREPartition last found.",
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              object.RemoveWinREPartition();
-             return nullptr;
+             return {};
          }},
 
         {.name = "IsExistRcvprt",
          .summary = "Whether there is a recovery partition; it keeps the letter that it is given.",
          .results = {{1, "yes"}, {0, "no, or it could not be given a letter"}},
          .changesPc = true,
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.IsExistRcvprt(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsExistRcvprt(); }},
     };
 }

@@ -11,7 +11,7 @@ std::vector<Operation> MediaOperations() {
          .summary = "The letter of the first volume labelled \"Factory\".",
          .parameters = {LetterOutput("its letter", "there is none")},
          .results = {{1, "asked; the letter tells the rest"}},
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithLetter(outputs, [&](WCHAR& put) { return object.GetFactoryPrtDriveLetter(put); });
          }},
 
@@ -19,7 +19,7 @@ std::vector<Operation> MediaOperations() {
          .summary = "The letter of the first recovery disc.",
          .results = {{"0", "there is none", true}},
          .otherwise = "its letter",
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return LetterText(object.GetRCVDISC());
          }},
 
@@ -27,7 +27,7 @@ std::vector<Operation> MediaOperations() {
          .summary = "The letter of the first recovery USB flash drive.",
          .results = {{"0", "there is none", true}},
          .otherwise = "its letter",
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return LetterText(object.GetRCVUFD());
          }},
 
@@ -35,7 +35,7 @@ std::vector<Operation> MediaOperations() {
          .summary = "Whether a fixed drive holds the maker's bootable Windows RE files.",
          .parameters = {letter},
          .results = {yes, no},
-         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.IsWindowsRE(Letter(arguments, "letter"));
          }},
 
@@ -43,14 +43,14 @@ std::vector<Operation> MediaOperations() {
          .summary = "Whether a fixed drive holds an installed Windows, or is encrypted and so taken for one.",
          .parameters = {letter},
          .results = {yes, no},
-         .invoke = [](Kestova& object, const Json& arguments, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.IsVistaOS(Letter(arguments, "letter"));
          }},
 
         {.name = "IsCachePartitionForExpCacheExist",
          .summary = "Whether the second internal disk bears the cache partition.",
          .results = {yes, {0, "no, or it could not be told"}},
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.IsCachePartitionForExpCacheExist();
          }},
     };

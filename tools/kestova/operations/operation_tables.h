@@ -1,4 +1,4 @@
-// The rows of the operations, by the sections of the class, and what they have in common.
+// The rows of the operations by section of the class, and their common parts.
 #pragma once
 
 #include <vector>
@@ -15,24 +15,24 @@ std::vector<Operation> BootOperations();
 inline const Parameter disk{.name = "disk", .words = "number of a disk, from 0"};
 inline const Parameter partition{.name = "partition", .words = "number of a partition, from 1"};
 
-inline int Number(const Json& arguments, const char* name) {
-    return arguments.at(name).get<int>();
+inline int Number(const Values& arguments, const char* name) {
+    return std::get<int>(ValueOf(arguments, name));
 }
 
-inline WCHAR Letter(const Json& arguments, const char* name) {
-    return static_cast<WCHAR>(arguments.at(name).get_ref<const std::string&>().front());
+inline WCHAR Letter(const Values& arguments, const char* name) {
+    return static_cast<WCHAR>(std::get<std::string>(ValueOf(arguments, name)).front());
 }
 
-// Has a member put a letter, and tells it as the output of that name.
+// Calls a member that puts a letter, and adds the letter as the output of that name.
 template <typename Member>
-Json WithLetter(Json& outputs, Member member) {
+Value WithLetter(Values& outputs, Member member) {
     WCHAR letter = TEXT('0');
-    Json result = member(letter);
-    outputs["letter"] = LetterText(letter);
+    const int result = member(letter);
+    outputs.emplace_back("letter", LetterText(letter));
     return result;
 }
 
-// The output of such a member.
+// The output parameter of such a member.
 inline Parameter LetterOutput(const char* words, const char* none) {
     return {
         .name = "letter", .kind = Kind::Letter, .words = words, .output = true, .meanings = {{"0", none}}};

@@ -1,4 +1,4 @@
-// From words to operations and arguments, and back to words.
+// Parses operations and arguments, and finds the words of values.
 
 #include <algorithm>
 #include <charconv>
@@ -18,7 +18,7 @@ std::vector<std::string> Names() {
     return names;
 }
 
-Json ReadNumber(const Parameter& parameter, const std::string& word) {
+int ReadNumber(const Parameter& parameter, const std::string& word) {
     int number = 0;
     const char* const end = word.data() + word.size();
     const auto [rest, error] = std::from_chars(word.data(), end, number);
@@ -31,7 +31,7 @@ Json ReadNumber(const Parameter& parameter, const std::string& word) {
     return number;
 }
 
-Json ReadFlag(const Parameter& parameter, const std::string& word) {
+bool ReadFlag(const Parameter& parameter, const std::string& word) {
     static const std::map<std::string, bool> flags = {
         {"0", false}, {"1", true}, {"false", false}, {"true", true}};
     const auto found = flags.find(word);
@@ -39,9 +39,9 @@ Json ReadFlag(const Parameter& parameter, const std::string& word) {
     return found->second;
 }
 
-Json ReadCount(const Parameter& parameter, const std::string& word) {
+int ReadCount(const Parameter& parameter, const std::string& word) {
     constexpr int most = 65536;
-    Json number = ReadNumber(parameter, word);
+    const int number = ReadNumber(parameter, word);
     if (number < 0 || number > most) {
         throw WrongUse(parameter.name + ": " + word + " is not from 0 to " + std::to_string(most));
     }
@@ -49,7 +49,7 @@ Json ReadCount(const Parameter& parameter, const std::string& word) {
 }
 
 // "C" or "C:", upper or lower case.
-Json ReadLetter(const Parameter& parameter, const std::string& word) {
+std::string ReadLetter(const Parameter& parameter, const std::string& word) {
     const std::string letter = UpperCase(word.ends_with(':') ? word.substr(0, word.size() - 1) : word);
     if (letter.size() != 1 || letter[0] < 'A' || letter[0] > 'Z') {
         throw WrongUse(parameter.name + ": '" + word + "' is not a letter from A to Z");
@@ -57,7 +57,7 @@ Json ReadLetter(const Parameter& parameter, const std::string& word) {
     return letter;
 }
 
-Json ReadValue(const Parameter& parameter, const std::string& word) {
+Value ReadValue(const Parameter& parameter, const std::string& word) {
     switch (parameter.kind) {
         case Kind::Flag:
             return ReadFlag(parameter, word);
@@ -91,35 +91,41 @@ std::string Usage(const Operation& operation) {
     std::string usage = operation.name;
     for (const Parameter& parameter : Inputs(operation)) {
         const std::string name = UpperCase(parameter.name);
-        usage += " " + (parameter.standard.is_null() ? name : "[" + name + "]");
+        usage += " " + (IsNothing(parameter.standard) ? name : "[" + name + "]");
     }
     return usage;
 }
 
-Json ReadArguments(const Operation& operation, const std::vector<std::string>& words) {
+Values ReadArguments(const Operation& operation, const std::vector<std::string>& words) {
     const std::vector<Parameter> inputs = Inputs(operation);
     const size_t fewest =
         static_cast<size_t>(std::count_if(inputs.begin(), inputs.end(), [](const Parameter& parameter) {
-            return parameter.standard.is_null();
+            return IsNothing(parameter.standard);
         }));
     if (words.size() < fewest || words.size() > inputs.size()) {
         const std::string least = fewest < inputs.size() ? std::to_string(fewest) + " to " : "";
         throw WrongUse(operation.name + " takes " + least + Count(inputs.size(), "argument") + ", not " +
                        std::to_string(words.size()) + ": " + Usage(operation));
     }
-    Json arguments = Json::object();
+    Values arguments;
     for (size_t i = 0; i < inputs.size(); ++i)
-        arguments[inputs[i].name] = i < words.size() ? ReadValue(inputs[i], words[i]) : inputs[i].standard;
+        arguments.emplace_back(inputs[i].name,
+                               i < words.size() ? ReadValue(inputs[i], words[i]) : inputs[i].standard);
     return arguments;
 }
 
-const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Json& value) {
+const Value& ValueOf(const Values& values, std::string_view name) {
+    return std::find_if(values.begin(), values.end(), [&](const auto& value) { return value.first == name; })
+        ->second;
+}
+
+const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Value& value) {
     const auto found = std::find_if(meanings.begin(), meanings.end(),
                                     [&](const Meaning& meaning) { return meaning.value == value; });
     return found != meanings.end() ? &*found : nullptr;
 }
 
-bool IsFailure(const Operation& operation, const Json& result) {
+bool IsFailure(const Operation& operation, const Value& result) {
     const Meaning* const meaning = FindMeaning(operation.results, result);
     return meaning != nullptr && meaning->failure;
 }

@@ -1,5 +1,5 @@
-// The public operations of the class, a row each. Calling, scripts, help, the list of operations, JSON and
-// the words of a result all read these rows: a new operation is a new row.
+// The public operations of the class as a table. Calls, scripts, help, the list of operations, JSON and the
+// words of a result all use its rows: a new operation is a new row.
 #pragma once
 
 #include <string>
@@ -7,15 +7,15 @@
 #include <vector>
 
 #include "manager/kestova.h"
-#include "tools/kestova/common/json.h"
+#include "tools/kestova/operations/value.h"
 
-// How a value is written: true or false; a number; a number of things, from 0 to 65536; a letter, or '0' for
-// none; a text; a list of objects. Arguments are of the first four kinds.
+// The form of a value: true or false; a number; a count from 0 to 65536; a letter, or '0' for none; a text; a
+// list of objects. Arguments are of the first four kinds.
 enum class Kind { Flag, Number, Count, Letter, Text, List };
 
 // A value in words.
 struct Meaning {
-    Json value;
+    Value value;
     const char* words = "";
     bool failure = false;
 };
@@ -26,7 +26,7 @@ struct Parameter {
     const char* words = "";
     bool output = false;
     std::vector<Meaning> meanings = {};
-    Json standard = nullptr;  // of an argument that may be left out; only the last ones may
+    Value standard = {};  // default of an optional argument; these come last
 };
 
 struct Operation {
@@ -34,27 +34,27 @@ struct Operation {
     const char* summary = "";
     std::vector<Parameter> parameters = {};
     std::vector<Meaning> results = {};
-    const char* otherwise = "";  // any other result, in words; empty when there is none
+    const char* otherwise = "";  // any other result, in words; empty if there is none
     bool changesPc = false;
-    // Answers the result, null for an operation without one. `arguments` has every input by name; outputs are
-    // put under theirs.
-    Json (*invoke)(Kestova& object, const Json& arguments, Json& outputs) = nullptr;
+    // Returns the result, nothing for an operation without one. `arguments` has every input by name; outputs
+    // are added under theirs.
+    Value (*invoke)(Kestova& object, const Values& arguments, Values& outputs) = nullptr;
 };
 
 // In the order of the class.
 const std::vector<Operation>& Operations();
 
-// The operation of that name, which must be spelled exactly. Throws WrongUse that suggests the nearest one.
+// The operation of that exact name. Throws WrongUse that suggests the nearest one.
 const Operation& FindOperation(std::string_view name);
 
-// "GetDriveLetter DISK PARTITION", with what may be left out in brackets.
+// "GetDriveLetter DISK PARTITION"; optional arguments are in brackets.
 std::string Usage(const Operation& operation);
 
-// The arguments by name, from the words that follow the operation's. Throws WrongUse.
-Json ReadArguments(const Operation& operation, const std::vector<std::string>& words);
+// Parses the words after the operation's name. Throws WrongUse.
+Values ReadArguments(const Operation& operation, const std::vector<std::string>& words);
 
 // The meaning of that value, or null.
-const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Json& value);
+const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Value& value);
 
-// Whether the result tells a failure.
-bool IsFailure(const Operation& operation, const Json& result);
+// Whether the result is a failure.
+bool IsFailure(const Operation& operation, const Value& result);

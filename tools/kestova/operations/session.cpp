@@ -1,59 +1,64 @@
 #include "tools/kestova/operations/session.h"
 
+#include "base/com_apartment.h"
+#include "base/hexadecimal.h"
 #include "base/utf.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 
+namespace {
+
+const Operation construction{.name = "Kestova", .summary = "Makes the object."};
+const Operation destruction{.name = "~Kestova", .summary = "Destroys the object."};
+
+}  // namespace
+
 void LogCollector::Write(const LogEntry& entry) {
-    const Json& record = records_.emplace_back(LogRecordJson(entry));
-    if (file_ != nullptr)
-        *file_ << entry.level << '\t' << OneLine(record["text"].get_ref<const std::string&>()) << '\n';
+    records_.push_back(entry);
+    if (file_ != nullptr) *file_ << entry.level << '\t' << OneLine(ToUtf8(entry.Text())) << '\n';
 }
 
-Json LogCollector::Take() {
-    Json taken = Json::array();
-    taken.swap(records_);
-    return taken;
+std::vector<LogEntry> LogCollector::Take() {
+    return std::exchange(records_, {});
 }
 
-ComApartment::ComApartment() {
-    const HRESULT result = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    if (FAILED(result)) {
+Session::Session(OpenedPc& pc, std::ostream* log, bool traced)
+    : pc_(pc), traced_(traced), collector_(log), com_(std::make_unique<ComApartment>()) {
+    if (FAILED(com_->Result())) {
         throw Failed("COM could not be initialised: CoInitializeEx answered " +
-                     Hex(static_cast<ULONG>(result), 8));
+                     Hex(static_cast<ULONG>(com_->Result()), 8));
     }
 }
 
-Json Session::Construct() {
-    return Report("Kestova", Json::object(), [this](Json&) {
+// Here, where the platform's calls go to the PC that was opened.
+Session::~Session() = default;
+
+OperationReport Session::Construct() {
+    return Report(construction, {}, [this](Values&) -> Value {
         object_.emplace();
-        return Json();
+        return {};
     });
 }
 
-Json Session::Call(const Operation& operation, const Json& arguments) {
-    return Report(operation.name, arguments,
-                  [&](Json& outputs) { return operation.invoke(*object_, arguments, outputs); });
+OperationReport Session::Call(const Operation& operation, const Values& arguments) {
+    return Report(operation, arguments,
+                  [&](Values& outputs) { return operation.invoke(*object_, arguments, outputs); });
 }
 
-Json Session::Destroy() {
-    return Report("~Kestova", Json::object(), [this](Json&) {
+OperationReport Session::Destroy() {
+    return Report(destruction, {}, [this](Values&) -> Value {
         object_.reset();
-        return Json();
+        return {};
     });
 }
 
-Json Session::Report(const std::string& name, const Json& arguments,
-                     const std::function<Json(Json& outputs)>& action) {
+OperationReport Session::Report(const Operation& operation, const Values& arguments,
+                                const std::function<Value(Values& outputs)>& action) {
     collector_.Take();
     if (traced_) pc_.TakeTrace();
-    Json outputs = Json::object();
-    const Json result = action(outputs);
-    Json report = {{"operation", name},
-                   {"arguments", arguments},
-                   {"result", result},
-                   {"outputs", outputs},
-                   {"log", collector_.Take()}};
-    if (traced_) report["trace"] = pc_.TakeTrace();
+    OperationReport report{.operation = &operation, .arguments = arguments};
+    report.result = action(report.outputs);
+    report.log = collector_.Take();
+    if (traced_) report.trace = pc_.TakeTrace();
     return report;
 }

@@ -12,37 +12,36 @@ std::vector<Parameter> PlaceOutputs() {
 }
 
 template <typename Member>
-Json WithPlace(Json& outputs, Member member) {
+Value WithPlace(Values& outputs, Member member) {
     int foundDisk = -1;
     int foundPartition = -1;
     WCHAR letter = TEXT('0');
-    Json result = member(foundDisk, foundPartition, letter);
-    outputs["disk"] = foundDisk;
-    outputs["partition"] = foundPartition;
-    outputs["letter"] = LetterText(letter);
+    const auto result = static_cast<int>(member(foundDisk, foundPartition, letter));
+    outputs.emplace_back("disk", foundDisk);
+    outputs.emplace_back("partition", foundPartition);
+    outputs.emplace_back("letter", LetterText(letter));
     return result;
 }
 
-Json GetAllEncryptVolume(Kestova& object, const Json& arguments, Json& outputs) {
-    const auto size = arguments.at("size").get<DWORD>();
+Value GetAllEncryptVolume(Kestova& object, const Values& arguments, Values& outputs) {
+    const auto size = static_cast<DWORD>(Number(arguments, "size"));
     std::basic_string<WCHAR> buffer(size + size_t{1}, TEXT('\0'));
     const int result = object.GetAllEncryptVolume(buffer.data(), size);
-    outputs["buffer"] = ToUtf8(buffer.c_str());
+    outputs.emplace_back("buffer", ToUtf8(buffer.c_str()));
     return result;
 }
 
-Json GetWinDriveLetters(Kestova& object, const Json& arguments, Json& outputs) {
+Value GetWinDriveLetters(Kestova& object, const Values& arguments, Values& outputs) {
     const int count = Number(arguments, "count");
     constexpr tagDriveInfo_t notFilled{-1, -1, TEXT('0')};
     std::vector<tagDriveInfo_t> records(static_cast<size_t>(count) + 1, notFilled);
     const int result = object.GetWinDriveLetters(records.data(), count);
-    outputs["records"] = Json::array();
+    std::vector<DriveRecord> filled;
     for (const tagDriveInfo_t& record : records) {
         if (record.cDriveLetter == notFilled.cDriveLetter) break;
-        outputs["records"].push_back({{"iDiskNum", record.iDiskNum},
-                                      {"iPartNum", record.iPartNum},
-                                      {"cDriveLetter", LetterText(record.cDriveLetter)}});
+        filled.push_back({record.iDiskNum, record.iPartNum, LetterText(record.cDriveLetter)});
     }
+    outputs.emplace_back("records", filled);
     return result;
 }
 
@@ -53,14 +52,16 @@ std::vector<Operation> WindowsOperations() {
         {.name = "IsExistEncryptVolume",
          .summary = "Whether BitLocker can be asked.",
          .results = {{1, "it can, even if it encrypts nothing"}, {0, "it cannot"}},
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json { return object.IsExistEncryptVolume(); }},
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
+             return object.IsExistEncryptVolume();
+         }},
 
         {.name = "GetEncryptVolume",
          .summary = "The letter of the only encrypted volume.",
          .results = {{"0", "there are none, or several, or BitLocker cannot be asked", true},
                      {std::string(1, '\0'), "it has no letter"}},
          .otherwise = "its letter",
-         .invoke = [](Kestova& object, const Json&, Json&) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return LetterText(object.GetEncryptVolume());
          }},
 
@@ -87,7 +88,7 @@ std::vector<Operation> WindowsOperations() {
                      {111, "the partition style could not be read", true},
                      {115, "the type of partition 3 could not be read", true},
                      {116, "there is no volume layer", true}},
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetBitLockerSystemInfo(onDisk, number, letter);
              });
@@ -100,7 +101,7 @@ std::vector<Operation> WindowsOperations() {
                      {104, "its partition has no letter, or the layout is another", true},
                      {110, "its partition holds no Windows", true},
                      {111, "the partition style is unknown or could not be read", true}},
-         .invoke = [](Kestova& object, const Json&, Json& outputs) -> Json {
+         .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetVistaOSInfo(onDisk, number, letter);
              });

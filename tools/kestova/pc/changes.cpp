@@ -16,10 +16,10 @@ using machine::Pc;
 using machine::Volume;
 
 using Texts = std::vector<std::string>;
-// Path and content; nothing for a file that is not there.
+// Path and content; nothing for a missing file.
 using Files = std::map<std::string, std::optional<std::string>>;
 
-// An INI file's lines, indented; anything longer or not text by its length.
+// The lines of an INI file, indented; for longer or binary content only its length.
 std::string Shown(const std::string& content) {
     constexpr size_t longest = 400;
     const auto isText = [](unsigned char unit) {

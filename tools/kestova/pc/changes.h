@@ -1,4 +1,4 @@
-// What became different between two states of a PC, in words.
+// The differences between two states of a PC, in words.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 #include "machine/facts/pc.h"
 
-// Gives every volume on a disk image a store that remembers what is changed; needed by Changes.
+// Wraps the store of every volume on a disk image so that it records changes; Changes needs that.
 void WatchFiles(machine::Pc& pc);
 
 // Active flags, partition types, letters and files, in the order of disks and partitions. `before` is a copy

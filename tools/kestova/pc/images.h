@@ -1,4 +1,4 @@
-// Disk images, where this build can open them.
+// Opens disk images, if this build includes the image part.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 #include "machine/facts/pc.h"
 #include "machine/media/disk_image.h"
 
-// The PC of machine::PcOfImages. Throws UnreadablePc; WrongUse when this build has no image part.
+// As machine::PcOfImages. Throws UnreadablePc; WrongUse if this build has no image part.
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
                        machine::ImageAccess access);
 
-// Puts discs and sticks into the PC, each with a letter of its own. Throws as OpenImages.
+// Inserts discs and sticks, each under its own letter. Throws as OpenImages.
 void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
                  const std::vector<std::string>& sticks);
 

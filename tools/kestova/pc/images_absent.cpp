@@ -1,4 +1,4 @@
-// For a build without the image part.
+// The functions of images.h in a build without the image part.
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/images.h"

@@ -1,4 +1,4 @@
-// For a build that runs on a PC of its own: an emulated one must be named.
+// A build for Windows: the real PC, unless the command line names an emulated one.
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/opened_pc.h"

@@ -1,4 +1,4 @@
-// For a build whose PCs are all emulated.
+// A build with emulated PCs only.
 
 #include "tools/kestova/pc/opened_pc.h"
 

@@ -1,5 +1,5 @@
-// The PC that a command works on: an emulated one, or the PC that the program runs on. The commands cannot
-// tell.
+// The PC that a command works on: an emulated one, or the PC that the program runs on. Commands use both the
+// same way.
 #pragma once
 
 #include <functional>
@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "tools/kestova/common/json.h"
+#include "tools/kestova/common/trace.h"
 
-// How the command line names a PC, and what it asks of it.
+// The options that choose and prepare a PC.
 struct PcChoice {
     std::vector<std::string> images;  // disk 0, 1, ...
     std::vector<std::string> discs;   // images in optical drives
@@ -32,8 +32,8 @@ struct InputFiles {
     std::vector<std::string> images;
 };
 
-// While it lives the platform calls of the library and of this program reach this PC, and the library is
-// loaded as a program's loader would.
+// During its lifetime the platform calls of the library and of this program go to this PC, and the library is
+// loaded as by a program loader.
 class OpenedPc {
   public:
     OpenedPc() = default;
@@ -41,32 +41,24 @@ class OpenedPc {
     OpenedPc(const OpenedPc&) = delete;
     OpenedPc& operator=(const OpenedPc&) = delete;
 
-    // What the user should know about the choice; empty when there is nothing to say.
+    // A note for the user about the choice; empty if there is none.
     virtual const std::string& Note() const = 0;
     virtual InputFiles Inputs() const = 0;
-    // Platform calls and log records in order, since the last time.
-    virtual Json TakeTrace() = 0;
-    // Does what changes the PC only to find something out, and puts everything back. False, and nothing is
-    // done, where nothing can be put back.
+    // Platform calls and log records in order, since the last call.
+    virtual Trace TakeTrace() = 0;
+    // Runs an action that changes the PC only to find something out, and restores the PC. False without
+    // running it if the PC cannot be restored.
     virtual bool Rehearse(const std::function<void()>& action) = 0;
-    // What is different since it was opened, a text each; nothing when it cannot be told.
+    // The changes since it was opened, a text each; nothing if they are unknown.
     virtual std::optional<std::vector<std::string>> Changes() const = 0;
     // Writes the PC's description. Throws Failed.
     virtual void Save(const std::string& file) const = 0;
 };
 
-// The PC of that choice. Throws WrongUse for a choice that this build cannot serve or cannot understand,
+// Opens the chosen PC. Throws WrongUse for a choice that is wrong or that this build does not support,
 // UnreadablePc for a PC that cannot be read.
 std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access);
 
-// The two kinds; a build has the first or both.
+// The two kinds; a build has the first or both of them.
 std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access);
 std::unique_ptr<OpenedPc> OpenRealPc();
-
-// A machine that comes with the tool.
-struct ComingMachine {
-    std::string name;
-    std::string summary;
-};
-
-std::vector<ComingMachine> ComingMachines();

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "machine/description/description.h"
 #include "machine/entry/loaded_library.h"
@@ -9,7 +10,6 @@
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
 #include "tools/kestova/common/errors.h"
-#include "tools/kestova/common/log_json.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/common/whole_file.h"
 #include "tools/kestova/common/write_target.h"
@@ -35,7 +35,7 @@ const NamedMachine* FindMachine(std::string_view name) {
     return nullptr;
 }
 
-// A word without a dot or a slash is meant as a machine's name, and is wrong when nobody knows it.
+// A word without a dot or a slash is the name of a machine; an unknown one is wrong use.
 [[noreturn]] void RefuseMissing(const std::string& nameOrFile) {
     if (nameOrFile.find_first_of("./\\") != std::string::npos) {
         throw UnreadablePc(nameOrFile + ": there is no such file");
@@ -46,7 +46,7 @@ const NamedMachine* FindMachine(std::string_view name) {
     throw WrongUse("--pc: " + UnknownWord("machine or file", nameOrFile, names));
 }
 
-// A description is small; what is not has been taken for one by mistake.
+// A description is small; a larger file is some other file.
 std::string ReadDescriptionText(const std::string& name) {
     constexpr size_t most = size_t{16} << 20;
     std::error_code error;
@@ -68,7 +68,7 @@ std::string ReadDescriptionText(const std::string& name) {
     return text;
 }
 
-// The paths of all images that the PC is made of.
+// The paths of all images of the PC.
 std::vector<std::string*> ImagesOf(Pc& pc) {
     std::vector<std::string*> images;
     for (machine::Disk& disk : pc.disks) {
@@ -80,7 +80,7 @@ std::vector<std::string*> ImagesOf(Pc& pc) {
     return images;
 }
 
-// Images of a description lie relative to its file.
+// Image paths in a description are relative to its file.
 Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
     try {
         Pc pc = machine::ReadDescription(ReadDescriptionText(name), name);
@@ -93,7 +93,7 @@ Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
     }
 }
 
-// The other kind of system runs as it does on the machines that come with the tool.
+// Switches to the other kind of system, configured as on the machines that come with the tool.
 void Start(Pc& pc, SystemKind kind) {
     if (pc.system.kind == kind) return;
     const Pc example = kind == SystemKind::WindowsPe ? machine::WinPeTwoDisks() : machine::FactoryMbr();
@@ -130,14 +130,6 @@ Pc Watched(Pc pc) {
     return pc;
 }
 
-Json TraceEntry(const machine::JournalEntry& entry) {
-    if (const auto* const record = std::get_if<LogEntry>(&entry)) return LogRecordJson(*record);
-    const auto& call = std::get<machine::CallRecord>(entry);
-    Json json = {{"call", call.call}, {"arguments", call.arguments}, {"result", call.result}};
-    if (call.injected) json["injected"] = true;
-    return json;
-}
-
 class EmulatedOne final : public OpenedPc {
   public:
     EmulatedOne(const PcChoice& choice, Access access)
@@ -155,7 +147,7 @@ class EmulatedOne final : public OpenedPc {
 
     const std::string& Note() const override { return note_; }
     InputFiles Inputs() const override { return inputs_; }
-    Json TakeTrace() override;
+    Trace TakeTrace() override;
     bool Rehearse(const std::function<void()>& action) override;
     std::optional<std::vector<std::string>> Changes() const override {
         return ::Changes(before_, emulated_.facts);
@@ -171,15 +163,13 @@ class EmulatedOne final : public OpenedPc {
     size_t traced_ = 0;
 };
 
-Json EmulatedOne::TakeTrace() {
-    Json trace = Json::array();
+Trace EmulatedOne::TakeTrace() {
     const auto& entries = emulated_.journal.Entries();
-    for (; traced_ < entries.size(); ++traced_)
-        trace.push_back(TraceEntry(entries[traced_]));
-    return trace;
+    const auto first = entries.begin() + static_cast<std::ptrdiff_t>(std::exchange(traced_, entries.size()));
+    return {first, entries.end()};
 }
 
-// Letters are facts of the PC, whatever its volumes lie on.
+// Letters are facts of the PC, for volumes on images too.
 bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     const Pc kept = emulated_.facts;
     action();
@@ -203,12 +193,4 @@ void EmulatedOne::Save(const std::string& file) const {
 
 std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access) {
     return std::make_unique<EmulatedOne>(choice, access);
-}
-
-std::vector<ComingMachine> ComingMachines() {
-    std::vector<ComingMachine> machines;
-    for (const NamedMachine& named : machine::NamedMachines()) {
-        machines.push_back({std::string(named.name), std::string(named.summary)});
-    }
-    return machines;
 }

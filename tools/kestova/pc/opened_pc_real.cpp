@@ -1,4 +1,4 @@
-// The PC is the one that the program runs on. Windows loads the library and answers its calls.
+// The PC that the program runs on. Windows loads the library and executes its calls.
 
 #include "tools/kestova/pc/opened_pc.h"
 
@@ -8,7 +8,7 @@ class RealOne final : public OpenedPc {
   public:
     const std::string& Note() const override { return note_; }
     InputFiles Inputs() const override { return {}; }
-    Json TakeTrace() override { return Json::array(); }
+    Trace TakeTrace() override { return {}; }
     bool Rehearse(const std::function<void()>&) override { return false; }
     std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }
     void Save(const std::string&) const override {}

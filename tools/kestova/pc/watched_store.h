@@ -1,4 +1,4 @@
-// Remembers which files of a disk image are changed, and what they were.
+// Records which files of a disk image were changed, and their former content.
 #pragma once
 
 #include <map>
@@ -8,7 +8,7 @@
 
 #include "machine/facts/file_store.h"
 
-// Stands before a volume's store and passes everything on.
+// Forwards every call to the store of a volume.
 class WatchedStore final : public machine::FileStore {
   public:
     explicit WatchedStore(std::shared_ptr<FileStore> store) : store_(std::move(store)) {}
@@ -20,9 +20,9 @@ class WatchedStore final : public machine::FileStore {
     uint32_t Write(std::string_view path, std::string_view content) override;
     uint32_t Remove(std::string_view path) override;
 
-    // A file's content, or that it cannot be read; nothing when there is no such file.
+    // The content of a file, or a text that it cannot be read; nothing for a missing file.
     std::optional<std::string> Content(const std::string& path) const;
-    // The files that were written or removed, with what they held before.
+    // The files that were written or removed, with their former content.
     const std::map<std::string, std::optional<std::string>>& Touched() const { return touched_; }
 
   private:

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The layout as the control answers it, in a buffer that grows until it fits.
+// The output of the control code, in a buffer that grows until it fits.
 std::optional<std::vector<BYTE>> ReadLayout(HANDLE disk) {
     constexpr size_t largest = 1 << 20;
     for (size_t size = 4096; size <= largest; size *= 2) {

@@ -1,4 +1,4 @@
-// The partitions of a disk, as its driver tells them.
+// The partitions of a disk, as its driver reports them.
 #pragma once
 
 #include <optional>
@@ -6,6 +6,6 @@
 
 #include "platform/windows_api.h"
 
-// The used entries in the order of the table; nothing, and a last error, when the disk or its table cannot be
-// read. Rests on CreateFileW and DeviceIoControl with IOCTL_DISK_GET_DRIVE_LAYOUT_EX.
+// The used entries in table order; nothing, and a last error, if the disk or its table cannot be read. Calls
+// CreateFileW and DeviceIoControl with IOCTL_DISK_GET_DRIVE_LAYOUT_EX.
 std::optional<std::vector<PARTITION_INFORMATION_EX>> ReadDiskLayout(int disk);

@@ -1,14 +1,23 @@
-// The letters of the installed Windows, and what each stands for here.
+// The letters of the installed Windows, and the partition behind each.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
-#include "tools/kestova/common/json.h"
 #include "tools/kestova/operations/session.h"
 
-// {"letters": [{"letter", "disk", "partition", "here"}, ...]}: disk, partition and the running system's
-// letter are null where they are not known. Then "problem" when the letters could not all be told.
-Json ReadLetters(Session& session);
+struct LetterReport {
+    std::string letter;                 // of the installed Windows
+    std::optional<int> disk = {};       // none when the volume does not report it
+    std::optional<int> partition = {};  // the same
+    std::optional<WCHAR> here = {};     // the running system's letter
+};
 
-// The same for people.
-std::string LettersText(const Json& letters);
+struct LettersReport {
+    std::vector<LetterReport> letters;
+    std::string remark;   // that there are none, for a reason that the library does not report; else empty
+    std::string problem;  // why not all letters could be read; else empty
+};
+
+LettersReport ReadLetters(Session& session);

@@ -1,33 +1,25 @@
 #include "tools/kestova/reports/partition_roles.h"
 
 #include <algorithm>
-#include <charconv>
+#include <iterator>
 #include <set>
 #include <string_view>
 
 #include "base/guid.h"
+#include "base/hexadecimal.h"
+#include "base/utf.h"
 #include "platform/partition_types.h"
 #include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/operations/operations.h"
+#include "tools/kestova/reports/refused_letters.h"
 
 namespace {
 
-// An operation by its name: its outputs, and its result under "result".
-Json Ask(Kestova& object, const char* name, const Json& arguments = Json::object()) {
-    Json answer = Json::object();
-    const Json result = FindOperation(name).invoke(object, arguments, answer);
-    answer["result"] = result;
-    return answer;
-}
+constexpr const char* installedWindows = "installed Windows";
 
-// The letter that an operation answers; null for none.
-Json LetterOrNull(const Json& letter) {
-    return letter == "0" ? Json() : letter;
-}
-
-void AddRole(Json& partition, const char* role, const char* reason) {
-    partition["roles"].push_back({{"role", role}, {"reason", reason}});
+// The letter that an operation returned; none for '0'.
+std::optional<WCHAR> LetterOrNone(WCHAR letter) {
+    return letter != TEXT('0') ? std::optional(letter) : std::nullopt;
 }
 
 // A type as the status has it.
@@ -39,148 +31,112 @@ std::string TypeText(const GUID& guid) {
 }
 
 template <typename Rows>
-void AddTypeRole(Json& partition, const Rows& rows) {
+void AddTypeRole(PartitionReport& partition, const Rows& rows) {
     for (const auto& row : rows) {
-        if (row.role != nullptr && partition["type"] == TypeText(row.type))
-            AddRole(partition, row.role, "type");
+        if (row.role != nullptr && partition.type == TypeText(row.type))
+            partition.roles.push_back({row.role, "type"});
     }
 }
 
-bool IsEncrypted(const Json& status, const Json& letter) {
-    const Json& letters = status["encryptedVolumes"];
-    return letters.is_string() && letter.is_string() &&
-           letters.get_ref<const std::string&>().find(letter.get_ref<const std::string&>()) !=
-               std::string::npos;
+bool IsEncrypted(const StatusReport& status, WCHAR letter) {
+    return status.encryptedVolumes && status.encryptedVolumes->find(LetterText(letter)) != std::string::npos;
 }
 
-// What the files of a lettered partition, or its encryption, tell. The library takes every encrypted volume
-// for an installed Windows.
-void AddVolumeRoles(Kestova& object, const Json& status, Json& partition) {
-    const Json letter = partition["letter"];
-    if (letter.is_null()) return;
-    const Json arguments = {{"letter", letter}};
-    if (IsEncrypted(status, letter)) {
-        AddRole(partition, "encrypted", "BitLocker lists it");
-    } else if (Ask(object, "IsVistaOS", arguments)["result"] == 1) {
-        AddRole(partition, "installed Windows", "contents");
+// The roles that the files of a lettered partition, or its encryption, reveal. The library reports every
+// encrypted volume as an installed Windows.
+void AddVolumeRoles(Kestova& object, const StatusReport& status, PartitionReport& partition) {
+    if (!partition.letter) return;
+    if (IsEncrypted(status, *partition.letter)) {
+        partition.roles.push_back({"encrypted", "BitLocker lists it"});
+    } else if (object.IsVistaOS(*partition.letter) == 1) {
+        partition.roles.push_back({installedWindows, "contents"});
     }
-    if (Ask(object, "IsWindowsRE", arguments)["result"] == 1)
-        AddRole(partition, "Windows RE", "bootable contents");
+    if (object.IsWindowsRE(*partition.letter) == 1)
+        partition.roles.push_back({"Windows RE", "bootable contents"});
 }
 
-void AddPartitionRoles(Kestova& object, const Json& status, Json& partition) {
-    const Json place = {{"disk", status["internalDisk"]}, {"partition", partition["number"]}};
-    partition["hide"] = Ask(object, "IsNeedHidePartition", place)["result"] == 1;
-    partition["roles"] = Json::array();
+void AddPartitionRoles(Kestova& object, const StatusReport& status, PartitionReport& partition) {
+    const int disk = *status.internalDisk;
+    partition.hide = object.IsNeedHidePartition(disk, partition.number) == 1;
     AddTypeRole(partition, mbrPartitionTypes);
     AddTypeRole(partition, gptPartitionTypes);
-    if (Ask(object, "IsBIOSHibernationPartition", place)["result"] == 1)
-        AddRole(partition, "hibernation", "type");
+    if (object.IsBIOSHibernationPartition(disk, partition.number) == 1)
+        partition.roles.push_back({"hibernation", "type"});
     AddVolumeRoles(object, status, partition);
 }
 
-// The partition that the operation finds by type and contents, which gets a letter for it.
-void AddFoundRole(Kestova& object, Json& status, const Json& letter, const char* role) {
-    if (letter.is_null()) return;
-    for (Json& partition : status["partitions"]) {
-        const Json place = {{"disk", status["internalDisk"]}, {"partition", partition["number"]}};
-        if (Ask(object, "GetDriveLetter", place)["result"] == letter)
-            AddRole(partition, role, "type and contents");
+// Marks the partition that an operation found by type and contents and gave that letter.
+void AddFoundRole(Kestova& object, StatusReport& status, WCHAR letter, const char* role) {
+    if (!LetterOrNone(letter)) return;
+    for (PartitionReport& partition : status.partitions) {
+        if (object.GetDriveLetter(*status.internalDisk, partition.number) == letter)
+            partition.roles.push_back({role, "type and contents"});
     }
 }
 
-// The partitions that the operation could not look into: no letter could be given to them, by its records.
-std::set<int> NotLookedInto(const Json& log) {
-    constexpr std::string_view lettering =
-        "Kestova CVDSPartition::SetDriveLetter\t\tStart  PartitionNumber = ";
-    constexpr std::string_view refusals[] = {
-        "Kestova Kestova::IsRecoveryPartition SetDriveLetter return false",
-        "Kestova Kestova::IsWinREPartition SetDriveLetter return false",
+// Windows and the maker share the recovery partition type; only the contents tell them apart. To look into a
+// partition without a letter, the library gives it one.
+void AddRecoveryRoles(Session& session, StatusReport& status) {
+    Kestova& object = session.Object();
+    OpenedPc& pc = session.OnPc();
+    std::set<int64_t> refused;
+    const auto look = [&](int (Kestova::*assign)(WCHAR&), const char* role) {
+        WCHAR letter = TEXT('0');
+        pc.TakeTrace();
+        (object.*assign)(letter);
+        refused.merge(RefusedLetters(pc.TakeTrace()));
+        AddFoundRole(object, status, letter, role);
     };
-    std::set<int> numbers;
-    int number = 0;
-    for (const Json& record : log) {
-        const std::string_view text = record["text"].get_ref<const std::string&>();
-        if (text.starts_with(lettering)) {
-            std::from_chars(text.data() + lettering.size(), text.data() + text.size(), number);
-        } else if (std::ranges::find(refusals, text) != std::end(refusals)) {
-            numbers.insert(number);
-        }
-    }
-    return numbers;
-}
-
-bool IsWindowsRecovery(const Json& partition) {
-    return partition["type"] == GuidText(PARTITION_MSFT_RECOVERY_GUID);
-}
-
-// Windows' own recovery partitions, which may be the maker's too: only their contents tell.
-void AddRecoveryRoles(Session& session, Json& status) {
-    std::set<int> notLookedInto;
-    const auto look = [&](const char* operation, const char* role) {
-        const Json report = session.Call(FindOperation(operation), Json::object());
-        AddFoundRole(session.Object(), status, LetterOrNull(report["outputs"]["letter"]), role);
-        notLookedInto.merge(NotLookedInto(report["log"]));
-    };
-    const bool rehearsed = session.OnPc().Rehearse([&] {
-        look("AssignRecoveryPartition", "recovery");
-        look("AssignWinREPartition", "Windows RE");
+    const bool rehearsed = pc.Rehearse([&] {
+        look(&Kestova::AssignRecoveryPartition, "recovery");
+        look(&Kestova::AssignWinREPartition, "Windows RE");
     });
-    for (Json& partition : status["partitions"]) {
-        const bool isUnknown =
-            partition["roles"].empty() && notLookedInto.contains(partition["number"].get<int>());
-        if ((isUnknown || !rehearsed) && IsWindowsRecovery(partition))
-            AddRole(partition, "recovery or Windows RE", "type; contents not looked into");
+    for (PartitionReport& partition : status.partitions) {
+        const bool isUnknown = partition.roles.empty() && refused.contains(partition.offset);
+        if ((isUnknown || !rehearsed) && partition.type == GuidText(PARTITION_MSFT_RECOVERY_GUID))
+            partition.roles.push_back({"recovery or Windows RE", "type; contents not looked into"});
     }
 }
 
-bool HoldsWindows(const Json& partition) {
-    const Json& roles = partition["roles"];
-    return std::any_of(roles.begin(), roles.end(),
-                       [](const Json& role) { return role["role"] == "installed Windows"; });
+bool HoldsWindows(const PartitionReport& partition) {
+    return std::ranges::any_of(
+        partition.roles, [](const Role& role) { return std::string_view(role.role) == installedWindows; });
 }
 
-Json Place(const Json& disk, const Json& partition, const Json& letter) {
-    return {{"disk", disk}, {"partition", partition}, {"letter", letter}};
+// By the layout if the library finds it there, else by its files.
+std::optional<WindowsPlace> InstalledWindows(Kestova& object, const StatusReport& status) {
+    WindowsPlace place{-1, -1, TEXT('0')};
+    if (object.GetVistaOSInfo(place.disk, place.partition, place.letter) == 0) return place;
+    const auto windows = std::ranges::find_if(status.partitions, HoldsWindows);
+    if (windows == status.partitions.end()) return std::nullopt;
+    return WindowsPlace{*status.internalDisk, windows->number, *windows->letter};
 }
 
-// Where the library finds it by the layout, else where its files are.
-Json InstalledWindows(Kestova& object, const Json& status) {
-    const Json found = Ask(object, "GetVistaOSInfo");
-    if (found["result"] == 0) return Place(found["disk"], found["partition"], found["letter"]);
-    const Json& partitions = status["partitions"];
-    const auto windows = std::find_if(partitions.begin(), partitions.end(), HoldsWindows);
-    if (windows == partitions.end()) return nullptr;
-    return Place(status["internalDisk"], (*windows)["number"], (*windows)["letter"]);
+std::optional<std::string> EncryptedVolumes(Kestova& object) {
+    WCHAR letters[33] = {};  // which hold every answer
+    if (object.GetAllEncryptVolume(letters, static_cast<DWORD>(std::size(letters))) != 1) return std::nullopt;
+    return ToUtf8(letters);
 }
 
-Json EncryptedVolumes(Kestova& object) {
-    const Json answer = Ask(object, "GetAllEncryptVolume", {{"size", 33}});
-    return answer["result"] == 1 ? answer["buffer"] : Json();
+void AddLayout(Kestova& object, StatusReport& status) {
+    tagDiskTypeEnum layout = DISK_TYPE_UNKNOWN;
+    object.GetCurrentDiskType(layout);
+    status.layout = layout;
+    const auto& meanings = FindOperation("GetCurrentDiskType").parameters.front().meanings;
+    status.layoutName = FindMeaning(meanings, status.layout)->words;
 }
 
 }  // namespace
 
-void AddRoles(Session& session, Json& status) {
+void AddRoles(Session& session, StatusReport& status) {
     Kestova& object = session.Object();
-    const Json layout = Ask(object, "GetCurrentDiskType")["type"];
-    const auto& meanings = FindOperation("GetCurrentDiskType").parameters.front().meanings;
-    status["layout"] = layout;
-    status["layoutName"] = FindMeaning(meanings, layout)->words;
-    status["encryptedVolumes"] = EncryptedVolumes(object);
-    status["recoveryDisc"] = LetterOrNull(Ask(object, "GetRCVDISC")["result"]);
-    status["recoveryStick"] = LetterOrNull(Ask(object, "GetRCVUFD")["result"]);
-    status["cachePartition"] = Ask(object, "IsCachePartitionForExpCacheExist")["result"] == 1;
-    for (Json& partition : status["partitions"])
+    AddLayout(object, status);
+    status.encryptedVolumes = EncryptedVolumes(object);
+    status.recoveryDisc = LetterOrNone(object.GetRCVDISC());
+    status.recoveryStick = LetterOrNone(object.GetRCVUFD());
+    status.cachePartition = object.IsCachePartitionForExpCacheExist() == 1;
+    for (PartitionReport& partition : status.partitions)
         AddPartitionRoles(object, status, partition);
-    status["windows"] = InstalledWindows(object, status);
+    status.windows = InstalledWindows(object, status);
     AddRecoveryRoles(session, status);
-}
-
-std::string RolesText(const Json& partition) {
-    std::string text;
-    for (const Json& role : partition["roles"])
-        text += (text.empty() ? "" : "; ") + role["role"].get<std::string>() + ": " +
-                role["reason"].get<std::string>();
-    return text.empty() ? "-" : text;
 }

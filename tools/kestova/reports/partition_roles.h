@@ -1,19 +1,11 @@
-// What the partitions of the internal disk are for, and what else a recovery application asks first. All of
-// it is told by the public operations of the class.
+// The roles of the partitions of the internal disk, and what else a recovery application asks first. Uses the
+// public operations of the class only.
 #pragma once
 
-#include <string>
+#include "tools/kestova/reports/status.h"
 
-#include "tools/kestova/common/json.h"
-#include "tools/kestova/operations/session.h"
-
-// Adds to the status, whose partitions are listed: "layout" with "layoutName", "encryptedVolumes" (their
-// letters; null when BitLocker cannot be asked), "recoveryDisc" and "recoveryStick" (letters or null),
-// "cachePartition" (of the second internal disk), "windows" (disk, partition and letter of the installed
-// Windows, or null), and to each partition "hide" and "roles", each role with the reason. On an emulated PC
-// the recovery partitions of a GPT disk are looked into, and afterwards everything is as it was; on the PC
-// that the program runs on nobody gives them a letter, so that their type alone is told.
-void AddRoles(Session& session, Json& status);
-
-// The roles of a partition in one line: "Windows RE: type and contents"; "-" without one.
-std::string RolesText(const Json& partition);
+// Fills in the layout, the encrypted volumes, the recovery media, the cache partition and the installed
+// Windows, and of each listed partition whether it is hidden and its roles. On an emulated PC it looks into
+// the recovery partitions of a GPT disk and puts everything back; on the PC that the program runs on it gives
+// no letters, so there only their type is known.
+void AddRoles(Session& session, StatusReport& status);

@@ -6,43 +6,16 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "base/com_apartment.h"
+#include "base/owners.h"
 #include "base/utf.h"
 #include "machine/journal/emulated_pc.h"
 #include "platform/vds.h"
 
-// A reference to an interface, released in the destructor.
 template <typename Interface>
-class Held {
-  public:
-    Held() = default;
-    Held(Held&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
-    Held& operator=(Held&& other) noexcept {
-        std::swap(pointer_, other.pointer_);
-        return *this;
-    }
-    ~Held() {
-        if (pointer_ != nullptr) pointer_->Release();
-    }
-
-    Interface** Put() { return &pointer_; }
-    Interface* Get() const { return pointer_; }
-    Interface* operator->() const { return pointer_; }
-
-  private:
-    Interface* pointer_ = nullptr;
-};
-
-// COM, initialised on this thread.
-class Apartment {
-  public:
-    Apartment() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-    ~Apartment() { CoUninitialize(); }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-};
+using Held = ComPtr<Interface>;
 
 // A PC and a client of its COM runtime. `OnLoan` does not count the apartment.
 class ComClient {
@@ -57,7 +30,7 @@ class ComClient {
     }
 
     machine::EmulatedPc pc;
-    Apartment apartment;
+    ComApartment apartment;
 };
 
 using Loans = std::map<std::string, int>;
@@ -113,16 +86,9 @@ class DiskClient : public ComClient {
 // --- WMI ---
 
 // A temporary system string.
-class SystemString {
+class SystemString : public Bstr {
   public:
-    explicit SystemString(const std::string& text) : string_(SysAllocString(ToWide(text).c_str())) {}
-    ~SystemString() { SysFreeString(string_); }
-    SystemString(const SystemString&) = delete;
-    SystemString& operator=(const SystemString&) = delete;
-    BSTR Get() const { return string_; }
-
-  private:
-    BSTR string_;
+    explicit SystemString(const std::string& text) : Bstr(SysAllocString(ToWide(text).c_str())) {}
 };
 
 Held<IWbemServices> ConnectWmi(const std::string& space = "\\\\.\\root\\CIMV2");

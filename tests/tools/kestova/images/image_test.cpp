@@ -1,4 +1,4 @@
-// The program on real disk images, checked with tools that know nothing of it.
+// The program on disk images, checked with independent tools.
 
 #include <gmock/gmock.h>
 
@@ -24,7 +24,7 @@ class Image : public ProgramTest {
     }
 };
 
-TEST_F(Image, StatusShowsItUnderWindowsPeAndWritesNothing) {
+TEST_F(Image, MbrImage_Status_RunsWindowsPeAndWritesNothing) {
     const Outcome outcome = Kestova("--image disk.img status");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
@@ -51,8 +51,8 @@ TEST_F(Image, StatusShowsItUnderWindowsPeAndWritesNothing) {
     EXPECT_TRUE(IsAsItWas());
 }
 
-// The record is a line or two. A file of its name that is larger than memory should be is never read.
-TEST_F(Image, OverlongRecordIsNeitherReadNorOverwrittenAndItsEndIsTold) {
+// The record is a line or two; a larger file of that name is never read.
+TEST_F(Image, OversizedRecord_Boot_NeitherReadsNorOverwritesIt) {
     WriteFile("make",
               "set -e\n"
               "source " KESTOVA_SOURCE_FOLDER
@@ -80,7 +80,7 @@ TEST_F(Image, OverlongRecordIsNeitherReadNorOverwrittenAndItsEndIsTold) {
               "  disk 0, partition 1: file SystemVolume.ini deleted\n");
 }
 
-TEST_F(Image, BootRecoveryMovesTheFlagAndWritesTheRecord) {
+TEST_F(Image, MbrImage_BootRecovery_MovesTheFlagAndWritesTheRecord) {
     const Outcome outcome = Kestova("--image disk.img boot recovery");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output,
@@ -96,7 +96,7 @@ TEST_F(Image, BootRecoveryMovesTheFlagAndWritesTheRecord) {
     EXPECT_EQ(Record().output, "[System]\r\nActive=2\r\n");
 }
 
-TEST_F(Image, ThereAndBackLeavesTheTableAndNoRecord) {
+TEST_F(Image, MbrImage_BootRecoveryThenSystem_RestoresTheTableAndDeletesTheRecord) {
     const std::string table = Table();
     EXPECT_EQ(Kestova("--image disk.img boot recovery").status, 0);
     EXPECT_NE(Table(), table);
@@ -106,7 +106,7 @@ TEST_F(Image, ThereAndBackLeavesTheTableAndNoRecord) {
     EXPECT_EQ(Shell("ntfsfix --no-action recovery.ntfs").status, 0);
 }
 
-TEST_F(Image, DryRunShowsTheSameAndWritesNothing) {
+TEST_F(Image, MbrImage_DryRunBootRecovery_ShowsTheChangesAndWritesNothing) {
     const Outcome outcome = Kestova("--image disk.img --dry-run boot recovery");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, HasSubstr("Would change:\n  disk 0, partition 1: active now\n"
@@ -114,7 +114,7 @@ TEST_F(Image, DryRunShowsTheSameAndWritesNothing) {
     EXPECT_TRUE(IsAsItWas());
 }
 
-TEST_F(Image, FailedFlagLeavesTableAndNoRecord) {
+TEST_F(Image, FlagNotSet_BootRecovery_LeavesTheTableAndNoRecord) {
     const std::string table = Table();
     EXPECT_EQ(
         Kestova("--image disk.img --fail 'IVdsAdvancedDisk::ChangeAttributes#1=0x80004005' boot recovery")
@@ -124,7 +124,7 @@ TEST_F(Image, FailedFlagLeavesTableAndNoRecord) {
     EXPECT_NE(Record().status, 0);
 }
 
-TEST_F(Image, SavedDescriptionFindsItFromItsOwnFolder) {
+TEST_F(Image, DescriptionInAnotherFolder_Call_FindsTheImage) {
     EXPECT_EQ(Shell("mkdir pcs").status, 0);
     EXPECT_EQ(Kestova("--image disk.img --save pcs/pc.json status").status, 0);
     const Outcome outcome = Kestova("--pc pcs/pc.json call GetDriveLetter 0 2");
@@ -132,7 +132,7 @@ TEST_F(Image, SavedDescriptionFindsItFromItsOwnFolder) {
     EXPECT_TRUE(IsAsItWas());
 }
 
-TEST_F(Image, IsNeitherLogNorDescription) {
+TEST_F(Image, ImageAsLogOrDescription_BootRecovery_IsWrongUse) {
     EXPECT_EQ(Shell("ln -s disk.img soft && ln disk.img hard").status, 0);
     for (const char* const option : {"--log soft", "--log ./disk.img", "--save hard", "--save disk.img"}) {
         const Outcome outcome = Kestova(std::string("--image disk.img ") + option + " boot recovery");
@@ -142,7 +142,7 @@ TEST_F(Image, IsNeitherLogNorDescription) {
     }
 }
 
-TEST_F(Image, ThatIsNoneIsRefused) {
+TEST_F(Image, MissingOrShortImage_BootRecovery_IsRefused) {
     EXPECT_EQ(Shell("head -c 1000 disk.img > short.img").status, 0);
     for (const char* const name : {"none.img", "short.img"}) {
         const Outcome outcome = Kestova(std::string("--image ") + name + " boot recovery");
@@ -152,7 +152,7 @@ TEST_F(Image, ThatIsNoneIsRefused) {
     }
 }
 
-TEST_F(Image, ThatADescriptionNamesTwiceIsRefused) {
+TEST_F(Image, ImageNamedTwice_Status_IsRefused) {
     EXPECT_EQ(Shell("ln disk.img hard.img").status, 0);
     WriteFile("disks.json",
               R"({"disks": [{"number": 0, "image": "disk.img"}, {"number": 1, "image": "hard.img"}]})");

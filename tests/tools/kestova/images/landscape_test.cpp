@@ -1,5 +1,5 @@
 // Whole recovery landscapes on images made by other tools: GPT disks, letters in an installed Windows' hive,
-// recovery discs and sticks, an encrypted volume. What only asks writes nothing.
+// recovery discs and sticks, an encrypted volume. Queries write nothing.
 
 #include <gmock/gmock.h>
 
@@ -20,7 +20,7 @@ class Landscape : public ProgramTest {
     }
 };
 
-TEST_F(Landscape, OfAGptDiskIsTold) {
+TEST_F(Landscape, GptImage_Status_ShowsEveryRole) {
     Take("factory-gpt.img");
     const Outcome outcome = Kestova("--image factory-gpt.img status");
     EXPECT_EQ(outcome.status, 0);
@@ -49,7 +49,7 @@ TEST_F(Landscape, OfAGptDiskIsTold) {
     EXPECT_TRUE(IsAsMade("factory-gpt.img"));
 }
 
-TEST_F(Landscape, GivesBootAndRecoveryPartitionsLettersAndTakesThem) {
+TEST_F(Landscape, GptImage_Run_GivesAndRemovesLetters) {
     Take("factory-gpt.img");
     const Outcome outcome = Kestova("--image factory-gpt.img run -",
                                     "ActiveOrvoBootPartition\n"
@@ -81,7 +81,7 @@ TEST_F(Landscape, GivesBootAndRecoveryPartitionsLettersAndTakesThem) {
     EXPECT_TRUE(IsAsMade("factory-gpt.img"));
 }
 
-TEST_F(Landscape, WithoutEfiHasNoWindowsByItsLayout) {
+TEST_F(Landscape, GptImageWithoutEfi_Run_FindsNoWindowsByLayout) {
     Take("gpt-without-efi.img");
     const Outcome outcome = Kestova("--image gpt-without-efi.img run -",
                                     "GetCurrentDiskType\nGetBitLockerSystemInfo\nGetVistaOSInfo\n");
@@ -100,9 +100,9 @@ TEST_F(Landscape, WithoutEfiHasNoWindowsByItsLayout) {
     EXPECT_TRUE(IsAsMade("gpt-without-efi.img"));
 }
 
-// C and D stand for partitions of the MBR disk, E for one of the GPT disk, F for a disk that is gone, and G
-// for what D stands for.
-TEST_F(Landscape, OfTwoDisksHasTheLettersOfTheInstalledWindows) {
+// C and D are partitions of the MBR disk, E is one of the GPT disk, F was on a disk that is gone, and G is
+// the partition of D.
+TEST_F(Landscape, TwoImages_Letters_MapsThemToBothDisks) {
     Take("installed-windows.img");
     Take("factory-gpt.img");
     const Outcome outcome = Kestova("--image installed-windows.img --image factory-gpt.img letters");
@@ -117,7 +117,7 @@ TEST_F(Landscape, OfTwoDisksHasTheLettersOfTheInstalledWindows) {
     EXPECT_TRUE(IsAsMade("factory-gpt.img"));
 }
 
-TEST_F(Landscape, HasAnEncryptedVolume) {
+TEST_F(Landscape, BitLockerImage_Run_FindsTheEncryptedVolume) {
     Take("bitlocker.img");
     EXPECT_THAT(
         Shell("dd if=bitlocker.img bs=1M skip=41 count=80 status=none of=volume; blkid -p volume")
@@ -149,7 +149,7 @@ void PrintTo(const Medium& medium, std::ostream* out) {
 
 class RecoveryMedium : public Landscape, public testing::WithParamInterface<Medium> {};
 
-TEST_P(RecoveryMedium, HasALetterBehindTheDisks) {
+TEST_P(RecoveryMedium, EachFormat_Call_FindsTheMediumAfterTheDisks) {
     const Medium& medium = GetParam();
     Take("factory-mbr.img");
     Take(medium.image);

@@ -57,7 +57,7 @@ struct GlobalMemory {
     static void Release(Type value) { GlobalFree(value); }
 };
 
-struct SystemString {
+struct AutomationString {
     using Type = BSTR;
     static Type None() { return nullptr; }
     static void Release(Type value) { SysFreeString(value); }
@@ -91,7 +91,7 @@ template <typename Interface>
 using ComPtr = Owner<ComReference<Interface>>;
 template <typename Content>
 using GlobalBuffer = Owner<GlobalMemory<Content>>;  // fixed memory of GlobalAlloc
-using Bstr = Owner<SystemString>;
+using Bstr = Owner<AutomationString>;
 using FileHandle = Owner<OpenedFile>;
 using ProcessHandle = Owner<StartedProcess>;
 using RegistryKey = Owner<OpenedKey>;

@@ -1,10 +1,9 @@
-#include "device/owners.h"
+#include "base/owners.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "device/device_handle.h"
 #include "tests/device/hosted_pc.h"
 
 namespace {
@@ -121,7 +120,8 @@ TEST(Owners, GiveBackWhatThePlatformLent) {
     HostedPc pc(facts);
     const Bstr text(SysAllocString(TEXT("text")));
     const GlobalBuffer<WCHAR> memory(static_cast<WCHAR*>(GlobalAlloc(GMEM_ZEROINIT, 8)));
-    const FileHandle file = OpenDevice(TEXT("\\\\.\\C:"));
+    const FileHandle file(CreateFileW(TEXT("\\\\.\\C:"), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     const DeviceInfoSet devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));
     EXPECT_TRUE(text && memory && file && devices);
     EXPECT_THAT(pc.emulated.ledger.Outstanding(), testing::SizeIs(5));  // with COM itself

@@ -1,4 +1,4 @@
-#include "tools/kestova/command_line/host.h"
+#include "tools/kestova/command_line/run_on_pc.h"
 
 #include <filesystem>
 #include <fstream>
@@ -6,11 +6,11 @@
 
 #include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/common/errors.h"
-#include "tools/kestova/reports/report_text.h"
 
 namespace {
 
-// Where the records go: nowhere, to a file, or to be seen. Standard output is JSON's alone.
+// Where the log records are written: nowhere, to a file, or to a standard stream. With --json that is
+// standard error.
 class LogOutput {
   public:
     explicit LogOutput(const CommandLine& line) : name_(line.log), shown_(line.json ? std::cerr : std::cout) {
@@ -22,7 +22,7 @@ class LogOutput {
         if (name_.empty()) return nullptr;
         return name_ == "-" ? &shown_ : &file_;
     }
-    // False when a record did not reach the file.
+    // False if a record was not written to the file.
     bool Close() {
         if (file_.is_open()) file_.close();
         return !file_.fail();
@@ -34,35 +34,29 @@ class LogOutput {
     std::ofstream file_;
 };
 
-std::string JsonLine(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
-// Construction and destruction have no result: people see them only in a trace.
-void ShowLife(const CommandLine& line, const Json& report) {
+// Construction and destruction have no result: as text they are shown only in a trace.
+void ShowLife(const CommandLine& line, const OperationReport& report) {
     if (line.json) {
-        std::cout << JsonLine(report) << std::flush;
+        Show(line, report);
     } else if (line.choice.trace) {
-        std::cout << TraceText(report) << report["operation"].get<std::string>() << "\n" << std::flush;
+        std::cout << TraceText(report) << report.operation->name << "\n" << std::flush;
     }
 }
 
-void Initialize(const CommandLine& line, const Work& work, Session& session) {
-    const Operation& operation = FindOperation("Initialize");
-    const Json report = session.Call(operation, {{"reserved", false}});
-    if (work.showLife) Show(line, operation, report);
-    if (IsFailure(operation, report["result"])) {
-        std::cerr << "kestova: Initialize: " << FindMeaning(operation.results, report["result"])->words
-                  << "\n";
-    }
+void Initialize(const CommandLine& line, const PcWork& work, Session& session) {
+    const OperationReport report = session.Call(FindOperation("Initialize"), {{"reserved", false}});
+    if (work.showLife) Show(line, report);
+    const auto& results = report.operation->results;
+    if (IsFailure(*report.operation, report.result))
+        std::cerr << "kestova: Initialize: " << FindMeaning(results, report.result)->words << "\n";
 }
 
-int RunOnObject(const CommandLine& line, const Work& work, Session& session) {
-    const Json made = session.Construct();
+int RunOnObject(const CommandLine& line, const PcWork& work, Session& session) {
+    const OperationReport made = session.Construct();
     if (work.showLife) ShowLife(line, made);
     if (work.initialize && line.initialize) Initialize(line, work, session);
     const int status = work.run(session);
-    const Json destroyed = session.Destroy();
+    const OperationReport destroyed = session.Destroy();
     if (work.showLife) ShowLife(line, destroyed);
     return status;
 }
@@ -83,7 +77,7 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
 
 }  // namespace
 
-int Host(const CommandLine& line, const Work& work) {
+int RunOnPc(const CommandLine& line, const PcWork& work) {
     const std::unique_ptr<OpenedPc> opened = OpenPc(line.choice, work.access);
     OpenedPc& pc = *opened;
     CheckOutputFiles(line, pc.Inputs(), work.script);
@@ -101,8 +95,4 @@ int Host(const CommandLine& line, const Work& work) {
     }
     if (!line.choice.save.empty()) pc.Save(line.choice.save);
     return status;
-}
-
-void Show(const CommandLine& line, const Operation& operation, const Json& report) {
-    std::cout << (line.json ? JsonLine(report) : ReportText(operation, report)) << std::flush;
 }

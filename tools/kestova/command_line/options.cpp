@@ -1,0 +1,94 @@
+// The only source that includes CLI11, which takes seconds to compile.
+
+#include "tools/kestova/command_line/options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/text.h"
+
+namespace {
+
+CLI::Option* Add(CLI::App& app, const Option& row, bool* flag) {
+    return app.add_flag(row.names, *flag);
+}
+
+CLI::Option* Add(CLI::App& app, const Option& row, std::string* value) {
+    return app.add_option(row.names, *value);
+}
+
+CLI::Option* Add(CLI::App& app, const Option& row, std::vector<std::string>* values) {
+    return app.add_option(row.names, *values)->allow_extra_args(false);
+}
+
+void AddOptions(CLI::App& app, const std::vector<OptionGroup>& groups) {
+    for (const OptionGroup& group : groups) {
+        for (const Option& row : group.options) {
+            CLI::Option* const option =
+                std::visit([&](auto* target) { return Add(app, row, target); }, row.target);
+            if (row.excludes != nullptr) option->excludes(app.get_option(row.excludes));
+        }
+    }
+}
+
+std::string Message(const CLI::ParseError& error) {
+    std::string text = error.what();
+    constexpr std::string_view excludes = " excludes ";
+    if (const size_t at = text.find(excludes);
+        at != std::string::npos && error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExcludesError)) {
+        return text.replace(at, excludes.size(), " and ") + " cannot be given together";
+    }
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ArgumentMismatch)) return text;
+    const bool missing = text.find("missing") != std::string::npos;
+    return text.substr(0, text.find(':')) + (missing ? " needs a value" : " can be given only once");
+}
+
+std::vector<std::string> Names(const std::vector<OptionGroup>& groups) {
+    std::vector<std::string> names;
+    for (const OptionGroup& group : groups) {
+        for (const Option& row : group.options)
+            names.push_back(LongName(row));
+    }
+    return names;
+}
+
+std::vector<std::string> GivenOptions(const CLI::App& app, const std::vector<std::string>& names) {
+    std::vector<std::string> given;
+    for (const std::string& name : names) {
+        const CLI::Option& option = *app.get_option(name);
+        if (option.count() == 0) continue;
+        given.push_back(name);
+        for (const std::string& value : option.results()) {
+            if (value.empty()) throw WrongUse(name + ": the value is empty");
+        }
+    }
+    return given;
+}
+
+}  // namespace
+
+std::string LongName(const Option& option) {
+    const std::string names = option.names;
+    const size_t begin = names.find("--");
+    return names.substr(begin, names.find(',') - begin);
+}
+
+ReadWords ReadOptions(const std::vector<OptionGroup>& groups, const std::vector<std::string>& words) {
+    ReadWords read;
+    CLI::App app;
+    app.set_help_flag();
+    app.allow_windows_style_options(false);
+    app.allow_extras();
+    AddOptions(app, groups);
+    app.add_option("command", read.positional);
+    try {
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::ParseError& error) {
+        throw WrongUse(Message(error));
+    }
+    const std::vector<std::string> names = Names(groups);
+    for (const std::string& unknown : app.remaining(true))
+        throw WrongUse(UnknownWord("option", unknown.substr(0, unknown.find('=')), names));
+    read.options = GivenOptions(app, names);
+    return read;
+}

@@ -1,0 +1,30 @@
+// What every command that works on a PC has in common: the log, the PC, the object from its making to its
+// destruction, and what is shown and saved afterwards.
+#pragma once
+
+#include <functional>
+#include <iostream>
+#include <string>
+
+#include "tools/kestova/command_line/command_line.h"
+#include "tools/kestova/operations/session.h"
+#include "tools/kestova/reports/as_json.h"
+#include "tools/kestova/reports/as_text.h"
+
+struct PcWork {
+    Access access = Access::Ask;
+    bool initialize = true;
+    bool showLife = false;                     // report construction, Initialize and destruction too
+    bool showChanges = false;                  // also without --dry-run
+    std::string script = {};                   // the file that the work was read from
+    std::function<int(Session& session)> run;  // returns the exit status
+};
+
+// Returns what `run` returned. Throws WrongUse, UnreadablePc, Failed.
+int RunOnPc(const CommandLine& line, const PcWork& work);
+
+// Writes a report, or a list of them, to standard output.
+template <typename Report>
+void Show(const CommandLine& line, const Report& report) {
+    std::cout << (line.json ? AsJson(report) : AsText(report)) << std::flush;
+}

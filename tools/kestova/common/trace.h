@@ -1,0 +1,9 @@
+// What happened while an operation ran.
+#pragma once
+
+#include <vector>
+
+#include "machine/journal/journal.h"
+
+// Platform calls and log records, in the order in which they happened.
+using Trace = std::vector<machine::JournalEntry>;

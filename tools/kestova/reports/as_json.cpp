@@ -1,0 +1,241 @@
+#include "tools/kestova/reports/as_json.h"
+
+#include <nlohmann/json.hpp>
+
+#include "base/utf.h"
+#include "tools/kestova/common/text.h"
+#include "tools/kestova/reports/call_words.h"
+
+namespace {
+
+// Keys keep the order in which they were written.
+using Json = nlohmann::ordered_json;
+
+std::string Line(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+// --- values ---
+
+Json ToJson(std::monostate) {
+    return nullptr;
+}
+
+Json ToJson(bool flag) {
+    return flag;
+}
+
+Json ToJson(int number) {
+    return number;
+}
+
+Json ToJson(const std::string& text) {
+    return text;
+}
+
+Json ToJson(const std::vector<DriveRecord>& records) {
+    Json json = Json::array();
+    for (const DriveRecord& record : records) {
+        json.push_back(
+            {{"iDiskNum", record.disk}, {"iPartNum", record.partition}, {"cDriveLetter", record.letter}});
+    }
+    return json;
+}
+
+Json ToJson(WCHAR letter) {
+    return LetterText(letter);
+}
+
+Json ToJson(const Value& value) {
+    return std::visit([](const auto& held) { return ToJson(held); }, value);
+}
+
+Json ToJson(const Values& values) {
+    Json json = Json::object();
+    for (const auto& [name, value] : values)
+        json[name] = ToJson(value);
+    return json;
+}
+
+Json ToJson(const WindowsPlace& place) {
+    return {{"disk", place.disk}, {"partition", place.partition}, {"letter", ToJson(place.letter)}};
+}
+
+template <typename T>
+Json ToJson(const std::optional<T>& value) {
+    return value ? ToJson(*value) : Json();
+}
+
+template <typename Report>
+void AddRemarkAndProblem(const Report& report, Json& json) {
+    if (!report.remark.empty()) json["remark"] = report.remark;
+    if (!report.problem.empty()) json["problem"] = report.problem;
+}
+
+// --- status and letters ---
+
+Json ToJson(const PartitionReport& partition) {
+    Json roles = Json::array();
+    for (const Role& role : partition.roles)
+        roles.push_back({{"role", role.role}, {"reason", role.reason}});
+    return {{"number", partition.number},
+            {"offset", partition.offset},
+            {"size", partition.size},
+            {"type", partition.type},
+            {"typeName", partition.typeName},
+            {"active", partition.active},
+            {"letter", ToJson(partition.letter)},
+            {"label", ToJson(partition.label)},
+            {"fileSystem", ToJson(partition.fileSystem)},
+            {"hide", partition.hide},
+            {"roles", roles}};
+}
+
+Json ToJson(const LetterReport& letter) {
+    return {{"letter", letter.letter},
+            {"disk", ToJson(letter.disk)},
+            {"partition", ToJson(letter.partition)},
+            {"here", ToJson(letter.here)}};
+}
+
+// --- operations ---
+
+Json ToJson(const LogEntry& record) {
+    return {{"level", record.level}, {"text", ToUtf8(record.Text())}};
+}
+
+Json ToJson(const machine::CallRecord& call) {
+    Json json = {{"call", call.call}, {"arguments", call.arguments}, {"result", call.result}};
+    if (call.injected) json["injected"] = true;
+    return json;
+}
+
+Json ToJson(const std::vector<LogEntry>& records) {
+    Json json = Json::array();
+    for (const LogEntry& record : records)
+        json.push_back(ToJson(record));
+    return json;
+}
+
+Json ToJson(const Trace& trace) {
+    Json json = Json::array();
+    for (const machine::JournalEntry& entry : trace)
+        json.push_back(std::visit([](const auto& happened) { return ToJson(happened); }, entry));
+    return json;
+}
+
+Json ToJson(const std::vector<Meaning>& meanings) {
+    Json json = Json::array();
+    for (const Meaning& meaning : meanings) {
+        json.push_back(
+            {{"value", ToJson(meaning.value)}, {"words", meaning.words}, {"failure", meaning.failure}});
+    }
+    return json;
+}
+
+const char* KindName(Kind kind) {
+    switch (kind) {
+        case Kind::Flag:
+            return "flag";
+        case Kind::Letter:
+            return "letter";
+        case Kind::Text:
+            return "text";
+        case Kind::List:
+            return "list";
+        default:
+            return "number";
+    }
+}
+
+Json ToJson(const Parameter& parameter) {
+    Json json = {{"name", parameter.name},
+                 {"kind", KindName(parameter.kind)},
+                 {"direction", parameter.output ? "out" : "in"},
+                 {"words", parameter.words},
+                 {"values", ToJson(parameter.meanings)}};
+    if (!IsNothing(parameter.standard)) json["default"] = ToJson(parameter.standard);
+    return json;
+}
+
+Json ToJson(const Operation& operation) {
+    Json parameters = Json::array();
+    for (const Parameter& parameter : operation.parameters)
+        parameters.push_back(ToJson(parameter));
+    return {{"operation", operation.name},      {"summary", operation.summary},
+            {"parameters", parameters},         {"results", ToJson(operation.results)},
+            {"otherwise", operation.otherwise}, {"changesPc", operation.changesPc}};
+}
+
+// --- what the tool and the emulated PC come with ---
+
+Json ToJson(const machine::NamedMachine& machine) {
+    return {{"name", machine.name}, {"summary", machine.summary}};
+}
+
+Json ToJson(const machine::CallInfo& call) {
+    return {{"call", call.name}, {"failsWith", FailureWords(call.failsWith)}, {"changesPc", call.changesPc}};
+}
+
+template <typename List>
+std::string Lines(const List& list) {
+    std::string lines;
+    for (const auto& element : list)
+        lines += Line(ToJson(element));
+    return lines;
+}
+
+}  // namespace
+
+std::string AsJson(const StatusReport& status) {
+    Json partitions = Json::array();
+    for (const PartitionReport& partition : status.partitions)
+        partitions.push_back(ToJson(partition));
+    Json json = {{"firmware", status.firmware},
+                 {"system", status.system},
+                 {"windowsDirectory", ToJson(status.windowsDirectory)},
+                 {"internalDisk", ToJson(status.internalDisk)},
+                 {"style", ToJson(status.style)},
+                 {"activePartition", ToJson(status.activePartition)},
+                 {"partitions", partitions},
+                 {"layout", status.layout},
+                 {"layoutName", status.layoutName},
+                 {"encryptedVolumes", ToJson(status.encryptedVolumes)},
+                 {"recoveryDisc", ToJson(status.recoveryDisc)},
+                 {"recoveryStick", ToJson(status.recoveryStick)},
+                 {"cachePartition", status.cachePartition},
+                 {"windows", ToJson(status.windows)}};
+    AddRemarkAndProblem(status, json);
+    return Line(json);
+}
+
+std::string AsJson(const LettersReport& letters) {
+    Json list = Json::array();
+    for (const LetterReport& letter : letters.letters)
+        list.push_back(ToJson(letter));
+    Json json = {{"letters", list}};
+    AddRemarkAndProblem(letters, json);
+    return Line(json);
+}
+
+std::string AsJson(const OperationReport& report) {
+    Json json = {{"operation", report.operation->name},
+                 {"arguments", ToJson(report.arguments)},
+                 {"result", ToJson(report.result)},
+                 {"outputs", ToJson(report.outputs)},
+                 {"log", ToJson(report.log)}};
+    if (report.trace) json["trace"] = ToJson(*report.trace);
+    return Line(json);
+}
+
+std::string AsJson(const std::vector<Operation>& operations) {
+    return Lines(operations);
+}
+
+std::string AsJson(const std::vector<machine::NamedMachine>& machines) {
+    return Lines(machines);
+}
+
+std::string AsJson(std::span<const machine::CallInfo> calls) {
+    return Lines(calls);
+}

@@ -1,0 +1,19 @@
+// Every report as JSON: an object on one line, ended by a line feed; of a list, a line for each element. The
+// keys are a contract (docs/command-line.md). nlohmann-json is included in the source alone.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "machine/facts/call_table.h"
+#include "machine/facts/machines.h"
+#include "tools/kestova/reports/letters.h"
+#include "tools/kestova/reports/status.h"
+
+std::string AsJson(const StatusReport& status);
+std::string AsJson(const LettersReport& letters);
+std::string AsJson(const OperationReport& report);
+std::string AsJson(const std::vector<Operation>& operations);
+std::string AsJson(const std::vector<machine::NamedMachine>& machines);
+std::string AsJson(std::span<const machine::CallInfo> calls);

@@ -1,0 +1,221 @@
+#include "tools/kestova/reports/as_text.h"
+
+#include "base/utf.h"
+#include "tools/kestova/common/text.h"
+#include "tools/kestova/reports/call_words.h"
+
+namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+// --- values ---
+
+std::string Plain(std::monostate) {
+    return "";
+}
+
+std::string Plain(bool flag) {
+    return flag ? "true" : "false";
+}
+
+std::string Plain(int number) {
+    return std::to_string(number);
+}
+
+std::string Plain(const std::string& text) {
+    return text == std::string(1, '\0') ? "NUL" : text;
+}
+
+// "C: disk 0, partition 2; D: disk 0, partition 3".
+std::string Plain(const std::vector<DriveRecord>& records) {
+    std::string text;
+    for (const DriveRecord& record : records) {
+        text += (text.empty() ? "" : "; ") + record.letter + ": disk " + std::to_string(record.disk) +
+                ", partition " + std::to_string(record.partition);
+    }
+    return text.empty() ? "none" : text;
+}
+
+std::string Plain(const Value& value) {
+    return std::visit([](const auto& held) { return Plain(held); }, value);
+}
+
+std::string Or(const std::optional<std::string>& text, const char* none) {
+    return text.value_or(none);
+}
+
+std::string Or(const std::optional<int>& number, const char* none) {
+    return number ? std::to_string(*number) : none;
+}
+
+std::string Or(const std::optional<WCHAR>& letter, const char* none) {
+    return letter ? LetterText(*letter) : none;
+}
+
+// --- status and letters ---
+
+// "Windows RE: type and contents"; "-" without a role.
+std::string RolesText(const std::vector<Role>& roles) {
+    std::string text;
+    for (const Role& role : roles)
+        text += (text.empty() ? "" : "; ") + std::string(role.role) + ": " + role.reason;
+    return text.empty() ? "-" : text;
+}
+
+std::vector<std::string> PartitionRow(const PartitionReport& partition) {
+    return {std::to_string(partition.number),
+            SizeText(static_cast<uint64_t>(partition.size)),
+            partition.typeName,
+            partition.active ? "active" : "-",
+            Or(partition.letter, "-"),
+            Or(partition.label, "-"),
+            Or(partition.fileSystem, "-"),
+            partition.hide ? "hide" : "-",
+            RolesText(partition.roles)};
+}
+
+std::string WindowsText(const std::optional<WindowsPlace>& windows) {
+    if (!windows) return "not found";
+    return LetterText(windows->letter) + ": disk " + std::to_string(windows->disk) + ", partition " +
+           std::to_string(windows->partition);
+}
+
+std::string EncryptedText(const std::optional<std::string>& letters) {
+    return letters == "" ? "none" : Or(letters, "BitLocker cannot be asked");
+}
+
+// Without a number there is none only where every flag could be read.
+const char* NoActivePartition(const StatusReport& status) {
+    if (!status.internalDisk) return "-";
+    return status.problem.empty() ? "none" : "unknown";
+}
+
+// --- operations ---
+
+std::string ValueText(const Value& value, const std::vector<Meaning>& meanings, const char* otherwise) {
+    const Meaning* const meaning = FindMeaning(meanings, value);
+    const std::string words = meaning != nullptr ? meaning->words : otherwise;
+    return Plain(value) + (words.empty() ? "" : ": " + words);
+}
+
+std::string TraceLine(const LogEntry& record) {
+    return "  log " + std::to_string(record.level) + "  " + OneLine(ToUtf8(record.Text())) + "\n";
+}
+
+std::string TraceLine(const machine::CallRecord& call) {
+    std::string arguments;
+    for (const std::string& argument : call.arguments)
+        arguments += (arguments.empty() ? "" : ", ") + Plain(argument);
+    return "  " + call.call + "(" + OneLine(arguments) + ") = " + call.result +
+           (call.injected ? "  (injected)" : "") + "\n";
+}
+
+// "(0, 2) = C: its letter"; an operation without a result has nothing after its arguments.
+std::string CallText(const OperationReport& report) {
+    std::string arguments;
+    for (const auto& [name, value] : report.arguments)
+        arguments += (arguments.empty() ? "" : ", ") + Plain(value);
+    const std::string text = "(" + arguments + ")";
+    if (IsNothing(report.result)) return text;
+    const Operation& operation = *report.operation;
+    return text + " = " + ValueText(report.result, operation.results, operation.otherwise);
+}
+
+// What follows the words of an argument that may be left out.
+std::string StandardText(const Parameter& parameter) {
+    return IsNothing(parameter.standard) ? "" : "; " + Plain(parameter.standard) + " when left out";
+}
+
+Rows MeaningRows(const std::vector<Meaning>& meanings) {
+    Rows rows;
+    for (const Meaning& meaning : meanings)
+        rows.push_back({Plain(meaning.value), meaning.words});
+    return rows;
+}
+
+std::string OperationText(const Operation& operation) {
+    std::string text = Usage(operation) + "\n  " + operation.summary + "\n";
+    for (const Parameter& parameter : operation.parameters) {
+        text += "  " + parameter.name + (parameter.output ? " (output): " : ": ") + parameter.words +
+                StandardText(parameter) + "\n" + Table(MeaningRows(parameter.meanings), "    ");
+    }
+    const std::string results = ResultsText(operation, "    ");
+    return text + (results.empty() ? "  without a result\n" : "  result:\n" + results);
+}
+
+}  // namespace
+
+std::string AsText(const StatusReport& status) {
+    std::string text = Table({{"Firmware", status.firmware},
+                              {"Running system", status.system},
+                              {"Windows directory", Or(status.windowsDirectory, "unknown")},
+                              {"Internal disk", Or(status.internalDisk, "unknown")},
+                              {"Partition style", Or(status.style, "-")},
+                              {"Active partition", Or(status.activePartition, NoActivePartition(status))},
+                              {"Layout", status.layoutName},
+                              {"Installed Windows", WindowsText(status.windows)},
+                              {"Encrypted volumes", EncryptedText(status.encryptedVolumes)},
+                              {"Recovery disc", Or(status.recoveryDisc, "none")},
+                              {"Recovery stick", Or(status.recoveryStick, "none")},
+                              {"Cache partition", status.cachePartition ? "yes" : "no"}},
+                             "");
+    if (status.partitions.empty()) return text;
+    Rows rows = {{"#", "Size", "Type", "Active", "Letter", "Label", "File system", "Hide", "Role: reason"}};
+    for (const PartitionReport& partition : status.partitions)
+        rows.push_back(PartitionRow(partition));
+    return text + "\n" + Table(rows, "  ");
+}
+
+std::string AsText(const LettersReport& letters) {
+    Rows rows = {{"Letter", "Disk", "Partition", "Here"}};
+    for (const LetterReport& letter : letters.letters)
+        rows.push_back(
+            {letter.letter, Or(letter.disk, "-"), Or(letter.partition, "-"), Or(letter.here, "-")});
+    return Table(rows, "");
+}
+
+std::string AsText(const OperationReport& report) {
+    const Operation& operation = *report.operation;
+    std::string text = TraceText(report) + operation.name + CallText(report) + "\n";
+    for (const Parameter& parameter : operation.parameters) {
+        if (!parameter.output) continue;
+        text += "  " + parameter.name + " = " +
+                ValueText(ValueOf(report.outputs, parameter.name), parameter.meanings, "") + "\n";
+    }
+    return text;
+}
+
+std::string AsText(const std::vector<Operation>& operations) {
+    std::string text;
+    for (const Operation& operation : operations)
+        text += (text.empty() ? "" : "\n") + OperationText(operation);
+    return text;
+}
+
+std::string AsText(const std::vector<machine::NamedMachine>& machines) {
+    Rows rows;
+    for (const machine::NamedMachine& named : machines)
+        rows.push_back({std::string(named.name), std::string(named.summary)});
+    return Table(rows, "");
+}
+
+std::string AsText(std::span<const machine::CallInfo> calls) {
+    Rows rows = {{"Call", "Fails with", "Changes the PC"}};
+    for (const machine::CallInfo& call : calls)
+        rows.push_back({std::string(call.name), FailureWords(call.failsWith), call.changesPc ? "yes" : "no"});
+    return Table(rows, "");
+}
+
+std::string TraceText(const OperationReport& report) {
+    std::string text;
+    if (!report.trace) return text;
+    for (const machine::JournalEntry& entry : *report.trace)
+        text += std::visit([](const auto& happened) { return TraceLine(happened); }, entry);
+    return text;
+}
+
+std::string ResultsText(const Operation& operation, const std::string& indent) {
+    Rows rows = MeaningRows(operation.results);
+    if (*operation.otherwise != '\0') rows.push_back({"else", operation.otherwise});
+    return Table(rows, indent);
+}

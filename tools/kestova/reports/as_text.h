@@ -1,0 +1,29 @@
+// Every report as text for people, ended by a line feed.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "machine/facts/call_table.h"
+#include "machine/facts/machines.h"
+#include "tools/kestova/reports/letters.h"
+#include "tools/kestova/reports/status.h"
+
+// Remark and problem are left out: they belong on standard error.
+std::string AsText(const StatusReport& status);
+std::string AsText(const LettersReport& letters);
+
+// "GetDriveLetter(0, 2) = C: its letter", the outputs below it, and the trace before it when there is one.
+std::string AsText(const OperationReport& report);
+
+// Each operation with its arguments, and its results in words.
+std::string AsText(const std::vector<Operation>& operations);
+std::string AsText(const std::vector<machine::NamedMachine>& machines);
+std::string AsText(std::span<const machine::CallInfo> calls);
+
+// A line for each entry; empty without a trace.
+std::string TraceText(const OperationReport& report);
+
+// The result codes of an operation in words, a line each.
+std::string ResultsText(const Operation& operation, const std::string& indent);
