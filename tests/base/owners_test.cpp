@@ -34,12 +34,12 @@ class OwnerTest : public testing::Test {
     void SetUp() override { released.clear(); }
 };
 
-TEST_F(OwnerTest, EndReleasesOnce) {
+TEST_F(OwnerTest, EndOfScope_ReleasesOnce) {
     { const OwnedNumber owner(7); }
     EXPECT_EQ(released, Released{7});
 }
 
-TEST_F(OwnerTest, EmptyReleasesNothing) {
+TEST_F(OwnerTest, Empty_ReleasesNothing) {
     {
         OwnedNumber owner;
         EXPECT_FALSE(owner);
@@ -48,7 +48,7 @@ TEST_F(OwnerTest, EmptyReleasesNothing) {
     EXPECT_EQ(released, Released{});
 }
 
-TEST_F(OwnerTest, MoveOntoAFullOneReleasesWhatWasThere) {
+TEST_F(OwnerTest, MoveOntoAFullOne_ReleasesItsResource) {
     {
         OwnedNumber full(1);
         OwnedNumber source(2);
@@ -60,7 +60,7 @@ TEST_F(OwnerTest, MoveOntoAFullOneReleasesWhatWasThere) {
     EXPECT_EQ(released, (Released{1, 2}));
 }
 
-TEST_F(OwnerTest, MoveConstructionLeavesTheSourceEmpty) {
+TEST_F(OwnerTest, MoveConstruction_LeavesTheSourceEmpty) {
     {
         OwnedNumber source(3);
         const OwnedNumber taken(std::move(source));
@@ -70,7 +70,7 @@ TEST_F(OwnerTest, MoveConstructionLeavesTheSourceEmpty) {
     EXPECT_EQ(released, Released{3});
 }
 
-TEST_F(OwnerTest, SelfMoveKeepsTheResource) {
+TEST_F(OwnerTest, SelfMove_KeepsTheResource) {
     OwnedNumber owner(4);
     OwnedNumber& same = owner;
     owner = std::move(same);
@@ -78,7 +78,7 @@ TEST_F(OwnerTest, SelfMoveKeepsTheResource) {
     EXPECT_EQ(released, Released{});
 }
 
-TEST_F(OwnerTest, PutReleasesWhatWasThere) {
+TEST_F(OwnerTest, Put_ReleasesItsResource) {
     {
         OwnedNumber owner(5);
         *owner.Put() = 6;
@@ -87,7 +87,7 @@ TEST_F(OwnerTest, PutReleasesWhatWasThere) {
     EXPECT_EQ(released, (Released{5, 6}));
 }
 
-TEST_F(OwnerTest, DetachGivesTheResourceAway) {
+TEST_F(OwnerTest, Detach_GivesTheResourceAway) {
     {
         OwnedNumber owner(8);
         EXPECT_EQ(owner.Detach(), 8);
@@ -96,7 +96,7 @@ TEST_F(OwnerTest, DetachGivesTheResourceAway) {
     EXPECT_EQ(released, Released{});
 }
 
-TEST_F(OwnerTest, ResetTakesTheOtherValue) {
+TEST_F(OwnerTest, Reset_TakesTheOtherValue) {
     {
         OwnedNumber owner(9);
         owner.Reset(10);
@@ -105,7 +105,7 @@ TEST_F(OwnerTest, ResetTakesTheOtherValue) {
     EXPECT_EQ(released, (Released{9, 10}));
 }
 
-TEST(ComPtr, ReleasesTheReference) {
+TEST(ComPtr, EndOfScope_ReleasesTheReference) {
     CountedObject object;
     {
         const ComPtr<IUnknown> pointer(&object);
@@ -115,7 +115,7 @@ TEST(ComPtr, ReleasesTheReference) {
 }
 
 // Each of these resources goes back through its own call, or the PC's books do not balance.
-TEST(Owners, GiveBackWhatThePlatformLent) {
+TEST(Owners, EndOfScope_EveryOwnerReleasesItsResource) {
     machine::Pc facts = machine::FactoryMbr();
     HostedPc pc(facts);
     const Bstr text(SysAllocString(TEXT("text")));
@@ -127,7 +127,7 @@ TEST(Owners, GiveBackWhatThePlatformLent) {
     EXPECT_THAT(pc.emulated.ledger.Outstanding(), testing::SizeIs(5));  // with COM itself
 }
 
-TEST(WithInterface, SuccessWithoutInterfaceIsInvalid) {
+TEST(WithInterface, SuccessWithoutInterface_IsInvalid) {
     const int interfaceStandIn = 0;
     EXPECT_EQ(WithInterface(S_OK, nullptr), E_INVALIDARG);
     EXPECT_EQ(WithInterface(S_FALSE, nullptr), E_INVALIDARG);
@@ -136,7 +136,7 @@ TEST(WithInterface, SuccessWithoutInterfaceIsInvalid) {
     EXPECT_EQ(WithInterface(E_FAIL, nullptr), E_FAIL);
 }
 
-TEST(Variant, TextOfAString) {
+TEST(Variant, String_ReturnsItsText) {
     const HostedPc pc(machine::FactoryMbr());
     Variant value;
     V_VT(value.Put()) = VT_BSTR;
@@ -145,7 +145,7 @@ TEST(Variant, TextOfAString) {
     EXPECT_EQ(V_VT(value.Put()), VT_EMPTY);  // the string is freed
 }
 
-TEST(Variant, TextOfAnythingElseIsEmpty) {
+TEST(Variant, AnythingElse_ReturnsAnEmptyText) {
     const HostedPc pc(machine::FactoryMbr());
     Variant value;
     EXPECT_EQ(value.Text(), WideString());

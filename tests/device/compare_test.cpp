@@ -131,7 +131,7 @@ const Case cases[] = {
 
 class Compare : public testing::TestWithParam<Case> {};
 
-TEST_P(Compare, DecisionTable) {
+TEST_P(Compare, Row_KeepsOrReplacesTheDisk) {
     const HostedPc pc(machine::FactoryMbr());
     tagDiskDriveTable_t table;
     table.nCount = 2;

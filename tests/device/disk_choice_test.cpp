@@ -42,48 +42,48 @@ constexpr const char* orderAThenB = "[OrderIndex]\r\nDeviceID1=A\r\nDeviceID2=B\
 
 }  // namespace
 
-TEST(GetFirstInternalDriveNumber, OneDisk) {
+TEST(GetFirstInternalDriveNumber, OneDisk_IsChosen) {
     const HostedPc pc(PcWithDisks({DiskOn(0, "A", 0)}));
     EXPECT_EQ(Choose(pc), (Choice{TRUE, 0, 0}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_one_disk");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, WithoutExclusionNothingIsSkipped) {
+TEST(GetFirstInternalDriveNumber, NoDiskToSkip_SkipsNone) {
     const HostedPc pc(PcWithDisks({DiskOn(0, "A", 0)}));
     int number = 99;
     int marker = 99;
     EXPECT_EQ(CDiskDrive().GetFirstInternalDriveNumber(number, marker), TRUE);
     EXPECT_EQ(number, 0);
     EXPECT_EQ(marker, 0);
-    ExpectTranscript(pc.emulated.journal, "device/choice_one_disk");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, WinPeWithIdeIni) {
+TEST(GetFirstInternalDriveNumber, WinPeWithIdeIni_ReturnsDisk0) {
     const HostedPc pc(machine::WinPeTwoDisks());
     EXPECT_EQ(Choose(pc), (Choice{TRUE, 0, 0}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_winpe_two_disks");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, SecondChoiceOfWinPe) {
+TEST(GetFirstInternalDriveNumber, FirstChoiceSkipped_ReturnsTheSecond) {
     const HostedPc pc(machine::WinPeTwoDisks());
     EXPECT_EQ(Choose(pc, 0), (Choice{TRUE, 1, 0}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_winpe_second");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, NoDisk) {
+TEST(GetFirstInternalDriveNumber, NoDisk_ReturnsNone) {
     const HostedPc pc(PcWithDisks({}));
     EXPECT_EQ(Choose(pc), (Choice{FALSE, -1, 99}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_no_disk");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, TableThatFails) {
+TEST(GetFirstInternalDriveNumber, FailingTable_Fails) {
     HostedPc pc(PcWithDisks({DiskOn(0, "A", 0)}));
     pc.Fail("IWbemLocator::ConnectServer", 0x8004100E);
     EXPECT_EQ(Choose(pc), (Choice{FALSE, -1, 99}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_no_wmi");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, SixtyThreeDisksSucceedSixtyFourDoNot) {
+TEST(GetFirstInternalDriveNumber, SixtyFourDisks_FailSixtyThreeDoNot) {
     std::vector<machine::Disk> disks;
     for (uint32_t number = 0; number < 63; ++number)
         disks.push_back(BareDisk(number));
@@ -91,10 +91,10 @@ TEST(GetFirstInternalDriveNumber, SixtyThreeDisksSucceedSixtyFourDoNot) {
     disks.push_back(BareDisk(63));
     const HostedPc pc(PcWithDisks(disks));
     EXPECT_EQ(Choose(pc), (Choice{FALSE, -1, 99}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_64_disks");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, OnlyAtaRaidAndSataAreInternal) {
+TEST(GetFirstInternalDriveNumber, OnlyAtaRaidAndSata_AreInternal) {
     for (uint32_t bus = 0; bus <= 127; ++bus) {
         machine::Disk disk = DiskOn(0, "A", 0);
         disk.storageBusType = bus;
@@ -105,7 +105,7 @@ TEST(GetFirstInternalDriveNumber, OnlyAtaRaidAndSataAreInternal) {
     }
 }
 
-TEST(GetFirstInternalDriveNumber, OnlyIdeAndScsiAreInternal) {
+TEST(GetFirstInternalDriveNumber, OnlyIdeAndScsi_AreInternal) {
     for (const char* kind : {"IDE", "SCSI", "USB", "1394", "HDC"}) {
         machine::Disk disk = DiskOn(0, "A", 0);
         disk.wmi->interfaceType = kind;
@@ -116,24 +116,24 @@ TEST(GetFirstInternalDriveNumber, OnlyIdeAndScsiAreInternal) {
     }
 }
 
-TEST(GetFirstInternalDriveNumber, DiskWhoseBusStaysUnknownIsNeverChosen) {
+TEST(GetFirstInternalDriveNumber, UnknownBus_IsNeverChosen) {
     machine::Disk disk = DiskOn(0, "A", 0);
     disk.storageBusType = machine::Fact<uint32_t>::Fails(ERROR_NOT_SUPPORTED);
     EXPECT_EQ(Choose(HostedPc(PcWithDisks({disk}))), (Choice{FALSE, -1, 99}));
 }
 
-TEST(GetFirstInternalDriveNumber, SmallestLocationWins) {
+TEST(GetFirstInternalDriveNumber, SmallestLocation_Wins) {
     const HostedPc pc(PcWithDisks({DiskOn(0, "A", 2), DiskOn(1, "A", 0), DiskOn(2, "A", 1)}));
     EXPECT_EQ(Choose(pc), (Choice{TRUE, 1, 0}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_smallest_location");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, LowestNumberWhenNoDiskTellsAnything) {
+TEST(GetFirstInternalDriveNumber, NothingKnown_ReturnsTheLowestNumber) {
     EXPECT_EQ(Choose(HostedPc(PcWithDisks({BareDisk(3), BareDisk(1), BareDisk(2)}))), (Choice{TRUE, 1, -1}));
 }
 
 // A fact of any eligible disk takes the number's say away; the first seen stays.
-TEST(GetFirstInternalDriveNumber, FirstSeenWhenOneDiskTellsSomething) {
+TEST(GetFirstInternalDriveNumber, OneLocationKnown_ReturnsTheFirstSeen) {
     EXPECT_EQ(Choose(HostedPc(PcWithDisks({BareDisk(3), BareDisk(1), DiskOn(2, "A", 0)}))),
               (Choice{TRUE, 3, -1}));
     machine::Disk addressed = BareDisk(2);
@@ -141,67 +141,67 @@ TEST(GetFirstInternalDriveNumber, FirstSeenWhenOneDiskTellsSomething) {
     EXPECT_EQ(Choose(HostedPc(PcWithDisks({BareDisk(3), BareDisk(1), addressed}))), (Choice{TRUE, 3, -1}));
 }
 
-TEST(GetFirstInternalDriveNumber, WhatExternalDisksTellDoesNotCount) {
+TEST(GetFirstInternalDriveNumber, ExternalDisks_DoNotCount) {
     machine::Disk usb = DiskOn(2, "A", 0);
     usb.wmi->interfaceType = "USB";
     usb.scsiAddress = machine::ScsiAddress{};
     EXPECT_EQ(Choose(HostedPc(PcWithDisks({usb, BareDisk(3), BareDisk(1)}))), (Choice{TRUE, 1, -1}));
 }
 
-TEST(GetFirstInternalDriveNumber, MarkerOfTheChosenDisk) {
+TEST(GetFirstInternalDriveNumber, ChosenDisk_ReturnsItsMarker) {
     machine::Disk target = BareDisk(0);
     target.location = std::string("Bus Number 6, Target Id 2, LUN 0");
     EXPECT_EQ(Choose(HostedPc(PcWithDisks({target}))), (Choice{TRUE, 0, 1}));
 }
 
-TEST(GetFirstInternalDriveNumber, ExcludedControllerIsPassedOver) {
+TEST(GetFirstInternalDriveNumber, ExcludedController_IsPassedOver) {
     const HostedPc pc(Ordered({DiskOn(0, "A", 0), DiskOn(1, "B", 1)}, "[Exclude]\r\nDeviceID1=A\r\n"));
     EXPECT_EQ(Choose(pc), (Choice{TRUE, 1, 0}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_excluded");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, EverythingExcluded) {
+TEST(GetFirstInternalDriveNumber, EveryControllerExcluded_ReturnsNone) {
     const HostedPc pc(Ordered({DiskOn(0, "A", 0)}, "[Exclude]\r\nDeviceID1=A\r\n"));
     EXPECT_EQ(Choose(pc), (Choice{FALSE, -1, 99}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_everything_excluded");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, ExcludeKeysBehindAGapAreNotRead) {
+TEST(GetFirstInternalDriveNumber, ExcludeKeysBehindAGap_AreNotRead) {
     const char* const ini = "[Exclude]\r\nDeviceID1=X\r\nDeviceID3=A\r\n";
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 0)}, ini))), (Choice{TRUE, 0, 0}));
 }
 
 // The records at the end show the last answers of the two checks, whatever disk they were about.
-TEST(GetFirstInternalDriveNumber, LastExcludedIsWhatTheEndShows) {
+TEST(GetFirstInternalDriveNumber, LastDiskExcluded_EndShowsIt) {
     const HostedPc pc(Ordered({DiskOn(0, "A", 0), DiskOn(1, "B", 1)},
                               "[Exclude]\r\nDeviceID1=B\r\n[OrderIndex]\r\nDeviceID1=A\r\n"));
     EXPECT_EQ(Choose(pc), (Choice{TRUE, 0, 0}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_last_excluded");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, ListedDiskReplacesAnUnlistedOne) {
+TEST(GetFirstInternalDriveNumber, ListedDisk_ReplacesAnUnlistedOne) {
     const HostedPc pc(Ordered({DiskOn(0, "C", 0), DiskOn(1, "B", 5)}, orderAThenB));
     EXPECT_EQ(Choose(pc), (Choice{TRUE, 1, 0}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_listed");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, UnlistedDiskDoesNotReplaceAListedOne) {
+TEST(GetFirstInternalDriveNumber, UnlistedDisk_DoesNotReplaceAListedOne) {
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "B", 5), DiskOn(1, "C", 0)}, orderAThenB))),
               (Choice{TRUE, 0, 0}));
 }
 
-TEST(GetFirstInternalDriveNumber, SmallerOrderWins) {
+TEST(GetFirstInternalDriveNumber, SmallerOrder_Wins) {
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "B", 0), DiskOn(1, "A", 5)}, orderAThenB))),
               (Choice{TRUE, 1, 0}));
 }
 
-TEST(GetFirstInternalDriveNumber, LargerOrderLoses) {
+TEST(GetFirstInternalDriveNumber, LargerOrder_Loses) {
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 5), DiskOn(1, "B", 0)}, orderAThenB))),
               (Choice{TRUE, 0, 0}));
 }
 
 // Disk 2 meets the order of disk 0, not that of disk 1, which lost.
-TEST(GetFirstInternalDriveNumber, DiskThatLosesLeavesTheBestOrder) {
+TEST(GetFirstInternalDriveNumber, LosingDisk_LeavesTheBestOrder) {
     for (const char* const loser : {"B", "C"}) {
         EXPECT_EQ(Choose(HostedPc(
                       Ordered({DiskOn(0, "A", 5), DiskOn(1, loser, 0), DiskOn(2, "B", 0)}, orderAThenB))),
@@ -210,54 +210,54 @@ TEST(GetFirstInternalDriveNumber, DiskThatLosesLeavesTheBestOrder) {
     }
 }
 
-TEST(GetFirstInternalDriveNumber, EqualOrderComparesTheDisks) {
+TEST(GetFirstInternalDriveNumber, EqualOrder_ComparesTheDisks) {
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 5), DiskOn(1, "A", 2)}, orderAThenB))),
               (Choice{TRUE, 1, 0}));
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 2), DiskOn(1, "A", 5)}, orderAThenB))),
               (Choice{TRUE, 0, 0}));
 }
 
-TEST(GetFirstInternalDriveNumber, UnlistedThenListedThenPreferred) {
+TEST(GetFirstInternalDriveNumber, UnlistedListedPreferred_ReturnsThePreferred) {
     EXPECT_EQ(
         Choose(HostedPc(Ordered({DiskOn(0, "C", 0), DiskOn(1, "B", 0), DiskOn(2, "A", 9)}, orderAThenB))),
         (Choice{TRUE, 2, 0}));
 }
 
-TEST(GetFirstInternalDriveNumber, OnlyDiskSkipped) {
+TEST(GetFirstInternalDriveNumber, OnlyDiskSkipped_ReturnsNone) {
     const HostedPc pc(PcWithDisks({DiskOn(0, "A", 0)}));
     EXPECT_EQ(Choose(pc, 0), (Choice{TRUE, -1, 99}));
-    ExpectTranscript(pc.emulated.journal, "device/choice_only_disk_skipped");
+    ExpectTranscript(pc.emulated.journal);
 }
 
-TEST(GetFirstInternalDriveNumber, SkippedDiskIsNotCompared) {
+TEST(GetFirstInternalDriveNumber, SkippedDisk_IsNotCompared) {
     EXPECT_EQ(Choose(HostedPc(PcWithDisks({DiskOn(0, "A", 5), DiskOn(1, "A", 0)})), 1), (Choice{TRUE, 0, 0}));
 }
 
-TEST(GetFirstInternalDriveNumber, SkippedListedDiskDoesNotReplaceAnUnlistedOne) {
+TEST(GetFirstInternalDriveNumber, SkippedListedDisk_DoesNotReplaceAnUnlistedOne) {
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "C", 0), DiskOn(1, "A", 0)}, orderAThenB)), 1),
               (Choice{TRUE, 0, 0}));
 }
 
-TEST(GetFirstInternalDriveNumber, SkippedDiskOfEqualOrderIsNotCompared) {
+TEST(GetFirstInternalDriveNumber, SkippedDiskOfEqualOrder_IsNotCompared) {
     EXPECT_EQ(Choose(HostedPc(Ordered({DiskOn(0, "A", 5), DiskOn(1, "A", 0)}, orderAThenB)), 1),
               (Choice{TRUE, 0, 0}));
 }
 
 // Its order is not remembered either: disk 2 is still compared with disk 0, which has the same order.
-TEST(GetFirstInternalDriveNumber, SkippedDiskLeavesTheBestOrder) {
+TEST(GetFirstInternalDriveNumber, SkippedDisk_LeavesTheBestOrder) {
     EXPECT_EQ(
         Choose(HostedPc(Ordered({DiskOn(0, "B", 5), DiskOn(1, "A", 0), DiskOn(2, "B", 1)}, orderAThenB)), 1),
         (Choice{TRUE, 2, 0}));
 }
 
-TEST(GetFirstInternalDriveNumber, SkippedFirstDiskLeavesTheBestOrder) {
+TEST(GetFirstInternalDriveNumber, SkippedFirstDisk_LeavesTheBestOrder) {
     EXPECT_EQ(
         Choose(HostedPc(Ordered({DiskOn(0, "A", 0), DiskOn(1, "C", 5), DiskOn(2, "C", 1)}, orderAThenB)), 0),
         (Choice{TRUE, 2, 0}));
 }
 
 // A device id that opens but names no physical drive: its row bears -1, the number of no disk.
-TEST(GetFirstInternalDriveNumber, DiskWithoutNumber) {
+TEST(GetFirstInternalDriveNumber, DiskWithoutNumber_IsNotChosen) {
     machine::Pc facts = machine::FactoryMbr();
     facts.disks[0].wmi->deviceId = "\\\\.\\C:";
     EXPECT_EQ(Choose(HostedPc(facts)), (Choice{TRUE, -1, 99}));

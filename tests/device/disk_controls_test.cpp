@@ -1,4 +1,4 @@
-// What disks tell about themselves.
+// The SCSI address and the storage descriptor of a disk.
 #include <gtest/gtest.h>
 
 #include "device/disk_drive.h"
@@ -18,7 +18,7 @@ machine::Pc OneDisk() {
 
 }  // namespace
 
-TEST(GetScsiAddress, AddressOfTheDisk) {
+TEST(GetScsiAddress, ScsiDisk_ReturnsItsAddress) {
     const HostedPc pc(OneDisk());
     SCSI_ADDRESS address = {};
     EXPECT_EQ(CDiskDrive().GetScsiAddress(diskPath, address), 0U);
@@ -29,7 +29,7 @@ TEST(GetScsiAddress, AddressOfTheDisk) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "4 Kestova CDiskDrive::GetScsiAddress End (0)\n");
 }
 
-TEST(GetScsiAddress, OpensTheDiskForReadingAndWritingByAll) {
+TEST(GetScsiAddress, ScsiDisk_IsOpenedForReadingAndWritingByAll) {
     const HostedPc pc(OneDisk());
     SCSI_ADDRESS address = {};
     CDiskDrive().GetScsiAddress(diskPath, address);
@@ -39,7 +39,7 @@ TEST(GetScsiAddress, OpensTheDiskForReadingAndWritingByAll) {
                 testing::ElementsAre("\\\\.\\PHYSICALDRIVE0", "0xc0000000", "0x00000003", "OPEN_EXISTING"));
 }
 
-TEST(GetScsiAddress, NotOpened) {
+TEST(GetScsiAddress, DiskThatDoesNotOpen_Fails) {
     const HostedPc pc(OneDisk());
     SCSI_ADDRESS address = {};
     EXPECT_EQ(CDiskDrive().GetScsiAddress(TEXT("\\\\.\\PHYSICALDRIVE9"), address), DEVICE_NOT_OPENED);
@@ -47,7 +47,7 @@ TEST(GetScsiAddress, NotOpened) {
               "4 Kestova CDiskDrive::GetScsiAddress CreateFile INVALID_HANDLE_VALUE (1)\n");
 }
 
-TEST(GetScsiAddress, DiskWithoutAddress) {
+TEST(GetScsiAddress, DiskWithoutAddress_Fails) {
     machine::Pc facts = OneDisk();
     facts.disks[0].scsiAddress = machine::Fact<machine::ScsiAddress>::Fails(ERROR_NOT_SUPPORTED);
     const HostedPc pc(facts);
@@ -59,7 +59,7 @@ TEST(GetScsiAddress, DiskWithoutAddress) {
 }
 
 // A failing CloseHandle must not hide why the control failed.
-TEST(GetScsiAddress, ErrorOfTheControlIsTheOneRecorded) {
+TEST(GetScsiAddress, FailingControl_RecordsItsError) {
     HostedPc pc(OneDisk());
     pc.Fail("DeviceIoControl", ERROR_GEN_FAILURE);
     pc.emulated.faults.Arm({.call = "CloseHandle", .afterEffect = true, .code = ERROR_INVALID_HANDLE});
@@ -70,7 +70,7 @@ TEST(GetScsiAddress, ErrorOfTheControlIsTheOneRecorded) {
         "4 Kestova CDiskDrive::GetScsiAddress DeviceIoControl return False (2) GetLastError = {ulong 31}\n");
 }
 
-TEST(QueryStorageProperty, DescriptorOfTheDisk) {
+TEST(QueryStorageProperty, SataDisk_ReturnsItsDescriptor) {
     const HostedPc pc(OneDisk());
     GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
     EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), 0U);
@@ -80,7 +80,7 @@ TEST(QueryStorageProperty, DescriptorOfTheDisk) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "4 Kestova CDiskDrive::QueryStorageProperty End (0)\n");
 }
 
-TEST(QueryStorageProperty, NotOpened) {
+TEST(QueryStorageProperty, DiskThatDoesNotOpen_Fails) {
     const HostedPc pc(OneDisk());
     GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
     EXPECT_EQ(CDiskDrive().QueryStorageProperty(TEXT("\\\\.\\PHYSICALDRIVE9"), descriptor),
@@ -89,7 +89,7 @@ TEST(QueryStorageProperty, NotOpened) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
-TEST(QueryStorageProperty, SizeUnknown) {
+TEST(QueryStorageProperty, UnknownSize_Fails) {
     machine::Pc facts = OneDisk();
     facts.disks[0].storageBusType = machine::Fact<uint32_t>::Fails(ERROR_NOT_SUPPORTED);
     const HostedPc pc(facts);
@@ -99,7 +99,7 @@ TEST(QueryStorageProperty, SizeUnknown) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
-TEST(QueryStorageProperty, NoMemory) {
+TEST(QueryStorageProperty, NoMemory_Fails) {
     HostedPc pc(OneDisk());
     pc.Fail("GlobalAlloc", ERROR_NOT_ENOUGH_MEMORY);
     GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
@@ -108,7 +108,7 @@ TEST(QueryStorageProperty, NoMemory) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
-TEST(QueryStorageProperty, NotRead) {
+TEST(QueryStorageProperty, UnreadableDescriptor_Fails) {
     HostedPc pc(OneDisk());
     pc.Fail("DeviceIoControl", ERROR_GEN_FAILURE, 2);
     GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
@@ -119,7 +119,7 @@ TEST(QueryStorageProperty, NotRead) {
         "4 Kestova CDiskDrive::QueryStorageProperty DeviceIoControl return False GetLastError: {ulong 31}\n");
 }
 
-TEST(QueryStorageProperty, AsksForTheWholeDescriptor) {
+TEST(QueryStorageProperty, SataDisk_IsAskedForTheWholeDescriptor) {
     const HostedPc pc(OneDisk());
     GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
     CDiskDrive().QueryStorageProperty(diskPath, descriptor);

@@ -1,4 +1,4 @@
-// The volumes that BitLocker has encrypted, as its WMI provider tells them.
+// The volumes that BitLocker has encrypted, as its WMI provider reports them.
 #include "device/encrypt_volume.h"
 
 #include "tests/device/hosted_pc.h"
@@ -65,7 +65,7 @@ std::string Ended(int count, const std::string& status) {
 
 }  // namespace
 
-TEST(GetEncryptVolume, TellsIdAndLetterOfEachEncryptedVolume) {
+TEST(GetEncryptVolume, TwoEncryptedVolumes_ReturnsIdAndLetterOfEach) {
     Query query({Encrypted("C"), NotEncrypted("D"), Encrypted("E")});
     EXPECT_EQ(query.Ask(), 1);
     EXPECT_EQ(query.Ids(), (Texts{TEXT("\\\\?\\Volume{C}\\"), TEXT("\\\\?\\Volume{E}\\")}));
@@ -73,7 +73,7 @@ TEST(GetEncryptVolume, TellsIdAndLetterOfEachEncryptedVolume) {
     EXPECT_EQ(query.Records(), started + Ended(2, "1"));
 }
 
-TEST(GetEncryptVolume, AsksEachVolumeByItsPath) {
+TEST(GetEncryptVolume, EveryVolume_IsAskedByItsPath) {
     Query query({Encrypted("C")});
     EXPECT_EQ(query.Ask(), 1);
     const auto calls = query.emulated.journal.Calls("IWbemServices::ExecMethod");
@@ -86,7 +86,7 @@ TEST(GetEncryptVolume, AsksEachVolumeByItsPath) {
     EXPECT_THAT(opened[0].arguments, testing::Contains("48"));
 }
 
-TEST(GetEncryptVolume, SucceedsWhenNoVolumeIsEncrypted) {
+TEST(GetEncryptVolume, NoEncryptedVolume_Succeeds) {
     Query query({NotEncrypted("C"), NotEncrypted("D")});
     EXPECT_EQ(query.Ask(), 1);
     EXPECT_EQ(query.record.VolumeCount, 0);
@@ -94,7 +94,7 @@ TEST(GetEncryptVolume, SucceedsWhenNoVolumeIsEncrypted) {
     EXPECT_EQ(query.Records(), started + Ended(0, "1"));
 }
 
-TEST(GetEncryptVolume, TellsAVolumeWithoutALetter) {
+TEST(GetEncryptVolume, VolumeWithoutALetter_IsReturned) {
     EncryptableVolume letterless = Encrypted("C");
     letterless.driveLetter.reset();
     letterless.persistentVolumeId.reset();
@@ -104,7 +104,7 @@ TEST(GetEncryptVolume, TellsAVolumeWithoutALetter) {
 }
 
 // A code of the method's own ends the list, and is no failure of the query.
-TEST(GetEncryptVolume, AsksNobodyBehindAVolumeThatRefuses) {
+TEST(GetEncryptVolume, RefusingVolume_EndsTheSearch) {
     Query query({Encrypted("C"), Refusing("D"), Encrypted("E")});
     EXPECT_EQ(query.Ask(), 1);
     EXPECT_EQ(query.Letters(), (Texts{TEXT("C:")}));
@@ -113,7 +113,7 @@ TEST(GetEncryptVolume, AsksNobodyBehindAVolumeThatRefuses) {
 }
 
 // The fourth property that is read is what the first volume's method returned.
-TEST(GetEncryptVolume, AsksNobodyBehindAPositiveStatus) {
+TEST(GetEncryptVolume, PositiveStatus_EndsTheSearch) {
     Query query({Encrypted("C"), Encrypted("D")});
     query.Fail("IWbemClassObject::Get", 1, 4);
     EXPECT_EQ(query.Ask(), 1);
@@ -122,14 +122,14 @@ TEST(GetEncryptVolume, AsksNobodyBehindAPositiveStatus) {
     EXPECT_EQ(query.Records(), started + Ended(1, "1"));
 }
 
-TEST(GetEncryptVolume, HasRoomForThirtyTwo) {
+TEST(GetEncryptVolume, MoreThan32Volumes_Returns32) {
     Query query(std::vector<EncryptableVolume>(40, Encrypted("C")));
     EXPECT_EQ(query.Ask(), 1);
     EXPECT_EQ(query.Letters(), Texts(encryptVolumeCapacity, TEXT("C:")));
     EXPECT_EQ(query.Records(), started + Ended(32, "1"));
 }
 
-TEST(GetEncryptVolume, FailsWithoutBitLockerAndForgetsWhatTheRecordHeld) {
+TEST(GetEncryptVolume, NoBitLocker_FailsAndEmptiesTheRecord) {
     Query query({});
     query.emulated.facts.encryptableVolumes.reset();
     query.record.VolumeCount = 7;
@@ -143,7 +143,7 @@ TEST(GetEncryptVolume, FailsWithoutBitLockerAndForgetsWhatTheRecordHeld) {
                   "{long -2147217394}\n");
 }
 
-TEST(GetEncryptVolume, FailsWithoutSecurity) {
+TEST(GetEncryptVolume, NoSecurity_Fails) {
     Query query({Encrypted("C")});
     query.Fail("CoInitializeSecurity", failure);
     EXPECT_EQ(query.Ask(), 0);
@@ -156,7 +156,7 @@ TEST(GetEncryptVolume, FailsWithoutSecurity) {
             failed + "}\n");
 }
 
-TEST(GetEncryptVolume, FailsWhenTheVolumesCannotBeListed) {
+TEST(GetEncryptVolume, UnlistedVolumes_Fail) {
     for (const char* const call : {"IWbemServices::CreateInstanceEnum", "IEnumWbemClassObject::Next"}) {
         Query query({Encrypted("C")});
         query.Fail(call, failure);
@@ -166,7 +166,7 @@ TEST(GetEncryptVolume, FailsWhenTheVolumesCannotBeListed) {
 }
 
 // The seven answers that the second of three volumes gives, each of which can be the failing one.
-TEST(GetEncryptVolume, FailsWithWhatItFoundBeforeAVolumeThatCannotTell) {
+TEST(GetEncryptVolume, FailingMethod_FailsWithTheVolumesBefore) {
     const std::pair<const char*, uint32_t> places[] = {{"IWbemClassObject::Get", 6},  // DeviceID
                                                        {"IWbemClassObject::Get", 7},  // PersistentVolumeID
                                                        {"IWbemClassObject::Get", 8},  // DriveLetter
@@ -186,7 +186,7 @@ TEST(GetEncryptVolume, FailsWithWhatItFoundBeforeAVolumeThatCannotTell) {
 }
 
 // A method that ran and gave nothing has failed.
-TEST(GetEncryptVolume, FailsWhenTheMethodGivesNothing) {
+TEST(GetEncryptVolume, MethodWithoutOutput_Fails) {
     Query query({Encrypted("C")});
     query.Fail("IWbemServices::ExecMethod", S_OK);
     EXPECT_EQ(query.Ask(), 0);

@@ -32,8 +32,8 @@ class HostedPc {
     std::optional<ComApartment> com_{std::in_place};
 };
 
-// A SATA disk that WMI lists as an IDE disk without controller, and that tells neither location nor SCSI
-// address.
+// A SATA disk that WMI lists as an IDE disk without a controller; it reports neither a location nor a
+// SCSI address.
 inline machine::Disk BareDisk(uint32_t number) {
     const std::string digits = std::to_string(number);
     machine::Disk disk;

@@ -1,4 +1,4 @@
-// What the running Windows is and where it lies. Nothing of this is logged.
+// Whether Windows PE runs, and the disk of the running Windows. Neither is logged.
 #include <gtest/gtest.h>
 
 #include "device/disk_drive.h"
@@ -45,45 +45,45 @@ constexpr CurrentDrive unknown = {FALSE, -1};
 
 }  // namespace
 
-TEST(IsWindowsPE, MinintAmongTheOptions) {
+TEST(IsWindowsPE, MinintAmongTheOptions_IsTrue) {
     EXPECT_EQ(IsPeWithOptions(" FASTDETECT MININT"), TRUE);
     EXPECT_EQ(IsPeWithOptions(" fastdetect minint"), TRUE);
     EXPECT_EQ(IsPeWithOptions("MININT RDPATH=MULTI(0)"), TRUE);
 }
 
-TEST(IsWindowsPE, InstalledWindows) {
+TEST(IsWindowsPE, InstalledWindows_IsFalse) {
     EXPECT_EQ(IsPeWithOptions(" NOEXECUTE=OPTIN"), FALSE);
     EXPECT_EQ(IsPeWithOptions(""), FALSE);
     EXPECT_EQ(IsPeWithOptions(" MINI NT"), FALSE);
 }
 
-TEST(IsWindowsPE, OpensTheControlKeyForReading) {
+TEST(IsWindowsPE, AnySystem_OpensTheControlKeyForReading) {
     const HostedPc pc(machine::WinPeTwoDisks());
     EXPECT_EQ(CDiskDrive().IsWindowsPE(), TRUE);
     EXPECT_THAT(pc.emulated.journal.Calls("RegOpenKeyExW").at(0).arguments,
                 testing::ElementsAre("HKLM", "SYSTEM\\CurrentControlSet\\Control", "0x00020019"));
 }
 
-TEST(IsWindowsPE, NoSuchValue) {
+TEST(IsWindowsPE, NoSuchValue_IsFalse) {
     EXPECT_EQ(IsPeWithOptions(std::nullopt), FALSE);
 }
 
-TEST(IsWindowsPE, ThousandBytesAreTheMost) {
+TEST(IsWindowsPE, ThousandBytes_AreTheMost) {
     EXPECT_EQ(IsPeWithOptions(std::string(493, ' ') + "MININT"), TRUE);   // 499 units and the terminator
     EXPECT_EQ(IsPeWithOptions(std::string(494, ' ') + "MININT"), FALSE);  // ERROR_MORE_DATA
 }
 
-TEST(IsWindowsPE, RegistryFailures) {
+TEST(IsWindowsPE, RegistryFailures_AreFalse) {
     EXPECT_EQ(IsPeWhenCallFails("RegOpenKeyExW", ERROR_ACCESS_DENIED), FALSE);
     EXPECT_EQ(IsPeWhenCallFails("RegQueryValueExW", ERROR_FILE_NOT_FOUND), FALSE);
     EXPECT_EQ(IsPeWhenCallFails("RegCloseKey", ERROR_INVALID_HANDLE), FALSE);
 }
 
-TEST(GetCurrentDriveNumber, DiskOfTheWindowsDirectory) {
+TEST(GetCurrentDriveNumber, WindowsOnDisk0_Returns0) {
     EXPECT_EQ(Find(HostedPc(machine::FactoryMbr())), (CurrentDrive{TRUE, 0}));
 }
 
-TEST(GetCurrentDriveNumber, AnotherDiskThanTheFirst) {
+TEST(GetCurrentDriveNumber, WindowsOnAnotherDisk_ReturnsIt) {
     machine::Pc facts = machine::WinPeTwoDisks();
     facts.disks[0].number = 5;
     facts.disks[0].vdsName = "\\\\?\\PhysicalDrive5";
@@ -91,7 +91,7 @@ TEST(GetCurrentDriveNumber, AnotherDiskThanTheFirst) {
     EXPECT_EQ(Find(HostedPc(facts)), (CurrentDrive{TRUE, 5}));
 }
 
-TEST(GetCurrentDriveNumber, OpensTheVolumeByItsDevicePath) {
+TEST(GetCurrentDriveNumber, InstalledWindows_OpensTheVolumeByItsDevicePath) {
     const HostedPc pc(machine::FactoryMbr());
     Find(pc);
     const auto opened = pc.emulated.journal.Calls("CreateFileW");
@@ -101,13 +101,13 @@ TEST(GetCurrentDriveNumber, OpensTheVolumeByItsDevicePath) {
     EXPECT_THAT(pc.emulated.journal.Calls("GetDriveTypeW").at(0).arguments, testing::ElementsAre("C:"));
 }
 
-TEST(GetCurrentDriveNumber, VolumeOnTwoExtents) {
+TEST(GetCurrentDriveNumber, VolumeOnTwoExtents_Fails) {
     machine::Pc facts = machine::FactoryMbr();
     facts.disks[0].partitions[1].volume->furtherExtents = {{1, 0, 1024}};
     EXPECT_EQ(Find(HostedPc(facts)), unknown);
 }
 
-TEST(GetCurrentDriveNumber, DriveThatIsNotFixed) {
+TEST(GetCurrentDriveNumber, RemovableDrive_Fails) {
     for (const auto type : {machine::DriveType::Removable, machine::DriveType::Remote,
                             machine::DriveType::Optical, machine::DriveType::RamDisk}) {
         machine::Pc facts = machine::FactoryMbr();
@@ -116,7 +116,7 @@ TEST(GetCurrentDriveNumber, DriveThatIsNotFixed) {
     }
 }
 
-TEST(GetCurrentDriveNumber, DirectoryWithoutLetter) {
+TEST(GetCurrentDriveNumber, DirectoryWithoutLetter_Fails) {
     for (const char* directory : {"\\\\server\\windows", "", "C", "1:\\Windows"}) {
         machine::Pc facts = machine::FactoryMbr();
         facts.system.windowsDirectory = directory;
@@ -124,13 +124,13 @@ TEST(GetCurrentDriveNumber, DirectoryWithoutLetter) {
     }
 }
 
-TEST(GetCurrentDriveNumber, VolumeThatDoesNotOpen) {
+TEST(GetCurrentDriveNumber, VolumeThatDoesNotOpen_Fails) {
     machine::Pc facts = machine::FactoryMbr();
     facts.disks[0].partitions[1].volume->openError = ERROR_ACCESS_DENIED;
     EXPECT_EQ(Find(HostedPc(facts)), unknown);
 }
 
-TEST(GetCurrentDriveNumber, PlatformFailures) {
+TEST(GetCurrentDriveNumber, PlatformFailures_Fail) {
     EXPECT_EQ(FindWhenCallFails("GetWindowsDirectoryW", ERROR_NOT_ENOUGH_MEMORY), unknown);
     EXPECT_EQ(FindWhenCallFails("GetDriveTypeW", 1), unknown);
     EXPECT_EQ(FindWhenCallFails("CreateFileW", ERROR_SHARING_VIOLATION), unknown);

@@ -116,7 +116,7 @@ Connection ConnectWhenCallFails(const char* call, uint32_t code) {
 
 }  // namespace
 
-TEST(Initialize, TwiceInOneProcess) {
+TEST(Initialize, TwiceInOneProcess_Succeeds) {
     const HostedPc pc(machine::FactoryMbr());
     EXPECT_EQ(CWMIEx::Initialize(), S_OK);
     EXPECT_EQ(CWMIEx::Initialize(), S_OK);
@@ -127,7 +127,7 @@ TEST(Initialize, TwiceInOneProcess) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
-TEST(Initialize, Failure) {
+TEST(Initialize, FailingSecurity_IsRecordedAndReturned) {
     HostedPc pc(machine::FactoryMbr());
     pc.Fail("CoInitializeSecurity", 0x80070005);
     SetLastError(ERROR_ACCESS_DENIED);
@@ -137,7 +137,7 @@ TEST(Initialize, Failure) {
 }
 
 // Only S_OK and RPC_E_TOO_LATE are quiet.
-TEST(Initialize, OtherSuccessIsRecordedAndHandedBack) {
+TEST(Initialize, OtherSuccess_IsRecordedAndReturned) {
     HostedPc pc(machine::FactoryMbr());
     pc.Fail("CoInitializeSecurity", S_FALSE);
     EXPECT_EQ(CWMIEx::Initialize(), S_FALSE);
@@ -145,7 +145,7 @@ TEST(Initialize, OtherSuccessIsRecordedAndHandedBack) {
               "1 Kestova CWMIEx::Initialize hResult = {long 1} GetLastError: %d{ulong 0}\n");
 }
 
-TEST(ConnectServer, OpensTheNamespace) {
+TEST(ConnectServer, KnownNamespace_IsOpened) {
     const HostedPc pc(machine::FactoryMbr());
     EXPECT_EQ(Connect(pc), (Connection{S_OK, true, true, ""}));
     const auto calls = pc.emulated.journal.Calls("IWbemLocator::ConnectServer");
@@ -157,7 +157,7 @@ TEST(ConnectServer, OpensTheNamespace) {
     EXPECT_EQ(pc.emulated.journal.Calls("CoCreateInstance").at(0).arguments[1], "0x00000001");
 }
 
-TEST(ConnectServer, NamespaceThatDoesNotExist) {
+TEST(ConnectServer, UnknownNamespace_Fails) {
     const HostedPc pc(machine::FactoryMbr());
     EXPECT_EQ(
         Connect(pc, TEXT("\\\\.\\root\\NONE")),
@@ -166,7 +166,7 @@ TEST(ConnectServer, NamespaceThatDoesNotExist) {
             "1 Kestova CWMIEx::ConnectServer ConnectServer hResult = {long -2147217394} GetLastError: %d{ulong 21}\n"}));
 }
 
-TEST(ConnectServer, NoLocator) {
+TEST(ConnectServer, NoLocator_Fails) {
     EXPECT_EQ(
         ConnectWhenCallFails("CoCreateInstance", 0x80040154),
         (Connection{
@@ -174,7 +174,7 @@ TEST(ConnectServer, NoLocator) {
             "1 Kestova CWMIEx::ConnectServer CoCreateInstance hResult = {long -2147221164} GetLastError: %d{ulong 21}\n"}));
 }
 
-TEST(ConnectServer, NoServices) {
+TEST(ConnectServer, NoServices_Fails) {
     EXPECT_EQ(
         ConnectWhenCallFails("IWbemLocator::ConnectServer", 0x80041003),
         (Connection{
@@ -182,7 +182,7 @@ TEST(ConnectServer, NoServices) {
             "1 Kestova CWMIEx::ConnectServer ConnectServer hResult = {long -2147217405} GetLastError: %d{ulong 21}\n"}));
 }
 
-TEST(ConnectServer, ProxyThatCannotBeSecuredStaysWithTheCaller) {
+TEST(ConnectServer, ProxyThatCannotBeSecured_StaysWithTheCaller) {
     EXPECT_EQ(
         ConnectWhenCallFails("CoSetProxyBlanket", 0x80004002),
         (Connection{
@@ -190,7 +190,7 @@ TEST(ConnectServer, ProxyThatCannotBeSecuredStaysWithTheCaller) {
             "1 Kestova CWMIEx::ConnectServer CoSetProxyBlanket S_OK != hResult. hResult = {long -2147467262} GetLastError: %d{ulong 21}\n"}));
 }
 
-TEST(ConnectServer, SuccessWithoutInterface) {
+TEST(ConnectServer, SuccessWithoutInterface_Fails) {
     EXPECT_EQ(
         ConnectWhenCallFails("CoCreateInstance", S_OK),
         (Connection{
@@ -203,7 +203,7 @@ TEST(ConnectServer, SuccessWithoutInterface) {
             "1 Kestova CWMIEx::ConnectServer ConnectServer hResult = {long -2147024809} GetLastError: %d{ulong 21}\n"}));
 }
 
-TEST(ConnectServer, PathWithoutMemory) {
+TEST(ConnectServer, NoMemoryForThePath_Fails) {
     EXPECT_EQ(
         ConnectWhenCallFails("SysAllocString", ERROR_NOT_ENOUGH_MEMORY),
         (Connection{
@@ -211,11 +211,11 @@ TEST(ConnectServer, PathWithoutMemory) {
             "1 Kestova CWMIEx::ConnectServer ConnectServer hResult = {long -2147217400} GetLastError: %d{ulong 8}\n"}));
 }
 
-TEST(ConnectServer, PositiveStatusIsSuccess) {
+TEST(ConnectServer, PositiveStatus_IsSuccess) {
     EXPECT_EQ(ConnectWhenCallFails("CoSetProxyBlanket", S_FALSE), (Connection{S_OK, true, true, ""}));
 }
 
-TEST(ExecMethod, WithArguments) {
+TEST(ExecMethod, Arguments_ArePassed) {
     LampPc pc;
     EXPECT_EQ(pc.SetColor(), S_OK);
     EXPECT_TRUE(pc.output);
@@ -226,7 +226,7 @@ TEST(ExecMethod, WithArguments) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
-TEST(ExecMethod, WithoutArguments) {
+TEST(ExecMethod, NoArguments_Succeeds) {
     LampPc pc;
     EXPECT_EQ(pc.Exec(TEXT("Blink")), S_OK);
     EXPECT_TRUE(IsNumber(pc.returnValue, 7));
@@ -234,13 +234,13 @@ TEST(ExecMethod, WithoutArguments) {
     EXPECT_EQ(pc.Count("IWbemClassObject::Put"), 0U);
 }
 
-TEST(ExecMethod, ArgumentsThatTheMethodDoesNotTakeAreLeftOut) {
+TEST(ExecMethod, ArgumentsTheMethodDoesNotTake_AreLeftOut) {
     LampPc pc;
     EXPECT_EQ(pc.Exec(TEXT("Blink"), &pc.names, pc.colors), S_OK);
     EXPECT_EQ(pc.Count("IWbemClassObject::Put"), 0U);
 }
 
-TEST(ExecMethod, EmptyListOfArguments) {
+TEST(ExecMethod, EmptyListOfArguments_Succeeds) {
     LampPc pc;
     const std::vector<WideString> none;
     EXPECT_EQ(pc.Exec(TEXT("SetColor"), &none, pc.colors), S_OK);
@@ -249,13 +249,13 @@ TEST(ExecMethod, EmptyListOfArguments) {
     EXPECT_EQ(pc.Count("IWbemClassObject::Put"), 0U);
 }
 
-TEST(ExecMethod, InstanceWithoutListOfArguments) {
+TEST(ExecMethod, InstanceWithoutListOfArguments_Succeeds) {
     LampPc pc;
     EXPECT_EQ(pc.Exec(TEXT("SetColor")), S_OK);
     EXPECT_TRUE(IsNumber(pc.returnValue, -101));
 }
 
-TEST(ExecMethod, NoServices) {
+TEST(ExecMethod, NoServices_Fails) {
     LampPc pc;
     EXPECT_EQ(CWMIEx::ExecMethod(nullptr, TEXT("Test_Lamp"), TEXT("Blink"), TEXT(""), nullptr, nullptr,
                                  pc.output.Put(), pc.returnValue.Put()),
@@ -264,7 +264,7 @@ TEST(ExecMethod, NoServices) {
               "1 Kestova CWMIEx::ExecMethod CoSetProxyBlanket pWbemServices == NULL\n");
 }
 
-TEST(ExecMethod, OneListWithoutTheOther) {
+TEST(ExecMethod, OneListWithoutTheOther_Fails) {
     const std::string record =
         "1 Kestova CWMIEx::ExecMethod CoSetProxyBlanket pstrArrParameters or pvtArrArguments is NULL\n";
     LampPc pc;
@@ -275,7 +275,7 @@ TEST(ExecMethod, OneListWithoutTheOther) {
     EXPECT_THAT(pc.emulated.journal.Calls(), testing::IsEmpty());  // WMI was not asked
 }
 
-TEST(ExecMethod, UnknownClass) {
+TEST(ExecMethod, UnknownClass_Fails) {
     LampPc pc;
     SetLastError(ERROR_NOT_READY);
     EXPECT_EQ(CWMIEx::ExecMethod(pc.services.Get(), TEXT("Test_None"), TEXT("Blink"), ToWide(path), nullptr,
@@ -286,7 +286,7 @@ TEST(ExecMethod, UnknownClass) {
         "1 Kestova CWMIEx::ConnectServer GetObject S_OK != hResult. hResult = {long -2147217406} GetLastError: %d{ulong 21}\n");
 }
 
-TEST(ExecMethod, ClassWithoutObject) {
+TEST(ExecMethod, ClassWithoutObject_Fails) {
     LampPc pc;
     pc.Fail("IWbemServices::GetObject", S_OK);
     EXPECT_EQ(pc.SetColor(), E_INVALIDARG);
@@ -294,7 +294,7 @@ TEST(ExecMethod, ClassWithoutObject) {
               "1 Kestova CWMIEx::ExecMethod CoSetProxyBlanket pClassObject == NULL\n");
 }
 
-TEST(ExecMethod, UnknownMethod) {
+TEST(ExecMethod, UnknownMethod_Fails) {
     LampPc pc;
     SetLastError(ERROR_NOT_READY);
     EXPECT_EQ(pc.Exec(TEXT("Explode")), notFound);
@@ -303,7 +303,7 @@ TEST(ExecMethod, UnknownMethod) {
         "1 Kestova CWMIEx::ConnectServer GetMethod S_OK != hResult. hResult = {long -2147217406} GetLastError: %d{ulong 21}\n");
 }
 
-TEST(ExecMethod, InstanceThatCannotBeMadeIsNoFailure) {
+TEST(ExecMethod, InstanceThatCannotBeMade_IsNoFailure) {
     LampPc pc;
     pc.Fail("IWbemClassObject::SpawnInstance", 0x80041001);
     EXPECT_EQ(pc.SetColor(), S_OK);
@@ -312,7 +312,7 @@ TEST(ExecMethod, InstanceThatCannotBeMadeIsNoFailure) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
-TEST(ExecMethod, FirstArgumentThatFailsEndsTheCall) {
+TEST(ExecMethod, FirstArgumentThatFails_EndsTheCall) {
     for (uint32_t put = 1; put <= 2; ++put) {
         LampPc pc;
         pc.Fail("IWbemClassObject::Put", 0x80041001, put);
@@ -324,13 +324,13 @@ TEST(ExecMethod, FirstArgumentThatFailsEndsTheCall) {
     }
 }
 
-TEST(ExecMethod, UnknownArgument) {
+TEST(ExecMethod, UnknownArgument_Fails) {
     LampPc pc;
     pc.names[1] = TEXT("Blue");
     EXPECT_EQ(pc.SetColor(), notFound);
 }
 
-TEST(ExecMethod, MethodThatFails) {
+TEST(ExecMethod, FailingMethod_Fails) {
     LampPc pc;
     pc.Fail("IWbemServices::ExecMethod", 0x80041001);
     EXPECT_EQ(pc.SetColor(), failure);
@@ -339,20 +339,20 @@ TEST(ExecMethod, MethodThatFails) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
-TEST(ExecMethod, MethodWithoutOutput) {
+TEST(ExecMethod, MethodWithoutOutput_Fails) {
     LampPc pc;
     EXPECT_EQ(pc.Exec(TEXT("Silence")), S_OK);
     EXPECT_FALSE(pc.output);
     EXPECT_EQ(pc.Count("IWbemClassObject::Get"), 0U);
 }
 
-TEST(ExecMethod, PositiveStatusWithoutOutputIsHandedBack) {
+TEST(ExecMethod, PositiveStatusWithoutOutput_IsHandedBack) {
     LampPc pc;
     pc.Fail("IWbemServices::ExecMethod", S_FALSE);
     EXPECT_EQ(pc.SetColor(), S_FALSE);
 }
 
-TEST(ExecMethod, OutputWithoutReturnValue) {
+TEST(ExecMethod, OutputWithoutReturnValue_Fails) {
     LampPc pc;
     EXPECT_EQ(pc.Exec(TEXT("Measure")), notFound);
     EXPECT_EQ(pc.Count("IWbemServices::ExecMethod"), 1U);
@@ -361,7 +361,7 @@ TEST(ExecMethod, OutputWithoutReturnValue) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
-TEST(ExecMethod, StringsWithoutMemory) {
+TEST(ExecMethod, NoMemoryForStrings_Fails) {
     for (uint32_t nth = 1; nth <= 3; ++nth) {
         LampPc pc;
         pc.Fail("SysAllocString", ERROR_NOT_ENOUGH_MEMORY, nth);

@@ -57,7 +57,7 @@ std::string LinksEnd(long status) {
 
 }  // namespace
 
-TEST(EnumDiskDrive, RowsStartAsUnknown) {
+TEST(EnumDiskDrive, EveryDisk_StartsAsUnknown) {
     ConnectedPc pc(TwoDisks());
     EXPECT_EQ(pc.EnumerateDisks(), WBEM_S_FALSE);
     ASSERT_EQ(pc.table.nCount, 2);
@@ -77,7 +77,7 @@ TEST(EnumDiskDrive, RowsStartAsUnknown) {
     EXPECT_EQ(Transcript(pc.emulated.journal), End(0));
 }
 
-TEST(EnumDiskDrive, InterfaceTypes) {
+TEST(EnumDiskDrive, InterfaceTypes_ReturnTheirNumbers) {
     const std::pair<std::optional<std::string>, int> types[] = {
         {"IDE", 1},  {"ide", 1}, {"SCSI", 2}, {"Scsi", 2}, {"USB", 3},   {"usb", 3},
         {"1394", 4}, {"HDC", 0}, {"IDE ", 0}, {"", 0},     {"SCSI2", 0}, {std::nullopt, 0},
@@ -91,7 +91,7 @@ TEST(EnumDiskDrive, InterfaceTypes) {
     }
 }
 
-TEST(EnumDiskDrive, AbsentPropertiesAreEmptyTexts) {
+TEST(EnumDiskDrive, AbsentProperties_AreEmptyTexts) {
     machine::Pc facts = ManyDisks(1);
     facts.disks[0].wmi = machine::WmiDisk{};
     ConnectedPc pc(facts);
@@ -101,14 +101,14 @@ TEST(EnumDiskDrive, AbsentPropertiesAreEmptyTexts) {
     EXPECT_EQ(pc.table.strPNPDeviceID[0], TEXT(""));
 }
 
-TEST(EnumDiskDrive, NoDisk) {
+TEST(EnumDiskDrive, NoDisk_ReturnsNoRow) {
     ConnectedPc pc(PcWithDisks({}));
     EXPECT_EQ(pc.EnumerateDisks(), WBEM_S_FALSE);
     EXPECT_EQ(pc.table.nCount, 0);
     EXPECT_EQ(Transcript(pc.emulated.journal), End(0));
 }
 
-TEST(EnumDiskDrive, SixtyThreeDisksFit) {
+TEST(EnumDiskDrive, SixtyThreeDisks_Fit) {
     ConnectedPc pc(ManyDisks(63));
     EXPECT_EQ(pc.EnumerateDisks(), WBEM_S_FALSE);
     EXPECT_EQ(pc.table.nCount, 63);
@@ -116,7 +116,7 @@ TEST(EnumDiskDrive, SixtyThreeDisksFit) {
 }
 
 // The full table is noticed before a 65th disk is looked for.
-TEST(EnumDiskDrive, SixtyFourDisksAreTooMany) {
+TEST(EnumDiskDrive, SixtyFourDisks_AreTooMany) {
     ConnectedPc pc(ManyDisks(64));
     EXPECT_EQ(pc.EnumerateDisks(), E_OUTOFMEMORY);
     EXPECT_EQ(pc.table.nCount, 64);
@@ -124,7 +124,7 @@ TEST(EnumDiskDrive, SixtyFourDisksAreTooMany) {
     EXPECT_EQ(Transcript(pc.emulated.journal), End(1));
 }
 
-TEST(EnumDiskDrive, EnumerationThatDoesNotBegin) {
+TEST(EnumDiskDrive, EnumerationThatDoesNotBegin_Fails) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IWbemServices::CreateInstanceEnum", 0x80041010);
     EXPECT_EQ(pc.EnumerateDisks(), static_cast<HRESULT>(0x80041010));
@@ -134,20 +134,20 @@ TEST(EnumDiskDrive, EnumerationThatDoesNotBegin) {
               "4 Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )\n");
 }
 
-TEST(EnumDiskDrive, SuccessWithoutEnumerator) {
+TEST(EnumDiskDrive, SuccessWithoutEnumerator_Fails) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IWbemServices::CreateInstanceEnum", S_OK);
     EXPECT_EQ(pc.EnumerateDisks(), E_INVALIDARG);
 }
 
-TEST(EnumDiskDrive, ClassNameWithoutMemory) {
+TEST(EnumDiskDrive, NoMemoryForTheClassName_Fails) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("SysAllocString", ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_LT(pc.EnumerateDisks(), 0);
     EXPECT_EQ(pc.table.nCount, 0);
 }
 
-TEST(EnumDiskDrive, AsksForwardOnlyAndAtOnce) {
+TEST(EnumDiskDrive, AnyDisk_IsAskedForwardOnlyAndAtOnce) {
     ConnectedPc pc(TwoDisks());
     pc.EnumerateDisks();
     const auto calls = pc.emulated.journal.Calls("IWbemServices::CreateInstanceEnum");
@@ -156,7 +156,7 @@ TEST(EnumDiskDrive, AsksForwardOnlyAndAtOnce) {
                 testing::ElementsAre("Win32_DiskDrive", testing::AnyOf("0x00000030", "48")));
 }
 
-TEST(EnumDiskDrive, WaitsForEachDiskAsLongAsItTakes) {
+TEST(EnumDiskDrive, SlowDisk_IsWaitedForAsLongAsItTakes) {
     ConnectedPc pc(TwoDisks());
     pc.EnumerateDisks();
     const auto calls = pc.emulated.journal.Calls("IEnumWbemClassObject::Next");
@@ -165,7 +165,7 @@ TEST(EnumDiskDrive, WaitsForEachDiskAsLongAsItTakes) {
         EXPECT_THAT(call.arguments, testing::ElementsAre("-1", "1"));  // WBEM_INFINITE, one object
 }
 
-TEST(EnumDiskDrive, NextThatFailsEndsWithTheRowsSoFar) {
+TEST(EnumDiskDrive, NextThatFails_EndsWithTheRowsSoFar) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IEnumWbemClassObject::Next", 0x80041001, 2);
     EXPECT_EQ(pc.EnumerateDisks(), static_cast<HRESULT>(0x80041001));
@@ -173,7 +173,7 @@ TEST(EnumDiskDrive, NextThatFailsEndsWithTheRowsSoFar) {
     EXPECT_EQ(Transcript(pc.emulated.journal), End(0));
 }
 
-TEST(EnumDiskDrive, NextWithoutObjectEnds) {
+TEST(EnumDiskDrive, NextWithoutObject_Ends) {
     for (const uint32_t status : {uint32_t{S_OK}, uint32_t{WBEM_S_FALSE}, uint32_t{0x40004}}) {
         ConnectedPc pc(TwoDisks());
         pc.Fail("IEnumWbemClassObject::Next", status, 2);
@@ -183,7 +183,7 @@ TEST(EnumDiskDrive, NextWithoutObjectEnds) {
 }
 
 // Three properties a disk: the fourth to sixth reads are the second disk's.
-TEST(EnumDiskDrive, PropertyThatIsNotReadDropsItsDisk) {
+TEST(EnumDiskDrive, UnreadProperty_DropsItsDisk) {
     for (uint32_t read = 4; read <= 6; ++read) {
         ConnectedPc pc(TwoDisks());
         pc.Fail("IWbemClassObject::Get", 0x80041002, read);
@@ -193,35 +193,35 @@ TEST(EnumDiskDrive, PropertyThatIsNotReadDropsItsDisk) {
     }
 }
 
-TEST(EnumDiskDrive, PositiveStatusOfTheLastPropertyEndsBehindItsDisk) {
+TEST(EnumDiskDrive, PositiveStatusOfTheLastProperty_EndsBehindItsDisk) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IWbemClassObject::Get", WBEM_S_FALSE, 3);
     EXPECT_EQ(pc.EnumerateDisks(), WBEM_S_FALSE);
     EXPECT_EQ(pc.table.nCount, 1);
 }
 
-TEST(EnumDiskDrive, PositiveStatusOfAnEarlierPropertyEndsNothing) {
+TEST(EnumDiskDrive, PositiveStatusOfAnEarlierProperty_EndsNothing) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IWbemClassObject::Get", WBEM_S_FALSE, 2);
     EXPECT_EQ(pc.EnumerateDisks(), WBEM_S_FALSE);
     EXPECT_EQ(pc.table.nCount, 2);
 }
 
-TEST(EnumControllerDevice, LinksOfTheClass) {
+TEST(EnumControllerDevice, TwoClasses_ReturnsTheLinksOfTheOneAskedFor) {
     ConnectedPc pc(TwoDisks());
     EXPECT_EQ(pc.EnumerateLinks(), WBEM_S_FALSE);
     EXPECT_EQ(pc.links.nCount, 3);
     EXPECT_EQ(Transcript(pc.emulated.journal), LinksEnd(1));
 }
 
-TEST(EnumControllerDevice, NoLink) {
+TEST(EnumControllerDevice, NoLink_ReturnsNone) {
     ConnectedPc pc(TwoDisks());
     EXPECT_EQ(pc.EnumerateLinks(TEXT("Win32_SCSIControllerDevice")), WBEM_S_FALSE);
     EXPECT_EQ(pc.links.nCount, 0);
     EXPECT_EQ(Transcript(pc.emulated.journal), LinksEnd(1));
 }
 
-TEST(EnumControllerDevice, SixtyFourLinksAreReadAndNoMore) {
+TEST(EnumControllerDevice, SixtyFourLinks_AreReadAndNoMore) {
     machine::Pc facts = ManyDisks(1);
     for (int step = 1; step <= 65; ++step)
         facts.disks[0].controllers.push_back("PCI\\BRIDGE" + std::to_string(step));
@@ -232,7 +232,7 @@ TEST(EnumControllerDevice, SixtyFourLinksAreReadAndNoMore) {
     EXPECT_EQ(Transcript(pc.emulated.journal), LinksEnd(0));
 }
 
-TEST(EnumControllerDevice, EnumerationThatDoesNotBegin) {
+TEST(EnumControllerDevice, EnumerationThatDoesNotBegin_Fails) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IWbemServices::CreateInstanceEnum", 0x80041010);
     SetLastError(ERROR_NOT_READY);
@@ -243,13 +243,13 @@ TEST(EnumControllerDevice, EnumerationThatDoesNotBegin) {
               "{long -2147217392}GetLastError = {ulong 21}\n");
 }
 
-TEST(EnumControllerDevice, SuccessWithoutEnumerator) {
+TEST(EnumControllerDevice, SuccessWithoutEnumerator_Fails) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IWbemServices::CreateInstanceEnum", S_OK);
     EXPECT_EQ(pc.EnumerateLinks(), E_INVALIDARG);
 }
 
-TEST(EnumControllerDevice, NextThatFails) {
+TEST(EnumControllerDevice, NextThatFails_EndsTheLinks) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IEnumWbemClassObject::Next", 0x80041001, 2);
     EXPECT_EQ(pc.EnumerateLinks(), static_cast<HRESULT>(0x80041001));
@@ -257,7 +257,7 @@ TEST(EnumControllerDevice, NextThatFails) {
     EXPECT_EQ(Transcript(pc.emulated.journal), LinksEnd(static_cast<int32_t>(0x80041001)));
 }
 
-TEST(EnumControllerDevice, PropertyThatIsNotReadDropsItsLink) {
+TEST(EnumControllerDevice, UnreadProperty_DropsItsLink) {
     for (uint32_t read = 3; read <= 4; ++read) {
         ConnectedPc pc(TwoDisks());
         pc.Fail("IWbemClassObject::Get", 0x80041002, read);
@@ -266,7 +266,7 @@ TEST(EnumControllerDevice, PropertyThatIsNotReadDropsItsLink) {
     }
 }
 
-TEST(EnumControllerDevice, PositiveStatusOfDependentEndsBehindItsLink) {
+TEST(EnumControllerDevice, PositiveStatusOfDependent_EndsBehindItsLink) {
     ConnectedPc pc(TwoDisks());
     pc.Fail("IWbemClassObject::Get", WBEM_S_FALSE, 2);
     EXPECT_EQ(pc.EnumerateLinks(), WBEM_S_FALSE);

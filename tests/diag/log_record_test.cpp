@@ -15,7 +15,7 @@ class Collector : public ILogSink {
     void Write(const LogEntry& entry) override { entries.push_back(entry); }
 };
 
-TEST(LogRecord, EndsWithTheEmptyTextWhenTheExpressionEnds) {
+TEST(LogRecord, EndOfTheExpression_EndsTheRecordWithTheEmptyText) {
     Collector collector;
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("message"));
     ASSERT_EQ(collector.entries.size(), 1U);
@@ -27,7 +27,7 @@ TEST(LogRecord, EndsWithTheEmptyTextWhenTheExpressionEnds) {
     EXPECT_EQ(entry.items[1].text, TEXT(""));
 }
 
-TEST(LogRecord, PassesEachValueThroughTheAppendOfItsType) {
+TEST(LogRecord, EachValue_GoesThroughTheAppendOfItsType) {
     Collector collector;
     LogRecord(LOG_LEVEL_ERROR)
         .String(TEXT("s"))

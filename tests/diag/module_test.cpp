@@ -8,7 +8,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved
 
 namespace {
 
-TEST(ModuleContext, MakesTheModuleCurrentAndRestoresWhatWasBefore) {
+TEST(ModuleContext, Scope_MakesTheModuleCurrentAndRestoresTheOneBefore) {
     EXPECT_FALSE(ModuleContext::IsCurrent());
     {
         const ModuleContext outer;
@@ -22,7 +22,7 @@ TEST(ModuleContext, MakesTheModuleCurrentAndRestoresWhatWasBefore) {
     EXPECT_FALSE(ModuleContext::IsCurrent());
 }
 
-TEST(DllMain, LoadsThreadsAndUnloads) {
+TEST(DllMain, EveryReason_Succeeds) {
     const HINSTANCE instance = reinterpret_cast<HINSTANCE>(0x10000);
     EXPECT_TRUE(DllMain(instance, DLL_PROCESS_ATTACH, nullptr));
     EXPECT_EQ(ModuleApp().Instance(), instance);
@@ -33,7 +33,7 @@ TEST(DllMain, LoadsThreadsAndUnloads) {
     EXPECT_EQ(ModuleApp().Instance(), nullptr);
 }
 
-TEST(CModuleApp, ExitAnswersZero) {
+TEST(CModuleApp, Exit_Returns0) {
     EXPECT_EQ(ModuleApp().ExitInstance(), 0);
 }
 

@@ -1,6 +1,6 @@
 // Every platform call of the four boot switches fails: each place once, from there on for good, after its
 // effect, and with a success that hands out nothing. Whatever fails, the machine keeps a partition to boot,
-// the code tells what the last record tells, nothing is released twice, and only the kept leftovers stay on
+// the code matches the last record, nothing is released twice, and only the kept leftovers stay on
 // loan.
 
 #include <gtest/gtest.h>
@@ -10,8 +10,8 @@
 #include "base/utf.h"
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
-#include "tests/faults/fault_walk.h"
 #include "tests/support/application/application.h"
+#include "tests/support/fault_walk.h"
 
 namespace {
 
@@ -56,9 +56,13 @@ struct Switch {
     Flags flagsWhenDone;
     // The last record of each code; the first is that of success.
     std::vector<std::set<std::string>> lastRecords;
-    // Codes that tell that nothing was changed for good.
+    // Codes after which nothing is changed for good.
     std::set<int> unchangedCodes;
 };
+
+void PrintTo(const Switch& tested, std::ostream* out) {
+    *out << tested.name;
+}
 
 const std::vector<std::set<std::string>> setRcvprtActive = {
     {"Kestova::SetRcvprtActive\t\tEnd. Return 0"},
@@ -115,47 +119,40 @@ const Switch switches[] = {
     {"SetPTwoActive", &Kestova::SetPTwoActive, RecoveryActive, {2}, setPTwoActive, {1}},
 };
 
-// Where an undisturbed run can fail.
-std::vector<PlaceToFail> PlacesOf(const Switch& tested) {
+machine::Journal UndisturbedRun(const Switch& tested) {
     Application application(tested.facts());
     EXPECT_EQ((application.kestova.*tested.operation)(), 0);
     EXPECT_EQ(ActivePartitions(application.pc), tested.flagsWhenDone);
-    return PlacesToFail(application.pc.journal);
+    return application.pc.journal;
 }
 
 class BootSwitchFaults : public testing::TestWithParam<Switch> {};
 
-TEST_P(BootSwitchFaults, LeaveAMachineThatBootsAndTellWhatHappened) {
+TEST_P(BootSwitchFaults, EveryCallFails_PcBootsAndCodeMatchesTheLastRecord) {
     const Switch& tested = GetParam();
-    const std::vector<PlaceToFail> places = PlacesOf(tested);
-    ASSERT_GT(places.size(), 50U);
-    for (const PlaceToFail& place : places) {
-        for (const FaultRule& rule : WaysToFail(place)) {
-            SCOPED_TRACE(ToText(rule));
-            Application application(tested.facts());
-            const Flags flagsBefore = ActivePartitions(application.pc);
-            const std::optional<std::string> recordBefore = SystemVolumeIni(application.pc);
-            application.pc.faults.Arm(rule);
-            const int code = (application.kestova.*tested.operation)();
-            EXPECT_GT(application.pc.faults.Fired(), 0);
+    const int visited = WalkFaults(UndisturbedRun(tested), [&](const FaultRule& rule) {
+        Application application(tested.facts());
+        const Flags flagsBefore = ActivePartitions(application.pc);
+        const std::optional<std::string> recordBefore = SystemVolumeIni(application.pc);
+        application.pc.faults.Arm(rule);
+        const int code = (application.kestova.*tested.operation)();
+        EXPECT_GT(application.pc.faults.Fired(), 0);
 
-            ASSERT_TRUE(code >= 0 && static_cast<size_t>(code) < tested.lastRecords.size()) << code;
-            const std::set<std::string>& lastRecords = tested.lastRecords[static_cast<size_t>(code)];
-            if (!lastRecords.empty()) {
-                EXPECT_TRUE(lastRecords.contains(ToUtf8(application.pc.journal.Records().back().Text())));
-            }
-            EXPECT_FALSE(ActivePartitions(application.pc).empty());
-            // An effect behind a failure, or a success without one, is more than the operation can know.
-            const bool honest = !rule.afterEffect && rule.code != S_OK;
-            if (honest && tested.unchangedCodes.contains(code)) {
-                if (tested.operation != &Kestova::SetPTwoActive) {
-                    EXPECT_EQ(ActivePartitions(application.pc), flagsBefore);
-                }
-                EXPECT_EQ(SystemVolumeIni(application.pc), recordBefore);
-            }
-            ExpectOnlyKeptLeftovers(application.pc.ledger, place.call);
+        ASSERT_TRUE(code >= 0 && static_cast<size_t>(code) < tested.lastRecords.size()) << code;
+        const std::set<std::string>& lastRecords = tested.lastRecords[static_cast<size_t>(code)];
+        if (!lastRecords.empty()) {
+            EXPECT_TRUE(lastRecords.contains(ToUtf8(application.pc.journal.Records().back().Text())));
         }
-    }
+        EXPECT_FALSE(ActivePartitions(application.pc).empty());
+        if (IsHonest(rule) && tested.unchangedCodes.contains(code)) {
+            if (tested.operation != &Kestova::SetPTwoActive) {
+                EXPECT_EQ(ActivePartitions(application.pc), flagsBefore);
+            }
+            EXPECT_EQ(SystemVolumeIni(application.pc), recordBefore);
+        }
+        ExpectOnlyKeptLeftovers(application.pc.ledger, rule.call);
+    });
+    EXPECT_GT(visited, 100);
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, BootSwitchFaults, testing::ValuesIn(switches),

@@ -1,5 +1,5 @@
 // Every platform call of the translation of letters fails: each place once, from there on for good, and after
-// its effect. Whatever fails, the letters that are told are right, a failure is told and logged, the batch
+// its effect. Whatever fails, the letters returned are right, a failure is returned and logged, the batch
 // file and the hive are gone when they can be, and nothing stays on loan but what a failing close keeps.
 
 #include <gtest/gtest.h>
@@ -7,8 +7,8 @@
 #include <set>
 
 #include "base/utf.h"
-#include "tests/faults/fault_walk.h"
 #include "tests/support/application/two_systems.h"
+#include "tests/support/fault_walk.h"
 
 namespace {
 
@@ -32,14 +32,14 @@ struct Translation {
     }
 };
 
-std::vector<PlaceToFail> Places() {
+machine::Journal UndisturbedRun() {
     Translation run;
     EXPECT_EQ(run.Translate(), 1);
-    return PlacesToFail(run.pc.journal);
+    return run.pc.journal;
 }
 
-// One of these stands in the log of every translation that failed.
-bool TellsFailure(const std::set<std::string>& records) {
+// Every translation that failed writes one of these.
+bool HasFailureRecord(const std::set<std::string>& records) {
     for (const char* const text : {"Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail.",
                                    "Kestova::GetWinDriveLetters\t\tLoad Windows Registry failed.",
                                    "Kestova::GetWinDriveLetters Read WINDOWS Registry fail.",
@@ -49,7 +49,7 @@ bool TellsFailure(const std::set<std::string>& records) {
     return false;
 }
 
-// A letter that is told stands for its partition, or for a volume that could not be asked.
+// Each letter returned belongs to its partition, or to a volume that could not be queried.
 void ExpectTrueRecords(const Translation& run) {
     for (const tagDriveInfo_t& record : run.records) {
         if (record.cDriveLetter == 0) continue;
@@ -74,40 +74,34 @@ void ExpectCleanPc(const Translation& run, const FaultRule& rule) {
         EXPECT_TRUE(kept.contains(kind)) << count << " " << kind;
 }
 
-TEST(DriveLetterFaults, TellOnlyWhatIsTrueAndLeaveNothingBehind) {
-    const std::vector<PlaceToFail> places = Places();
-    ASSERT_GT(places.size(), 80U);
-    for (const PlaceToFail& place : places) {
-        for (const FaultRule& rule : WaysToFail(place)) {
-            SCOPED_TRACE(ToText(rule));
-            Translation run;
-            run.pc.faults.Arm(rule);
-            const int result = run.Translate();
-            EXPECT_GT(run.pc.faults.Fired(), 0);
-            EXPECT_EQ(result, TellsFailure(run.LogTexts()) ? 0 : 1);
-            EXPECT_EQ(ToUtf8(run.pc.journal.Records().back().Text()), "Kestova::GetWinDriveLetters\t\tEnd");
-            EXPECT_LE(run.pc.clockMilliseconds, 61'800U);
-            ExpectTrueRecords(run);
-            ExpectCleanPc(run, rule);
-        }
-    }
+TEST(DriveLetterFaults, EveryCallFails_RecordsAreTrueAndNothingIsLeft) {
+    const int visited = WalkFaults(UndisturbedRun(), [](const FaultRule& rule) {
+        Translation run;
+        run.pc.faults.Arm(rule);
+        const int result = run.Translate();
+        EXPECT_GT(run.pc.faults.Fired(), 0);
+        EXPECT_EQ(result, HasFailureRecord(run.LogTexts()) ? 0 : 1);
+        EXPECT_EQ(ToUtf8(run.pc.journal.Records().back().Text()), "Kestova::GetWinDriveLetters\t\tEnd");
+        EXPECT_LE(run.pc.clockMilliseconds, 61'800U);
+        ExpectTrueRecords(run);
+        ExpectCleanPc(run, rule);
+    });
+    EXPECT_GT(visited, 160);
 }
 
-// What failed once and is tried again does not show.
-TEST(DriveLetterFaults, AreRetriedWhereABatchIsConcerned) {
-    for (const PlaceToFail& place : Places()) {
-        const bool isBatch = place.call == "WriteFile" || place.call == "ShellExecuteExW" ||
-                             place.call == "WaitForSingleObject" || place.call == "WideCharToMultiByte";
-        if (!isBatch) continue;
-        const FaultRule once = WaysToFail(place).front();
-        SCOPED_TRACE(ToText(once));
+// A failure that the next attempt mends does not show.
+TEST(DriveLetterFaults, CallOfABatchFailsOnce_IsTriedAgain) {
+    const std::set<std::string> batchCalls = {"WriteFile", "ShellExecuteExW", "WaitForSingleObject",
+                                              "WideCharToMultiByte"};
+    WalkFaults(UndisturbedRun(), [&](const FaultRule& rule) {
+        if (!FailsOnce(rule) || !batchCalls.contains(rule.call)) return;
         Translation run;
-        run.pc.faults.Arm(once);
+        run.pc.faults.Arm(rule);
         EXPECT_EQ(run.Translate(), 1);
         EXPECT_EQ(run.records[0].cDriveLetter, TEXT('C'));
         EXPECT_EQ(run.records[1].cDriveLetter, TEXT('D'));
         EXPECT_EQ(run.pc.clockMilliseconds, 2U * 50U + 300U);
-    }
+    });
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ std::string LineOf(int level, const std::basic_string<WCHAR>& text) {
     return LogLine(stamp, {level, {{LogItemKind::Text, text}}});
 }
 
-TEST(LogLine, TellsTimeProcessThreadLevelAndText) {
+TEST(LogLine, Record_HasTimeProcessThreadLevelAndText) {
     EXPECT_EQ(LogLine(stamp, {LOG_LEVEL_TRACE,
                               {{LogItemKind::Text, TEXT("Kestova::SetActive\tEnd. bRet = ")},
                                {LogItemKind::Int, TEXT("1")},
@@ -20,24 +20,24 @@ TEST(LogLine, TellsTimeProcessThreadLevelAndText) {
               "2026-11-21T08:05:09.042Z 1234 5678 TRACE Kestova::SetActive\tEnd. bRet = 1\r\n");
 }
 
-TEST(LogLine, NamesTheTwoLevelsAndNumbersOthers) {
+TEST(LogLine, AnyLevel_IsNamedIfKnownAndNumberedIfNot) {
     EXPECT_EQ(LineOf(LOG_LEVEL_ERROR, TEXT("x")), "2026-11-21T08:05:09.042Z 1234 5678 ERROR x\r\n");
     EXPECT_EQ(LineOf(3, TEXT("x")), "2026-11-21T08:05:09.042Z 1234 5678 3 x\r\n");
 }
 
-TEST(LogLine, KeepsProcessAndThreadUnsigned) {
+TEST(LogLine, LargeProcessAndThread_AreUnsigned) {
     EXPECT_EQ(LogLine({stamp.time, 0xFFFFFFFF, 0x80000000}, {LOG_LEVEL_ERROR, {}}),
               "2026-11-21T08:05:09.042Z 4294967295 2147483648 ERROR \r\n");
 }
 
-TEST(LogLine, WritesEveryCharacterInUtf8) {
+TEST(LogLine, EveryCharacter_IsWrittenInUtf8) {
     EXPECT_TRUE(
         LineOf(1, TEXT("\u007F\u0080\u07FF\u0800\uFFFD\U00010000\U0010FFFF"))
             .ends_with(
                 "ERROR \x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\r\n"));
 }
 
-TEST(LogLine, ReplacesHalfASurrogatePair) {
+TEST(LogLine, HalfASurrogatePair_IsReplaced) {
     const std::basic_string<WCHAR> high(1, 0xD800);
     const std::basic_string<WCHAR> low(1, 0xDC00);
     EXPECT_TRUE(LineOf(1, high).ends_with("ERROR \xEF\xBF\xBD\r\n"));
@@ -47,22 +47,22 @@ TEST(LogLine, ReplacesHalfASurrogatePair) {
     EXPECT_TRUE(LineOf(1, high + high + low).ends_with("ERROR \xEF\xBF\xBD\xF0\x90\x80\x80\r\n"));
 }
 
-TEST(LogLine, StaysOneLineWhateverTheText) {
+TEST(LogLine, TextWithLineBreaks_StaysOneLine) {
     EXPECT_TRUE(LineOf(1, TEXT("one\r\ntwo\n")).ends_with("ERROR one\\r\\ntwo\\n\r\n"));
 }
 
-TEST(LogLine, StaysTextWithALetterThatIsNone) {
+TEST(LogLine, NulCharacter_StaysText) {
     EXPECT_TRUE(LineOf(1, std::basic_string<WCHAR>(1, 0)).ends_with("ERROR \\0\r\n"));
 }
 
-TEST(HighestLevel, IsTheNumberOfTheSetting) {
+TEST(HighestLevel, Setting_ReturnsItsNumber) {
     EXPECT_EQ(HighestLevel(TEXT("0")), 0);
     EXPECT_EQ(HighestLevel(TEXT("1")), LOG_LEVEL_ERROR);
     EXPECT_EQ(HighestLevel(TEXT("4")), LOG_LEVEL_TRACE);
     EXPECT_EQ(HighestLevel(TEXT("999999999")), 999999999);
 }
 
-TEST(HighestLevel, IsNoneWithoutAUsableSetting) {
+TEST(HighestLevel, UnusableSetting_ReturnsNone) {
     for (const WCHAR* const setting : {TEXT(""), TEXT("trace"), TEXT("-1"), TEXT("1 "), TEXT("1000000000")})
         EXPECT_EQ(HighestLevel(setting), std::numeric_limits<int>::max());
 }

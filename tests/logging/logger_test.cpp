@@ -21,11 +21,11 @@ class LoggerTest : public testing::Test {
     Collector sink_;
 };
 
-TEST_F(LoggerTest, IsOneForTheProcess) {
+TEST_F(LoggerTest, TwoCalls_ReturnOneLogger) {
     EXPECT_EQ(&CLoggingFactory::GetInstance(), &logger_);
 }
 
-TEST_F(LoggerTest, RendersEachKindOfValue) {
+TEST_F(LoggerTest, EachKindOfValue_IsRendered) {
     logger_.BeginRecord(LOG_LEVEL_ERROR)
         .AppendString(TEXT("formatted "))
         .AppendText(TEXT("literal "))
@@ -52,7 +52,7 @@ TEST_F(LoggerTest, RendersEachKindOfValue) {
         EXPECT_EQ(sink_.entries[0].items[at].kind, kinds[at]) << at;
 }
 
-TEST_F(LoggerTest, RendersNumbersOf64Bits) {
+TEST_F(LoggerTest, NumbersOf64Bits_AreRendered) {
     logger_.BeginRecord(LOG_LEVEL_TRACE)
         .AppendULongLong(18446744073709551615ULL)
         .AppendText(TEXT(" "))
@@ -64,7 +64,7 @@ TEST_F(LoggerTest, RendersNumbersOf64Bits) {
     EXPECT_EQ(sink_.entries[0].items[2].kind, LogItemKind::LongLong);
 }
 
-TEST_F(LoggerTest, KeepsTheRecordsOfTwoThreadsApart) {
+TEST_F(LoggerTest, TwoThreads_HaveRecordsOfTheirOwn) {
     const auto write = [this](WCHAR name) {
         for (int record = 0; record < 500; ++record) {
             logger_.BeginRecord(LOG_LEVEL_TRACE).AppendChar(name).AppendChar(name).AppendChar(name);
@@ -84,7 +84,7 @@ TEST_F(LoggerTest, KeepsTheRecordsOfTwoThreadsApart) {
     EXPECT_EQ(records[1], 500);
 }
 
-TEST_F(LoggerTest, FormattedMessageReadsAsTheSameLiteral) {
+TEST_F(LoggerTest, FormattedMessage_ReadsAsTheSameLiteral) {
     logger_.BeginRecord(LOG_LEVEL_TRACE).AppendString(TEXT("same"));
     logger_.EndRecord();
     logger_.BeginRecord(LOG_LEVEL_TRACE).AppendText(TEXT("same"));
@@ -93,7 +93,7 @@ TEST_F(LoggerTest, FormattedMessageReadsAsTheSameLiteral) {
     EXPECT_EQ(sink_.entries[0].Text(), sink_.entries[1].Text());
 }
 
-TEST_F(LoggerTest, RecordTellsItsLevelAndWhetherItIsEmpty) {
+TEST_F(LoggerTest, Record_ReturnsItsLevelAndWhetherItIsEmpty) {
     ILogRecord& record = logger_.BeginRecord(LOG_LEVEL_TRACE);
     EXPECT_EQ(record.GetLevel(), LOG_LEVEL_TRACE);
     EXPECT_TRUE(record.IsEmpty());
@@ -101,7 +101,7 @@ TEST_F(LoggerTest, RecordTellsItsLevelAndWhetherItIsEmpty) {
     logger_.EndRecord();
 }
 
-TEST_F(LoggerTest, StartsEachRecordAfresh) {
+TEST_F(LoggerTest, SecondRecord_StartsEmpty) {
     logger_.BeginRecord(LOG_LEVEL_ERROR).AppendText(TEXT("first"));
     logger_.EndRecord();
     logger_.BeginRecord(LOG_LEVEL_TRACE).AppendText(TEXT("second"));
@@ -111,7 +111,7 @@ TEST_F(LoggerTest, StartsEachRecordAfresh) {
     EXPECT_EQ(sink_.entries[1].level, LOG_LEVEL_TRACE);
 }
 
-TEST_F(LoggerTest, WritesToASinkAddedTwiceOnce) {
+TEST_F(LoggerTest, SinkAddedTwice_IsWrittenOnce) {
     logger_.AddSink(sink_);
     logger_.BeginRecord(LOG_LEVEL_TRACE);
     logger_.EndRecord();
@@ -123,7 +123,7 @@ class FailingSink : public ILogSink {
     void Write(const LogEntry&) override { throw 1; }
 };
 
-TEST_F(LoggerTest, SinkThatFailsDisturbsNobody) {
+TEST_F(LoggerTest, FailingSink_DisturbsNoOther) {
     FailingSink failing;
     logger_.RemoveSink(sink_);
     logger_.AddSink(failing);
@@ -134,7 +134,7 @@ TEST_F(LoggerTest, SinkThatFailsDisturbsNobody) {
     EXPECT_EQ(sink_.entries.size(), 1U);
 }
 
-TEST_F(LoggerTest, WritesNothingToARemovedSink) {
+TEST_F(LoggerTest, RemovedSink_IsNotWritten) {
     logger_.RemoveSink(sink_);
     logger_.BeginRecord(LOG_LEVEL_TRACE);
     logger_.EndRecord();

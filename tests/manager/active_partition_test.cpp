@@ -46,7 +46,7 @@ Ini Record(int partition) {
 using Switch = int (Kestova::*)();
 
 struct Story {
-    const char* name;  // and the transcript's
+    const char* name;
     Switch operation;
     machine::Pc facts;
     std::vector<machine::FaultRule> faults;
@@ -55,9 +55,13 @@ struct Story {
     Ini ini;
 };
 
+void PrintTo(const Story& story, std::ostream* out) {
+    *out << story.name;
+}
+
 class BootSwitch : public testing::TestWithParam<Story> {};
 
-TEST_P(BootSwitch, GoesAsToldWithItsTranscript) {
+TEST_P(BootSwitch, Pc_ReturnsCodeAndSetsFlagsAndRecord) {
     const Story& story = GetParam();
     Application application(story.facts);
     for (const machine::FaultRule& fault : story.faults)
@@ -66,7 +70,7 @@ TEST_P(BootSwitch, GoesAsToldWithItsTranscript) {
     EXPECT_EQ(ActivePartitions(application.pc), story.flags);
     EXPECT_EQ(SystemVolumeIni(application.pc), story.ini);
     EXPECT_EQ(application.pc.faults.Fired() > 0, !story.faults.empty());
-    ExpectTranscript(application.pc.journal, std::string("manager/") + story.name);
+    ExpectTranscript(application.pc.journal);
 }
 
 const Story stories[] = {
@@ -278,17 +282,17 @@ std::vector<std::string> Changes(const Application& application) {
 
 // --- where the platform clears no other flag ---
 
-TEST(SetRcvprtActive, ClearsNoFlagItself) {
+TEST(SetRcvprtActive, PlatformKeepsOtherFlags_ClearsNone) {
     machine::Pc facts = Factory(2);
     facts.switches.activeFlagIsExclusive = false;
     Application application(facts);
     EXPECT_EQ(application.kestova.SetRcvprtActive(), 0);
     EXPECT_EQ(ActivePartitions(application.pc), (Flags{1, 2}));
     EXPECT_EQ(SystemVolumeIni(application.pc), Record(2));
-    ExpectTranscript(application.pc.journal, "manager/set_rcvprt_active");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(SetRcvprtActive, WritesTheRecordBeforeTheFlagMoves) {
+TEST(SetRcvprtActive, FactoryMbr_WritesTheRecordBeforeTheFlagMoves) {
     Application application(Factory(2));
     ASSERT_EQ(application.kestova.SetRcvprtActive(), 0);
     EXPECT_EQ(Changes(application), (std::vector<std::string>{writeProfile, changeAttributes}));
@@ -297,7 +301,7 @@ TEST(SetRcvprtActive, WritesTheRecordBeforeTheFlagMoves) {
 // First the record goes, then the former flag is set again.
 class FailedSwitchToRecovery : public testing::TestWithParam<Switch> {};
 
-TEST_P(FailedSwitchToRecovery, DeletesTheRecordBeforeTheFlagMovesBack) {
+TEST_P(FailedSwitchToRecovery, RefusedFlag_DeletesTheRecordBeforeTheFlagMovesBack) {
     Application application(Factory(3));
     application.pc.faults.Arm({.call = changeAttributes, .nth = 1, .code = refused});
     ASSERT_EQ((application.kestova.*GetParam())(), 5);
@@ -306,9 +310,13 @@ TEST_P(FailedSwitchToRecovery, DeletesTheRecordBeforeTheFlagMovesBack) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, FailedSwitchToRecovery,
-                         testing::Values(&Kestova::SetRcvprtActive, &Kestova::SetPOneActive));
+                         testing::Values(&Kestova::SetRcvprtActive, &Kestova::SetPOneActive),
+                         [](const auto& tested) {
+                             return tested.param == &Kestova::SetPOneActive ? "SetPOneActive"
+                                                                            : "SetRcvprtActive";
+                         });
 
-TEST(SetPOneActive, KeepsEveryNumberButTwo) {
+TEST(SetPOneActive, RecordOfAnyNumberButTwo_IsKept) {
     for (const int number : {-1, 0, 1, 4}) {
         Application application(Factory(1, Record(number)));
         EXPECT_EQ(application.kestova.SetPOneActive(), 0);
@@ -317,7 +325,7 @@ TEST(SetPOneActive, KeepsEveryNumberButTwo) {
     }
 }
 
-TEST(SetPOneActive, FileGoneAfterTheSwitchAnswersZeroWithItsPath) {
+TEST(SetPOneActive, FileGoneAfterTheSwitch_Returns0AndRecordsItsPath) {
     Application application(Factory(1));
     PartitionOf(application.pc.facts, 1).volume->letters = "R";
     EXPECT_EQ(application.kestova.SetPOneActive(), 0);
@@ -334,14 +342,18 @@ struct OnGpt {
     Switch operation;
 };
 
+void PrintTo(const OnGpt& onGpt, std::ostream* out) {
+    *out << onGpt.name;
+}
+
 class BootSwitchOnGpt : public testing::TestWithParam<OnGpt> {};
 
-TEST_P(BootSwitchOnGpt, AnswersOneAndChangesNothing) {
+TEST_P(BootSwitchOnGpt, FactoryGpt_Returns1AndChangesNothing) {
     Application application(machine::FactoryGpt());
     const machine::Pc before = application.pc.facts;
     EXPECT_EQ((application.kestova.*GetParam().operation)(), 1);
     EXPECT_EQ(application.pc.facts, before);
-    ExpectTranscript(application.pc.journal, std::string("manager/") + GetParam().name + "_gpt");
+    ExpectTranscript(application.pc.journal);
 }
 
 constexpr OnGpt switches[] = {
@@ -362,9 +374,13 @@ struct WithoutLayer {
     const char* transcript;
 };
 
+void PrintTo(const WithoutLayer& withoutLayer, std::ostream* out) {
+    *out << withoutLayer.name;
+}
+
 class BootSwitchWithoutVolumeLayer : public testing::TestWithParam<WithoutLayer> {};
 
-TEST_P(BootSwitchWithoutVolumeLayer, AnswersOne) {
+TEST_P(BootSwitchWithoutVolumeLayer, NoVolumeLayer_Returns1) {
     Application application(Factory(2));
     const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
@@ -388,11 +404,11 @@ constexpr WithoutLayer withoutLayer[] = {
 INSTANTIATE_TEST_SUITE_P(Every, BootSwitchWithoutVolumeLayer, testing::ValuesIn(withoutLayer),
                          [](const auto& tested) { return tested.param.name; });
 
-// --- how the platform tells that a partition has no letter yet ---
+// --- how the platform reports a partition without a letter ---
 
 class Letterless : public testing::TestWithParam<machine::Switches::Letterless> {};
 
-TEST_P(Letterless, IsLetteredHoweverThePlatformTellsIt) {
+TEST_P(Letterless, RecoveryPartition_SetRcvprtActive_AssignsALetter) {
     machine::Pc facts = Factory(2);
     facts.switches.letterless = GetParam();
     Application application(facts);
@@ -401,9 +417,15 @@ TEST_P(Letterless, IsLetteredHoweverThePlatformTellsIt) {
     EXPECT_EQ(SystemVolumeIni(application.pc), Record(2));
 }
 
+std::string LetterlessName(const testing::TestParamInfo<machine::Switches::Letterless>& answer) {
+    constexpr const char* names[] = {"Fails", "Nul", "Zero"};
+    return names[static_cast<size_t>(answer.param)];
+}
+
 INSTANTIATE_TEST_SUITE_P(Every, Letterless,
                          testing::Values(machine::Switches::Letterless::Fails,
                                          machine::Switches::Letterless::Nul,
-                                         machine::Switches::Letterless::Zero));
+                                         machine::Switches::Letterless::Zero),
+                         LetterlessName);
 
 }  // namespace

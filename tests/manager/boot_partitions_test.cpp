@@ -18,7 +18,7 @@ constexpr WCHAR untouched = TEXT('q');
 
 // One of the two partitions, with its operations.
 struct BootPartition {
-    const char* name;  // and the transcripts'
+    const char* name;
     uint32_t number;
     int (Kestova::*active)(WCHAR&);
     int (Kestova::*disable)();
@@ -71,9 +71,6 @@ class BootPartitionLetter : public testing::TestWithParam<BootPartition> {
     static std::string Letters(Application& application) {
         return PartitionOf(application.pc.facts, GetParam().number).volume->letters;
     }
-    static void ExpectStory(const Application& application, const std::string& story) {
-        ExpectTranscript(application.pc.journal, std::string("manager/") + GetParam().name + "_" + story);
-    }
 
     WCHAR letter = untouched;
 };
@@ -83,48 +80,48 @@ INSTANTIATE_TEST_SUITE_P(Both, BootPartitionLetter, testing::ValuesIn(bootPartit
 
 // --- giving it
 
-TEST_P(BootPartitionLetter, IsTheFirstFreeOne) {
+TEST_P(BootPartitionLetter, FactoryGpt_AssignsTheFirstFreeLetter) {
     Application application(FactoryGpt());
     EXPECT_EQ(Activate(application), 0);
     EXPECT_EQ(letter, TEXT('D'));
     EXPECT_EQ(Letters(application), "D");
-    ExpectStory(application, "lettered");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(BootPartitionLetter, IsTheOneThatIsThere) {
+TEST_P(BootPartitionLetter, LetteredPartition_ReturnsItsLetter) {
     Application application(WithLetters("S"));
     EXPECT_EQ(Activate(application), 0);
     EXPECT_EQ(letter, TEXT('S'));
     EXPECT_EQ(Letters(application), "S");
     EXPECT_TRUE(application.pc.journal.Calls("IVdsAdvancedDisk::AssignDriveLetter").empty());
-    ExpectStory(application, "lettered_before");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(BootPartitionLetter, IsNotGivenOnMbr) {
+TEST_P(BootPartitionLetter, FactoryMbr_AssignsNone) {
     Application application(FactoryMbr());
     EXPECT_EQ(Activate(application), ERROR_GET_PARTITION_TYPE);
     EXPECT_EQ(letter, untouched);
     EXPECT_EQ(application.pc.facts, FactoryMbr());
-    ExpectStory(application, "on_mbr");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(BootPartitionLetter, IsNotGivenToAMissingPartition) {
+TEST_P(BootPartitionLetter, MissingPartition_AssignsNone) {
     Application application(WithoutPartition());
     EXPECT_EQ(Activate(application), ERROR_GET_PARTITION_TYPE);
     EXPECT_EQ(letter, untouched);
-    ExpectStory(application, "missing");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(BootPartitionLetter, IsNotGivenToAPartitionOfAnotherType) {
+TEST_P(BootPartitionLetter, OtherType_AssignsNone) {
     Application application(WithType(GetParam().otherType));
     EXPECT_EQ(Activate(application), ERROR_NOT_ORVOBOOT_GUID);
     EXPECT_EQ(letter, untouched);
     EXPECT_EQ(Letters(application), "");
-    ExpectStory(application, "other_type");
+    ExpectTranscript(application.pc.journal);
 }
 
 // The whole type is compared.
-TEST_P(BootPartitionLetter, IsNotGivenWhenTheTypeDiffersInItsLastByte) {
+TEST_P(BootPartitionLetter, TypeThatDiffersInItsLastByte_AssignsNone) {
     machine::Pc facts = FactoryGpt();
     PartitionOf(facts, GetParam().number).gptType.Data4[7] ^= 1;
     Application application(facts);
@@ -132,7 +129,7 @@ TEST_P(BootPartitionLetter, IsNotGivenWhenTheTypeDiffersInItsLastByte) {
     EXPECT_EQ(Letters(application), "");
 }
 
-TEST_P(BootPartitionLetter, IsNotToldWhenItsAssignmentFails) {
+TEST_P(BootPartitionLetter, RefusedLetter_ReturnsNone) {
     for (const bool afterEffect : {false, true}) {
         Application application(FactoryGpt());
         application.pc.faults.Arm(
@@ -140,11 +137,11 @@ TEST_P(BootPartitionLetter, IsNotToldWhenItsAssignmentFails) {
         EXPECT_EQ(Activate(application), ERROR_SET_DRIVE_LETTER);
         EXPECT_EQ(letter, untouched);
         EXPECT_EQ(Letters(application), afterEffect ? "D" : "");
-        ExpectStory(application, "not_lettered");
+        ExpectTranscript(application.pc.journal);
     }
 }
 
-TEST_P(BootPartitionLetter, CannotBeGivenWhenAllAreTaken) {
+TEST_P(BootPartitionLetter, NoFreeLetter_ReturnsNone) {
     machine::Pc facts = FactoryGpt();
     for (char taken = 'A'; taken <= 'Z'; ++taken) {
         if (taken == 'C') continue;
@@ -159,7 +156,7 @@ TEST_P(BootPartitionLetter, CannotBeGivenWhenAllAreTaken) {
 }
 
 // Whatever disk was looked at before.
-TEST_P(BootPartitionLetter, IsGivenOnTheFirstInternalDisk) {
+TEST_P(BootPartitionLetter, OtherDiskSelected_ActsOnTheFirstInternalDisk) {
     machine::Pc facts = FactoryGpt();
     facts.disks.push_back(FactoryMbr().disks.front());
     facts.disks[1].number = 1;
@@ -173,25 +170,25 @@ TEST_P(BootPartitionLetter, IsGivenOnTheFirstInternalDisk) {
     EXPECT_EQ(application.pc.facts.disks[1], facts.disks[1]);
 }
 
-TEST_P(BootPartitionLetter, IsNotGivenWithoutAVolumeLayer) {
+TEST_P(BootPartitionLetter, NoVolumeLayer_AssignsNone) {
     Application application(FactoryGpt());
     const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Activate(application), ERROR_GET_PARTITION_TYPE);
     EXPECT_EQ(letter, untouched);
-    ExpectStory(application, "no_volume_layer");
+    ExpectTranscript(application.pc.journal);
 }
 
 // --- taking it
 
-TEST_P(BootPartitionLetter, IsTakenWhoeverGaveIt) {
+TEST_P(BootPartitionLetter, LetteredPartition_Disable_TakesTheLetter) {
     Application application(WithLetters("S"));
     EXPECT_EQ(Disable(application), 0);
     EXPECT_EQ(Letters(application), "");
-    ExpectStory(application, "letter_taken");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(BootPartitionLetter, IsTakenTwiceWithoutAFailure) {
+TEST_P(BootPartitionLetter, LetterlessPartition_Disable_Succeeds) {
     Application application(FactoryGpt());
     EXPECT_EQ(Activate(application), 0);
     EXPECT_EQ(Disable(application), 0);
@@ -199,50 +196,50 @@ TEST_P(BootPartitionLetter, IsTakenTwiceWithoutAFailure) {
     application.pc.journal.Clear();
     EXPECT_EQ(Disable(application), 0);
     EXPECT_EQ(application.pc.facts, FactoryGpt());
-    ExpectStory(application, "no_letter_to_take");
+    ExpectTranscript(application.pc.journal);
 }
 
 // The type is not looked at before.
-TEST_P(BootPartitionLetter, IsTakenFromAPartitionOfAnotherType) {
+TEST_P(BootPartitionLetter, OtherType_Disable_TakesTheLetter) {
     Application application(WithType(GetParam().otherType, "S"));
     EXPECT_EQ(Disable(application), 0);
     EXPECT_EQ(Letters(application), "");
 }
 
-TEST_P(BootPartitionLetter, StaysOnAPartitionThatMayNotBeLettered) {
+TEST_P(BootPartitionLetter, TypeThatMayNotBeLettered_Disable_LeavesTheLetter) {
     Application application(WithType(GetParam().letterlessType, "S"));
     EXPECT_EQ(Disable(application), ERROR_SET_DRIVE_LETTER);
     EXPECT_EQ(Letters(application), "S");
-    ExpectStory(application, "letter_stays");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(BootPartitionLetter, CannotBeTakenFromAMissingPartition) {
+TEST_P(BootPartitionLetter, MissingPartition_Disable_Fails) {
     Application application(WithoutPartition());
     EXPECT_EQ(Disable(application), ERROR_SET_DRIVE_LETTER);
 }
 
-TEST_P(BootPartitionLetter, MayBeGoneWhenTakingItFails) {
+TEST_P(BootPartitionLetter, RefusedDeletion_Disable_FailsWhetherTheLetterIsGoneOrNot) {
     for (const bool afterEffect : {false, true}) {
         Application application(WithLetters("S"));
         application.pc.faults.Arm(
             {.call = "IVdsAdvancedDisk::DeleteDriveLetter", .afterEffect = afterEffect, .code = 0x80004005});
         EXPECT_EQ(Disable(application), ERROR_SET_DRIVE_LETTER);
         EXPECT_EQ(Letters(application), afterEffect ? "" : "S");
-        ExpectStory(application, "letter_not_taken");
+        ExpectTranscript(application.pc.journal);
     }
 }
 
-TEST_P(BootPartitionLetter, IsNotTakenWithoutAVolumeLayer) {
+TEST_P(BootPartitionLetter, NoVolumeLayer_Disable_Fails) {
     Application application(WithLetters("S"));
     const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
     EXPECT_EQ(Disable(application), ERROR_SET_DRIVE_LETTER);
     EXPECT_EQ(Letters(application), "S");
-    ExpectStory(application, "letter_not_taken_without_volume_layer");
+    ExpectTranscript(application.pc.journal);
 }
 
 // On MBR the recovery partition is partition 1, and loses its letter.
-TEST(DisableOrvoBootPartition, TakesTheLetterOfAnMbrRecoveryPartition) {
+TEST(DisableOrvoBootPartition, FactoryMbr_TakesTheLetterOfTheRecoveryPartition) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).volume->letters = "R";
     Application application(facts);

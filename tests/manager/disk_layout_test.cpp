@@ -10,20 +10,20 @@ namespace {
 using machine::FactoryGpt;
 using machine::FactoryMbr;
 
-TEST(GetDiskStyle, TellsMbr) {
+TEST(GetDiskStyle, FactoryMbr_ReturnsMbr) {
     Application application(FactoryMbr());
     THardDiskType style = HARD_DISK_UNKNOWN;
     EXPECT_EQ(application.kestova.GetDiskStyle(style), 1);
     EXPECT_EQ(style, HARD_DISK_MBR);
-    ExpectTranscript(application.pc.journal, "manager/get_disk_style_mbr");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(GetDiskStyle, TellsGpt) {
+TEST(GetDiskStyle, FactoryGpt_ReturnsGpt) {
     Application application(FactoryGpt());
     THardDiskType style = HARD_DISK_UNKNOWN;
     EXPECT_EQ(application.kestova.GetDiskStyle(style), 1);
     EXPECT_EQ(style, HARD_DISK_GPT);
-    ExpectTranscript(application.pc.journal, "manager/get_disk_style_gpt");
+    ExpectTranscript(application.pc.journal);
 }
 
 struct FailingStep {
@@ -33,17 +33,20 @@ struct FailingStep {
     uint32_t code;
 };
 
+void PrintTo(const FailingStep& failingStep, std::ostream* out) {
+    *out << failingStep.name;
+}
+
 class GetDiskStyleFailure : public testing::TestWithParam<FailingStep> {};
 
-TEST_P(GetDiskStyleFailure, SucceedsWithAnUnknownStyle) {
+TEST_P(GetDiskStyleFailure, FailingStep_Returns1WithUnknownStyle) {
     Application application(FactoryMbr());
     application.pc.faults.Arm({.call = GetParam().call, .nth = GetParam().nth, .code = GetParam().code});
     THardDiskType style = HARD_DISK_GPT;
     EXPECT_EQ(application.kestova.GetDiskStyle(style), 1);
     EXPECT_EQ(style, HARD_DISK_UNKNOWN);
     EXPECT_EQ(application.pc.faults.Fired(), 1);
-    ExpectTranscript(application.pc.journal,
-                     std::string("manager/get_disk_style_failure_") + GetParam().name);
+    ExpectTranscript(application.pc.journal);
 }
 
 INSTANTIATE_TEST_SUITE_P(Step, GetDiskStyleFailure,
@@ -53,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(Step, GetDiskStyleFailure,
                                                      0x8004242B}),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST_F(WithoutVolumeLayer, GetDiskStyleAnswersZeroAndUnknown) {
+TEST_F(WithoutVolumeLayer, GetDiskStyle_Returns0WithUnknownStyle) {
     THardDiskType style = HARD_DISK_MBR;
     EXPECT_EQ(kestova_.GetDiskStyle(style), 0);
     EXPECT_EQ(style, HARD_DISK_UNKNOWN);
@@ -62,8 +65,9 @@ TEST_F(WithoutVolumeLayer, GetDiskStyleAnswersZeroAndUnknown) {
         "4 Kestova::GetDiskStyle\\t\\tStart\n4 Kestova::GetDiskStyle\\t\\tEnd. enumDiskStyle = {int 0}\n");
 }
 
-// The object remembers the style that it told last, the unknown one too; without a volume layer it told none.
-TEST(GetDiskStyle, IsRememberedAsItWasTold) {
+// The object remembers the last style that it returned, the unknown one too; without a volume layer there is
+// none.
+TEST(GetDiskStyle, AnyDisk_RemembersTheStyleReturned) {
     Application application(FactoryGpt());
     const THardDiskType& remembered = application.kestova.*Open(internals::DiskStyleTag());
     EXPECT_EQ(remembered, HARD_DISK_UNKNOWN);
@@ -81,11 +85,15 @@ TEST(GetDiskStyle, IsRememberedAsItWasTold) {
 }
 
 struct Layout {
-    const char* name;  // and the transcript's
+    const char* name;
     machine::Pc facts;
     std::vector<machine::FaultRule> faults;
     tagDiskTypeEnum type;
 };
+
+void PrintTo(const Layout& layout, std::ostream* out) {
+    *out << layout.name;
+}
 
 machine::Pc WithLabel(machine::Fact<std::string> label) {
     machine::Pc facts = FactoryMbr();
@@ -127,7 +135,7 @@ machine::Pc OfUnknownStyle() {
 
 class GetCurrentDiskType : public testing::TestWithParam<Layout> {};
 
-TEST_P(GetCurrentDiskType, IsToldWithItsTranscript) {
+TEST_P(GetCurrentDiskType, Layout_ReturnsItsType) {
     const Layout& layout = GetParam();
     Application application(layout.facts);
     for (const machine::FaultRule& fault : layout.faults)
@@ -136,7 +144,7 @@ TEST_P(GetCurrentDiskType, IsToldWithItsTranscript) {
     EXPECT_EQ(application.kestova.GetCurrentDiskType(type), 1);
     EXPECT_EQ(type, layout.type);
     EXPECT_EQ(application.pc.faults.Fired() > 0, !layout.faults.empty());
-    ExpectTranscript(application.pc.journal, std::string("manager/get_current_disk_type_") + layout.name);
+    ExpectTranscript(application.pc.journal);
     ExpectOnlyKeptLeftovers(application.pc.ledger);
 }
 
@@ -174,7 +182,7 @@ const Layout layouts[] = {
 INSTANTIATE_TEST_SUITE_P(Layouts, GetCurrentDiskType, testing::ValuesIn(layouts),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST(GetCurrentDiskTypeLabel, IsCutToItsBuffer) {
+TEST(GetCurrentDiskTypeLabel, LongLabel_IsCutToItsBuffer) {
     Application application(WithLabel(std::string(300, 'L')));
     tagDiskTypeEnum type = DISK_TYPE_UNKNOWN;
     EXPECT_EQ(application.kestova.GetCurrentDiskType(type), 1);
@@ -183,7 +191,7 @@ TEST(GetCurrentDiskTypeLabel, IsCutToItsBuffer) {
                 testing::HasSubstr("4 Kestova::GetCurrentDiskType\\t" + std::string(259, 'L') + "\n"));
 }
 
-TEST(GetCurrentDiskTypeDisk, IsTheFirstInternalOneWhateverWasSelected) {
+TEST(GetCurrentDiskTypeDisk, OtherDiskSelected_FirstInternalDiskDecides) {
     machine::Pc facts = machine::WinPeTwoDisks();
     facts.disks[1].style = machine::PartitionStyle::Gpt;
     Application application(facts);
@@ -193,7 +201,7 @@ TEST(GetCurrentDiskTypeDisk, IsTheFirstInternalOneWhateverWasSelected) {
     EXPECT_EQ(type, DISK_TYPE_MBR_OTHER);
 }
 
-TEST_F(WithoutVolumeLayer, GetCurrentDiskTypeIsUnknown) {
+TEST_F(WithoutVolumeLayer, GetCurrentDiskType_ReturnsUnknown) {
     tagDiskTypeEnum type = DISK_TYPE_MBR_OTHER;
     EXPECT_EQ(kestova_.GetCurrentDiskType(type), 1);
     EXPECT_EQ(type, DISK_TYPE_UNKNOWN);

@@ -61,12 +61,13 @@ struct Translation {
 
 const WCHAR* const runningKey = TEXT("SYSTEM\\MountedDevices");
 
-TEST(ReadRegistry, ReadsTheRunningSystemsLettersIntoItsMap) {
+TEST(ReadRegistry, KeyOfTheRunningSystem_FillsItsMap) {
     Translation translation;
     EXPECT_EQ(translation.Read(TEXT("system\\MOUNTEDdevices")), TRUE);
-    EXPECT_THAT(translation.Running(), ElementsAre(Pair(TEXT('C'), IdentityOf(translation.pc.facts, 1).data),
-                                                   Pair(TEXT('D'), IdentityOf(translation.pc.facts, 2).data),
-                                                   Pair(TEXT('E'), IdentityOf(translation.pc.facts, 3).data)));
+    EXPECT_THAT(translation.Running(),
+                ElementsAre(Pair(TEXT('C'), IdentityOf(translation.pc.facts, 1).data),
+                            Pair(TEXT('D'), IdentityOf(translation.pc.facts, 2).data),
+                            Pair(TEXT('E'), IdentityOf(translation.pc.facts, 3).data)));
     EXPECT_THAT(translation.Installed(), IsEmpty());
     EXPECT_EQ(translation.Log(),
               "4 Kestova::ReadRegistry Start. sRegisterPath = system\\MOUNTEDdevices\n"
@@ -77,7 +78,7 @@ TEST(ReadRegistry, ReadsTheRunningSystemsLettersIntoItsMap) {
     EXPECT_THAT(translation.pc.ledger.Outstanding(), IsEmpty());
 }
 
-TEST(ReadRegistry, ReadsAnyOtherKeyIntoTheMapOfTheInstalledWindows) {
+TEST(ReadRegistry, AnyOtherKey_FillsTheMapOfTheInstalledWindows) {
     machine::Pc facts = TwoSystems();
     facts.registry["HKLM\\ELSEWHERE"] = {{"\\DosDevices\\Z:", {REG_BINARY, "last"}},
                                          {"\\DosDevices\\A:", {REG_SZ, "a"}},
@@ -90,7 +91,7 @@ TEST(ReadRegistry, ReadsAnyOtherKeyIntoTheMapOfTheInstalledWindows) {
     EXPECT_THAT(translation.Running(), IsEmpty());
 }
 
-TEST(ReadRegistry, SucceedsWithoutASingleLetter) {
+TEST(ReadRegistry, NoLetter_Succeeds) {
     machine::Pc facts = TwoSystems();
     facts.registry[runningDevices] = {{"\\??\\Volume{1}", {REG_BINARY, "no letter"}}};
     Translation translation(facts);
@@ -98,7 +99,7 @@ TEST(ReadRegistry, SucceedsWithoutASingleLetter) {
     EXPECT_THAT(translation.Running(), IsEmpty());
 }
 
-TEST(ReadRegistry, KeepsLettersWithoutData) {
+TEST(ReadRegistry, LetterWithoutData_IsKept) {
     machine::Pc facts = TwoSystems();
     facts.registry[runningDevices] = {{"\\DosDevices\\C:", {REG_BINARY, ""}}};
     Translation translation(facts);
@@ -106,7 +107,7 @@ TEST(ReadRegistry, KeepsLettersWithoutData) {
     EXPECT_THAT(translation.Running(), ElementsAre(Pair(TEXT('C'), "")));
 }
 
-TEST(ReadRegistry, LeavesALetterThatTheMapHasAlready) {
+TEST(ReadRegistry, LetterInTheMapAlready_IsLeft) {
     Translation translation;
     translation.Add(Open(internals::PEDriveMapTag()), TEXT('D'), "older");
     EXPECT_EQ(translation.Read(runningKey), TRUE);
@@ -114,7 +115,7 @@ TEST(ReadRegistry, LeavesALetterThatTheMapHasAlready) {
     EXPECT_EQ(translation.Running().size(), 3U);
 }
 
-TEST(ReadRegistry, TellsThatThereIsNoSuchKey) {
+TEST(ReadRegistry, NoSuchKey_Fails) {
     Translation translation;
     EXPECT_EQ(translation.Read(TEXT("NONE")), FALSE);
     EXPECT_EQ(translation.Log(),
@@ -128,7 +129,7 @@ TEST(ReadRegistry, TellsThatThereIsNoSuchKey) {
     EXPECT_THAT(translation.pc.journal.Calls("RegOpenKeyExW"), IsEmpty());
 }
 
-TEST(ReadRegistry, SkipsALetterWhoseDataCannotBeRead) {
+TEST(ReadRegistry, LetterWithUnreadableData_IsSkipped) {
     // The third query asks for the size of C:, the fourth for its data.
     for (const uint32_t query : {3U, 4U}) {
         Translation translation;
@@ -139,14 +140,14 @@ TEST(ReadRegistry, SkipsALetterWhoseDataCannotBeRead) {
     }
 }
 
-TEST(ReadRegistry, ReadsNothingThroughAKeyThatWasNotHandedOut) {
+TEST(ReadRegistry, SuccessWithoutAKey_ReadsNothing) {
     Translation translation;
     translation.pc.faults.Arm({.call = "RegOpenKeyExW", .nth = 1, .code = ERROR_SUCCESS});
     EXPECT_EQ(translation.Read(runningKey), TRUE);
     EXPECT_THAT(translation.Running(), IsEmpty());
 }
 
-TEST(ReadRegistry, TakesNoNoticeOfAKeyThatDoesNotClose) {
+TEST(ReadRegistry, KeyThatDoesNotClose_Succeeds) {
     Translation translation;
     translation.pc.faults.Arm({.call = "RegCloseKey", .nth = 1, .code = ERROR_BADKEY});
     EXPECT_EQ(translation.Read(runningKey), TRUE);
@@ -166,7 +167,7 @@ struct Maps : Translation {
     }
 };
 
-TEST(TransformDriveLetter, FindsTheLowestLetterWithTheSameBytes) {
+TEST(TransformDriveLetter, TwoLettersWithTheSameBytes_ReturnsTheLower) {
     Maps maps;
     WCHAR running = TEXT('?');
     EXPECT_EQ(maps.Transform(TEXT('C'), running), TRUE);
@@ -179,7 +180,7 @@ TEST(TransformDriveLetter, FindsTheLowestLetterWithTheSameBytes) {
               "4 Kestova::TransformDriveLetter  cWindowsDriveLetter: {char C}\n");
 }
 
-TEST(TransformDriveLetter, AnswersZeroForAVolumeThatIsNotThere) {
+TEST(TransformDriveLetter, MissingVolume_Returns0) {
     Maps maps;
     maps.Add(Open(internals::WinDriveMapTag()), TEXT('G'), "windows of another disk");
     WCHAR running = TEXT('?');
@@ -194,7 +195,7 @@ TEST(TransformDriveLetter, AnswersZeroForAVolumeThatIsNotThere) {
               "4 Kestova::TransformDriveLetter  cWindowsDriveLetter: {char G}\n");
 }
 
-TEST(TransformDriveLetter, LeavesTheOutputWhenTheRunningSystemHasNoLetters) {
+TEST(TransformDriveLetter, NoRunningLetters_LeavesTheOutput) {
     Translation translation;
     translation.Add(Open(internals::WinDriveMapTag()), TEXT('C'), "windows");
     WCHAR running = TEXT('?');
@@ -205,7 +206,7 @@ TEST(TransformDriveLetter, LeavesTheOutputWhenTheRunningSystemHasNoLetters) {
               "4 Kestova::TransformDriveLetter  cWindowsDriveLetter: {char C}\n");
 }
 
-TEST(TransformDriveLetter, TellsThatTheInstalledWindowsHasNoSuchLetter) {
+TEST(TransformDriveLetter, UnknownLetter_Fails) {
     Maps maps;
     WCHAR running = TEXT('?');
     EXPECT_EQ(maps.Transform(TEXT('D'), running), FALSE);
@@ -216,7 +217,7 @@ TEST(TransformDriveLetter, TellsThatTheInstalledWindowsHasNoSuchLetter) {
               "4 Kestova::TransformDriveLetter  cWindowsDriveLetter: {char D}\n");
 }
 
-TEST(TransformDriveLetter, TakesLettersWithoutDataForTheSame) {
+TEST(TransformDriveLetter, LettersWithoutData_CountAsTheSame) {
     Translation translation;
     translation.Add(Open(internals::WinDriveMapTag()), TEXT('C'), "");
     translation.Add(Open(internals::PEDriveMapTag()), TEXT('D'), "data");
@@ -226,7 +227,7 @@ TEST(TransformDriveLetter, TakesLettersWithoutDataForTheSame) {
     EXPECT_EQ(running, TEXT('E'));
 }
 
-TEST(CleanMap, FreesAndForgetsBothMaps) {
+TEST(CleanMap, FilledMaps_AreFreedAndEmptied) {
     Maps maps;
     (maps.kestova.*Open(internals::CleanMapTag()))();
     EXPECT_THAT(maps.Running(), IsEmpty());
@@ -236,7 +237,7 @@ TEST(CleanMap, FreesAndForgetsBothMaps) {
 
 // --- all letters ---
 
-TEST(GetWinDriveLetters, TellsWhereEachVolumeLies) {
+TEST(GetWinDriveLetters, TwoSystems_ReturnsDiskAndPartitionOfEachLetter) {
     Translation translation;
     EXPECT_EQ(translation.GetLetters(), TRUE);
     EXPECT_THAT(translation.records, ElementsAre(tagDriveInfo_t{0, 2, TEXT('C')},
@@ -245,10 +246,10 @@ TEST(GetWinDriveLetters, TellsWhereEachVolumeLies) {
     EXPECT_EQ(BatchFile(translation.pc), nullptr);
     EXPECT_EQ(translation.pc.clockMilliseconds, 2U * 50U);
     EXPECT_THAT(translation.pc.ledger.Outstanding(), IsEmpty());
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters");
+    ExpectTranscript(translation.pc.journal);
 }
 
-TEST(GetWinDriveLetters, KeepsTheMapsUntilTheNextTime) {
+TEST(GetWinDriveLetters, SecondCall_StartsFromTheMapsOfTheFirst) {
     Translation translation;
     translation.GetLetters();
     EXPECT_EQ(translation.Running().size(), 3U);
@@ -260,7 +261,7 @@ TEST(GetWinDriveLetters, KeepsTheMapsUntilTheNextTime) {
     EXPECT_EQ(translation.records[0], (tagDriveInfo_t{0, 3, TEXT('D')}));
 }
 
-TEST(GetWinDriveLetters, MatchesPartitionsOfGptDisks) {
+TEST(GetWinDriveLetters, GptDisk_MatchesItsPartitions) {
     machine::Pc facts = TwoSystems();
     const machine::RegistryValue id = {REG_BINARY, std::string("DMIO:ID:0123456789abcdef")};
     facts.registry[runningDevices]["\\DosDevices\\E:"] = id;
@@ -270,7 +271,7 @@ TEST(GetWinDriveLetters, MatchesPartitionsOfGptDisks) {
     EXPECT_THAT(translation.records[0], (tagDriveInfo_t{0, 3, TEXT('C')}));
 }
 
-TEST(GetWinDriveLetters, TakesTheLowerOfTwoLettersWithTheSameData) {
+TEST(GetWinDriveLetters, TwoRunningLettersWithTheSameData_TakesTheLower) {
     machine::Pc facts = TwoSystems();
     facts.registry[runningDevices]["\\DosDevices\\C:"] = IdentityOf(facts, 2);
     Translation translation(facts);
@@ -278,7 +279,7 @@ TEST(GetWinDriveLetters, TakesTheLowerOfTwoLettersWithTheSameData) {
     EXPECT_EQ(translation.records[0], (tagDriveInfo_t{0, 1, TEXT('C')}));
 }
 
-TEST(GetWinDriveLetters, TellsBothLettersOfOneVolume) {
+TEST(GetWinDriveLetters, TwoLettersOfOneVolume_ReturnsBoth) {
     machine::Pc facts = TwoSystems();
     facts.offlineSystemHive[installedDevices]["\\DosDevices\\F:"] = IdentityOf(facts, 2);
     Translation translation(facts);
@@ -287,7 +288,7 @@ TEST(GetWinDriveLetters, TellsBothLettersOfOneVolume) {
     EXPECT_EQ(translation.records[2], (tagDriveInfo_t{0, 2, TEXT('F')}));
 }
 
-TEST(GetWinDriveLetters, ReportsAVolumeThatTellsNeitherDiskNorPartition) {
+TEST(GetWinDriveLetters, UnreadableVolume_IsReturnedWithUnknownPlace) {
     machine::Pc facts = TwoSystems();
     PartitionOf(facts, 3).volume->openError = ERROR_ACCESS_DENIED;
     Translation translation(facts);
@@ -295,16 +296,16 @@ TEST(GetWinDriveLetters, ReportsAVolumeThatTellsNeitherDiskNorPartition) {
     EXPECT_EQ(translation.records[1], (tagDriveInfo_t{255, 0, TEXT('D')}));
 }
 
-TEST(GetWinDriveLetters, FillsNoRecordForVolumesThatAreNotThere) {
+TEST(GetWinDriveLetters, MissingVolumes_FillNoRecord) {
     machine::Pc facts = TwoSystems();
     facts.registry[runningDevices] = {{"\\DosDevices\\C:", IdentityOf(facts, 1)}};
     Translation translation(facts);
     EXPECT_EQ(translation.GetLetters(), TRUE);
     EXPECT_THAT(translation.records, Each(untouched));
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters_elsewhere");
+    ExpectTranscript(translation.pc.journal);
 }
 
-TEST(GetWinDriveLetters, FillsNoRecordWhenTheRunningSystemHasNoLetters) {
+TEST(GetWinDriveLetters, NoRunningLetters_FillsNoRecord) {
     machine::Pc facts = TwoSystems();
     facts.registry[runningDevices].clear();
     Translation translation(facts);
@@ -312,22 +313,22 @@ TEST(GetWinDriveLetters, FillsNoRecordWhenTheRunningSystemHasNoLetters) {
     EXPECT_THAT(translation.records, Each(untouched));
 }
 
-TEST(GetWinDriveLetters, IsContentWithRoomForEveryLetterThatIsThere) {
+TEST(GetWinDriveLetters, RoomForEveryLetter_Succeeds) {
     Translation translation;
     EXPECT_EQ(translation.GetLetters(2), TRUE);
     EXPECT_EQ(translation.records[1], (tagDriveInfo_t{0, 3, TEXT('D')}));
 }
 
-TEST(GetWinDriveLetters, StopsWhenTheRoomIsUsedUp) {
+TEST(GetWinDriveLetters, TooLittleRoom_StopsWhenItIsUsedUp) {
     Translation translation;
     EXPECT_EQ(translation.GetLetters(1), FALSE);
     EXPECT_THAT(translation.records,
                 ElementsAre(tagDriveInfo_t{0, 2, TEXT('C')}, untouched, untouched, untouched));
     EXPECT_FALSE(IsHiveMounted(translation.pc));
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters_no_room");
+    ExpectTranscript(translation.pc.journal);
 }
 
-TEST(GetWinDriveLetters, FillsNothingWithoutRoom) {
+TEST(GetWinDriveLetters, NoRoom_FillsNothing) {
     for (const int count : {0, -1}) {
         Translation translation;
         EXPECT_EQ(translation.GetLetters(count), FALSE);
@@ -336,7 +337,7 @@ TEST(GetWinDriveLetters, FillsNothingWithoutRoom) {
     }
 }
 
-TEST(GetWinDriveLetters, WithoutRecordsOnlyUnloads) {
+TEST(GetWinDriveLetters, NoRecords_OnlyUnloads) {
     Translation translation;
     EXPECT_EQ(translation.kestova.GetWinDriveLetters(nullptr, 4), FALSE);
     EXPECT_THAT(translation.Running(), IsEmpty());
@@ -348,17 +349,17 @@ TEST(GetWinDriveLetters, WithoutRecordsOnlyUnloads) {
               "4 Kestova::GetWinDriveLetters\\t\\tEnd\n");
 }
 
-TEST(GetWinDriveLetters, FailsWhenTheRunningSystemHasNoKey) {
+TEST(GetWinDriveLetters, NoKeyOfTheRunningSystem_Fails) {
     machine::Pc facts = TwoSystems();
     facts.registry.clear();
     Translation translation(facts);
     EXPECT_EQ(translation.GetLetters(), FALSE);
     EXPECT_THAT(translation.records, Each(untouched));
     EXPECT_EQ(translation.pc.journal.Calls("reg").size(), 1U);
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters_no_running_key");
+    ExpectTranscript(translation.pc.journal);
 }
 
-TEST(GetWinDriveLetters, WithoutAnInstalledWindowsUnloadsOnce) {
+TEST(GetWinDriveLetters, NoInstalledWindows_FailsAndUnloadsOnce) {
     machine::Pc facts = TwoSystems();
     PartitionOf(facts, 2).volume->files = {};
     Translation translation(facts);
@@ -366,20 +367,20 @@ TEST(GetWinDriveLetters, WithoutAnInstalledWindowsUnloadsOnce) {
     EXPECT_THAT(translation.records, Each(untouched));
     EXPECT_EQ(translation.pc.journal.Calls("ShellExecuteExW").size(), 1U);
     EXPECT_EQ(translation.pc.clockMilliseconds, 50U);
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters_no_windows");
+    ExpectTranscript(translation.pc.journal);
 }
 
-TEST(GetWinDriveLetters, NoticesAFailingRegAtTheMissingKey) {
+TEST(GetWinDriveLetters, FailingRegCommand_FailsAtTheMissingKey) {
     machine::Pc facts = TwoSystems();
     facts.shell.regFails = true;
     Translation translation(facts);
     EXPECT_EQ(translation.GetLetters(), FALSE);
     EXPECT_EQ(translation.pc.clockMilliseconds, 2U * 50U);
     EXPECT_THAT(translation.pc.ledger.Outstanding(), IsEmpty());
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters_reg_fails");
+    ExpectTranscript(translation.pc.journal);
 }
 
-TEST(GetWinDriveLetters, TriesThreeTimesEachWithoutADriveX) {
+TEST(GetWinDriveLetters, NoDriveX_FailsAfterThreeAttemptsEach) {
     machine::Pc facts = TwoSystems();
     facts.volumes.clear();
     facts.host.path = "E:\\Recovery.exe";
@@ -387,21 +388,21 @@ TEST(GetWinDriveLetters, TriesThreeTimesEachWithoutADriveX) {
     EXPECT_EQ(translation.GetLetters(), FALSE);
     EXPECT_EQ(translation.pc.journal.Calls("CreateFileW").size(), 6U);
     EXPECT_EQ(translation.pc.clockMilliseconds, 6U * 300U);
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters_no_batch");
+    ExpectTranscript(translation.pc.journal);
 }
 
-TEST(GetWinDriveLetters, GivesUpOnASlowShellAfterAMinute) {
+TEST(GetWinDriveLetters, SlowShell_FailsAfterAMinute) {
     machine::Pc facts = TwoSystems();
     facts.shell.milliseconds = 60'000;
     Translation translation(facts);
     EXPECT_EQ(translation.GetLetters(), FALSE);
     EXPECT_EQ(translation.pc.clockMilliseconds, 6U * 10'300U);
     EXPECT_THAT(translation.pc.ledger.Outstanding(), ElementsAre(Pair("mounted hive", 1)));
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters_no_batch");
+    ExpectTranscript(translation.pc.journal);
 }
 
 // The first batch mounts the hive in the middle of the second attempt, the others find it mounted.
-TEST(GetWinDriveLetters, OverlooksAHiveThatIsMountedTooLate) {
+TEST(GetWinDriveLetters, HiveMountedTooLate_IsOverlooked) {
     machine::Pc facts = TwoSystems();
     facts.shell.milliseconds = 15'000;
     Translation translation(facts);
@@ -414,7 +415,7 @@ TEST(GetWinDriveLetters, OverlooksAHiveThatIsMountedTooLate) {
     EXPECT_THAT(translation.pc.ledger.Outstanding(), IsEmpty());
 }
 
-TEST(GetWinDriveLetters, FailsWhenTheHiveCouldNotBeUnloaded) {
+TEST(GetWinDriveLetters, HiveThatStaysMounted_Fails) {
     Translation translation;
     // The second and every later batch.
     translation.pc.faults.Arm(
@@ -424,7 +425,7 @@ TEST(GetWinDriveLetters, FailsWhenTheHiveCouldNotBeUnloaded) {
     EXPECT_TRUE(IsHiveMounted(translation.pc));
     EXPECT_THAT(translation.pc.ledger.Outstanding(), ElementsAre(Pair("mounted hive", 1)));
     EXPECT_EQ(translation.pc.clockMilliseconds, 50U + 3U * 300U);
-    ExpectTranscript(translation.pc.journal, "manager/win_drive_letters_not_unloaded");
+    ExpectTranscript(translation.pc.journal);
 }
 
 }  // namespace

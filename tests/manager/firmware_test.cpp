@@ -22,9 +22,13 @@ struct Answer {
     const char* record;  // the one between start and end; empty: none
 };
 
+void PrintTo(const Answer& answer, std::ostream* out) {
+    *out << answer.name;
+}
+
 class IsEFIBootSystem : public testing::TestWithParam<Answer> {};
 
-TEST_P(IsEFIBootSystem, IsToldByTheErrorOfTheFirmware) {
+TEST_P(IsEFIBootSystem, ErrorOfTheFirmware_DecidesTheResult) {
     machine::Pc facts = machine::FactoryMbr();
     facts.firmware = {GetParam().kind, GetParam().error};
     EmulatedPc pc(facts);
@@ -46,7 +50,7 @@ const Answer answers[] = {
 INSTANTIATE_TEST_SUITE_P(Firmware, IsEFIBootSystem, testing::ValuesIn(answers),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST(IsEFIBootSystemCall, AsksForAVariableWithoutAName) {
+TEST(IsEFIBootSystemCall, AnyFirmware_ReadsAVariableWithoutAName) {
     EmulatedPc pc(machine::FactoryGpt());
     Kestova kestova;
     pc.journal.Clear();
@@ -58,7 +62,7 @@ TEST(IsEFIBootSystemCall, AsksForAVariableWithoutAName) {
                 testing::ElementsAre("", "{00000000-0000-0000-0000-000000000000}", "1000"));
 }
 
-TEST(IsEFIBootSystemCall, ErrorOfAnEarlierCallDoesNotCount) {
+TEST(IsEFIBootSystemCall, ErrorOfAnEarlierCall_DoesNotCount) {
     machine::Pc facts = machine::FactoryGpt();
     facts.firmware.error = ERROR_SUCCESS;
     EmulatedPc pc(facts);

@@ -13,7 +13,7 @@ namespace {
 
 using machine::EmulatedPc;
 
-TEST(Construction, WritesItsRecordsAndNothingElse) {
+TEST(Construction, FactoryPc_WritesItsRecordsAndNothingElse) {
     EmulatedPc pc(machine::FactoryMbr());
     alignas(Kestova) char place[sizeof(Kestova)];
     Kestova* const kestova = new (place) Kestova;
@@ -22,7 +22,7 @@ TEST(Construction, WritesItsRecordsAndNothingElse) {
     kestova->~Kestova();
 }
 
-TEST(Destruction, OfAnObjectThatWasNeverInitialisedReleasesWhatItOwns) {
+TEST(Destruction, NeverInitialised_ReleasesWhatItOwns) {
     EmulatedPc pc(machine::FactoryMbr());
     { Kestova kestova; }
     EXPECT_EQ(Transcript(pc.journal),
@@ -35,7 +35,7 @@ TEST(Destruction, OfAnObjectThatWasNeverInitialisedReleasesWhatItOwns) {
     EXPECT_TRUE(pc.ledger.Outstanding().empty());
 }
 
-TEST(Destruction, AfterInitialisationReleasesTheService) {
+TEST(Destruction, Initialised_ReleasesTheService) {
     EmulatedPc pc(machine::FactoryMbr());
     ComApartment com;
     {
@@ -64,7 +64,7 @@ class LoansAtCleaning : public ILogSink {
     const machine::Ledger& ledger_;
 };
 
-TEST(Destruction, ReleasesTheServiceBeforeItCleansItsMaps) {
+TEST(Destruction, Initialised_ReleasesTheServiceBeforeItCleansItsMaps) {
     EmulatedPc pc(machine::FactoryMbr());
     ComApartment com;
     LoansAtCleaning cleaning(pc.ledger);
@@ -77,7 +77,7 @@ TEST(Destruction, ReleasesTheServiceBeforeItCleansItsMaps) {
 
 class InitializeArgument : public testing::TestWithParam<bool> {};
 
-TEST_P(InitializeArgument, IsWithoutEffect) {
+TEST_P(InitializeArgument, EitherValue_HasNoEffect) {
     EmulatedPc pc(machine::FactoryMbr());
     ComApartment com;
     Kestova kestova;
@@ -88,9 +88,10 @@ TEST_P(InitializeArgument, IsWithoutEffect) {
     EXPECT_EQ(pc.clockMilliseconds, 0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, InitializeArgument, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(Both, InitializeArgument, testing::Bool(),
+                         [](const auto& argument) { return argument.param ? "True" : "False"; });
 
-TEST(Initialize, GivesUpAfterTwentyAttemptsASecondApart) {
+TEST(Initialize, ServiceNeverReady_FailsAfterTwentyAttemptsASecondApart) {
     EmulatedPc pc(machine::FactoryMbr());
     ComApartment com;
     Kestova kestova;
@@ -106,7 +107,7 @@ TEST(Initialize, GivesUpAfterTwentyAttemptsASecondApart) {
               (std::map<std::string, int>{{"COM initialization", 1}, {"IVdsService", 20}}));
 }
 
-TEST(Initialize, WithoutAVolumeLayerAnswersZero) {
+TEST(Initialize, NoVolumeLayer_Returns0) {
     EmulatedPc pc(machine::FactoryMbr());
     ComApartment com;
     Kestova kestova;
@@ -117,13 +118,13 @@ TEST(Initialize, WithoutAVolumeLayerAnswersZero) {
               "4 Kestova::Initialize\\tStart\n4 Kestova::Initialize\\tEnd. bRet = {int 0}\n");
 }
 
-TEST(Initialize, CalledAgainConnectsAgain) {
+TEST(Initialize, SecondCall_ConnectsAgain) {
     Application application(machine::FactoryMbr());
     EXPECT_EQ(application.kestova.Initialize(true), 1);
     EXPECT_EQ(application.kestova.GetActivePartitionNumber(), 2);
 }
 
-TEST(Copy, SharesTheVolumeLayerAndWritesNothing) {
+TEST(Copy, InitialisedObject_SharesTheVolumeLayerAndWritesNothing) {
     Application application(machine::FactoryMbr());
     alignas(Kestova) char place[sizeof(Kestova)];
     // Never destroyed: its source frees what both share.
@@ -157,7 +158,7 @@ void ExpectSharedMaps(Kestova& left, Kestova& right) {
 }
 
 // The partitions that the source lettered are the copy's to take the letters from.
-TEST(Copy, RemembersWhatItsSourceLettered) {
+TEST(Copy, SourceThatAssignedALetter_RemembersThePartition) {
     Application application(machine::FactoryGpt());
     WCHAR letter = 0;
     application.kestova.AssignRecoveryPartition(letter);
@@ -173,7 +174,7 @@ TEST(Copy, RemembersWhatItsSourceLettered) {
 }
 
 // The source still points to what the copy freed.
-TEST(Copy, SharesTheBuffersOfTheMaps) {
+TEST(Copy, FilledMaps_SharesTheirBuffers) {
     EmulatedPc pc(machine::FactoryMbr());
     Kestova source;
     FillMaps(source);
@@ -186,7 +187,7 @@ TEST(Copy, SharesTheBuffersOfTheMaps) {
     ForgetMaps(source);
 }
 
-TEST(Assignment, TakesOverTheMapsAndWhatIsRemembered) {
+TEST(Assignment, FilledObject_TakesOverTheMapsAndWhatIsRemembered) {
     Application application(machine::FactoryGpt());
     WCHAR letter = 0;
     application.kestova.AssignRecoveryPartition(letter);
@@ -204,7 +205,7 @@ TEST(Assignment, TakesOverTheMapsAndWhatIsRemembered) {
     target = *owned;
 }
 
-TEST(Assignment, ToItselfKeepsTheMaps) {
+TEST(Assignment, ToItself_KeepsTheMaps) {
     EmulatedPc pc(machine::FactoryMbr());
     Kestova kestova;
     FillMaps(kestova);
@@ -214,7 +215,7 @@ TEST(Assignment, ToItselfKeepsTheMaps) {
     EXPECT_EQ((kestova.*Open(internals::PEDriveMapTag())).at(TEXT('D')).pData[0], 3);
 }
 
-TEST(Assignment, SharesTheVolumeLayerAndWritesNothing) {
+TEST(Assignment, InitialisedObject_SharesTheVolumeLayerAndWritesNothing) {
     Application application(machine::FactoryMbr());
     Kestova target;
     alignas(Kestova) char place[sizeof(Kestova)];
@@ -229,7 +230,7 @@ TEST(Assignment, SharesTheVolumeLayerAndWritesNothing) {
     target = *owned;
 }
 
-TEST(StringFormat, OfNothingIsEmpty) {
+TEST(StringFormat, NoFormat_ReturnsEmptyText) {
     EmulatedPc pc(machine::FactoryMbr());
     Kestova kestova;
     const auto format = Open(internals::StringFormatTag());
@@ -238,7 +239,7 @@ TEST(StringFormat, OfNothingIsEmpty) {
     EXPECT_TRUE((kestova.*format)(TEXT("%s"), TEXT("")).empty());
 }
 
-TEST(StringFormat, FormatsTextOfAnyLength) {
+TEST(StringFormat, LongText_IsFormattedWhole) {
     EmulatedPc pc(machine::FactoryMbr());
     Kestova kestova;
     const auto format = Open(internals::StringFormatTag());

@@ -27,6 +27,10 @@ struct Operation {
     void (*call)(Kestova&);
 };
 
+void PrintTo(const Operation& operation, std::ostream* out) {
+    *out << operation.name;
+}
+
 // What the records of an operation saw.
 std::vector<bool> Seen(const Operation& operation) {
     Application application(machine::FactoryMbr());
@@ -41,7 +45,7 @@ const auto nameOf = [](const auto& tested) { return std::string(tested.param.nam
 
 class ModuleIsCurrent : public testing::TestWithParam<Operation> {};
 
-TEST_P(ModuleIsCurrent, WhileItRunsAndNotAfterwards) {
+TEST_P(ModuleIsCurrent, Operation_HasItWhileItRunsAndNotAfterwards) {
     EXPECT_TRUE(std::ranges::count(Seen(GetParam()), false) == 0);
 }
 
@@ -121,7 +125,7 @@ INSTANTIATE_TEST_SUITE_P(Every, ModuleIsCurrent, testing::ValuesIn(current), nam
 
 class ModuleIsNotCurrent : public testing::TestWithParam<Operation> {};
 
-TEST_P(ModuleIsNotCurrent, InAnyRecord) {
+TEST_P(ModuleIsNotCurrent, Operation_NeverHasIt) {
     EXPECT_TRUE(std::ranges::count(Seen(GetParam()), true) == 0);
 }
 
@@ -141,7 +145,7 @@ constexpr Operation notCurrent[] = {
 
 INSTANTIATE_TEST_SUITE_P(Every, ModuleIsNotCurrent, testing::ValuesIn(notCurrent), nameOf);
 
-TEST(SetBIOSHibernationPartitionIDContext, BeginsAfterItsFirstRecord) {
+TEST(SetBIOSHibernationPartitionIDContext, Operation_BeginsAfterItsFirstRecord) {
     const std::vector<bool> seen =
         Seen({"", [](Kestova& kestova) { kestova.SetBIOSHibernationPartitionID(3); }});
     ASSERT_GT(seen.size(), 2U);

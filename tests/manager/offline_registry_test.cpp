@@ -43,7 +43,7 @@ struct Offline {
 
 // --- one batch ---
 
-TEST(LoadRegistry, WritesRunsAndDeletesABatch) {
+TEST(LoadRegistry, Command_WritesRunsAndDeletesABatch) {
     Offline offline;
     EXPECT_EQ(offline.Run(load), 0);
     EXPECT_TRUE(IsHiveMounted(offline.pc));
@@ -63,7 +63,7 @@ TEST(LoadRegistry, WritesRunsAndDeletesABatch) {
     EXPECT_THAT(offline.pc.ledger.Outstanding(), ElementsAre(Pair("mounted hive", 1)));
 }
 
-TEST(LoadRegistry, WritesTheCommandInTheOemCodePage) {
+TEST(LoadRegistry, CommandBeyondAscii_IsWrittenInTheOemCodePage) {
     Offline offline;
     offline.pc.facts.volumes.front().files.PutFile("LoadRegistry.bat", "a longer batch that was left behind");
     offline.Fail("DeleteFileW", 1, ERROR_ACCESS_DENIED);
@@ -74,7 +74,7 @@ TEST(LoadRegistry, WritesTheCommandInTheOemCodePage) {
               "bung\r\nexit\r\n");
 }
 
-TEST(LoadRegistry, DoesNotLookAtTheExitCode) {
+TEST(LoadRegistry, BatchThatFails_Succeeds) {
     Offline offline;
     offline.pc.facts.shell.regFails = true;
     EXPECT_EQ(offline.Run(load), 0);
@@ -82,7 +82,7 @@ TEST(LoadRegistry, DoesNotLookAtTheExitCode) {
     EXPECT_THAT(offline.pc.ledger.Outstanding(), IsEmpty());
 }
 
-TEST(LoadRegistry, WithoutACommandOnlyDeletesWhatWasLeftBehind) {
+TEST(LoadRegistry, NoCommand_OnlyDeletesTheBatchLeftBehind) {
     Offline offline;
     offline.pc.facts.volumes.front().files.PutFile("LoadRegistry.bat", "left behind");
     EXPECT_EQ(offline.Run(nullptr), 1);
@@ -90,7 +90,7 @@ TEST(LoadRegistry, WithoutACommandOnlyDeletesWhatWasLeftBehind) {
     EXPECT_THAT(offline.Calls(), ElementsAre("PathFileExistsW", "DeleteFileW"));
 }
 
-TEST(LoadRegistry, FailsWithoutADriveX) {
+TEST(LoadRegistry, NoDriveX_Fails) {
     machine::Pc facts = TwoSystems();
     facts.volumes.clear();
     facts.host.path = "E:\\Recovery.exe";
@@ -110,6 +110,10 @@ struct BatchFailure {
     bool runs;
 };
 
+void PrintTo(const BatchFailure& batchFailure, std::ostream* out) {
+    *out << batchFailure.name;
+}
+
 const BatchFailure batchFailures[] = {
     {"NotCreated", "CreateFileW", 1, ERROR_ACCESS_DENIED, false, 1, false},
     {"CreatedButNotOpened", "CreateFileW", 1, ERROR_ACCESS_DENIED, true, 1, false},
@@ -126,7 +130,7 @@ const BatchFailure batchFailures[] = {
 
 class BrokenBatch : public testing::TestWithParam<BatchFailure> {};
 
-TEST_P(BrokenBatch, LeavesNoFileBehind) {
+TEST_P(BrokenBatch, LoadRegistry_FailsAndLeavesNoFileBehind) {
     Offline offline;
     const BatchFailure& failure = GetParam();
     offline.Fail(failure.call, failure.nth, failure.code, failure.afterEffect);
@@ -140,7 +144,7 @@ TEST_P(BrokenBatch, LeavesNoFileBehind) {
 INSTANTIATE_TEST_SUITE_P(Every, BrokenBatch, testing::ValuesIn(batchFailures),
                          [](const auto& failure) { return std::string(failure.param.name); });
 
-TEST(LoadRegistry, TellsThatThereIsNoProcessToWaitFor) {
+TEST(LoadRegistry, NoProcessHandle_Returns2) {
     Offline offline;
     offline.pc.facts.shell.returnsProcess = false;
     EXPECT_EQ(offline.Run(load), 2);
@@ -149,14 +153,14 @@ TEST(LoadRegistry, TellsThatThereIsNoProcessToWaitFor) {
     EXPECT_THAT(offline.pc.ledger.Outstanding(), IsEmpty());
 }
 
-TEST(LoadRegistry, WaitsTenSecondsAndNoLonger) {
+TEST(LoadRegistry, BatchOfTenSeconds_IsWaitedForAndNoLonger) {
     Offline inTime;
     inTime.pc.facts.shell.milliseconds = 10'000;
     EXPECT_EQ(inTime.Run(TEXT("rem")), 0);
     EXPECT_EQ(inTime.pc.clockMilliseconds, 10'000U);
 }
 
-TEST(LoadRegistry, LeavesABatchThatTakesLongerRunning) {
+TEST(LoadRegistry, BatchOfMoreThanTenSeconds_IsLeftRunning) {
     Offline offline;
     offline.pc.facts.shell.milliseconds = 10'001;
     EXPECT_EQ(offline.Run(load), 1);
@@ -168,7 +172,7 @@ TEST(LoadRegistry, LeavesABatchThatTakesLongerRunning) {
     EXPECT_TRUE(IsHiveMounted(offline.pc));
 }
 
-TEST(LoadRegistry, TakesNoNoticeOfCleaningUpThatFails) {
+TEST(LoadRegistry, CleanupThatFails_Succeeds) {
     for (const auto& [call, nth] :
          {std::pair("CloseHandle", 1U), {"CloseHandle", 2U}, {"PathFileExistsW", 1U}, {"DeleteFileW", 1U}}) {
         Offline offline;
@@ -182,7 +186,7 @@ TEST(LoadRegistry, TakesNoNoticeOfCleaningUpThatFails) {
 
 // --- the hive ---
 
-TEST(LoadWindowsRegistry, MountsTheHiveOfTheInstalledWindows) {
+TEST(LoadWindowsRegistry, InstalledWindows_MountsItsHive) {
     Offline offline;
     EXPECT_EQ(offline.Load(), TRUE);
     EXPECT_TRUE(offline.pc.facts.registry.contains("HKLM\\TEMSYSTEM\\MountedDevices"));
@@ -192,7 +196,7 @@ TEST(LoadWindowsRegistry, MountsTheHiveOfTheInstalledWindows) {
     EXPECT_EQ(offline.pc.clockMilliseconds, 50U);
 }
 
-TEST(LoadWindowsRegistry, FailsAtOnceWithoutAnInstalledWindows) {
+TEST(LoadWindowsRegistry, NoInstalledWindows_FailsAtOnce) {
     machine::Pc facts = TwoSystems();
     PartitionOf(facts, 2).volume->files = {};
     Offline offline(facts);
@@ -201,7 +205,7 @@ TEST(LoadWindowsRegistry, FailsAtOnceWithoutAnInstalledWindows) {
     EXPECT_EQ(offline.pc.clockMilliseconds, 0U);
 }
 
-TEST(LoadWindowsRegistry, SucceedsAtTheSecondAttemptAfterAPause) {
+TEST(LoadWindowsRegistry, FirstAttemptFails_SucceedsAtTheSecondAfterAPause) {
     Offline offline;
     offline.Fail("ShellExecuteExW", 1, ERROR_CANCELLED);
     EXPECT_EQ(offline.Load(), TRUE);
@@ -210,7 +214,7 @@ TEST(LoadWindowsRegistry, SucceedsAtTheSecondAttemptAfterAPause) {
     EXPECT_EQ(offline.pc.clockMilliseconds, 300U + 50U);
 }
 
-TEST(UnloadWindowsRegistry, TakesTheHiveAway) {
+TEST(UnloadWindowsRegistry, MountedHive_UnmountsIt) {
     Offline offline;
     offline.Load();
     EXPECT_EQ(offline.Unload(), TRUE);
@@ -220,14 +224,14 @@ TEST(UnloadWindowsRegistry, TakesTheHiveAway) {
     EXPECT_THAT(offline.pc.ledger.Outstanding(), IsEmpty());
 }
 
-TEST(UnloadWindowsRegistry, CountsABatchThatEndedAsSuccessWhateverItDid) {
+TEST(UnloadWindowsRegistry, BatchThatEndsWithoutEffect_Succeeds) {
     Offline offline;
     EXPECT_EQ(offline.Unload(), TRUE);
     EXPECT_EQ(offline.pc.journal.Calls("reg")[0].result, "1");
     EXPECT_EQ(offline.Count("reg"), 1U);
 }
 
-TEST(UnloadWindowsRegistry, SucceedsAtTheThirdAttempt) {
+TEST(UnloadWindowsRegistry, TwoAttemptsFail_SucceedsAtTheThird) {
     Offline offline;
     offline.Load();
     const uint64_t before = offline.pc.clockMilliseconds;
@@ -245,6 +249,10 @@ struct LastingFailure {
     machine::FaultRule rule;
 };
 
+void PrintTo(const LastingFailure& lastingFailure, std::ostream* out) {
+    *out << lastingFailure.name;
+}
+
 const LastingFailure lastingFailures[] = {
     {"NotCreated", {"CreateFileW", 0, true, false, ERROR_ACCESS_DENIED}},
     {"NotWritten", {"WriteFile", 0, true, false, ERROR_DISK_FULL}},
@@ -254,7 +262,7 @@ const LastingFailure lastingFailures[] = {
 
 class ThreeAttempts : public testing::TestWithParam<LastingFailure> {};
 
-TEST_P(ThreeAttempts, AreMadeToLoadAndToUnload) {
+TEST_P(ThreeAttempts, LastingFailure_LoadAndUnloadFailAfterThem) {
     for (const auto operation : {&Offline::Load, &Offline::Unload}) {
         Offline offline;
         offline.pc.faults.Arm(GetParam().rule);
@@ -268,7 +276,7 @@ TEST_P(ThreeAttempts, AreMadeToLoadAndToUnload) {
 INSTANTIATE_TEST_SUITE_P(Every, ThreeAttempts, testing::ValuesIn(lastingFailures),
                          [](const auto& failure) { return std::string(failure.param.name); });
 
-TEST(LoadWindowsRegistry, GivesUpAfterThreeTimesTenSecondsAndThreePauses) {
+TEST(LoadWindowsRegistry, BatchThatNeverEnds_FailsAfterThreeTimesTenSecondsAndThreePauses) {
     Offline offline;
     offline.pc.facts.shell.milliseconds = 60'000;
     EXPECT_EQ(offline.Load(), FALSE);
@@ -277,7 +285,7 @@ TEST(LoadWindowsRegistry, GivesUpAfterThreeTimesTenSecondsAndThreePauses) {
     EXPECT_THAT(offline.pc.ledger.Outstanding(), IsEmpty());
 }
 
-TEST(LoadWindowsRegistry, GivesUpAfterThreeProcessesThatAreNotTold) {
+TEST(LoadWindowsRegistry, NoProcessHandle_FailsAfterThreeAttempts) {
     Offline offline;
     offline.pc.facts.shell.returnsProcess = false;
     EXPECT_EQ(offline.Load(), FALSE);

@@ -10,7 +10,7 @@ namespace {
 
 using machine::FactoryMbr;
 
-TEST(RecordedPartition, IsReadBackAsWritten) {
+TEST(RecordedPartition, WrittenNumber_IsReadBack) {
     machine::EmulatedPc pc(machine::WinPeTwoDisks());
     ASSERT_TRUE(RecordActivePartition(TEXT("C:\\SystemVolume.ini"), 3));
     EXPECT_EQ(SystemVolumeIni(pc), "[System]\r\nActive=3\r\n");
@@ -19,7 +19,7 @@ TEST(RecordedPartition, IsReadBackAsWritten) {
     EXPECT_EQ(partition, 3);
 }
 
-TEST(RecordedPartition, CannotBeWrittenToADriveThatDoesNotExist) {
+TEST(RecordedPartition, MissingDrive_CannotBeWritten) {
     machine::EmulatedPc pc(FactoryMbr());
     EXPECT_FALSE(RecordActivePartition(TEXT("Q:\\SystemVolume.ini"), 2));
     EXPECT_FALSE(RecordActivePartition(TEXT(""), 2));
@@ -32,9 +32,13 @@ struct Content {
     int partition;
 };
 
+void PrintTo(const Content& content, std::ostream* out) {
+    *out << content.name;
+}
+
 class RecordContent : public testing::TestWithParam<Content> {};
 
-TEST_P(RecordContent, IsReadAsTheProfileCallsReadIt) {
+TEST_P(RecordContent, AnyContent_IsReadAsTheProfileCallsReadIt) {
     machine::Pc facts = machine::WinPeTwoDisks();
     PartitionOf(facts, 1).volume->files.PutFile("SystemVolume.ini", GetParam().content);
     machine::EmulatedPc pc(facts);

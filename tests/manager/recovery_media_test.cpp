@@ -42,11 +42,15 @@ struct Media {
     const char* record;  // the one between start and end; empty: none
 };
 
+void PrintTo(const Media& media, std::ostream* out) {
+    *out << media.name;
+}
+
 constexpr const char* recognised = "4 Kestova::IsRCVVolume\\t\\tEnd return true\n";
 
 class IsRCVVolume : public testing::TestWithParam<Media> {};
 
-TEST_P(IsRCVVolume, AnswersWithItsRecord) {
+TEST_P(IsRCVVolume, Media_ReturnsWhetherTheyAreRecoveryMedia) {
     machine::Pc facts = machine::FactoryMbr();
     facts.volumes = {MakeVolume("R", GetParam().driveType, GetParam().files)};
     machine::EmulatedPc pc(facts);
@@ -100,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(Media, IsRCVVolume, testing::ValuesIn(media),
                          [](const auto& tested) { return tested.param.name; });
 
 // The folder itself can be missing only when the platform forgets it between two looks.
-TEST(IsRCVVolumeMarkers, FolderGoneAfterTheIniWasSeen) {
+TEST(IsRCVVolumeMarkers, FolderGoneAfterTheIni_Returns0) {
     machine::EmulatedPc pc(machine::WinPeTwoDisks());
     Kestova kestova;
     pc.faults.Arm({.call = "PathFileExistsW", .nth = 2, .code = ERROR_NOT_READY});
@@ -111,7 +115,7 @@ TEST(IsRCVVolumeMarkers, FolderGoneAfterTheIniWasSeen) {
               "4 Kestova::IsRCVVolume\\tmiss SOURCES. szPath = C:\\sources\n");
 }
 
-TEST(IsRCVVolumeMarkers, LetterThatDoesNotExistIsNoMedia) {
+TEST(IsRCVVolumeMarkers, MissingLetter_Returns0) {
     machine::EmulatedPc pc(machine::FactoryMbr());
     Kestova kestova;
     pc.journal.Clear();
@@ -120,7 +124,7 @@ TEST(IsRCVVolumeMarkers, LetterThatDoesNotExistIsNoMedia) {
 }
 
 // A path that cannot be joined is not there; the root in its place would be.
-TEST(IsRCVVolumeMarkers, PathThatCannotBeJoinedIsMissing) {
+TEST(IsRCVVolumeMarkers, PathThatCannotBeJoined_CountsAsMissing) {
     machine::EmulatedPc pc(machine::WinPeTwoDisks());
     Kestova kestova;
     pc.faults.Arm({.call = "PathAppendW", .nth = 1, .code = ERROR_NOT_ENOUGH_MEMORY});
@@ -151,7 +155,7 @@ std::string Untouched(int letters) {
     return records;
 }
 
-TEST(GetRCVDISC, IsTheFirstRecoveryDisc) {
+TEST(GetRCVDISC, TwoDiscs_ReturnsTheFirst) {
     machine::Pc facts = WithMedia();
     PartitionOf(facts, 3).volume->letters = "F";
     machine::EmulatedPc pc(facts);
@@ -168,7 +172,7 @@ TEST(GetRCVDISC, IsTheFirstRecoveryDisc) {
     EXPECT_TRUE(pc.ledger.Outstanding().empty());
 }
 
-TEST(GetRCVDISC, IsNoneWithoutADisc) {
+TEST(GetRCVDISC, NoDisc_ReturnsNone) {
     machine::EmulatedPc pc(machine::WinPeTwoDisks());
     Kestova kestova;
     pc.journal.Clear();
@@ -177,7 +181,7 @@ TEST(GetRCVDISC, IsNoneWithoutADisc) {
                                           "4 Kestova::GetRCVDISC\\tEnd cDriveLetter = 0\n");
 }
 
-TEST(GetRCVUFD, IsTheFirstRecoveryStick) {
+TEST(GetRCVUFD, TwoSticks_ReturnsTheFirst) {
     machine::EmulatedPc pc(WithMedia());
     Kestova kestova;
     pc.journal.Clear();
@@ -188,7 +192,7 @@ TEST(GetRCVUFD, IsTheFirstRecoveryStick) {
     EXPECT_TRUE(pc.ledger.Outstanding().empty());
 }
 
-TEST(GetRCVUFD, IsNoneWithoutAStick) {
+TEST(GetRCVUFD, NoStick_ReturnsNone) {
     machine::EmulatedPc pc(machine::WinPeTwoDisks());
     Kestova kestova;
     pc.journal.Clear();

@@ -15,7 +15,7 @@ using machine::FactoryMbr;
 
 // One of the two kinds, as FactoryGpt has it.
 struct Kind {
-    const char* name;  // and the transcripts'
+    const char* name;
     internals::Recognition recognise;
     uint32_t number;
     uint32_t numberOfOther;  // of the same type, with other contents
@@ -61,70 +61,67 @@ class RecoveryRecognition : public testing::TestWithParam<Kind> {
     static std::string Letters(Application& application, uint32_t number) {
         return PartitionOf(application.pc.facts, number).volume->letters;
     }
-    static void ExpectStory(const Application& application, const std::string& story) {
-        ExpectTranscript(application.pc.journal, std::string("manager/") + GetParam().name + "_" + story);
-    }
 };
 
 INSTANTIATE_TEST_SUITE_P(Both, RecoveryRecognition, testing::ValuesIn(kinds),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST_P(RecoveryRecognition, KnowsThePartitionByItsLetter) {
+TEST_P(RecoveryRecognition, LetteredPartition_IsRecognised) {
     Application application(WithLetters(GetParam().number, "R"));
     EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
     EXPECT_EQ(Letters(application, GetParam().number), "R");
-    ExpectStory(application, "lettered");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(RecoveryRecognition, KnowsThePartitionByALetterForTheMeantime) {
+TEST_P(RecoveryRecognition, LetterlessPartition_IsRecognisedByATemporaryLetter) {
     Application application(FactoryGpt());
     EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
     EXPECT_EQ(application.pc.facts, FactoryGpt());
-    ExpectStory(application, "temporary_letter");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(RecoveryRecognition, FailsForOtherContentsBehindALetter) {
+TEST_P(RecoveryRecognition, LetteredOtherContents_Fails) {
     Application application(WithLetters(GetParam().numberOfOther, "R"));
     EXPECT_EQ(Look(application, GetParam().numberOfOther), (Answer{0, 0}));
     EXPECT_EQ(Letters(application, GetParam().numberOfOther), "R");
-    ExpectStory(application, "other_contents");
+    ExpectTranscript(application.pc.journal);
 }
 
-// With a letter for the meantime the result tells that the partition could be inspected.
-TEST_P(RecoveryRecognition, SucceedsForOtherContentsBehindALetterForTheMeantime) {
+// With a temporary letter the result says that the partition could be inspected.
+TEST_P(RecoveryRecognition, LetterlessOtherContents_SucceedsWithNo) {
     Application application(FactoryGpt());
     EXPECT_EQ(Look(application, GetParam().numberOfOther), (Answer{1, 0}));
     EXPECT_EQ(application.pc.facts, FactoryGpt());
-    ExpectStory(application, "temporary_letter_other_contents");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(RecoveryRecognition, FailsForAnotherType) {
+TEST_P(RecoveryRecognition, OtherType_Fails) {
     Application application(FactoryGpt());
     EXPECT_EQ(Look(application, 5), (Answer{0, 0}));
-    ExpectStory(application, "other_type");
+    ExpectTranscript(application.pc.journal);
 }
 
 // The whole type is compared.
-TEST_P(RecoveryRecognition, FailsForATypeThatDiffersInItsLastByte) {
+TEST_P(RecoveryRecognition, TypeThatDiffersInItsLastByte_Fails) {
     machine::Pc facts = WithLetters(GetParam().number, "R");
     PartitionOf(facts, GetParam().number).gptType.Data4[7] ^= 1;
     Application application(facts);
     EXPECT_EQ(Look(application, GetParam().number), (Answer{0, 0}));
 }
 
-TEST_P(RecoveryRecognition, FailsOnMbr) {
+TEST_P(RecoveryRecognition, FactoryMbr_Fails) {
     Application application(FactoryMbr());
     EXPECT_EQ(Look(application, 1), (Answer{0, 0}));
-    ExpectStory(application, "no_type");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(RecoveryRecognition, FailsForAMissingPartition) {
+TEST_P(RecoveryRecognition, MissingPartition_Fails) {
     Application application(FactoryGpt());
     EXPECT_EQ(Look(application, 9), (Answer{0, 0}));
-    ExpectStory(application, "no_type");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST_P(RecoveryRecognition, FailsWithoutAVolumeLayer) {
+TEST_P(RecoveryRecognition, NoVolumeLayer_Fails) {
     Application application(FactoryGpt());
     const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();
@@ -135,34 +132,34 @@ TEST_P(RecoveryRecognition, FailsWithoutAVolumeLayer) {
 }
 
 // The letter is tried to be taken all the same, and a refusal that came after its effect leaves none.
-TEST_P(RecoveryRecognition, FailsWhenNoLetterCanBeGiven) {
+TEST_P(RecoveryRecognition, RefusedLetter_Fails) {
     for (const bool afterEffect : {false, true}) {
         Application application(FactoryGpt());
         application.pc.faults.Arm(
             {.call = "IVdsAdvancedDisk::AssignDriveLetter", .afterEffect = afterEffect, .code = 0x80004005});
         EXPECT_EQ(Look(application, GetParam().number), (Answer{0, 0}));
         EXPECT_EQ(application.pc.facts, FactoryGpt());
-        ExpectStory(application, afterEffect ? "letter_given_and_refused" : "letter_refused");
+        ExpectTranscript(application.pc.journal, afterEffect ? "letter given" : "");
     }
 }
 
-TEST_P(RecoveryRecognition, DoesNotNoticeThatTheLetterCannotBeTaken) {
+TEST_P(RecoveryRecognition, RefusedDeletion_IsRecognisedAndKeepsTheLetter) {
     Application application(FactoryGpt());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk::DeleteDriveLetter", .code = 0x80004005});
     EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
     EXPECT_EQ(Letters(application, GetParam().number), "D");
-    ExpectStory(application, "letter_stays");
+    ExpectTranscript(application.pc.journal);
 }
 
 // The volume layer knows the letter, a volume call cannot open it: the contents are there all the same, and
 // the letter goes as if it were a temporary one.
-TEST_P(RecoveryRecognition, TakesALetterThatCannotBeOpened) {
+TEST_P(RecoveryRecognition, LetterThatDoesNotOpen_IsRecognisedAndLosesTheLetter) {
     machine::Pc facts = WithLetters(GetParam().number, "R");
     PartitionOf(facts, GetParam().number).volume->openError = ERROR_ACCESS_DENIED;
     Application application(facts);
     EXPECT_EQ(Look(application, GetParam().number), (Answer{1, 1}));
     EXPECT_EQ(Letters(application, GetParam().number), "");
-    ExpectStory(application, "letter_not_opened");
+    ExpectTranscript(application.pc.journal);
 }
 
 }  // namespace

@@ -28,46 +28,49 @@ machine::Pc VisibleRecovery() {
 
 class ReadyType : public testing::TestWithParam<int> {};
 
-TEST_P(ReadyType, IsAcceptedWithoutALookAtLetterOrContents) {
+TEST_P(ReadyType, CheckMBRRcvprtStatus_ReturnsReadyWithoutReadingLetterOrContents) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).mbrType = static_cast<uint8_t>(GetParam());
     PartitionOf(facts, 1).volume->files = {};
     Application application(facts);
     EXPECT_EQ(Check(application), RCVPRT_READY);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, GetParam());
-    ExpectTranscript(application.pc.journal, "manager/check_status_ready");
+    ExpectTranscript(application.pc.journal);
 }
 
-INSTANTIATE_TEST_SUITE_P(Ids, ReadyType, testing::Values(MBR_ID_OEM_RECOVERY, MBR_ID_HIDDEN_RECOVERY));
+INSTANTIATE_TEST_SUITE_P(Ids, ReadyType, testing::Values(MBR_ID_OEM_RECOVERY, MBR_ID_HIDDEN_RECOVERY),
+                         [](const auto& id) {
+                             return id.param == MBR_ID_OEM_RECOVERY ? "OemRecovery" : "HiddenRecovery";
+                         });
 
-TEST(CheckMBRRcvprtStatus, HidesAVisibleRecoveryPartition) {
+TEST(CheckMBRRcvprtStatus, VisibleRecoveryPartition_HidesIt) {
     Application application(VisibleRecovery());
     EXPECT_EQ(Check(application), RCVPRT_READY);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_HIDDEN_RECOVERY);
     EXPECT_NE(PartitionOf(application.pc.facts, 1).volume->files.Find("sources/Qelhdrcv.ini"), nullptr);
-    ExpectTranscript(application.pc.journal, "manager/check_status_hides");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionWithoutALetter) {
+TEST(CheckMBRRcvprtStatus, VisiblePartitionWithoutLetter_LeavesIt) {
     machine::Pc facts = VisibleRecovery();
     PartitionOf(facts, 1).volume->letters = "";
     Application application(facts);
     EXPECT_EQ(Check(application), GETLETTER_FAILED);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_NTFS);
-    ExpectTranscript(application.pc.journal, "manager/check_status_no_letter");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionThatIsNoRecoveryMedia) {
+TEST(CheckMBRRcvprtStatus, VisiblePartitionWithoutMedia_LeavesIt) {
     machine::Pc facts = VisibleRecovery();
     PartitionOf(facts, 1).volume->files.RemoveFile("sources/Qelhdrcv.ini");
     Application application(facts);
     EXPECT_EQ(Check(application), NO_RCVPRT);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_NTFS);
-    ExpectTranscript(application.pc.journal, "manager/check_status_no_media");
+    ExpectTranscript(application.pc.journal);
 }
 
 // Media of every kind bear the markers; this is a copy of a disc.
-TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionWithTheMediaOfADisc) {
+TEST(CheckMBRRcvprtStatus, VisiblePartitionWithMediaOfADisc_LeavesIt) {
     machine::Pc facts = VisibleRecovery();
     PartitionOf(facts, 1).volume->files.PutFolder("sources/DVD");
     Application application(facts);
@@ -79,30 +82,30 @@ TEST(CheckMBRRcvprtStatus, LeavesAVisiblePartitionWithTheMediaOfADisc) {
                                "4 Kestova::CheckMBRRcvprtStatus\\t\\tEnd. iRet = {int 4}\n"));
 }
 
-TEST(CheckMBRRcvprtStatus, TellsThatThePartitionCouldNotBeHidden) {
+TEST(CheckMBRRcvprtStatus, RefusedTypeChange_ReturnsNotHidden) {
     Application application(VisibleRecovery());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk2::ChangePartitionType", .code = 0x80042413});
     EXPECT_EQ(Check(application), CHANGEID_FAILED);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_NTFS);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "R");
-    ExpectTranscript(application.pc.journal, "manager/check_status_not_hidden");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(CheckMBRRcvprtStatus, RefusesAnyOtherId) {
+TEST(CheckMBRRcvprtStatus, AnyOtherId_ReturnsUnexpectedId) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).mbrType = 0xDE;
     Application application(facts);
     EXPECT_EQ(Check(application), UNEXPECT_ID);
-    ExpectTranscript(application.pc.journal, "manager/check_status_unexpected_id");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(CheckMBRRcvprtStatus, TellsThatTheIdCouldNotBeRead) {
+TEST(CheckMBRRcvprtStatus, UnreadableId_ReturnsNoId) {
     Application application(machine::FactoryGpt());
     EXPECT_EQ(Check(application), GETTYPE_FAILED);
-    ExpectTranscript(application.pc.journal, "manager/check_status_no_id");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(CheckMBRRcvprtStatus, WithoutAVolumeLayerTellsThatTheIdCouldNotBeRead) {
+TEST(CheckMBRRcvprtStatus, NoVolumeLayer_ReturnsNoId) {
     Application application(FactoryMbr());
     const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();

@@ -33,16 +33,16 @@ void ExpectRefused(Application& application) {
     EXPECT_EQ(found.path, "");
 }
 
-TEST(GetSystemVolumeIni, LettersTheHiddenRecoveryPartition) {
+TEST(GetSystemVolumeIni, HiddenRecoveryPartition_AssignsALetter) {
     Application application(FactoryMbr());
     const Found found = Search(application);
     EXPECT_EQ(found.result, TRUE);
     EXPECT_EQ(found.path, "E:\\SystemVolume.ini");
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "E");
-    ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(GetSystemVolumeIni, HidesAVisibleRecoveryPartitionFirst) {
+TEST(GetSystemVolumeIni, VisibleRecoveryPartition_HidesItFirst) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).mbrType = MBR_ID_NTFS;
     PartitionOf(facts, 1).volume->letters = "R";
@@ -51,48 +51,48 @@ TEST(GetSystemVolumeIni, HidesAVisibleRecoveryPartitionFirst) {
     EXPECT_EQ(found.result, TRUE);
     EXPECT_EQ(found.path, "E:\\SystemVolume.ini");
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).mbrType, MBR_ID_HIDDEN_RECOVERY);
-    ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_hides");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(GetSystemVolumeIni, RefusesGpt) {
+TEST(GetSystemVolumeIni, FactoryGpt_Fails) {
     Application application(machine::FactoryGpt());
     ExpectRefused(application);
-    ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_gpt");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(GetSystemVolumeIni, RefusesAnUnknownStyle) {
+TEST(GetSystemVolumeIni, UnknownStyle_Fails) {
     Application application(FactoryMbr());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk::QueryPartitions", .nth = 1, .code = 0x8004242B});
     ExpectRefused(application);
-    ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_unknown_style");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(GetSystemVolumeIni, RefusesARecoveryPartitionInAnUnexpectedState) {
+TEST(GetSystemVolumeIni, UnexpectedId_Fails) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).mbrType = 0xDE;
     Application application(facts);
     ExpectRefused(application);
-    ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_unexpected_id");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(GetSystemVolumeIni, FailsWhenNoLetterCanBeGiven) {
+TEST(GetSystemVolumeIni, RefusedLetter_Fails) {
     Application application(FactoryMbr());
     application.pc.faults.Arm({.call = "IVdsAdvancedDisk::AssignDriveLetter", .code = 0x8004255C});
     ExpectRefused(application);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "");
-    ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_no_letter");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(GetSystemVolumeIni, FailsWhenTheRecoveryMediaAreGone) {
+TEST(GetSystemVolumeIni, NoRecoveryMedia_Fails) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).volume->files = {};
     Application application(facts);
     ExpectRefused(application);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "E");
-    ExpectTranscript(application.pc.journal, "manager/get_system_volume_ini_no_media");
+    ExpectTranscript(application.pc.journal);
 }
 
-TEST(GetSystemVolumeIni, RefusesTheMediaOfADisc) {
+TEST(GetSystemVolumeIni, MediaOfADisc_Fails) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 1).volume->files.PutFolder("sources/DVD");
     Application application(facts);
@@ -103,7 +103,7 @@ TEST(GetSystemVolumeIni, RefusesTheMediaOfADisc) {
                                "4 Kestova::GetSystemVolumeIni\\t\\tEnd. bReturn = {int 0}\n"));
 }
 
-TEST(GetSystemVolumeIni, WithoutAVolumeLayerTellsThatTheStyleIsMissing) {
+TEST(GetSystemVolumeIni, NoVolumeLayer_FailsForTheMissingStyle) {
     Application application(FactoryMbr());
     const internals::WithoutVolumeLayer without(application.kestova);
     application.pc.journal.Clear();

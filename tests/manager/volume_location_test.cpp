@@ -33,12 +33,12 @@ std::string LetterOfPartitionTwo(Application& application) {
     return std::string(1, static_cast<char>(letter));
 }
 
-TEST(GetDriveLetter, IsTheLetterOfThePartition) {
+TEST(GetDriveLetter, LetteredPartition_ReturnsItsLetter) {
     Application application(FactoryMbr());
     EXPECT_EQ(LetterOfPartitionTwo(application), "C");
 }
 
-TEST(GetDriveLetter, IsTheFirstInTheAlphabetOfTwo) {
+TEST(GetDriveLetter, TwoLetters_ReturnsTheFirstInTheAlphabet) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 2).volume->letters = "TF";
     facts.system.windowsDirectory = "F:\\Windows";
@@ -46,40 +46,40 @@ TEST(GetDriveLetter, IsTheFirstInTheAlphabetOfTwo) {
     EXPECT_EQ(LetterOfPartitionTwo(application), "F");
 }
 
-TEST(GetDriveLetter, IsNoneWithoutALetter) {
+TEST(GetDriveLetter, NoLetter_ReturnsNone) {
     Application application(FactoryMbr());
     EXPECT_EQ(application.kestova.GetDriveLetter(0, 1), TEXT('0'));
     EXPECT_EQ(Transcript(application.pc.journal), noLetter);
 }
 
-TEST(GetDriveLetter, IsNoneOnAnotherDisk) {
+TEST(GetDriveLetter, OtherDisk_ReturnsNone) {
     Application application(FactoryMbr());
     EXPECT_EQ(application.kestova.GetDriveLetter(1, 2), TEXT('0'));
     EXPECT_EQ(Transcript(application.pc.journal), noLetter);
 }
 
-TEST(GetDriveLetter, IsNoneOnARemovableDrive) {
+TEST(GetDriveLetter, RemovableDrive_ReturnsNone) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 2).volume->driveType = machine::DriveType::Removable;
     Application application(facts);
     EXPECT_EQ(LetterOfPartitionTwo(application), "0");
 }
 
-TEST(GetDriveLetter, IsNoneForAVolumeOnTwoExtents) {
+TEST(GetDriveLetter, VolumeOnTwoExtents_ReturnsNone) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 2).volume->furtherExtents = {{0, uint64_t{499} << 30, uint64_t{1} << 20}};
     Application application(facts);
     EXPECT_EQ(LetterOfPartitionTwo(application), "0");
 }
 
-TEST(GetDriveLetter, IsNoneForAVolumeThatCannotBeOpened) {
+TEST(GetDriveLetter, VolumeThatDoesNotOpen_ReturnsNone) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 2).volume->openError = ERROR_ACCESS_DENIED;
     Application application(facts);
     EXPECT_EQ(LetterOfPartitionTwo(application), "0");
 }
 
-TEST(GetDriveLetter, SkipsAVolumeWhoseControlFails) {
+TEST(GetDriveLetter, VolumeWhoseControlFails_IsSkipped) {
     // The first control asks C: for its extents, the second for its partition.
     for (const uint32_t nth : {1U, 2U}) {
         Application application(FactoryMbr());
@@ -89,13 +89,13 @@ TEST(GetDriveLetter, SkipsAVolumeWhoseControlFails) {
     }
 }
 
-TEST(GetDriveLetter, NeedsNoInitialisation) {
+TEST(GetDriveLetter, NeverInitialised_ReturnsTheLetter) {
     EmulatedPc pc(FactoryMbr());
     Kestova kestova;
     EXPECT_EQ(kestova.GetDriveLetter(0, 3), TEXT('D'));
 }
 
-TEST(GetDriveLetter, OpensFixedDrivesForReadingAndWriting) {
+TEST(GetDriveLetter, FixedDrive_IsOpenedForReadingAndWriting) {
     EmulatedPc pc(FactoryMbr());
     Kestova kestova;
     EXPECT_EQ(kestova.GetDriveLetter(0, 2), TEXT('C'));
@@ -107,7 +107,7 @@ TEST(GetDriveLetter, OpensFixedDrivesForReadingAndWriting) {
     EXPECT_THAT(opened[0].arguments, ElementsAre("\\\\.\\C:", "0xc0000000", "0x00000003", "OPEN_EXISTING"));
 }
 
-TEST(GetDriveLetter, AsksEveryLetterOfTheAlphabet) {
+TEST(GetDriveLetter, MissingPartition_TriesEveryLetterOfTheAlphabet) {
     EmulatedPc pc(FactoryMbr());
     Kestova kestova;
     EXPECT_EQ(kestova.GetDriveLetter(0, 9), TEXT('0'));
@@ -149,7 +149,7 @@ machine::Pc OnSecondDisk() {
     return facts;
 }
 
-TEST(GetDiskNumber, IsTheDiskUnderTheOtherTag) {
+TEST(GetDiskNumber, LetteredVolume_ReturnsItsDisk) {
     const Answer answer = Ask(getDiskNumber, OnSecondDisk(), TEXT('S'));
     EXPECT_EQ(answer.result, 1);
     EXPECT_EQ(answer.records,
@@ -157,7 +157,7 @@ TEST(GetDiskNumber, IsTheDiskUnderTheOtherTag) {
               "4 {string Kestova::GetPartNumber      iDiskNum is 1 }\n");
 }
 
-TEST(GetDiskNumber, OpensForReadingAndAsksOnce) {
+TEST(GetDiskNumber, LetteredVolume_IsOpenedForReadingAndAskedOnce) {
     const Answer answer = Ask(getDiskNumber, FactoryMbr(), TEXT('D'));
     EXPECT_EQ(answer.result, 0);
     ASSERT_EQ(answer.calls.size(), 3U);
@@ -167,13 +167,13 @@ TEST(GetDiskNumber, OpensForReadingAndAsksOnce) {
     EXPECT_EQ(answer.calls[2].call, "CloseHandle");
 }
 
-TEST(GetDiskNumber, IsUnknownForALetterThatDoesNotExist) {
+TEST(GetDiskNumber, MissingLetter_ReturnsUnknown) {
     const Answer answer = Ask(getDiskNumber, FactoryMbr(), TEXT('Q'));
     EXPECT_EQ(answer.result, 255);
     EXPECT_EQ(answer.records, "4 {string Kestova::GetDiskNumber      cDriveLetter is Q }\n");
 }
 
-TEST(GetDiskNumber, IsUnknownForAVolumeOnTwoExtents) {
+TEST(GetDiskNumber, VolumeOnTwoExtents_ReturnsUnknown) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 3).volume->furtherExtents = {{0, uint64_t{499} << 30, uint64_t{1} << 20}};
     const Answer answer = Ask(getDiskNumber, facts, TEXT('D'));
@@ -181,7 +181,7 @@ TEST(GetDiskNumber, IsUnknownForAVolumeOnTwoExtents) {
     EXPECT_EQ(answer.records, diskAsked);
 }
 
-TEST(GetDiskNumber, IsUnknownWhenTheVolumeDoesNotTell) {
+TEST(GetDiskNumber, FailingControl_ReturnsUnknown) {
     for (const char* const call : {"CreateFileW", "DeviceIoControl"}) {
         const Answer answer =
             Ask(getDiskNumber, FactoryMbr(), TEXT('D'), {{.call = call, .nth = 1, .code = ERROR_NOT_READY}});
@@ -190,7 +190,7 @@ TEST(GetDiskNumber, IsUnknownWhenTheVolumeDoesNotTell) {
     }
 }
 
-TEST(GetPartNumber, IsThePartition) {
+TEST(GetPartNumber, LetteredVolume_ReturnsItsPartition) {
     const Answer answer = Ask(getPartNumber, FactoryMbr(), TEXT('D'));
     EXPECT_EQ(answer.result, 3);
     EXPECT_EQ(answer.records,
@@ -202,13 +202,13 @@ TEST(GetPartNumber, IsThePartition) {
     EXPECT_EQ(answer.calls[2].call, "CloseHandle");
 }
 
-TEST(GetPartNumber, IsZeroForALetterThatDoesNotExist) {
+TEST(GetPartNumber, MissingLetter_Returns0) {
     const Answer answer = Ask(getPartNumber, FactoryMbr(), TEXT('Q'));
     EXPECT_EQ(answer.result, 0);
     EXPECT_EQ(answer.records, "4 {string Kestova::GetPartNumber      cDriveLetter is Q }\n");
 }
 
-TEST(GetPartNumber, IsZeroWhenTheVolumeDoesNotTell) {
+TEST(GetPartNumber, FailingControl_Returns0) {
     for (const char* const call : {"CreateFileW", "DeviceIoControl"}) {
         const Answer answer =
             Ask(getPartNumber, FactoryMbr(), TEXT('D'), {{.call = call, .nth = 1, .code = ERROR_NOT_READY}});

@@ -43,12 +43,12 @@ Name NameOfD(const machine::Pc& facts) {
     return {result, ToUtf8(name)};
 }
 
-TEST(GetVolumeName, IsTheLabel) {
+TEST(GetVolumeName, LabelledVolume_ReturnsTheLabel) {
     EXPECT_EQ(NameOfD(FactoryMbr()), (Name{1, "Data"}));
     EXPECT_EQ(NameOfD(WithLabels(std::string(), std::string())), (Name{1, ""}));
 }
 
-TEST(GetVolumeName, FailsAndWritesNothingWhenItCannotBeRead) {
+TEST(GetVolumeName, UnreadableVolume_FailsAndWritesNothing) {
     EXPECT_EQ(NameOfD(WithLabels(std::string(), machine::Fact<std::string>::Fails(ERROR_NOT_READY))),
               (Name{0, "?"}));
     machine::Pc facts = FactoryMbr();
@@ -56,14 +56,14 @@ TEST(GetVolumeName, FailsAndWritesNothingWhenItCannotBeRead) {
     EXPECT_EQ(NameOfD(facts), (Name{0, "?"}));
 }
 
-TEST(GetVolumeName, ReadsALongLabelAndCutsItToTheCallersBuffer) {
+TEST(GetVolumeName, LongLabel_IsCutToTheBufferOfTheCaller) {
     const Name cut{1, std::string(MAX_PATH - 1, 'L')};
     EXPECT_EQ(NameOfD(WithLabels(std::string(), std::string(300, 'L'))), cut);
     EXPECT_EQ(NameOfD(WithLabels(std::string(), std::string(1023, 'L'))), cut);
     EXPECT_EQ(NameOfD(WithLabels(std::string(), std::string(1024, 'L'))), (Name{0, "?"}));
 }
 
-TEST(GetVolumeName, ReadsTheNameOfTheFileSystemToo) {
+TEST(GetVolumeName, AnyVolume_ReadsTheNameOfTheFileSystemToo) {
     machine::Pc facts = FactoryMbr();
     PartitionOf(facts, 3).volume->fileSystem = std::string(1023, 'F');
     EXPECT_EQ(NameOfD(facts), (Name{1, "Data"}));
@@ -86,26 +86,26 @@ char FactoryLetter(const machine::Pc& facts) {
     return found;
 }
 
-TEST(GetFactoryPrtDriveLetter, IsTheFirstVolumeOfThatNameInAnyCase) {
+TEST(GetFactoryPrtDriveLetter, TwoVolumesOfThatNameInAnyCase_ReturnsTheFirst) {
     const std::string windows = "Windows";
     EXPECT_EQ(FactoryLetter(WithLabels(windows, std::string("Factory"))), 'D');
     EXPECT_EQ(FactoryLetter(WithLabels(windows, std::string("FACTORY"))), 'D');
     EXPECT_EQ(FactoryLetter(WithLabels(std::string("factory"), std::string("Factory"))), 'C');
 }
 
-TEST(GetFactoryPrtDriveLetter, IsThatOfADriveOfAnyKind) {
+TEST(GetFactoryPrtDriveLetter, RemovableDrive_ReturnsItsLetter) {
     machine::Pc facts = WithLabels(std::string(), std::string("Factory"));
     PartitionOf(facts, 3).volume->driveType = machine::DriveType::Removable;
     EXPECT_EQ(FactoryLetter(facts), 'D');
 }
 
-TEST(GetFactoryPrtDriveLetter, PassesOverANameThatCannotBeRead) {
+TEST(GetFactoryPrtDriveLetter, UnreadableName_IsPassedOver) {
     EXPECT_EQ(
         FactoryLetter(WithLabels(machine::Fact<std::string>::Fails(ERROR_NOT_READY), std::string("Factory"))),
         'D');
 }
 
-TEST(GetFactoryPrtDriveLetter, IsNoneWithoutSuchAVolume) {
+TEST(GetFactoryPrtDriveLetter, NoSuchVolume_ReturnsNone) {
     EXPECT_EQ(FactoryLetter(FactoryMbr()), '0');
     EXPECT_EQ(FactoryLetter(WithLabels(std::string("Factory 2"), std::string())), '0');
 }

@@ -79,7 +79,7 @@ const std::string notFixed = "1 Kestova::IsWinREVolume It is not DRIVE_FIXED\n";
 const std::string mediaStart = "4 Kestova::IsWindowsRE\\tStart cDriveLetter = {char R}\n";
 const std::string mediaEnd = "4 Kestova::IsWindowsRE\\tEnd\n";
 
-TEST(IsWinREVolume, HasEveryMarker) {
+TEST(IsWinREVolume, EveryMarker_Returns1) {
     VolumeR volume(Files(volumeMarkers));
     EXPECT_EQ(volume.IsWinREVolume(), 1);
     EXPECT_EQ(volume.Records(), volumeStart + volumeEnd);
@@ -87,7 +87,7 @@ TEST(IsWinREVolume, HasEveryMarker) {
     EXPECT_TRUE(volume.pc.ledger.Outstanding().empty());
 }
 
-TEST(IsWinREVolume, TellsTheFirstMarkerMissingAndThatAllIsWell) {
+TEST(IsWinREVolume, MissingMarkers_RecordsTheFirst) {
     for (size_t present = 0; present < std::size(volumeMarkers); ++present) {
         VolumeR volume(Files(std::span(volumeMarkers).first(present)));
         EXPECT_EQ(volume.IsWinREVolume(), 0);
@@ -95,7 +95,7 @@ TEST(IsWinREVolume, TellsTheFirstMarkerMissingAndThatAllIsWell) {
     }
 }
 
-TEST(IsWinREVolume, IsNoOtherThanAFixedDrive) {
+TEST(IsWinREVolume, OtherThanAFixedDrive_Returns0) {
     for (const DriveType driveType : {DriveType::Removable, DriveType::Optical, DriveType::RamDisk}) {
         VolumeR volume(Files(volumeMarkers), driveType);
         EXPECT_EQ(volume.IsWinREVolume(), 0);
@@ -104,13 +104,13 @@ TEST(IsWinREVolume, IsNoOtherThanAFixedDrive) {
     }
 }
 
-TEST(IsWinREVolume, IsNoLetterThatDoesNotExist) {
+TEST(IsWinREVolume, MissingLetter_Returns0) {
     VolumeR volume(Files(volumeMarkers));
     EXPECT_EQ(volume.IsWinREVolume(TEXT('Q')), 0);
     EXPECT_EQ(volume.Records(), volumeStart + notFixed + volumeEnd);
 }
 
-TEST(IsWindowsRE, HasEveryMarkerInAnyCase) {
+TEST(IsWindowsRE, EveryMarkerInAnyCase_Returns1) {
     VolumeR volume({{"BOOTMGR", ""}, {"Boot/BCD", ""}, {"Sources/BOOT.WIM", ""}, {"ORVO/", ""}});
     EXPECT_EQ(volume.kestova.IsWindowsRE(TEXT('R')), 1);
     EXPECT_EQ(volume.Records(), mediaStart + mediaEnd);
@@ -118,7 +118,7 @@ TEST(IsWindowsRE, HasEveryMarkerInAnyCase) {
     EXPECT_TRUE(volume.pc.ledger.Outstanding().empty());
 }
 
-TEST(IsWindowsRE, TellsTheFirstMarkerMissing) {
+TEST(IsWindowsRE, MissingMarkers_RecordsTheFirst) {
     for (size_t present = 0; present < std::size(mediaMarkers); ++present) {
         VolumeR volume(Files(std::span(mediaMarkers).first(present)));
         EXPECT_EQ(volume.kestova.IsWindowsRE(TEXT('R')), 0);
@@ -126,7 +126,7 @@ TEST(IsWindowsRE, TellsTheFirstMarkerMissing) {
     }
 }
 
-TEST(IsWindowsRE, LooksForTheMakersFolderAtTheRoot) {
+TEST(IsWindowsRE, FolderOfTheMaker_IsSoughtAtTheRoot) {
     FileTree files = Files(std::span(mediaMarkers).first(5));
     files.PutFolder("sources/Orvo");
     VolumeR volume(files);
@@ -134,7 +134,7 @@ TEST(IsWindowsRE, LooksForTheMakersFolderAtTheRoot) {
     EXPECT_EQ(volume.Records(), mediaStart + mediaMarkers[5].missRecord + mediaEnd);
 }
 
-TEST(IsWindowsRE, IsNoOtherThanAFixedDrive) {
+TEST(IsWindowsRE, OtherThanAFixedDrive_Returns0) {
     for (const DriveType driveType : {DriveType::Removable, DriveType::Optical, DriveType::RamDisk}) {
         VolumeR volume(Files(mediaMarkers), driveType);
         EXPECT_EQ(volume.kestova.IsWindowsRE(TEXT('R')), 0);

@@ -2,62 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
-#include "base/utf.h"
+#include "tests/support/folded_log.h"
+#include "tests/support/record_line.h"
+#include "tests/support/transcript_file.h"
 
 namespace {
-
-const char* KindName(LogItemKind kind) {
-    switch (kind) {
-        case LogItemKind::String:
-            return "string";
-        case LogItemKind::Text:
-            return "text";
-        case LogItemKind::Pointer:
-            return "pointer";
-        case LogItemKind::ULong:
-            return "ulong";
-        case LogItemKind::ULongLong:
-            return "ulonglong";
-        case LogItemKind::Long:
-            return "long";
-        case LogItemKind::LongLong:
-            return "longlong";
-        case LogItemKind::Int:
-            return "int";
-        case LogItemKind::Char:
-            return "char";
-    }
-    return "";
-}
-
-std::string Escaped(const std::string& text) {
-    std::string escaped;
-    for (const char unit : text) {
-        if (unit == '\t') {
-            escaped += "\\t";
-        } else if (unit == '\0') {
-            escaped += "\\0";
-        } else {
-            escaped += unit;
-        }
-    }
-    return escaped;
-}
-
-std::string Line(const LogEntry& entry) {
-    std::string line = std::to_string(entry.level) + " ";
-    for (const LogItem& item : entry.items) {
-        const std::string text = Escaped(ToUtf8(item.text));
-        line +=
-            item.kind == LogItemKind::Text ? text : std::string("{") + KindName(item.kind) + " " + text + "}";
-    }
-    return line + "\n";
-}
 
 bool IsEmptyText(const LogItem& item) {
     return item.kind == LogItemKind::Text && item.text.empty();
@@ -75,29 +27,58 @@ bool EndsWithOneEmptyText(const LogEntry& entry) {
     return !IsEmptyText(entry.items[count - 2]) || (count > 2 && IsLabel(entry.items[count - 3]));
 }
 
+// Suite.Test, with the part behind a comma.
+std::string SectionName(const std::string& part) {
+    const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+    const std::string name = std::string(test.test_suite_name()) + "." + test.name();
+    return part.empty() ? name : name + ", " + part;
+}
+
+// CLASS/FUNCTION.txt.
+std::filesystem::path FileOf(const std::string& function) {
+    const size_t colons = function.find("::");
+    return std::filesystem::path(function.substr(0, colons)) / (function.substr(colons + 2) + ".txt");
+}
+
+void ExpectSection(const LogBlock& block, const std::filesystem::path& path) {
+    std::vector<TranscriptSection> expected = ReadTranscripts(path);
+    std::erase_if(expected, [&](const TranscriptSection& section) { return section.name != block.name; });
+    if (expected.size() == 1) {
+        EXPECT_EQ(block.text, expected[0].text) << "transcript " << path << ", == " << block.name;
+    } else {
+        EXPECT_TRUE(std::ranges::count(expected, block.text, &TranscriptSection::text))
+            << "transcript " << path << " expects no == " << block.name << "\n"
+            << block.text;
+    }
+}
+
+void Compare(const LogBlock& block) {
+    const char* const recorded = std::getenv("KESTOVA_RECORD");
+    if (recorded != nullptr) {
+        RecordTranscript(recorded / FileOf(block.function), {block.name, block.text});
+    } else {
+        ExpectSection(block, std::filesystem::path(KESTOVA_SOURCE_FOLDER) / "tests" / "transcripts" /
+                                 FileOf(block.function));
+    }
+}
+
 }  // namespace
 
 std::string Transcript(const machine::Journal& journal) {
     std::string transcript;
     for (const LogEntry& entry : journal.Records()) {
-        EXPECT_TRUE(EndsWithOneEmptyText(entry)) << "record not closed by one empty text: " << Line(entry);
-        transcript += Line(entry);
+        EXPECT_TRUE(EndsWithOneEmptyText(entry)) << "record not closed by one empty text: " << LineOf(entry);
+        transcript += LineOf(entry);
     }
     return transcript;
 }
 
-void ExpectTranscript(const machine::Journal& journal, const std::string& name) {
-    const std::filesystem::path path =
-        std::filesystem::path(KESTOVA_SOURCE_FOLDER) / "tests" / "transcripts" / (name + ".txt");
-    const std::string actual = Transcript(journal);
-    if (std::getenv("KESTOVA_RECORD") != nullptr) {
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary) << actual;
-        return;
-    }
-    std::ifstream file(path, std::ios::binary);
-    ASSERT_TRUE(file) << "no transcript " << path;
-    std::ostringstream expected;
-    expected << file.rdbuf();
-    EXPECT_EQ(actual, expected.str()) << "transcript " << path;
+void ExpectTranscript(const machine::Journal& journal, const std::string& part) {
+    Transcript(journal);
+    FoldedLog folded = Fold(journal.Records());
+    ASSERT_NE(folded.operation.function, "") << "nothing was logged";
+    folded.operation.name = SectionName(part);
+    Compare(folded.operation);
+    for (const LogBlock& block : folded.hidden)
+        Compare(block);
 }

@@ -1,15 +1,17 @@
-// The log of an operation as text to compare whole: a line a record, its level, the literal as it stands (a
-// tab as \t), every value in braces with the kind of its append: {int 1}, {long -1}, {ulong 5}, {char C},
-// {string ...}.
+// The log of an operation, compared whole with what tests/transcripts expects.
 #pragma once
 
 #include <string>
 
 #include "machine/journal/journal.h"
 
-// Fails the running test for a record that does not end with exactly one empty text.
+// Every record in order, a line each (record_line.h). Fails the running test for a record that does not end
+// with exactly one empty text.
 std::string Transcript(const machine::Journal& journal);
 
-// Compares with tests/transcripts/NAME.txt. KESTOVA_RECORD=1 in the environment writes the file instead: read
-// what it wrote as critically as code.
-void ExpectTranscript(const machine::Journal& journal, const std::string& name);
+// Compares the folded log (folded_log.h) with the section of the running test in
+// tests/transcripts/CLASS/FUNCTION.txt, of the function that logs first, and each folded call with the
+// sections of its own function. A test with several transcripts gives each a part. KESTOVA_RECORD=FOLDER in
+// the environment writes these sections below that folder instead; record.py in tests/transcripts does so for
+// all tests. Read what it wrote as critically as code.
+void ExpectTranscript(const machine::Journal& journal, const std::string& part = "");

@@ -31,7 +31,7 @@ machine::Pc WithFlags(const Flags& flags) {
 
 }  // namespace
 
-TEST(SetActive, SetsOneFlagAndTouchesNoOther) {
+TEST(SetActive, FactoryMbr_SetsOneFlagAndTouchesNoOther) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(session->SetActive(1));
     EXPECT_EQ(FlagsOf(session), (Flags{1, 1, 0, 0}));
@@ -40,7 +40,7 @@ TEST(SetActive, SetsOneFlagAndTouchesNoOther) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(SetActive, PlatformMayClearTheOtherFlags) {
+TEST(SetActive, Platform_MayClearTheOtherFlags) {
     machine::Pc pc = machine::FactoryMbr();
     pc.switches.activeFlagIsExclusive = true;
     VdsSession session(pc);
@@ -48,14 +48,14 @@ TEST(SetActive, PlatformMayClearTheOtherFlags) {
     EXPECT_EQ(FlagsOf(session), (Flags{1, 0, 0, 0}));
 }
 
-TEST(SetActive, FlagThatIsSetAlreadyIsSetAgain) {
+TEST(SetActive, FlagSetAlready_IsSetAgain) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(session->SetActive(2));
     EXPECT_EQ(FlagsOf(session), (Flags{0, 1, 0, 0}));
     EXPECT_EQ(session.pc.journal.Calls("IVdsAdvancedDisk::ChangeAttributes").size(), 1u);
 }
 
-TEST(SetActive, MissingPartitionIsFalseWithoutARecord) {
+TEST(SetActive, MissingPartition_IsFalseWithoutARecord) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_FALSE(session->SetActive(9));
     EXPECT_EQ(FlagsOf(session), (Flags{0, 1, 0, 0}));
@@ -63,14 +63,14 @@ TEST(SetActive, MissingPartitionIsFalseWithoutARecord) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(SetActive, GptPartitionIsFalseWithoutARecord) {
+TEST(SetActive, GptPartition_IsFalseWithoutARecord) {
     VdsSession session(machine::FactoryGpt());
     EXPECT_FALSE(session->SetActive(1));
     EXPECT_EQ(session.Records(), queryPartitionsRecords);
     EXPECT_TRUE(session.pc.journal.Calls("IVdsAdvancedDisk::ChangeAttributes").empty());
 }
 
-TEST(SetActive, WhatCannotBeginIsAnError) {
+TEST(SetActive, WhatCannotBegin_IsAnError) {
     {
         machine::EmulatedPc pc(machine::FactoryMbr());
         CVDSPartition partition;
@@ -92,7 +92,7 @@ TEST(SetActive, WhatCannotBeginIsAnError) {
               refusedPartitionsRecords + "1 " + setMethod + " QueryPartitions error. FALSE == bReturn \n");
 }
 
-TEST(SetActive, RefusedChangeIsAnErrorWhetherItWasMadeOrNot) {
+TEST(SetActive, RefusedChange_IsAnErrorWhetherItWasMadeOrNot) {
     for (const bool afterEffect : {false, true}) {
         VdsSession session(machine::FactoryMbr());
         session.Fail("IVdsAdvancedDisk::ChangeAttributes", failure, 0, afterEffect);
@@ -104,7 +104,7 @@ TEST(SetActive, RefusedChangeIsAnErrorWhetherItWasMadeOrNot) {
     }
 }
 
-TEST(SetActive, EveryRecordOfTheNumberIsChanged) {
+TEST(SetActive, EveryRecordOfTheNumber_IsChanged) {
     machine::Pc pc = machine::FactoryMbr();
     pc.disks[0].partitions[2].number = 1;
     VdsSession session(pc);
@@ -112,7 +112,7 @@ TEST(SetActive, EveryRecordOfTheNumberIsChanged) {
     EXPECT_EQ(FlagsOf(session), (Flags{1, 1, 1, 0}));
 }
 
-TEST(ClearActive, ClearsEveryFlag) {
+TEST(ClearActive, TwoActivePartitions_ClearsEveryFlag) {
     VdsSession session(WithFlags({1, 1, 0, 1}));
     EXPECT_TRUE(session->ClearActive());
     EXPECT_EQ(FlagsOf(session), (Flags{0, 0, 0, 0}));
@@ -121,33 +121,33 @@ TEST(ClearActive, ClearsEveryFlag) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(ClearActive, EveryFlagButZeroIsActive) {
+TEST(ClearActive, EveryFlagButZero_IsActive) {
     VdsSession session(WithFlags({0x80, 1, 0, 0}));
     EXPECT_TRUE(session->ClearActive());
     EXPECT_EQ(FlagsOf(session), (Flags{0, 0, 0, 0}));
     EXPECT_EQ(session.pc.journal.Calls("IVdsAdvancedDisk::ChangeAttributes").size(), 2u);
 }
 
-TEST(ClearActive, NothingActiveIsTrue) {
+TEST(ClearActive, NothingActive_IsTrue) {
     VdsSession session(WithFlags({0, 0, 0, 0}));
     EXPECT_TRUE(session->ClearActive());
     EXPECT_TRUE(session.pc.journal.Calls("IVdsAdvancedDisk::ChangeAttributes").empty());
 }
 
-TEST(ClearActive, NoPartitionsBehindASuccessAreTrue) {
+TEST(ClearActive, NoPartitionsBehindASuccess_AreTrue) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsAdvancedDisk::QueryPartitions", 0);
     EXPECT_TRUE(session->ClearActive());
     EXPECT_EQ(session.Records(), clearStarted + queryPartitionsRecords);
 }
 
-TEST(ClearActive, GptDiskIsTrueAndUntouched) {
+TEST(ClearActive, GptDisk_IsTrueAndUntouched) {
     VdsSession session(machine::FactoryGpt());
     EXPECT_TRUE(session->ClearActive());
     EXPECT_TRUE(session.pc.journal.Calls("IVdsAdvancedDisk::ChangeAttributes").empty());
 }
 
-TEST(ClearActive, FailureHalfWayLeavesTheLaterFlags) {
+TEST(ClearActive, FailureHalfWay_LeavesTheLaterFlags) {
     for (const bool afterEffect : {false, true}) {
         VdsSession session(WithFlags({1, 1, 1, 0}));
         session.Fail("IVdsAdvancedDisk::ChangeAttributes", failure, 2, afterEffect);
@@ -160,7 +160,7 @@ TEST(ClearActive, FailureHalfWayLeavesTheLaterFlags) {
     }
 }
 
-TEST(ClearActive, WhatCannotBeginIsAnError) {
+TEST(ClearActive, WhatCannotBegin_IsAnError) {
     {
         machine::EmulatedPc pc(machine::FactoryMbr());
         CVDSPartition partition;
@@ -181,7 +181,7 @@ TEST(ClearActive, WhatCannotBeginIsAnError) {
                                      "\\tQueryPartitions return false.\n");
 }
 
-TEST(GetActivePartitionNumber, TellsTheFirstActivePartition) {
+TEST(GetActivePartitionNumber, AnyFlags_ReturnsTheFirstActivePartition) {
     struct Case {
         Flags flags;
         BOOL result;
@@ -205,7 +205,7 @@ TEST(GetActivePartitionNumber, TellsTheFirstActivePartition) {
     }
 }
 
-TEST(GetActivePartitionNumber, GptDiskHasNone) {
+TEST(GetActivePartitionNumber, GptDisk_HasNone) {
     VdsSession session(machine::FactoryGpt());
     int number = 7;
     EXPECT_FALSE(session->GetActivePartitionNumber(number));
@@ -214,7 +214,7 @@ TEST(GetActivePartitionNumber, GptDiskHasNone) {
               getStarted + queryPartitionsRecords + "4 " + getMethod + "\\t\\tEnd. bFind = {int 0}\n");
 }
 
-TEST(GetActivePartitionNumber, WhatCannotBeginIsAnErrorWithoutAnEnd) {
+TEST(GetActivePartitionNumber, WhatCannotBegin_IsAnErrorWithoutAnEnd) {
     int number = 7;
     {
         machine::EmulatedPc pc(machine::FactoryMbr());

@@ -42,7 +42,7 @@ const std::string started = "4 Kestova CVDSEx::QueryDisks\\tStart\n";
 
 }  // namespace
 
-TEST(QueryDisks, OnePackOfTwoDisksGivesBoth) {
+TEST(QueryDisks, OnePackOfTwoDisks_GivesBoth) {
     machine::Pc pc = WindowsPe({InPack(PlainDisk(0, 100), "Disks"), InPack(PlainDisk(1, 200), "Disks")});
     pc.packs = {{.name = "Disks"}};
     VdsSession session(pc);
@@ -55,7 +55,7 @@ TEST(QueryDisks, OnePackOfTwoDisksGivesBoth) {
     EXPECT_EQ(session.Left(2), Holdings());
 }
 
-TEST(QueryDisks, RecordsAreThoseOfTheService) {
+TEST(QueryDisks, Records_AreThoseOfTheService) {
     VdsSession session(machine::FactoryMbr());
     VDS_DISK_PROP* disks = nullptr;
     LONG count = 0;
@@ -69,7 +69,7 @@ TEST(QueryDisks, RecordsAreThoseOfTheService) {
     std::free(disks);
 }
 
-TEST(QueryDisks, UnallocatedDisksComeFirst) {
+TEST(QueryDisks, UnallocatedDisks_ComeFirst) {
     VdsSession session(WindowsPe({PlainDisk(0, 100), Unallocated(PlainDisk(1, 200)), PlainDisk(2, 300)}));
     const Listed listed = List(session);
     EXPECT_EQ(listed.result, S_OK);
@@ -77,7 +77,7 @@ TEST(QueryDisks, UnallocatedDisksComeFirst) {
     EXPECT_EQ(session.Left(3), Holdings());
 }
 
-TEST(QueryDisks, DiskInBothListsIsListedTwice) {
+TEST(QueryDisks, DiskInBothLists_IsListedTwice) {
     machine::Pc pc = WindowsPe({InPack(Unallocated(PlainDisk(0, 100)), "Disks")});
     pc.packs = {{.name = "Disks"}};
     VdsSession session(pc);
@@ -85,7 +85,7 @@ TEST(QueryDisks, DiskInBothListsIsListedTwice) {
     EXPECT_EQ(session.Left(2), Holdings());
 }
 
-TEST(QueryDisks, NoDiskIsAnEmptyList) {
+TEST(QueryDisks, NoDisk_IsAnEmptyList) {
     VdsSession session(WindowsPe({}));
     VDS_DISK_PROP* disks = nullptr;
     LONG count = -1;
@@ -95,7 +95,7 @@ TEST(QueryDisks, NoDiskIsAnEmptyList) {
     EXPECT_EQ(session.Records(), started);
 }
 
-TEST(QueryDisks, PackThatIsOfflineContributesNothing) {
+TEST(QueryDisks, OfflinePack_ContributesNothing) {
     machine::Pc pc =
         WindowsPe({InPack(PlainDisk(0, 100), "Away"), InPack(PlainDisk(1, 200), "Here"), PlainDisk(2, 300)});
     pc.packs = {{.name = "Away", .status = VDS_PS_OFFLINE}, {.name = "Here"}};
@@ -105,7 +105,7 @@ TEST(QueryDisks, PackThatIsOfflineContributesNothing) {
     EXPECT_EQ(session.Left(2), Holdings());
 }
 
-TEST(QueryDisks, DisksOfTheDynamicProviderAreListedToo) {
+TEST(QueryDisks, DisksOfTheDynamicProvider_AreListedToo) {
     machine::Pc pc = WindowsPe({InPack(PlainDisk(0, 100), "Dynamic"), PlainDisk(1, 200)});
     pc.packs = {{.name = "Dynamic", .dynamic = true}};
     VdsSession session(pc);
@@ -113,7 +113,7 @@ TEST(QueryDisks, DisksOfTheDynamicProviderAreListedToo) {
     EXPECT_EQ(session.Left(2), Holdings());
 }
 
-TEST(QueryDisks, MissingServiceIsAnError) {
+TEST(QueryDisks, MissingService_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     VDS_DISK_PROP* disks = nullptr;
     LONG count = 0;
@@ -121,7 +121,7 @@ TEST(QueryDisks, MissingServiceIsAnError) {
     EXPECT_EQ(session.Records(), started + "1 Kestova CVDSEx::QueryDisks\\tNULL == pVdsService\n");
 }
 
-TEST(QueryDisks, ServiceThatIsNotReadyIsAnError) {
+TEST(QueryDisks, ServiceNotReady_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::IsServiceReady", 1);
     session.pc.lastError = 7;
@@ -133,7 +133,7 @@ TEST(QueryDisks, ServiceThatIsNotReadyIsAnError) {
     EXPECT_EQ(session.Left(0), Holdings());
 }
 
-TEST(QueryDisks, UnallocatedDisksThatCannotBeListedAreAnError) {
+TEST(QueryDisks, UnallocatedDisksThatCannotBeListed_AreAnError) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::QueryUnallocatedDisks", failure);
     session.pc.lastError = 5;
@@ -145,7 +145,7 @@ TEST(QueryDisks, UnallocatedDisksThatCannotBeListedAreAnError) {
     EXPECT_EQ(session.Left(0), Holdings());
 }
 
-TEST(QueryDisks, UnallocatedDiskWithoutADiskInterfaceEndsItsWalkOnly) {
+TEST(QueryDisks, UnallocatedDiskWithoutADiskInterface_EndsItsWalkOnly) {
     VdsSession session(WindowsPe({Unallocated(PlainDisk(0, 100)), PlainDisk(1, 200)}));
     session.Fail("IUnknown::QueryInterface", 0x80004002, 1);
     session.pc.lastError = 3;
@@ -158,7 +158,7 @@ TEST(QueryDisks, UnallocatedDiskWithoutADiskInterfaceEndsItsWalkOnly) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QueryDisks, UnallocatedDiskWithoutPropertiesEndsItsWalkOnly) {
+TEST(QueryDisks, UnallocatedDiskWithoutProperties_EndsItsWalkOnly) {
     VdsSession session(
         WindowsPe({Unallocated(PlainDisk(0, 100)), Unallocated(PlainDisk(1, 200)), PlainDisk(2, 300)}));
     session.Fail("IVdsDisk::GetProperties", failure, 2);
@@ -171,7 +171,7 @@ TEST(QueryDisks, UnallocatedDiskWithoutPropertiesEndsItsWalkOnly) {
     EXPECT_EQ(session.Left(2), Holdings());
 }
 
-TEST(QueryDisks, IncompletePropertiesAreAFailureToo) {
+TEST(QueryDisks, IncompleteProperties_AreAFailureToo) {
     VdsSession session(WindowsPe({Unallocated(PlainDisk(0, 100)), PlainDisk(1, 200)}));
     session.Fail("IVdsDisk::GetProperties", 0x00042715, 1);
     EXPECT_EQ(List(session).sizes, (Sizes{200}));
@@ -180,7 +180,7 @@ TEST(QueryDisks, IncompletePropertiesAreAFailureToo) {
                                      "{long 272149} GetLastError = {ulong 0}\n");
 }
 
-TEST(QueryDisks, ProvidersThatCannotBeListedAreAnErrorAndFreeTheArray) {
+TEST(QueryDisks, ProvidersThatCannotBeListed_AreAnErrorAndFreeTheArray) {
     VdsSession session(WindowsPe({Unallocated(PlainDisk(0, 100))}));
     session.Fail("IVdsService::QueryProviders", failure);
     session.pc.lastError = 6;
@@ -194,7 +194,7 @@ TEST(QueryDisks, ProvidersThatCannotBeListedAreAnErrorAndFreeTheArray) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QueryDisks, FailuresOfProvidersAndPacksShortenTheListInSilence) {
+TEST(QueryDisks, FailuresOfProvidersAndPacks_ShortenTheListInSilence) {
     // Three disks in own packs of the basic provider, one in a pack of the dynamic provider. The interfaces
     // are queried in the order provider, pack, disk, pack, disk, ...
     struct Case {
@@ -228,7 +228,7 @@ TEST(QueryDisks, FailuresOfProvidersAndPacksShortenTheListInSilence) {
     }
 }
 
-TEST(QueryDisks, SuccessWithoutAnInterfaceEndsTheWalk) {
+TEST(QueryDisks, SuccessWithoutAnInterface_EndsTheWalk) {
     for (const char* const call :
          {"IVdsService::QueryUnallocatedDisks", "IVdsService::QueryProviders", "IVdsSwProvider::QueryPacks",
           "IVdsPack::QueryDisks", "IUnknown::QueryInterface"}) {

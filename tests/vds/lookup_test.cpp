@@ -25,7 +25,7 @@ HRESULT LookUp(HRESULT (*operation)(IVdsService*, VDS_OBJECT_ID, Interface**), I
 
 }  // namespace
 
-TEST(GetVdsDisk, HandsOutTheDisk) {
+TEST(GetVdsDisk, KnownId_ReturnsTheDisk) {
     VdsSession session(machine::FactoryMbr());
     const GUID id = DiskId(session);
     EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, session->GetService(), id), S_OK);
@@ -33,14 +33,14 @@ TEST(GetVdsDisk, HandsOutTheDisk) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetVdsDisk, MissingServiceIsTraced) {
+TEST(GetVdsDisk, MissingService_IsTraced) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, nullptr, GUID{}), static_cast<HRESULT>(0x80070057));
     EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSEx::GetVdsDisk\\tStart",
                                         "4 Kestova CVDSEx::GetVdsDisk\\tNULL == pVdsService"}));
 }
 
-TEST(GetVdsDisk, ServiceThatIsNotReadyIsTracedWithoutItsCode) {
+TEST(GetVdsDisk, ServiceNotReady_IsTracedWithoutItsCode) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::IsServiceReady", 1);
     EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, session->GetService(), GUID{}), S_FALSE);
@@ -48,7 +48,7 @@ TEST(GetVdsDisk, ServiceThatIsNotReadyIsTracedWithoutItsCode) {
                                         "4 Kestova CVDSEx::GetVdsDisk  IsServiceReady  S_OK != hResult"}));
 }
 
-TEST(GetVdsDisk, UnknownIdIsTracedInTheWordsOfTheServiceCheck) {
+TEST(GetVdsDisk, UnknownId_IsTracedInTheWordsOfTheServiceCheck) {
     VdsSession session(machine::FactoryMbr());
     session.pc.lastError = 9;
     EXPECT_EQ(LookUp(CVDSEx::GetVdsDisk, session->GetService(), GUID{}), static_cast<HRESULT>(notFound));
@@ -58,7 +58,7 @@ TEST(GetVdsDisk, UnknownIdIsTracedInTheWordsOfTheServiceCheck) {
                      "{long -2147212283} GetLastError = {ulong 9}"}));
 }
 
-TEST(GetVdsDisk, MissingInterfaceIsToldInSilence) {
+TEST(GetVdsDisk, MissingInterface_IsReturnedInSilence) {
     VdsSession session(machine::FactoryMbr());
     const GUID id = DiskId(session);
     session.Fail("IUnknown::QueryInterface", 0x80004002);
@@ -67,7 +67,7 @@ TEST(GetVdsDisk, MissingInterfaceIsToldInSilence) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetVdsAdvancedDisk, HandsOutTheDisk) {
+TEST(GetVdsAdvancedDisk, KnownId_ReturnsTheDisk) {
     VdsSession session(machine::FactoryMbr());
     const GUID id = DiskId(session);
     EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), id), S_OK);
@@ -76,14 +76,14 @@ TEST(GetVdsAdvancedDisk, HandsOutTheDisk) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetVdsAdvancedDisk, MissingServiceIsAnError) {
+TEST(GetVdsAdvancedDisk, MissingService_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, nullptr, GUID{}), E_INVALIDARG);
     EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSEx::GetVdsAdvancedDisk Start",
                                         "1 Kestova CVDSEx::GetVdsAdvancedDisk pVdsService is NULL."}));
 }
 
-TEST(GetVdsAdvancedDisk, ServiceThatIsNotReadyIsAnError) {
+TEST(GetVdsAdvancedDisk, ServiceNotReady_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::IsServiceReady", 0x80042401);
     EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), GUID{}), VDS_E_INITIALIZED_FAILED);
@@ -93,7 +93,7 @@ TEST(GetVdsAdvancedDisk, ServiceThatIsNotReadyIsAnError) {
                      "{long -2147212287} GetLastError = {ulong 0}"}));
 }
 
-TEST(GetVdsAdvancedDisk, UnknownIdIsAnError) {
+TEST(GetVdsAdvancedDisk, UnknownId_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     session.pc.lastError = 9;
     EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), GUID{}), VDS_E_OBJECT_NOT_FOUND);
@@ -103,7 +103,7 @@ TEST(GetVdsAdvancedDisk, UnknownIdIsAnError) {
                      "{long -2147212283} GetLastError = {ulong 9}"}));
 }
 
-TEST(GetVdsAdvancedDisk, SuccessWithoutAnObjectIsAnError) {
+TEST(GetVdsAdvancedDisk, SuccessWithoutAnObject_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::GetObject", 0);
     EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), GUID{}), E_INVALIDARG);
@@ -113,7 +113,7 @@ TEST(GetVdsAdvancedDisk, SuccessWithoutAnObjectIsAnError) {
                      "{long -2147024809} GetLastError = {ulong 0}"}));
 }
 
-TEST(GetVdsAdvancedDisk, OtherSuccessCodesAreFailures) {
+TEST(GetVdsAdvancedDisk, OtherSuccessCodes_AreFailures) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::GetObject", 1);
     EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk, session->GetService(), GUID{}), S_FALSE);
@@ -123,7 +123,7 @@ TEST(GetVdsAdvancedDisk, OtherSuccessCodesAreFailures) {
                      "{long 1} GetLastError = {ulong 0}"}));
 }
 
-TEST(GetVdsAdvancedDisk, MissingInterfaceIsAnError) {
+TEST(GetVdsAdvancedDisk, MissingInterface_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     const GUID id = DiskId(session);
     session.Fail("IUnknown::QueryInterface", 0x80004002);
@@ -136,7 +136,7 @@ TEST(GetVdsAdvancedDisk, MissingInterfaceIsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetVdsAdvancedDisk2, WritesNothing) {
+TEST(GetVdsAdvancedDisk2, KnownAndUnknownId_WriteNothing) {
     VdsSession session(machine::FactoryMbr());
     const GUID id = DiskId(session);
     EXPECT_EQ(LookUp(CVDSEx::GetVdsAdvancedDisk2, session->GetService(), id), S_OK);
@@ -151,7 +151,7 @@ TEST(GetVdsAdvancedDisk2, WritesNothing) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetVdsVolumeMF, FindsVolumesOnlyAndWritesNothing) {
+TEST(GetVdsVolumeMF, EveryKindOfObject_FindsVolumesOnlyAndWritesNothing) {
     VdsSession session(machine::FactoryMbr());
     const GUID disk = DiskId(session);
     EXPECT_EQ(LookUp(CVDSEx::GetVdsVolumeMF, session->GetService(), disk), VDS_E_OBJECT_NOT_FOUND);

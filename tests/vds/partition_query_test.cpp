@@ -29,14 +29,14 @@ using Partitions = std::vector<uint32_t>;
 
 }  // namespace
 
-TEST(QueryPartitions, ListsTheFirstInternalDisk) {
+TEST(QueryPartitions, FactoryMbr_ListsTheFirstInternalDisk) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_EQ(Query(session), (Partitions{1, 2, 3, 4}));
     EXPECT_EQ(session.Records(), queryPartitionsRecords);
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QueryPartitions, EachCallDropsTheDiskOfTheOneBefore) {
+TEST(QueryPartitions, EachCall_DropsTheDiskOfTheOneBefore) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(Query(session).has_value());
     EXPECT_TRUE(Query(session).has_value());
@@ -44,21 +44,21 @@ TEST(QueryPartitions, EachCallDropsTheDiskOfTheOneBefore) {
     EXPECT_EQ(session.Left(3), (Holdings{{"IVdsAdvancedDisk", 2}}));
 }
 
-TEST(QueryPartitions, WithoutAnInternalDiskItIsAnError) {
+TEST(QueryPartitions, NoInternalDisk_IsAnError) {
     VdsSession session(WindowsPe({}));
     EXPECT_EQ(Query(session), std::nullopt);
-    ExpectTranscript(session.pc.journal, "vds/query_partitions_no_disk");
+    ExpectTranscript(session.pc.journal);
 }
 
-TEST(QueryPartitions, DiskWithoutANumberIsAnError) {
+TEST(QueryPartitions, DiskWithoutANumber_IsAnError) {
     machine::Disk disk = PlainDisk(0);
     disk.vdsName = "\\\\?\\PhysicalDrive-1";
     VdsSession session(WindowsPe({disk}));
     EXPECT_EQ(Query(session), std::nullopt);
-    ExpectTranscript(session.pc.journal, "vds/query_partitions_no_number");
+    ExpectTranscript(session.pc.journal);
 }
 
-TEST(QueryPartitions, DiskThatIsGoneIsAnError) {
+TEST(QueryPartitions, MissingDisk_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::GetObject", 0x80042405);
     session.pc.lastError = 5;
@@ -73,7 +73,7 @@ TEST(QueryPartitions, DiskThatIsGoneIsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QueryPartitions, SuccessWithoutAnInterfaceIsAnError) {
+TEST(QueryPartitions, SuccessWithoutAnInterface_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IUnknown::QueryInterface", 0, 5);  // after two providers, a pack and a disk
     EXPECT_EQ(Query(session), std::nullopt);
@@ -84,16 +84,16 @@ TEST(QueryPartitions, SuccessWithoutAnInterfaceIsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QueryPartitions, DiskWithoutPartitionsIsAnError) {
+TEST(QueryPartitions, DiskWithoutPartitions_IsAnError) {
     machine::Disk disk = PlainDisk(0);
     disk.partitions.clear();
     VdsSession session(WindowsPe({disk}));
     EXPECT_EQ(Query(session), std::nullopt);
-    ExpectTranscript(session.pc.journal, "vds/query_partitions_empty_disk");
+    ExpectTranscript(session.pc.journal);
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QueryPartitions, PartitionsThatCannotBeListedAreAnError) {
+TEST(QueryPartitions, PartitionsThatCannotBeListed_AreAnError) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsAdvancedDisk::QueryPartitions", failure);
     EXPECT_EQ(Query(session), std::nullopt);
@@ -106,7 +106,7 @@ TEST(QueryPartitions, PartitionsThatCannotBeListedAreAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetTotalPartitionNumbers, ComeInReverseOrderWithZerosBehind) {
+TEST(GetTotalPartitionNumbers, FactoryMbr_ReturnsNumbersInReverseWithZerosBehind) {
     machine::Pc pc = machine::FactoryMbr();
     pc.disks[0].partitions.pop_back();
     VdsSession session(pc);
@@ -119,7 +119,7 @@ TEST(GetTotalPartitionNumbers, ComeInReverseOrderWithZerosBehind) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetTotalPartitionNumbers, SmallArrayIsFilledAndFalse) {
+TEST(GetTotalPartitionNumbers, SmallArray_IsFilledAndFalse) {
     machine::Pc pc = machine::FactoryMbr();
     pc.disks[0].partitions.pop_back();
     VdsSession session(pc);
@@ -136,7 +136,7 @@ TEST(GetTotalPartitionNumbers, SmallArrayIsFilledAndFalse) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetTotalPartitionNumbers, ArrayThatJustSufficesIsEnough) {
+TEST(GetTotalPartitionNumbers, ArrayThatJustSuffices_IsEnough) {
     VdsSession session(machine::FactoryMbr());
     ASSERT_TRUE(session->SelectDisk(0));
     Numbers numbers(4, -1);
@@ -144,7 +144,7 @@ TEST(GetTotalPartitionNumbers, ArrayThatJustSufficesIsEnough) {
     EXPECT_EQ(numbers, (Numbers{4, 3, 2, 1}));
 }
 
-TEST(GetTotalPartitionNumbers, NoPartitionsBehindASuccessAreTrue) {
+TEST(GetTotalPartitionNumbers, NoPartitionsBehindASuccess_AreTrue) {
     VdsSession session(machine::FactoryMbr());
     ASSERT_TRUE(session->SelectDisk(0));
     session.pc.journal.Clear();
@@ -155,13 +155,13 @@ TEST(GetTotalPartitionNumbers, NoPartitionsBehindASuccessAreTrue) {
     EXPECT_EQ(session.Records(), totalStarted + totalEnded);
 }
 
-TEST(GetTotalPartitionNumbers, MissingArrayIsAnError) {
+TEST(GetTotalPartitionNumbers, MissingArray_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_FALSE(session->GetTotalPartitionNumbers(nullptr, 8));
     EXPECT_EQ(session.Records(), totalStarted + "1 " + totalMethod + "\\tNULL == pPartitionArray\n");
 }
 
-TEST(GetTotalPartitionNumbers, MissingDiskIsAnErrorAndZeros) {
+TEST(GetTotalPartitionNumbers, MissingDisk_IsAnErrorAndZeros) {
     VdsSession session(machine::FactoryMbr());
     Numbers numbers(2, -1);
     EXPECT_FALSE(session->GetTotalPartitionNumbers(numbers.data(), 2));
@@ -169,7 +169,7 @@ TEST(GetTotalPartitionNumbers, MissingDiskIsAnErrorAndZeros) {
     EXPECT_EQ(session.Records(), totalStarted + "1 " + totalMethod + "\\tNULL == m_pVdsAdvancedDisk\n");
 }
 
-TEST(GetTotalPartitionNumbers, PartitionsThatCannotBeListedAreAnError) {
+TEST(GetTotalPartitionNumbers, PartitionsThatCannotBeListed_AreAnError) {
     for (const uint32_t code : {failure, uint32_t{1}}) {
         VdsSession session(machine::FactoryMbr());
         ASSERT_TRUE(session->SelectDisk(0));
@@ -185,7 +185,7 @@ TEST(GetTotalPartitionNumbers, PartitionsThatCannotBeListedAreAnError) {
     }
 }
 
-TEST(IsDynamic, IsFalseOnEveryDisk) {
+TEST(IsDynamic, EveryDisk_ReturnsFalse) {
     for (const machine::NamedMachine& named : machine::NamedMachines()) {
         SCOPED_TRACE(named.name);
         VdsSession session(named.make());
@@ -198,7 +198,7 @@ TEST(IsDynamic, IsFalseOnEveryDisk) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(IsDynamic, FailuresAreFalseInSilence) {
+TEST(IsDynamic, Failures_AreFalseInSilence) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::IsServiceReady", 1);
     EXPECT_FALSE(session->IsDynamic());

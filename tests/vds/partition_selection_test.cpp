@@ -37,7 +37,7 @@ std::string Label(VdsSession& session, int capacity = 64) {
 
 }  // namespace
 
-TEST(SelectPartition, KeepsTheProperties) {
+TEST(SelectPartition, FactoryMbr_KeepsTheProperties) {
     SelectedDisk session;
     EXPECT_TRUE(session->SelectPartition(2));
     EXPECT_EQ(session->PartitionProperties().ulPartitionNumber, 2u);
@@ -48,7 +48,7 @@ TEST(SelectPartition, KeepsTheProperties) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(SelectPartition, MissingNumberIsTrueAndLeavesNothingSelected) {
+TEST(SelectPartition, MissingNumber_IsTrueAndLeavesNothingSelected) {
     SelectedDisk session;
     EXPECT_TRUE(session->SelectPartition(2));
     EXPECT_TRUE(session->SelectPartition(9));
@@ -58,14 +58,14 @@ TEST(SelectPartition, MissingNumberIsTrueAndLeavesNothingSelected) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(SelectPartition, ExtentOfAnEarlierSelectionStays) {
+TEST(SelectPartition, ExtentOfAnEarlierSelection_Stays) {
     SelectedDisk session;
     EXPECT_TRUE(session->SelectPartition(2));
     EXPECT_TRUE(session->SelectPartition(9));
     EXPECT_EQ(Label(session), "Windows");
 }
 
-TEST(SelectPartition, ExtentsThatCannotBeReadLeaveTheEarlierOne) {
+TEST(SelectPartition, ExtentsThatCannotBeRead_LeaveTheEarlierOne) {
     SelectedDisk session;
     EXPECT_TRUE(session->SelectPartition(2));
     session.Fail("IVdsDisk::QueryExtents", failure);
@@ -74,7 +74,7 @@ TEST(SelectPartition, ExtentsThatCannotBeReadLeaveTheEarlierOne) {
     EXPECT_EQ(Label(session), "Windows");
 }
 
-TEST(SelectPartition, NoExtentAtTheOffsetLeavesTheEarlierOne) {
+TEST(SelectPartition, NoExtentAtTheOffset_LeavesTheEarlierOne) {
     machine::Pc pc = machine::FactoryMbr();
     pc.disks.push_back(PlainDisk(1));
     SelectedDisk session(pc);
@@ -88,7 +88,7 @@ TEST(SelectPartition, NoExtentAtTheOffsetLeavesTheEarlierOne) {
     EXPECT_EQ(Label(session), "Windows");
 }
 
-TEST(SelectPartition, FirstOfTwoExtentsAtOneOffsetIsTaken) {
+TEST(SelectPartition, FirstOfTwoExtentsAtOneOffset_IsTaken) {
     for (const bool firstHasVolume : {true, false}) {
         SelectedDisk session;
         machine::Partition& first = session.Partition(2);
@@ -100,21 +100,21 @@ TEST(SelectPartition, FirstOfTwoExtentsAtOneOffsetIsTaken) {
     }
 }
 
-TEST(SelectPartition, MissingServiceIsAnErrorAndTrue) {
+TEST(SelectPartition, MissingService_IsAnErrorAndTrue) {
     machine::EmulatedPc pc(machine::FactoryMbr());
     CVDSPartition partition;
     EXPECT_TRUE(partition.SelectPartition(1));
     EXPECT_EQ(Transcript(pc.journal), started + "1 " + method + "\\tNULL == m_pVdsService\n" + ended);
 }
 
-TEST(SelectPartition, WithoutASelectedDiskItIsAnErrorAndTrue) {
+TEST(SelectPartition, NoSelectedDisk_IsAnErrorAndTrue) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(session->SelectPartition(1));
     EXPECT_EQ(session.Records(), started + "1 " + method + "\\tNULL == m_pVdsDisk\n" + ended);
     EXPECT_TRUE(NothingSelected(session));
 }
 
-TEST(SelectPartition, WithoutAnAdvancedDiskItIsAnErrorAndTrue) {
+TEST(SelectPartition, NoAdvancedDisk_IsAnErrorAndTrue) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsService::GetObject", failure, 2);
     EXPECT_FALSE(session->SelectDisk(0));
@@ -123,7 +123,7 @@ TEST(SelectPartition, WithoutAnAdvancedDiskItIsAnErrorAndTrue) {
     EXPECT_EQ(session.Records(), started + "1 " + method + "\\tNULL == m_pVdsAdvancedDisk\n" + ended);
 }
 
-TEST(SelectPartition, FailuresOfTheServiceAreErrorsAndTrue) {
+TEST(SelectPartition, FailuresOfTheService_AreErrorsAndTrue) {
     struct Case {
         const char* call;
         uint32_t code;
@@ -155,7 +155,7 @@ TEST(SelectPartition, FailuresOfTheServiceAreErrorsAndTrue) {
     }
 }
 
-TEST(GetVolumeLabel, TellsTheLabelOfTheSelectedPartition) {
+TEST(GetVolumeLabel, SelectedPartition_ReturnsItsLabel) {
     SelectedDisk session;
     session->SelectPartition(3);
     session.pc.journal.Clear();
@@ -165,7 +165,7 @@ TEST(GetVolumeLabel, TellsTheLabelOfTheSelectedPartition) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetVolumeLabel, LabelIsCutToTheCapacity) {
+TEST(GetVolumeLabel, Label_IsCutToTheCapacity) {
     SelectedDisk session;
     session->SelectPartition(2);
     EXPECT_EQ(Label(session, 4), "Win");
@@ -175,23 +175,23 @@ TEST(GetVolumeLabel, LabelIsCutToTheCapacity) {
     EXPECT_EQ(untouched, TEXT('x'));
 }
 
-TEST(GetVolumeLabel, VolumeWithoutALabelHasAnEmptyOne) {
+TEST(GetVolumeLabel, VolumeWithoutALabel_HasAnEmptyOne) {
     SelectedDisk session;
     session.Partition(2).volume->label = std::string();
     session->SelectPartition(2);
     EXPECT_EQ(Label(session), "");
 }
 
-TEST(GetVolumeLabel, NullLabelIsAnEmptyOne) {
+TEST(GetVolumeLabel, NullLabel_IsAnEmptyOne) {
     SelectedDisk session;
     session->SelectPartition(2);
-    session.Fail("IVdsVolumeMF::GetFileSystemProperties", 0);  // success that tells nothing
+    session.Fail("IVdsVolumeMF::GetFileSystemProperties", 0);  // success without properties
     WCHAR label[8] = {TEXT('x')};
     EXPECT_TRUE(session->GetVolumeLabel(label, 8));
     EXPECT_EQ(label[0], 0);
 }
 
-TEST(GetVolumeLabel, ExtentsWithoutAVolumeAreRefusedInSilence) {
+TEST(GetVolumeLabel, ExtentsWithoutAVolume_AreRefusedInSilence) {
     for (const int type : {VDS_DET_UNKNOWN, VDS_DET_FREE, VDS_DET_OEM, VDS_DET_UNUSABLE}) {
         SCOPED_TRACE(type);
         SelectedDisk session;
@@ -205,14 +205,14 @@ TEST(GetVolumeLabel, ExtentsWithoutAVolumeAreRefusedInSilence) {
     }
 }
 
-TEST(GetVolumeLabel, NothingSelectedIsRefusedInSilence) {
+TEST(GetVolumeLabel, NothingSelected_IsRefusedInSilence) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_EQ(Label(session), "(none)");
     EXPECT_EQ(session.Records(),
               Lines({"4 " + labelMethod + "\\tStart", "4 " + labelMethod + "\\tEnd bRet = {int 0}"}));
 }
 
-TEST(GetVolumeLabel, MissingServiceIsAnError) {
+TEST(GetVolumeLabel, MissingService_IsAnError) {
     machine::EmulatedPc pc(machine::FactoryMbr());
     CVDSPartition partition;
     WCHAR label[8] = {};
@@ -222,7 +222,7 @@ TEST(GetVolumeLabel, MissingServiceIsAnError) {
                      "4 " + labelMethod + "\\tEnd bRet = {int 0}"}));
 }
 
-TEST(GetVolumeLabel, FailuresOfTheServiceAreFalseInSilence) {
+TEST(GetVolumeLabel, FailuresOfTheService_AreFalseInSilence) {
     struct Case {
         const char* call;
         uint32_t code;
@@ -246,7 +246,7 @@ TEST(GetVolumeLabel, FailuresOfTheServiceAreFalseInSilence) {
     }
 }
 
-TEST(GetVolumeLabel, SecondLabelDropsTheVolumeOfTheFirst) {
+TEST(GetVolumeLabel, SecondLabel_DropsTheVolumeOfTheFirst) {
     SelectedDisk session;
     session->SelectPartition(2);
     EXPECT_EQ(Label(session), "Windows");
@@ -254,7 +254,7 @@ TEST(GetVolumeLabel, SecondLabelDropsTheVolumeOfTheFirst) {
     EXPECT_EQ(session.Left(1), (Holdings{{"IVdsVolumeMF", 1}}));
 }
 
-TEST(GetVolumeLabel, DropsTheVolumeOfTheOneBeforeEvenWhenItFindsNone) {
+TEST(GetVolumeLabel, NoVolume_DropsTheVolumeOfTheLabelBefore) {
     SelectedDisk session;
     session->SelectPartition(2);
     EXPECT_EQ(Label(session), "Windows");
@@ -263,7 +263,7 @@ TEST(GetVolumeLabel, DropsTheVolumeOfTheOneBeforeEvenWhenItFindsNone) {
     EXPECT_EQ(session.Left(1), (Holdings{{"IVdsVolumeMF", 1}}));
 }
 
-TEST(GetGPTPartitionType, TellsTheTypeOfTheSelectedPartition) {
+TEST(GetGPTPartitionType, SelectedPartition_ReturnsItsType) {
     SelectedDisk session(machine::FactoryGpt());
     session->SelectPartition(3);
     session.pc.journal.Clear();
@@ -274,7 +274,7 @@ TEST(GetGPTPartitionType, TellsTheTypeOfTheSelectedPartition) {
                                         "4 Kestova CVDSPartition::GetGPTPartitionType end. bRet = {int 1}"}));
 }
 
-TEST(GetGPTPartitionType, MbrPartitionHasNone) {
+TEST(GetGPTPartitionType, MbrPartition_HasNone) {
     SelectedDisk session;
     session->SelectPartition(2);
     session.pc.journal.Clear();

@@ -41,7 +41,7 @@ machine::Pc WithGptType(const GUID& type) {
 
 }  // namespace
 
-TEST(GetGptTypeByNumber, TellsTheTypeOfEveryPartition) {
+TEST(GetGptTypeByNumber, EveryPartition_ReturnsItsType) {
     const GUID types[] = {ORVOBOOT_GUID,
                           PARTITION_MSFT_RECOVERY_GUID,
                           PARTITION_SYSTEM_GUID,
@@ -58,7 +58,7 @@ TEST(GetGptTypeByNumber, TellsTheTypeOfEveryPartition) {
     }
 }
 
-TEST(GetGptTypeByNumber, MissingPartitionIsTraced) {
+TEST(GetGptTypeByNumber, MissingPartition_IsTraced) {
     VdsSession session(machine::FactoryGpt());
     GUID type = ORVOBOOT_GUID;
     EXPECT_FALSE(session->GetPartitionType(7, type));
@@ -68,7 +68,7 @@ TEST(GetGptTypeByNumber, MissingPartitionIsTraced) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(GetGptTypeByNumber, MbrPartitionIsTraced) {
+TEST(GetGptTypeByNumber, MbrPartition_IsTraced) {
     VdsSession session(machine::FactoryMbr());
     GUID type = ORVOBOOT_GUID;
     EXPECT_FALSE(session->GetPartitionType(1, type));
@@ -77,7 +77,7 @@ TEST(GetGptTypeByNumber, MbrPartitionIsTraced) {
                                      " VDS_PST_GPT != PartitionProp.PartitionStyle\n");
 }
 
-TEST(GetGptTypeByNumber, WhatCannotBeginIsTraced) {
+TEST(GetGptTypeByNumber, WhatCannotBegin_IsTraced) {
     GUID type = {};
     {
         machine::EmulatedPc pc(machine::FactoryGpt());
@@ -98,7 +98,7 @@ TEST(GetGptTypeByNumber, WhatCannotBeginIsTraced) {
               started + refusedPartitionsRecords + "4 " + method + " QueryPartitions return False\n");
 }
 
-TEST(GetMbrTypeByNumber, TellsTheIdOfEveryPartition) {
+TEST(GetMbrTypeByNumber, EveryPartition_ReturnsItsId) {
     const int ids[] = {MBR_ID_HIDDEN_RECOVERY, MBR_ID_NTFS, MBR_ID_NTFS, MBR_ID_BIOS_HIBERNATION};
     for (int number = 1; number <= 4; ++number) {
         VdsSession session(machine::FactoryMbr());
@@ -108,7 +108,7 @@ TEST(GetMbrTypeByNumber, TellsTheIdOfEveryPartition) {
     }
 }
 
-TEST(GetMbrTypeByNumber, FailsInSilenceWithNoId) {
+TEST(GetMbrTypeByNumber, UnreadablePartition_FailsInSilence) {
     const MbrType none{FALSE, 0xFF};
     {
         VdsSession session(machine::FactoryGpt());
@@ -137,23 +137,23 @@ TEST(GetMbrTypeByNumber, FailsInSilenceWithNoId) {
     EXPECT_EQ(id, 0xFF);
 }
 
-TEST(IsBIOSHibernationPartition, OnlyTheHibernationIdIsOne) {
+TEST(IsBIOSHibernationPartition, OnlyTheHibernationId_IsOne) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(session->IsBIOSHibernationPartition(0, 4));
-    ExpectTranscript(session.pc.journal, "vds/hibernation_partition");
+    ExpectTranscript(session.pc.journal);
     EXPECT_FALSE(session->IsBIOSHibernationPartition(0, 2));
     EXPECT_FALSE(session->IsBIOSHibernationPartition(0, 9));
     EXPECT_FALSE(session->IsBIOSHibernationPartition(1, 4));
 }
 
-TEST(IsBIOSHibernationPartition, GptPartitionIsNone) {
+TEST(IsBIOSHibernationPartition, GptPartition_IsNone) {
     GUID type = {};
     type.Data1 = MBR_ID_BIOS_HIBERNATION;  // the byte at the place of the ID
     VdsSession session(WithGptType(type));
     EXPECT_FALSE(session->IsBIOSHibernationPartition(0, 2));
 }
 
-TEST(IsNeedHidePartition, GptTypesOfTheMakerAndTheSystemAreHidden) {
+TEST(IsNeedHidePartition, GptTypesOfTheMakerAndTheSystem_AreHidden) {
     for (const GUID& type : {ORVOBOOT_GUID, PARTITION_SYSTEM_GUID, PARTITION_MSFT_RESERVED_GUID}) {
         EXPECT_TRUE(NeedsHiding(WithGptType(type), 2));
     }
@@ -163,7 +163,7 @@ TEST(IsNeedHidePartition, GptTypesOfTheMakerAndTheSystemAreHidden) {
     }
 }
 
-TEST(IsNeedHidePartition, MbrVolumeIsHiddenByItsLabelInAnyCase) {
+TEST(IsNeedHidePartition, MbrVolume_IsHiddenByItsLabelInAnyCase) {
     EXPECT_TRUE(NeedsHiding(WithLabel("System Reserved"), 2));
     EXPECT_TRUE(NeedsHiding(WithLabel("SYSTEM RESERVED"), 2));
     EXPECT_FALSE(NeedsHiding(WithLabel("System Reserved 2"), 2));
@@ -171,28 +171,28 @@ TEST(IsNeedHidePartition, MbrVolumeIsHiddenByItsLabelInAnyCase) {
     EXPECT_FALSE(NeedsHiding(WithLabel(""), 2));
 }
 
-TEST(IsNeedHidePartition, MbrPartitionWithoutAVolumeIsNotHidden) {
+TEST(IsNeedHidePartition, MbrPartitionWithoutAVolume_IsNotHidden) {
     EXPECT_FALSE(NeedsHiding(machine::FactoryMbr(), 1));
     EXPECT_FALSE(NeedsHiding(machine::FactoryMbr(), 4));
 }
 
-TEST(IsNeedHidePartition, PartitionThatDoesNotExistIsHidden) {
+TEST(IsNeedHidePartition, MissingPartition_IsHidden) {
     EXPECT_TRUE(NeedsHiding(machine::FactoryMbr(), 9));
 }
 
-TEST(IsNeedHidePartition, DiskThatDoesNotExistIsFalse) {
+TEST(IsNeedHidePartition, MissingDisk_IsFalse) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_FALSE(session->IsNeedHidePartition(3, 1));
 }
 
-TEST(IsNeedHidePartition, WritesOnlyWhatItsStepsWrite) {
+TEST(IsNeedHidePartition, FactoryMbr_WritesOnlyTheRecordsOfItsSteps) {
     VdsSession session(WithLabel("System Reserved"));
     EXPECT_TRUE(session->IsNeedHidePartition(0, 2));
-    ExpectTranscript(session.pc.journal, "vds/need_hide_mbr");
+    ExpectTranscript(session.pc.journal);
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(ChangePartitionType, GivesTheNewIdByForce) {
+TEST(ChangePartitionType, NewId_IsSetByForce) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(session->ChangePartitionType(2, MBR_ID_HIDDEN_RECOVERY));
     EXPECT_EQ(session.Partition(2).mbrType, MBR_ID_HIDDEN_RECOVERY);
@@ -203,7 +203,7 @@ TEST(ChangePartitionType, GivesTheNewIdByForce) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(ChangePartitionType, SameIdIsTrueWithoutACall) {
+TEST(ChangePartitionType, SameId_IsTrueWithoutACall) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(session->ChangePartitionType(1, MBR_ID_HIDDEN_RECOVERY));
     EXPECT_EQ(session.Records(), changeStarted + queryPartitionsRecords);
@@ -211,7 +211,7 @@ TEST(ChangePartitionType, SameIdIsTrueWithoutACall) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(ChangePartitionType, MissingPartitionIsAnError) {
+TEST(ChangePartitionType, MissingPartition_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_FALSE(session->ChangePartitionType(9, MBR_ID_NTFS));
     EXPECT_EQ(session.Records(),
@@ -219,7 +219,7 @@ TEST(ChangePartitionType, MissingPartitionIsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(ChangePartitionType, GptPartitionIsAnError) {
+TEST(ChangePartitionType, GptPartition_IsAnError) {
     VdsSession session(machine::FactoryGpt());
     EXPECT_FALSE(session->ChangePartitionType(2, MBR_ID_NTFS));
     EXPECT_EQ(session.Records(),
@@ -227,7 +227,7 @@ TEST(ChangePartitionType, GptPartitionIsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(ChangePartitionType, WhatCannotBeginIsAnError) {
+TEST(ChangePartitionType, WhatCannotBegin_IsAnError) {
     {
         machine::EmulatedPc pc(machine::FactoryMbr());
         CVDSPartition partition;
@@ -248,7 +248,7 @@ TEST(ChangePartitionType, WhatCannotBeginIsAnError) {
                                      " QueryPartitions FALSE == bReturn\n");
 }
 
-TEST(ChangePartitionType, DiskThatCannotBeHadIsAnError) {
+TEST(ChangePartitionType, DiskThatCannotBeHad_IsAnError) {
     struct Case {
         const char* call;
         uint32_t code;
@@ -270,7 +270,7 @@ TEST(ChangePartitionType, DiskThatCannotBeHadIsAnError) {
     }
 }
 
-TEST(ChangePartitionType, RefusedChangeIsAnErrorWhetherItWasMadeOrNot) {
+TEST(ChangePartitionType, RefusedChange_IsAnErrorWhetherItWasMadeOrNot) {
     for (const bool afterEffect : {false, true}) {
         VdsSession session(machine::FactoryMbr());
         session.Fail("IVdsAdvancedDisk2::ChangePartitionType", failure, 0, afterEffect);

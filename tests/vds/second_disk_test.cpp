@@ -35,14 +35,14 @@ machine::Disk CacheDisk(uint8_t type) {
 
 }  // namespace
 
-TEST(GetSecondInternalDriveNumber, IsTheSmallestDiskInWindowsPe) {
+TEST(GetSecondInternalDriveNumber, WindowsPe_ReturnsTheSmallestDisk) {
     VdsSession session(WindowsPe({PlainDisk(0, 3 * GiB), PlainDisk(2, GiB), PlainDisk(1, 2 * GiB)}));
     EXPECT_EQ(SecondDisk(session), 2);
-    ExpectTranscript(session.pc.journal, "vds/second_disk_smallest");
+    ExpectTranscript(session.pc.journal);
     EXPECT_EQ(session.Left(3), Holdings());
 }
 
-TEST(GetSecondInternalDriveNumber, OneDiskIsBothFirstAndSecond) {
+TEST(GetSecondInternalDriveNumber, OneDisk_IsBothFirstAndSecond) {
     VdsSession session(WindowsPe({PlainDisk(0)}));
     int first = -1;
     EXPECT_TRUE(session->GetFirstInternalDriveNumber(first));
@@ -51,28 +51,28 @@ TEST(GetSecondInternalDriveNumber, OneDiskIsBothFirstAndSecond) {
     EXPECT_NE(records.find(method + " TRUE == bFind. FirstDiskNumber ={int 0}"), std::string::npos);
 }
 
-TEST(GetSecondInternalDriveNumber, FirstOfEqualSizesIsTaken) {
+TEST(GetSecondInternalDriveNumber, FirstOfEqualSizes_IsTaken) {
     VdsSession session(WindowsPe({PlainDisk(1), PlainDisk(0)}));
     EXPECT_EQ(SecondDisk(session), 1);
 }
 
-TEST(GetSecondInternalDriveNumber, DiskWithoutASizeDoesNotCountAsSmallest) {
+TEST(GetSecondInternalDriveNumber, DiskWithoutASize_DoesNotCountAsSmallest) {
     VdsSession session(WindowsPe({PlainDisk(0, 0), PlainDisk(1, GiB)}));
     EXPECT_EQ(SecondDisk(session), 1);
 }
 
-TEST(GetSecondInternalDriveNumber, SizesAreComparedWithoutASign) {
+TEST(GetSecondInternalDriveNumber, Sizes_AreComparedWithoutASign) {
     VdsSession session(WindowsPe({PlainDisk(0, uint64_t{1} << 63), PlainDisk(1, GiB)}));
     EXPECT_EQ(SecondDisk(session), 1);
 }
 
-TEST(GetSecondInternalDriveNumber, InstalledWindowsHasNone) {
+TEST(GetSecondInternalDriveNumber, InstalledWindows_HasNone) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_EQ(SecondDisk(session), -1);
     EXPECT_EQ(session.Records(), started + endedWithNone);
 }
 
-TEST(GetSecondInternalDriveNumber, MissingServiceIsAnError) {
+TEST(GetSecondInternalDriveNumber, MissingService_IsAnError) {
     machine::EmulatedPc pc(machine::FactoryMbr());
     CVDSPartition partition;
     int number = 7;
@@ -81,7 +81,7 @@ TEST(GetSecondInternalDriveNumber, MissingServiceIsAnError) {
     EXPECT_EQ(Transcript(pc.journal), started + "1 " + method + " m_pVdsService is NULL\n" + endedWithNone);
 }
 
-TEST(GetSecondInternalDriveNumber, ServiceThatIsNotReadyIsAnError) {
+TEST(GetSecondInternalDriveNumber, ServiceNotReady_IsAnError) {
     VdsSession session(WindowsPe({PlainDisk(0)}));
     session.Fail("IVdsService::IsServiceReady", 1);
     EXPECT_EQ(SecondDisk(session), -1);
@@ -89,7 +89,7 @@ TEST(GetSecondInternalDriveNumber, ServiceThatIsNotReadyIsAnError) {
               started + "1 " + method + " IsServiceReady S_OK != hResult\n" + endedWithNone);
 }
 
-TEST(GetSecondInternalDriveNumber, DisksThatCannotBeListedAreAnError) {
+TEST(GetSecondInternalDriveNumber, DisksThatCannotBeListed_AreAnError) {
     VdsSession session(WindowsPe({PlainDisk(0)}));
     session.Fail("IVdsService::QueryUnallocatedDisks", failure);
     EXPECT_EQ(SecondDisk(session), -1);
@@ -103,7 +103,7 @@ TEST(GetSecondInternalDriveNumber, DisksThatCannotBeListedAreAnError) {
     EXPECT_EQ(session.Left(0), Holdings());
 }
 
-TEST(GetSecondInternalDriveNumber, DisksThatAreNotEligibleAreLeftOutAndUnreadableNamesTold) {
+TEST(GetSecondInternalDriveNumber, IneligibleDisks_AreLeftOutAndUnreadableNamesRecorded) {
     machine::Disk disc = PlainDisk(0, 1);
     disc.deviceType = 2;
     machine::Disk stick = PlainDisk(1, 2);
@@ -115,10 +115,10 @@ TEST(GetSecondInternalDriveNumber, DisksThatAreNotEligibleAreLeftOutAndUnreadabl
     VdsSession session(WindowsPe({disc, stick, nameless, strange, PlainDisk(4, GiB)}));
     session.pc.lastError = 8;
     EXPECT_EQ(SecondDisk(session), 4);
-    ExpectTranscript(session.pc.journal, "vds/second_disk_not_eligible");
+    ExpectTranscript(session.pc.journal);
 }
 
-TEST(GetSecondInternalDriveNumber, FinishedWalkWithoutADiskIsToldAsSuch) {
+TEST(GetSecondInternalDriveNumber, NoEligibleDisk_IsRecordedBehindTheWalk) {
     VdsSession session(WindowsPe({}));
     EXPECT_EQ(SecondDisk(session), -1);
     EXPECT_EQ(session.Records(), started + inWindowsPe +
@@ -127,7 +127,7 @@ TEST(GetSecondInternalDriveNumber, FinishedWalkWithoutADiskIsToldAsSuch) {
                                      endedWithNone);
 }
 
-TEST(QuerySecondPartitions, ListsTheSmallestDisk) {
+TEST(QuerySecondPartitions, WindowsPe_ListsTheSmallestDisk) {
     VdsSession session(machine::WinPeTwoDisks());
     VDS_PARTITION_PROP* partitions = nullptr;
     LONG count = 0;
@@ -135,11 +135,11 @@ TEST(QuerySecondPartitions, ListsTheSmallestDisk) {
     ASSERT_EQ(count, 1);
     EXPECT_EQ(partitions[0].Mbr.partitionType, MBR_ID_CACHE);
     CoTaskMemFree(partitions);
-    ExpectTranscript(session.pc.journal, "vds/query_second_partitions");
+    ExpectTranscript(session.pc.journal);
     EXPECT_EQ(session.Left(2), Holdings());
 }
 
-TEST(QuerySecondPartitions, InstalledWindowsHasNone) {
+TEST(QuerySecondPartitions, InstalledWindows_HasNone) {
     VdsSession session(machine::FactoryMbr());
     LONG count = 0;
     EXPECT_FALSE(QuerySecond(session, count));
@@ -162,7 +162,7 @@ const std::string secondDiskRecords =
 
 }  // namespace
 
-TEST(QuerySecondPartitions, DiskThatIsGoneIsAnError) {
+TEST(QuerySecondPartitions, MissingDisk_IsAnError) {
     VdsSession session(WindowsPe({CacheDisk(MBR_ID_CACHE)}));
     session.Fail("IVdsService::GetObject", 0x80042405);
     LONG count = 0;
@@ -177,7 +177,7 @@ TEST(QuerySecondPartitions, DiskThatIsGoneIsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QuerySecondPartitions, SuccessWithoutAnInterfaceIsAnError) {
+TEST(QuerySecondPartitions, SuccessWithoutAnInterface_IsAnError) {
     VdsSession session(WindowsPe({CacheDisk(MBR_ID_CACHE)}));
     session.Fail("IUnknown::QueryInterface", 0, 5);  // after two providers, a pack and a disk
     LONG count = 0;
@@ -189,7 +189,7 @@ TEST(QuerySecondPartitions, SuccessWithoutAnInterfaceIsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QuerySecondPartitions, DiskWithoutPartitionsIsAnError) {
+TEST(QuerySecondPartitions, DiskWithoutPartitions_IsAnError) {
     machine::Disk disk = CacheDisk(MBR_ID_CACHE);
     disk.partitions.clear();
     VdsSession session(WindowsPe({disk}));
@@ -205,7 +205,7 @@ TEST(QuerySecondPartitions, DiskWithoutPartitionsIsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(QuerySecondPartitions, SelectsNothing) {
+TEST(QuerySecondPartitions, WindowsPe_SelectsNothing) {
     VdsSession session(WindowsPe({PlainDisk(0, 2 * GiB), CacheDisk(MBR_ID_CACHE)}));
     ASSERT_TRUE(session->SelectDisk(0));
     session.Disk(0).partitions[0].number = 5;
@@ -216,14 +216,14 @@ TEST(QuerySecondPartitions, SelectsNothing) {
     EXPECT_EQ(numbers[0], 5);
 }
 
-TEST(IsCachePartitionForExpCacheExist, MbrCacheIsFound) {
+TEST(IsCachePartitionForExpCacheExist, MbrCache_IsFound) {
     VdsSession session(machine::WinPeTwoDisks());
     EXPECT_TRUE(session->IsCachePartitionForExpCacheExist());
-    ExpectTranscript(session.pc.journal, "vds/cache_partition_mbr");
+    ExpectTranscript(session.pc.journal);
     EXPECT_EQ(session.Left(2), Holdings());
 }
 
-TEST(IsCachePartitionForExpCacheExist, GptCacheIsFoundBehindOtherPartitions) {
+TEST(IsCachePartitionForExpCacheExist, GptCache_IsFoundBehindOtherPartitions) {
     machine::Disk disk = PlainDisk(1);
     disk.style = machine::PartitionStyle::Gpt;
     machine::Partition other = disk.partitions[0];
@@ -240,14 +240,14 @@ TEST(IsCachePartitionForExpCacheExist, GptCacheIsFoundBehindOtherPartitions) {
     EXPECT_EQ(session.Left(2), Holdings());
 }
 
-TEST(IsCachePartitionForExpCacheExist, OtherTypesAreNone) {
+TEST(IsCachePartitionForExpCacheExist, OtherTypes_AreNone) {
     VdsSession session(WindowsPe({CacheDisk(MBR_ID_NTFS)}));
     EXPECT_FALSE(session->IsCachePartitionForExpCacheExist());
-    ExpectTranscript(session.pc.journal, "vds/cache_partition_none");
+    ExpectTranscript(session.pc.journal);
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
-TEST(IsCachePartitionForExpCacheExist, FailedListIsAnError) {
+TEST(IsCachePartitionForExpCacheExist, FailedList_IsAnError) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_FALSE(session->IsCachePartitionForExpCacheExist());
     EXPECT_EQ(session.Records(),

@@ -21,7 +21,7 @@ HRESULT Connect(IVdsService*& service) {
 
 }  // namespace
 
-TEST(InitializeSecurity, AsksForImpersonation) {
+TEST(InitializeSecurity, FirstCall_SetsImpersonation) {
     Host host;
     EXPECT_EQ(CVDSEx::InitializeSecurity(), S_OK);
     const auto calls = host.pc.journal.Calls("CoInitializeSecurity");
@@ -32,7 +32,7 @@ TEST(InitializeSecurity, AsksForImpersonation) {
     EXPECT_EQ(Transcript(host.pc.journal), "");
 }
 
-TEST(InitializeSecurity, SetAlreadyIsSuccess) {
+TEST(InitializeSecurity, SetAlready_IsSuccess) {
     Host host;
     CVDSEx::InitializeSecurity();
     EXPECT_EQ(CVDSEx::InitializeSecurity(), S_OK);
@@ -40,14 +40,14 @@ TEST(InitializeSecurity, SetAlreadyIsSuccess) {
     EXPECT_EQ(CVDSEx::InitializeSecurity(), S_OK);
 }
 
-TEST(InitializeSecurity, AnotherFailureIsTold) {
+TEST(InitializeSecurity, OtherFailure_IsReturned) {
     Host host;
     host.pc.faults.Arm({.call = "CoInitializeSecurity", .code = accessDenied});
     EXPECT_EQ(CVDSEx::InitializeSecurity(), E_ACCESSDENIED);
     EXPECT_EQ(Transcript(host.pc.journal), "");
 }
 
-TEST(GetVdsService, HandsOutAReadyService) {
+TEST(GetVdsService, ReadyService_IsReturned) {
     Host host;
     IVdsService* service = nullptr;
     EXPECT_EQ(Connect(service), S_OK);
@@ -58,7 +58,7 @@ TEST(GetVdsService, HandsOutAReadyService) {
     EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsService"), 0u);
 }
 
-TEST(GetVdsService, AsksALocalServerForTheServiceOfThisPc) {
+TEST(GetVdsService, ReadyService_IsLoadedFromALocalServerForThisPc) {
     Host host;
     IVdsService* service = nullptr;
     ASSERT_EQ(Connect(service), S_OK);
@@ -69,7 +69,7 @@ TEST(GetVdsService, AsksALocalServerForTheServiceOfThisPc) {
               (std::vector<std::string>{""}));
 }
 
-TEST(GetVdsService, TellsTheFirstStepThatFailed) {
+TEST(GetVdsService, FailingStep_ReturnsItsCode) {
     for (const char* const call : {"CoCreateInstance", "IVdsServiceLoader::LoadService",
                                    "IVdsService::WaitForServiceReady", "IVdsService::IsServiceReady"}) {
         SCOPED_TRACE(call);
@@ -84,7 +84,7 @@ TEST(GetVdsService, TellsTheFirstStepThatFailed) {
     }
 }
 
-TEST(GetVdsService, ServiceThatIsStillStartingIsHandedOutWithItsCode) {
+TEST(GetVdsService, StartingService_IsReturnedWithItsCode) {
     Host host;
     host.pc.faults.Arm({.call = "IVdsService::IsServiceReady", .code = notReady});
     IVdsService* service = nullptr;
@@ -93,7 +93,7 @@ TEST(GetVdsService, ServiceThatIsStillStartingIsHandedOutWithItsCode) {
     service->Release();
 }
 
-TEST(GetVdsService, SuccessWithoutAnInterfaceIsAFailure) {
+TEST(GetVdsService, SuccessWithoutAnInterface_IsAFailure) {
     for (const char* const call : {"CoCreateInstance", "IVdsServiceLoader::LoadService"}) {
         SCOPED_TRACE(call);
         Host host;
@@ -105,7 +105,7 @@ TEST(GetVdsService, SuccessWithoutAnInterfaceIsAFailure) {
     }
 }
 
-TEST(Initialize, ConnectsAtTheFirstAttempt) {
+TEST(Initialize, ReadyService_ConnectsAtTheFirstAttempt) {
     Host host;
     {
         CVDSPartition partition;
@@ -118,7 +118,7 @@ TEST(Initialize, ConnectsAtTheFirstAttempt) {
     EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsService"), 0u);
 }
 
-TEST(Initialize, ServiceThatNeverBecomesReadyIsAskedTwentyTimes) {
+TEST(Initialize, ServiceNeverReady_IsAskedTwentyTimes) {
     Host host;
     host.pc.faults.Arm({.call = "IVdsService::IsServiceReady", .code = notReady});
     {
@@ -132,7 +132,7 @@ TEST(Initialize, ServiceThatNeverBecomesReadyIsAskedTwentyTimes) {
     EXPECT_EQ(host.pc.ledger.Outstanding().at("IVdsService"), 19);
 }
 
-TEST(Initialize, EachAttemptForgetsTheServiceOfTheOneBefore) {
+TEST(Initialize, EachAttempt_ForgetsTheServiceOfTheOneBefore) {
     Host host;
     host.pc.faults.Arm({.call = "IVdsService::IsServiceReady", .nth = 1, .code = notReady});
     host.pc.faults.Arm({.call = "CoCreateInstance", .nth = 2, .onwards = true, .code = accessDenied});
@@ -145,7 +145,7 @@ TEST(Initialize, EachAttemptForgetsTheServiceOfTheOneBefore) {
     EXPECT_EQ(host.pc.ledger.Outstanding().at("IVdsService"), 1);
 }
 
-TEST(Initialize, ServiceThatIsReadyAtTheLastAttemptIsEnough) {
+TEST(Initialize, ReadyAtTheLastAttempt_Succeeds) {
     Host host;
     for (uint32_t attempt = 1; attempt <= 19; ++attempt) {
         host.pc.faults.Arm({.call = "IVdsServiceLoader::LoadService", .nth = attempt, .code = accessDenied});
@@ -160,7 +160,7 @@ TEST(Initialize, ServiceThatIsReadyAtTheLastAttemptIsEnough) {
     EXPECT_EQ(host.pc.ledger.Outstanding().count("IVdsService"), 0u);
 }
 
-TEST(Initialize, WithoutSecurityTheServiceIsNotAskedFor) {
+TEST(Initialize, NoSecurity_ServiceIsNotLoaded) {
     Host host;
     host.pc.faults.Arm({.call = "CoInitializeSecurity", .code = accessDenied});
     CVDSPartition partition;
@@ -171,7 +171,7 @@ TEST(Initialize, WithoutSecurityTheServiceIsNotAskedFor) {
     EXPECT_EQ(host.pc.clockMilliseconds, 19'000u);
 }
 
-TEST(Initialize, SecuritySetByTheHostDoesNotStopTheConnection) {
+TEST(Initialize, SecuritySetByTheHost_DoesNotStopTheConnection) {
     Host host;
     host.pc.faults.Arm({.call = "CoInitializeSecurity", .code = tooLate});
     CVDSPartition partition;
@@ -179,7 +179,7 @@ TEST(Initialize, SecuritySetByTheHostDoesNotStopTheConnection) {
     EXPECT_EQ(host.pc.clockMilliseconds, 0u);
 }
 
-TEST(Initialize, SecondConnectionDropsTheFirst) {
+TEST(Initialize, SecondConnection_DropsTheFirst) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_TRUE(session->Initialize());
     EXPECT_EQ(session.Left(0), (Holdings{{"IVdsService", 1}}));
