@@ -1,6 +1,6 @@
 // Every platform call of the operations that give and take letters on demand fails in every way: the letter
-// returned is that of the partition, no other letter and no partition changes, and only the kept leftovers stay
-// on loan.
+// returned is that of the partition, no other letter and no partition changes, and only the kept leftovers
+// stay on loan.
 
 #include <gtest/gtest.h>
 

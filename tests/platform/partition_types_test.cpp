@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
+#include <ostream>
 #include <string>
 
 #include "base/guid.h"
@@ -21,6 +22,10 @@ struct Row {
     bool hidden = false;
     bool extended = false;
 };
+
+void PrintTo(const Row& row, std::ostream* out) {
+    *out << row.name;
+}
 
 const Row mbrRows[] = {
     {.name = "Fat12", .type = "1", .extent = VDS_DET_DATA},

@@ -130,7 +130,7 @@ TEST(Rooms, DesignPage_QuotesTheList) {
 TEST(Rooms, Folders_HaveAHandfulOfFiles) {
     const std::set<std::string> alternatives = {
         "diag",           "diag/framework_binding", "diag/module_binding",
-        "logging/memory", "machine/entry",       "machine/entry/linked"};
+        "logging/memory", "machine/entry",          "machine/entry/linked"};
     for (const auto& [room, includes] : RoomsOfSources()) {
         const auto files =
             std::count_if(fs::directory_iterator(sourceFolder / room), fs::directory_iterator(),

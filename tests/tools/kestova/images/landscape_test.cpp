@@ -120,8 +120,7 @@ TEST_F(Landscape, TwoImages_Letters_MapsThemToBothDisks) {
 TEST_F(Landscape, BitLockerImage_Run_FindsTheEncryptedVolume) {
     Take("bitlocker.img");
     EXPECT_THAT(
-        Shell("dd if=bitlocker.img bs=1M skip=41 count=80 status=none of=volume; blkid -p volume")
-            .output,
+        Shell("dd if=bitlocker.img bs=1M skip=41 count=80 status=none of=volume; blkid -p volume").output,
         HasSubstr("TYPE=\"BitLocker\""));
     const Outcome outcome =
         Kestova("--image bitlocker.img run -",
