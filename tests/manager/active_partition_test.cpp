@@ -298,23 +298,33 @@ TEST(SetRcvprtActive, FactoryMbr_WritesTheRecordBeforeTheFlagMoves) {
     EXPECT_EQ(Changes(application), (std::vector<std::string>{writeProfile, changeAttributes}));
 }
 
+struct NamedSwitch {
+    const char* name;
+    Switch operation;
+};
+
+void PrintTo(const NamedSwitch& named, std::ostream* out) {
+    *out << named.name;
+}
+
 // First the record goes, then the former flag is set again.
-class FailedSwitchToRecovery : public testing::TestWithParam<Switch> {};
+class FailedSwitchToRecovery : public testing::TestWithParam<NamedSwitch> {};
 
 TEST_P(FailedSwitchToRecovery, RefusedFlag_DeletesTheRecordBeforeTheFlagMovesBack) {
     Application application(Factory(3));
     application.pc.faults.Arm({.call = changeAttributes, .nth = 1, .code = refused});
-    ASSERT_EQ((application.kestova.*GetParam())(), 5);
+    ASSERT_EQ((application.kestova.*GetParam().operation)(), 5);
     EXPECT_EQ(Changes(application),
               (std::vector<std::string>{writeProfile, changeAttributes, "DeleteFileW", changeAttributes}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, FailedSwitchToRecovery,
-                         testing::Values(&Kestova::SetRcvprtActive, &Kestova::SetPOneActive),
-                         [](const auto& tested) {
-                             return tested.param == &Kestova::SetPOneActive ? "SetPOneActive"
-                                                                            : "SetRcvprtActive";
-                         });
+constexpr NamedSwitch toRecovery[] = {
+    {"SetRcvprtActive", &Kestova::SetRcvprtActive},
+    {"SetPOneActive", &Kestova::SetPOneActive},
+};
+
+INSTANTIATE_TEST_SUITE_P(Both, FailedSwitchToRecovery, testing::ValuesIn(toRecovery),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST(SetPOneActive, RecordOfAnyNumberButTwo_IsKept) {
     for (const int number : {-1, 0, 1, 4}) {
@@ -337,16 +347,7 @@ TEST(SetPOneActive, FileGoneAfterTheSwitch_Returns0AndRecordsItsPath) {
 
 // --- GPT, where nothing can be active ---
 
-struct OnGpt {
-    const char* name;
-    Switch operation;
-};
-
-void PrintTo(const OnGpt& onGpt, std::ostream* out) {
-    *out << onGpt.name;
-}
-
-class BootSwitchOnGpt : public testing::TestWithParam<OnGpt> {};
+class BootSwitchOnGpt : public testing::TestWithParam<NamedSwitch> {};
 
 TEST_P(BootSwitchOnGpt, FactoryGpt_Returns1AndChangesNothing) {
     Application application(machine::FactoryGpt());
@@ -356,7 +357,7 @@ TEST_P(BootSwitchOnGpt, FactoryGpt_Returns1AndChangesNothing) {
     ExpectTranscript(application.pc.journal);
 }
 
-constexpr OnGpt switches[] = {
+constexpr NamedSwitch switches[] = {
     {"set_rcvprt_active", &Kestova::SetRcvprtActive},
     {"set_system_active", &Kestova::SetSystemActive},
     {"set_p_one_active", &Kestova::SetPOneActive},
@@ -406,26 +407,33 @@ INSTANTIATE_TEST_SUITE_P(Every, BootSwitchWithoutVolumeLayer, testing::ValuesIn(
 
 // --- how the platform reports a partition without a letter ---
 
-class Letterless : public testing::TestWithParam<machine::Switches::Letterless> {};
+struct LetterlessAnswer {
+    const char* name;
+    machine::Switches::Letterless answer;
+};
+
+void PrintTo(const LetterlessAnswer& letterless, std::ostream* out) {
+    *out << letterless.name;
+}
+
+class Letterless : public testing::TestWithParam<LetterlessAnswer> {};
 
 TEST_P(Letterless, RecoveryPartition_SetRcvprtActive_AssignsALetter) {
     machine::Pc facts = Factory(2);
-    facts.switches.letterless = GetParam();
+    facts.switches.letterless = GetParam().answer;
     Application application(facts);
     EXPECT_EQ(application.kestova.SetRcvprtActive(), 0);
     EXPECT_EQ(PartitionOf(application.pc.facts, 1).volume->letters, "E");
     EXPECT_EQ(SystemVolumeIni(application.pc), Record(2));
 }
 
-std::string LetterlessName(const testing::TestParamInfo<machine::Switches::Letterless>& answer) {
-    constexpr const char* names[] = {"Fails", "Nul", "Zero"};
-    return names[static_cast<size_t>(answer.param)];
-}
+constexpr LetterlessAnswer letterlessAnswers[] = {
+    {"Fails", machine::Switches::Letterless::Fails},
+    {"Nul", machine::Switches::Letterless::Nul},
+    {"Zero", machine::Switches::Letterless::Zero},
+};
 
-INSTANTIATE_TEST_SUITE_P(Every, Letterless,
-                         testing::Values(machine::Switches::Letterless::Fails,
-                                         machine::Switches::Letterless::Nul,
-                                         machine::Switches::Letterless::Zero),
-                         LetterlessName);
+INSTANTIATE_TEST_SUITE_P(Every, Letterless, testing::ValuesIn(letterlessAnswers),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 }  // namespace

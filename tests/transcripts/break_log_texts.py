@@ -21,6 +21,17 @@ PRODUCT = ["diag", "device", "vds", "manager"]
 FAST = ["tests_device", "tests_vds", "tests_manager"]
 SLOW = ["tests_faults"]
 LIMIT = 5
+# No PC makes the library log these; the reason why. They are compared here.
+UNREACHED = {
+    r"Kestova::ActiveOrvoBootPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER.": "SetDriveLetter found a letter",
+    r"Kestova::ActiveGPTSystemPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER.": "SetDriveLetter found a letter",
+    r"Kestova Kestova::IsExistRecoveryPartition\tSelectPartition return false": "SelectPartition returns TRUE",
+    r"Kestova CVDSPartition::IsExistWinREPartition SelectPartition return false": "SelectPartition returns TRUE",
+    r"Kestova::GetVistaOSInfo   MBR Does not get os partition number": "only a GPT disk has a boot partition",
+    r"Kestova::GetVistaOSInfo   GPT Does not get os partition number": "the boot partition is 3 or missing",
+    r"Kestova::GetBitLockerSystemInfo\tNULL == m_pVDSPartition": "then there is no internal disk either",
+    r"Kestova::GetBitLockerSystemInfo\tGetDiskStyle ERROR_GET_DISK_STYLE": "fails only without a volume layer",
+}
 
 LITERAL = re.compile(r'TEXT\(\s*"((?:[^"\\]|\\.)+)"\)')
 STATEMENT = re.compile(r"LogRecord\(\s*\w+\s*\).*?;", re.S)
@@ -130,6 +141,25 @@ def break_text(tree, number):
     return not passed, files
 
 
+def report(texts, results):
+    """Prints what was found; 1 if anything is wrong, otherwise 0."""
+    silent = [text for text, (noticed, _) in zip(texts, results) if not noticed]
+    unnoticed = [text for text in silent if text.literal not in UNREACHED]
+    stale = UNREACHED.keys() - {text.literal for text in silent}
+    wide = [(text, files) for text, (_, files) in zip(texts, results) if len(files) > LIMIT]
+    most, text = max(((len(files), str(text)) for text, (_, files) in zip(texts, results)))
+    print(f"{len(texts)} texts broken, {len(texts) - len(silent)} noticed by a test, "
+          f"{len(silent) - len(unnoticed)} that no PC reaches")
+    print(f"at most {most} transcript files changed by one text: {text}")
+    for text in unnoticed:
+        print("UNNOTICED", text)
+    for literal in sorted(stale):
+        print("NOT IN THE CODE OR NOT UNREACHED", literal)
+    for text, files in wide:
+        print(f"{len(files)} FILES", text, *sorted(files))
+    return 1 if unnoticed or stale or wide else 0
+
+
 def main():
     folder = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else ROOT / "build/log-texts").resolve()
     tree = folder / "tree"
@@ -140,16 +170,7 @@ def main():
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         results = list(pool.map(lambda number: break_text(tree, number), range(len(texts))))
 
-    unnoticed = [text for text, (noticed, _) in zip(texts, results) if not noticed]
-    wide = [(text, files) for text, (_, files) in zip(texts, results) if len(files) > LIMIT]
-    most, text = max(((len(files), str(text)) for text, (_, files) in zip(texts, results)))
-    print(len(texts), "texts broken,", len(texts) - len(unnoticed), "noticed")
-    print(f"at most {most} transcript files changed by one text: {text}")
-    for text in unnoticed:
-        print("UNNOTICED", text)
-    for text, files in wide:
-        print(f"{len(files)} FILES", text, *sorted(files))
-    sys.exit(1 if unnoticed or wide else 0)
+    sys.exit(report(texts, results))
 
 
 if __name__ == "__main__":
