@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "machine/api/handles/file_handles.h"
 #include "machine/api/call/outcome.h"
+#include "machine/api/handles/file_handles.h"
 #include "machine/facts/volume_files.h"
 
 using namespace machine;

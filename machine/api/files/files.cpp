@@ -4,10 +4,10 @@
 #include <charconv>
 
 #include "base/text_case.h"
+#include "machine/api/call/outcome.h"
 #include "machine/api/files/redirection.h"
 #include "machine/api/handles/file_handles.h"
 #include "machine/api/handles/processes.h"
-#include "machine/api/call/outcome.h"
 
 using namespace machine;
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "machine/api/files/redirection.h"
 #include "machine/api/call/outcome.h"
+#include "machine/api/files/redirection.h"
 
 using namespace machine;
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "machine/api/call/outcome.h"
 #include "machine/api/files/profile_text.h"
 #include "machine/api/files/redirection.h"
-#include "machine/api/call/outcome.h"
 
 using namespace machine;
 

@@ -54,7 +54,8 @@ uint32_t TellVolume(EmulatedPc& pc, const std::string& root, const VolumeAnswers
 // DRIVE_NO_ROOT_DIR (1) for a letter without a volume and for any path other than a root; the backslash may
 // be missing. A null root is the drive of the host application. The last error is unchanged.
 extern "C" UINT WINAPI GetDriveTypeW(LPCWSTR root) {
-    const std::string path = root != nullptr ? ToUtf8(root) : EmulatedPc::Current().facts.host.path.substr(0, 2);
+    const std::string path =
+        root != nullptr ? ToUtf8(root) : EmulatedPc::Current().facts.host.path.substr(0, 2);
     return Answer<UINT>("GetDriveTypeW", {path}, [&](EmulatedPc& pc) -> UINT {
         if (!IsRoot(path, false)) return DRIVE_NO_ROOT_DIR;
         const LocatedVolume located = FindLetter(pc.facts, path[0]);

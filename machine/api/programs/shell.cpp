@@ -2,9 +2,9 @@
 // facts, and the effects of the batch appear when that time has passed.
 
 #include "base/text_case.h"
+#include "machine/api/call/outcome.h"
 #include "machine/api/files/redirection.h"
 #include "machine/api/handles/processes.h"
-#include "machine/api/call/outcome.h"
 #include "machine/api/programs/batch_file.h"
 #include "machine/journal/clock.h"
 
@@ -54,7 +54,8 @@ extern "C" BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info) {
     EmulatedPc& pc = EmulatedPc::Current();
     info->hInstApp = reinterpret_cast<HINSTANCE>(result ? started : static_cast<intptr_t>(pc.lastError));
     if (result && (info->fMask & SEE_MASK_NOCLOSEPROCESS) != 0 && pc.facts.shell.returnsProcess) {
-        info->hProcess = Processes::Of(pc).Open(pc, {file, pc.clockMilliseconds + pc.facts.shell.milliseconds});
+        info->hProcess =
+            Processes::Of(pc).Open(pc, {file, pc.clockMilliseconds + pc.facts.shell.milliseconds});
     }
     return result;
 }
