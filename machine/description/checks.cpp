@@ -118,7 +118,7 @@ bool Overlap(const Partition& left, const Partition& right) {
 }
 
 // Logical partitions are inside an extended one.
-bool LiesInside(const Partition& inner, const Partition& outer) {
+bool IsInside(const Partition& inner, const Partition& outer) {
     return IsExtended(outer) && inner.offset > outer.offset &&
            inner.offset + inner.size <= outer.offset + outer.size;
 }
@@ -134,7 +134,7 @@ void Checks::Extents(const Disk& disk, const std::string& place) const {
         for (size_t before = 0; before < index; ++before) {
             const Partition& other = disk.partitions[before];
             const bool apart =
-                !Overlap(partition, other) || LiesInside(partition, other) || LiesInside(other, partition);
+                !Overlap(partition, other) || IsInside(partition, other) || IsInside(other, partition);
             Require(apart, here + ".offset", "the partition overlaps " + PlaceOfEntry(place, before));
         }
     }

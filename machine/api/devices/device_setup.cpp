@@ -66,8 +66,8 @@ struct PropertyAnswer {
     DWORD* required;
 };
 
-uint32_t TellProperty(EmulatedPc& pc, HDEVINFO handle, const SP_DEVINFO_DATA* element, DWORD property,
-                      const PropertyAnswer& answer) {
+uint32_t ReturnProperty(EmulatedPc& pc, HDEVINFO handle, const SP_DEVINFO_DATA* element, DWORD property,
+                        const PropertyAnswer& answer) {
     const DeviceSet* const set = DeviceSets::Of(pc).Find(handle);
     if (set == nullptr) return ERROR_INVALID_HANDLE;
     const std::string* const id = FindElement(*set, element);
@@ -114,7 +114,7 @@ extern "C" BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, PSP_DEVIN
     return Answer<BOOL>(
         "SetupDiGetDeviceRegistryPropertyW", {std::to_string(property), std::to_string(size)},
         [&](EmulatedPc& pc) {
-            return Outcome(pc, TellProperty(pc, set, element, property, {type, buffer, size, required}));
+            return Outcome(pc, ReturnProperty(pc, set, element, property, {type, buffer, size, required}));
         });
 }
 

@@ -35,7 +35,7 @@ struct VolumeAnswers {
     DWORD fileSystemSize;
 };
 
-uint32_t TellVolume(EmulatedPc& pc, const std::string& root, const VolumeAnswers& answers) {
+uint32_t ReturnVolume(EmulatedPc& pc, const std::string& root, const VolumeAnswers& answers) {
     if (!IsRoot(root, true)) return ERROR_INVALID_NAME;
     const LocatedVolume located = FindLetter(pc.facts, root[0]);
     if (!located) return ERROR_PATH_NOT_FOUND;
@@ -72,8 +72,8 @@ extern "C" BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD l
     const std::string path = ToUtf8(root);
     return Answer<BOOL>("GetVolumeInformationW", {path}, [&](EmulatedPc& pc) {
         return Outcome(
-            pc,
-            TellVolume(pc, path, {label, labelSize, serial, longestName, flags, fileSystem, fileSystemSize}));
+            pc, ReturnVolume(pc, path,
+                             {label, labelSize, serial, longestName, flags, fileSystem, fileSystemSize}));
     });
 }
 

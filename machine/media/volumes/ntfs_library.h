@@ -2,6 +2,8 @@
 // `max` and a type BOOL: a source that includes them must not include the platform's headers.
 #pragma once
 
+#include <ctime>  // which ntfstime.h needs without including it
+
 extern "C" {
 #include <ntfs-3g/attrib.h>
 #include <ntfs-3g/device.h>
