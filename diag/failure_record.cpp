@@ -1,11 +1,7 @@
 #include "diag/failure_record.h"
 
-LONG LogFailure(int level, const FailureText& failure, LONG result) {
-    return LogFailure(level, failure, result, GetLastError());
-}
-
-LONG LogFailure(int level, const FailureText& failure, LONG result, DWORD lastError) {
-    if (failure.text == nullptr) return result;
+void RecordFailure(int level, const FailureText& failure, LONG result, DWORD lastError) {
+    if (failure.text == nullptr) return;
     LogRecord record(level);
     record.Text(failure.text);
     switch (failure.codes) {
@@ -24,10 +20,4 @@ LONG LogFailure(int level, const FailureText& failure, LONG result, DWORD lastEr
             record.Long(result).Text(failure.lastErrorLabel).ULong(lastError);
             break;
     }
-    return result;
-}
-
-LONG LogFailure(int level, const WCHAR* text, LONG result) {
-    LogRecord(level).Text(text);
-    return result;
 }

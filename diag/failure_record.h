@@ -18,10 +18,26 @@ struct FailureText {
     const WCHAR* lastErrorLabel = TEXT(" GetLastError = ");
 };
 
-// Writes the record and returns the result. Reads the calling thread's last error first, so call it right
-// after the failed call.
-LONG LogFailure(int level, const FailureText& failure, LONG result);
-// The same with a last error that the caller read before it called something else.
-LONG LogFailure(int level, const FailureText& failure, LONG result, DWORD lastError);
+// Writes the record of a failed call with that result and last error.
+void RecordFailure(int level, const FailureText& failure, LONG result, DWORD lastError);
+
+// Writes the record and returns the result, with a last error that the caller read before it called something
+// else.
+template <typename Result>
+Result LogFailure(int level, const FailureText& failure, Result result, DWORD lastError) {
+    RecordFailure(level, failure, static_cast<LONG>(result), lastError);
+    return result;
+}
+
+// The same with the calling thread's last error: call it right after the failed call.
+template <typename Result>
+Result LogFailure(int level, const FailureText& failure, Result result) {
+    return LogFailure(level, failure, result, GetLastError());
+}
+
 // Writes a record of text alone and returns the result.
-LONG LogFailure(int level, const WCHAR* text, LONG result);
+template <typename Result>
+Result LogFailure(int level, const WCHAR* text, Result result) {
+    LogRecord(level).Text(text);
+    return result;
+}

@@ -12,12 +12,7 @@ namespace machine {
 //
 //   load HKLM\NAME FILE    Mounts the keys of a hive file below a new key. On a described volume they are the
 //                          PC's `offlineSystemHive`, on a disk image what its `hiveReader` reads. 1 if the
-<<<<<<< HEAD
-//                          key exists, if the file is missing or not a hive, or if it is the running
-//                          system's.
-=======
 //                          key exists, and if the file is missing, not a hive, or in use.
->>>>>>> machine
 //   unload HKLM\NAME       Unmounts them. 1 if the key does not exist or was not mounted, and while a key at
 //                          or below it is open.
 //
