@@ -3,8 +3,8 @@
 
 #include "platform/windows_api.h"
 
-// Initialises COM, multithreaded, and uninitialises it at the end of the scope if that succeeded. Its members
-// are inline: include it only where CoInitializeEx is the call that the whole program uses.
+// Initialises COM, multithreaded, and uninitialises it at the end of the scope if that succeeded. Inline:
+// where CoInitializeEx is a macro, every source of the program that includes this must define it alike.
 class ComApartment {
   public:
     ComApartment() : result_(CoInitializeEx(nullptr, COINIT_MULTITHREADED)) {}

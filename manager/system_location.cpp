@@ -53,17 +53,17 @@ DWORD Kestova::GetBitLockerSystemInfo(int& disk, int& partition, WCHAR& letter) 
     if (internalDisk < 0) {
         return LogFailure(LOG_LEVEL_ERROR,
                           TEXT("Kestova::GetBitLockerSystemInfo\tGetFirstInternalDriveNumber error"),
-                          NO_INTERNAL_DISK);
+                          DWORD{NO_INTERNAL_DISK});
     }
     if (m_pVDSPartition == nullptr) {
         return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::GetBitLockerSystemInfo\tNULL == m_pVDSPartition"),
-                          NO_VOLUME_LAYER);
+                          DWORD{NO_VOLUME_LAYER});
     }
     THardDiskType style = HARD_DISK_UNKNOWN;
     if (!GetDiskStyle(style)) {
         return LogFailure(LOG_LEVEL_ERROR,
                           TEXT("Kestova::GetBitLockerSystemInfo\tGetDiskStyle ERROR_GET_DISK_STYLE"),
-                          ERROR_GET_DISK_STYLE);
+                          DWORD{ERROR_GET_DISK_STYLE});
     }
     GUID type = {};
     if (style == HARD_DISK_MBR) {
@@ -73,11 +73,11 @@ DWORD Kestova::GetBitLockerSystemInfo(int& disk, int& partition, WCHAR& letter) 
         if (!m_pVDSPartition->GetPartitionType(gpt_layout::efiSystem, type)) {
             return LogFailure(LOG_LEVEL_ERROR,
                               TEXT("Kestova::GetBitLockerSystemInfo\tGetPartitionType Error"),
-                              NO_SYSTEM_PARTITION_TYPE);
+                              DWORD{NO_SYSTEM_PARTITION_TYPE});
         }
     } else {
         return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::GetBitLockerSystemInfo\tDiskStyle is UNKNOWN"),
-                          UNKNOWN_DISK_STYLE);
+                          DWORD{UNKNOWN_DISK_STYLE});
     }
     if (type == PARTITION_SYSTEM_GUID) {
         disk = internalDisk;
@@ -99,7 +99,7 @@ DWORD Kestova::GetVistaOSInfo(int& disk, int& partition, WCHAR& letter) {
         if (!GetDiskStyle(style)) {
             return LogFailure(LOG_LEVEL_ERROR,
                               TEXT("Kestova::GetVistaOSInfo\tGetDiskStyle\tERROR_GET_DISK_STYLE"),
-                              ERROR_GET_DISK_STYLE);
+                              DWORD{ERROR_GET_DISK_STYLE});
         }
         int bootDisk = noDisk;
         int bootPartition = noPartition;
@@ -109,18 +109,18 @@ DWORD Kestova::GetVistaOSInfo(int& disk, int& partition, WCHAR& letter) {
         if (windows == nullptr) {
             LogNoWindowsPartition(style);
             const bool isKnownStyle = style == HARD_DISK_MBR || style == HARD_DISK_GPT;
-            return isKnownStyle ? code : static_cast<DWORD>(ERROR_GET_DISK_STYLE);
+            return isKnownStyle ? code : static_cast<DWORD>(DWORD{ERROR_GET_DISK_STYLE});
         }
         // Without an EFI system partition the disk is noDisk, and no letter is found.
         const WCHAR found = GetDriveLetter(bootDisk, windows->partition);
         if (found == noLetter) {
             return LogFailure(LOG_LEVEL_ERROR,
                               TEXT("Kestova::GetVistaOSInfo\tGetDriveLetter\tERROR_GET_DRIVE_LETTER"),
-                              ERROR_GET_DRIVE_LETTER);
+                              DWORD{ERROR_GET_DRIVE_LETTER});
         }
         if (!IsVistaOS(found)) {
             return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::GetVistaOSInfo\tIsVistaOS\tERROR_NO_EXIST_OS"),
-                              ERROR_NO_EXIST_OS);
+                              DWORD{ERROR_NO_EXIST_OS});
         }
         disk = bootDisk;
         partition = windows->partition;

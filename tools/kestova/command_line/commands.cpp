@@ -10,16 +10,16 @@
 
 namespace {
 
-void ShowRemark(const std::string& remark) {
-    if (!remark.empty()) std::cerr << "kestova: " << remark << "\n";
+void ShowMessage(const std::string& message) {
+    if (!message.empty()) std::cerr << "kestova: " << message << "\n";
 }
 
-// The exit status is that of a report which can be incomplete.
+// Shows a report and, on standard error, what it remarks and what it could not read, which is a failure.
 template <typename Report>
 int ShowWithProblem(const CommandLine& line, const Report& report) {
     Show(line, report);
-    ShowRemark(report.remark);
-    ShowRemark(report.problem);
+    ShowMessage(report.remark);
+    ShowMessage(report.problem);
     return report.problem.empty() ? Done : Failure;
 }
 
@@ -51,7 +51,7 @@ int Boot(const CommandLine& line) {
                        {.access = Access::Change, .showChanges = true, .run = [&](Session& session) -> int {
                             const OperationReport report = session.Call(operation, {});
                             Show(line, report);
-                            ShowRemark(ActiveFlagsRemark(session.Object()));
+                            ShowMessage(ActiveFlagsRemark(session.Object()));
                             return std::get<int>(report.result);
                         }});
     }
