@@ -84,6 +84,16 @@ TEST(Fold, TextBehindALabel_CountsAsAValue) {
     EXPECT_NE(withPath(TEXT("C:")), withPath(TEXT("D:")));
 }
 
+TEST(Fold, LabelBehindAnEmptyValue_IsNoValue) {
+    const auto withLabel = [](const WCHAR* label) {
+        std::vector<LogEntry> records = OneCall(TEXT("7"));
+        records[2] = Trace(
+            {Text(TEXT("Low::Ask path = ")), Text(TEXT("")), Text(label), Int(TEXT("2")), Text(TEXT(""))});
+        return Fold(records).hidden[0].name;
+    };
+    EXPECT_EQ(withLabel(TEXT(" size = ")), withLabel(TEXT(" length = ")));
+}
+
 TEST(Fold, CallInACall_IsFoldedThereAndHidden) {
     const FoldedLog folded =
         Fold({Trace(TEXT("High::Do Start")), Trace(TEXT("Mid::Find Start")), Trace(TEXT("Low::Ask Start")),

@@ -92,7 +92,8 @@ std::string ValuesOf(const LogEntry& record) {
     std::string values;
     bool behindText = false;
     for (const LogItem& item : record.items) {
-        const bool isValue = item.kind != LogItemKind::Text || (behindText && !item.text.empty());
+        const bool closes = &item == &record.items.back() && item.text.empty();
+        const bool isValue = item.kind != LogItemKind::Text || (behindText && !closes);
         if (isValue) values += (values.empty() ? "" : " ") + InBraces(item);
         behindText = !isValue;
     }

@@ -25,6 +25,10 @@ LIMIT = 5
 UNREACHED = {
     r"Kestova::ActiveOrvoBootPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER.": "SetDriveLetter found a letter",
     r"Kestova::ActiveGPTSystemPartition\tGetDriveLetter\tERROR_GET_DRIVE_LETTER.": "SetDriveLetter found a letter",
+    r"Kestova::GetSystemVolumeIni\tGetDriveLetter\tError": "SetDriveLetter found a letter",
+    r"Kestova::AssignRecoveryPartition\tIsExistRecoveryPartition return FALSE": "the search returns 1",
+    r"Kestova CVDSPartition::QuerySecondPartitions GetSecondInternalDriveNumber m_DiskNumber = -1":
+        "then GetSecondInternalDriveNumber returns FALSE",
     r"Kestova Kestova::IsExistRecoveryPartition\tSelectPartition return false": "SelectPartition returns TRUE",
     r"Kestova CVDSPartition::IsExistWinREPartition SelectPartition return false": "SelectPartition returns TRUE",
     r"Kestova::GetVistaOSInfo   MBR Does not get os partition number": "only a GPT disk has a boot partition",
