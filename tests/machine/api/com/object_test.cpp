@@ -49,7 +49,7 @@ TEST(References, ExtraRelease_IsAViolationWithTheInterface) {
         OpenDisk<IVdsDisk>(service.Get(), DiskId(service.Get(), "\\\\?\\PhysicalDrive1"), IID_IVdsDisk);
     Held<IVdsDisk> held =
         OpenDisk<IVdsDisk>(service.Get(), DiskId(service.Get(), "\\\\?\\PhysicalDrive0"), IID_IVdsDisk);
-    IVdsDisk* const disk = std::exchange(*held.Put(), nullptr);
+    IVdsDisk* const disk = held.Detach();
     EXPECT_EQ(disk->Release(), 0u);
     EXPECT_EQ(disk->Release(), 0u);
     EXPECT_EQ(client.pc.ledger.Violations(), (std::vector<std::string>{"IVdsDisk released too often"}));
@@ -59,7 +59,7 @@ TEST(References, ExtraRelease_IsAViolationWithTheInterface) {
 TEST(References, CallThroughReleasedInterface_IsAViolation) {
     ComClient client(machine::FactoryMbr());
     Held<IVdsService> held = LoadVds();
-    IVdsService* const service = std::exchange(*held.Put(), nullptr);
+    IVdsService* const service = held.Detach();
     service->Release();
     EXPECT_EQ(service->IsServiceReady(), S_OK);
     EXPECT_EQ(
