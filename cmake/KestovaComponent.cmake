@@ -1,9 +1,13 @@
-# kestova_component(FOLDER [USES FOLDER...]): the static library kestova_FOLDER of all sources in a folder. Slashes
-# in the folder's name become underscores in the target's.
+# kestova_component(FOLDER [ROOMS FOLDER...] [USES FOLDER...]): the static library kestova_FOLDER of all sources in a
+# folder and in those of its rooms that are named. Slashes in the folder's name become underscores in the target's.
 function(kestova_component folder)
-  cmake_parse_arguments(PARSE_ARGV 1 component "" "" "USES")
+  cmake_parse_arguments(PARSE_ARGV 1 component "" "" "ROOMS;USES")
   string(REPLACE "/" "_" target kestova_${folder})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/${folder}/*.h)
+  foreach(room IN LISTS component_ROOMS)
+    file(GLOB room_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/${room}/*.cpp)
+    list(APPEND sources ${room_sources})
+  endforeach()
   add_library(${target} STATIC ${sources})
   set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
   target_link_libraries(${target} PUBLIC kestova_platform)

@@ -1,6 +1,6 @@
 #include "tools/kestova/reports/letters.h"
 
-#include "manager/letter_map_failures.h"
+#include "manager/letter_map/letter_map_failures.h"
 
 namespace {
 

@@ -69,6 +69,6 @@ TEST(References, CallThroughReleasedInterface_IsAViolation) {
 
 TEST(References, Leaked_StaysInTheLedger) {
     ComClient client(machine::FactoryMbr());
-    *LoadVds().Put() = nullptr;
+    ASSERT_NE(LoadVds().Detach(), nullptr);
     EXPECT_EQ(client.OnLoan(), (Loans{{"IVdsService", 1}}));
 }

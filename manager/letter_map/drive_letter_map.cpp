@@ -13,7 +13,7 @@
 #include "diag/failure_record.h"
 #include "diag/module.h"
 #include "manager/kestova.h"
-#include "manager/letter_map_failures.h"
+#include "manager/letter_map/letter_map_failures.h"
 
 namespace {
 
