@@ -78,7 +78,7 @@ TEST(VariantClear, ReleasesAnInterface) {
     VARIANT variant;
     VariantInit(&variant);
     V_VT(&variant) = VT_UNKNOWN;
-    V_UNKNOWN(&variant) = std::exchange(*service.Put(), nullptr);
+    V_UNKNOWN(&variant) = service.Detach();
     EXPECT_EQ(VariantClear(&variant), S_OK);
     EXPECT_EQ(client.OnLoan(), Loans());
     V_VT(&variant) = VT_UNKNOWN;

@@ -49,7 +49,7 @@ TEST(References, OneReleaseTooManyIsAViolationThatNamesTheInterface) {
         OpenDisk<IVdsDisk>(service.Get(), DiskId(service.Get(), "\\\\?\\PhysicalDrive1"), IID_IVdsDisk);
     Held<IVdsDisk> held =
         OpenDisk<IVdsDisk>(service.Get(), DiskId(service.Get(), "\\\\?\\PhysicalDrive0"), IID_IVdsDisk);
-    IVdsDisk* const disk = std::exchange(*held.Put(), nullptr);
+    IVdsDisk* const disk = held.Detach();
     EXPECT_EQ(disk->Release(), 0u);
     EXPECT_EQ(disk->Release(), 0u);
     EXPECT_EQ(client.pc.ledger.Violations(), (std::vector<std::string>{"IVdsDisk released too often"}));
@@ -59,7 +59,7 @@ TEST(References, OneReleaseTooManyIsAViolationThatNamesTheInterface) {
 TEST(References, ACallThroughAReleasedInterfaceIsAViolation) {
     ComClient client(machine::FactoryMbr());
     Held<IVdsService> held = LoadVds();
-    IVdsService* const service = std::exchange(*held.Put(), nullptr);
+    IVdsService* const service = held.Detach();
     service->Release();
     EXPECT_EQ(service->IsServiceReady(), S_OK);
     EXPECT_EQ(
@@ -69,6 +69,6 @@ TEST(References, ACallThroughAReleasedInterfaceIsAViolation) {
 
 TEST(References, ALeakedOneStaysInTheLedger) {
     ComClient client(machine::FactoryMbr());
-    *LoadVds().Put() = nullptr;
+    LoadVds().Detach();
     EXPECT_EQ(client.OnLoan(), (Loans{{"IVdsService", 1}}));
 }
