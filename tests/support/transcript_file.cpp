@@ -16,19 +16,6 @@ namespace {
 
 const std::string title = "== ";
 
-bool ComesBefore(const TranscriptSection& left, const TranscriptSection& right) {
-    const auto rank = [](const TranscriptSection& section) {
-        return std::tuple(IsFoldedCall(section.name), section.name, section.text);
-    };
-    return rank(left) < rank(right);
-}
-
-void Write(const std::filesystem::path& path, const std::vector<TranscriptSection>& sections) {
-    std::ofstream file(path, std::ios::binary);
-    for (const TranscriptSection& section : sections)
-        file << title << section.name << "\n" << section.text << "\n";
-}
-
 }  // namespace
 
 std::vector<TranscriptSection> ReadTranscripts(const std::filesystem::path& path) {
@@ -49,6 +36,23 @@ void RecordTranscript(const std::filesystem::path& path, const TranscriptSection
     ADD_FAILURE() << "transcripts are recorded on Linux only: " << path;
 }
 #else
+namespace {
+
+bool ComesBefore(const TranscriptSection& left, const TranscriptSection& right) {
+    const auto rank = [](const TranscriptSection& section) {
+        return std::tuple(IsFoldedCall(section.name), section.name, section.text);
+    };
+    return rank(left) < rank(right);
+}
+
+void Write(const std::filesystem::path& path, const std::vector<TranscriptSection>& sections) {
+    std::ofstream file(path, std::ios::binary);
+    for (const TranscriptSection& section : sections)
+        file << title << section.name << "\n" << section.text << "\n";
+}
+
+}  // namespace
+
 void RecordTranscript(const std::filesystem::path& path, const TranscriptSection& section) {
     std::filesystem::create_directories(path.parent_path());
     const int lock = open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY);
