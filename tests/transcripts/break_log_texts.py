@@ -120,8 +120,7 @@ def altered_copy(tree):
 
 
 def build(tree):
-    launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
-    subprocess.run(["cmake", "--preset", "linux", *launcher], cwd=tree, check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(["cmake", "--preset", "linux", "-DKESTOVA_TESTS=ON"], cwd=tree, check=True, stdout=subprocess.DEVNULL)
     subprocess.run(["cmake", "--build", "build/linux", "--target", *FAST, *SLOW], cwd=tree, check=True,
                    stdout=subprocess.DEVNULL)
 

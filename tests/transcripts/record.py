@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Records all transcripts anew, or checks that every file and every section is compared by a test.
 
-    record.py TESTS [--check]     TESTS: the folder of the test programs, such as build/linux/tests
+    record.py TESTS [--check]     TESTS: the folder of the test programs, such as build/sanitize/tests
 
 Without --check the files beside this script are replaced: read the difference as critically as code. With it
 the tests record into an empty folder, and a file or section that is missing there, or differs, is shown.
