@@ -32,6 +32,8 @@ inline constexpr GUID PARTITION_LDM_DATA_GUID = {
     0xaf9b60a0, 0x1431, 0x4f62, {0xbc, 0x68, 0x33, 0x11, 0x71, 0x4a, 0x69, 0xad}};
 
 // What is known about a type: a BYTE for an MBR ID, a GUID for a GPT type.
+// A row begins with its type; eight bytes of padding are worth that.
+// NOLINTBEGIN(clang-analyzer-optin.performance.Padding)
 template <typename Type>
 struct PartitionType {
     Type type;
@@ -42,6 +44,7 @@ struct PartitionType {
     bool hidden = false;    // CVDSPartition::IsNeedHidePartition; GPT only, on MBR the label decides
     bool extended = false;  // an extended partition, which only holds logical ones; MBR only
 };
+// NOLINTEND(clang-analyzer-optin.performance.Padding)
 
 inline constexpr PartitionType<BYTE> mbrPartitionTypes[] = {
     {.type = 0x01, .extent = VDS_DET_DATA},  // FAT12
