@@ -50,7 +50,7 @@ int ReadCount(const Parameter& parameter, const std::string& word) {
 
 // "C" or "C:", upper or lower case.
 std::string ReadLetter(const Parameter& parameter, const std::string& word) {
-    const std::string letter = UpperCase(word.ends_with(':') ? word.substr(0, word.size() - 1) : word);
+    std::string letter = UpperCase(word.ends_with(':') ? word.substr(0, word.size() - 1) : word);
     if (letter.size() != 1 || letter[0] < 'A' || letter[0] > 'Z') {
         throw WrongUse(parameter.name + ": '" + word + "' is not a letter from A to Z");
     }

@@ -115,7 +115,7 @@ std::string CallText(const OperationReport& report) {
     std::string arguments;
     for (const auto& [name, value] : report.arguments)
         arguments += (arguments.empty() ? "" : ", ") + Plain(value);
-    const std::string text = "(" + arguments + ")";
+    std::string text = "(" + arguments + ")";
     if (IsNothing(report.result)) return text;
     const Operation& operation = *report.operation;
     return text + " = " + ValueText(report.result, operation.results, operation.otherwise);
