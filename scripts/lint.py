@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Runs the linter over the files that have changed since they last passed it.
 
-usage: lint.py [--all] BUILD FOLDER...
+usage: lint.py [--all] [--since COMMIT] BUILD FOLDER...
 
 BUILD is a folder with compile_commands.json and the dependencies that ninja recorded. The files are those of the folders
 that git tracks and that BUILD compiles; a header is linted through a source that includes it. A file that passed is
 remembered by its contents, the linter's version and its configuration, below $XDG_CACHE_HOME (~/.cache); --all forgets
-that. What a changed header does to an unchanged source is therefore only seen with --all.
+that. What a changed header does to an unchanged source is therefore only seen with --all. With --since only what differs
+from that commit is looked at.
 """
 import argparse
 import collections
@@ -108,12 +109,14 @@ def choose_sources(pending, commands, headers):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--all", action="store_true", help="also what passed before")
+    parser.add_argument("--since", metavar="COMMIT", help="only what differs from this commit")
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("folders", nargs="+")
     arguments = parser.parse_args()
     build = arguments.build.resolve()
 
-    files = [ROOT / name for name in output_of("git", "ls-files", "--", *arguments.folders).splitlines()]
+    listing = ["diff", "--name-only", arguments.since] if arguments.since else ["ls-files"]
+    files = [ROOT / name for name in output_of("git", *listing, "--", *arguments.folders).splitlines()]
     files = [file for file in files if file.suffix in (".h", ".cpp") and file.exists()]
     passed = Passed()
     pending = [file for file in files if arguments.all or not passed.holds(file)]
