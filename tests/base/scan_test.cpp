@@ -17,6 +17,10 @@ struct Reading {
     int second;  // 77: unchanged
 };
 
+void PrintTo(const Reading& reading, std::ostream* out) {
+    *out << reading.name;
+}
+
 class ScanNumbersTable : public testing::TestWithParam<Reading> {};
 
 TEST_P(ScanNumbersTable, Text_ScanNumbers_MatchesThePlatform) {

@@ -1,8 +1,8 @@
 #include "tests/support/folded_log.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "base/hexadecimal.h"
 #include "tests/support/record_line.h"
 
 namespace {
@@ -81,9 +81,7 @@ std::string ChecksumOf(const std::string& text) {
     uint32_t sum = 0x811C9DC5;
     for (const char unit : text)
         sum = (sum ^ static_cast<unsigned char>(unit)) * 0x01000193;
-    char digits[9];
-    std::snprintf(digits, sizeof digits, "%08x", static_cast<unsigned>(sum));
-    return digits;
+    return Hex(sum, 8, HexDigits::Lower).substr(2);
 }
 
 std::string FoldedLine(const Node& call, const std::string& name) {

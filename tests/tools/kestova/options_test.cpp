@@ -25,6 +25,10 @@ struct Mistake {
     const char* message;
 };
 
+void PrintTo(const Mistake& mistake, std::ostream* out) {
+    *out << mistake.name;
+}
+
 class WrongUse : public ProgramTest, public testing::WithParamInterface<Mistake> {};
 
 TEST_P(WrongUse, CommandLine_Run_FailsWithAMessageOnStandardErrorOnly) {

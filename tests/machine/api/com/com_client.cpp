@@ -1,19 +1,19 @@
 #include "tests/machine/api/com/com_client.h"
 
-Held<IVdsService> LoadVds() {
-    Held<IVdsServiceLoader> loader;
+ComPtr<IVdsService> LoadVds() {
+    ComPtr<IVdsServiceLoader> loader;
     EXPECT_EQ(CoCreateInstance(CLSID_VdsLoader, nullptr, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader,
                                reinterpret_cast<void**>(loader.Put())),
               S_OK);
-    Held<IVdsService> service;
+    ComPtr<IVdsService> service;
     EXPECT_EQ(loader->LoadService(nullptr, service.Put()), S_OK);
     return service;
 }
 
-std::vector<Held<IUnknown>> AllOf(IEnumVdsObject* list) {
-    std::vector<Held<IUnknown>> objects;
+std::vector<ComPtr<IUnknown>> AllOf(IEnumVdsObject* list) {
+    std::vector<ComPtr<IUnknown>> objects;
     while (true) {
-        Held<IUnknown> object;
+        ComPtr<IUnknown> object;
         ULONG fetched = 0;
         if (list->Next(1, object.Put(), &fetched) != S_OK) return objects;
         objects.push_back(std::move(object));
@@ -36,21 +36,21 @@ std::string PackLine(IVdsPack* pack) {
     std::string line =
         "pack " + ToUtf8(properties.pwszName) + " (" + std::to_string(properties.status) + "):";
     CoTaskMemFree(properties.pwszName);
-    Held<IEnumVdsObject> disks;
+    ComPtr<IEnumVdsObject> disks;
     EXPECT_EQ(pack->QueryDisks(disks.Put()), S_OK);
-    for (const Held<IUnknown>& disk : AllOf(disks.Get()))
+    for (const ComPtr<IUnknown>& disk : AllOf(disks.Get()))
         line += " " + DiskName(disk.Get());
     return line;
 }
 
-std::vector<Held<IVdsPack>> PacksOf(IVdsService* service, size_t provider) {
-    Held<IEnumVdsObject> providers;
+std::vector<ComPtr<IVdsPack>> PacksOf(IVdsService* service, size_t provider) {
+    ComPtr<IEnumVdsObject> providers;
     EXPECT_EQ(service->QueryProviders(VDS_QUERY_SOFTWARE_PROVIDERS, providers.Put()), S_OK);
-    const std::vector<Held<IUnknown>> all = AllOf(providers.Get());
-    Held<IEnumVdsObject> list;
+    const std::vector<ComPtr<IUnknown>> all = AllOf(providers.Get());
+    ComPtr<IEnumVdsObject> list;
     EXPECT_EQ(Ask<IVdsSwProvider>(all.at(provider).Get(), IID_IVdsSwProvider)->QueryPacks(list.Put()), S_OK);
-    std::vector<Held<IVdsPack>> packs;
-    for (const Held<IUnknown>& pack : AllOf(list.Get()))
+    std::vector<ComPtr<IVdsPack>> packs;
+    for (const ComPtr<IUnknown>& pack : AllOf(list.Get()))
         packs.push_back(Ask<IVdsPack>(pack.Get(), IID_IVdsPack));
     return packs;
 }
@@ -58,28 +58,28 @@ std::vector<Held<IVdsPack>> PacksOf(IVdsService* service, size_t provider) {
 }  // namespace
 
 std::vector<std::string> UnallocatedDisks(IVdsService* service) {
-    Held<IEnumVdsObject> list;
+    ComPtr<IEnumVdsObject> list;
     EXPECT_EQ(service->QueryUnallocatedDisks(list.Put()), S_OK);
     std::vector<std::string> names;
-    for (const Held<IUnknown>& disk : AllOf(list.Get()))
+    for (const ComPtr<IUnknown>& disk : AllOf(list.Get()))
         names.push_back(DiskName(disk.Get()));
     return names;
 }
 
 std::vector<std::string> PackLines(IVdsService* service) {
     std::vector<std::string> lines;
-    for (const Held<IVdsPack>& pack : PacksOf(service, 0))
+    for (const ComPtr<IVdsPack>& pack : PacksOf(service, 0))
         lines.push_back("basic: " + PackLine(pack.Get()));
-    for (const Held<IVdsPack>& pack : PacksOf(service, 1))
+    for (const ComPtr<IVdsPack>& pack : PacksOf(service, 1))
         lines.push_back("dynamic: " + PackLine(pack.Get()));
     return lines;
 }
 
 VDS_OBJECT_ID DiskId(IVdsService* service, const std::string& name) {
-    for (const Held<IVdsPack>& pack : PacksOf(service, 0)) {
-        Held<IEnumVdsObject> disks;
+    for (const ComPtr<IVdsPack>& pack : PacksOf(service, 0)) {
+        ComPtr<IEnumVdsObject> disks;
         EXPECT_EQ(pack->QueryDisks(disks.Put()), S_OK);
-        for (const Held<IUnknown>& disk : AllOf(disks.Get())) {
+        for (const ComPtr<IUnknown>& disk : AllOf(disks.Get())) {
             if (DiskName(disk.Get()) != name) continue;
             VDS_DISK_PROP properties{};
             EXPECT_EQ(Ask<IVdsDisk>(disk.Get(), IID_IVdsDisk)->GetProperties(&properties), S_OK);
@@ -135,12 +135,12 @@ VDS_OBJECT_ID DiskClient::VolumeId(uint32_t number) const {
     return GUID_NULL;
 }
 
-Held<IWbemServices> ConnectWmi(const std::string& space) {
-    Held<IWbemLocator> locator;
+ComPtr<IWbemServices> ConnectWmi(const std::string& space) {
+    ComPtr<IWbemLocator> locator;
     EXPECT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
                                reinterpret_cast<void**>(locator.Put())),
               S_OK);
-    Held<IWbemServices> services;
+    ComPtr<IWbemServices> services;
     EXPECT_EQ(locator->ConnectServer(SystemString(space).Get(), nullptr, nullptr, nullptr, 0, nullptr,
                                      nullptr, services.Put()),
               S_OK);
@@ -160,11 +160,11 @@ std::string TextOf(IWbemClassObject* object, const std::string& name) {
 
 std::vector<std::vector<std::string>> InstancesOf(IWbemServices* services, const std::string& className,
                                                   const std::vector<std::string>& names) {
-    Held<IEnumWbemClassObject> list;
+    ComPtr<IEnumWbemClassObject> list;
     EXPECT_EQ(services->CreateInstanceEnum(SystemString(className).Get(), 48, nullptr, list.Put()), S_OK);
     std::vector<std::vector<std::string>> instances;
     while (true) {
-        Held<IWbemClassObject> object;
+        ComPtr<IWbemClassObject> object;
         ULONG returned = 0;
         if (list->Next(static_cast<LONG>(WBEM_INFINITE), 1, object.Put(), &returned) != S_OK)
             return instances;

@@ -14,9 +14,6 @@
 #include "machine/journal/emulated_pc.h"
 #include "platform/vds.h"
 
-template <typename Interface>
-using Held = ComPtr<Interface>;
-
 // A PC and a client of its COM runtime. `OnLoan` does not count the apartment.
 class ComClient {
   public:
@@ -37,17 +34,17 @@ using Loans = std::map<std::string, int>;
 
 // Another interface of the same object; fails the test if there is none.
 template <typename Interface>
-Held<Interface> Ask(IUnknown* object, REFIID iid) {
-    Held<Interface> asked;
+ComPtr<Interface> Ask(IUnknown* object, REFIID iid) {
+    ComPtr<Interface> asked;
     EXPECT_EQ(object->QueryInterface(iid, reinterpret_cast<void**>(asked.Put())), S_OK);
     return asked;
 }
 
 // --- Virtual Disk Service ---
 
-Held<IVdsService> LoadVds();
+ComPtr<IVdsService> LoadVds();
 // The remaining objects of the enumeration.
-std::vector<Held<IUnknown>> AllOf(IEnumVdsObject* list);
+std::vector<ComPtr<IUnknown>> AllOf(IEnumVdsObject* list);
 // The unallocated disks, by VDS name.
 std::vector<std::string> UnallocatedDisks(IVdsService* service);
 // The packs of the providers with the names of their disks: "basic: pack data (4): \\?\PhysicalDrive1".
@@ -56,10 +53,10 @@ std::vector<std::string> PackLines(IVdsService* service);
 VDS_OBJECT_ID DiskId(IVdsService* service, const std::string& name);
 // An interface of the disk with that id.
 template <typename Interface>
-Held<Interface> OpenDisk(IVdsService* service, VDS_OBJECT_ID id, REFIID iid) {
-    Held<IUnknown> object;
+ComPtr<Interface> OpenDisk(IVdsService* service, VDS_OBJECT_ID id, REFIID iid) {
+    ComPtr<IUnknown> object;
     EXPECT_EQ(service->GetObject(id, VDS_OT_DISK, object.Put()), S_OK);
-    return object.Get() != nullptr ? Ask<Interface>(object.Get(), iid) : Held<Interface>();
+    return object.Get() != nullptr ? Ask<Interface>(object.Get(), iid) : ComPtr<Interface>();
 }
 // Frees the five strings of the record.
 void FreeStrings(VDS_DISK_PROP& properties);
@@ -77,10 +74,10 @@ class DiskClient : public ComClient {
     // The volume id of the partition's extent; GUID_NULL if it has none.
     VDS_OBJECT_ID VolumeId(uint32_t number) const;
 
-    Held<IVdsService> service;
-    Held<IVdsDisk> disk;
-    Held<IVdsAdvancedDisk> advanced;
-    Held<IVdsAdvancedDisk2> advanced2;
+    ComPtr<IVdsService> service;
+    ComPtr<IVdsDisk> disk;
+    ComPtr<IVdsAdvancedDisk> advanced;
+    ComPtr<IVdsAdvancedDisk2> advanced2;
 };
 
 // --- WMI ---
@@ -91,7 +88,7 @@ class SystemString : public Bstr {
     explicit SystemString(const std::string& text) : Bstr(SysAllocString(ToWide(text).c_str())) {}
 };
 
-Held<IWbemServices> ConnectWmi(const std::string& space = "\\\\.\\root\\CIMV2");
+ComPtr<IWbemServices> ConnectWmi(const std::string& space = "\\\\.\\root\\CIMV2");
 // The text of a property; "null" if absent, "?" for other types and on failure.
 std::string TextOf(IWbemClassObject* object, const std::string& name);
 // All instances of a class as texts of the named properties.

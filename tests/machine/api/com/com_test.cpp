@@ -88,7 +88,7 @@ TEST(CoCreateInstance, UnknownClassOrContext_Fails) {
 
 TEST(CoCreateInstance, AggregationOrUnknownInterface_Fails) {
     ComClient client(machine::FactoryMbr());
-    const Held<IVdsService> outer = LoadVds();
+    const ComPtr<IVdsService> outer = LoadVds();
     EXPECT_EQ(Create(CLSID_VdsLoader, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader, outer.Get()),
               CLASS_E_NOAGGREGATION);
     EXPECT_EQ(Create(CLSID_VdsLoader, CLSCTX_LOCAL_SERVER, IID_IVdsDisk), E_NOINTERFACE);
@@ -115,7 +115,7 @@ TEST(CoCreateInstance, AnyClass_JournalsItsName) {
 
 TEST(CoSetProxyBlanket, LocalObject_Fails) {
     ComClient client(machine::FactoryMbr());
-    Held<IWbemLocator> locator;
+    ComPtr<IWbemLocator> locator;
     ASSERT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
                                reinterpret_cast<void**>(locator.Put())),
               S_OK);

@@ -21,14 +21,14 @@ class FaultClient : public DiskClient {
         CoCreateInstance(CLSID_VdsLoader, nullptr, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader,
                          reinterpret_cast<void**>(loader.Put()));
         service->QueryProviders(VDS_QUERY_SOFTWARE_PROVIDERS, list.Put());
-        Held<IUnknown> object;
+        ComPtr<IUnknown> object;
         ULONG fetched = 0;
         list->Next(1, object.Put(), &fetched);
         provider = Ask<IVdsSwProvider>(object.Get(), IID_IVdsSwProvider);
-        Held<IEnumVdsObject> packs;
+        ComPtr<IEnumVdsObject> packs;
         provider->QueryPacks(packs.Put());
         pack = Ask<IVdsPack>(AllOf(packs.Get()).at(0).Get(), IID_IVdsPack);
-        Held<IUnknown> volumeObject;
+        ComPtr<IUnknown> volumeObject;
         service->GetObject(VolumeId(2), VDS_OT_VOLUME, volumeObject.Put());
         volume = Ask<IVdsVolumeMF>(volumeObject.Get(), IID_IVdsVolumeMF);
         CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
@@ -40,16 +40,16 @@ class FaultClient : public DiskClient {
 
     uint64_t Offset() { return Partition(1).offset; }
 
-    Held<IVdsServiceLoader> loader;
-    Held<IEnumVdsObject> list;
-    Held<IVdsSwProvider> provider;
-    Held<IVdsPack> pack;
-    Held<IVdsVolumeMF> volume;
+    ComPtr<IVdsServiceLoader> loader;
+    ComPtr<IEnumVdsObject> list;
+    ComPtr<IVdsSwProvider> provider;
+    ComPtr<IVdsPack> pack;
+    ComPtr<IVdsVolumeMF> volume;
     SystemString className{"Win32_DiskDrive"};
-    Held<IWbemLocator> locator;
-    Held<IWbemServices> wmi;
-    Held<IEnumWbemClassObject> instances;
-    Held<IWbemClassObject> definition;
+    ComPtr<IWbemLocator> locator;
+    ComPtr<IWbemServices> wmi;
+    ComPtr<IEnumWbemClassObject> instances;
+    ComPtr<IWbemClassObject> definition;
 };
 
 struct Row {

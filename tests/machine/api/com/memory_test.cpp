@@ -74,7 +74,7 @@ TEST(VariantClear, String_IsFreed) {
 
 TEST(VariantClear, Interface_IsReleased) {
     ComClient client(machine::FactoryMbr());
-    Held<IVdsService> service = LoadVds();
+    ComPtr<IVdsService> service = LoadVds();
     VARIANT variant;
     VariantInit(&variant);
     V_VT(&variant) = VT_UNKNOWN;

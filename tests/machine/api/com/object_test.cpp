@@ -4,7 +4,7 @@
 
 TEST(QueryInterface, Disk_HasTheInterfacesOfDiskAndPartitions) {
     DiskClient client(machine::FactoryMbr());
-    const Held<IUnknown> identity = Ask<IUnknown>(client.disk.Get(), IID_IUnknown);
+    const ComPtr<IUnknown> identity = Ask<IUnknown>(client.disk.Get(), IID_IUnknown);
     EXPECT_EQ(Ask<IUnknown>(client.advanced.Get(), IID_IUnknown).Get(), identity.Get());
     EXPECT_EQ(Ask<IUnknown>(client.advanced2.Get(), IID_IUnknown).Get(), identity.Get());
     EXPECT_EQ(Ask<IVdsDisk>(identity.Get(), IID_IVdsDisk).Get(), client.disk.Get());
@@ -44,10 +44,10 @@ TEST(References, SeveralInterfaces_AreCountedByName) {
 
 TEST(References, ExtraRelease_IsAViolationWithTheInterface) {
     ComClient client(machine::WinPeTwoDisks());
-    const Held<IVdsService> service = LoadVds();
-    const Held<IVdsDisk> other =
+    const ComPtr<IVdsService> service = LoadVds();
+    const ComPtr<IVdsDisk> other =
         OpenDisk<IVdsDisk>(service.Get(), DiskId(service.Get(), "\\\\?\\PhysicalDrive1"), IID_IVdsDisk);
-    Held<IVdsDisk> held =
+    ComPtr<IVdsDisk> held =
         OpenDisk<IVdsDisk>(service.Get(), DiskId(service.Get(), "\\\\?\\PhysicalDrive0"), IID_IVdsDisk);
     IVdsDisk* const disk = held.Detach();
     EXPECT_EQ(disk->Release(), 0u);
@@ -58,7 +58,7 @@ TEST(References, ExtraRelease_IsAViolationWithTheInterface) {
 
 TEST(References, CallThroughReleasedInterface_IsAViolation) {
     ComClient client(machine::FactoryMbr());
-    Held<IVdsService> held = LoadVds();
+    ComPtr<IVdsService> held = LoadVds();
     IVdsService* const service = held.Detach();
     service->Release();
     EXPECT_EQ(service->IsServiceReady(), S_OK);

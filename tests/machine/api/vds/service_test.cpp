@@ -17,11 +17,11 @@ machine::Disk EmptyDisk(uint32_t number) {
 
 TEST(LoadService, OtherMachineName_IsUnreachable) {
     ComClient client(machine::FactoryMbr());
-    Held<IVdsServiceLoader> loader;
+    ComPtr<IVdsServiceLoader> loader;
     ASSERT_EQ(CoCreateInstance(CLSID_VdsLoader, nullptr, CLSCTX_LOCAL_SERVER, IID_IVdsServiceLoader,
                                reinterpret_cast<void**>(loader.Put())),
               S_OK);
-    Held<IVdsService> service;
+    ComPtr<IVdsService> service;
     EXPECT_EQ(loader->LoadService(nullptr, service.Put()), S_OK);
     EXPECT_EQ(service->WaitForServiceReady(), S_OK);
     EXPECT_EQ(service->IsServiceReady(), S_OK);
@@ -35,7 +35,7 @@ TEST(LoadService, OtherMachineName_IsUnreachable) {
 
 TEST(IsServiceReady, FaultPlan_DefinesTheState) {
     ComClient client(machine::FactoryMbr());
-    const Held<IVdsService> service = LoadVds();
+    const ComPtr<IVdsService> service = LoadVds();
     client.pc.faults.Arm({"IVdsService::IsServiceReady", 1, false, false, S_FALSE});
     client.pc.faults.Arm({"IVdsService::IsServiceReady", 2, false, false, 0x80042401});
     EXPECT_EQ(service->IsServiceReady(), S_FALSE) << "still starting";
@@ -45,9 +45,9 @@ TEST(IsServiceReady, FaultPlan_DefinesTheState) {
 
 TEST(QueryProviders, EachMask_ReturnsTheProvidersOfItsBits) {
     ComClient client(machine::FactoryMbr());
-    const Held<IVdsService> service = LoadVds();
+    const ComPtr<IVdsService> service = LoadVds();
     for (const auto& [mask, count] : std::map<DWORD, size_t>{{0, 0}, {1, 2}, {2, 0}, {4, 0}, {7, 2}}) {
-        Held<IEnumVdsObject> list;
+        ComPtr<IEnumVdsObject> list;
         EXPECT_EQ(service->QueryProviders(mask, list.Put()), S_OK);
         EXPECT_EQ(AllOf(list.Get()).size(), count) << "mask " << mask;
     }
@@ -59,8 +59,8 @@ TEST(QueryProviders, EachMask_ReturnsTheProvidersOfItsBits) {
 
 TEST(Enumerator, AtTheEnd_ReturnsSFalseEveryTime) {
     ComClient client(machine::WinPeTwoDisks());
-    const Held<IVdsService> service = LoadVds();
-    Held<IEnumVdsObject> list;
+    const ComPtr<IVdsService> service = LoadVds();
+    ComPtr<IEnumVdsObject> list;
     ASSERT_EQ(service->QueryProviders(1, list.Put()), S_OK);
     IUnknown* objects[3] = {};
     ULONG fetched = 9;
@@ -84,11 +84,11 @@ TEST(Enumerator, ListChangedLater_KeepsTheOriginalList) {
     facts.disks = {EmptyDisk(0)};
     facts.disks[0].unallocated = true;
     ComClient client(facts);
-    const Held<IVdsService> service = LoadVds();
-    Held<IEnumVdsObject> list;
+    const ComPtr<IVdsService> service = LoadVds();
+    ComPtr<IEnumVdsObject> list;
     ASSERT_EQ(service->QueryUnallocatedDisks(list.Put()), S_OK);
     client.pc.facts.disks.clear();
-    const std::vector<Held<IUnknown>> disks = AllOf(list.Get());
+    const std::vector<ComPtr<IUnknown>> disks = AllOf(list.Get());
     ASSERT_EQ(disks.size(), 1u);
     VDS_DISK_PROP properties{};
     EXPECT_EQ(Ask<IVdsDisk>(disks[0].Get(), IID_IVdsDisk)->GetProperties(&properties), VDS_E_OBJECT_DELETED);
@@ -96,7 +96,7 @@ TEST(Enumerator, ListChangedLater_KeepsTheOriginalList) {
 
 TEST(QueryPacks, DisksWithoutPack_HaveImplicitOnlinePacks) {
     ComClient client(machine::WinPeTwoDisks());
-    const Held<IVdsService> service = LoadVds();
+    const ComPtr<IVdsService> service = LoadVds();
     EXPECT_EQ(PackLines(service.Get()),
               (std::vector<std::string>{"basic: pack  (1): \\\\?\\PhysicalDrive0",
                                         "basic: pack  (1): \\\\?\\PhysicalDrive1"}));
@@ -114,7 +114,7 @@ TEST(QueryPacks, NamedPacks_HaveTheirStatusDisksAndProvider) {
     facts.disks[4].pack = "not described";
     facts.disks[5].unallocated = true;
     ComClient client(facts);
-    const Held<IVdsService> service = LoadVds();
+    const ComPtr<IVdsService> service = LoadVds();
     EXPECT_EQ(PackLines(service.Get()),
               (std::vector<std::string>{"basic: pack  (1): D0", "basic: pack pair (1): D1 D3",
                                         "basic: pack not described (1): D4",
@@ -129,7 +129,7 @@ TEST(QueryPacks, UnallocatedDiskInAPack_IsListedTwice) {
     facts.disks[0].unallocated = true;
     facts.disks[0].pack = "odd";
     ComClient client(facts);
-    const Held<IVdsService> service = LoadVds();
+    const ComPtr<IVdsService> service = LoadVds();
     EXPECT_EQ(PackLines(service.Get()), (std::vector<std::string>{"basic: pack odd (1): D0"}));
     EXPECT_EQ(UnallocatedDisks(service.Get()), (std::vector<std::string>{"D0"}));
 }
@@ -138,14 +138,14 @@ TEST(PackProperties, NamedPack_CallerFreesTheName) {
     machine::Pc facts;
     facts.packs = {{"pair", 1, false}};
     ComClient client(facts);
-    const Held<IVdsService> service = LoadVds();
-    Held<IEnumVdsObject> providers;
+    const ComPtr<IVdsService> service = LoadVds();
+    ComPtr<IEnumVdsObject> providers;
     ASSERT_EQ(service->QueryProviders(1, providers.Put()), S_OK);
-    Held<IEnumVdsObject> packs;
+    ComPtr<IEnumVdsObject> packs;
     ASSERT_EQ(
         Ask<IVdsSwProvider>(AllOf(providers.Get())[0].Get(), IID_IVdsSwProvider)->QueryPacks(packs.Put()),
         S_OK);
-    const Held<IVdsPack> pack = Ask<IVdsPack>(AllOf(packs.Get()).at(0).Get(), IID_IVdsPack);
+    const ComPtr<IVdsPack> pack = Ask<IVdsPack>(AllOf(packs.Get()).at(0).Get(), IID_IVdsPack);
     VDS_PACK_PROP properties{};
     ASSERT_EQ(pack->GetProperties(&properties), S_OK);
     EXPECT_EQ(ToUtf8(properties.pwszName), "pair");
@@ -161,7 +161,7 @@ TEST(GetObject, IdOfDiskOrVolume_ReturnsItsObject) {
     DiskClient client(machine::FactoryMbr());
     const VDS_OBJECT_ID disk = DiskId(client.service.Get(), "\\\\?\\PhysicalDrive0");
     const VDS_OBJECT_ID volume = client.VolumeId(2);
-    Held<IUnknown> found;
+    ComPtr<IUnknown> found;
     EXPECT_EQ(client.service->GetObject(volume, VDS_OT_VOLUME, found.Put()), S_OK);
     EXPECT_NE(Ask<IVdsVolumeMF>(found.Get(), IID_IVdsVolumeMF).Get(), nullptr);
     EXPECT_EQ(OpenDisk<IVdsDisk>(client.service.Get(), disk, IID_IVdsDisk).Get(), client.disk.Get());

@@ -5,8 +5,8 @@
 
 namespace {
 
-Held<IVdsVolumeMF> OpenVolume(DiskClient& client, uint32_t partition) {
-    Held<IUnknown> object;
+ComPtr<IVdsVolumeMF> OpenVolume(DiskClient& client, uint32_t partition) {
+    ComPtr<IUnknown> object;
     EXPECT_EQ(client.service->GetObject(client.VolumeId(partition), VDS_OT_VOLUME, object.Put()), S_OK);
     return Ask<IVdsVolumeMF>(object.Get(), IID_IVdsVolumeMF);
 }
@@ -16,7 +16,7 @@ Held<IVdsVolumeMF> OpenVolume(DiskClient& client, uint32_t partition) {
 TEST(FileSystemProperties, LabelledVolume_ReturnsALabelThatTheCallerFrees) {
     DiskClient client(machine::FactoryMbr());
     const VDS_OBJECT_ID id = client.VolumeId(2);
-    const Held<IVdsVolumeMF> volume = OpenVolume(client, 2);
+    const ComPtr<IVdsVolumeMF> volume = OpenVolume(client, 2);
     VDS_FILE_SYSTEM_PROP properties{};
     ASSERT_EQ(volume->GetFileSystemProperties(&properties), S_OK);
     EXPECT_EQ(ToUtf8(properties.pwszLabel), "Windows");
@@ -35,7 +35,7 @@ TEST(FileSystemProperties, EachFileSystem_ReturnsItsType) {
         {"FAT32", VDS_FST_FAT32}, {"NTFS", VDS_FST_NTFS},   {"CDFS", VDS_FST_CDFS}, {"UDF", VDS_FST_UDF},
         {"exFAT", VDS_FST_EXFAT}, {"ext4", VDS_FST_UNKNOWN}};
     DiskClient client(machine::FactoryMbr());
-    const Held<IVdsVolumeMF> volume = OpenVolume(client, 2);
+    const ComPtr<IVdsVolumeMF> volume = OpenVolume(client, 2);
     for (const auto& [name, type] : expected) {
         client.Partition(2).volume->fileSystem = name;
         VDS_FILE_SYSTEM_PROP properties{};
@@ -47,7 +47,7 @@ TEST(FileSystemProperties, EachFileSystem_ReturnsItsType) {
 
 TEST(FileSystemProperties, UnreadableLabel_FailsWithItsError) {
     DiskClient client(machine::FactoryMbr());
-    const Held<IVdsVolumeMF> volume = OpenVolume(client, 2);
+    const ComPtr<IVdsVolumeMF> volume = OpenVolume(client, 2);
     VDS_FILE_SYSTEM_PROP properties{};
     client.Partition(2).volume->label = machine::Fact<std::string>::Fails(0x8004244F);
     EXPECT_EQ(volume->GetFileSystemProperties(&properties), VDS_E_VOLUME_NOT_MOUNTED);
@@ -77,14 +77,14 @@ TEST(FileSystemProperties, UnformattedPartition_IsRaw) {
 
 TEST(FileSystemProperties, RemovedVolume_FailsWithObjectDeleted) {
     DiskClient client(machine::FactoryMbr());
-    const Held<IVdsVolumeMF> volume = OpenVolume(client, 3);
+    const ComPtr<IVdsVolumeMF> volume = OpenVolume(client, 3);
     CHANGE_PARTITION_TYPE_PARAMETERS hidden{};
     hidden.style = VDS_PST_MBR;
     hidden.MbrPartInfo.partitionType = MBR_ID_HIDDEN_RECOVERY;
     ASSERT_EQ(client.advanced2->ChangePartitionType(client.Partition(3).offset, TRUE, &hidden), S_OK);
     VDS_FILE_SYSTEM_PROP properties{};
     EXPECT_EQ(volume->GetFileSystemProperties(&properties), VDS_E_OBJECT_DELETED);
-    const Held<IVdsVolumeMF> windows = OpenVolume(client, 2);
+    const ComPtr<IVdsVolumeMF> windows = OpenVolume(client, 2);
     client.pc.facts.disks.clear();
     EXPECT_EQ(windows->GetFileSystemProperties(&properties), VDS_E_OBJECT_DELETED);
 }

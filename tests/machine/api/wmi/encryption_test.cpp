@@ -33,7 +33,7 @@ class EncryptionClient : public ComClient {
                                     nullptr, nullptr, outputs, nullptr);
     }
 
-    Held<IWbemServices> services;
+    ComPtr<IWbemServices> services;
 };
 
 std::string ObjectPath(const std::string& deviceId) {
@@ -63,11 +63,11 @@ TEST(EncryptableVolumes, SeveralVolumes_AreListedWithTheirProperties) {
 
 TEST(GetEncryptionMethod, SeveralVolumes_ReturnsTheMethodOfThePathsVolume) {
     EncryptionClient client;
-    Held<IWbemClassObject> outputs;
+    ComPtr<IWbemClassObject> outputs;
     ASSERT_EQ(client.AskMethod(ObjectPath(systemVolume), outputs.Put()), S_OK);
     EXPECT_EQ(NumberOf(outputs.Get(), TEXT("ReturnValue")), 0);
     EXPECT_EQ(NumberOf(outputs.Get(), TEXT("EncryptionMethod")), 7);
-    Held<IWbemClassObject> locked;
+    ComPtr<IWbemClassObject> locked;
     ASSERT_EQ(client.AskMethod(ObjectPath(lockedVolume), locked.Put()), S_OK);
     EXPECT_EQ(NumberOf(locked.Get(), TEXT("ReturnValue")), static_cast<LONG>(0x80310000));
     EXPECT_EQ(NumberOf(locked.Get(), TEXT("EncryptionMethod")), -1);
@@ -85,12 +85,12 @@ TEST(GetEncryptionMethod, ClassOrUnknownVolume_Fails) {
 
 TEST(GetEncryptionMethod, AnyVolume_HasNoInputs) {
     EncryptionClient client;
-    Held<IWbemClassObject> definition;
+    ComPtr<IWbemClassObject> definition;
     ASSERT_EQ(client.services->GetObject(SystemString("Win32_EncryptableVolume").Get(), 0, nullptr,
                                          definition.Put(), nullptr),
               S_OK);
-    Held<IWbemClassObject> inputs;
-    Held<IWbemClassObject> outputs;
+    ComPtr<IWbemClassObject> inputs;
+    ComPtr<IWbemClassObject> outputs;
     EXPECT_EQ(definition->GetMethod(TEXT("GetEncryptionMethod"), 0, inputs.Put(), outputs.Put()), S_OK);
     EXPECT_EQ(inputs.Get(), nullptr);
     EXPECT_EQ(TextOf(outputs.Get(), "EncryptionMethod"), "null");

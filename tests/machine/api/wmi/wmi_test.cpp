@@ -50,17 +50,17 @@ class LampClient : public ComClient {
                                     outputs, nullptr);
     }
 
-    Held<IWbemClassObject> Object(const std::string& path) {
-        Held<IWbemClassObject> object;
+    ComPtr<IWbemClassObject> Object(const std::string& path) {
+        ComPtr<IWbemClassObject> object;
         EXPECT_EQ(services->GetObject(SystemString(path).Get(), 0, nullptr, object.Put(), nullptr), S_OK);
         return object;
     }
 
     // The inputs of "Switch" with that value.
-    Held<IWbemClassObject> Inputs(bool lit) {
-        Held<IWbemClassObject> signature;
+    ComPtr<IWbemClassObject> Inputs(bool lit) {
+        ComPtr<IWbemClassObject> signature;
         EXPECT_EQ(Object("Lamp")->GetMethod(TEXT("Switch"), 0, signature.Put(), nullptr), S_OK);
-        Held<IWbemClassObject> inputs;
+        ComPtr<IWbemClassObject> inputs;
         EXPECT_EQ(signature->SpawnInstance(0, inputs.Put()), S_OK);
         VARIANT value;
         V_VT(&value) = VT_BOOL;
@@ -69,11 +69,11 @@ class LampClient : public ComClient {
         return inputs;
     }
 
-    Held<IWbemServices> services;
+    ComPtr<IWbemServices> services;
 };
 
 HRESULT Connect(const std::string& space) {
-    Held<IWbemLocator> locator;
+    ComPtr<IWbemLocator> locator;
     EXPECT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
                                reinterpret_cast<void**>(locator.Put())),
               S_OK);
@@ -125,7 +125,7 @@ TEST(DiskDrives, SeveralDisks_AreListedInWmiOrder) {
     facts.disks[3].wmi.reset();
     facts.wmiOrder = {2, 7, 2, 1};
     ComClient client(facts);
-    const Held<IWbemServices> services = ConnectWmi();
+    const ComPtr<IWbemServices> services = ConnectWmi();
     EXPECT_EQ(InstancesOf(services.Get(), "Win32_DiskDrive", {"DeviceID", "PNPDeviceID", "InterfaceType"}),
               (std::vector<std::vector<std::string>>{
                   {"DRIVE2", "null", "USB"}, {"DRIVE1", "DISK\\1", "SCSI"}, {"DRIVE0", "DISK\\0", "IDE"}}));
@@ -140,7 +140,7 @@ TEST(ControllerLinks, SeveralControllers_AreOneRowPerHopInTheClassOfTheInterface
                    WmiDisk(4, "IDE", {"PCI\\X"})};
     facts.disks[4].wmi->pnpDeviceId.reset();
     ComClient client(facts);
-    const Held<IWbemServices> services = ConnectWmi();
+    const ComPtr<IWbemServices> services = ConnectWmi();
     const std::string channel = "DeviceID=\"PCIIDE\\\\CHANNEL\"";
     EXPECT_EQ(InstancesOf(services.Get(), "Win32_IDEControllerDevice", {"Antecedent", "Dependent"}),
               (std::vector<std::vector<std::string>>{
@@ -159,7 +159,7 @@ TEST(ControllerLinks, SeveralControllers_AreOneRowPerHopInTheClassOfTheInterface
 
 TEST(CreateInstanceEnum, UnknownClass_Fails) {
     ComClient client(machine::FactoryMbr());
-    const Held<IWbemServices> services = ConnectWmi();
+    const ComPtr<IWbemServices> services = ConnectWmi();
     IEnumWbemClassObject* list = reinterpret_cast<IEnumWbemClassObject*>(1);
     EXPECT_EQ(services->CreateInstanceEnum(SystemString("Win32_Lamp").Get(), 48, nullptr, &list),
               Code(WBEM_E_INVALID_CLASS));
@@ -170,8 +170,8 @@ TEST(CreateInstanceEnum, UnknownClass_Fails) {
 
 TEST(WmiEnumerator, ListChangedLater_KeepsItsListAndEndsEveryTime) {
     ComClient client(machine::WinPeTwoDisks());
-    const Held<IWbemServices> services = ConnectWmi();
-    Held<IEnumWbemClassObject> list;
+    const ComPtr<IWbemServices> services = ConnectWmi();
+    ComPtr<IEnumWbemClassObject> list;
     ASSERT_EQ(services->CreateInstanceEnum(SystemString("Win32_DiskDrive").Get(), 48, nullptr, list.Put()),
               S_OK);
     client.pc.facts.disks.clear();
@@ -222,8 +222,8 @@ TEST(GetObject, OtherPaths_Fail) {
 
 TEST(ReservedFlags, AnyMethod_FailWithInvalidParameter) {
     LampClient client;
-    const Held<IWbemClassObject> lamp = client.Object("Lamp");
-    Held<IWbemClassObject> none;
+    const ComPtr<IWbemClassObject> lamp = client.Object("Lamp");
+    ComPtr<IWbemClassObject> none;
     VARIANT value;
     V_VT(&value) = VT_I4;
     V_I4(&value) = 60;
@@ -242,7 +242,7 @@ TEST(ReservedFlags, AnyMethod_FailWithInvalidParameter) {
 
 TEST(PropertyGet, EachKindOfValue_ReturnsItsVariantType) {
     LampClient client;
-    const Held<IWbemClassObject> hall = client.Object("Lamp.DeviceID='\\\\?\\hall\\'");
+    const ComPtr<IWbemClassObject> hall = client.Object("Lamp.DeviceID='\\\\?\\hall\\'");
     VARIANT value;
     CIMTYPE type = 0;
     LONG flavor = 9;
@@ -278,7 +278,7 @@ TEST(PropertyGet, UnknownProperty_LeavesTheVariantUnchanged) {
 
 TEST(PropertyPut, EachKindOfValue_IsStored) {
     LampClient client;
-    const Held<IWbemClassObject> lamp = client.Object("Lamp");
+    const ComPtr<IWbemClassObject> lamp = client.Object("Lamp");
     VARIANT value;
     V_VT(&value) = VT_I4;
     V_I4(&value) = 60;
@@ -298,7 +298,7 @@ TEST(PropertyPut, EachKindOfValue_IsStored) {
 
 TEST(PropertyPut, UnknownNameOrKind_Fails) {
     LampClient client;
-    const Held<IWbemClassObject> lamp = client.Object("Lamp");
+    const ComPtr<IWbemClassObject> lamp = client.Object("Lamp");
     VARIANT value;
     V_VT(&value) = VT_I4;
     V_I4(&value) = 60;
@@ -311,9 +311,9 @@ TEST(PropertyPut, UnknownNameOrKind_Fails) {
 
 TEST(GetMethod, KnownMethod_ReturnsItsSignatures) {
     LampClient client;
-    const Held<IWbemClassObject> lamp = client.Object("Lamp");
-    Held<IWbemClassObject> inputs;
-    Held<IWbemClassObject> outputs;
+    const ComPtr<IWbemClassObject> lamp = client.Object("Lamp");
+    ComPtr<IWbemClassObject> inputs;
+    ComPtr<IWbemClassObject> outputs;
     EXPECT_EQ(lamp->GetMethod(TEXT("SWITCH"), 0, inputs.Put(), outputs.Put()), S_OK);
     EXPECT_EQ(TextOf(inputs.Get(), "Lit"), "null");
     EXPECT_EQ(TextOf(outputs.Get(), "WasOff"), "null");
@@ -334,7 +334,7 @@ TEST(GetMethod, InstanceOrUnknownMethod_Fails) {
 
 TEST(SpawnInstance, Instance_Fails) {
     LampClient client;
-    Held<IWbemClassObject> instance;
+    ComPtr<IWbemClassObject> instance;
     EXPECT_EQ(client.Object("Lamp")->SpawnInstance(0, instance.Put()), S_OK);
     IWbemClassObject* none = nullptr;
     EXPECT_EQ(instance->SpawnInstance(0, &none), Code(WBEM_E_ILLEGAL_OPERATION));
@@ -343,7 +343,7 @@ TEST(SpawnInstance, Instance_Fails) {
 
 TEST(ExecMethod, InstanceAndInputs_RunsTheMethod) {
     LampClient client;
-    Held<IWbemClassObject> outputs;
+    ComPtr<IWbemClassObject> outputs;
     EXPECT_EQ(
         client.Exec("Lamp.DeviceID='\\\\?\\cellar\\'", "Switch", client.Inputs(true).Get(), outputs.Put()),
         S_OK);
