@@ -23,7 +23,9 @@ need() {
         command -v sudo >/dev/null || fail "these packages are missing, and neither root nor sudo is at hand: ${missing[*]}"
         as_root=(sudo)
     fi
+    local start=$SECONDS
     quietly "installing ${missing[*]} with apt-get" install_packages
+    say "  (installed in $(after "$start"))"
 }
 
 # Uses the caller's as_root and missing.

@@ -42,6 +42,7 @@ machine::Pc VisibleRecovery() {
 
 machine::Pc RecoveryActive() {
     machine::Pc facts = machine::WinPeTwoDisks();
+    facts.disks.resize(1);
     facts.switches.activeFlagIsExclusive = true;
     PartitionOf(facts, 1).volume->files.PutFile("SystemVolume.ini", "[System]\r\nActive=3\r\n");
     return facts;

@@ -71,7 +71,9 @@ int Differences(const std::string& left, const std::string& right) {
 
 std::string ContentOf(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::string content(static_cast<size_t>(fs::file_size(file)), '\0');
+    stream.read(content.data(), static_cast<std::streamsize>(content.size()));
+    return content;
 }
 
 void PatchByte(const std::string& file, uint64_t offset, uint8_t value) {

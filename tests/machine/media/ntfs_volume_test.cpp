@@ -38,8 +38,7 @@ class NtfsVolumeTest : public ImageTest {
 
 // The offset of the text in the file, as UTF-16.
 uint64_t FindWide(const std::string& file, const std::string& text) {
-    std::ifstream stream(file, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+    const std::string bytes = ContentOf(file);
     std::string wide;
     for (const char character : text)
         wide += {character, '\0'};
