@@ -20,10 +20,6 @@ else()
   target_compile_options(kestova_platform INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     -Werror)
 endif()
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # It takes "text" + std::string for a copy onto itself or beyond the end, where the library's headers are precompiled.
-  target_compile_options(kestova_platform INTERFACE -Wno-array-bounds -Wno-restrict)
-endif()
 
 # Nothing but assertions; it fails to compile where the platform's records lie otherwise.
 add_library(kestova_layout_checks OBJECT ${CMAKE_SOURCE_DIR}/platform/layout_checks.cpp)
