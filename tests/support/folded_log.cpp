@@ -113,7 +113,7 @@ std::string TextOf(const Node& call, std::vector<LogBlock>& hidden) {
 
 std::string FirstFunction(const std::vector<LogEntry>& records) {
     for (const LogEntry& record : records) {
-        const std::string function = FunctionOf(record);
+        std::string function = FunctionOf(record);
         if (!function.empty()) return function;
     }
     return "";
