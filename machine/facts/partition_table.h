@@ -18,10 +18,10 @@ struct TableEntry {
     bool operator==(const TableEntry&) const = default;
 };
 
-// Changes return 0 once they are on the medium, or the platform's error code. 19: the medium is
-// write-protected; 87: there is no such partition, or it cannot have that value (a flag or an MBR type on a
-// GPT disk, type 0, to or from an extended partition); both change nothing. 1117: the medium cannot be read
-// or written. After 1117 the change may or may not be on the medium; call Entries() to find out.
+// Changes return 0, or the platform's error code. 19: the medium is write-protected; 87: there is no such
+// partition, or it cannot have that value (a flag or an MBR type on a GPT disk, type 0, to or from an extended
+// partition); both change nothing. 1117: the medium cannot be read. After 1117 the change may have been made in
+// part; call Entries() to find out.
 class PartitionTable {
   public:
     virtual ~PartitionTable() = default;
@@ -29,8 +29,7 @@ class PartitionTable {
     // that are set on the medium.
     virtual uint32_t SetActive(uint64_t partitionOffset, bool active, OtherFlags others) = 0;
     virtual uint32_t SetMbrType(uint64_t partitionOffset, uint8_t type) = 0;
-    // The current entries of an MBR. Empty for GPT, if the medium cannot be read, and on a dry run, where
-    // the medium does not have the changes.
+    // The current entries of an MBR. Empty for GPT, and if the medium cannot be read.
     virtual std::vector<TableEntry> Entries() = 0;
 };
 

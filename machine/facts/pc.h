@@ -15,6 +15,7 @@
 #include "machine/facts/file_store.h"
 #include "machine/facts/file_tree.h"
 #include "machine/facts/hive_reader.h"
+#include "machine/facts/medium.h"
 #include "machine/facts/partition_table.h"
 #include "machine/facts/registry_keys.h"
 
@@ -129,6 +130,7 @@ struct Disk {
     std::vector<Partition> partitions;              // in the order in which VDS lists them
     std::string image;                              // path of the image file; empty: a described disk
     std::shared_ptr<PartitionTable> table;          // receives changes of the table on an image
+    std::shared_ptr<Medium> medium;                 // of the image; writes what was changed
 
     bool operator==(const Disk&) const = default;
 };

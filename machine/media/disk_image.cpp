@@ -97,8 +97,8 @@ void CheckIsWholeDisk(const ImageFile& image, FileSystemProbe& probe) {
 
 }  // namespace
 
-void AttachImage(Disk& disk, ImageAccess access) {
-    const auto image = std::make_shared<ImageFile>(disk.image, access);
+void AttachImage(Disk& disk, const ImageUse& use) {
+    const auto image = std::make_shared<ImageFile>(disk.image, use);
     FileSystemProbe probe(*image, MediumKind::Disk);
     CheckIsWholeDisk(*image, probe);
     Disk attached = disk;
@@ -106,9 +106,14 @@ void AttachImage(Disk& disk, ImageAccess access) {
     for (Partition& partition : attached.partitions)
         partition.volume = ReadVolume(image, probe, attached.style, partition);
     Merge(*image, disk.partitions, attached);
-    if (access != ImageAccess::Read) CheckMayChange(*image, attached);
-    attached.table = std::make_shared<ImageTable>(image);
+    if (use.access != ImageAccess::Read) CheckMayChange(*image, attached);
+    attached.table = std::make_shared<ImageTable>(image, attached.style);
+    attached.medium = image;
     disk = std::move(attached);
+}
+
+Recovery RecoverImage(const std::string& path, const JournalPlace& journal) {
+    return ImageFile(path, {ImageAccess::Write, journal}).Recovered();
 }
 
 }  // namespace machine

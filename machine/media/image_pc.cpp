@@ -82,7 +82,7 @@ void AssignLetters(Pc& pc) {
 
 }  // namespace
 
-Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAccess access) {
+Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, const ImageUse& use) {
     Pc pc = system == SystemKind::WindowsPe ? WindowsPePc() : Pc();
     pc.name = "images";
     // The platform does not document what happens to the other flags. With two of them a disk does not
@@ -93,7 +93,7 @@ Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, ImageAcc
         const auto number = static_cast<uint32_t>(pc.disks.size());
         Disk disk = SataDisk(number, 0, "IMAGE___________________________________", sataController);
         disk.image = path;
-        AttachImage(disk, access);
+        AttachImage(disk, use);
         pc.disks.push_back(std::move(disk));
     }
     const bool isUefi = !pc.disks.empty() && pc.disks.front().style == PartitionStyle::Gpt;

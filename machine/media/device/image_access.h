@@ -2,11 +2,27 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace machine {
 
 // Overlay is a dry run: changes stay in memory and never reach the file.
 enum class ImageAccess { Read, Write, Overlay };
+
+// Where the journal of an image's changes is: beside the image, in a file that was named, or nowhere. Without
+// one a power cut can leave a change half written.
+struct JournalPlace {
+    enum class Kind { Beside, Named, None };
+    Kind kind = Kind::Beside;
+    std::string path = {};  // of Named
+};
+
+struct ImageUse {
+    ImageUse(ImageAccess wanted, JournalPlace place = {}) : access(wanted), journal(std::move(place)) {}
+
+    ImageAccess access;
+    JournalPlace journal;
+};
 
 // The image file cannot be used. what() reads "FILE: what is wrong[, where]".
 class ImageError : public std::runtime_error {

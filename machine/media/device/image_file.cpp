@@ -1,158 +1,207 @@
 #include "machine/media/device/image_file.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <signal.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 
+#include "machine/media/device/file_device.h"
+
 namespace machine {
 
 namespace {
 
-constexpr uint64_t sectorSize = 512;
-
-std::string OpenProblem(int error, ImageAccess access) {
-    switch (error) {
-        case ENOENT:
-        case ENOTDIR:
-            return "no such file";
-        case EISDIR:
-            return "a folder, not a disk image";
-        case EACCES:
-        case EPERM:
-        case EROFS:
-            return access == ImageAccess::Write ? "no permission to write to it" : "no permission to read it";
-        default:
-            return std::string("cannot be opened: ") + std::strerror(error);
+// While it exists, no signal ends this program, nor does a limit of its files' length, which then fails as
+// any other write does.
+class SignalsWait {
+  public:
+    SignalsWait() {
+        sigset_t all;
+        sigfillset(&all);
+        sigdelset(&all, SIGXFSZ);  // a signal that is blocked waits, although it is ignored
+        pthread_sigmask(SIG_SETMASK, &all, &mask_);
+        struct sigaction ignored = {};
+        ignored.sa_handler = SIG_IGN;
+        sigaction(SIGXFSZ, &ignored, &lengthLimit_);
     }
-}
+    ~SignalsWait() {
+        sigaction(SIGXFSZ, &lengthLimit_, nullptr);
+        pthread_sigmask(SIG_SETMASK, &mask_, nullptr);
+    }
+    SignalsWait(const SignalsWait&) = delete;
+    SignalsWait& operator=(const SignalsWait&) = delete;
+
+  private:
+    sigset_t mask_ = {};
+    struct sigaction lengthLimit_ = {};
+};
 
 }  // namespace
 
-ImageFile::ImageFile(const std::string& path, ImageAccess access) : path_(path), access_(access) {
-    // Non-blocking, because opening a named pipe would wait for its other end.
-    const int mode = access == ImageAccess::Write ? O_RDWR : O_RDONLY;
-    descriptor_ = open(path.c_str(), mode | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor_ < 0) throw Error(OpenProblem(errno, access));
-    try {
-        struct stat status = {};
-        if (fstat(descriptor_, &status) != 0) throw Error(OpenProblem(errno, access));
-        if (S_ISDIR(status.st_mode)) throw Error(OpenProblem(EISDIR, access));
-        if (!S_ISREG(status.st_mode)) throw Error("not a regular file");
-        size_ = static_cast<uint64_t>(status.st_size);
-        if (size_ == 0) throw Error("an empty file, no disk image");
-        if (size_ % sectorSize != 0)
-            throw Error("not a whole number of 512-byte sectors, so no disk image, or a truncated one");
-        if (access == ImageAccess::Write) Lock();
-    } catch (...) {
-        close(descriptor_);
-        throw;
-    }
-}
+ImageFile::ImageFile(const std::string& path, const ImageUse& use)
+    : ImageFile(std::make_unique<FileDevice>(path, use.access == ImageAccess::Write), path, use) {}
 
-ImageFile::~ImageFile() {
-    close(descriptor_);
-}
-
-void ImageFile::Lock() {
-    if (flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return;
-    if (errno == EWOULDBLOCK) throw Error("in use: another program has opened it for writing");
-    throw Error(std::string("cannot be locked: ") + std::strerror(errno));
+ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& path, const ImageUse& use)
+    : path_(path), access_(use.access), device_(std::move(device)), journal_(path, use.journal) {
+    if (access_ == ImageAccess::Write) journal_.CheckPlace();
+    Settle();
 }
 
 bool ImageFile::Read(uint64_t offset, void* buffer, size_t length) const {
-    if (!ReadFile(offset, buffer, length)) return false;
+    if (!device_->Read(offset, buffer, length)) return false;
     if (length == 0) return true;
-    // Overlay the changed blocks of the range on the bytes of the file.
-    auto* bytes = static_cast<uint8_t*>(buffer);
+    // What was changed lies over the bytes of the medium.
+    auto* bytes = static_cast<char*>(buffer);
     const uint64_t end = offset + length;
-    for (auto block = overlay_.lower_bound(offset / blockSize);
-         block != overlay_.end() && block->first * blockSize < end; ++block) {
-        const uint64_t blockStart = block->first * blockSize;
-        const uint64_t from = std::max(offset, blockStart);
-        const uint64_t to = std::min(end, blockStart + blockSize);
-        std::memcpy(bytes + (from - offset), block->second.data() + (from - blockStart), to - from);
+    for (auto block = changed_.lower_bound(offset / blockSize);
+         block != changed_.end() && block->first * blockSize < end; ++block) {
+        const uint64_t start = block->first * blockSize;
+        const uint64_t from = std::max(offset, start);
+        const uint64_t to = std::min(end, start + block->second.now.size());
+        block->second.now.copy(bytes + (from - offset), to - from, from - start);
     }
     return true;
 }
 
 bool ImageFile::Write(uint64_t offset, const void* bytes, size_t length) {
-    switch (access_) {
-        case ImageAccess::Write:
-            return WriteFile(offset, bytes, length);
-        case ImageAccess::Overlay:
-            return WriteOverlay(offset, static_cast<const uint8_t*>(bytes), length);
-        case ImageAccess::Read:
-            break;
-    }
+    if (access_ == ImageAccess::Read) return false;
+    if (WriteBlocks(offset, static_cast<const char*>(bytes), length)) return true;
+    problem_ = path_ + ": cannot be read where it would be changed; nothing was written";
     return false;
 }
 
-bool ImageFile::Flush() {
-    return access_ != ImageAccess::Write || fsync(descriptor_) == 0;
-}
-
-ImageError ImageFile::Error(const std::string& whatIsWrong) const {
-    return ImageError(path_ + ": " + whatIsWrong);
-}
-
-bool ImageFile::IsInside(uint64_t offset, size_t length) const {
-    return offset <= size_ && length <= size_ - offset;
-}
-
-bool ImageFile::ReadFile(uint64_t offset, void* buffer, size_t length) const {
-    if (!IsInside(offset, length)) return false;
-    auto* bytes = static_cast<uint8_t*>(buffer);
-    while (length > 0) {
-        const ssize_t done = pread(descriptor_, bytes, length, static_cast<off_t>(offset));
-        if (done < 0 && errno == EINTR) continue;
-        if (done <= 0) return false;
-        bytes += done;
-        offset += static_cast<uint64_t>(done);
-        length -= static_cast<size_t>(done);
-    }
-    return true;
-}
-
-bool ImageFile::WriteFile(uint64_t offset, const void* bytes, size_t length) {
-    if (!IsInside(offset, length)) return false;
-    auto* rest = static_cast<const uint8_t*>(bytes);
-    while (length > 0) {
-        const ssize_t done = pwrite(descriptor_, rest, length, static_cast<off_t>(offset));
-        if (done < 0 && errno == EINTR) continue;
-        if (done <= 0) return false;
-        rest += done;
-        offset += static_cast<uint64_t>(done);
-        length -= static_cast<size_t>(done);
-    }
-    return true;
-}
-
-bool ImageFile::WriteOverlay(uint64_t offset, const uint8_t* bytes, size_t length) {
-    if (!IsInside(offset, length)) return false;
+bool ImageFile::WriteBlocks(uint64_t offset, const char* bytes, size_t length) {
+    if (offset > Size() || length > Size() - offset) return false;
     while (length > 0) {
         const uint64_t number = offset / blockSize;
         const size_t within = static_cast<size_t>(offset % blockSize);
         const size_t count = std::min(length, blockSize - within);
-        auto [block, isNew] = overlay_.try_emplace(number);
+        const auto [block, isNew] = changed_.try_emplace(number);
+        Block& held = block->second;
         if (isNew) {
             const uint64_t start = number * blockSize;
-            const size_t present = static_cast<size_t>(std::min<uint64_t>(blockSize, size_ - start));
-            if (!ReadFile(start, block->second.data(), present)) {
-                overlay_.erase(block);
+            held.before.resize(static_cast<size_t>(std::min<uint64_t>(blockSize, Size() - start)));
+            if (!device_->Read(start, held.before.data(), held.before.size())) {
+                changed_.erase(block);
                 return false;
             }
+            held.now = held.before;
         }
-        std::memcpy(block->second.data() + within, bytes, count);
+        held.now.replace(within, count, bytes, count);
         bytes += count;
         offset += count;
         length -= count;
     }
     return true;
+}
+
+void ImageFile::Mark(const std::function<void()>& write, const std::function<void()>& undo) {
+    const std::map<uint64_t, Block> unmarked = changed_;
+    write();
+    for (const auto& [number, block] : changed_) {
+        const auto known = unmarked.find(number);
+        const std::string& plain = known != unmarked.end() ? known->second.now : block.before;
+        for (size_t at = 0; at < plain.size(); at += diskSectorSize) {
+            if (block.now.compare(at, diskSectorSize, plain, at, diskSectorSize) != 0)
+                marks_[number * blockSize + at] = block.now.substr(at, diskSectorSize);
+        }
+    }
+    undo();
+    // The marked blocks stay in the change, as they were.
+    for (auto& [number, block] : changed_) {
+        const auto known = unmarked.find(number);
+        block.now = known != unmarked.end() ? known->second.now : block.before;
+    }
+}
+
+ImageChange ImageFile::Collected() const {
+    ImageChange change;
+    for (const auto& [number, block] : changed_) {
+        for (size_t at = 0; at < block.now.size(); at += diskSectorSize) {
+            const uint64_t offset = number * blockSize + at;
+            const auto mark = marks_.find(offset);
+            const bool isMarked = mark != marks_.end();
+            if (!isMarked && block.before.compare(at, diskSectorSize, block.now, at, diskSectorSize) == 0)
+                continue;
+            const bool continues = !change.empty() && change.back().mark.empty() != isMarked &&
+                                   change.back().offset + change.back().before.size() == offset;
+            ChangedRun& run = continues ? change.back() : change.emplace_back(ChangedRun{.offset = offset});
+            run.before += block.before.substr(at, diskSectorSize);
+            run.after += block.now.substr(at, diskSectorSize);
+            if (isMarked) run.mark += mark->second;
+        }
+    }
+    // Marks alone are no change.
+    const bool changes = std::any_of(change.begin(), change.end(),
+                                     [](const ChangedRun& run) { return run.before != run.after; });
+    return changes ? change : ImageChange();
+}
+
+std::string ImageFile::Commit() {
+    if (access_ != ImageAccess::Write) return "";
+    if (problem_.empty()) {
+        const ImageChange change = Collected();
+        if (!change.empty()) problem_ = Written(change);
+    }
+    changed_.clear();
+    marks_.clear();
+    return problem_;
+}
+
+std::string ImageFile::Written(const ImageChange& change) {
+    const SignalsWait wait;
+    if (StateOfChange(*device_, change) != ChangeState::Before)
+        return path_ + ": was changed by another program meanwhile; nothing was written";
+    const std::string journalProblem = journal_.Keep(change, Size());
+    if (!journalProblem.empty()) return path_ + ": " + journalProblem + "; nothing was written";
+    if (WriteChange(*device_, change)) {
+        // What is written is complete, with the journal or without it.
+        journal_.Drop();
+        return "";
+    }
+    const std::string problem = path_ + ": cannot be written: " + std::strerror(errno);
+    if (TakeBackChange(*device_, change)) {
+        journal_.Drop();
+        return problem + "; what had been written was taken back";
+    }
+    if (journal_.Path().empty()) return problem + ", nor what had been written be taken back: it is damaged";
+    return problem +
+           ", nor what had been written be taken back: once it can be written, `kestova recover` does";
+}
+
+// What a program before this one left half written.
+void ImageFile::Settle() {
+    const auto change = journal_.Pending(Size());
+    if (!change) return;
+    const ChangeState state = StateOfChange(*device_, *change);
+    if (state == ChangeState::Foreign) {
+        throw Error("does not fit its journal " + journal_.Path() +
+                    ": something else has changed it since; move the journal away to go on without it");
+    }
+    const bool isWhole = state == ChangeState::After;
+    recovered_ = isWhole ? Recovery::Finished : Recovery::TakenBack;
+    if (access_ != ImageAccess::Write) {
+        Show(*change, isWhole ? &ChangedRun::after : &ChangedRun::before);
+        note_ = path_ + ": a change was interrupted; it is shown as it will be once `kestova recover` has " +
+                (isWhole ? "finished it" : "taken it back");
+        return;
+    }
+    const SignalsWait wait;
+    if (!(isWhole ? WriteChange(*device_, *change) : TakeBackChange(*device_, *change)) || !journal_.Drop()) {
+        throw Error(std::string("a change was interrupted, and cannot be ") +
+                    (isWhole ? "finished: " : "taken back: ") + std::strerror(errno));
+    }
+    note_ = path_ + ": a change that had been interrupted was " + (isWhole ? "finished" : "taken back");
+}
+
+void ImageFile::Show(const ImageChange& change, std::string ChangedRun::*part) {
+    for (const ChangedRun& run : change)
+        WriteBlocks(run.offset, (run.*part).data(), (run.*part).size());
+}
+
+ImageError ImageFile::Error(const std::string& whatIsWrong) const {
+    return ImageError(path_ + ": " + whatIsWrong);
 }
 
 }  // namespace machine

@@ -1,57 +1,80 @@
-// The bytes of an image file, with a copy-on-write overlay for a dry run.
+// The bytes of a disk image. Changes are collected in memory and written together.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 
+#include "machine/facts/medium.h"
+#include "machine/media/device/block_device.h"
+#include "machine/media/device/change_journal.h"
 #include "machine/media/device/image_access.h"
+#include "machine/media/device/image_change.h"
 
 namespace machine {
 
-class ImageFile {
+// What became of a change that was interrupted.
+enum class Recovery { None, Finished, TakenBack };
+
+class ImageFile final : public Medium {
   public:
-    // Opens the file; for writing, locks it against other writers for the lifetime of this object. Throws
-    // ImageError if it is missing, a folder, empty, not a whole number of sectors, not permitted or locked.
-    ImageFile(const std::string& path, ImageAccess access);
-    ~ImageFile();
-    ImageFile(const ImageFile&) = delete;
-    ImageFile& operator=(const ImageFile&) = delete;
+    // Opens the file; for writing, locks it against other writers for the lifetime of this object. A change
+    // of it that was interrupted is finished or taken back first; without writing, it is only seen that way,
+    // and Note() says so. Throws ImageError if the file cannot be used, for writing also if its journal
+    // cannot.
+    ImageFile(const std::string& path, const ImageUse& use);
+    // The same on any device; `path` is its name in messages and of its journal.
+    ImageFile(std::unique_ptr<BlockDevice> device, const std::string& path, const ImageUse& use);
 
     const std::string& Path() const { return path_; }
     ImageAccess Access() const { return access_; }
-    uint64_t Size() const { return size_; }  // bytes
-    // The file without the overlay, for libraries that read it themselves.
-    int Descriptor() const { return descriptor_; }
+    uint64_t Size() const { return device_->Size(); }  // bytes
+    // The medium without what was not written yet, for libraries that read it themselves.
+    int Descriptor() const { return device_->Descriptor(); }
 
     // Reads all of the bytes or returns false, also for a range beyond the end of the file.
     bool Read(uint64_t offset, void* buffer, size_t length) const;
-    // The same for writing; also false if the image is open for reading only. On a dry run writes to the
-    // overlay.
+    // The same for writing, which is into memory; also false if the image is open for reading only. A failure
+    // is reported by Commit too, which then writes nothing.
     bool Write(uint64_t offset, const void* bytes, size_t length);
-    // False if the bytes written so far may not be on the medium.
-    bool Flush();
+    // What `write` writes marks a file system as being changed: it is on the medium while the other changes
+    // are being written, and never before or afterwards. What `undo`, called next, writes is dropped.
+    void Mark(const std::function<void()>& write, const std::function<void()>& undo);
+
+    std::string Commit() override;
+    const std::string& Note() const override { return note_; }
+    // What was found when the file was opened.
+    Recovery Recovered() const { return recovered_; }
 
     // An error with the name of this file.
     ImageError Error(const std::string& whatIsWrong) const;
 
   private:
     static constexpr size_t blockSize = 4096;
-    using Block = std::array<uint8_t, blockSize>;
+    struct Block {
+        std::string before;
+        std::string now;
+    };
 
-    void Lock();
-    bool IsInside(uint64_t offset, size_t length) const;
-    bool ReadFile(uint64_t offset, void* buffer, size_t length) const;
-    bool WriteFile(uint64_t offset, const void* bytes, size_t length);
-    bool WriteOverlay(uint64_t offset, const uint8_t* bytes, size_t length);
+    void Settle();
+    void Show(const ImageChange& change, std::string ChangedRun::*part);
+    ImageChange Collected() const;
+    std::string Written(const ImageChange& change);
+    bool WriteBlocks(uint64_t offset, const char* bytes, size_t length);
 
     std::string path_;
     ImageAccess access_;
-    int descriptor_ = -1;
-    uint64_t size_ = 0;
-    std::map<uint64_t, Block> overlay_;  // changed blocks by their number
+    std::unique_ptr<BlockDevice> device_;
+    ChangeJournal journal_;
+    std::map<uint64_t, Block> changed_;      // by number
+    std::map<uint64_t, std::string> marks_;  // sectors by offset
+    std::string problem_;                    // of an earlier write or commit
+    std::string note_;
+    Recovery recovered_ = Recovery::None;
 };
 
 }  // namespace machine

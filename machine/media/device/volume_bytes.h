@@ -1,13 +1,13 @@
-// The bytes of one volume on an image, and the integers in them.
+// The bytes of one volume on an image.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "machine/media/device/image_file.h"
+#include "machine/media/device/little_endian.h"
 
 namespace machine {
 
@@ -30,13 +30,5 @@ class VolumeBytes {
     uint64_t offset_;
     uint64_t size_;
 };
-
-// Little-endian (Le) and big-endian (Be) integers. Bytes beyond the end read as zero, so that a damaged
-// medium cannot lead out of bounds.
-uint8_t Byte(std::string_view bytes, size_t at);
-uint16_t Le16(std::string_view bytes, size_t at);
-uint32_t Le32(std::string_view bytes, size_t at);
-uint64_t Le64(std::string_view bytes, size_t at);
-uint16_t Be16(std::string_view bytes, size_t at);
 
 }  // namespace machine

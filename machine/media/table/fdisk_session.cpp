@@ -24,15 +24,14 @@ int NoteWarning(fdisk_context*, fdisk_ask* ask, void* data) {
 
 }  // namespace
 
-FdiskSession::FdiskSession(const ImageFile& image, bool readOnly) : context_(fdisk_new_context()) {
+FdiskSession::FdiskSession(const ImageFile& image) : context_(fdisk_new_context()) {
     if (!context_) throw std::bad_alloc();
     CheckGptLength(image);
     fdisk_set_ask(Context(), NoteWarning, &warnings_);
     fdisk_disable_dialogs(Context(), 1);
     fdisk_enable_listonly(Context(), 1);  // does not look for a file system in place of the table
     fdisk_enable_wipe(Context(), 0);
-    const int error =
-        fdisk_assign_device_by_fd(Context(), image.Descriptor(), image.Path().c_str(), readOnly ? 1 : 0);
+    const int error = fdisk_assign_device_by_fd(Context(), image.Descriptor(), image.Path().c_str(), 1);
     if (error != 0) throw image.Error(std::string("cannot be read as a disk: ") + std::strerror(-error));
 }
 
@@ -41,17 +40,6 @@ FdiskOwner<fdisk_partition> FdiskSession::Slot(size_t slot) const {
     fdisk_partition* partition = nullptr;
     if (fdisk_get_partition(Context(), slot, &partition) != 0) return nullptr;
     return FdiskOwner<fdisk_partition>(partition);
-}
-
-std::optional<size_t> FdiskSession::SlotAt(uint64_t offset) const {
-    for (size_t slot = 0; slot < fdisk_get_npartitions(Context()); ++slot) {
-        const auto partition = Slot(slot);
-        if (partition && !fdisk_partition_is_container(partition.get()) &&
-            fdisk_partition_get_start(partition.get()) * fdiskSectorSize == offset) {
-            return slot;
-        }
-    }
-    return std::nullopt;
 }
 
 }  // namespace machine

@@ -4,7 +4,6 @@
 #include <libfdisk/libfdisk.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,9 +22,8 @@ using FdiskOwner = std::unique_ptr<T, FdiskRelease>;
 
 class FdiskSession {
   public:
-    // Reads the table; `readOnly` keeps libfdisk from ever writing. Throws ImageError if the file cannot be
-    // read.
-    FdiskSession(const ImageFile& image, bool readOnly);
+    // Reads the table. Throws ImageError if the file cannot be read.
+    explicit FdiskSession(const ImageFile& image);
     FdiskSession(const FdiskSession&) = delete;
     FdiskSession& operator=(const FdiskSession&) = delete;
 
@@ -34,15 +32,10 @@ class FdiskSession {
     const std::vector<std::string>& Warnings() const { return warnings_; }
     // The partition in the slot; null if the slot is unused.
     FdiskOwner<fdisk_partition> Slot(size_t slot) const;
-    // The slot of the partition that starts there, other than an extended one.
-    std::optional<size_t> SlotAt(uint64_t offset) const;
 
   private:
     std::vector<std::string> warnings_;
     FdiskOwner<fdisk_context> context_;
 };
-
-// The unit of libfdisk's starts and sizes.
-inline constexpr uint64_t fdiskSectorSize = 512;
 
 }  // namespace machine

@@ -5,6 +5,7 @@
 
 #include "machine/media/device/store_errors.h"
 #include "machine/media/table/fdisk_session.h"
+#include "machine/media/table/mbr_entries.h"
 #include "machine/media/table/table_check.h"
 #include "platform/partition_types.h"
 
@@ -24,10 +25,6 @@ uint8_t MbrTypeOf(fdisk_partition* entry) {
     return static_cast<uint8_t>(fdisk_parttype_get_code(fdisk_partition_get_type(entry)));
 }
 
-bool IsActive(fdisk_partition* entry) {
-    return fdisk_partition_is_bootable(entry) == 1;
-}
-
 Guid GuidOf(const ImageFile& image, const char* text) {
     const auto guid = GuidFromText(text ? text : "");
     if (!guid) throw image.Error("the GUID partition table is damaged: no GUID where one must be");
@@ -39,8 +36,8 @@ Partition PlaceOf(fdisk_partition* entry) {
     // overflow.
     constexpr uint64_t maximumSectors = uint64_t{1} << 53;
     Partition partition;
-    partition.offset = std::min(fdisk_partition_get_start(entry), maximumSectors) * fdiskSectorSize;
-    partition.size = std::min(fdisk_partition_get_size(entry), maximumSectors) * fdiskSectorSize;
+    partition.offset = std::min(fdisk_partition_get_start(entry), maximumSectors) * diskSectorSize;
+    partition.size = std::min(fdisk_partition_get_size(entry), maximumSectors) * diskSectorSize;
     return partition;
 }
 
@@ -56,12 +53,23 @@ std::string DiskIdentifier(const FdiskSession& session) {
     return identifier;
 }
 
+// Flags and types as they are with what is not yet on the medium, which libfdisk does not see.
+void TakeValues(const ImageFile& image, Disk& disk) {
+    for (const MbrEntry& entry : MbrEntriesOf(image)) {
+        for (Partition& partition : disk.partitions) {
+            if (partition.offset != entry.offset || IsExtended(entry.type)) continue;
+            partition.mbrType = entry.type;
+            partition.bootIndicator = entry.isActive ? 1 : 0;
+        }
+    }
+}
+
 void ReadMbr(const ImageFile& image, const FdiskSession& session, Disk& disk) {
     disk.style = PartitionStyle::Mbr;
     disk.signature = static_cast<uint32_t>(std::strtoul(DiskIdentifier(session).c_str(), nullptr, 16));
 
     TableLayout layout;
-    layout.space = {"", fdiskSectorSize, disk.size - fdiskSectorSize};
+    layout.space = {"", diskSectorSize, disk.size - diskSectorSize};
     for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
         const auto entry = session.Slot(slot);
         if (!entry) continue;
@@ -74,7 +82,7 @@ void ReadMbr(const ImageFile& image, const FdiskSession& session, Disk& disk) {
         if (IsExtended(type)) {
             const Region extended = {"the extended partition", partition.offset, partition.size};
             CheckBootIndicator(image, slot, extended.name);
-            CheckChain(image, extended);
+            LogicalLinksOf(image, extended);
             layout.extended.push_back(extended);
             continue;
         }
@@ -82,13 +90,12 @@ void ReadMbr(const ImageFile& image, const FdiskSession& session, Disk& disk) {
         partition.number = static_cast<uint32_t>(disk.partitions.size() + 1);
         const bool isLogical = fdisk_partition_is_nested(entry.get()) != 0;
         if (!isLogical) CheckBootIndicator(image, slot, RegionOf(partition).name);
-        partition.mbrType = type;
-        partition.bootIndicator = IsActive(entry.get()) ? 1 : 0;
         auto& regions = isLogical ? layout.logicals : layout.primaries;
         regions.push_back(RegionOf(partition));
         disk.partitions.push_back(std::move(partition));
     }
     CheckLayout(image, layout);
+    TakeValues(image, disk);
 }
 
 void ReadGpt(const ImageFile& image, const FdiskSession& session, Disk& disk) {
@@ -98,7 +105,7 @@ void ReadGpt(const ImageFile& image, const FdiskSession& session, Disk& disk) {
     TableLayout layout;
     const uint64_t first = fdisk_get_first_lba(session.Context());
     const uint64_t last = fdisk_get_last_lba(session.Context());
-    layout.space = {"", first * fdiskSectorSize, (last + 1 - first) * fdiskSectorSize};
+    layout.space = {"", first * diskSectorSize, (last + 1 - first) * diskSectorSize};
     for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
         const auto entry = session.Slot(slot);
         if (!entry) continue;
@@ -115,37 +122,15 @@ void ReadGpt(const ImageFile& image, const FdiskSession& session, Disk& disk) {
     CheckLayout(image, layout);
 }
 
-bool Toggle(const FdiskSession& session, size_t slot) {
-    return fdisk_toggle_partition_flag(session.Context(), slot, DOS_FLAG_ACTIVE) == 0;
-}
-
-// Toggles a flag that is already set twice, so that it is written again: after a failed flush the bytes
-// read back may never have reached the medium, and only a new write gets them there.
-bool SetFlag(const FdiskSession& session, size_t slot, bool active) {
-    const auto entry = session.Slot(slot);
-    if (!entry) return false;
-    const bool isThere = IsActive(entry.get()) == active;
-    return Toggle(session, slot) && (!isThere || Toggle(session, slot));
-}
-
-// Includes the extended partition's flag, since firmware counts it.
-bool ClearOtherFlags(const FdiskSession& session, size_t kept) {
-    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
-        const auto entry = session.Slot(slot);
-        if (slot != kept && entry && IsActive(entry.get()) && !Toggle(session, slot)) return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 bool HasTable(const ImageFile& image) {
-    const FdiskSession session(image, true);
+    const FdiskSession session(image);
     return fdisk_is_label(session.Context(), GPT) || fdisk_is_label(session.Context(), DOS);
 }
 
 void ReadTable(const ImageFile& image, Disk& disk) {
-    const FdiskSession session(image, true);
+    const FdiskSession session(image);
     disk.size = image.Size();
     disk.partitions.clear();
     if (fdisk_is_label(session.Context(), GPT)) {
@@ -162,30 +147,29 @@ void ReadTable(const ImageFile& image, Disk& disk) {
 }
 
 uint32_t ImageTable::SetActive(uint64_t partitionOffset, bool active, OtherFlags others) {
-    return Change(partitionOffset, [active, others](const FdiskSession& session, size_t slot) {
-        return SetFlag(session, slot, active) &&
-               (others == OtherFlags::Keep || ClearOtherFlags(session, slot));
+    return Change(partitionOffset, [&](const std::vector<MbrEntry>& entries, const MbrEntry& chosen) {
+        // The extended partition's flag too, since firmware counts it.
+        for (const MbrEntry& entry : entries) {
+            const bool clears = others == OtherFlags::Clear && entry.isActive && entry.place != chosen.place;
+            if (clears && !Put(entry.place, 0x00)) return false;
+        }
+        return Put(chosen.place, active ? 0x80 : 0x00);
     });
 }
 
 uint32_t ImageTable::SetMbrType(uint64_t partitionOffset, uint8_t type) {
     if (type == mbrUnused || IsExtended(type) || type == mbrExtendedLinux || type == mbrProtective)
         return errorInvalidParameter;
-    return Change(partitionOffset, [type](const FdiskSession& session, size_t slot) {
-        const FdiskOwner<fdisk_parttype> value(fdisk_new_unknown_parttype(type, ""));
-        return value && fdisk_set_partition_type(session.Context(), slot, value.get()) == 0;
+    return Change(partitionOffset, [&](const std::vector<MbrEntry>&, const MbrEntry& chosen) {
+        return Put(chosen.place + mbrTypeAt, type);
     });
 }
 
 std::vector<TableEntry> ImageTable::Entries() try {
-    if (image_->Access() == ImageAccess::Overlay) return {};
-    const FdiskSession session(*image_, true);
-    if (!fdisk_is_label(session.Context(), DOS)) return {};
     std::vector<TableEntry> entries;
-    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
-        const auto entry = session.Slot(slot);
-        if (!entry || fdisk_partition_is_container(entry.get())) continue;
-        entries.push_back({PlaceOf(entry.get()).offset, IsActive(entry.get()), MbrTypeOf(entry.get())});
+    if (style_ != PartitionStyle::Mbr) return entries;
+    for (const MbrEntry& entry : MbrEntriesOf(*image_)) {
+        if (!IsExtended(entry.type)) entries.push_back({entry.offset, entry.isActive, entry.type});
     }
     return entries;
 } catch (const ImageError&) {
@@ -194,16 +178,19 @@ std::vector<TableEntry> ImageTable::Entries() try {
 
 uint32_t ImageTable::Change(uint64_t partitionOffset, const Edit& edit) try {
     if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
-    const bool isDryRun = image_->Access() == ImageAccess::Overlay;
-    const FdiskSession session(*image_, isDryRun);
-    if (!fdisk_is_label(session.Context(), DOS)) return errorInvalidParameter;
-    const auto slot = session.SlotAt(partitionOffset);
-    if (!slot || !edit(session, *slot)) return errorInvalidParameter;
-    if (isDryRun) return 0;
-    if (fdisk_write_disklabel(session.Context()) != 0 || !image_->Flush()) return errorIoDevice;
-    return 0;
+    if (style_ != PartitionStyle::Mbr) return errorInvalidParameter;
+    const std::vector<MbrEntry> entries = MbrEntriesOf(*image_);
+    const auto chosen = std::find_if(entries.begin(), entries.end(), [&](const MbrEntry& entry) {
+        return entry.offset == partitionOffset && !IsExtended(entry.type);
+    });
+    if (chosen == entries.end()) return errorInvalidParameter;
+    return edit(entries, *chosen) ? 0 : errorIoDevice;
 } catch (const ImageError&) {
     return errorIoDevice;
+}
+
+bool ImageTable::Put(uint64_t place, uint8_t value) {
+    return image_->Write(place, &value, 1);
 }
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// Reads the partition table of an image into the facts of a disk, and changes it in place.
+// Reads the partition table of an image into the facts of a disk, and changes it.
 #pragma once
 
 #include <functional>
@@ -7,10 +7,9 @@
 #include "machine/facts/partition_table.h"
 #include "machine/facts/pc.h"
 #include "machine/media/device/image_file.h"
+#include "machine/media/table/mbr_entries.h"
 
 namespace machine {
-
-class FdiskSession;
 
 // Whether the image has a partition table that Windows knows, valid or not.
 bool HasTable(const ImageFile& image);
@@ -21,20 +20,23 @@ bool HasTable(const ImageFile& image);
 // is damaged.
 void ReadTable(const ImageFile& image, Disk& disk);
 
-// On a dry run, changes are checked as usual and then dropped; only the disk's facts contain them.
+// Changes are written by the image's next commit.
 class ImageTable : public PartitionTable {
   public:
-    explicit ImageTable(std::shared_ptr<ImageFile> image) : image_(std::move(image)) {}
+    ImageTable(std::shared_ptr<ImageFile> image, PartitionStyle style)
+        : image_(std::move(image)), style_(style) {}
     uint32_t SetActive(uint64_t partitionOffset, bool active, OtherFlags others) override;
     uint32_t SetMbrType(uint64_t partitionOffset, uint8_t type) override;
     std::vector<TableEntry> Entries() override;
 
   private:
-    // Applies a change in libfdisk's memory; false if the partition cannot have that value.
-    using Edit = std::function<bool(const FdiskSession& session, size_t slot)>;
+    // Changes the entry of the partition; false if the image cannot be read there.
+    using Edit = std::function<bool(const std::vector<MbrEntry>& entries, const MbrEntry& chosen)>;
     uint32_t Change(uint64_t partitionOffset, const Edit& edit);
+    bool Put(uint64_t place, uint8_t value);
 
     std::shared_ptr<ImageFile> image_;
+    PartitionStyle style_;
 };
 
 }  // namespace machine

@@ -6,15 +6,9 @@
 #include <vector>
 
 #include "machine/media/device/image_file.h"
+#include "machine/media/table/region.h"
 
 namespace machine {
-
-// A range of the disk in bytes, with its name for messages.
-struct Region {
-    std::string name;  // "partition 2"
-    uint64_t offset = 0;
-    uint64_t size = 0;
-};
 
 // The ranges of the disk that a table allocates.
 struct TableLayout {
@@ -35,9 +29,5 @@ void CheckGptLength(const ImageFile& image);
 // Throws ImageError if the MBR entry in that slot, 0 to 3, is neither active (0x80) nor inactive (0x00):
 // firmware handles such a table unpredictably. `name` is the name of the partition in the message.
 void CheckBootIndicator(const ImageFile& image, size_t slot, const std::string& name);
-
-// Follows the chain of logical partitions in the extended partition. Throws ImageError if it leaves the
-// extended partition, forms a cycle or reaches a sector that is not a link.
-void CheckChain(const ImageFile& image, const Region& extended);
 
 }  // namespace machine

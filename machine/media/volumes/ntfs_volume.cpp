@@ -161,6 +161,13 @@ class NtfsVolume::Mount {
         return InodeOwner(ntfs_pathname_to_inode(volume_, nullptr, path.c_str()));
     }
 
+    // The volume counts as dirty while its change is being written.
+    void MarkAsChanging() const {
+        const le16 flags = volume_->flags;
+        range_.image.Mark([&] { ntfs_volume_write_flags(volume_, flags | VOLUME_IS_DIRTY); },
+                          [&] { ntfs_volume_write_flags(volume_, flags); });
+    }
+
     // Creates an empty file in an existing folder.
     uint32_t Create(const SplitPath& path) const {
         InodeOwner folder = Open(path.folder);
@@ -187,12 +194,12 @@ class NtfsVolume::Mount {
         return result == 0 ? 0 : PlatformError(errno);
     }
 
-    // Writes everything that libntfs-3g still caches to the medium.
+    // Passes on to the image what libntfs-3g still caches.
     uint32_t Flush() const {
         for (ntfs_inode* inode : {volume_->mft_ni, volume_->mftmirr_ni, volume_->lcnbmp_ni}) {
             if (inode && NInoDirty(inode) && ntfs_inode_sync(inode) != 0) return PlatformError(errno);
         }
-        return range_.image.Flush() ? 0 : errorIoDevice;
+        return 0;
     }
 
   private:
@@ -242,6 +249,7 @@ uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
     if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
     const Mount& mount = Mounted();
     if (!mount.Volume()) return errorFileCorrupt;
+    mount.MarkAsChanging();
     const std::string whole = Normalized(path);
     InodeOwner file = mount.Open(whole);
     const bool isNew = !file;
@@ -269,6 +277,7 @@ uint32_t NtfsVolume::Remove(std::string_view path) {
     if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
     const Mount& mount = Mounted();
     if (!mount.Volume()) return errorFileCorrupt;
+    mount.MarkAsChanging();
     const std::string whole = Normalized(path);
     {
         const InodeOwner file = mount.Open(whole);

@@ -7,6 +7,7 @@
 #include "tools/kestova/command_line/script.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/pc/images.h"
 
 namespace {
 
@@ -40,6 +41,11 @@ const std::vector<std::pair<std::string, std::string>>& BootTargets() {
     return targets;
 }
 
+// The operation has answered; what it changed is not on the disk image.
+void CheckWritten(const OperationReport& report) {
+    if (!report.unwritten.empty()) throw Failed(report.unwritten);
+}
+
 // The result code is the exit status.
 int Boot(const CommandLine& line) {
     std::vector<std::string> names;
@@ -51,6 +57,7 @@ int Boot(const CommandLine& line) {
                        {.access = Access::Change, .showChanges = true, .run = [&](Session& session) -> int {
                             const OperationReport report = session.Call(operation, {});
                             Show(line, report);
+                            CheckWritten(report);
                             ShowMessage(ActiveFlagsRemark(session.Object()));
                             return std::get<int>(report.result);
                         }});
@@ -61,6 +68,7 @@ int Boot(const CommandLine& line) {
 int CallAndShow(const CommandLine& line, Session& session, const PlannedCall& call) {
     const OperationReport report = session.Call(*call.operation, call.arguments);
     Show(line, report);
+    CheckWritten(report);
     return IsFailure(*call.operation, report.result) ? Failure : Done;
 }
 
@@ -92,6 +100,26 @@ int Run(const CommandLine& line) {
                               }
                               return status;
                           }});
+}
+
+std::optional<std::string> ChangeWord(machine::Recovery recovery) {
+    switch (recovery) {
+        case machine::Recovery::Finished:
+            return "finished";
+        case machine::Recovery::TakenBack:
+            return "takenBack";
+        case machine::Recovery::None:
+            break;
+    }
+    return std::nullopt;
+}
+
+int Recover(const CommandLine& line) {
+    if (line.choice.images.empty()) throw WrongUse("recover: name the disk image with --image");
+    const machine::JournalPlace journal = JournalOf(line.choice);
+    for (const std::string& image : line.choice.images)
+        Show(line, RecoveryReport{image, ChangeWord(RecoverChange(image, journal))});
+    return Done;
 }
 
 int ListOperations(const CommandLine& line) {
@@ -133,6 +161,8 @@ const std::vector<Command>& Commands() {
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},
         {"run", "SCRIPT|-", "One operation a line, on one object", 1, 1, true, true, Run},
+        {"recover", "", "Finish or take back a change of an image that was interrupted", 0, 0, true, false,
+         Recover},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},

@@ -82,7 +82,8 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     OpenedPc& pc = *opened;
     CheckOutputFiles(line, pc.Inputs(), work.script);
     LogOutput log(line);
-    if (!pc.Note().empty()) std::cerr << "kestova: " << pc.Note() << "\n";
+    for (const std::string& note : pc.Notes())
+        std::cerr << "kestova: " << note << "\n";
     int status = Done;
     {
         Session session(pc, log.Stream(), line.choice.trace);

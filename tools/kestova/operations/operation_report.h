@@ -15,4 +15,5 @@ struct OperationReport {
     Values outputs = {};
     std::vector<LogEntry> log = {};
     std::optional<Trace> trace = {};
+    std::string unwritten = {};  // why the change is not on the disk image; empty if it is, or there is none
 };

@@ -41,8 +41,11 @@ OperationReport Session::Construct() {
 }
 
 OperationReport Session::Call(const Operation& operation, const Values& arguments) {
-    return Report(operation, arguments,
-                  [&](Values& outputs) { return operation.invoke(*object_, arguments, outputs); });
+    OperationReport report = Report(operation, arguments, [&](Values& outputs) {
+        return operation.invoke(*object_, arguments, outputs);
+    });
+    if (operation.changesPc) report.unwritten = pc_.Commit();
+    return report;
 }
 
 OperationReport Session::Destroy() {

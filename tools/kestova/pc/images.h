@@ -6,14 +6,21 @@
 
 #include "machine/facts/pc.h"
 #include "machine/media/disk_image.h"
+#include "tools/kestova/pc/opened_pc.h"
 
 // As machine::PcOfImages. Throws UnreadablePc; WrongUse if this build has no image part.
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
-                       machine::ImageAccess access);
+                       const machine::ImageUse& use);
+
+// Where the user wants the journal of changes. Throws WrongUse for one file and several images.
+machine::JournalPlace JournalOf(const PcChoice& choice);
+
+// Finishes or takes back a change of the image that was interrupted. Throws as OpenImages.
+machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace& journal);
 
 // Inserts discs and sticks, each under its own letter. Throws as OpenImages.
 void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
                  const std::vector<std::string>& sticks);
 
 // Opens the images that a description names. Throws as OpenImages.
-void AttachImages(machine::Pc& pc, machine::ImageAccess access);
+void AttachImages(machine::Pc& pc, const machine::ImageUse& use);

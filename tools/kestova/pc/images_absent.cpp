@@ -11,8 +11,12 @@ namespace {
 
 }  // namespace
 
-machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind, machine::ImageAccess) {
+machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind, const machine::ImageUse&) {
     Refuse(paths.front());
+}
+
+machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace&) {
+    Refuse(path);
 }
 
 void InsertMedia(machine::Pc&, const std::vector<std::string>& discs,
@@ -22,7 +26,7 @@ void InsertMedia(machine::Pc&, const std::vector<std::string>& discs,
     }
 }
 
-void AttachImages(machine::Pc& pc, machine::ImageAccess) {
+void AttachImages(machine::Pc& pc, const machine::ImageUse&) {
     for (const machine::Disk& disk : pc.disks) {
         if (!disk.image.empty()) Refuse(disk.image);
     }

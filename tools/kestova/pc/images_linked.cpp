@@ -5,9 +5,17 @@
 #include "tools/kestova/pc/images.h"
 
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
-                       machine::ImageAccess access) {
+                       const machine::ImageUse& use) {
     try {
-        return machine::PcOfImages(paths, system, access);
+        return machine::PcOfImages(paths, system, use);
+    } catch (const machine::ImageError& error) {
+        throw UnreadablePc(error.what());
+    }
+}
+
+machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace& journal) {
+    try {
+        return machine::RecoverImage(path, journal);
     } catch (const machine::ImageError& error) {
         throw UnreadablePc(error.what());
     }
@@ -25,11 +33,11 @@ void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
     }
 }
 
-void AttachImages(machine::Pc& pc, machine::ImageAccess access) {
+void AttachImages(machine::Pc& pc, const machine::ImageUse& use) {
     try {
         machine::CheckEachIsNew(pc);
         for (machine::Disk& disk : pc.disks) {
-            if (!disk.image.empty()) machine::AttachImage(disk, access);
+            if (!disk.image.empty()) machine::AttachImage(disk, use);
         }
         for (machine::Volume& volume : pc.volumes) {
             if (!volume.image.empty()) machine::AttachMedium(volume);

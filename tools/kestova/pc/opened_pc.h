@@ -19,6 +19,8 @@ struct PcChoice {
     bool windows = false;             // an installed Windows is running
     bool windowsPe = false;           // Windows PE is running
     bool dryRun = false;
+    std::string journal;  // file for the journal of the only image; empty: beside each image
+    bool noJournal = false;
     bool trace = false;
     std::vector<std::string> faults;  // NAME[#N][+]=CODE
     std::string save;                 // description file to write afterwards
@@ -41,14 +43,17 @@ class OpenedPc {
     OpenedPc(const OpenedPc&) = delete;
     OpenedPc& operator=(const OpenedPc&) = delete;
 
-    // A note for the user about the choice; empty if there is none.
-    virtual const std::string& Note() const = 0;
+    // What the user should know about the choice, and about the state of what was chosen.
+    virtual std::vector<std::string> Notes() const = 0;
     virtual InputFiles Inputs() const = 0;
     // Platform calls and log records in order, since the last call.
     virtual Trace TakeTrace() = 0;
     // Runs an action that changes the PC only to find something out, and restores the PC. False without
     // running it if the PC cannot be restored.
     virtual bool Rehearse(const std::function<void()>& action) = 0;
+    // Writes what was changed to the disk images, each as a whole or not at all. Returns what is wrong, empty
+    // if nothing is.
+    virtual std::string Commit() = 0;
     // The changes since it was opened, a text each; nothing if they are unknown.
     virtual std::optional<std::vector<std::string>> Changes() const = 0;
     // Writes the PC's description. Throws Failed.

@@ -22,6 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using machine::ImageAccess;
+using machine::ImageUse;
 using machine::NamedMachine;
 using machine::Pc;
 using machine::SystemKind;
@@ -81,12 +82,12 @@ std::vector<std::string*> ImagesOf(Pc& pc) {
 }
 
 // Image paths in a description are relative to its file.
-Pc ReadDescriptionFile(const std::string& name, ImageAccess access) {
+Pc ReadDescriptionFile(const std::string& name, const ImageUse& use) {
     try {
         Pc pc = machine::ReadDescription(ReadDescriptionText(name), name);
         for (std::string* const image : ImagesOf(pc))
             *image = (fs::path(name).parent_path() / *image).string();
-        AttachImages(pc, access);
+        AttachImages(pc, use);
         return pc;
     } catch (const machine::DescriptionError& what) {
         throw UnreadablePc(what.what());
@@ -103,18 +104,19 @@ void Start(Pc& pc, SystemKind kind) {
     }
 }
 
-ImageAccess AccessOfImages(const PcChoice& choice, Access access) {
-    if (choice.dryRun) return ImageAccess::Overlay;
-    return access == Access::Change ? ImageAccess::Write : ImageAccess::Read;
+ImageUse UseOfImages(const PcChoice& choice, Access access) {
+    const machine::JournalPlace journal = JournalOf(choice);
+    if (choice.dryRun) return {ImageAccess::Overlay, journal};
+    return {access == Access::Change ? ImageAccess::Write : ImageAccess::Read, journal};
 }
 
 Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {
-    const ImageAccess imageAccess = AccessOfImages(choice, access);
+    const ImageUse use = UseOfImages(choice, access);
     const SystemKind kind = choice.windows ? SystemKind::Windows : SystemKind::WindowsPe;
-    if (!choice.images.empty()) return OpenImages(choice.images, kind, imageAccess);
+    if (!choice.images.empty()) return OpenImages(choice.images, kind, use);
     const std::string name = choice.pc.empty() ? std::string(standardMachine) : choice.pc;
     const NamedMachine* const named = FindMachine(name);
-    Pc pc = named != nullptr ? named->make() : ReadDescriptionFile(name, imageAccess);
+    Pc pc = named != nullptr ? named->make() : ReadDescriptionFile(name, use);
     if (choice.windows || choice.windowsPe) Start(pc, kind);
     return pc;
 }
@@ -140,22 +142,26 @@ class EmulatedOne final : public OpenedPc {
         for (const std::string* const image : ImagesOf(before_))
             inputs_.images.push_back(*image);
         if (choice.images.empty() && choice.pc.empty()) {
-            note_ =
-                "no PC was named: this is " + before_.name + ", a machine in memory that comes with the tool";
+            notes_.push_back("no PC was named: this is " + before_.name +
+                             ", a machine in memory that comes with the tool");
+        }
+        for (const machine::Disk& disk : before_.disks) {
+            if (disk.medium && !disk.medium->Note().empty()) notes_.push_back(disk.medium->Note());
         }
     }
 
-    const std::string& Note() const override { return note_; }
+    std::vector<std::string> Notes() const override { return notes_; }
     InputFiles Inputs() const override { return inputs_; }
     Trace TakeTrace() override;
     bool Rehearse(const std::function<void()>& action) override;
+    std::string Commit() override;
     std::optional<std::vector<std::string>> Changes() const override {
         return ::Changes(before_, emulated_.facts);
     }
     void Save(const std::string& file) const override;
 
   private:
-    std::string note_;
+    std::vector<std::string> notes_;
     InputFiles inputs_;
     Pc before_;
     machine::EmulatedPc emulated_;
@@ -175,6 +181,16 @@ bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     action();
     emulated_.facts = kept;
     return true;
+}
+
+// All images are committed; the first problem is what is said.
+std::string EmulatedOne::Commit() {
+    std::string problem;
+    for (const machine::Disk& disk : emulated_.facts.disks) {
+        const std::string found = disk.medium ? disk.medium->Commit() : "";
+        if (problem.empty()) problem = found;
+    }
+    return problem;
 }
 
 void EmulatedOne::Save(const std::string& file) const {

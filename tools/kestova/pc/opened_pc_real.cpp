@@ -6,15 +6,13 @@ namespace {
 
 class RealOne final : public OpenedPc {
   public:
-    const std::string& Note() const override { return note_; }
+    std::vector<std::string> Notes() const override { return {}; }
     InputFiles Inputs() const override { return {}; }
     Trace TakeTrace() override { return {}; }
     bool Rehearse(const std::function<void()>&) override { return false; }
+    std::string Commit() override { return ""; }
     std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }
     void Save(const std::string&) const override {}
-
-  private:
-    std::string note_;
 };
 
 }  // namespace

@@ -225,7 +225,12 @@ std::string AsJson(const OperationReport& report) {
                  {"outputs", ToJson(report.outputs)},
                  {"log", ToJson(report.log)}};
     if (report.trace) json["trace"] = ToJson(*report.trace);
+    if (!report.unwritten.empty()) json["written"] = false;
     return Line(json);
+}
+
+std::string AsJson(const RecoveryReport& report) {
+    return Line({{"image", report.image}, {"change", ToJson(report.change)}});
 }
 
 std::string AsJson(const std::vector<Operation>& operations) {

@@ -9,11 +9,13 @@
 #include "machine/facts/call_table.h"
 #include "machine/facts/machines.h"
 #include "tools/kestova/reports/letters.h"
+#include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
 
 std::string AsJson(const StatusReport& status);
 std::string AsJson(const LettersReport& letters);
 std::string AsJson(const OperationReport& report);
+std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const std::vector<Operation>& operations);
 std::string AsJson(const std::vector<machine::NamedMachine>& machines);
 std::string AsJson(std::span<const machine::CallInfo> calls);

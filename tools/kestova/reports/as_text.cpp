@@ -185,6 +185,12 @@ std::string AsText(const OperationReport& report) {
     return text;
 }
 
+std::string AsText(const RecoveryReport& report) {
+    if (!report.change) return report.image + ": nothing to recover\n";
+    return report.image + ": a change that had been interrupted was " +
+           (*report.change == "finished" ? "finished" : "taken back") + "\n";
+}
+
 std::string AsText(const std::vector<Operation>& operations) {
     std::string text;
     for (const Operation& operation : operations)

@@ -8,6 +8,7 @@
 #include "machine/facts/call_table.h"
 #include "machine/facts/machines.h"
 #include "tools/kestova/reports/letters.h"
+#include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
 
 // Remark and problem are left out: they belong on standard error.
@@ -16,6 +17,7 @@ std::string AsText(const LettersReport& letters);
 
 // "GetDriveLetter(0, 2) = C: its letter", the outputs below it, and the trace before it when there is one.
 std::string AsText(const OperationReport& report);
+std::string AsText(const RecoveryReport& report);
 
 // Each operation with its arguments, and its results in words.
 std::string AsText(const std::vector<Operation>& operations);

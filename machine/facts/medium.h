@@ -1,0 +1,22 @@
+// The interface to the medium of a disk: what is changed on it is collected until it is committed.
+#pragma once
+
+#include <string>
+
+namespace machine {
+
+class Medium {
+  public:
+    Medium() = default;
+    virtual ~Medium() = default;
+    Medium(const Medium&) = delete;
+    Medium& operator=(const Medium&) = delete;
+
+    // Writes what was changed since the last commit: all of it, or nothing that stays. Returns what is wrong,
+    // empty if nothing is. After a failure nothing more is written, and every further call returns the same.
+    virtual std::string Commit() = 0;
+    // What the user should know about the state in which the medium was found; empty if nothing.
+    virtual const std::string& Note() const = 0;
+};
+
+}  // namespace machine

@@ -1,0 +1,105 @@
+#include "machine/media/device/file_device.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "machine/media/device/image_access.h"
+
+namespace machine {
+
+namespace {
+
+std::string OpenProblem(int error, bool forWriting) {
+    switch (error) {
+        case ENOENT:
+        case ENOTDIR:
+            return "no such file";
+        case EISDIR:
+            return "a folder, not a disk image";
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            return forWriting ? "no permission to write to it" : "no permission to read it";
+        default:
+            return std::string("cannot be opened: ") + std::strerror(error);
+    }
+}
+
+void Lock(int descriptor, const std::string& path) {
+    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return;
+    if (errno == EWOULDBLOCK) throw ImageError(path + ": in use: another program has opened it for writing");
+    throw ImageError(path + ": cannot be locked: " + std::strerror(errno));
+}
+
+// Calls `transfer` (of pread's kind) until all bytes are through.
+template <typename Transfer, typename Byte>
+bool Through(Transfer transfer, int descriptor, uint64_t offset, Byte* bytes, size_t length) {
+    while (length > 0) {
+        const ssize_t done = transfer(descriptor, bytes, length, static_cast<off_t>(offset));
+        if (done < 0 && errno == EINTR) continue;
+        if (done == 0) errno = EIO;
+        if (done <= 0) return false;
+        bytes += done;
+        offset += static_cast<uint64_t>(done);
+        length -= static_cast<size_t>(done);
+    }
+    return true;
+}
+
+}  // namespace
+
+FileDevice::FileDevice(const std::string& path, bool forWriting)
+    // Non-blocking, because opening a named pipe would wait for its other end.
+    : descriptor_(open(path.c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK)) {
+    if (descriptor_ < 0) throw ImageError(path + ": " + OpenProblem(errno, forWriting));
+    try {
+        Check(path, forWriting);
+        if (forWriting) Lock(descriptor_, path);
+    } catch (...) {
+        close(descriptor_);
+        throw;
+    }
+}
+
+FileDevice::~FileDevice() {
+    close(descriptor_);
+}
+
+void FileDevice::Check(const std::string& path, bool forWriting) {
+    struct stat status = {};
+    if (fstat(descriptor_, &status) != 0) throw ImageError(path + ": " + OpenProblem(errno, forWriting));
+    if (S_ISDIR(status.st_mode)) throw ImageError(path + ": " + OpenProblem(EISDIR, forWriting));
+    if (!S_ISREG(status.st_mode)) throw ImageError(path + ": not a regular file");
+    size_ = static_cast<uint64_t>(status.st_size);
+    if (size_ == 0) throw ImageError(path + ": an empty file, no disk image");
+    if (size_ % diskSectorSize != 0) {
+        throw ImageError(path +
+                         ": not a whole number of 512-byte sectors, so no disk image, or a truncated one");
+    }
+}
+
+bool FileDevice::IsInside(uint64_t offset, size_t length) const {
+    errno = EINVAL;
+    return offset <= size_ && length <= size_ - offset;
+}
+
+bool FileDevice::Read(uint64_t offset, void* buffer, size_t length) const {
+    return IsInside(offset, length) &&
+           Through(pread, descriptor_, offset, static_cast<uint8_t*>(buffer), length);
+}
+
+bool FileDevice::Write(uint64_t offset, const void* bytes, size_t length) {
+    return IsInside(offset, length) &&
+           Through(pwrite, descriptor_, offset, static_cast<const uint8_t*>(bytes), length);
+}
+
+bool FileDevice::Flush() {
+    return fsync(descriptor_) == 0;
+}
+
+}  // namespace machine

@@ -1,0 +1,59 @@
+#include "machine/media/device/image_change.h"
+
+namespace machine {
+
+namespace {
+
+bool IsMarked(const ChangedRun& run) {
+    return !run.mark.empty();
+}
+
+// Writes that part of the runs with marks, or of those without, and flushes if there are any.
+bool WriteRuns(BlockDevice& device, const ImageChange& change, bool marked, std::string ChangedRun::*part) {
+    bool isWritten = false;
+    for (const ChangedRun& run : change) {
+        if (IsMarked(run) != marked) continue;
+        if (!device.Write(run.offset, (run.*part).data(), (run.*part).size())) return false;
+        isWritten = true;
+    }
+    return !isWritten || device.Flush();
+}
+
+bool WriteUnderMarks(BlockDevice& device, const ImageChange& change, std::string ChangedRun::*target) {
+    return WriteRuns(device, change, true, &ChangedRun::mark) && WriteRuns(device, change, false, target) &&
+           WriteRuns(device, change, true, target);
+}
+
+bool Holds(const std::string& found, size_t at, const std::string& expected) {
+    return !expected.empty() && found.compare(at, diskSectorSize, expected, at, diskSectorSize) == 0;
+}
+
+}  // namespace
+
+bool WriteChange(BlockDevice& device, const ImageChange& change) {
+    return WriteUnderMarks(device, change, &ChangedRun::after);
+}
+
+bool TakeBackChange(BlockDevice& device, const ImageChange& change) {
+    return WriteUnderMarks(device, change, &ChangedRun::before);
+}
+
+ChangeState StateOfChange(const BlockDevice& device, const ImageChange& change) {
+    bool isBefore = true;
+    bool isAfter = true;
+    for (const ChangedRun& run : change) {
+        std::string found(run.before.size(), '\0');
+        if (!device.Read(run.offset, found.data(), found.size())) return ChangeState::Foreign;
+        for (size_t at = 0; at < found.size(); at += diskSectorSize) {
+            const bool holdsBefore = Holds(found, at, run.before);
+            const bool holdsAfter = Holds(found, at, run.after);
+            if (!holdsBefore && !holdsAfter && !Holds(found, at, run.mark)) return ChangeState::Foreign;
+            isBefore = isBefore && holdsBefore;
+            isAfter = isAfter && holdsAfter;
+        }
+    }
+    if (isAfter) return ChangeState::After;
+    return isBefore ? ChangeState::Before : ChangeState::Between;
+}
+
+}  // namespace machine

@@ -1,0 +1,19 @@
+// Integers in bytes. Bytes beyond the end read as zero, so that a damaged medium cannot lead out of bounds.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace machine {
+
+// Little-endian (Le) and big-endian (Be) integers.
+uint8_t Byte(std::string_view bytes, size_t at);
+uint16_t Le16(std::string_view bytes, size_t at);
+uint32_t Le32(std::string_view bytes, size_t at);
+uint64_t Le64(std::string_view bytes, size_t at);
+uint16_t Be16(std::string_view bytes, size_t at);
+
+void AppendLe64(std::string& bytes, uint64_t number);
+
+}  // namespace machine
