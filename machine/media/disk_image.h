@@ -12,17 +12,17 @@
 namespace machine {
 
 // Opens the image that disk.image names and fills in the disk's size, style, signature or GUID, its
-// partitions with volumes and files, and the object that receives table changes, and the medium that
-// writes them. Partitions described in
-// advance are matched by number: offsets and contents come from the image; letters, drive type and whatever
-// else an image does not contain come from the description.
+// partitions with volumes and files, the object that receives table changes, and the medium that writes them.
+// Partitions described in advance are matched by number: offsets and contents come from the image; letters,
+// drive type and whatever else an image does not contain come from the description.
 //
-// Throws ImageError with the disk and the file unchanged. Write and Overlay refuse dirty or hibernated NTFS
-// volumes. Write locks the file as long as the disk or a copy of it exists.
+// Throws ImageError with the disk and the file unchanged. Write and Overlay refuse dirty, hibernated and
+// damaged NTFS volumes, as use.onlyFile says. Write locks the file as long as the disk or a copy of it
+// exists.
 void AttachImage(Disk& disk, const ImageUse& use);
 
-// Finishes or takes back a change of the image that was interrupted; says which. Throws ImageError with the file
-// unchanged.
+// Finishes or takes back a change of the image that was interrupted; says which. Throws ImageError with the
+// file unchanged.
 Recovery RecoverImage(const std::string& path, const JournalPlace& journal);
 
 // A PC with these images as disks 0, 1, ...: SATA disks, with the letters that the running system assigns.

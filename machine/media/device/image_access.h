@@ -1,6 +1,7 @@
 // How an image is opened, and the exception for one that cannot be used.
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -22,6 +23,9 @@ struct ImageUse {
 
     ImageAccess access;
     JournalPlace journal;
+    // The only file that will be changed, and only if it is there already; empty: no file will be. A volume that must
+    // not be changed is then no reason to refuse the image, unless it has that file. Absent: any file may be.
+    std::optional<std::string> onlyFile = std::nullopt;
 };
 
 // The image file cannot be used. what() reads "FILE: what is wrong[, where]".

@@ -132,11 +132,10 @@ uint32_t WriteContent(ntfs_inode& inode, std::string_view content) {
 
 class NtfsVolume::Mount {
   public:
-    Mount(ImageFile& image, uint64_t offset, uint64_t size) : range_{image, offset, size} {
+    Mount(ImageFile& image, uint64_t offset, uint64_t size, bool isReadOnly) : range_{image, offset, size} {
         ntfs_log_set_handler(ntfs_log_handler_null);
         ntfs_set_char_encoding("utf8");
         ntfs_device* const device = NewDevice(range_);
-        const bool isReadOnly = image.Access() == ImageAccess::Read;
         volume_ = ntfs_device_mount(device, isReadOnly ? NTFS_MNT_RDONLY : NTFS_MNT_NONE);
         if (!volume_) {
             error_ = errno;
@@ -214,8 +213,17 @@ NtfsVolume::NtfsVolume(std::shared_ptr<ImageFile> image, uint64_t offset, uint64
 NtfsVolume::~NtfsVolume() = default;
 
 NtfsVolume::Mount& NtfsVolume::Mounted() {
-    if (!mount_) mount_ = std::make_unique<Mount>(*image_, offset_, size_);
+    if (!mount_) mount_ = std::make_unique<Mount>(*image_, offset_, size_, IsProtected());
     return *mount_;
+}
+
+bool NtfsVolume::IsProtected() const {
+    return isProtected_ || image_->Access() == ImageAccess::Read;
+}
+
+void NtfsVolume::Protect() {
+    isProtected_ = true;
+    mount_.reset();
 }
 
 NtfsVolume::Condition NtfsVolume::Check() {
@@ -246,7 +254,7 @@ uint32_t NtfsVolume::Read(std::string_view path, std::string& content) {
 }
 
 uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
-    if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
+    if (IsProtected()) return errorWriteProtect;
     const Mount& mount = Mounted();
     if (!mount.Volume()) return errorFileCorrupt;
     mount.MarkAsChanging();
@@ -274,16 +282,16 @@ uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
 }
 
 uint32_t NtfsVolume::Remove(std::string_view path) {
-    if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
     const Mount& mount = Mounted();
     if (!mount.Volume()) return errorFileCorrupt;
-    mount.MarkAsChanging();
     const std::string whole = Normalized(path);
     {
         const InodeOwner file = mount.Open(whole);
         if (!file) return errorFileNotFound;
+        if (IsProtected()) return errorWriteProtect;
         if (IsClosedForChange(*file)) return errorAccessDenied;
     }
+    mount.MarkAsChanging();
     const uint32_t error = mount.Delete(whole);
     const uint32_t flushError = mount.Flush();
     return error != 0 ? error : flushError;

@@ -18,6 +18,8 @@ class NtfsVolume : public FileStore {
     // Whether Windows left the volume in a state in which it may be changed.
     enum class Condition { Clean, Dirty, Hibernated, Damaged };
     Condition Check();
+    // From here on the volume is only read.
+    void Protect();
 
     // Finds nothing on a volume that cannot be mounted. Error codes beyond those of FileStore: 5 for files
     // to which Windows denies access (read-only for Write and Remove, encrypted, a folder, the file
@@ -31,10 +33,12 @@ class NtfsVolume : public FileStore {
   private:
     class Mount;
     Mount& Mounted();
+    bool IsProtected() const;
 
     std::shared_ptr<ImageFile> image_;
     uint64_t offset_;
     uint64_t size_;
+    bool isProtected_ = false;
     std::unique_ptr<Mount> mount_;
 };
 

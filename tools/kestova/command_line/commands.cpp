@@ -46,6 +46,26 @@ void CheckWritten(const OperationReport& report) {
     if (!report.unwritten.empty()) throw Failed(report.unwritten);
 }
 
+Access AccessFor(const Operation& operation) {
+    if (!operation.changesPc) return Access::Ask;
+    switch (operation.changedFiles) {
+        case ChangedFiles::None:
+            return Access::ChangeTable;
+        case ChangedFiles::ExistingRecord:
+            return Access::ChangeTableAndRecord;
+        case ChangedFiles::Any:
+            break;
+    }
+    return Access::Change;
+}
+
+Access AccessFor(const std::vector<PlannedCall>& calls) {
+    Access most = Access::Ask;
+    for (const PlannedCall& call : calls)
+        most = std::max(most, AccessFor(*call.operation));
+    return most;
+}
+
 // The result code is the exit status.
 int Boot(const CommandLine& line) {
     std::vector<std::string> names;
@@ -53,14 +73,14 @@ int Boot(const CommandLine& line) {
         names.push_back(name);
         if (name != line.arguments[0]) continue;
         const Operation& operation = FindOperation(operationName);
-        return RunOnPc(line,
-                       {.access = Access::Change, .showChanges = true, .run = [&](Session& session) -> int {
-                            const OperationReport report = session.Call(operation, {});
-                            Show(line, report);
-                            CheckWritten(report);
-                            ShowMessage(ActiveFlagsRemark(session.Object()));
-                            return std::get<int>(report.result);
-                        }});
+        return RunOnPc(
+            line, {.access = AccessFor(operation), .showChanges = true, .run = [&](Session& session) -> int {
+                       const OperationReport report = session.Call(operation, {});
+                       Show(line, report);
+                       CheckWritten(report);
+                       ShowMessage(ActiveFlagsRemark(session.Object()));
+                       return std::get<int>(report.result);
+                   }});
     }
     throw WrongUse("boot: " + UnknownWord("system to boot", line.arguments[0], names));
 }
@@ -72,17 +92,11 @@ int CallAndShow(const CommandLine& line, Session& session, const PlannedCall& ca
     return IsFailure(*call.operation, report.result) ? Failure : Done;
 }
 
-Access AccessFor(const std::vector<PlannedCall>& calls) {
-    const bool changes = std::any_of(calls.begin(), calls.end(),
-                                     [](const PlannedCall& call) { return call.operation->changesPc; });
-    return changes ? Access::Change : Access::Ask;
-}
-
 int Call(const CommandLine& line) {
     const Operation& operation = FindOperation(line.arguments[0]);
     const std::vector<std::string> words(line.arguments.begin() + 1, line.arguments.end());
     const PlannedCall call{&operation, ReadArguments(operation, words)};
-    return RunOnPc(line, {.access = AccessFor({call}),
+    return RunOnPc(line, {.access = AccessFor(operation),
                           .initialize = operation.name != "Initialize",
                           .showChanges = operation.changesPc,
                           .run = [&](Session& session) { return CallAndShow(line, session, call); }});

@@ -106,8 +106,11 @@ void Start(Pc& pc, SystemKind kind) {
 
 ImageUse UseOfImages(const PcChoice& choice, Access access) {
     const machine::JournalPlace journal = JournalOf(choice);
-    if (choice.dryRun) return {ImageAccess::Overlay, journal};
-    return {access == Access::Change ? ImageAccess::Write : ImageAccess::Read, journal};
+    if (access == Access::Ask) return {choice.dryRun ? ImageAccess::Overlay : ImageAccess::Read, journal};
+    ImageUse use(choice.dryRun ? ImageAccess::Overlay : ImageAccess::Write, journal);
+    if (access == Access::ChangeTable) use.onlyFile = "";
+    if (access == Access::ChangeTableAndRecord) use.onlyFile = "SystemVolume.ini";
+    return use;
 }
 
 Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {

@@ -1,0 +1,213 @@
+// Changes of a disk image that a failing medium or a power cut interrupts, as a user meets them.
+
+#include <gmock/gmock.h>
+
+#include "tests/support/program/program.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+
+class Interrupted : public ProgramTest {
+  protected:
+    Interrupted() {
+        EXPECT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
+    }
+
+    // On a medium of which only the beginning can be written: the journal, not the volume. The journal stays.
+    Outcome OnFailingMedium(const std::string& words) {
+        return Shell("ulimit -f 200; " KESTOVA_PROGRAM " --image disk.img " + words);
+    }
+    Outcome Interrupt() { return OnFailingMedium("boot recovery"); }
+
+    bool IsAsItWas() { return Shell("cmp " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status == 0; }
+    bool HasJournal() { return std::filesystem::exists(Folder() / "disk.img.kestova-journal"); }
+    bool IsConsistent() {
+        return Shell(
+                   "dd if=disk.img of=recovery.ntfs bs=1M skip=1 count=60 status=none && "
+                   "ntfsfix --no-action recovery.ntfs")
+                   .status == 0;
+    }
+};
+
+TEST_F(Interrupted, FailingMedium_BootRecovery_AnswersAndSaysThatNothingIsWritten) {
+    const Outcome outcome = Interrupt();
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "SetRcvprtActive() = 0: done, or it was active already\n");
+    EXPECT_EQ(
+        outcome.errors,
+        "kestova: disk.img: cannot be written: File too large, nor what had been written be taken back: once it "
+        "can be written, `kestova recover` does\n");
+    EXPECT_TRUE(HasJournal());
+}
+
+TEST_F(Interrupted, FailingMedium_BootRecoveryAsJson_HasTheKeyWrittenLast) {
+    const Outcome outcome = OnFailingMedium("--json boot recovery");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, HasSubstr(R"("result":0,)"));
+    EXPECT_THAT(outcome.output, EndsWith(R"(,"written":false})"
+                                         "\n"));
+}
+
+TEST_F(Interrupted, NoRoomForTheJournal_BootRecovery_LeavesTheImageAlone) {
+    const Outcome outcome = Shell("ulimit -f 8; " KESTOVA_PROGRAM " --image disk.img boot recovery");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors,
+                HasSubstr("disk.img.kestova-journal cannot be written: File too large; nothing was written"));
+    EXPECT_FALSE(HasJournal());
+    EXPECT_TRUE(IsAsItWas());
+}
+
+TEST_F(Interrupted, FailingMedium_Run_EndsAtTheOperationThatIsNotWritten) {
+    WriteFile("script", "SetActive 2\nSetRcvprtActive\nSetActive 1\n");
+    const Outcome outcome = OnFailingMedium("run script");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, HasSubstr("SetRcvprtActive() = 0"));
+    EXPECT_THAT(outcome.output, Not(HasSubstr("SetActive(1)")));
+}
+
+TEST_F(Interrupted, PendingJournal_Status_ReadsThroughItAndSaysSo) {
+    Interrupt();
+    const Outcome status = Kestova("--image disk.img --json status");
+    EXPECT_EQ(status.status, 0);
+    EXPECT_THAT(status.output, HasSubstr(R"("activePartition":2)"));
+    EXPECT_EQ(
+        status.errors,
+        "kestova: disk.img: a change was interrupted; it is shown as it will be once `kestova recover` has taken "
+        "it back\n");
+    EXPECT_TRUE(HasJournal());
+}
+
+TEST_F(Interrupted, PendingJournal_Recover_TakesTheChangeBack) {
+    Interrupt();
+    const Outcome recover = Kestova("--image disk.img recover");
+    EXPECT_EQ(recover.status, 0);
+    EXPECT_EQ(recover.output, "disk.img: a change that had been interrupted was taken back\n");
+    EXPECT_FALSE(HasJournal());
+    EXPECT_TRUE(IsAsItWas());
+    EXPECT_EQ(Kestova("--image disk.img recover").output, "disk.img: nothing to recover\n");
+    EXPECT_EQ(Kestova("--image disk.img --json recover").output,
+              "{\"image\":\"disk.img\",\"change\":null}\n");
+}
+
+TEST_F(Interrupted, PendingJournal_BootRecoveryAndSystem_TakeItBackFirstAndWork) {
+    Interrupt();
+    const Outcome recovery = Kestova("--image disk.img boot recovery");
+    EXPECT_EQ(recovery.status, 0);
+    EXPECT_EQ(recovery.errors, "kestova: disk.img: a change that had been interrupted was taken back\n");
+    EXPECT_TRUE(IsConsistent());
+    EXPECT_EQ(Kestova("--image disk.img boot system").status, 0);
+    EXPECT_TRUE(IsConsistent());
+    EXPECT_FALSE(HasJournal());
+}
+
+TEST_F(Interrupted, WrongJournal_AnyCommand_NamesItAndChangesNothing) {
+    WriteFile("disk.img.kestova-journal", "notes");
+    for (const char* const command : {"status", "boot recovery", "recover"}) {
+        const Outcome outcome = Kestova(std::string("--image disk.img ") + command);
+        EXPECT_EQ(outcome.status, 3);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, HasSubstr("disk.img.kestova-journal is no journal, or a damaged one"));
+    }
+    EXPECT_TRUE(IsAsItWas());
+}
+
+TEST_F(Interrupted, NamedJournal_BootRecovery_KeepsItThereAndRecoverFindsIt) {
+    Shell("ulimit -f 200; " KESTOVA_PROGRAM " --image disk.img --journal kept boot recovery");
+    EXPECT_FALSE(HasJournal());
+    EXPECT_TRUE(std::filesystem::exists(Folder() / "kept"));
+    EXPECT_EQ(Kestova("--image disk.img --journal kept recover").output,
+              "disk.img: a change that had been interrupted was taken back\n");
+    EXPECT_TRUE(IsAsItWas());
+}
+
+TEST_F(Interrupted, JournalForSeveralImagesOrNone_AnyCommand_IsWrongUse) {
+    for (const char* const pc : {"--image disk.img --image other.img", "--pc factory-mbr"}) {
+        const Outcome outcome = Kestova(std::string(pc) + " --journal kept boot recovery");
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_THAT(outcome.errors, HasSubstr("--journal: it is for one --image"));
+    }
+    const Outcome recover = Kestova("recover");
+    EXPECT_EQ(recover.status, 2);
+    EXPECT_THAT(recover.errors, HasSubstr("recover: name the disk image with --image"));
+}
+
+TEST_F(Interrupted, FolderThatCannotBeWritten_BootRecovery_IsRefusedUnlessWithoutJournal) {
+    const std::string journal = " --journal nope/journal";
+    EXPECT_EQ(Kestova("--image disk.img boot recovery" + journal).status, 3);
+    EXPECT_TRUE(IsAsItWas());
+    EXPECT_EQ(Kestova("--image disk.img --no-journal boot recovery").status, 0);
+    EXPECT_FALSE(IsAsItWas());
+}
+
+// --- volumes that were shut down badly ---
+
+// A disk that was switched to its recovery partition, and of which a volume was then not shut down properly.
+class ShutDownBadly : public Interrupted {
+  protected:
+    // Marks the volume dirty.
+    void Mark(int startMiB, int sizeMiB) {
+        const std::string place =
+            " bs=1M count=" + std::to_string(sizeMiB) + " status=none conv=notrunc,sparse";
+        const std::string start = std::to_string(startMiB);
+        ASSERT_EQ(Shell("dd if=disk.img of=part skip=" + start + place +
+                        " && ntfsfix part && dd if=part of=disk.img seek=" + start + place)
+                      .status,
+                  0);
+        ASSERT_EQ(Shell("cp --sparse=always disk.img marked.img").status, 0);
+    }
+    void MarkRecovery() { Mark(1, 60); }
+    void MarkData() { Mark(181, 90); }
+    bool IsAsMarked() { return Shell("cmp marked.img disk.img").status == 0; }
+    std::string ActiveLine() { return Shell("sfdisk --dump disk.img | grep bootable").output; }
+};
+
+TEST_F(ShutDownBadly, NoRecord_BootSystem_MovesTheFlagAndLeavesTheVolumeAlone) {
+    ASSERT_EQ(Kestova("--image disk.img call SetActive 1").status, 0);
+    MarkRecovery();
+
+    const Outcome outcome = Kestova("--image disk.img boot system");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(ActiveLine(), HasSubstr("type=7, bootable"));
+    EXPECT_EQ(Shell("cmp --verbose marked.img disk.img | wc -l").output, "2\n");
+}
+
+TEST_F(ShutDownBadly, RecordOnTheVolume_BootSystem_IsRefused) {
+    ASSERT_EQ(Kestova("--image disk.img boot recovery").status, 0);
+    MarkRecovery();
+
+    const Outcome outcome = Kestova("--image disk.img boot system");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.errors, HasSubstr("partition 1 \"Recovery\" is marked dirty: start Windows"));
+    EXPECT_TRUE(IsAsMarked());
+}
+
+TEST_F(ShutDownBadly, RecordOnAnotherVolume_BootSystem_IsDoneWithoutIt) {
+    ASSERT_EQ(Kestova("--image disk.img boot recovery").status, 0);
+    MarkData();
+
+    EXPECT_EQ(Kestova("--image disk.img boot system").status, 0);
+    EXPECT_THAT(ActiveLine(), HasSubstr("type=7, bootable"));
+    EXPECT_TRUE(IsConsistent());
+}
+
+TEST_F(ShutDownBadly, AnyVolume_BootRecovery_IsRefused) {
+    MarkData();
+
+    const Outcome outcome = Kestova("--image disk.img boot recovery");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.errors, HasSubstr("partition 3 \"Data\" is marked dirty: start Windows"));
+    EXPECT_TRUE(IsAsMarked());
+}
+
+TEST_F(ShutDownBadly, AnyVolume_SetActiveAndClearActive_AreDone) {
+    MarkRecovery();
+
+    EXPECT_EQ(Kestova("--image disk.img call ClearActive").status, 0);
+    EXPECT_EQ(ActiveLine(), "");
+    EXPECT_EQ(Kestova("--image disk.img call SetActive 1").status, 0);
+    EXPECT_THAT(ActiveLine(), HasSubstr("type=27, bootable"));
+}
+
+}  // namespace
