@@ -13,9 +13,9 @@ namespace machine {
 // if they are part of that rest. A file system is marked as being changed that way.
 struct ChangedRun {
     uint64_t offset = 0;  // bytes
-    std::string before;
-    std::string after;  // as long
-    std::string mark;   // as long, or empty
+    std::string before = {};
+    std::string after = {};  // as long
+    std::string mark = {};   // as long, or empty
 
     bool operator==(const ChangedRun&) const = default;
 };
