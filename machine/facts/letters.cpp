@@ -30,7 +30,10 @@ LocatedVolume FindLetter(Pc& pc, char letter) {
 
 uint32_t WhyUnreadable(const Volume& volume) {
     if (volume.fileSystem == "RAW") return ERROR_UNRECOGNIZED_VOLUME;
-    return volume.fileSystem == "BitLocker" ? errorLockedVolume : uint32_t{ERROR_SUCCESS};
+    if (volume.fileSystem == "BitLocker") return errorLockedVolume;
+    // Every file system has a root folder, unless it is damaged.
+    const bool isDamaged = volume.store && volume.store->Find("") != FileKind::Folder;
+    return isDamaged ? uint32_t{ERROR_FILE_CORRUPT} : uint32_t{ERROR_SUCCESS};
 }
 
 std::string UsedLetters(const Pc& pc) {

@@ -22,7 +22,7 @@ LocatedVolume FindLetter(Pc& pc, char letter);
 inline constexpr uint32_t errorLockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
 
 // 0 if the volume can be read, otherwise the error: 1005 for an unknown file system, 0x80310000 for one
-// that BitLocker keeps locked.
+// that BitLocker keeps locked, 1392 for one on an image that is damaged.
 uint32_t WhyUnreadable(const Volume& volume);
 
 // Every letter in use, upper case, ascending, each once.

@@ -4,6 +4,9 @@
 
 #include "platform/windows_api.h"
 
+// The key of HKEY_LOCAL_MACHINE in which the registry of the installed Windows is loaded meanwhile.
+inline constexpr const WCHAR* installedWindowsHive = TEXT("TEMSYSTEM");
+
 inline constexpr const WCHAR* runningSystemNotRead =
     TEXT("Kestova::GetWinDriveLetters\t\tRead WINPE Registry fail.");
 inline constexpr const WCHAR* installedWindowsNotLoaded =

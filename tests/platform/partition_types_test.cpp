@@ -15,8 +15,8 @@ namespace {
 struct Row {
     std::string name;
     std::string type;
-    std::string words;  // empty: none
-    std::string role;   // empty: none
+    std::string words = {};  // empty: none
+    std::string role = {};   // empty: none
     VDS_DISK_EXTENT_TYPE extent = VDS_DET_UNKNOWN;
     bool letterable = false;
     bool hidden = false;

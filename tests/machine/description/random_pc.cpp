@@ -176,7 +176,7 @@ ScsiAddress Generator::MakeScsiAddress() {
 Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
     Disk disk;
     auto& [number, vdsName, deviceType, busType, size, style, signature, guid, pack, unallocated, wmi,
-           location, scsiAddress, storageBusType, controllers, partitions, image, table] = disk;
+           location, scsiAddress, storageBusType, controllers, partitions, image, table, medium] = disk;
     number = index;
     vdsName = ValueOrNothing<std::string>([&] { return Text(); });
     deviceType = OneOf<uint32_t>({7, 2, 0x33, 1});

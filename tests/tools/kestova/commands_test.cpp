@@ -203,6 +203,22 @@ TEST_F(Letters, EachStepFailing_Letters_GivesItsReason) {
     EXPECT_THAT(notUnloaded.output, HasSubstr("C       0     5          C\n"));
 }
 
+// The second batch file is taken for one that has ended.
+TEST_F(Letters, UnloadingNotAwaited_Letters_SaysThatTheRegistryIsLoaded) {
+    const Outcome outcome = Kestova("--pc winpe-media --fail 'WaitForSingleObject#2=0' letters");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(
+        outcome.errors,
+        "kestova: the registry of the installed Windows is still loaded: reg unload HKLM\\TEMSYSTEM unloads it\n");
+    EXPECT_THAT(outcome.output, HasSubstr("C       0     5          C\n"));
+}
+
+TEST_F(Status, VolumeThatCannotBeRead_Status_ReportsTheErrorAndFails) {
+    const Outcome outcome = Kestova("--pc factory-mbr --fail 'GetVolumeInformationW+=21' status");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("the volume C: cannot be read (error 21)"));
+}
+
 TEST_F(Status, WinPeTwoDisks_StatusInJson_IsOneObject) {
     const Outcome outcome = Kestova("--pc winpe-two-disks --json status");
     EXPECT_EQ(outcome.status, 0);

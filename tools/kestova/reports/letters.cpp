@@ -42,6 +42,18 @@ std::string ProblemText(const std::vector<LogEntry>& log) {
     return text;
 }
 
+constexpr const char* stillLoaded =
+    "the registry of the installed Windows is still loaded: reg unload HKLM\\TEMSYSTEM unloads it";
+
+// Whether its registry stayed loaded, as after an unloading that was started and failed.
+bool IsStillLoaded() {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, installedWindowsHive, 0, KEY_READ, &key) != ERROR_SUCCESS)
+        return false;
+    RegCloseKey(key);
+    return true;
+}
+
 LetterReport Translate(Kestova& object, const DriveRecord& record) {
     LetterReport letter{.letter = record.letter};
     const WCHAR here = object.GetDriveLetter(record.disk, record.partition);
@@ -64,5 +76,6 @@ LettersReport ReadLetters(Session& session) {
     } else if (letters.letters.empty()) {
         letters.remark = noLetters;  // the library does not report why
     }
+    if (letters.problem.empty() && IsStillLoaded()) letters.problem = stillLoaded;
     return letters;
 }

@@ -6,6 +6,7 @@
 #include "base/hexadecimal.h"
 #include "base/text_case.h"
 #include "base/utf.h"
+#include "machine/facts/letters.h"
 #include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/disk_layout.h"
@@ -72,8 +73,13 @@ bool IsActive(const PARTITION_INFORMATION_EX& partition) {
     return partition.PartitionStyle == PARTITION_STYLE_MBR && partition.Mbr.BootIndicator != 0;
 }
 
+// A volume without a file system, or one that BitLocker keeps locked, is as it should be.
+bool IsUnread(DWORD error) {
+    return error == ERROR_UNRECOGNIZED_VOLUME || error == machine::errorLockedVolume;
+}
+
 // Letter, label and file system.
-void AddVolume(Kestova& object, int disk, PartitionReport& partition) {
+void AddVolume(Kestova& object, int disk, PartitionReport& partition, Problems& problems) {
     const WCHAR letter = object.GetDriveLetter(disk, partition.number);
     if (letter == TEXT('0') || letter == 0) return;
     partition.letter = letter;
@@ -81,13 +87,19 @@ void AddVolume(Kestova& object, int disk, PartitionReport& partition) {
     WCHAR label[MAX_PATH + 1] = {};
     WCHAR fileSystem[MAX_PATH + 1] = {};
     if (!GetVolumeInformationW(root, label, MAX_PATH + 1, nullptr, nullptr, nullptr, fileSystem,
-                               MAX_PATH + 1))
+                               MAX_PATH + 1)) {
+        const DWORD error = GetLastError();
+        if (!IsUnread(error))
+            problems.Add("the volume " + std::string(1, static_cast<char>(letter)) + ": cannot be read",
+                         error);
         return;
+    }
     partition.label = ToUtf8(label);
     partition.fileSystem = ToUtf8(fileSystem);
 }
 
-PartitionReport ReadPartition(Kestova& object, int disk, const PARTITION_INFORMATION_EX& entry) {
+PartitionReport ReadPartition(Kestova& object, int disk, const PARTITION_INFORMATION_EX& entry,
+                              Problems& problems) {
     const bool mbr = entry.PartitionStyle == PARTITION_STYLE_MBR;
     PartitionReport partition;
     partition.number = static_cast<int>(entry.PartitionNumber);
@@ -96,7 +108,7 @@ PartitionReport ReadPartition(Kestova& object, int disk, const PARTITION_INFORMA
     partition.type = mbr ? Hex(entry.Mbr.PartitionType, 2) : GuidText(entry.Gpt.PartitionType);
     partition.typeName = mbr ? MbrTypeWords(entry.Mbr.PartitionType) : GptTypeWords(entry.Gpt.PartitionType);
     partition.active = IsActive(entry);
-    AddVolume(object, disk, partition);
+    AddVolume(object, disk, partition, problems);
     return partition;
 }
 
@@ -139,7 +151,7 @@ void AddPartitions(Kestova& object, int disk, const DiskLayout& layout, StatusRe
     if (!isKnown) problems.Add("the active partition of " + DiskName(disk) + " could not be told");
     if (!layout) return;
     for (const PARTITION_INFORMATION_EX& entry : *layout)
-        status.partitions.push_back(ReadPartition(object, disk, entry));
+        status.partitions.push_back(ReadPartition(object, disk, entry, problems));
 }
 
 void AddDisk(Kestova& object, StatusReport& status, Problems& problems) {

@@ -201,6 +201,16 @@ TEST_F(ShutDownBadly, AnyVolume_BootRecovery_IsRefused) {
     EXPECT_TRUE(IsAsMarked());
 }
 
+TEST_F(ShutDownBadly, DamagedRecoveryVolume_Status_SaysThatItCannotBeRead) {
+    // The master file table begins 96 KiB into the volume.
+    Shell("dd if=/dev/zero of=disk.img bs=4096 seek=280 count=4 conv=notrunc status=none");
+
+    const Outcome status = Kestova("--image disk.img status");
+    EXPECT_EQ(status.status, 1);
+    EXPECT_EQ(status.errors, "kestova: the volume C: cannot be read (error 1392)\n");
+    EXPECT_THAT(status.output, HasSubstr("hidden recovery (0x27)"));
+}
+
 TEST_F(ShutDownBadly, AnyVolume_SetActiveAndClearActive_AreDone) {
     MarkRecovery();
 
