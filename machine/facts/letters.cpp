@@ -30,10 +30,11 @@ LocatedVolume FindLetter(Pc& pc, char letter) {
 
 uint32_t WhyUnreadable(const Volume& volume) {
     if (volume.fileSystem == "RAW") return ERROR_UNRECOGNIZED_VOLUME;
-    if (volume.fileSystem == "BitLocker") return errorLockedVolume;
-    // Every file system has a root folder, unless it is damaged.
-    const bool isDamaged = volume.store && volume.store->Find("") != FileKind::Folder;
-    return isDamaged ? uint32_t{ERROR_FILE_CORRUPT} : uint32_t{ERROR_SUCCESS};
+    return volume.fileSystem == "BitLocker" ? errorLockedVolume : uint32_t{ERROR_SUCCESS};
+}
+
+bool IsDamaged(const Volume& volume) {
+    return volume.store && volume.store->Find("") != FileKind::Folder;
 }
 
 std::string UsedLetters(const Pc& pc) {

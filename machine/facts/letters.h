@@ -22,8 +22,11 @@ LocatedVolume FindLetter(Pc& pc, char letter);
 inline constexpr uint32_t errorLockedVolume = 0x80310000;  // FVE_E_LOCKED_VOLUME
 
 // 0 if the volume can be read, otherwise the error: 1005 for an unknown file system, 0x80310000 for one
-// that BitLocker keeps locked, 1392 for one on an image that is damaged.
+// that BitLocker keeps locked.
 uint32_t WhyUnreadable(const Volume& volume);
+
+// Whether its file system, on an image, is known and does not even have a root folder.
+bool IsDamaged(const Volume& volume);
 
 // Every letter in use, upper case, ascending, each once.
 std::string UsedLetters(const Pc& pc);

@@ -42,6 +42,7 @@ uint32_t ReturnVolume(EmulatedPc& pc, const std::string& root, const VolumeAnswe
     const Volume& volume = *located.volume;
     if (!volume.label.value) return volume.label.error;
     if (const uint32_t error = WhyUnreadable(volume)) return error;
+    if (IsDamaged(volume)) return ERROR_FILE_CORRUPT;
     if (answers.serial != nullptr) *answers.serial = 0;
     if (answers.longestName != nullptr) *answers.longestName = 255;
     if (answers.flags != nullptr) *answers.flags = FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK;

@@ -202,8 +202,8 @@ TEST_F(ShutDownBadly, AnyVolume_BootRecovery_IsRefused) {
 }
 
 TEST_F(ShutDownBadly, DamagedRecoveryVolume_Status_SaysThatItCannotBeRead) {
-    // The master file table begins 96 KiB into the volume.
-    Shell("dd if=/dev/zero of=disk.img bs=4096 seek=280 count=4 conv=notrunc status=none");
+    // The root folder is the sixth of the 1-KiB records that begin 16 KiB into the volume.
+    Shell("dd if=/dev/zero of=disk.img bs=1024 seek=1045 count=1 conv=notrunc status=none");
 
     const Outcome status = Kestova("--image disk.img status");
     EXPECT_EQ(status.status, 1);
