@@ -45,4 +45,11 @@ OpenedPc::OpenedPc(const std::string& name) {
     }
 }
 
-OpenedPc::~OpenedPc() = default;
+OpenedPc::~OpenedPc() {
+    for (const machine::Disk& disk : inside_->pc.facts.disks) {
+        const std::string problem = disk.medium ? disk.medium->Commit() : "";
+        if (problem.empty()) continue;
+        std::fprintf(stderr, "recovery: %s\n", problem.c_str());
+        std::exit(1);
+    }
+}

@@ -19,9 +19,9 @@ struct TableEntry {
 };
 
 // Changes return 0, or the platform's error code. 19: the medium is write-protected; 87: there is no such
-// partition, or it cannot have that value (a flag or an MBR type on a GPT disk, type 0, to or from an extended
-// partition); both change nothing. 1117: the medium cannot be read. After 1117 the change may have been made in
-// part; call Entries() to find out.
+// partition, or it cannot have that value (a flag or an MBR type on a GPT disk, type 0, to or from an
+// extended partition); both change nothing. 1117: the medium cannot be read. After 1117 the change may have
+// been made in part; call Entries() to find out.
 class PartitionTable {
   public:
     virtual ~PartitionTable() = default;

@@ -23,8 +23,9 @@ struct ImageUse {
 
     ImageAccess access;
     JournalPlace journal;
-    // The only file that will be changed, and only if it is there already; empty: no file will be. A volume that must
-    // not be changed is then no reason to refuse the image, unless it has that file. Absent: any file may be.
+    // The only file that will be changed, and only if it is there already; empty: no file will be. A volume
+    // that must not be changed is then no reason to refuse the image, unless it has that file. Absent: any
+    // file may be.
     std::optional<std::string> onlyFile = std::nullopt;
 };
 

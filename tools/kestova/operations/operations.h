@@ -29,8 +29,8 @@ struct Parameter {
     Value standard = {};  // default of an optional argument; these come last
 };
 
-// The files that an operation changes on volumes that are real: any, the record of the switched partition if it is
-// there, or none.
+// The files that an operation changes on volumes that are real: any, the record of the switched partition if
+// it is there, or none.
 enum class ChangedFiles { None, ExistingRecord, Any };
 
 struct Operation {

@@ -26,8 +26,8 @@ struct PcChoice {
     std::string save;                 // description file to write afterwards
 };
 
-// What is done to the PC: questions only; changes of partition tables; these, and of SystemVolume.ini where it exists;
-// any changes. Each includes those before it.
+// What is done to the PC: questions only; changes of partition tables; these, and of SystemVolume.ini where
+// it exists; any changes. Each includes those before it.
 enum class Access { Ask, ChangeTable, ChangeTableAndRecord, Change };
 
 // The files that a PC is read from.
