@@ -58,7 +58,7 @@ class Taker {
     }
     std::string Text() {
         const uint64_t length = Number();
-        const std::string text(rest_.substr(0, length));
+        std::string text(rest_.substr(0, length));
         Skip(length);
         return text;
     }
@@ -194,7 +194,7 @@ std::string ChangeJournal::Keep(const ImageChange& change, uint64_t imageSize) c
         std::rename(unnamed.c_str(), path_.c_str()) == 0 && FlushFolder(path_)) {
         return "";
     }
-    const std::string problem = "its journal " + path_ + " cannot be written: " + std::strerror(errno);
+    std::string problem = "its journal " + path_ + " cannot be written: " + std::strerror(errno);
     unlink(unnamed.c_str());
     unlink(path_.c_str());
     return problem;

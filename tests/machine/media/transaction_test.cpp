@@ -16,7 +16,6 @@
 namespace machine {
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -156,7 +155,6 @@ class PowerCuts : public Transaction {
     // The state in which the writes of that choice are on the disk is shown whole, and put in order.
     void Expect(const std::vector<size_t>& chosen, bool lastIsTorn) {
         SCOPED_TRACE("writes " + testing::PrintToString(chosen) + (lastIsTorn ? ", the last one torn" : ""));
-        const std::vector<size_t> touched = chosen;
         for (const size_t number : chosen) {
             const bool isTorn = lastIsTorn && number == chosen.back();
             Put(writes_[number],
