@@ -8,6 +8,7 @@
 
 #include "examples/open_pc.h"
 #include "machine/description/description.h"
+#include "machine/facts/commit.h"
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
 #include "machine/media/disk_image.h"
@@ -46,10 +47,8 @@ OpenedPc::OpenedPc(const std::string& name) {
 }
 
 OpenedPc::~OpenedPc() {
-    for (const machine::Disk& disk : inside_->pc.facts.disks) {
-        const std::string problem = disk.medium ? disk.medium->Commit() : "";
-        if (problem.empty()) continue;
-        std::fprintf(stderr, "recovery: %s\n", problem.c_str());
-        std::exit(1);
-    }
+    const std::string problem = machine::CommitMedia(inside_->pc.facts);
+    if (problem.empty()) return;
+    std::fprintf(stderr, "recovery: %s\n", problem.c_str());
+    std::exit(1);
 }

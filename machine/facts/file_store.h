@@ -18,8 +18,7 @@ class FileStore {
     virtual FileKind Find(std::string_view path) = 0;
     // Error 2 if the file does not exist.
     virtual uint32_t Read(std::string_view path, std::string& content) = 0;
-    // Creates or overwrites. Error 3 if the folder is missing, 19
-    // for a write-protected medium.
+    // Creates or overwrites. Error 3 if the folder is missing, 19 for a write-protected medium.
     virtual uint32_t Write(std::string_view path, std::string_view content) = 0;
     // Error 2 if the file does not exist, 5 for a folder, 19 for a write-protected medium.
     virtual uint32_t Remove(std::string_view path) = 0;

@@ -16,8 +16,6 @@ struct ChangedRun {
     std::string before = {};
     std::string after = {};  // as long
     std::string mark = {};   // as long, or empty
-
-    bool operator==(const ChangedRun&) const = default;
 };
 
 // In the order of their offsets.

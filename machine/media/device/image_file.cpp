@@ -45,7 +45,9 @@ ImageFile::ImageFile(const std::string& path, const ImageUse& use)
 ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& path, const ImageUse& use)
     : path_(path), access_(use.access), device_(std::move(device)), journal_(path, use.journal) {
     if (access_ == ImageAccess::Write) journal_.CheckPlace();
-    Settle();
+    // What was interrupted may be in the usual place, wherever this program keeps its own changes.
+    Settle(ChangeJournal(path, {}));
+    if (use.journal.kind == JournalPlace::Kind::Named) Settle(journal_);
 }
 
 bool ImageFile::Read(uint64_t offset, void* buffer, size_t length) const {
@@ -165,30 +167,33 @@ std::string ImageFile::Written(const ImageChange& change) {
         journal_.Drop();
         return problem + "; what had been written was taken back";
     }
-    if (journal_.Path().empty()) return problem + ", nor what had been written be taken back: it is damaged";
+    if (journal_.Path().empty())
+        return problem + "; what had been written could not be taken back either: the image is damaged";
     return problem +
-           ", nor what had been written be taken back: once it can be written, `kestova recover` does";
+           "; what had been written could not be taken back either: run `kestova recover` once the medium can be "
+           "written";
 }
 
 // What a program before this one left half written.
-void ImageFile::Settle() {
-    const auto change = journal_.Pending(Size());
+void ImageFile::Settle(const ChangeJournal& journal) {
+    const auto change = journal.Pending(Size());
     if (!change) return;
     const ChangeState state = StateOfChange(*device_, *change);
     if (state == ChangeState::Foreign) {
-        throw Error("does not fit its journal " + journal_.Path() +
+        throw Error("does not fit its journal " + journal.Path() +
                     ": something else has changed it since; move the journal away to go on without it");
     }
     const bool isWhole = state == ChangeState::After;
     recovered_ = isWhole ? Recovery::Finished : Recovery::TakenBack;
     if (access_ != ImageAccess::Write) {
         Show(*change, isWhole ? &ChangedRun::after : &ChangedRun::before);
-        note_ = path_ + ": a change was interrupted; it is shown as it will be once `kestova recover` has " +
+        note_ = path_ +
+                ": a change was interrupted; the image is shown as it will be once `kestova recover` has " +
                 (isWhole ? "finished it" : "taken it back");
         return;
     }
     const SignalsWait wait;
-    if (!(isWhole ? WriteChange(*device_, *change) : TakeBackChange(*device_, *change)) || !journal_.Drop()) {
+    if (!(isWhole ? WriteChange(*device_, *change) : TakeBackChange(*device_, *change)) || !journal.Drop()) {
         throw Error(std::string("a change was interrupted, and cannot be ") +
                     (isWhole ? "finished: " : "taken back: ") + std::strerror(errno));
     }

@@ -60,7 +60,7 @@ class ImageFile final : public Medium {
         std::string now;
     };
 
-    void Settle();
+    void Settle(const ChangeJournal& journal);
     void Show(const ImageChange& change, std::string ChangedRun::*part);
     ImageChange Collected() const;
     std::string Written(const ImageChange& change);

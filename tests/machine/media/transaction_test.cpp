@@ -322,7 +322,7 @@ TEST_F(PowerCuts, Interrupted_OpenToAskOrToChange_SaysWhatBecameOfIt) {
     EXPECT_EQ(
         Attach(image_).medium->Note(),
         image_ +
-            ": a change was interrupted; it is shown as it will be once `kestova recover` has taken it back");
+            ": a change was interrupted; the image is shown as it will be once `kestova recover` has taken it back");
     EXPECT_TRUE(HasJournal()) << "who only asks changes nothing";
     EXPECT_EQ(Attach(image_, ImageAccess::Write).medium->Note(),
               image_ + ": a change that had been interrupted was taken back");

@@ -6,6 +6,7 @@
 
 #include "machine/description/description.h"
 #include "machine/entry/loaded_library.h"
+#include "machine/facts/commit.h"
 #include "machine/facts/letters.h"
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
@@ -157,7 +158,7 @@ class EmulatedOne final : public OpenedPc {
     InputFiles Inputs() const override { return inputs_; }
     Trace TakeTrace() override;
     bool Rehearse(const std::function<void()>& action) override;
-    std::string Commit() override;
+    std::string Commit() override { return machine::CommitMedia(emulated_.facts); }
     std::optional<std::vector<std::string>> Changes() const override {
         return ::Changes(before_, emulated_.facts);
     }
@@ -184,16 +185,6 @@ bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     action();
     emulated_.facts = kept;
     return true;
-}
-
-// All images are committed; the first problem is what is said.
-std::string EmulatedOne::Commit() {
-    std::string problem;
-    for (const machine::Disk& disk : emulated_.facts.disks) {
-        const std::string found = disk.medium ? disk.medium->Commit() : "";
-        if (problem.empty()) problem = found;
-    }
-    return problem;
 }
 
 void EmulatedOne::Save(const std::string& file) const {

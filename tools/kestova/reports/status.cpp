@@ -74,7 +74,7 @@ bool IsActive(const PARTITION_INFORMATION_EX& partition) {
 }
 
 // A volume without a file system, or one that BitLocker keeps locked, is as it should be.
-bool IsUnread(DWORD error) {
+bool IsOrdinary(DWORD error) {
     return error == ERROR_UNRECOGNIZED_VOLUME || error == machine::errorLockedVolume;
 }
 
@@ -89,7 +89,7 @@ void AddVolume(Kestova& object, int disk, PartitionReport& partition, Problems& 
     if (!GetVolumeInformationW(root, label, MAX_PATH + 1, nullptr, nullptr, nullptr, fileSystem,
                                MAX_PATH + 1)) {
         const DWORD error = GetLastError();
-        if (!IsUnread(error))
+        if (!IsOrdinary(error))
             problems.Add("the volume " + std::string(1, static_cast<char>(letter)) + ": cannot be read",
                          error);
         return;

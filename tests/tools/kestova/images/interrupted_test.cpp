@@ -37,8 +37,7 @@ TEST_F(Interrupted, FailingMedium_BootRecovery_AnswersAndSaysThatNothingIsWritte
     EXPECT_EQ(outcome.output, "SetRcvprtActive() = 0: done, or it was active already\n");
     EXPECT_EQ(
         outcome.errors,
-        "kestova: disk.img: cannot be written: File too large, nor what had been written be taken back: once it "
-        "can be written, `kestova recover` does\n");
+        "kestova: disk.img: cannot be written: File too large; what had been written could not be taken back either: run `kestova recover` once the medium can be written\n");
     EXPECT_TRUE(HasJournal());
 }
 
@@ -74,8 +73,7 @@ TEST_F(Interrupted, PendingJournal_Status_ReadsThroughItAndSaysSo) {
     EXPECT_THAT(status.output, HasSubstr(R"("activePartition":2)"));
     EXPECT_EQ(
         status.errors,
-        "kestova: disk.img: a change was interrupted; it is shown as it will be once `kestova recover` has taken "
-        "it back\n");
+        "kestova: disk.img: a change was interrupted; the image is shown as it will be once `kestova recover` has taken it back\n");
     EXPECT_TRUE(HasJournal());
 }
 
@@ -100,6 +98,19 @@ TEST_F(Interrupted, PendingJournal_BootRecoveryAndSystem_TakeItBackFirstAndWork)
     EXPECT_EQ(Kestova("--image disk.img boot system").status, 0);
     EXPECT_TRUE(IsConsistent());
     EXPECT_FALSE(HasJournal());
+}
+
+TEST_F(Interrupted, PendingJournal_BootRecoveryWithAnotherPlaceOrNone_TakesItBackFirst) {
+    for (const char* const place : {"--no-journal", "--journal kept"}) {
+        ASSERT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
+        Interrupt();
+        ASSERT_TRUE(HasJournal());
+        const Outcome outcome = Kestova(std::string("--image disk.img ") + place + " boot recovery");
+        EXPECT_EQ(outcome.status, 0) << place;
+        EXPECT_EQ(outcome.errors, "kestova: disk.img: a change that had been interrupted was taken back\n")
+            << place;
+        EXPECT_FALSE(HasJournal()) << place;
+    }
 }
 
 TEST_F(Interrupted, WrongJournal_AnyCommand_NamesItAndChangesNothing) {
