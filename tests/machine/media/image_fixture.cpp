@@ -29,7 +29,7 @@ const fs::path& ImageTest::Folder() {
 
 std::string ImageTest::CopyOf(const std::string& made, const std::string& name) {
     std::string copy = (Folder() / name).string();
-    OutputOf("cp --sparse=always '" + std::string(KESTOVA_TEST_IMAGES) + "/" + made + "' '" + copy + "'");
+    CopySparse(std::string(KESTOVA_TEST_IMAGES) + "/" + made, copy);
     return copy;
 }
 
@@ -59,14 +59,6 @@ std::string ImageTest::PartitionFile(const std::string& image, int startMiB, int
 void ImageTest::PutPartition(const std::string& partitionFile, const std::string& image, int startMiB) {
     OutputOf("dd if='" + partitionFile + "' of='" + image + "' bs=1M seek=" + std::to_string(startMiB) +
              " conv=notrunc status=none");
-}
-
-bool AreSame(const std::string& left, const std::string& right) {
-    return StatusOf("cmp --silent '" + left + "' '" + right + "'") == 0;
-}
-
-int Differences(const std::string& left, const std::string& right) {
-    return std::stoi(OutputOf("cmp --verbose '" + left + "' '" + right + "' | wc -l"));
 }
 
 std::string ContentOf(const std::string& file) {

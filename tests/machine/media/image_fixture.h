@@ -9,6 +9,7 @@
 
 #include "machine/media/disk_image.h"
 #include "tests/support/shell/shell.h"
+#include "tests/support/shell/sparse_file.h"
 
 namespace machine {
 
@@ -37,11 +38,6 @@ class ImageTest : public testing::Test {
     std::string CopyOf(const std::string& made, const std::string& name);
     std::filesystem::path folder_;
 };
-
-// Whether the files are identical according to cmp(1).
-bool AreSame(const std::string& left, const std::string& right);
-// The number of bytes that differ.
-int Differences(const std::string& left, const std::string& right);
 
 // The content of the file.
 std::string ContentOf(const std::string& file);

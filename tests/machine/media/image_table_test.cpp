@@ -27,7 +27,7 @@ TEST_F(ImageTableTest, FactoryMbr_MoveActiveFlag_ChangesTwoBytes) {
     EXPECT_TRUE(AreSame(original_, image_)) << "before the commit";
     EXPECT_EQ(disk.medium->Commit(), "");
 
-    EXPECT_EQ(Differences(original_, image_), 2);
+    EXPECT_EQ(Differences(original_, image_), 2u);
     const std::string dump = OutputOf("sfdisk -d '" + image_ + "'");
     EXPECT_THAT(dump, HasSubstr("type=27, bootable\n"));
     EXPECT_THAT(dump, HasSubstr("type=7\n"));
@@ -48,7 +48,7 @@ TEST_F(ImageTableTest, FactoryMbr_SetActiveAndType_AreOnTheMediumAfterEachCommit
     EXPECT_EQ(disk.medium->Commit(), "");
     EXPECT_EQ(ByteAt(image_, 446 + 16), 0x00);
 
-    EXPECT_EQ(Differences(original_, image_), 4);
+    EXPECT_EQ(Differences(original_, image_), 4u);
 }
 
 TEST_F(ImageTableTest, FlagOnTheMediumOnly_SetActive_ClearsItToo) {
@@ -61,7 +61,7 @@ TEST_F(ImageTableTest, FlagOnTheMediumOnly_SetActive_ClearsItToo) {
                 ElementsAre(TableEntry{recovery, true, 0x27}, TableEntry{windows, false, 0x07}, testing::_,
                             TableEntry{hibernation, false, 0x84}));
     EXPECT_EQ(disk.medium->Commit(), "");
-    EXPECT_EQ(Differences(original_, image_), 2);
+    EXPECT_EQ(Differences(original_, image_), 2u);
 }
 
 TEST_F(ImageTableTest, ActiveExtendedPartition_SetActive_ClearsItsFlagToo) {

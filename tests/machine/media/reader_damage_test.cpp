@@ -38,7 +38,7 @@ void ExpectUnharmed(const std::string& image, Stretch stretch, uint32_t seed,
                     void (*ask)(const std::string& image)) {
     constexpr int rounds = 1000;
     const std::string original = image + ".original";
-    std::filesystem::copy_file(image, original, std::filesystem::copy_options::overwrite_existing);
+    CopySparse(image, original);
     std::mt19937 random(seed);
     for (int round = 0; round < rounds; ++round) {
         std::vector<uint64_t> places;
