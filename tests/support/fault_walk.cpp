@@ -13,18 +13,6 @@ using machine::FaultRule;
 
 namespace {
 
-// What a real failure of that kind of call returns.
-uint32_t FailureCode(FailsWith failsWith) {
-    switch (failsWith) {
-        case FailsWith::Hresult:
-            return 0x80004005;
-        case FailsWith::Value:
-            return DRIVE_NO_ROOT_DIR;
-        default:
-            return ERROR_ACCESS_DENIED;
-    }
-}
-
 std::vector<FaultRule> WaysToFail(const machine::CallInfo& call, uint32_t nth) {
     const std::string name(call.name);
     const uint32_t code = FailureCode(call.failsWith);
@@ -41,6 +29,17 @@ std::string ToText(const FaultRule& rule) {
 }
 
 }  // namespace
+
+uint32_t FailureCode(FailsWith failsWith) {
+    switch (failsWith) {
+        case FailsWith::Hresult:
+            return 0x80004005;
+        case FailsWith::Value:
+            return DRIVE_NO_ROOT_DIR;
+        default:
+            return ERROR_ACCESS_DENIED;
+    }
+}
 
 int WalkFaults(const machine::Journal& undisturbed,
                const std::function<void(const machine::FaultRule& rule)>& visit) {

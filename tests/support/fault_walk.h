@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "machine/facts/call_table.h"
 #include "machine/facts/fault_rule.h"
 #include "machine/journal/journal.h"
 
@@ -13,6 +14,9 @@
 // what it finds is reported with the rule. Returns how many rules were visited.
 int WalkFaults(const machine::Journal& undisturbed,
                const std::function<void(const machine::FaultRule& rule)>& visit);
+
+// What a real failure of that kind of call returns.
+uint32_t FailureCode(machine::FailsWith failsWith);
 
 // The call reports its failure and has had no effect. The operation cannot know about any other.
 bool IsHonest(const machine::FaultRule& rule);
