@@ -113,37 +113,47 @@ def parts(pending):
 
 
 class Folder:
-    """The files beside the image: as they are in memory, and as they can be on the disk."""
+    """The files beside the image: as they are in memory, and as they can be on the disk.
 
-    def __init__(self):
-        self.memory, self.disk = {}, [{}]
+    A name is on the disk for certain once the folder is flushed, a file's content once the file is."""
 
-    def do(self, what, name, content, folder):
+    def __init__(self, name):
+        self.name, self.memory, self.flushed, self.disk = name, {}, set(), [{}]
+
+    def contents(self, name):
+        content = self.memory[name]
+        return {content} if name in self.flushed else {b"", content[:len(content) // 2], content}
+
+    def do(self, what, name, content):
         memory, disk = self.memory, self.disk
-        if what == "create":
-            memory[name] = b""
-            disk += [{**files, name: b""} for files in disk]
-        elif what == "write":
-            memory[name] += content
-            disk += [{**files, name: part} for files in disk if name in files
-                     for part in (content[:len(content) // 2], content)]
+        if what in ("create", "write"):
+            memory[name] = memory.get(name, b"") + content
+            self.flushed.discard(name)
+            disk += [{**files, name: part} for files in disk for part in self.contents(name)]
         elif what == "rename":
             new = content.decode()
             memory[new] = memory.pop(name)
-            disk += [{**{k: v for k, v in files.items() if k != name}, new: files[name]} for files in disk if name in files]
+            if name in self.flushed:
+                self.flushed.add(new)
+            disk += [{**without(files, name), new: files[name]} for files in disk if name in files]
         elif what == "unlink":
             del memory[name]
-            disk += [{k: v for k, v in files.items() if k != name} for files in disk if name in files]
-        elif name == folder:
-            self.disk = [dict(memory)]
+            disk += [without(files, name) for files in disk]
+        elif name == self.name:
+            self.disk = [dict(zip(memory, each)) for each in itertools.product(*map(self.contents, memory))]
         elif name in memory:
+            self.flushed.add(name)
             self.disk = [files for files in disk if files.get(name, memory[name]) == memory[name]]
+
+
+def without(files, name):
+    return {key: value for key, value in files.items() if key != name}
 
 
 def states(happened, folder):
     """Each (writes to the image, files beside it) that a cut at some point can leave, once."""
     seen, found = set(), []
-    flushed, pending, files = [], [], Folder()
+    flushed, pending, files = [], [], Folder(folder)
 
     def add():
         for part in parts(pending):
@@ -156,7 +166,7 @@ def states(happened, folder):
     add()
     for what, name, offset, content in happened:
         if name != "disk.img":
-            files.do(what, name, content, folder)
+            files.do(what, name, content)
         elif what == "write":
             pending.append((offset, content))
         else:
