@@ -47,7 +47,7 @@ TEST(ModuleContext, TwoThreadsInside_ModuleIsCurrentOnBothUntilTheLastLeaves) {
 
 // So many calls that two of them change the mark at the same time.
 TEST(ModuleContext, TwoThreadsWithManyCalls_NoCallIsLost) {
-    constexpr int calls = 200'000;
+    constexpr int calls = 2'000'000;
     std::latch bothReady(2);
     const auto callOften = [&] {
         bothReady.arrive_and_wait();
