@@ -4,6 +4,7 @@
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/factory_layout.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 #include "manager/system_volume_ini.h"
 #include "vds/vds_partition.h"
@@ -59,95 +60,118 @@ int Finish(const Outcome* outcomes, int code) {
     return code;
 }
 
+// Memory that runs out is a failure like any other, so that the caller undoes what it did before.
+BOOL SetFlag(CVDSPartition& partitions, int partition) {
+    return Guarded(FALSE, [&] { return partitions.SetActive(partition); });
+}
+
 // Records the previous partition and makes the recovery partition active, or tries to undo both. 0, 4 or 5.
 int SwitchToRecovery(CVDSPartition& partitions, const WCHAR* file, int previous) {
     if (!RecordActivePartition(file, previous)) return 4;
-    if (partitions.SetActive(mbr_layout::recovery)) return 0;
+    if (SetFlag(partitions, mbr_layout::recovery)) return 0;
     DeleteFileW(file);
-    partitions.SetActive(previous);
+    SetFlag(partitions, previous);
     return 5;
 }
 
 }  // namespace
 
 int Kestova::SetRcvprtActive() {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetRcvprtActive\t\tStart"));
-    int previous = noPartition;
-    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(previous)) {
-        return Finish(setRcvprtActive, 1);
-    }
-    if (previous == noPartition) return Finish(setRcvprtActive, 2);
-    if (previous == mbr_layout::recovery) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova::SetRcvprtActive\tGetActivePartitionNumber PartitionNumber is 1. 0"));
-        return 0;
-    }
-    WCHAR file[iniPathCapacity] = {};
-    if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setRcvprtActive, 3);
-    return Finish(setRcvprtActive, SwitchToRecovery(*m_pVDSPartition, file, previous));
+    int step = ending::SetRcvprtActive;
+    return Guarded(step, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetRcvprtActive\t\tStart"));
+        int previous = noPartition;
+        if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(previous)) {
+            return Finish(setRcvprtActive, step);
+        }
+        if (previous == noPartition) return Finish(setRcvprtActive, 2);
+        if (previous == mbr_layout::recovery) {
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT("Kestova::SetRcvprtActive\tGetActivePartitionNumber PartitionNumber is 1. 0"));
+            return 0;
+        }
+        WCHAR file[iniPathCapacity] = {};
+        step = 3;
+        if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setRcvprtActive, step);
+        return Finish(setRcvprtActive, SwitchToRecovery(*m_pVDSPartition, file, previous));
+    });
 }
 
 int Kestova::SetPOneActive() {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetPOneActive\t\tStart"));
-    int previous = noPartition;
-    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(previous)) {
-        return Finish(setPOneActive, 1);
-    }
-    if (previous == noPartition) return Finish(setPOneActive, 2);
-    WCHAR file[iniPathCapacity] = {};
-    if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setPOneActive, 3);
-    if (previous != mbr_layout::recovery) {
-        if (const int code = SwitchToRecovery(*m_pVDSPartition, file, previous); code != 0) {
-            return Finish(setPOneActive, code);
+    int step = ending::SetPOneActive;
+    return Guarded(step, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetPOneActive\t\tStart"));
+        int previous = noPartition;
+        if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(previous)) {
+            return Finish(setPOneActive, step);
         }
-    }
-    if (!PathFileExistsW(file)) {
-        LogRecord(LOG_LEVEL_ERROR).Text(TEXT("Kestova::SetPOneActive\tPathFileExists bReturn is FALSE.(5)"));
-        LogRecord(LOG_LEVEL_ERROR).Text(file);
-        return 0;
-    }
-    // Without a usable record a switch back selects the system partition, so a record of that number is
-    // deleted too.
-    int recorded = 0;
-    const bool worthKeeping = ReadRecordedPartition(file, recorded) && recorded != mbr_layout::system;
-    if (!worthKeeping && !DeleteFileW(file)) return Finish(setPOneActive, 6);
-    return Finish(setPOneActive, 0);
+        if (previous == noPartition) return Finish(setPOneActive, 2);
+        WCHAR file[iniPathCapacity] = {};
+        step = 3;
+        if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setPOneActive, step);
+        if (previous != mbr_layout::recovery) {
+            if (const int code = SwitchToRecovery(*m_pVDSPartition, file, previous); code != 0) {
+                return Finish(setPOneActive, code);
+            }
+        }
+        if (!PathFileExistsW(file)) {
+            LogRecord(LOG_LEVEL_ERROR)
+                .Text(TEXT("Kestova::SetPOneActive\tPathFileExists bReturn is FALSE.(5)"));
+            LogRecord(LOG_LEVEL_ERROR).Text(file);
+            return 0;
+        }
+        // Without a usable record a switch back selects the system partition, so a record of that number is
+        // deleted too.
+        int recorded = 0;
+        const bool worthKeeping = ReadRecordedPartition(file, recorded) && recorded != mbr_layout::system;
+        if (!worthKeeping && !DeleteFileW(file)) return Finish(setPOneActive, 6);
+        return Finish(setPOneActive, 0);
+    });
 }
 
 int Kestova::SetSystemActive() {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tStart"));
-    int current = noPartition;
-    if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(current)) {
-        return Finish(setSystemActive, 1);
-    }
-    if (current == noPartition) return Finish(setSystemActive, 2);
-    WCHAR file[iniPathCapacity] = {};
-    if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setSystemActive, 3);
-    int target = mbr_layout::system;
-    if (PathFileExistsW(file)) {
-        if (!ReadRecordedPartition(file, target)) target = mbr_layout::system;
-    } else if (current != mbr_layout::recovery) {
-        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tPartitionNumber is not 1. 0"));
-        return 0;
-    }
-    if (!m_pVDSPartition->SetActive(target)) return Finish(setSystemActive, 4);
-    if (PathFileExistsW(file) && !DeleteFileW(file)) return Finish(setSystemActive, 5);
-    return Finish(setSystemActive, 0);
+    int step = ending::SetSystemActive;
+    return Guarded(step, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tStart"));
+        int current = noPartition;
+        if (m_pVDSPartition == nullptr || !m_pVDSPartition->GetActivePartitionNumber(current)) {
+            return Finish(setSystemActive, step);
+        }
+        if (current == noPartition) return Finish(setSystemActive, 2);
+        WCHAR file[iniPathCapacity] = {};
+        step = 3;
+        if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setSystemActive, step);
+        int target = mbr_layout::system;
+        if (PathFileExistsW(file)) {
+            if (!ReadRecordedPartition(file, target)) target = mbr_layout::system;
+        } else if (current != mbr_layout::recovery) {
+            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tPartitionNumber is not 1. 0"));
+            return 0;
+        }
+        step = 4;
+        if (!m_pVDSPartition->SetActive(target)) return Finish(setSystemActive, step);
+        if (PathFileExistsW(file) && !DeleteFileW(file)) return Finish(setSystemActive, 5);
+        return Finish(setSystemActive, 0);
+    });
 }
 
 int Kestova::SetPTwoActive() {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetPTwoActive\t\tStart"));
-    if (m_pVDSPartition == nullptr) return Finish(setPTwoActive, 1);
-    if (!m_pVDSPartition->SetActive(mbr_layout::system)) {
-        m_pVDSPartition->SetActive(mbr_layout::recovery);
-        return Finish(setPTwoActive, 1);
-    }
-    WCHAR file[iniPathCapacity] = {};
-    if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setPTwoActive, 2);
-    if (PathFileExistsW(file) && !DeleteFileW(file)) return Finish(setPTwoActive, 3);
-    return Finish(setPTwoActive, 0);
+    int step = ending::SetPTwoActive;
+    return Guarded(step, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetPTwoActive\t\tStart"));
+        if (m_pVDSPartition == nullptr) return Finish(setPTwoActive, step);
+        if (!SetFlag(*m_pVDSPartition, mbr_layout::system)) {
+            SetFlag(*m_pVDSPartition, mbr_layout::recovery);
+            return Finish(setPTwoActive, step);
+        }
+        WCHAR file[iniPathCapacity] = {};
+        step = 2;
+        if (!GetSystemVolumeIni(file, iniPathCapacity)) return Finish(setPTwoActive, step);
+        if (PathFileExistsW(file) && !DeleteFileW(file)) return Finish(setPTwoActive, 3);
+        return Finish(setPTwoActive, 0);
+    });
 }

@@ -3,8 +3,8 @@
 #include "diag/failure_record.h"
 #include "diag/module.h"
 #include "manager/factory_layout.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
-#include "manager/result_codes.h"
 #include "vds/vds_partition.h"
 
 namespace {
@@ -74,13 +74,15 @@ constexpr Disabling disableGptSystemPartition = {
     .end = TEXT("Kestova::DisableGPTSystemPartition\tEnd"),
 };
 
-int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter) {
+int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter, int& step) {
     GUID type = {};
     if (partitions == nullptr || !partitions->GetPartitionType(row.partition, type))
-        return LogFailure(LOG_LEVEL_ERROR, row.typeUnreadable, ERROR_GET_PARTITION_TYPE);
-    if (type != row.type) return LogFailure(LOG_LEVEL_TRACE, row.otherType, ERROR_NOT_ORVOBOOT_GUID);
+        return LogFailure(LOG_LEVEL_ERROR, row.typeUnreadable, step);
+    if (type != row.type)
+        return LogFailure(LOG_LEVEL_TRACE, row.otherType, static_cast<int>(ERROR_NOT_ORVOBOOT_GUID));
+    step = ERROR_SET_DRIVE_LETTER;
     if (!partitions->SetDriveLetter(row.partition, FLAG_ASSIGN))
-        return LogFailure(LOG_LEVEL_ERROR, row.notLettered, ERROR_SET_DRIVE_LETTER);
+        return LogFailure(LOG_LEVEL_ERROR, row.notLettered, step);
     if (partitions->GetDriveLetter() == noLetter)
         return LogFailure(LOG_LEVEL_ERROR, row.noLetter, ERROR_GET_DRIVE_LETTER);
     letter = partitions->GetDriveLetter();
@@ -88,26 +90,32 @@ int GiveLetter(CVDSPartition* partitions, const Activation& row, WCHAR& letter) 
 }
 
 int Activate(CVDSPartition* partitions, const Activation& row, WCHAR& letter) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(row.start);
-    LogRecord(LOG_LEVEL_TRACE).Text(row.style);  // for every disk: only the type of the partition is tested
-    const int code = GiveLetter(partitions, row, letter);
-    if (row.endHasLetter) {
-        LogRecord(LOG_LEVEL_TRACE).Text(row.end).Char(letter);
-    } else {
-        LogRecord(LOG_LEVEL_TRACE).Text(row.end);
-    }
-    return code;
+    int step = ending::ActivePartition;
+    return Guarded(step, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(row.start);
+        LogRecord(LOG_LEVEL_TRACE)
+            .Text(row.style);  // for every disk: only the type of the partition is tested
+        const int code = GiveLetter(partitions, row, letter, step);
+        if (row.endHasLetter) {
+            LogRecord(LOG_LEVEL_TRACE).Text(row.end).Char(letter);
+        } else {
+            LogRecord(LOG_LEVEL_TRACE).Text(row.end);
+        }
+        return code;
+    });
 }
 
 int Disable(CVDSPartition* partitions, const Disabling& row) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(row.start);
-    LogRecord(LOG_LEVEL_TRACE).Text(row.style);
-    const bool taken = partitions != nullptr && partitions->SetDriveLetter(row.partition, FLAG_DELETE);
-    const int code = taken ? 0 : LogFailure(LOG_LEVEL_ERROR, row.notTaken, ERROR_SET_DRIVE_LETTER);
-    LogRecord(LOG_LEVEL_TRACE).Text(row.end);
-    return code;
+    return Guarded(ending::DisablePartition, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(row.start);
+        LogRecord(LOG_LEVEL_TRACE).Text(row.style);
+        const bool taken = partitions != nullptr && partitions->SetDriveLetter(row.partition, FLAG_DELETE);
+        const int code = taken ? 0 : LogFailure(LOG_LEVEL_ERROR, row.notTaken, ending::DisablePartition);
+        LogRecord(LOG_LEVEL_TRACE).Text(row.end);
+        return code;
+    });
 }
 
 }  // namespace

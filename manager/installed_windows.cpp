@@ -7,6 +7,7 @@
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/drive.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 
 namespace {
@@ -51,22 +52,24 @@ bool HasLoaderAndFolders(WCHAR letter) {
 }  // namespace
 
 int Kestova::IsVistaOS(WCHAR letter) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsVistaOS\tStart. cDriveLetter = ")).Char(letter);
-    if (!IsFixedDrive(letter)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .Text(TEXT("Kestova::IsVistaOS\tDRIVE_FIXED != GetDriveType szDrive: "))
-            .Text(DrivePath(letter).text);
-        return 0;
-    }
-    // The files of an encrypted volume cannot be read.
-    if (m_pEncryptVolume != nullptr && IsEncrypted(letter, *m_pEncryptVolume)) {
-        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsVistaOS End. TRUE"));
+    return Guarded(ending::IsVistaOS, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsVistaOS\tStart. cDriveLetter = ")).Char(letter);
+        if (!IsFixedDrive(letter)) {
+            LogRecord(LOG_LEVEL_TRACE)
+                .Text(TEXT("Kestova::IsVistaOS\tDRIVE_FIXED != GetDriveType szDrive: "))
+                .Text(DrivePath(letter).text);
+            return 0;
+        }
+        // The files of an encrypted volume cannot be read.
+        if (m_pEncryptVolume != nullptr && IsEncrypted(letter, *m_pEncryptVolume)) {
+            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsVistaOS End. TRUE"));
+            return 1;
+        }
+        if (!HasLoaderAndFolders(letter)) return 0;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsVistaOS\tEnd"));
         return 1;
-    }
-    if (!HasLoaderAndFolders(letter)) return 0;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsVistaOS\tEnd"));
-    return 1;
+    });
 }
 
 int Kestova::IsOSVolume(WCHAR letter) {

@@ -1,6 +1,7 @@
 // Construction and destruction of the manager object, and Initialize.
 
 #include "manager/kestova.h"
+#include "manager/guard.h"
 
 #include <cstdarg>
 #include <new>
@@ -35,9 +36,33 @@ Kestova::Kestova() : m_cWinREDriveLetter(noLetter), m_cRcvDriveLetter(noLetter) 
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Kestova\tEnd"));
 }
 
-Kestova::Kestova(const Kestova& other) = default;
+Kestova::Kestova(const Kestova& other) {
+    *this = other;
+}
 
-Kestova& Kestova::operator=(const Kestova& other) = default;
+Kestova& Kestova::operator=(const Kestova& other) {
+    m_HardDiskType = other.m_HardDiskType;
+    m_wReserved = other.m_wReserved;
+    m_pEncryptVolume = other.m_pEncryptVolume;
+    m_pVDSPartition = other.m_pVDSPartition;
+    m_pReserved1 = other.m_pReserved1;
+    m_pReserved2 = other.m_pReserved2;
+    m_cWinREDriveLetter = other.m_cWinREDriveLetter;
+    m_cRcvDriveLetter = other.m_cRcvDriveLetter;
+    m_iWinREPartNumber = other.m_iWinREPartNumber;
+    m_iRcvPartNumber = other.m_iRcvPartNumber;
+    const bool copied = Guarded(false, [&] {
+        m_mapWinDrive = other.m_mapWinDrive;
+        m_mapPEDrive = other.m_mapPEDrive;
+        return true;
+    });
+    if (!copied) {
+        // A part of the maps would answer questions about letters wrongly.
+        m_mapWinDrive.clear();
+        m_mapPEDrive.clear();
+    }
+    return *this;
+}
 
 Kestova::~Kestova() {
     LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::~Kestova\tStart"));
@@ -50,11 +75,13 @@ Kestova::~Kestova() {
 }
 
 int Kestova::Initialize(bool) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Initialize\tStart"));
-    const int bRet = m_pVDSPartition != nullptr ? m_pVDSPartition->Initialize() : 0;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Initialize\tEnd. bRet = ")).Int(bRet);
-    return bRet;
+    return Guarded(ending::Initialize, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Initialize\tStart"));
+        const int bRet = m_pVDSPartition != nullptr ? m_pVDSPartition->Initialize() : 0;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::Initialize\tEnd. bRet = ")).Int(bRet);
+        return bRet;
+    });
 }
 
 WideString Kestova::StringFormat(const WCHAR* format, ...) {

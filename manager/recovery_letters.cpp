@@ -3,6 +3,7 @@
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/factory_layout.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 #include "vds/vds_partition.h"
 
@@ -62,30 +63,35 @@ void AssignFound(CVDSPartition& partitions, const Lettering& row, int partition,
 template <typename Search>
 int Assign(CVDSPartition* partitions, const Lettering& row, const Search& search, Remembered remembered,
            WCHAR& letter) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(row.assign);
-    letter = noLetter;
-    int disk = noDisk;
-    int partition = noPartition;
-    int exists = 0;
-    if (!search(disk, partition, exists)) {
-        LogRecord(LOG_LEVEL_ERROR).Text(row.searchFailed);
-    } else if (partition == noPartition || !exists) {
-        LogRecord(LOG_LEVEL_ERROR).Text(row.notFound);
-    } else {
-        AssignFound(*partitions, row, partition, remembered, letter);
-    }
-    LogRecord(LOG_LEVEL_TRACE).Text(row.assigned).Char(letter);
-    return 1;
+    return Guarded(ending::AssignPartition, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(row.assign);
+        letter = noLetter;
+        int disk = noDisk;
+        int partition = noPartition;
+        int exists = 0;
+        if (!search(disk, partition, exists)) {
+            LogRecord(LOG_LEVEL_ERROR).Text(row.searchFailed);
+        } else if (partition == noPartition || !exists) {
+            LogRecord(LOG_LEVEL_ERROR).Text(row.notFound);
+        } else {
+            AssignFound(*partitions, row, partition, remembered, letter);
+        }
+        LogRecord(LOG_LEVEL_TRACE).Text(row.assigned).Char(letter);
+        return TRUE;
+    });
 }
 
 // Clears nothing: a second removal deletes the letter of the same partition again.
 void Remove(CVDSPartition* partitions, const Lettering& row, int partition, WCHAR letter) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(row.remove);
-    if (letter == noLetter || partition == noPartition) return;
-    if (partitions != nullptr) partitions->SetDriveLetter(partition, FLAG_DELETE);
-    LogRecord(LOG_LEVEL_TRACE).Text(row.removed);
+    Guarded(FALSE, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(row.remove);
+        if (letter == noLetter || partition == noPartition) return FALSE;
+        const BOOL removed = partitions != nullptr && partitions->SetDriveLetter(partition, FLAG_DELETE);
+        LogRecord(LOG_LEVEL_TRACE).Text(row.removed);
+        return removed;
+    });
 }
 
 }  // namespace
@@ -113,10 +119,12 @@ void Kestova::RemoveWinREPartition() {
 }
 
 int Kestova::IsExistRcvprt() {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsExistRcvprt\tStart"));
-    WCHAR letter = noLetter;
-    const int bRet = AssignRecoveryPartition(letter) && letter != noLetter;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsExistRcvprt\tEnd. bRet = ")).Int(bRet);
-    return bRet;
+    return Guarded(ending::IsExistRcvprt, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsExistRcvprt\tStart"));
+        WCHAR letter = noLetter;
+        const int bRet = AssignRecoveryPartition(letter) && letter != noLetter;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsExistRcvprt\tEnd. bRet = ")).Int(bRet);
+        return bRet;
+    });
 }

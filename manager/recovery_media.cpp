@@ -7,6 +7,7 @@
 
 #include "diag/module.h"
 #include "manager/drive.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 #include "manager/markers.h"
 
@@ -85,18 +86,23 @@ int Kestova::IsRCVVolume(WCHAR letter, int mediaType) {
 }
 
 WCHAR Kestova::GetRCVDISC() {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetRCVDISC\tStart"));
-    const WCHAR found = FirstLetter([&](WCHAR letter) { return IsRCVVolume(letter, TYPE_DISC); });
-    LogSearched(found, TEXT("Kestova::GetRCVDISC\tcDriveLetter = "),
-                TEXT("Kestova::GetRCVDISC\tEnd cDriveLetter = 0"));
-    return found;
+    return Guarded(ending::GetRCVDISC, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetRCVDISC\tStart"));
+        const WCHAR found = FirstLetter([&](WCHAR letter) { return IsRCVVolume(letter, TYPE_DISC); });
+        LogSearched(found, TEXT("Kestova::GetRCVDISC\tcDriveLetter = "),
+                    TEXT("Kestova::GetRCVDISC\tEnd cDriveLetter = 0"));
+        return found;
+    });
 }
 
 WCHAR Kestova::GetRCVUFD() {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetRCVUFD\tStart"));
-    const WCHAR found = FirstLetter([&](WCHAR letter) { return IsRCVVolume(letter, TYPE_UFD); });
-    LogSearched(found, TEXT("Kestova::GetRCVUFD\tDriver = "), TEXT("Kestova::GetRCVUFD\tEnd. Driver = 0"));
-    return found;
+    return Guarded(ending::GetRCVUFD, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetRCVUFD\tStart"));
+        const WCHAR found = FirstLetter([&](WCHAR letter) { return IsRCVVolume(letter, TYPE_UFD); });
+        LogSearched(found, TEXT("Kestova::GetRCVUFD\tDriver = "),
+                    TEXT("Kestova::GetRCVUFD\tEnd. Driver = 0"));
+        return found;
+    });
 }

@@ -3,6 +3,7 @@
 
 #include "base/drive_letter.h"
 #include "diag/log_record.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 #include "manager/recovery_media.h"
 #include "vds/vds_partition.h"
@@ -83,17 +84,31 @@ int TestContents(const Recognition& row, WCHAR letter, const ContentsTest& match
     return match;
 }
 
+// Memory that runs out is a failure like any other, so that the letter is deleted whatever happens.
+BOOL AssignLetter(CVDSPartition& partitions, int partition) {
+    return Guarded(FALSE, [&] { return partitions.SetDriveLetter(partition, FLAG_ASSIGN); });
+}
+
+// A second time if memory runs out before the service is asked.
+void DeleteLetter(CVDSPartition& partitions, int partition) {
+    const auto ask = [&] {
+        partitions.SetDriveLetter(partition, FLAG_DELETE);
+        return true;
+    };
+    if (!Guarded(false, ask)) Guarded(false, ask);
+}
+
 // The same on a partition without a letter, which has one during the test. Returns whether it could be read.
 template <typename ContentsTest>
 int TestThroughTemporaryLetter(CVDSPartition& partitions, const Recognition& row, int partition,
                                const ContentsTest& matches, int& is) {
-    const int lettered = partitions.SetDriveLetter(partition, FLAG_ASSIGN);
+    const BOOL lettered = AssignLetter(partitions, partition);
     if (lettered) {
         is = TestContents(row, partitions.GetDriveLetter(), matches);
     } else {
         Log(row.notLettered);
     }
-    partitions.SetDriveLetter(partition, FLAG_DELETE);
+    DeleteLetter(partitions, partition);
     return lettered;
 }
 

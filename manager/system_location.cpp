@@ -3,8 +3,9 @@
 #include "diag/failure_record.h"
 #include "diag/module.h"
 #include "manager/factory_layout.h"
+#include "manager/formatted_record.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
-#include "manager/result_codes.h"
 #include "vds/vds_partition.h"
 
 namespace {
@@ -44,97 +45,111 @@ void LogNoWindowsPartition(THardDiskType style) {
 }  // namespace
 
 DWORD Kestova::GetBitLockerSystemInfo(int& disk, int& partition, WCHAR& letter) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetBitLockerSystemInfo\tStart"));
-    disk = noDisk;
-    partition = noPartition;
-    letter = noLetter;
-    const int internalDisk = GetFirstInternalDriveNumber();
-    if (internalDisk < 0) {
-        return LogFailure(LOG_LEVEL_ERROR,
-                          TEXT("Kestova::GetBitLockerSystemInfo\tGetFirstInternalDriveNumber error"),
-                          DWORD{NO_INTERNAL_DISK});
-    }
-    if (m_pVDSPartition == nullptr) {
-        return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::GetBitLockerSystemInfo\tNULL == m_pVDSPartition"),
-                          DWORD{NO_VOLUME_LAYER});
-    }
-    THardDiskType style = HARD_DISK_UNKNOWN;
-    if (!GetDiskStyle(style)) {
-        return LogFailure(LOG_LEVEL_ERROR,
-                          TEXT("Kestova::GetBitLockerSystemInfo\tGetDiskStyle ERROR_GET_DISK_STYLE"),
-                          DWORD{ERROR_GET_DISK_STYLE});
-    }
-    GUID type = {};
-    if (style == HARD_DISK_MBR) {
-        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetBitLockerSystemInfo\tDiskStyle is MBR"));
-    } else if (style == HARD_DISK_GPT) {
-        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetBitLockerSystemInfo\tDiskStyle is GPT"));
-        if (!m_pVDSPartition->GetPartitionType(gpt_layout::efiSystem, type)) {
+    DWORD step = ending::GetBitLockerSystemInfo;
+    return Guarded(step, [&]() -> DWORD {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetBitLockerSystemInfo\tStart"));
+        disk = noDisk;
+        partition = noPartition;
+        letter = noLetter;
+        const int internalDisk = GetFirstInternalDriveNumber();
+        if (internalDisk < 0) {
             return LogFailure(LOG_LEVEL_ERROR,
-                              TEXT("Kestova::GetBitLockerSystemInfo\tGetPartitionType Error"),
-                              DWORD{NO_SYSTEM_PARTITION_TYPE});
+                              TEXT("Kestova::GetBitLockerSystemInfo\tGetFirstInternalDriveNumber error"),
+                              step);
         }
-    } else {
-        return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::GetBitLockerSystemInfo\tDiskStyle is UNKNOWN"),
-                          DWORD{UNKNOWN_DISK_STYLE});
-    }
-    if (type == PARTITION_SYSTEM_GUID) {
-        disk = internalDisk;
-        partition = gpt_layout::efiSystem;
-    }
-    LogRecord(LOG_LEVEL_TRACE)
-        .String(StringFormat(
-            TEXT("Kestova::GetBitLockerSystemInfo DiskNumber: %d  PartitionNumber: %d  cDriveLetter: %c"),
-            disk, partition, letter));
-    return 0;
-}
-
-DWORD Kestova::GetVistaOSInfo(int& disk, int& partition, WCHAR& letter) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetVistaOSInfo\tStart"));
-
-    const auto locate = [&]() -> DWORD {
+        if (m_pVDSPartition == nullptr) {
+            return LogFailure(LOG_LEVEL_ERROR,
+                              TEXT("Kestova::GetBitLockerSystemInfo\tNULL == m_pVDSPartition"),
+                              DWORD{NO_VOLUME_LAYER});
+        }
+        step = ERROR_GET_DISK_STYLE;
         THardDiskType style = HARD_DISK_UNKNOWN;
         if (!GetDiskStyle(style)) {
             return LogFailure(LOG_LEVEL_ERROR,
-                              TEXT("Kestova::GetVistaOSInfo\tGetDiskStyle\tERROR_GET_DISK_STYLE"),
-                              DWORD{ERROR_GET_DISK_STYLE});
+                              TEXT("Kestova::GetBitLockerSystemInfo\tGetDiskStyle ERROR_GET_DISK_STYLE"),
+                              step);
         }
-        int bootDisk = noDisk;
-        int bootPartition = noPartition;
-        WCHAR bootLetter = noLetter;
-        const DWORD code = GetBitLockerSystemInfo(bootDisk, bootPartition, bootLetter);
-        const WindowsPartition* const windows = FindWindowsPartition(style, bootPartition);
-        if (windows == nullptr) {
-            LogNoWindowsPartition(style);
-            const bool isKnownStyle = style == HARD_DISK_MBR || style == HARD_DISK_GPT;
-            return isKnownStyle ? code : static_cast<DWORD>(DWORD{ERROR_GET_DISK_STYLE});
+        step = NO_SYSTEM_PARTITION_TYPE;
+        GUID type = {};
+        if (style == HARD_DISK_MBR) {
+            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetBitLockerSystemInfo\tDiskStyle is MBR"));
+        } else if (style == HARD_DISK_GPT) {
+            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetBitLockerSystemInfo\tDiskStyle is GPT"));
+            if (!m_pVDSPartition->GetPartitionType(gpt_layout::efiSystem, type)) {
+                return LogFailure(LOG_LEVEL_ERROR,
+                                  TEXT("Kestova::GetBitLockerSystemInfo\tGetPartitionType Error"), step);
+            }
+        } else {
+            return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::GetBitLockerSystemInfo\tDiskStyle is UNKNOWN"),
+                              DWORD{UNKNOWN_DISK_STYLE});
         }
-        // Without an EFI system partition the disk is noDisk, and no letter is found.
-        const WCHAR found = GetDriveLetter(bootDisk, windows->partition);
-        if (found == noLetter) {
-            return LogFailure(LOG_LEVEL_ERROR,
-                              TEXT("Kestova::GetVistaOSInfo\tGetDriveLetter\tERROR_GET_DRIVE_LETTER"),
-                              DWORD{ERROR_GET_DRIVE_LETTER});
-        }
-        if (!IsVistaOS(found)) {
-            return LogFailure(LOG_LEVEL_ERROR, TEXT("Kestova::GetVistaOSInfo\tIsVistaOS\tERROR_NO_EXIST_OS"),
-                              DWORD{ERROR_NO_EXIST_OS});
-        }
-        disk = bootDisk;
-        partition = windows->partition;
-        letter = found;
+        const bool found = type == PARTITION_SYSTEM_GUID;
+        const int foundDisk = found ? internalDisk : noDisk;
+        const int foundPartition = found ? gpt_layout::efiSystem : noPartition;
+        TraceString(StringFormat(
+            TEXT("Kestova::GetBitLockerSystemInfo DiskNumber: %d  PartitionNumber: %d  cDriveLetter: %c"),
+            foundDisk, foundPartition, letter));
+        disk = foundDisk;
+        partition = foundPartition;
         return 0;
-    };
+    });
+}
 
-    disk = noDisk;
-    partition = noPartition;
-    letter = noLetter;
-    const DWORD code = locate();
-    LogRecord(LOG_LEVEL_TRACE)
-        .String(StringFormat(
-            TEXT("Kestova::GetVistaOSInfo DiskNumber: %d  PartitionNumber: %d  cDriveLetter: %c"), disk,
-            partition, letter));
-    return code;
+DWORD Kestova::GetVistaOSInfo(int& disk, int& partition, WCHAR& letter) {
+    DWORD step = ending::GetVistaOSInfo;
+    return Guarded(step, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetVistaOSInfo\tStart"));
+        int foundDisk = noDisk;
+        int foundPartition = noPartition;
+        WCHAR foundLetter = noLetter;
+
+        const auto locate = [&]() -> DWORD {
+            THardDiskType style = HARD_DISK_UNKNOWN;
+            if (!GetDiskStyle(style)) {
+                return LogFailure(LOG_LEVEL_ERROR,
+                                  TEXT("Kestova::GetVistaOSInfo\tGetDiskStyle\tERROR_GET_DISK_STYLE"), step);
+            }
+            int bootDisk = noDisk;
+            int bootPartition = noPartition;
+            WCHAR bootLetter = noLetter;
+            const DWORD code = GetBitLockerSystemInfo(bootDisk, bootPartition, bootLetter);
+            const WindowsPartition* const windows = FindWindowsPartition(style, bootPartition);
+            if (windows == nullptr) {
+                LogNoWindowsPartition(style);
+                const bool isKnownStyle = style == HARD_DISK_MBR || style == HARD_DISK_GPT;
+                return isKnownStyle ? code : static_cast<DWORD>(DWORD{ERROR_GET_DISK_STYLE});
+            }
+            // Without an EFI system partition the disk is noDisk, and no letter is found.
+            step = ERROR_GET_DRIVE_LETTER;
+            const WCHAR found = GetDriveLetter(bootDisk, windows->partition);
+            if (found == noLetter) {
+                return LogFailure(LOG_LEVEL_ERROR,
+                                  TEXT("Kestova::GetVistaOSInfo\tGetDriveLetter\tERROR_GET_DRIVE_LETTER"),
+                                  step);
+            }
+            step = ERROR_NO_EXIST_OS;
+            if (!IsVistaOS(found)) {
+                return LogFailure(LOG_LEVEL_ERROR,
+                                  TEXT("Kestova::GetVistaOSInfo\tIsVistaOS\tERROR_NO_EXIST_OS"), step);
+            }
+            foundDisk = bootDisk;
+            foundPartition = windows->partition;
+            foundLetter = found;
+            return 0;
+        };
+
+        disk = noDisk;
+        partition = noPartition;
+        letter = noLetter;
+        const DWORD code = locate();
+        TraceString(StringFormat(
+            TEXT("Kestova::GetVistaOSInfo DiskNumber: %d  PartitionNumber: %d  cDriveLetter: %c"), foundDisk,
+            foundPartition, foundLetter));
+        disk = foundDisk;
+        partition = foundPartition;
+        letter = foundLetter;
+        return code;
+    });
 }

@@ -4,6 +4,7 @@
 #include "base/wide_string.h"
 #include "diag/log_record.h"
 #include "manager/drive.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 
 namespace {
@@ -26,15 +27,17 @@ int Kestova::GetVolumeName(WCHAR letter, WCHAR* name) {
 }
 
 int Kestova::GetFactoryPrtDriveLetter(WCHAR& letter) {
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetFactoryPrtDriveLetter\tStart. "));
-    letter = FirstLetter([&](WCHAR candidate) {
-        WCHAR name[MAX_PATH] = {};
-        return GetVolumeName(candidate, name) && EqualIgnoringCase(name, TEXT("Factory"));
+    return Guarded(ending::GetFactoryPrtDriveLetter, [&] {
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetFactoryPrtDriveLetter\tStart. "));
+        letter = FirstLetter([&](WCHAR candidate) {
+            WCHAR name[MAX_PATH] = {};
+            return GetVolumeName(candidate, name) && EqualIgnoringCase(name, TEXT("Factory"));
+        });
+        LogRecord(LOG_LEVEL_TRACE)
+            .Text(TEXT("Kestova::GetFactoryPrtDriveLetter\tEnd. cDriveLetter = "))
+            .Char(letter)
+            .Text(TEXT(" bResult = "))
+            .Int(TRUE);
+        return TRUE;
     });
-    LogRecord(LOG_LEVEL_TRACE)
-        .Text(TEXT("Kestova::GetFactoryPrtDriveLetter\tEnd. cDriveLetter = "))
-        .Char(letter)
-        .Text(TEXT(" bResult = "))
-        .Int(TRUE);
-    return TRUE;
 }

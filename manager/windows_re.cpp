@@ -2,6 +2,7 @@
 
 #include "diag/module.h"
 #include "manager/drive.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 #include "manager/markers.h"
 
@@ -45,14 +46,16 @@ int Kestova::IsWinREVolume(WCHAR letter) {
 }
 
 int Kestova::IsWindowsRE(WCHAR letter) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsWindowsRE\tStart cDriveLetter = ")).Char(letter);
-    int bRet = 0;
-    if (!IsFixedDrive(letter)) {
-        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsWindowsRE\t\tGetDriveType\tError"));
-    } else {
-        bRet = HasMarkers(letter, mediaMarkers);
-    }
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsWindowsRE\tEnd"));
-    return bRet;
+    return Guarded(ending::IsWindowsRE, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsWindowsRE\tStart cDriveLetter = ")).Char(letter);
+        int bRet = 0;
+        if (!IsFixedDrive(letter)) {
+            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsWindowsRE\t\tGetDriveType\tError"));
+        } else {
+            bRet = HasMarkers(letter, mediaMarkers);
+        }
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsWindowsRE\tEnd"));
+        return bRet;
+    });
 }

@@ -34,7 +34,7 @@ constexpr FailureText noAdvancedDisk = {
 BOOL CVDSPartition::GetPhysicalDriveNumber(const WCHAR* name, int& diskNumber) {
     LogRecord(LOG_LEVEL_TRACE)
         .Text(TEXT("Kestova CVDSPartition::GetPhysicalDriveNumber\tStart. pszName = "))
-        .Text(name);
+        .Text(name != nullptr ? name : TEXT(""));  // a disk can have no name
     WCHAR buffer[diskNameUnits] = {};
     if (name != nullptr) CopyBounded(buffer, diskNameUnits, name);
     diskNumber = -1;

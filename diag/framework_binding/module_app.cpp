@@ -17,6 +17,9 @@ CModuleApp theApp;
 
 AFX_EXTENSION_MODULE extensionModule;
 
+// A load that fails with the application has ended it; the loader reports the unload nevertheless.
+bool applicationEnded = false;
+
 void ReleaseTemporaryMaps() {
     AfxLockTempMaps();
     AfxUnlockTempMaps(TRUE);
@@ -28,12 +31,12 @@ BOOL StartApplication(HINSTANCE instance) {
     AfxCoreInitModule();
     if (!AfxWinInit(instance, nullptr, noCommandLine, 0)) return FALSE;
     CWinApp* const application = AfxGetApp();
-    if (!application->InitInstance()) {
+    applicationEnded = !application->InitInstance();
+    if (applicationEnded) {
         application->ExitInstance();
         AfxWinTerm();
-        return FALSE;
     }
-    return TRUE;
+    return !applicationEnded;
 }
 
 // FALSE if there is no memory for the record, which the framework owns until the module is unloaded.
@@ -55,9 +58,9 @@ BOOL Load(HINSTANCE instance) {
 
 void StopApplication() {
     const ModuleContext context;
-    AfxGetApp()->ExitInstance();
+    if (!applicationEnded) AfxGetApp()->ExitInstance();
     ReleaseTemporaryMaps();
-    AfxWinTerm();
+    if (!applicationEnded) AfxWinTerm();
 }
 
 void Unload() {

@@ -12,6 +12,8 @@
 #include "base/wide_string.h"
 #include "diag/failure_record.h"
 #include "diag/module.h"
+#include "manager/formatted_record.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 #include "manager/letter_map/letter_map_failures.h"
 
@@ -64,7 +66,7 @@ void FreeBuffers(DeviceMap& devices) {
 int Kestova::ReadRegistry(WCHAR* sRegisterPath) {
     LogRecord(LOG_LEVEL_TRACE)
         .Text(TEXT("Kestova::ReadRegistry Start. sRegisterPath = "))
-        .Text(sRegisterPath);
+        .Text(sRegisterPath != nullptr ? sRegisterPath : TEXT(""));
 
     const auto read = [&]() -> int {
         if (sRegisterPath == nullptr) return FALSE;
@@ -106,46 +108,49 @@ int Kestova::TransformDriveLetter(WCHAR cWindowsDriveLetter, WCHAR& cWinPEDriveL
 }
 
 int Kestova::GetWinDriveLetters(tagDriveInfo_t* records, int count) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters\t\tStart"));
-    CleanMap();
+    return Guarded(ending::GetWinDriveLetters, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters\t\tStart"));
+        CleanMap();
 
-    const auto readBothSystems = [&]() -> int {
-        if (!ReadRegistry(WideString(runningSystemKey).data())) {
-            return LogFailure(LOG_LEVEL_ERROR, runningSystemNotRead, FALSE);
-        }
-        if (!LoadWindowsRegistry()) {
-            return LogFailure(LOG_LEVEL_ERROR, installedWindowsNotLoaded, FALSE);
-        }
-        if (!ReadRegistry(WideString(installedWindowsKey).data())) {
-            return LogFailure(LOG_LEVEL_TRACE, installedWindowsNotRead, FALSE);
-        }
-        return TRUE;
-    };
+        const auto readBothSystems = [&]() -> int {
+            if (!ReadRegistry(WideString(runningSystemKey).data())) {
+                return LogFailure(LOG_LEVEL_ERROR, runningSystemNotRead, FALSE);
+            }
+            if (!LoadWindowsRegistry()) {
+                return LogFailure(LOG_LEVEL_ERROR, installedWindowsNotLoaded, FALSE);
+            }
+            if (!ReadRegistry(WideString(installedWindowsKey).data())) {
+                return LogFailure(LOG_LEVEL_TRACE, installedWindowsNotRead, FALSE);
+            }
+            return TRUE;
+        };
 
-    const auto fillRecords = [&]() -> int {
-        int filled = 0;
-        for (const auto& [letter, data] : m_mapWinDrive) {
-            WCHAR running = noLetter;
-            const int known = TransformDriveLetter(letter, running);
-            LogRecord(LOG_LEVEL_TRACE).String(StringFormat(letterText, letter, running));
-            if (!known || running == noLetter) continue;
-            if (filled >= count) return FALSE;
-            tagDriveInfo_t& record = records[filled++];
-            record = {GetDiskNumber(running), GetPartNumber(running), letter};
-            LogRecord(LOG_LEVEL_TRACE)
-                .String(StringFormat(recordText, record.iDiskNum, record.iPartNum, record.cDriveLetter));
-        }
-        return TRUE;
-    };
+        const auto fillRecords = [&]() -> int {
+            int filled = 0;
+            for (const auto& [letter, data] : m_mapWinDrive) {
+                WCHAR running = noLetter;
+                const int known = TransformDriveLetter(letter, running);
+                TraceString(StringFormat(letterText, letter, running));
+                if (!known || running == noLetter) continue;
+                if (filled >= count) return FALSE;
+                tagDriveInfo_t& record = records[filled++];
+                record = {GetDiskNumber(running), GetPartNumber(running), letter};
+                TraceString(StringFormat(recordText, record.iDiskNum, record.iPartNum, record.cDriveLetter));
+            }
+            return TRUE;
+        };
 
-    int bResult = records != nullptr && readBothSystems() && fillRecords();
-    if (!UnloadWindowsRegistry()) {
-        LogRecord(LOG_LEVEL_ERROR).Text(installedWindowsNotUnloaded);
-        bResult = FALSE;
-    }
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters\t\tEnd"));
-    return bResult;
+        // A failure like any other, so that the hive is unloaded.
+        int bResult =
+            Guarded(FALSE, [&]() -> int { return records != nullptr && readBothSystems() && fillRecords(); });
+        if (!UnloadWindowsRegistry()) {
+            LogRecord(LOG_LEVEL_ERROR).Text(installedWindowsNotUnloaded);
+            bResult = FALSE;
+        }
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetWinDriveLetters\t\tEnd"));
+        return bResult;
+    });
 }
 
 void Kestova::CleanMap() {

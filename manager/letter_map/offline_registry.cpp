@@ -1,9 +1,10 @@
 // Loads and unloads the SYSTEM hive of the installed Windows with `reg`, in a batch file that the command
 // interpreter of Windows PE runs.
 
-#include <string>
+#include <cstring>
 
 #include "base/drive_letter.h"
+#include "base/format.h"
 #include "base/owners.h"
 #include "base/wide_string.h"
 #include "manager/kestova.h"
@@ -11,35 +12,34 @@
 namespace {
 
 constexpr const WCHAR* batchFile = TEXT("X:\\LoadRegistry.bat");  // Windows PE runs from X:
+constexpr size_t batchCapacity = 1024;                            // units, far more than a command needs
+constexpr size_t mostBytesPerUnit = 3;                            // of UTF-8, which may be the ANSI code page
 constexpr DWORD longestRun = 10'000;                              // milliseconds
 constexpr int attempts = 3;
 constexpr DWORD pause = 300;  // milliseconds, after every failed attempt
 
 enum BatchResult : int { BATCH_ENDED = 0, BATCH_FAILED = 1, BATCH_WITHOUT_PROCESS = 2 };
 
-// The text in the code page of the command interpreter; empty if it cannot be converted. The buffer has the
-// length of the ANSI text, so a text that is longer in the OEM code page is empty as well.
-std::string InOemCodePage(const WideString& text) {
-    const int size = WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, nullptr, 0, nullptr, nullptr);
-    if (size <= 0) return {};
-    std::string bytes(static_cast<size_t>(size), '\0');
-    if (WideCharToMultiByte(CP_OEMCP, 0, text.c_str(), -1, bytes.data(), size, nullptr, nullptr) == 0)
-        return {};
-    bytes.resize(bytes.find('\0'));
-    return bytes;
+// The length of the text in the code page of the command interpreter; 0 if it cannot be converted. Only the
+// length of the ANSI text is used of the buffer, so a text that is longer in the OEM code page fails as well.
+size_t ToOemCodePage(const WCHAR* text, char* bytes, size_t capacity) {
+    const int size = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    if (size <= 0 || static_cast<size_t>(size) > capacity) return 0;
+    return WideCharToMultiByte(CP_OEMCP, 0, text, -1, bytes, size, nullptr, nullptr) != 0 ? std::strlen(bytes)
+                                                                                          : 0;
 }
 
+// Needs no memory but the stack: the hive is unloaded, and the file deleted, when there is none.
 bool WriteBatch(const WCHAR* command) {
     const FileHandle file(
         CreateFileW(batchFile, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return false;
-    WideString text = command;
-    text += TEXT("\r\nexit\r\n");
-    const std::string bytes = InOemCodePage(text);
+    WCHAR text[batchCapacity];
+    if (FormatInto(text, batchCapacity, TEXT("%s\r\nexit\r\n"), command) >= batchCapacity) return false;
+    char bytes[mostBytesPerUnit * batchCapacity];
+    const DWORD size = static_cast<DWORD>(ToOemCodePage(text, bytes, sizeof bytes));
     DWORD written = 0;
-    return !bytes.empty() &&
-           WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-           written == bytes.size();
+    return size > 0 && WriteFile(file.Get(), bytes, size, &written, nullptr) && written == size;
 }
 
 // Only whether the command ends in time matters; its exit code is ignored.

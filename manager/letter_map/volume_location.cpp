@@ -6,6 +6,8 @@
 #include "diag/log_record.h"
 #include "diag/module.h"
 #include "manager/drive.h"
+#include "manager/formatted_record.h"
+#include "manager/guard.h"
 #include "manager/kestova.h"
 
 namespace {
@@ -32,35 +34,33 @@ bool IsOnPartition(WCHAR letter, int disk, int partition) {
 }  // namespace
 
 WCHAR Kestova::GetDriveLetter(int disk, int partition) {
-    ModuleContext context;
-    LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDriveLetter\tStart"));
-    const WCHAR found = FirstLetter([&](WCHAR letter) { return IsOnPartition(letter, disk, partition); });
-    LogSearched(found, TEXT("Kestova::GetDriveLetter\tEnd. Driver is "),
-                TEXT("Kestova::GetDriveLetter\tEnd. Driver is 0"));
-    return found;
+    return Guarded(ending::GetDriveLetter, [&] {
+        ModuleContext context;
+        LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::GetDriveLetter\tStart"));
+        const WCHAR found = FirstLetter([&](WCHAR letter) { return IsOnPartition(letter, disk, partition); });
+        LogSearched(found, TEXT("Kestova::GetDriveLetter\tEnd. Driver is "),
+                    TEXT("Kestova::GetDriveLetter\tEnd. Driver is 0"));
+        return found;
+    });
 }
 
 int Kestova::GetDiskNumber(WCHAR letter) {
-    LogRecord(LOG_LEVEL_TRACE)
-        .String(StringFormat(TEXT("Kestova::GetDiskNumber      cDriveLetter is %c "), letter));
+    TraceString(StringFormat(TEXT("Kestova::GetDiskNumber      cDriveLetter is %c "), letter));
     int iDiskNum = 255;
     const FileHandle volume = OpenVolume(letter, GENERIC_READ);
     if (volume && ReadDiskNumber(volume, iDiskNum)) {
         // The text names GetPartNumber.
-        LogRecord(LOG_LEVEL_TRACE)
-            .String(StringFormat(TEXT("Kestova::GetPartNumber      iDiskNum is %d "), iDiskNum));
+        TraceString(StringFormat(TEXT("Kestova::GetPartNumber      iDiskNum is %d "), iDiskNum));
     }
     return iDiskNum;
 }
 
 int Kestova::GetPartNumber(WCHAR letter) {
-    LogRecord(LOG_LEVEL_TRACE)
-        .String(StringFormat(TEXT("Kestova::GetPartNumber      cDriveLetter is %c "), letter));
+    TraceString(StringFormat(TEXT("Kestova::GetPartNumber      cDriveLetter is %c "), letter));
     int iPartNum = 0;
     const FileHandle volume = OpenVolume(letter, GENERIC_READ);
     if (volume && ReadPartitionNumber(volume, iPartNum)) {
-        LogRecord(LOG_LEVEL_TRACE)
-            .String(StringFormat(TEXT("Kestova::GetPartNumber      iPartNum is %d "), iPartNum));
+        TraceString(StringFormat(TEXT("Kestova::GetPartNumber      iPartNum is %d "), iPartNum));
     }
     return iPartNum;
 }

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <latch>
+#include <thread>
+
 #include "diag/module_binding/module_app.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
@@ -19,6 +22,41 @@ TEST(ModuleContext, Scope_MakesTheModuleCurrentAndRestoresTheOneBefore) {
         }
         EXPECT_TRUE(ModuleContext::IsCurrent());
     }
+    EXPECT_FALSE(ModuleContext::IsCurrent());
+}
+
+// The calls overlap: the one that began first ends while the other runs.
+TEST(ModuleContext, TwoThreadsInside_ModuleIsCurrentOnBothUntilTheLastLeaves) {
+    std::latch bothInside(2);
+    std::latch checked(1);
+    std::thread second([&] {
+        const ModuleContext context;
+        bothInside.arrive_and_wait();
+        checked.wait();
+    });
+    {
+        const ModuleContext context;
+        bothInside.arrive_and_wait();
+        EXPECT_TRUE(ModuleContext::IsCurrent());
+    }
+    EXPECT_TRUE(ModuleContext::IsCurrent());
+    checked.count_down();
+    second.join();
+    EXPECT_FALSE(ModuleContext::IsCurrent());
+}
+
+// So many calls that two of them change the mark at the same time.
+TEST(ModuleContext, TwoThreadsWithManyCalls_NoCallIsLost) {
+    constexpr int calls = 2'000'000;
+    std::latch bothReady(2);
+    const auto callOften = [&] {
+        bothReady.arrive_and_wait();
+        for (int call = 0; call < calls; ++call)
+            const ModuleContext context;
+    };
+    std::thread second(callOften);
+    callOften();
+    second.join();
     EXPECT_FALSE(ModuleContext::IsCurrent());
 }
 

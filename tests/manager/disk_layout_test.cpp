@@ -56,6 +56,17 @@ INSTANTIATE_TEST_SUITE_P(Step, GetDiskStyleFailure,
                                                      0x8004242B}),
                          [](const auto& tested) { return tested.param.name; });
 
+// S_FALSE is a failure here, but the array that came with it is the caller's.
+TEST(GetDiskStyle, PartitionsWithAPositiveCode_ReturnsUnknownAndFreesThem) {
+    Application application(FactoryMbr());
+    application.pc.faults.Arm(
+        {.call = "IVdsAdvancedDisk::QueryPartitions", .nth = 1, .afterEffect = true, .code = S_FALSE});
+    THardDiskType style = HARD_DISK_GPT;
+    EXPECT_EQ(application.kestova.GetDiskStyle(style), 1);
+    EXPECT_EQ(style, HARD_DISK_UNKNOWN);
+    ExpectOnlyKeptLeftovers(application.pc.ledger);
+}
+
 TEST_F(WithoutVolumeLayer, GetDiskStyle_Returns0WithUnknownStyle) {
     THardDiskType style = HARD_DISK_MBR;
     EXPECT_EQ(kestova_.GetDiskStyle(style), 0);

@@ -52,7 +52,8 @@ R Answer(std::string_view name, std::vector<std::string> arguments, Body body) {
     const FaultRule* const fault = pc.faults.Next(std::string(name));
     const uint32_t code = fault != nullptr ? fault->code : 0;
     R result{};
-    if (fault == nullptr || (fault->afterEffect && info.changesPc)) result = body(pc);
+    const bool isPositiveResult = info.failsWith == FailsWith::Hresult && static_cast<int32_t>(code) > 0;
+    if (fault == nullptr || (fault->afterEffect && (info.changesPc || isPositiveResult))) result = body(pc);
     if (fault != nullptr) result = Failure<R>(pc, info.failsWith, code);
     pc.journal.Add(CallRecord{std::string(name), std::move(arguments), ResultText(info.failsWith, result),
                               fault != nullptr});

@@ -14,7 +14,9 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved
 
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
+using testing::StartsWith;
 
 class FailingApp : public CWinApp {
   public:
@@ -117,6 +119,24 @@ TEST_F(FrameworkHost, EndsTheFrameworkWhenTheApplicationCannotStart) {
                             "FailingApp::InitInstance", "own: CWinApp::ExitInstance", "own: AfxWinTerm"));
     EXPECT_FALSE(answer);
     own->m_pCurrentWinApp = theApp;
+}
+
+TEST_F(FrameworkHost, EndsTheApplicationThatCouldNotStartOnlyOnce) {
+    FailingApp failing;
+    AFX_MODULE_STATE* own = nullptr;
+    {
+        const ModuleContext context;
+        own = AfxGetModuleState();
+    }
+    CWinApp* const theApp = std::exchange(own->m_pCurrentWinApp, &failing);
+    Call(DLL_PROCESS_ATTACH);
+    EXPECT_THAT(Call(DLL_PROCESS_DETACH),
+                ElementsAre("own: AfxLockTempMaps", "own: AfxUnlockTempMaps and delete",
+                            StartsWith("host: AfxTermExtensionModule")));
+    own->m_pCurrentWinApp = theApp;
+
+    Call(DLL_PROCESS_ATTACH);
+    EXPECT_THAT(Call(DLL_PROCESS_DETACH), Contains("own: CWinApp::ExitInstance"));
 }
 
 TEST_F(FrameworkHost, FailsToLoadAsNoExtensionModule) {

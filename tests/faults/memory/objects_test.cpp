@@ -1,0 +1,123 @@
+// An object without memory: made, copied and assigned; and what another logging library receives.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "machine/facts/machines.h"
+#include "tests/faults/memory/failing_memory.h"
+#include "tests/faults/memory/foreign_logger.h"
+#include "tests/manager/internals.h"
+#include "tests/support/application/application.h"
+
+namespace {
+
+using internals::PEDriveMapTag;
+using internals::WinDriveMapTag;
+
+// Storage of an object that is never destroyed: its source frees what both share.
+struct Storage {
+    alignas(Kestova) char bytes[sizeof(Kestova)];
+};
+
+// Three letters in each map; the object that owns the buffers frees them.
+void FillMaps(Kestova& kestova) {
+    for (const WCHAR letter : {TEXT('C'), TEXT('D'), TEXT('E')}) {
+        (kestova.*Open(WinDriveMapTag()))[letter] = {new BYTE[1]{1}, 1};
+        (kestova.*Open(PEDriveMapTag()))[letter] = {new BYTE[1]{2}, 1};
+    }
+}
+
+void ForgetMaps(Kestova& kestova) {
+    (kestova.*Open(WinDriveMapTag())).clear();
+    (kestova.*Open(PEDriveMapTag())).clear();
+}
+
+void ExpectSharedPointersAndEmptyMaps(Kestova& copy, Kestova& source) {
+    EXPECT_EQ(copy.*Open(internals::VolumeLayerTag()), source.*Open(internals::VolumeLayerTag()));
+    EXPECT_EQ(copy.*Open(internals::EncryptionLayerTag()), source.*Open(internals::EncryptionLayerTag()));
+    EXPECT_TRUE((copy.*Open(WinDriveMapTag())).empty());
+    EXPECT_TRUE((copy.*Open(PEDriveMapTag())).empty());
+}
+
+TEST(ObjectWithoutMemory, Constructor_EachAllocationFails_LeavesThatMemberNull) {
+    const machine::EmulatedPc pc(machine::FactoryMbr());
+    for (uint32_t place = 1; place <= 4; ++place) {
+        Storage storage;
+        Kestova* made = nullptr;
+        {
+            const FailingMemory memory(place, false);
+            made = new (storage.bytes) Kestova;
+            ASSERT_TRUE(memory.HasFailed());
+        }
+        EXPECT_EQ(made->*Open(internals::EncryptionLayerTag()) == nullptr, place == 1);
+        EXPECT_EQ(made->*Open(internals::VolumeLayerTag()) == nullptr, place == 2);
+        std::destroy_at(made);
+    }
+}
+
+TEST(ObjectWithoutMemory, Copy_EachAllocationFails_SharesThePointersAndHasEmptyMaps) {
+    const machine::EmulatedPc pc(machine::FactoryMbr());
+    Kestova source;
+    FillMaps(source);
+    for (uint32_t place = 1; place <= 6; ++place) {
+        Storage storage;
+        const FailingMemory memory(place, false);
+        Kestova* const copy = new (storage.bytes) Kestova(source);
+        ASSERT_TRUE(memory.HasFailed());
+        ExpectSharedPointersAndEmptyMaps(*copy, source);
+    }
+}
+
+TEST(ObjectWithoutMemory, Assignment_EachAllocationFails_SharesThePointersAndHasEmptyMaps) {
+    const machine::EmulatedPc pc(machine::FactoryMbr());
+    Kestova source;
+    FillMaps(source);
+    for (uint32_t place = 1; place <= 6; ++place) {
+        Storage storage;
+        Kestova* const target = new (storage.bytes) Kestova;
+        for (void* const own : {static_cast<void*>(target->*Open(internals::VolumeLayerTag())),
+                                static_cast<void*>(target->*Open(internals::EncryptionLayerTag()))})
+            ASSERT_NE(own, nullptr);
+        Storage owner;
+        Kestova* const owned = new (owner.bytes) Kestova(*target);
+        {
+            const FailingMemory memory(place, false);
+            *target = source;
+            ASSERT_TRUE(memory.HasFailed());
+        }
+        ExpectSharedPointersAndEmptyMaps(*target, source);
+        std::destroy_at(owned);
+    }
+}
+
+TEST(ModuleContext, ConstructorCopiesAndDestructor_TakeNone) {
+    const machine::EmulatedPc pc(machine::FactoryMbr());
+    Received() = {};
+    Storage storage;
+    Storage copied;
+    FailingMemory memory;
+    Kestova* const made = new (storage.bytes) Kestova;
+    FillMaps(*made);
+    Kestova* const copy = new (copied.bytes) Kestova(*made);
+    *copy = *made;
+    ForgetMaps(*copy);
+    std::destroy_at(made);
+    memory.Stop();
+    EXPECT_GE(memory.Places().size(), 12U);
+    EXPECT_FALSE(memory.SawCurrentModule());
+    EXPECT_GT(Received().count, 0);
+    EXPECT_EQ(Received().ofCurrentModule, 0);
+}
+
+TEST(ForeignLogger, DiskWithoutAName_ReceivesNoNullText) {
+    machine::Pc facts = machine::FactoryMbr();
+    facts.disks.front().vdsName.reset();
+    Application application(facts);
+    Received() = {};
+    EXPECT_EQ(application.kestova.GetFirstInternalDriveNumber(), -1);
+    EXPECT_GT(Received().count, 0);
+    EXPECT_EQ(Received().nullTexts, 0);
+}
+
+}  // namespace
