@@ -1,9 +1,8 @@
 // Writes records as the recovery library does, for the test of the log file.
 //
 //     log_writer NAME COUNT LENGTH     is ready, and writes records when its input has a line or ends
-//     log_writer stuck                 is stuck in its turn at the log until its input ends; says "refused"
-//     if it may not
-//                                      take turns
+//     log_writer stuck                 is stuck in its turn at the log until its input ends
+//     log_writer alone                 the same, and no other program can open the mutex of the turns
 //     log_writer limited WORD...       starts itself with the other words and without an administrator's
 //     rights
 //
@@ -15,24 +14,26 @@
 #include <string>
 
 #include "logging/logging.h"
+#include "platform/windows_api.h"
+// The conversion of descriptors, which windows.h leaves out.
+#include <sddl.h>
 
 namespace {
 
-int StayStuck() {
-    // The logging library makes its mutex now.
-    CLoggingFactory::GetInstance().BeginRecord(LOG_LEVEL_TRACE);
-    CLoggingFactory::GetInstance().EndRecord();
-    const HANDLE turn = OpenMutexW(SYNCHRONIZE | MUTEX_MODIFY_STATE, FALSE, TEXT("Global\\Kestova.Logging"));
-    if (turn == nullptr) {
-        std::puts("refused");
-        return 0;
-    }
-    std::puts(WaitForSingleObject(turn, 0) == WAIT_OBJECT_0 ? "stuck" : "late");
+// Has the mutex of the turns until the input ends; without access, nobody else can open it.
+int StayStuck(const WCHAR* access) {
+    SECURITY_ATTRIBUTES attributes = {sizeof(attributes), nullptr, FALSE};
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(access, SDDL_REVISION_1,
+                                                         &attributes.lpSecurityDescriptor, nullptr);
+    const HANDLE turn = CreateMutexW(&attributes, TRUE, TEXT("Global\\Kestova.Logging"));
+    if (turn == nullptr || GetLastError() == ERROR_ALREADY_EXISTS) return 5;
+    std::puts("stuck");
     std::fflush(stdout);
     while (std::getchar() != EOF) {
     }
     ReleaseMutex(turn);
     CloseHandle(turn);
+    LocalFree(attributes.lpSecurityDescriptor);
     return 0;
 }
 
@@ -78,7 +79,8 @@ int StartLimited(int count, char** words) {
 }  // namespace
 
 int main(int count, char** words) {
-    if (count == 2 && std::string(words[1]) == "stuck") return StayStuck();
+    if (count == 2 && std::string(words[1]) == "stuck") return StayStuck(TEXT("D:P(A;;GA;;;WD)"));
+    if (count == 2 && std::string(words[1]) == "alone") return StayStuck(TEXT("D:P"));
     if (count > 2 && std::string(words[1]) == "limited") return StartLimited(count, words);
     if (count != 4) return 2;
     const std::string ascii = words[1];

@@ -1,4 +1,5 @@
-// The first record of a process, which makes the log file's sink, when memory runs out.
+// The sink that writes the log file: made by the first record also when memory ran out before, and who may
+// take turns with it.
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,10 @@
 
 #include "logging/logging.h"
 #include "logging/platform.h"
+#include "platform/windows_api.h"
 #include "tests/logging/scarce_memory.h"
+// The conversion of descriptors, which windows.h leaves out.
+#include <sddl.h>
 
 namespace {
 
@@ -25,8 +29,7 @@ std::string LogBesideProgram() {
     return path.substr(0, path.find_last_of('\\') + 1) + "Kestova.log";
 }
 
-// Every allocation from one on fails, once and for all: the record is lost, the next one is written.
-TEST(FirstRecord, EachAllocationFails_NextRecordIsWritten) {
+TEST(StandardSink, EachAllocationOfTheFirstRecordFails_NextRecordIsWritten) {
     const std::string path = LogBesideProgram();
     SetEnvironmentVariableW(TEXT("KESTOVA_LOG_LEVEL"), nullptr);
     for (const auto lack : {ScarceMemory::Lack::Once, ScarceMemory::Lack::FromThenOn}) {
@@ -52,6 +55,25 @@ TEST(FirstRecord, EachAllocationFails_NextRecordIsWritten) {
     std::remove(path.c_str());
     ReleaseStandardSink();
     SetEnvironmentVariableW(TEXT("KESTOVA_LOG_LEVEL"), TEXT("0"));
+}
+
+TEST(StandardSink, MutexOfTheTurns_IsOpenToAdministratorsAndTheSystemAlone) {
+    ReleaseStandardSink();
+    WriteRecord(TEXT("not written at level "), 0);
+    const HANDLE mutex = OpenMutexW(READ_CONTROL, FALSE, TEXT("Global\\Kestova.Logging"));
+    ASSERT_NE(mutex, nullptr);
+    BYTE descriptor[1024] = {};
+    DWORD size = 0;
+    EXPECT_TRUE(
+        GetKernelObjectSecurity(mutex, DACL_SECURITY_INFORMATION, descriptor, sizeof(descriptor), &size));
+    WCHAR* text = nullptr;
+    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
+        descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(std::basic_string<WCHAR>(text), TEXT("D:P(A;;GA;;;BA)(A;;GA;;;SY)"));
+    LocalFree(text);
+    CloseHandle(mutex);
+    ReleaseStandardSink();
 }
 
 }  // namespace
