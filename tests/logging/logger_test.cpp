@@ -177,7 +177,9 @@ TEST_F(SinksTest, SinkAddsManyInWrite_TheyReceiveTheNextRecordAndEveryOtherOnceE
     std::vector<Collector> added(100);
     for (Collector& sink : added)
         changing.added.push_back(&sink);
+    logger_.RemoveSink(sink_);
     logger_.AddSink(changing);
+    logger_.AddSink(sink_);
     WriteRecords(2);
     logger_.RemoveSink(changing);
     for (Collector& sink : added) {
