@@ -51,6 +51,7 @@ function(kestova_logging_dll)
   target_compile_definitions(kestova_logging PRIVATE LOGGING_EXPORTS)
   target_link_libraries(kestova_logging PUBLIC kestova_platform)
   kestova_shipped(kestova_logging Logging.dll "Kestova's default logging library")
+  kestova_guarded(kestova_logging)
   kestova_unloadable(kestova_logging)
 endfunction()
 

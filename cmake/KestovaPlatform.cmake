@@ -14,7 +14,7 @@ endif()
 
 if(MSVC)
   # The class holds standard containers: an application is built by the same compiler.
-  target_compile_options(kestova_platform INTERFACE /W4 /wd4251 /utf-8)
+  target_compile_options(kestova_platform INTERFACE /W4 /wd4251 /utf-8 /sdl /guard:cf)
   target_compile_definitions(kestova_platform INTERFACE _SILENCE_CXX17_CODECVT_HEADER_DEPRECATION_WARNING)
 else()
   target_compile_options(kestova_platform INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion

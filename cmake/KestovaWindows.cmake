@@ -25,7 +25,21 @@ function(kestova_shipped target version_file version_description)
     target_link_options(${target} PRIVATE -static -s -Wl,--gc-sections -Wl,--exclude-all-symbols -Wl,--dynamicbase
       -Wl,--nxcompat $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:-Wl,--high-entropy-va>)
   elseif(MSVC)
-    target_link_options(${target} PRIVATE /DYNAMICBASE /NXCOMPAT
+    target_link_options(${target} PRIVATE /DYNAMICBASE /NXCOMPAT /guard:cf /CETCOMPAT
       $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:/HIGHENTROPYVA>)
+  endif()
+endfunction()
+
+# kestova_guarded(TARGET): a function whose part of the stack was overwritten ends the program. Not for Kestova.dll, which
+# has to stay small.
+function(kestova_guarded target)
+  if(MINGW)
+    target_compile_options(${target} PRIVATE -fstack-protector-strong)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "STATIC_LIBRARY")
+      target_link_options(${target} INTERFACE -fstack-protector-strong)
+    else()
+      target_link_options(${target} PRIVATE -fstack-protector-strong)
+    endif()
   endif()
 endfunction()

@@ -43,7 +43,10 @@ struct LogEntry {
     }
 };
 
-// Receives every record when it ends, one at a time. Write must not write records itself.
+// Receives every record when it ends, one at a time, in the order in which the sinks were added. Write must
+// not write records itself. It may add and remove sinks, itself too: one that is removed receives nothing
+// from then on, not even the same record; one that is added receives the records from the next one on. An
+// exception from Write ends there; nobody sees it.
 class ILogSink {
   public:
     virtual void Write(const LogEntry& entry) = 0;
@@ -79,8 +82,10 @@ class ILogRecord {
 class ILogger {
   public:
     // From now on the sink receives every record of every level. Remove it before it is destroyed. Adding it
-    // again has no effect.
+    // again has no effect, nor has adding it when memory runs out. While another thread writes a record, this
+    // and RemoveSink wait for its end.
     virtual void AddSink(ILogSink& sink) noexcept = 0;
+    // From now on the sink is not called. Removing one that was not added has no effect.
     virtual void RemoveSink(ILogSink& sink) noexcept = 0;
     // Begins a record; the reference is valid until EndRecord, which passes the record to the sinks. In
     // between, other threads block in BeginRecord.

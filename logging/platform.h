@@ -20,5 +20,9 @@ class LastErrorKept {
     DWORD code_;
 };
 
-// The sink that the logger starts with, which is never destroyed; null if there is none.
+// The sink that receives every record before those that programs add; the logger asks for it at each record,
+// and never twice at once. Null if there is none, or if memory ran out when it was made: the next record
+// makes it.
 ILogSink* StandardSink() noexcept;
+// Frees it, if it was made.
+void ReleaseStandardSink() noexcept;

@@ -6,7 +6,7 @@
 
 namespace {
 
-class Collector : public ILogSink {
+class Collector final : public ILogSink {
   public:
     void Write(const LogEntry& entry) override { entries.push_back(entry); }
     std::vector<LogEntry> entries;
@@ -116,6 +116,88 @@ TEST_F(LoggerTest, SinkAddedTwice_IsWrittenOnce) {
     logger_.BeginRecord(LOG_LEVEL_TRACE);
     logger_.EndRecord();
     EXPECT_EQ(sink_.entries.size(), 1U);
+}
+
+// Removes itself, or another sink, or adds one, when a record comes.
+class ChangingSink final : public ILogSink {
+  public:
+    void Write(const LogEntry&) override {
+        ++records;
+        if (removed != nullptr) CLoggingFactory::GetInstance().RemoveSink(*removed);
+        for (ILogSink* const sink : added)
+            CLoggingFactory::GetInstance().AddSink(*sink);
+    }
+    ILogSink* removed = nullptr;
+    std::vector<ILogSink*> added;
+    int records = 0;
+};
+
+class SinksTest : public LoggerTest {
+  protected:
+    void WriteRecords(int count) {
+        for (int record = 0; record < count; ++record) {
+            logger_.BeginRecord(LOG_LEVEL_TRACE);
+            logger_.EndRecord();
+        }
+    }
+};
+
+TEST_F(SinksTest, SinkRemovesItselfInWrite_OthersReceiveThatRecordAndItNoMore) {
+    ChangingSink first;
+    Collector last;
+    first.removed = &first;
+    logger_.RemoveSink(sink_);
+    logger_.AddSink(first);
+    logger_.AddSink(sink_);
+    logger_.AddSink(last);
+    WriteRecords(3);
+    logger_.RemoveSink(last);
+    EXPECT_EQ(first.records, 1);
+    EXPECT_EQ(sink_.entries.size(), 3U);
+    EXPECT_EQ(last.entries.size(), 3U);
+}
+
+TEST_F(SinksTest, SinkRemovesALaterOneInWrite_ThatOneDoesNotReceiveTheRecord) {
+    ChangingSink changing;
+    Collector last;
+    changing.removed = &sink_;
+    logger_.RemoveSink(sink_);
+    logger_.AddSink(changing);
+    logger_.AddSink(sink_);
+    logger_.AddSink(last);
+    WriteRecords(2);
+    logger_.RemoveSink(changing);
+    logger_.RemoveSink(last);
+    EXPECT_TRUE(sink_.entries.empty());
+    EXPECT_EQ(last.entries.size(), 2U);
+}
+
+TEST_F(SinksTest, SinkAddsManyInWrite_TheyReceiveTheNextRecordAndEveryOtherOnceEach) {
+    ChangingSink changing;
+    std::vector<Collector> added(100);
+    for (Collector& sink : added)
+        changing.added.push_back(&sink);
+    logger_.RemoveSink(sink_);
+    logger_.AddSink(changing);
+    logger_.AddSink(sink_);
+    WriteRecords(2);
+    logger_.RemoveSink(changing);
+    for (Collector& sink : added) {
+        EXPECT_EQ(sink.entries.size(), 1U);
+        logger_.RemoveSink(sink);
+    }
+    EXPECT_EQ(changing.records, 2);
+    EXPECT_EQ(sink_.entries.size(), 2U);
+}
+
+TEST_F(SinksTest, SinkRemovesAndAddsItselfInWrite_ReceivesEveryRecordOnce) {
+    ChangingSink changing;
+    changing.removed = &changing;
+    changing.added = {&changing};
+    logger_.AddSink(changing);
+    WriteRecords(3);
+    logger_.RemoveSink(changing);
+    EXPECT_EQ(changing.records, 3);
 }
 
 class FailingSink : public ILogSink {

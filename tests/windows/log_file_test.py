@@ -14,13 +14,21 @@ import unittest
 
 LARGEST = 1024 * 1024
 LINE = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z [1-9]\d* [1-9]\d* (ERROR|TRACE) (\w+) (\d+) x*\r\n")
+CONTROL = r"HKLM\SYSTEM\CurrentControlSet\Control"
+KESTOVA = r"HKLM\SOFTWARE\Kestova"
 
 
 def windows_path(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
-class LogFile(unittest.TestCase):
+def reg(*words):
+    subprocess.run(["wine", "reg", *words, "/f"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+
+
+class LogFileTest(unittest.TestCase):
+    """Programs run elevated here, as Wine starts them, unless they are started as "limited"."""
+
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
@@ -65,6 +73,8 @@ class LogFile(unittest.TestCase):
     def new_files(self):
         return {file.name for file in set(self.folder.iterdir()) - self.before}
 
+
+class OnInstalledWindows(LogFileTest):
     def test_lies_beside_the_program_and_has_a_line_for_each_record(self):
         self.write("one", 10)
         self.assertEqual(self.records(self.log),
@@ -75,14 +85,6 @@ class LogFile(unittest.TestCase):
         self.write("one", 1)
         self.write("two", 1)
         self.assertEqual(self.records(self.log), [("TRACE", "one", 1), ("TRACE", "two", 1)])
-
-    def test_lies_where_the_variable_says(self):
-        (self.folder / "logs").mkdir()
-        for setting in (windows_path(self.folder / "logs/full.txt"), "logs\\relative.txt"):
-            self.write("one", 1, log=setting)
-        for name in ("full.txt", "relative.txt"):
-            self.assertEqual(self.records(self.folder / "logs" / name), [("TRACE", "one", 1)])
-        self.assertEqual(self.new_files(), {"logs"})
 
     def test_holds_records_up_to_the_level_that_the_variable_says(self):
         self.write("one", 20, level="1")
@@ -95,10 +97,7 @@ class LogFile(unittest.TestCase):
     def test_is_bounded_and_keeps_one_older_file(self):
         self.write("one", 30, 100_000)
         self.assertEqual(self.new_files(), {"Kestova.log", "Kestova.log.old"})
-        for file in (self.log, self.older):
-            self.assertLessEqual(file.stat().st_size, LARGEST)
-        numbers = [number for _, _, number in self.records(self.older, self.log)]
-        self.assertEqual(numbers, list(range(11, 31)))
+        self.assert_bounded()
 
     def test_loses_no_line_of_two_programs_at_once(self):
         processes = {name: self.start(name, 500, 1500) for name in ("one", "two")}
@@ -112,16 +111,6 @@ class LogFile(unittest.TestCase):
         for name in processes:
             self.assertEqual([number for _, writer, number in records if writer == name], list(range(1, 501)))
 
-    def test_disturbs_nobody_when_it_cannot_be_written(self):
-        (self.folder / "taken").mkdir()
-        places = {"a folder that is missing": windows_path(self.folder / "missing/log.txt"),
-                  "a folder of that name": windows_path(self.folder / "taken"), "a full disk": "Z:\\dev\\full",
-                  "a drive that is missing": "Q:\\log.txt", "a name that cannot be": "Z:\\a?b*c"}
-        for what, place in places.items():
-            with self.subTest(what):
-                self.write("one", 10, log=place)
-        self.assertEqual(self.new_files(), {"taken"})
-
     def test_stays_bounded_while_the_older_file_cannot_be_replaced(self):
         self.older.mkdir()
         (self.older / "in the way").touch()
@@ -132,6 +121,98 @@ class LogFile(unittest.TestCase):
         self.start("stuck")
         self.write("one", 20)
         self.assertEqual([number for _, _, number in self.records(self.log)], list(range(1, 21)))
+
+    def assert_bounded(self):
+        """After thirty records, of which two files hold twenty."""
+        for file in (self.log, self.older):
+            self.assertLessEqual(file.stat().st_size, LARGEST)
+        self.assertEqual([number for _, _, number in self.records(self.older, self.log)], list(range(11, 31)))
+
+    def test_is_bounded_although_another_program_is_stuck_in_its_turn(self):
+        self.start("stuck")
+        self.write("one", 30, 100_000)
+        self.assert_bounded()
+
+    def test_is_bounded_although_the_turns_cannot_be_opened(self):
+        self.start("alone")
+        self.write("one", 30, 100_000)
+        self.assert_bounded()
+
+    def test_does_not_lie_where_the_variable_of_an_elevated_program_says(self):
+        self.write("one", 1, log=windows_path(self.folder / "else.txt"))
+        self.assertEqual(self.new_files(), {"Kestova.log"})
+
+    def test_lies_where_the_variable_of_a_program_without_elevation_says(self):
+        process = self.start("limited", "one", 1, 0, log=windows_path(self.folder / "else.txt"))
+        self.finish(process, "one", 1)
+        self.assertEqual(self.records(self.folder / "else.txt"), [("TRACE", "one", 1)])
+        self.assertEqual(self.new_files(), {"else.txt"})
+
+
+class AtAPlaceInTheRegistry(LogFileTest):
+    def place(self, value):
+        reg("add", KESTOVA, "/v", "Log", "/d", value)
+        self.addCleanup(reg, "delete", KESTOVA)
+
+    def test_lies_there_whatever_the_variable_says(self):
+        self.place(windows_path(self.folder / "chosen.txt"))
+        self.write("one", 1, log=windows_path(self.folder / "else.txt"))
+        self.assertEqual(self.records(self.folder / "chosen.txt"), [("TRACE", "one", 1)])
+        self.assertEqual(self.new_files(), {"chosen.txt"})
+
+    def test_lies_beside_the_program_when_the_place_depends_on_the_current_folder(self):
+        self.place("chosen.txt")
+        self.write("one", 1)
+        self.assertEqual(self.new_files(), {"Kestova.log"})
+
+
+class InWindowsPe(LogFileTest):
+    @classmethod
+    def setUpClass(cls):
+        reg("add", CONTROL, "/v", "SystemStartOptions", "/d", " FASTDETECT MININT")
+        cls.addClassCleanup(reg, "delete", CONTROL, "/v", "SystemStartOptions")
+
+    def test_lies_where_the_variable_says(self):
+        (self.folder / "logs").mkdir()
+        for setting in (windows_path(self.folder / "logs/full.txt"), "logs\\relative.txt"):
+            self.write("one", 1, log=setting)
+        for name in ("full.txt", "relative.txt"):
+            self.assertEqual(self.records(self.folder / "logs" / name), [("TRACE", "one", 1)])
+        self.assertEqual(self.new_files(), {"logs"})
+
+    def test_disturbs_nobody_when_it_cannot_be_written(self):
+        (self.folder / "taken").mkdir()
+        places = {"a folder that is missing": windows_path(self.folder / "missing/log.txt"),
+                  "a folder of that name": windows_path(self.folder / "taken"), "a device": "Z:\\dev\\full",
+                  "a drive that is missing": "Q:\\log.txt", "a name that cannot be": "Z:\\a?b*c"}
+        for what, place in places.items():
+            with self.subTest(what):
+                self.write("one", 10, log=place)
+        self.assertEqual(self.new_files(), {"taken"})
+
+    def test_is_not_written_into_a_file_of_several_names(self):
+        target = self.folder / "target"
+        target.write_bytes(b"of somebody else")
+        os.link(target, self.folder / "log.txt")
+        self.write("one", 10, log=windows_path(self.folder / "log.txt"))
+        self.assertEqual(target.read_bytes(), b"of somebody else")
+        self.assertEqual(self.new_files(), {"target", "log.txt"})
+
+    def test_does_not_rename_a_full_file_of_several_names(self):
+        target = self.folder / "target"
+        target.write_bytes(b"x" * LARGEST)
+        os.link(target, self.folder / "log.txt")
+        self.write("one", 1, log=windows_path(self.folder / "log.txt"))
+        self.assertEqual(self.new_files(), {"target", "log.txt"})
+
+    def test_is_not_written_to_a_device(self):
+        device, terminal = os.openpty()
+        self.addCleanup(os.close, device)
+        self.addCleanup(os.close, terminal)
+        os.set_blocking(device, False)
+        self.write("one", 1, log=windows_path(os.ttyname(terminal)))
+        with self.assertRaises(BlockingIOError):
+            os.read(device, 1)
 
 
 if __name__ == "__main__":

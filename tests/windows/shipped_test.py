@@ -1,8 +1,10 @@
 #!/usr/bin/python3
-"""What ships for Windows, looked at from outside: exports, imports, protections, version, size.
+"""What ships, looked at from outside. For Windows: exports, imports, protections, version, size. For Linux, where the
+tool reads disk images as root: its protections.
 
 usage: shipped_test.py BUILD_FOLDER...
 """
+import os
 import pathlib
 import re
 import subprocess
@@ -20,6 +22,9 @@ WINDOWS_OWN = {name + ".dll" for name in ("advapi32", "kernel32", "msvcrt", "ole
 GET_INSTANCE = "CLoggingFactory::GetInstance()"
 MACHINES = {"x86_64": "IMAGE_FILE_MACHINE_AMD64", "x86": "IMAGE_FILE_MACHINE_I386"}
 PRESETS = {"windows": "x86_64", "windows-x86": "x86"}
+LINUX = "linux"
+# What the toolchain's stack guard says before it ends the program.
+STACK_GUARD = b"stack smashing detected"
 
 
 def demangled(names):
@@ -92,6 +97,11 @@ class ShippedFiles(unittest.TestCase):
                 self.assertLessEqual(expected, flags)
                 self.assertTrue(file.OPTIONAL_HEADER.DATA_DIRECTORY[5].Size, "no relocations")
 
+    def test_overwritten_stacks_are_found_where_there_is_room_for_that(self):
+        for name in ("Logging.dll", "kestova.exe"):
+            with self.subTest(name):
+                self.assertIn(STACK_GUARD, (self.folder / "bin" / name).read_bytes())
+
     def test_it_is_of_the_word_size_that_it_says(self):
         for name, file in self.every_file():
             with self.subTest(name):
@@ -122,9 +132,41 @@ class ShippedFiles(unittest.TestCase):
         self.assertLessEqual((self.folder / "bin/Kestova.dll").stat().st_size, LARGEST_LIBRARY)
 
 
+class LinuxTool(unittest.TestCase):
+    folder = pathlib.Path()
+
+    def readelf(self, *options):
+        return subprocess.run(["readelf", "--wide", *options, self.folder / "tools/kestova/kestova"],
+                              capture_output=True, text=True, check=True, env={"PATH": os.environ["PATH"], "LC_ALL": "C"}).stdout
+
+    def called_functions(self):
+        return set(re.findall(r" FUNC +GLOBAL +DEFAULT +UND +(\w+)", self.readelf("--dyn-syms")))
+
+    def test_it_may_be_placed_anywhere(self):
+        self.assertRegex(self.readelf("--file-header"), r"Type: +DYN ")
+        self.assertRegex(self.readelf("--dynamic"), r"\(FLAGS_1\) .*\bPIE\b")
+
+    def test_its_tables_of_functions_are_read_only_before_it_begins(self):
+        self.assertIn(" GNU_RELRO ", self.readelf("--program-headers"))
+        self.assertRegex(self.readelf("--dynamic"), r"\(FLAGS\) .*\bBIND_NOW\b")
+
+    def test_its_stack_cannot_be_executed(self):
+        self.assertRegex(self.readelf("--program-headers"), r" GNU_STACK .* RW +0x")
+
+    def test_overwritten_stacks_and_buffers_are_found(self):
+        functions = self.called_functions()
+        self.assertIn("__stack_chk_fail", functions)
+        # The checked ones of the C library, which _FORTIFY_SOURCE calls in place of the others.
+        self.assertTrue({name for name in functions if re.fullmatch(r"__\w+_chk", name)}, functions)
+
+
 def load_tests(loader, _tests, _pattern):
     suite = unittest.TestSuite()
     for folder in folders:
+        if folder.name == LINUX:
+            case = type("Shipped_linux", (LinuxTool,), {"folder": folder})
+            suite.addTests(loader.loadTestsFromTestCase(case))
+            continue
         case = type(f"Shipped_{folder.name}", (ShippedFiles,), {"folder": folder, "word_size": PRESETS[folder.name]})
         suite.addTests(loader.loadTestsFromTestCase(case))
     return suite
@@ -132,6 +174,6 @@ def load_tests(loader, _tests, _pattern):
 
 if __name__ == "__main__":
     folders = [pathlib.Path(word) for word in sys.argv[1:]]
-    if not folders or not {folder.name for folder in folders} <= set(PRESETS):
-        sys.exit(f"{__doc__}\nA folder is named {' or '.join(PRESETS)}.")
+    if not folders or not {folder.name for folder in folders} <= {*PRESETS, LINUX}:
+        sys.exit(f"{__doc__}\nA folder is named {' or '.join([*PRESETS, LINUX])}.")
     unittest.main(argv=sys.argv[:1])

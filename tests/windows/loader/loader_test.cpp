@@ -114,8 +114,14 @@ TEST(Loader, LoadsAndUnloadsAHundredTimesAndKeepsNothing) {
     ExpectToKeepNothing(LoadAndUnload);
 }
 
-// The host has the logging library for its own records, whose logger stays until the process ends.
+// The library is the last user of the logging library each time.
 TEST(Loader, KeepsNothingOfAnObjectThatWasUsed) {
+    ExpectToKeepNothing(LoadUseAndUnload);
+    EXPECT_EQ(GetModuleHandleW(TEXT("Logging.dll")), nullptr);
+}
+
+// The host has the logging library for its own records.
+TEST(Loader, HostHasTheLoggingLibrary_KeepsNothingOfAnObjectThatWasUsed) {
     const HMODULE logging = LoadLibraryW(TEXT("Logging.dll"));
     ASSERT_NE(logging, nullptr);
     ExpectToKeepNothing(LoadUseAndUnload);
