@@ -108,6 +108,7 @@ int Run(const CommandLine& line) {
     return RunOnPc(line, {.access = AccessFor(calls),
                           .showLife = true,
                           .script = line.arguments[0],
+                          .operations = calls.size(),
                           .run = [&](Session& session) -> int {
                               int status = Done;
                               for (const PlannedCall& call : calls) {

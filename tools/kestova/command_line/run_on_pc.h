@@ -17,6 +17,7 @@ struct PcWork {
     bool showLife = false;     // report construction, Initialize and destruction too
     bool showChanges = false;  // also without --dry-run
     std::string script = {};   // the file that the work was read from
+    size_t operations = 1;
     std::function<int(Session& session)> run;  // returns the exit status
 };
 
