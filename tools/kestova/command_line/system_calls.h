@@ -3,13 +3,13 @@
 
 #include <vector>
 
-// Further calls only with arguments of a kind.
-enum class Only { Any, Reading, WithoutCode };
+// The arguments with which a call is allowed: any; those that open no file for writing; those that map no
+// memory that can be executed; those that ask what a terminal is set to; those for this process itself.
+enum class Only { Any, Reading, WithoutCode, AskingTerminal, OwnProcess };
 
 struct AllowedCall {
     const char* name;
-    Only only =
-        Only::Any;  // Reading: opens no file for writing; WithoutCode: maps no memory that can be executed
+    Only only = Only::Any;
 };
 
 // From here on every other call ends the program with status 1 and a message; there is no way back, and a

@@ -1,3 +1,5 @@
+#include <asm/ioctls.h>
+#include <asm/termbits.h>
 #include <fcntl.h>
 #include <seccomp.h>
 #include <signal.h>
@@ -50,19 +52,42 @@ scmp_arg_cmp Without(unsigned argument, int bits) {
     return {argument, SCMP_CMP_MASKED_EQ, static_cast<scmp_datum_t>(bits), 0};
 }
 
-int Allow(scmp_filter_ctx filter, int call, Only only) {
-    scmp_arg_cmp condition = {};
+scmp_arg_cmp With(unsigned argument, scmp_datum_t value) {
+    return {argument, SCMP_CMP_EQ, value, 0};
+}
+
+// Each of them allows the call.
+std::vector<scmp_arg_cmp> Conditions(int call, Only only) {
     switch (only) {
         case Only::Any:
-            return seccomp_rule_add_array(filter, SCMP_ACT_ALLOW, call, 0, nullptr);
+            break;
         case Only::Reading:
-            condition = Without(call == SCMP_SYS(openat) ? 2 : 1, O_ACCMODE | O_CREAT | O_TRUNC);
-            break;
+            return {Without(call == SCMP_SYS(openat) ? 2 : 1, O_ACCMODE | O_CREAT | O_TRUNC)};
         case Only::WithoutCode:
-            condition = Without(2, PROT_EXEC);
-            break;
+            return {Without(2, PROT_EXEC)};
+        case Only::AskingTerminal:
+            return {With(1, TCGETS), With(1, TCGETS2)};
+        case Only::OwnProcess:
+            // prlimit64 has 0 for it.
+            return {With(0, call == SCMP_SYS(prlimit64) ? 0 : static_cast<scmp_datum_t>(getpid()))};
     }
-    return seccomp_rule_add_array(filter, SCMP_ACT_ALLOW, call, 1, &condition);
+    return {};
+}
+
+// A call that is allowed already, with more arguments, is no failure.
+int WithoutDuplicate(int error) {
+    return error == -EEXIST ? 0 : error;
+}
+
+int Allow(scmp_filter_ctx filter, int call, Only only) {
+    if (only == Only::Any)
+        return WithoutDuplicate(seccomp_rule_add_array(filter, SCMP_ACT_ALLOW, call, 0, nullptr));
+    for (const scmp_arg_cmp& condition : Conditions(call, only)) {
+        const int error =
+            WithoutDuplicate(seccomp_rule_add_array(filter, SCMP_ACT_ALLOW, call, 1, &condition));
+        if (error != 0) return error;
+    }
+    return 0;
 }
 
 // Kernels and sandboxes without filters.
@@ -79,10 +104,11 @@ void AllowOnly(const std::vector<AllowedCall>& calls) {
     };
     const Filter filter(seccomp_init(SCMP_ACT_TRAP), seccomp_release);
     if (!filter) check(-ENOMEM);
+    // The kernel's own error, which says whether it has filters at all.
+    check(seccomp_attr_set(filter.get(), SCMP_FLTATR_API_SYSRAWRC, 1));
     for (const AllowedCall& allowed : calls) {
         const int call = seccomp_syscall_resolve_name(allowed.name);
-        const int error = call >= 0 ? Allow(filter.get(), call, allowed.only) : 0;
-        if (error != -EEXIST) check(error);
+        if (call >= 0) check(Allow(filter.get(), call, allowed.only));
     }
     HandleRefusals();
     const int error = seccomp_load(filter.get());

@@ -86,7 +86,7 @@ std::string EncryptedText(const std::optional<std::string>& letters) {
 
 const char* NoActivePartition(const StatusReport& status) {
     if (!status.internalDisk) return "-";
-    return status.isActiveKnown ? "none" : "unknown";
+    return status.isAllRead ? "none" : "unknown";
 }
 
 // --- operations ---

@@ -63,8 +63,8 @@ void AddPartitionRoles(const StatusReport& status, PartitionReport& partition, Q
     AddTypeRole(partition, gptPartitionTypes);
     if (IsForRecovery(partition) &&
         questions.On().OnPc().LacksFileSystem(*status.internalDisk, partition.number)) {
-        questions.Add("partition " + std::to_string(partition.number) +
-                      " is for recovery and holds no file system that can be read");
+        questions.AddUnread("partition " + std::to_string(partition.number) +
+                            " is for recovery and holds no file system that can be read");
     }
     if (questions.IsYes("IsBIOSHibernationPartition", place))
         partition.roles.push_back({"hibernation", "type"});

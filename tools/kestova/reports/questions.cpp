@@ -4,7 +4,7 @@
 
 OperationReport Questions::Ask(const char* operation, const Values& arguments) {
     OperationReport report = session_.Call(FindOperation(operation), arguments);
-    if (!report.problem.empty()) Add(report.problem);
+    if (!report.problem.empty()) AddUntold(report.problem);
     return report;
 }
 
@@ -17,12 +17,17 @@ std::optional<WCHAR> Questions::AskLetter(const char* operation, const Values& a
     return letter != '0' && letter != '\0' ? std::optional(static_cast<WCHAR>(letter)) : std::nullopt;
 }
 
-void Questions::Add(const std::string& problem) {
-    if (std::ranges::find(problems_, problem) == problems_.end()) problems_.push_back(problem);
+void Questions::AddUnread(const std::string& problem) {
+    hasReadAll_ = false;
+    AddUntold(problem);
 }
 
-void Questions::Add(const std::string& problem, unsigned long error) {
-    Add(problem + " (error " + std::to_string(error) + ")");
+void Questions::AddUnread(const std::string& problem, unsigned long error) {
+    AddUnread(problem + " (error " + std::to_string(error) + ")");
+}
+
+void Questions::AddUntold(const std::string& problem) {
+    if (std::ranges::find(problems_, problem) == problems_.end()) problems_.push_back(problem);
 }
 
 std::string Questions::Problems() const {

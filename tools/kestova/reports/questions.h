@@ -16,9 +16,11 @@ class Questions {
     bool IsYes(const char* operation, const Values& arguments = {});
     std::optional<WCHAR> AskLetter(const char* operation, const Values& arguments = {});
 
-    // Each problem is kept once.
-    void Add(const std::string& problem);
-    void Add(const std::string& problem, unsigned long error);
+    // What could not be read, and what could not be told. Each problem is kept once.
+    void AddUnread(const std::string& problem);
+    void AddUnread(const std::string& problem, unsigned long error);
+    void AddUntold(const std::string& problem);
+    bool HasReadAll() const { return hasReadAll_; }
     // In the order in which they were added, separated by "; ".
     std::string Problems() const;
 
@@ -28,4 +30,5 @@ class Questions {
   private:
     Session& session_;
     std::vector<std::string> problems_;
+    bool hasReadAll_ = true;
 };

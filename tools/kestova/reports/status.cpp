@@ -23,7 +23,7 @@ std::string Firmware(Questions& questions) {
     if (error == ERROR_NOACCESS) return "UEFI";
     // What a BIOS answers.
     if (error != ERROR_SUCCESS && error != ERROR_INVALID_FUNCTION)
-        questions.Add("the firmware could not be told", error);
+        questions.AddUntold("the firmware could not be told (error " + std::to_string(error) + ")");
     return "BIOS";
 }
 
@@ -46,8 +46,8 @@ LSTATUS ReadStartOptions(std::string& options) {
 std::string RunningSystem(Questions& questions) {
     std::string options;
     if (const LSTATUS read = ReadStartOptions(options); read != ERROR_SUCCESS) {
-        questions.Add("the start options of the running system cannot be read",
-                      static_cast<unsigned long>(read));
+        questions.AddUnread("the start options of the running system cannot be read",
+                            static_cast<unsigned long>(read));
         return "unknown";
     }
     return UpperCase(options).find("MININT") != std::string::npos ? "Windows PE" : "Windows";
@@ -57,7 +57,7 @@ std::optional<std::string> WindowsDirectory(Questions& questions) {
     WCHAR directory[MAX_PATH] = {};
     const UINT length = GetWindowsDirectoryW(directory, MAX_PATH);
     if (length != 0 && length <= MAX_PATH) return ToUtf8(directory);
-    questions.Add("the Windows directory cannot be read", GetLastError());
+    questions.AddUnread("the Windows directory cannot be read", GetLastError());
     return std::nullopt;
 }
 
@@ -82,7 +82,7 @@ void AddVolume(int disk, PartitionReport& partition, Questions& questions) {
                                MAX_PATH + 1)) {
         const DWORD error = GetLastError();
         if (!IsOrdinary(error))
-            questions.Add("the volume " + LetterText(*partition.letter) + ": cannot be read", error);
+            questions.AddUnread("the volume " + LetterText(*partition.letter) + ": cannot be read", error);
         return;
     }
     partition.label = ToUtf8(label);
@@ -111,7 +111,7 @@ std::string DiskStyle(int disk, Questions& questions) {
     questions.Object().GetDiskStyle(style);
     if (style == HARD_DISK_MBR) return "MBR";
     if (style == HARD_DISK_GPT) return "GPT";
-    questions.Add("the partition style of " + DiskName(disk) + " could not be told");
+    questions.AddUnread("the partition style of " + DiskName(disk) + " could not be told");
     return "unknown";
 }
 
@@ -128,7 +128,7 @@ void Initialize(Questions& questions) {
     const Operation& operation = FindOperation("Initialize");
     const Value result = questions.On().Call(operation, {{"reserved", false}}).result;
     if (!IsFailure(operation, result)) return;
-    questions.Add("Initialize: " + std::string(FindMeaning(operation.results, result)->words));
+    questions.AddUnread("Initialize: " + std::string(FindMeaning(operation.results, result)->words));
 }
 
 // The active partition, and the partitions with their volumes; `layout` is empty when it could not be read.
@@ -136,9 +136,8 @@ void AddPartitions(int disk, const DiskLayout& layout, StatusReport& status, Que
     const int active = questions.Object().GetActivePartitionNumber();
     if (active >= 0) status.activePartition = active;
     // The library returns the same for none and for one that it could not read.
-    status.isActiveKnown = active >= 0 || (layout && std::ranges::none_of(*layout, IsActive));
-    if (!status.isActiveKnown)
-        questions.Add("the active partition of " + DiskName(disk) + " could not be told");
+    const bool isKnown = active >= 0 || (layout && std::ranges::none_of(*layout, IsActive));
+    if (!isKnown) questions.AddUnread("the active partition of " + DiskName(disk) + " could not be told");
     if (!layout) return;
     for (const PARTITION_INFORMATION_EX& entry : *layout)
         status.partitions.push_back(ReadPartition(disk, entry, questions));
@@ -147,13 +146,14 @@ void AddPartitions(int disk, const DiskLayout& layout, StatusReport& status, Que
 void AddDisk(StatusReport& status, Questions& questions) {
     const int disk = questions.Object().GetFirstInternalDriveNumber();
     if (disk < 0) {
-        questions.Add("no internal disk was found, or it could not be told");
+        questions.AddUnread("no internal disk was found, or it could not be told");
         return;
     }
     status.internalDisk = disk;
     status.style = DiskStyle(disk, questions);
     const DiskLayout layout = ReadDiskLayout(disk);
-    if (!layout) questions.Add("the partitions of " + DiskName(disk) + " cannot be read", GetLastError());
+    if (!layout)
+        questions.AddUnread("the partitions of " + DiskName(disk) + " cannot be read", GetLastError());
     AddPartitions(disk, layout, status, questions);
     status.remark = Remark(layout);
 }
@@ -168,6 +168,7 @@ StatusReport ReadStatus(Session& session, bool initialize) {
     status.system = RunningSystem(questions);
     status.windowsDirectory = WindowsDirectory(questions);
     AddDisk(status, questions);
+    status.isAllRead = questions.HasReadAll();
     AddRoles(status, questions);
     status.problem = questions.Problems();
     return status;
