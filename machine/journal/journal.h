@@ -2,7 +2,9 @@
 // order.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -15,6 +17,9 @@ struct CallRecord {
     std::vector<std::string> arguments;  // the significant ones, as text
     std::string result;
     bool injected = false;  // the result comes from a fault rule
+    // What a call that did not simply succeed reports: its HRESULT or status, else the last error. 0 for a
+    // success, and for calls that return a value.
+    uint32_t code = 0;
 };
 
 using JournalEntry = std::variant<CallRecord, LogEntry>;
@@ -23,6 +28,8 @@ class Journal {
   public:
     void Add(JournalEntry entry) { entries_.push_back(std::move(entry)); }
     void Clear() { entries_.clear(); }
+    // Everything since the last call, which the journal then no longer holds.
+    std::vector<JournalEntry> Take() { return std::exchange(entries_, {}); }
     const std::vector<JournalEntry>& Entries() const { return entries_; }
     // Only the calls; only those of one name; only the log records.
     std::vector<CallRecord> Calls() const;

@@ -25,6 +25,8 @@ class Ledger {
 
     // What is still held; kinds at zero are left out.
     std::map<std::string, int> Outstanding() const;
+    // The same of every kind that was ever handed out, those at zero too.
+    const std::map<std::string, int>& Counts() const { return counts_; }
     // Double frees, extra releases, handles closed twice.
     const std::vector<std::string>& Violations() const { return violations_; }
     void Violation(std::string what) { violations_.push_back(std::move(what)); }

@@ -16,17 +16,27 @@ namespace machine {
 // Arguments and results are written to the journal in decimal, codes and flags in hexadecimal.
 std::string Hex(uint64_t value);
 
+// What a call of a kind that reports failures by the last error returns for one.
+template <typename R>
+R Failed(FailsWith failsWith) {
+    if constexpr (std::is_pointer_v<R>) {
+        return failsWith == FailsWith::InvalidHandle ? reinterpret_cast<R>(static_cast<intptr_t>(-1))
+                                                     : nullptr;
+    } else {
+        return R{};
+    }
+}
+
 // How a call of that kind reports failure with that code.
 template <typename R>
 R Failure(EmulatedPc& pc, FailsWith failsWith, uint32_t code) {
     if constexpr (std::is_pointer_v<R>) {
         pc.lastError = code;
-        return failsWith == FailsWith::InvalidHandle ? reinterpret_cast<R>(static_cast<intptr_t>(-1))
-                                                     : nullptr;
+        return Failed<R>(failsWith);
     } else {
         if (failsWith == FailsWith::FalseAndLastError || failsWith == FailsWith::ZeroAndLastError) {
             pc.lastError = code;
-            return R{};
+            return Failed<R>(failsWith);
         }
         return static_cast<R>(code);
     }
@@ -43,6 +53,22 @@ std::string ResultText(FailsWith failsWith, R result) {
     }
 }
 
+// What the journal keeps of a result that is not a plain success.
+template <typename R>
+uint32_t ResultCode(const EmulatedPc& pc, FailsWith failsWith, R result) {
+    switch (failsWith) {
+        case FailsWith::Value:
+            return 0;
+        case FailsWith::Hresult:
+        case FailsWith::Status:
+            if constexpr (!std::is_pointer_v<R>) return static_cast<uint32_t>(result);
+            break;
+        default:
+            break;
+    }
+    return result == Failed<R>(failsWith) ? pc.lastError : 0;
+}
+
 // Performs one call. `body` takes the PC and returns the result; a body that fails calls Failure itself.
 // The caller clears the outputs first, because an injected failure does not run the body.
 template <typename R, typename Body>
@@ -56,7 +82,7 @@ R Answer(std::string_view name, std::vector<std::string> arguments, Body body) {
     if (fault == nullptr || (fault->afterEffect && (info.changesPc || isPositiveResult))) result = body(pc);
     if (fault != nullptr) result = Failure<R>(pc, info.failsWith, code);
     pc.journal.Add(CallRecord{std::string(name), std::move(arguments), ResultText(info.failsWith, result),
-                              fault != nullptr});
+                              fault != nullptr, ResultCode(pc, info.failsWith, result)});
     return result;
 }
 

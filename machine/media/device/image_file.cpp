@@ -20,6 +20,7 @@ class SignalsWait {
         sigset_t all;
         sigfillset(&all);
         sigdelset(&all, SIGXFSZ);  // a signal that is blocked waits, although it is ignored
+        sigdelset(&all, SIGSYS);   // of a system call that is refused: it cannot wait
         pthread_sigmask(SIG_SETMASK, &all, &mask_);
         struct sigaction ignored = {};
         ignored.sa_handler = SIG_IGN;

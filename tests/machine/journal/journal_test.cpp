@@ -54,6 +54,34 @@ TEST(Journal, Call_RecordsArgumentsResultAndInjection) {
     EXPECT_TRUE(calls[1].injected);
 }
 
+TEST(Journal, Call_KeepsTheCodeOfAFailureOnly) {
+    EmulatedPc pc(machine::FactoryMbr());
+    SetLastError(ERROR_GEN_FAILURE);
+    PathFileExistsW(TEXT("C:\\Windows"));
+    PathFileExistsW(TEXT("C:\\nothing"));
+    pc.faults.Arm({.call = "CreateFileW", .code = ERROR_ACCESS_DENIED});
+    CreateFileW(TEXT("\\\\.\\C:"), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    HKEY key = nullptr;
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("nothing"), 0, KEY_READ, &key);
+    pc.faults.Arm({.call = "CoInitializeEx", .code = static_cast<uint32_t>(E_OUTOFMEMORY)});
+    CoInitializeEx(nullptr, 0);
+    GetDriveTypeW(TEXT("Q:\\"));
+
+    std::vector<uint32_t> codes;
+    for (const CallRecord& call : pc.journal.Calls())
+        codes.push_back(call.code);
+    EXPECT_THAT(codes, ElementsAre(0, ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_FILE_NOT_FOUND,
+                                   static_cast<uint32_t>(E_OUTOFMEMORY), 0));
+}
+
+TEST(Journal, Taken_IsEmpty) {
+    Journal journal;
+    journal.Add(CallRecord{"Sleep", {"1"}, ""});
+    EXPECT_THAT(journal.Take(), SizeIs(1));
+    EXPECT_THAT(journal.Entries(), IsEmpty());
+    EXPECT_THAT(journal.Take(), IsEmpty());
+}
+
 TEST(Journal, Cleared_IsEmpty) {
     Journal journal;
     journal.Add(CallRecord{"Sleep", {"1"}, ""});

@@ -27,6 +27,13 @@ TEST(Ledger, EverythingReleased_Outstanding_IsEmpty) {
     EXPECT_THAT(ledger.Violations(), IsEmpty());
 }
 
+TEST(Ledger, EverythingReleased_Counts_HasTheKindAtZero) {
+    Ledger ledger;
+    ledger.Take("file handle");
+    ledger.GiveBack("file handle");
+    EXPECT_THAT(ledger.Counts(), ElementsAre(Pair("file handle", 0)));
+}
+
 TEST(Ledger, NothingHeld_GiveBack_IsAViolation) {
     Ledger ledger;
     ledger.GiveBack("IVdsDisk");

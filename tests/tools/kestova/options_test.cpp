@@ -1,6 +1,7 @@
 // The options, wrong use, and the JSON that scripts read.
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "tests/support/program/program.h"
 
@@ -17,6 +18,17 @@ using Fail = ProgramTest;
 using DryRun = ProgramTest;
 using Save = ProgramTest;
 using Help = ProgramTest;
+
+// A folder in which every user may make files, as /tmp.
+class SharedFolder : public ProgramTest {
+  protected:
+    SharedFolder() { EXPECT_EQ(Shell("mkdir shared && chmod 1777 shared").status, 0); }
+
+    // False for anybody but root.
+    bool GiveAway(const std::string& name, uid_t user = 12345) {
+        return lchown((Folder() / name).c_str(), user, static_cast<gid_t>(-1)) == 0;
+    }
+};
 
 struct Mistake {
     const char* name;
@@ -243,6 +255,73 @@ TEST_F(Save, FullLog_Call_SavesAllTheSame) {
     EXPECT_EQ(Kestova("--pc pc.json call GetDriveLetter 0 2").status, 0);
 }
 
+TEST_F(Save, SetUserIdFile_Call_KeepsOnlyItsPermissions) {
+    EXPECT_EQ(Shell("touch pc.json && chmod 6755 pc.json").status, 0);
+    EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json call GetDriveLetter 0 2").status, 0);
+    EXPECT_EQ(Shell("stat -c %a pc.json").output, "755\n");
+}
+
+// Opening a pipe would wait for its other end.
+TEST_F(Log, PipeOrFolder_AnyCommand_IsWrongUseAndMakesNothing) {
+    EXPECT_EQ(Shell("mkfifo pipe && mkdir folder").status, 0);
+    for (const char* const name : {"pipe", "folder", "./folder/"}) {
+        const Outcome outcome =
+            Kestova(std::string("--pc factory-mbr --save pc.json --log ") + name + " status");
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, StartsWith(std::string("kestova: --log: ") + name +
+                                               " is neither a regular file nor a terminal nor /dev/null\n"));
+    }
+    EXPECT_FALSE(std::filesystem::exists(Folder() / "pc.json"));
+    EXPECT_EQ(Kestova("--pc factory-mbr --log /dev/null status").status, 0);
+}
+
+TEST_F(Log, ExistingLogThroughLinks_Call_IsEmptiedFirst) {
+    WriteFile("log", std::string(100000, 'x'));
+    EXPECT_EQ(Shell("mkdir folder && ln -s ../log folder/link && ln -s folder other").status, 0);
+    EXPECT_EQ(Kestova("--pc factory-mbr --no-initialize --log other/link call IsDynamic").status, 0);
+    EXPECT_THAT(ReadFile("log"), StartsWith("4\tKestova::Kestova\tStart\n"));
+    EXPECT_EQ(ReadFile("log").find('x'), std::string::npos);
+}
+
+TEST_F(Log, LinksInARing_AnyCommand_IsWrongUse) {
+    EXPECT_EQ(Shell("ln -s b a && ln -s a b").status, 0);
+    const Outcome outcome = Kestova("--pc factory-mbr --log a status");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, StartsWith("kestova: --log: a cannot be written\n"));
+}
+
+// Any user can put a link in the place of a file that another one will write.
+TEST_F(SharedFolder, AnotherUsersLink_AnyCommand_IsWrongUse) {
+    EXPECT_EQ(Shell("echo secret >file && ln -s ../file shared/file && ln -s . shared/folder").status, 0);
+    if (!GiveAway("shared/file") || !GiveAway("shared/folder"))
+        GTEST_SKIP() << "only root can give a link away";
+    for (const char* const words : {"--log shared/file", "--save shared/file", "--log shared/folder/log",
+                                    "--save shared/folder/pc.json"}) {
+        const Outcome outcome = Kestova(std::string("--pc factory-mbr ") + words + " status");
+        EXPECT_EQ(outcome.status, 2) << words;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors,
+                    HasSubstr("which another user has put into a folder that all users share\n"));
+    }
+    EXPECT_EQ(ReadFile("file"), "secret\n");
+    EXPECT_EQ(Shell("ls shared").output, "file\nfolder\n");
+    // The folder's own owner may link there.
+    EXPECT_TRUE(GiveAway("shared/file", 0));
+    EXPECT_EQ(Kestova("--pc factory-mbr --log shared/file status").status, 0);
+}
+
+TEST_F(SharedFolder, AnotherUsersFileAsLog_AnyCommand_IsWrongUse) {
+    EXPECT_EQ(Shell("echo secret >shared/file && echo secret >mine && ln mine shared/second").status, 0);
+    if (!GiveAway("shared/file")) GTEST_SKIP() << "only root can give a file away";
+    for (const char* const name : {"shared/file", "shared/second"}) {
+        const Outcome outcome = Kestova(std::string("--pc factory-mbr --log ") + name + " status");
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_THAT(outcome.errors, HasSubstr("another user's file in a folder that all users share\n"));
+        EXPECT_EQ(ReadFile(name), "secret\n");
+    }
+}
+
 // Links and other names of the same file count as the file.
 TEST_F(Save, OutputNamesAnInput_AnyCommand_IsWrongUse) {
     EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json call GetDriveLetter 0 2").status, 0);
@@ -296,6 +375,14 @@ TEST_F(Help, LargeOrEmptyDescription_Status_IsRefused) {
     EXPECT_EQ(Shell("truncate -s 1M stick.img").status, 0);
     EXPECT_EQ(Kestova("--pc stick.img status").errors,
               "kestova: stick.img: not UTF-8 text, so no description; name a disk image with --image\n");
+}
+
+TEST_F(Help, PipeAsDescription_Status_IsRefusedUnlessItHasNoName) {
+    EXPECT_EQ(Shell("mkfifo pipe").status, 0);
+    const Outcome outcome = Kestova("--pc ./pipe status");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.errors, "kestova: ./pipe: not a regular file\n");
+    EXPECT_EQ(Shell("echo '{}' | '" KESTOVA_PROGRAM "' --pc /dev/stdin call IsDynamic").status, 0);
 }
 
 TEST_F(Help, UnknownKeyInDescription_Status_NamesFileAndPlace) {

@@ -23,6 +23,7 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
              {"--json", "", "Answer in JSON", &line.json},
              {"--log", "FILE|-", "Write the library's log; '-' shows it", &line.log},
              {"--trace", "", "Show platform calls and log records", &choice.trace},
+             {"--ledger", "", "Show what the library holds of the platform in the end", &choice.ledger},
              {"--dry-run", "", "Change no file, and show what would change", &choice.dryRun},
              {"--journal", "FILE",
               "Where a change of the image is kept until it is whole; beside the image unless given",

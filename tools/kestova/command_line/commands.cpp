@@ -89,7 +89,8 @@ int CallAndShow(const CommandLine& line, Session& session, const PlannedCall& ca
     const OperationReport report = session.Call(*call.operation, call.arguments);
     Show(line, report);
     CheckWritten(report);
-    return IsFailure(*call.operation, report.result) ? Failure : Done;
+    ShowMessage(report.problem);
+    return IsFailure(*call.operation, report.result) || !report.problem.empty() ? Failure : Done;
 }
 
 int Call(const CommandLine& line) {
@@ -107,6 +108,7 @@ int Run(const CommandLine& line) {
     return RunOnPc(line, {.access = AccessFor(calls),
                           .showLife = true,
                           .script = line.arguments[0],
+                          .operations = calls.size(),
                           .run = [&](Session& session) -> int {
                               int status = Done;
                               for (const PlannedCall& call : calls) {
@@ -161,6 +163,7 @@ std::string BootStatuses() {
 
 bool Uses(const Command& command, const std::string& option) {
     if (option == "--json") return true;
+    if (option == "--ledger" && command.run == Recover) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }
 

@@ -4,6 +4,7 @@
 
 #include "tools/kestova/command_line/command_line.h"
 #include "tools/kestova/command_line/commands.h"
+#include "tools/kestova/command_line/confinement.h"
 #include "tools/kestova/command_line/program_start.h"
 #include "tools/kestova/common/errors.h"
 
@@ -38,12 +39,16 @@ int CheckOutput(int status) {
 
 int main(int count, char** words) {
     try {
-        return CheckOutput(Run(StartProgram(count, words)));
+        const std::vector<std::string> given = StartProgram(count, words);
+        ConfineAtStart();
+        return CheckOutput(Run(given));
     } catch (const WrongUse& error) {
         std::cerr << "kestova: " << error.what() << "\n(kestova --help tells what there is)\n";
         return WrongUseStatus;
     } catch (const UnreadablePc& error) {
         return Complain(error, UnreadablePcStatus);
+    } catch (const std::bad_alloc&) {
+        return Complain(std::runtime_error("out of memory"), Failure);
     } catch (const std::exception& error) {
         return Complain(error, Failure);
     }

@@ -1,48 +1,50 @@
 #include "tools/kestova/command_line/output_files.h"
 
 #include "tools/kestova/common/errors.h"
-#include "tools/kestova/common/write_target.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
-// The same file by any name or link. Writing to a character device overwrites nothing.
-bool IsSameFile(const fs::path& left, const fs::path& right) {
-    std::error_code missing;
-    if (fs::is_character_file(left, missing)) return false;
-    return fs::equivalent(left, right, missing) || WriteTarget(left) == WriteTarget(right);
+struct Kept {
+    std::string path;
+    const char* what;
+};
+
+std::optional<OutputFile> Find(const std::string& option, const std::string& path) {
+    if (path.empty()) return std::nullopt;
+    return OutputFile(option, path);
 }
 
-void Keep(const std::string& kept, const char* what, const std::string& option, const std::string& output) {
-    if (kept.empty() || output.empty() || !IsSameFile(output, kept)) return;
-    throw WrongUse(option + ": " + output + " is " + what);
+[[noreturn]] void Refuse(const std::string& option, const OutputFile& output, const std::string& why) {
+    throw WrongUse(option + ": " + output.Path() + why);
 }
 
-void KeepInputs(const InputFiles& inputs, const std::string& script, const std::string& option,
-                const std::string& output) {
-    for (const std::string& image : inputs.images)
-        Keep(image, "an image of this PC", option, output);
-    Keep(script == "-" ? "/dev/stdin" : script, "the script", option, output);
+void Keep(const std::vector<Kept>& kept, const std::string& option, const std::optional<OutputFile>& output) {
+    if (!output) return;
+    for (const auto& [path, what] : kept) {
+        if (!path.empty() && output->Is(path)) Refuse(option, *output, std::string(" is ") + what);
+    }
 }
 
 // Otherwise this would fail only after the PC has been changed.
-void CheckSaveTarget(const std::string& save) {
-    std::error_code missing;
-    if (fs::exists(save, missing) && !fs::is_regular_file(save, missing))
-        throw WrongUse("--save: " + save + " is no plain file");
-    if (!fs::is_directory(WriteTarget(save).parent_path(), missing))
-        throw WrongUse("--save: " + save + " cannot be written: its folder is missing");
+void CheckSaveTarget(const OutputFile& save) {
+    if (!save.CanBeReplaced()) Refuse("--save", save, " is no plain file");
+    if (save.Folder().empty()) Refuse("--save", save, " cannot be written: its folder is missing");
 }
 
 }  // namespace
 
-void CheckOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script) {
-    const std::string log = line.log == "-" ? "" : line.log;
-    const std::string& save = line.choice.save;
-    KeepInputs(inputs, script, "--log", log);
-    Keep(inputs.description, "the description that --pc reads", "--log", log);
-    KeepInputs(inputs, script, "--save", save);
-    Keep(save, "the file that --save writes", "--log", log);
-    if (!save.empty()) CheckSaveTarget(save);
+OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script) {
+    OutputFiles files{Find("--log", line.log == "-" ? "" : line.log), Find("--save", line.choice.save)};
+    std::vector<Kept> kept;
+    for (const std::string& image : inputs.images)
+        kept.push_back({image, "an image of this PC"});
+    kept.push_back({script == "-" ? "/dev/stdin" : script, "the script"});
+    kept.push_back({line.choice.journal, "the journal of the image"});
+    Keep(kept, "--log", files.log);
+    Keep({{inputs.description, "the description that --pc reads"}}, "--log", files.log);
+    Keep(kept, "--save", files.save);
+    if (files.log && files.save && files.log->Is(*files.save))
+        Refuse("--log", *files.log, " is the file that --save writes");
+    if (files.save) CheckSaveTarget(*files.save);
+    return files;
 }

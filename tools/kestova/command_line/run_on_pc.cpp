@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "tools/kestova/command_line/confinement.h"
 #include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/common/errors.h"
 
@@ -13,10 +14,9 @@ namespace {
 // standard error.
 class LogOutput {
   public:
-    explicit LogOutput(const CommandLine& line) : name_(line.log), shown_(line.json ? std::cerr : std::cout) {
-        if (name_.empty() || name_ == "-") return;
-        file_.open(std::filesystem::path(name_), std::ios::binary);
-        if (!file_) throw WrongUse("--log: " + name_ + " cannot be written");
+    LogOutput(const CommandLine& line, std::optional<OutputFile>& file)
+        : name_(line.log), shown_(line.json ? std::cerr : std::cout) {
+        if (file) file_ = file->Stream();
     }
     std::ostream* Stream() {
         if (name_.empty()) return nullptr;
@@ -33,6 +33,31 @@ class LogOutput {
     std::ostream& shown_;
     std::ofstream file_;
 };
+
+// The last object of --json --ledger.
+std::string keptBack;
+
+void ShowKeptBack() {
+    std::cout << std::exchange(keptBack, "") << std::flush;
+}
+
+// Shows it also if the command ends early.
+class KeepingBack {
+  public:
+    KeepingBack() = default;
+    ~KeepingBack() { ShowKeptBack(); }
+    KeepingBack(const KeepingBack&) = delete;
+    KeepingBack& operator=(const KeepingBack&) = delete;
+};
+
+void ShowLedger(const CommandLine& line, const OpenedPc& pc) {
+    if (!line.choice.ledger) return;
+    if (line.json) {
+        keptBack = WithLedger(keptBack, pc.Ledger());
+    } else {
+        ShowText(line, LedgerText(pc.Ledger()));
+    }
+}
 
 // Construction and destruction have no result: as text they are shown only in a trace.
 void ShowLife(const CommandLine& line, const OperationReport& report) {
@@ -61,6 +86,19 @@ int RunOnObject(const CommandLine& line, const PcWork& work, Session& session) {
     return status;
 }
 
+ConfinedWork WorkOn(const CommandLine& line, const PcWork& work, const InputFiles& inputs) {
+    ConfinedWork confined{
+        .writesImages = work.access != Access::Ask && !line.choice.dryRun && !inputs.images.empty(),
+        .saves = !line.choice.save.empty(),
+        .operations = work.operations};
+    for (const std::string& image : inputs.images) {
+        std::error_code error;
+        const uintmax_t size = std::filesystem::file_size(image, error);
+        if (!error) confined.imageBytes += size;
+    }
+    return confined;
+}
+
 void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
     const auto changes = pc.Changes();
     if (!changes) return;
@@ -77,11 +115,22 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
 
 }  // namespace
 
+void ShowText(const CommandLine& line, const std::string& text) {
+    if (!line.json || !line.choice.ledger) {
+        std::cout << text << std::flush;
+        return;
+    }
+    ShowKeptBack();
+    keptBack = text;
+}
+
 int RunOnPc(const CommandLine& line, const PcWork& work) {
+    const KeepingBack untilTheEnd;
     const std::unique_ptr<OpenedPc> opened = OpenPc(line.choice, work.access);
     OpenedPc& pc = *opened;
-    CheckOutputFiles(line, pc.Inputs(), work.script);
-    LogOutput log(line);
+    OutputFiles files = FindOutputFiles(line, pc.Inputs(), work.script);
+    LogOutput log(line, files.log);
+    ConfineTo(WorkOn(line, work, pc.Inputs()));
     for (const std::string& note : pc.Notes())
         std::cerr << "kestova: " << note << "\n";
     int status = Done;
@@ -89,11 +138,12 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
         Session session(pc, log.Stream(), line.choice.trace);
         status = RunOnObject(line, work, session);
     }
+    ShowLedger(line, pc);
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
     if (!log.Close()) {
         std::cerr << "kestova: " << line.log << ": cannot be written\n";
         status = Failure;
     }
-    if (!line.choice.save.empty()) pc.Save(line.choice.save);
+    if (files.save) pc.Save(*files.save);
     return status;
 }

@@ -14,17 +14,22 @@
 struct PcWork {
     Access access = Access::Ask;
     bool initialize = true;
-    bool showLife = false;                     // report construction, Initialize and destruction too
-    bool showChanges = false;                  // also without --dry-run
-    std::string script = {};                   // the file that the work was read from
+    bool showLife = false;     // report construction, Initialize and destruction too
+    bool showChanges = false;  // also without --dry-run
+    std::string script = {};   // the file that the work was read from
+    size_t operations = 1;
     std::function<int(Session& session)> run;  // returns the exit status
 };
 
 // Returns what `run` returned. Throws WrongUse, UnreadablePc, Failed.
 int RunOnPc(const CommandLine& line, const PcWork& work);
 
-// Writes a report, or a list of them, to standard output.
+// Writes text to standard output. With --ledger the last object in JSON is kept back until RunOnPc has added
+// its last key.
+void ShowText(const CommandLine& line, const std::string& text);
+
+// Writes a report, or a list of them.
 template <typename Report>
 void Show(const CommandLine& line, const Report& report) {
-    std::cout << (line.json ? AsJson(report) : AsText(report)) << std::flush;
+    ShowText(line, line.json ? AsJson(report) : AsText(report));
 }

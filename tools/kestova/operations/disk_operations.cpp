@@ -3,7 +3,7 @@
 #include "tools/kestova/operations/operation_tables.h"
 
 std::vector<Operation> DiskOperations() {
-    const Meaning no{0, "no, or it could not be told"};
+    const Meaning no{0, "no, or it could not be told", false, vague};
     return {
         {.name = "Initialize",
          .summary = "Prepares COM security and loads the Virtual Disk Service.",
@@ -16,7 +16,7 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "GetFirstInternalDriveNumber",
          .summary = "Which disk is the first internal one.",
-         .results = {{-1, "there is none, or it could not be told", true}},
+         .results = {{-1, "there is none, or it could not be told", true, vague}},
          .otherwise = "the number of the disk",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.GetFirstInternalDriveNumber();
@@ -24,10 +24,11 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "GetDiskStyle",
          .summary = "The partition style of the first internal disk.",
-         .parameters = {{.name = "style",
-                         .words = "the style",
-                         .output = true,
-                         .meanings = {{0, "unknown, or not to be read"}, {1, "MBR"}, {2, "GPT"}}}},
+         .parameters =
+             {{.name = "style",
+               .words = "the style",
+               .output = true,
+               .meanings = {{0, "unknown, or not to be read", false, vague}, {1, "MBR"}, {2, "GPT"}}}},
          .results = {{1, "asked; the style tells the rest"}, {0, "there is no volume layer", true}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              THardDiskType style = HARD_DISK_UNKNOWN;
@@ -41,7 +42,7 @@ std::vector<Operation> DiskOperations() {
          .parameters = {{.name = "type",
                          .words = "the layout",
                          .output = true,
-                         .meanings = {{0, "unknown"},
+                         .meanings = {{0, "unknown", false, vague},
                                       {1, "GPT, partition 3 is the EFI system partition"},
                                       {2, "GPT, partition 3 is not the EFI system partition"},
                                       {3, "MBR, partition 2 is labelled \"System Reserved\""},
@@ -61,13 +62,13 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "IsEFIBootSystem",
          .summary = "Whether the firmware is UEFI.",
-         .results = {{1, "UEFI"}, {0, "BIOS"}},
+         .results = {{1, "UEFI"}, {0, "BIOS", false, vague}},
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsEFIBootSystem(); }},
 
         {.name = "GetDriveLetter",
          .summary = "The letter of a partition.",
          .parameters = {disk, partition},
-         .results = {{"0", "it has none", true}},
+         .results = {{"0", "it has none", true, vague}},
          .otherwise = "its letter",
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return LetterText(
@@ -102,7 +103,7 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "GetActivePartitionNumber",
          .summary = "Which partition of the first internal disk is active.",
-         .results = {{-1, "there is none, or it could not be told", true}},
+         .results = {{-1, "there is none, or it could not be told", true, vague}},
          .otherwise = "the number of the partition",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.GetActivePartitionNumber();

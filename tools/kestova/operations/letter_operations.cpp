@@ -57,7 +57,8 @@ std::vector<Operation> LetterOperations() {
 
         {.name = "AssignRecoveryPartition",
          .summary = "Gives the recovery partition of a GPT disk a letter.",
-         .parameters = {LetterOutput("its letter", "there is no recovery partition, or no letter for it")},
+         .parameters = {LetterOutput("its letter", "there is no recovery partition, or no letter for it",
+                                     vague)},
          .results = {asked},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
@@ -66,7 +67,8 @@ std::vector<Operation> LetterOperations() {
 
         {.name = "AssignWinREPartition",
          .summary = "Gives the Windows RE partition, number 2, a letter.",
-         .parameters = {LetterOutput("its letter", "there is no Windows RE partition, or no letter for it")},
+         .parameters = {LetterOutput("its letter", "there is no Windows RE partition, or no letter for it",
+                                     vague)},
          .results = {asked},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
@@ -91,7 +93,7 @@ std::vector<Operation> LetterOperations() {
 
         {.name = "IsExistRcvprt",
          .summary = "Whether there is a recovery partition; it keeps the letter that it is given.",
-         .results = {{1, "yes"}, {0, "no, or it could not be given a letter"}},
+         .results = {{1, "yes"}, {0, "no, or it could not be given a letter", false, vague}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsExistRcvprt(); }},
     };

@@ -1,7 +1,7 @@
 // The report of one call of an operation.
 #pragma once
 
-#include <optional>
+#include <string>
 #include <vector>
 
 #include "logging/logging.h"
@@ -14,6 +14,8 @@ struct OperationReport {
     Value result = {};
     Values outputs = {};
     std::vector<LogEntry> log = {};
-    std::optional<Trace> trace = {};
+    Trace trace = {};
+    bool showsTrace = false;
     std::string unwritten = {};  // why the change is not on the disk image; empty if it is, or there is none
+    std::string problem = {};    // why a question could not be answered; empty if it was
 };

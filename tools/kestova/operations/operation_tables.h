@@ -12,6 +12,9 @@ std::vector<Operation> LetterOperations();
 std::vector<Operation> WindowsOperations();
 std::vector<Operation> BootOperations();
 
+// Of a meaning: also the answer if a call failed on the way to another one.
+inline constexpr bool vague = true;
+
 inline const Parameter disk{.name = "disk", .words = "number of a disk, from 0"};
 inline const Parameter partition{.name = "partition", .words = "number of a partition, from 1"};
 
@@ -33,7 +36,10 @@ Value WithLetter(Values& outputs, Member member) {
 }
 
 // The output parameter of such a member.
-inline Parameter LetterOutput(const char* words, const char* none) {
-    return {
-        .name = "letter", .kind = Kind::Letter, .words = words, .output = true, .meanings = {{"0", none}}};
+inline Parameter LetterOutput(const char* words, const char* none, bool noneIsVague = false) {
+    return {.name = "letter",
+            .kind = Kind::Letter,
+            .words = words,
+            .output = true,
+            .meanings = {{"0", none, false, noneIsVague}}};
 }

@@ -18,6 +18,7 @@ struct Meaning {
     Value value;
     const char* words = "";
     bool failure = false;
+    bool vague = false;  // also the answer if a call failed on the way to another one
 };
 
 struct Parameter {

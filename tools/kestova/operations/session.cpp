@@ -5,6 +5,7 @@
 #include "base/utf.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/operations/unanswered.h"
 
 namespace {
 
@@ -58,10 +59,11 @@ OperationReport Session::Destroy() {
 OperationReport Session::Report(const Operation& operation, const Values& arguments,
                                 const std::function<Value(Values& outputs)>& action) {
     collector_.Take();
-    if (traced_) pc_.TakeTrace();
-    OperationReport report{.operation = &operation, .arguments = arguments};
+    pc_.TakeTrace();
+    OperationReport report{.operation = &operation, .arguments = arguments, .showsTrace = traced_};
     report.result = action(report.outputs);
     report.log = collector_.Take();
-    if (traced_) report.trace = pc_.TakeTrace();
+    report.trace = pc_.TakeTrace();
+    report.problem = WhyUnanswered(report);
     return report;
 }

@@ -6,7 +6,7 @@
 namespace {
 
 std::vector<Parameter> PlaceOutputs() {
-    return {{.name = "disk", .words = "its disk", .output = true, .meanings = {{-1, "none"}}},
+    return {{.name = "disk", .words = "its disk", .output = true, .meanings = {{-1, "none", false, vague}}},
             {.name = "partition", .words = "its partition", .output = true, .meanings = {{-1, "none"}}},
             LetterOutput("its letter", "none")};
 }
@@ -51,14 +51,14 @@ std::vector<Operation> WindowsOperations() {
     return {
         {.name = "IsExistEncryptVolume",
          .summary = "Whether BitLocker can be asked.",
-         .results = {{1, "it can, even if it encrypts nothing"}, {0, "it cannot"}},
+         .results = {{1, "it can, even if it encrypts nothing"}, {0, "it cannot", false, vague}},
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.IsExistEncryptVolume();
          }},
 
         {.name = "GetEncryptVolume",
          .summary = "The letter of the only encrypted volume.",
-         .results = {{"0", "there are none, or several, or BitLocker cannot be asked", true},
+         .results = {{"0", "there are none, or several, or BitLocker cannot be asked", true, vague},
                      {std::string(1, '\0'), "it has no letter"}},
          .otherwise = "its letter",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
@@ -76,18 +76,18 @@ std::vector<Operation> WindowsOperations() {
                          .kind = Kind::Count,
                          .words = "characters that the buffer has room for, with the terminator",
                          .standard = 33}},
-         .results = {{1, "BitLocker was asked"}, {0, "BitLocker cannot be asked", true}},
+         .results = {{1, "BitLocker was asked"}, {0, "BitLocker cannot be asked", true, vague}},
          .invoke = GetAllEncryptVolume},
 
         {.name = "GetBitLockerSystemInfo",
          .summary = "Where the EFI system partition is; its letter is never looked up.",
          .parameters = PlaceOutputs(),
          .results = {{0, "asked; the outputs tell the rest"},
-                     {100, "there is no internal disk", true},
-                     {106, "the partition style is unknown", true},
-                     {111, "the partition style could not be read", true},
-                     {115, "the type of partition 3 could not be read", true},
-                     {116, "there is no volume layer", true}},
+                     {100, "there is no internal disk", true, vague},
+                     {106, "the partition style is unknown", true, vague},
+                     {111, "the partition style could not be read", true, vague},
+                     {115, "the type of partition 3 could not be read", true, vague},
+                     {116, "there is no volume layer", true, vague}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetBitLockerSystemInfo(onDisk, number, letter);
@@ -98,9 +98,9 @@ std::vector<Operation> WindowsOperations() {
          .summary = "Where the installed Windows is, on a GPT disk with an EFI system partition.",
          .parameters = PlaceOutputs(),
          .results = {{0, "found"},
-                     {104, "its partition has no letter, or the layout is another", true},
-                     {110, "its partition holds no Windows", true},
-                     {111, "the partition style is unknown or could not be read", true}},
+                     {104, "its partition has no letter, or the layout is another", true, vague},
+                     {110, "its partition holds no Windows", true, vague},
+                     {111, "the partition style is unknown or could not be read", true, vague}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetVistaOSInfo(onDisk, number, letter);
@@ -117,7 +117,7 @@ std::vector<Operation> WindowsOperations() {
                          .kind = Kind::Count,
                          .words = "records that there is room for",
                          .standard = 26}},
-         .results = {{1, "done"}, {0, "something failed, or there was no room for all records", true}},
+         .results = {{1, "done"}, {0, "something failed, or there was no room for all records", true, vague}},
          .invoke = GetWinDriveLetters},
     };
 }

@@ -30,6 +30,7 @@ std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access) {
     RefuseOnRealPc(choice.windowsPe, "--pe");
     RefuseOnRealPc(choice.dryRun, "--dry-run");
     RefuseOnRealPc(choice.trace, "--trace");
+    RefuseOnRealPc(choice.ledger, "--ledger");
     RefuseOnRealPc(!choice.faults.empty(), "--fail");
     RefuseOnRealPc(!choice.save.empty(), "--save");
     return OpenRealPc();

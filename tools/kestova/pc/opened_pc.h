@@ -3,11 +3,13 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "tools/kestova/common/output_file.h"
 #include "tools/kestova/common/trace.h"
 
 // The options that choose and prepare a PC.
@@ -22,6 +24,7 @@ struct PcChoice {
     std::string journal;  // file for the journal of the only image; empty: beside each image
     bool noJournal = false;
     bool trace = false;
+    bool ledger = false;
     std::vector<std::string> faults;  // NAME[#N][+]=CODE
     std::string save;                 // description file to write afterwards
 };
@@ -50,16 +53,21 @@ class OpenedPc {
     virtual InputFiles Inputs() const = 0;
     // Platform calls and log records in order, since the last call.
     virtual Trace TakeTrace() = 0;
+    // What the platform has handed out and not got back: the number of each kind of handle, object, memory.
+    virtual const std::map<std::string, int>& Ledger() const = 0;
     // Runs an action that changes the PC only to find something out, and restores the PC. False without
     // running it if the PC cannot be restored.
     virtual bool Rehearse(const std::function<void()>& action) = 0;
+    // Whether a partition of a disk image holds no file system that can be read; false if that is unknown,
+    // and for a damaged volume with a letter, which reports its error when it is read.
+    virtual bool LacksFileSystem(int disk, int partition) const = 0;
     // Writes what was changed to the disk images, each as a whole or not at all. Returns what is wrong, empty
     // if nothing is.
     virtual std::string Commit() = 0;
     // The changes since it was opened, a text each; nothing if they are unknown.
     virtual std::optional<std::vector<std::string>> Changes() const = 0;
     // Writes the PC's description. Throws Failed.
-    virtual void Save(const std::string& file) const = 0;
+    virtual void Save(OutputFile& file) const = 0;
 };
 
 // Opens the chosen PC. Throws WrongUse for a choice that is wrong or that this build does not support,

@@ -11,9 +11,8 @@
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/input_file.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/common/whole_file.h"
-#include "tools/kestova/common/write_target.h"
 #include "tools/kestova/pc/changes.h"
 #include "tools/kestova/pc/fault_option.h"
 #include "tools/kestova/pc/images.h"
@@ -53,7 +52,7 @@ std::string ReadDescriptionText(const std::string& name) {
     constexpr size_t most = size_t{16} << 20;
     std::error_code error;
     if (!fs::exists(name, error)) RefuseMissing(name);
-    std::ifstream file(fs::path(name), std::ios::binary);
+    std::ifstream file = OpenInput(name);
     std::string text(most + 1, '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
     if (fs::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
@@ -156,13 +155,15 @@ class EmulatedOne final : public OpenedPc {
 
     std::vector<std::string> Notes() const override { return notes_; }
     InputFiles Inputs() const override { return inputs_; }
-    Trace TakeTrace() override;
+    Trace TakeTrace() override { return emulated_.journal.Take(); }
+    const std::map<std::string, int>& Ledger() const override { return emulated_.ledger.Counts(); }
     bool Rehearse(const std::function<void()>& action) override;
+    bool LacksFileSystem(int disk, int partition) const override;
     std::string Commit() override { return machine::CommitMedia(emulated_.facts); }
     std::optional<std::vector<std::string>> Changes() const override {
         return ::Changes(before_, emulated_.facts);
     }
-    void Save(const std::string& file) const override;
+    void Save(OutputFile& file) const override;
 
   private:
     std::vector<std::string> notes_;
@@ -170,14 +171,7 @@ class EmulatedOne final : public OpenedPc {
     Pc before_;
     machine::EmulatedPc emulated_;
     machine::LoadedLibrary library_;
-    size_t traced_ = 0;
 };
-
-Trace EmulatedOne::TakeTrace() {
-    const auto& entries = emulated_.journal.Entries();
-    const auto first = entries.begin() + static_cast<std::ptrdiff_t>(std::exchange(traced_, entries.size()));
-    return {first, entries.end()};
-}
 
 // Letters are facts of the PC, for volumes on images too.
 bool EmulatedOne::Rehearse(const std::function<void()>& action) {
@@ -187,13 +181,24 @@ bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     return true;
 }
 
-void EmulatedOne::Save(const std::string& file) const {
+bool EmulatedOne::LacksFileSystem(int disk, int partition) const {
+    for (const machine::Disk& candidate : emulated_.facts.disks) {
+        if (candidate.image.empty() || static_cast<int>(candidate.number) != disk) continue;
+        for (const machine::Partition& found : candidate.partitions) {
+            if (static_cast<int>(found.number) != partition) continue;
+            if (!found.volume || found.volume->fileSystem == "RAW") return true;
+            return found.volume->letters.empty() && machine::IsDamaged(*found.volume);
+        }
+    }
+    return false;
+}
+
+void EmulatedOne::Save(OutputFile& file) const {
     Pc pc = emulated_.facts;
-    const fs::path folder = WriteTarget(file).parent_path();
     for (std::string* const image : ImagesOf(pc))
-        *image = fs::proximate(fs::absolute(*image), folder).string();
+        *image = fs::proximate(fs::absolute(*image), file.Folder()).string();
     try {
-        if (!WriteWholeFile(file, machine::WriteDescription(pc))) throw Failed(file + ": cannot be written");
+        if (!file.Replace(machine::WriteDescription(pc))) throw Failed(file.Path() + ": cannot be written");
     } catch (const machine::DescriptionError& error) {
         throw Failed(error.what());
     }

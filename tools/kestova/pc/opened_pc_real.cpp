@@ -9,10 +9,15 @@ class RealOne final : public OpenedPc {
     std::vector<std::string> Notes() const override { return {}; }
     InputFiles Inputs() const override { return {}; }
     Trace TakeTrace() override { return {}; }
+    const std::map<std::string, int>& Ledger() const override { return unknown_; }
     bool Rehearse(const std::function<void()>&) override { return false; }
+    bool LacksFileSystem(int, int) const override { return false; }
     std::string Commit() override { return ""; }
     std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }
-    void Save(const std::string&) const override {}
+    void Save(OutputFile&) const override {}
+
+  private:
+    std::map<std::string, int> unknown_;
 };
 
 }  // namespace

@@ -224,13 +224,22 @@ std::string AsJson(const OperationReport& report) {
                  {"result", ToJson(report.result)},
                  {"outputs", ToJson(report.outputs)},
                  {"log", ToJson(report.log)}};
-    if (report.trace) json["trace"] = ToJson(*report.trace);
+    if (report.showsTrace) json["trace"] = ToJson(report.trace);
     if (!report.unwritten.empty()) json["written"] = false;
+    if (!report.problem.empty()) json["problem"] = report.problem;
     return Line(json);
 }
 
 std::string AsJson(const RecoveryReport& report) {
     return Line({{"image", report.image}, {"change", ToJson(report.change)}});
+}
+
+std::string WithLedger(const std::string& line, const std::map<std::string, int>& ledger) {
+    Json json = Json::parse(line);
+    json["ledger"] = Json::object();
+    for (const auto& [kind, count] : ledger)
+        json["ledger"][kind] = count;
+    return Line(json);
 }
 
 std::string AsJson(const std::vector<Operation>& operations) {

@@ -2,6 +2,7 @@
 // keys are a contract (docs/command-line.md). nlohmann-json is included in the source alone.
 #pragma once
 
+#include <map>
 #include <span>
 #include <string>
 #include <vector>
@@ -16,6 +17,8 @@ std::string AsJson(const StatusReport& status);
 std::string AsJson(const LettersReport& letters);
 std::string AsJson(const OperationReport& report);
 std::string AsJson(const RecoveryReport& report);
+// The line of an object with a last key "ledger": the number of each kind.
+std::string WithLedger(const std::string& line, const std::map<std::string, int>& ledger);
 std::string AsJson(const std::vector<Operation>& operations);
 std::string AsJson(const std::vector<machine::NamedMachine>& machines);
 std::string AsJson(std::span<const machine::CallInfo> calls);

@@ -84,10 +84,9 @@ std::string EncryptedText(const std::optional<std::string>& letters) {
     return letters == "" ? "none" : Or(letters, "BitLocker cannot be asked");
 }
 
-// Without a number there is none only where every flag could be read.
 const char* NoActivePartition(const StatusReport& status) {
     if (!status.internalDisk) return "-";
-    return status.problem.empty() ? "none" : "unknown";
+    return status.isAllRead ? "none" : "unknown";
 }
 
 // --- operations ---
@@ -212,10 +211,17 @@ std::string AsText(std::span<const machine::CallInfo> calls) {
     return Table(rows, "");
 }
 
+std::string LedgerText(const std::map<std::string, int>& ledger) {
+    Rows rows;
+    for (const auto& [kind, count] : ledger)
+        rows.push_back({kind, std::to_string(count)});
+    return "Held in the end:\n" + Table(rows, "  ");
+}
+
 std::string TraceText(const OperationReport& report) {
     std::string text;
-    if (!report.trace) return text;
-    for (const machine::JournalEntry& entry : *report.trace)
+    if (!report.showsTrace) return text;
+    for (const machine::JournalEntry& entry : report.trace)
         text += std::visit([](const auto& happened) { return TraceLine(happened); }, entry);
     return text;
 }

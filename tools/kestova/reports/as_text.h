@@ -1,6 +1,7 @@
 // Every report as text for people, ended by a line feed.
 #pragma once
 
+#include <map>
 #include <span>
 #include <string>
 #include <vector>
@@ -23,6 +24,9 @@ std::string AsText(const RecoveryReport& report);
 std::string AsText(const std::vector<Operation>& operations);
 std::string AsText(const std::vector<machine::NamedMachine>& machines);
 std::string AsText(std::span<const machine::CallInfo> calls);
+
+// "Held in the end:", and a line for each kind with its number.
+std::string LedgerText(const std::map<std::string, int>& ledger);
 
 // A line for each entry; empty without a trace.
 std::string TraceText(const OperationReport& report);

@@ -7,7 +7,6 @@
 
 #include "base/guid.h"
 #include "base/hexadecimal.h"
-#include "base/utf.h"
 #include "platform/partition_types.h"
 #include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/common/text.h"
@@ -16,11 +15,6 @@
 namespace {
 
 constexpr const char* installedWindows = "installed Windows";
-
-// The letter that an operation returned; none for '0'.
-std::optional<WCHAR> LetterOrNone(WCHAR letter) {
-    return letter != TEXT('0') ? std::optional(letter) : std::nullopt;
-}
 
 // A type as the status has it.
 std::string TypeText(BYTE id) {
@@ -44,52 +38,61 @@ bool IsEncrypted(const StatusReport& status, WCHAR letter) {
 
 // The roles that the files of a lettered partition, or its encryption, reveal. The library reports every
 // encrypted volume as an installed Windows.
-void AddVolumeRoles(Kestova& object, const StatusReport& status, PartitionReport& partition) {
+void AddVolumeRoles(const StatusReport& status, PartitionReport& partition, Questions& questions) {
     if (!partition.letter) return;
+    const Values letter = {{"letter", LetterText(*partition.letter)}};
     if (IsEncrypted(status, *partition.letter)) {
         partition.roles.push_back({"encrypted", "BitLocker lists it"});
-    } else if (object.IsVistaOS(*partition.letter) == 1) {
+    } else if (questions.IsYes("IsVistaOS", letter)) {
         partition.roles.push_back({installedWindows, "contents"});
     }
-    if (object.IsWindowsRE(*partition.letter) == 1)
+    if (questions.IsYes("IsWindowsRE", letter))
         partition.roles.push_back({"Windows RE", "bootable contents"});
 }
 
-void AddPartitionRoles(Kestova& object, const StatusReport& status, PartitionReport& partition) {
-    const int disk = *status.internalDisk;
-    partition.hide = object.IsNeedHidePartition(disk, partition.number) == 1;
+bool IsForRecovery(const PartitionReport& partition) {
+    return partition.type == GuidText(PARTITION_MSFT_RECOVERY_GUID) ||
+           std::ranges::any_of(partition.roles,
+                               [](const Role& role) { return std::string_view(role.role) == "recovery"; });
+}
+
+void AddPartitionRoles(const StatusReport& status, PartitionReport& partition, Questions& questions) {
+    const Values place = {{"disk", *status.internalDisk}, {"partition", partition.number}};
+    partition.hide = questions.IsYes("IsNeedHidePartition", place);
     AddTypeRole(partition, mbrPartitionTypes);
     AddTypeRole(partition, gptPartitionTypes);
-    if (object.IsBIOSHibernationPartition(disk, partition.number) == 1)
+    if (IsForRecovery(partition) &&
+        questions.On().OnPc().LacksFileSystem(*status.internalDisk, partition.number)) {
+        questions.AddUnread("partition " + std::to_string(partition.number) +
+                            " is for recovery and holds no file system that can be read");
+    }
+    if (questions.IsYes("IsBIOSHibernationPartition", place))
         partition.roles.push_back({"hibernation", "type"});
-    AddVolumeRoles(object, status, partition);
+    AddVolumeRoles(status, partition, questions);
 }
 
 // Marks the partition that an operation found by type and contents and gave that letter.
-void AddFoundRole(Kestova& object, StatusReport& status, WCHAR letter, const char* role) {
-    if (!LetterOrNone(letter)) return;
+void AddFoundRole(StatusReport& status, const Value& letter, const char* role, Questions& questions) {
+    if (letter == Value("0")) return;
     for (PartitionReport& partition : status.partitions) {
-        if (object.GetDriveLetter(*status.internalDisk, partition.number) == letter)
+        const Values place = {{"disk", *status.internalDisk}, {"partition", partition.number}};
+        if (questions.Ask("GetDriveLetter", place).result == letter)
             partition.roles.push_back({role, "type and contents"});
     }
 }
 
 // Windows and the maker share the recovery partition type; only the contents tell them apart. To look into a
 // partition without a letter, the library gives it one.
-void AddRecoveryRoles(Session& session, StatusReport& status) {
-    Kestova& object = session.Object();
-    OpenedPc& pc = session.OnPc();
+void AddRecoveryRoles(StatusReport& status, Questions& questions) {
     std::set<int64_t> refused;
-    const auto look = [&](int (Kestova::*assign)(WCHAR&), const char* role) {
-        WCHAR letter = TEXT('0');
-        pc.TakeTrace();
-        (object.*assign)(letter);
-        refused.merge(RefusedLetters(pc.TakeTrace()));
-        AddFoundRole(object, status, letter, role);
+    const auto look = [&](const char* assign, const char* role) {
+        const OperationReport report = questions.Ask(assign);
+        refused.merge(RefusedLetters(report.trace));
+        AddFoundRole(status, ValueOf(report.outputs, "letter"), role, questions);
     };
-    const bool rehearsed = pc.Rehearse([&] {
-        look(&Kestova::AssignRecoveryPartition, "recovery");
-        look(&Kestova::AssignWinREPartition, "Windows RE");
+    const bool rehearsed = questions.On().OnPc().Rehearse([&] {
+        look("AssignRecoveryPartition", "recovery");
+        look("AssignWinREPartition", "Windows RE");
     });
     for (PartitionReport& partition : status.partitions) {
         const bool isUnknown = partition.roles.empty() && refused.contains(partition.offset);
@@ -104,39 +107,42 @@ bool HoldsWindows(const PartitionReport& partition) {
 }
 
 // By the layout if the library finds it there, else by its files.
-std::optional<WindowsPlace> InstalledWindows(Kestova& object, const StatusReport& status) {
-    WindowsPlace place{-1, -1, TEXT('0')};
-    if (object.GetVistaOSInfo(place.disk, place.partition, place.letter) == 0) return place;
+std::optional<WindowsPlace> InstalledWindows(const StatusReport& status, Questions& questions) {
+    const OperationReport report = questions.Ask("GetVistaOSInfo");
+    if (report.result == Value(0)) {
+        const auto number = [&](const char* name) { return std::get<int>(ValueOf(report.outputs, name)); };
+        const auto& letter = std::get<std::string>(ValueOf(report.outputs, "letter"));
+        return WindowsPlace{number("disk"), number("partition"), static_cast<WCHAR>(letter.front())};
+    }
     const auto windows = std::ranges::find_if(status.partitions, HoldsWindows);
     if (windows == status.partitions.end()) return std::nullopt;
     return WindowsPlace{*status.internalDisk, windows->number, *windows->letter};
 }
 
-std::optional<std::string> EncryptedVolumes(Kestova& object) {
-    WCHAR letters[33] = {};  // which hold every answer
-    if (object.GetAllEncryptVolume(letters, static_cast<DWORD>(std::size(letters))) != 1) return std::nullopt;
-    return ToUtf8(letters);
+std::optional<std::string> EncryptedVolumes(Questions& questions) {
+    constexpr int wholeAnswer = 33;  // characters
+    const OperationReport report = questions.Ask("GetAllEncryptVolume", {{"size", wholeAnswer}});
+    if (report.result != Value(1)) return std::nullopt;
+    return std::get<std::string>(ValueOf(report.outputs, "buffer"));
 }
 
-void AddLayout(Kestova& object, StatusReport& status) {
-    tagDiskTypeEnum layout = DISK_TYPE_UNKNOWN;
-    object.GetCurrentDiskType(layout);
-    status.layout = layout;
-    const auto& meanings = FindOperation("GetCurrentDiskType").parameters.front().meanings;
+void AddLayout(StatusReport& status, Questions& questions) {
+    const OperationReport report = questions.Ask("GetCurrentDiskType");
+    status.layout = std::get<int>(ValueOf(report.outputs, "type"));
+    const auto& meanings = report.operation->parameters.front().meanings;
     status.layoutName = FindMeaning(meanings, status.layout)->words;
 }
 
 }  // namespace
 
-void AddRoles(Session& session, StatusReport& status) {
-    Kestova& object = session.Object();
-    AddLayout(object, status);
-    status.encryptedVolumes = EncryptedVolumes(object);
-    status.recoveryDisc = LetterOrNone(object.GetRCVDISC());
-    status.recoveryStick = LetterOrNone(object.GetRCVUFD());
-    status.cachePartition = object.IsCachePartitionForExpCacheExist() == 1;
+void AddRoles(StatusReport& status, Questions& questions) {
+    AddLayout(status, questions);
+    status.encryptedVolumes = EncryptedVolumes(questions);
+    status.recoveryDisc = questions.AskLetter("GetRCVDISC");
+    status.recoveryStick = questions.AskLetter("GetRCVUFD");
+    status.cachePartition = questions.IsYes("IsCachePartitionForExpCacheExist");
     for (PartitionReport& partition : status.partitions)
-        AddPartitionRoles(object, status, partition);
-    status.windows = InstalledWindows(object, status);
-    AddRecoveryRoles(session, status);
+        AddPartitionRoles(status, partition, questions);
+    status.windows = InstalledWindows(status, questions);
+    AddRecoveryRoles(status, questions);
 }

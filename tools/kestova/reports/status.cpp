@@ -14,25 +14,17 @@
 
 namespace {
 
-// What could not be read, in the order of the queries.
-class Problems {
-  public:
-    void Add(const std::string& what) { text_ += (text_.empty() ? "" : "; ") + what; }
-    void Add(const std::string& what, unsigned long error) {
-        Add(what + " (error " + std::to_string(error) + ")");
-    }
-    const std::string& Text() const { return text_; }
-
-  private:
-    std::string text_;
-};
-
 // Reads a variable that does not exist: only UEFI firmware fails with ERROR_NOACCESS.
-std::string Firmware() {
+std::string Firmware(Questions& questions) {
     BYTE buffer[1000] = {};
     const DWORD length = GetFirmwareEnvironmentVariableW(
         TEXT(""), TEXT("{00000000-0000-0000-0000-000000000000}"), buffer, sizeof buffer);
-    return length == 0 && GetLastError() == ERROR_NOACCESS ? "UEFI" : "BIOS";
+    const DWORD error = length == 0 ? GetLastError() : ERROR_SUCCESS;
+    if (error == ERROR_NOACCESS) return "UEFI";
+    // What a BIOS answers.
+    if (error != ERROR_SUCCESS && error != ERROR_INVALID_FUNCTION)
+        questions.AddUntold("the firmware could not be told (error " + std::to_string(error) + ")");
+    return "BIOS";
 }
 
 // The boot options of the running system. Returns the status of the failing call, or of RegQueryValueExW.
@@ -51,21 +43,21 @@ LSTATUS ReadStartOptions(std::string& options) {
 }
 
 // Windows PE is started with the option MININT.
-std::string RunningSystem(Problems& problems) {
+std::string RunningSystem(Questions& questions) {
     std::string options;
     if (const LSTATUS read = ReadStartOptions(options); read != ERROR_SUCCESS) {
-        problems.Add("the start options of the running system cannot be read",
-                     static_cast<unsigned long>(read));
+        questions.AddUnread("the start options of the running system cannot be read",
+                            static_cast<unsigned long>(read));
         return "unknown";
     }
     return UpperCase(options).find("MININT") != std::string::npos ? "Windows PE" : "Windows";
 }
 
-std::optional<std::string> WindowsDirectory(Problems& problems) {
+std::optional<std::string> WindowsDirectory(Questions& questions) {
     WCHAR directory[MAX_PATH] = {};
     const UINT length = GetWindowsDirectoryW(directory, MAX_PATH);
     if (length != 0 && length <= MAX_PATH) return ToUtf8(directory);
-    problems.Add("the Windows directory cannot be read", GetLastError());
+    questions.AddUnread("the Windows directory cannot be read", GetLastError());
     return std::nullopt;
 }
 
@@ -79,27 +71,25 @@ bool IsOrdinary(DWORD error) {
 }
 
 // Letter, label and file system.
-void AddVolume(Kestova& object, int disk, PartitionReport& partition, Problems& problems) {
-    const WCHAR letter = object.GetDriveLetter(disk, partition.number);
-    if (letter == TEXT('0') || letter == 0) return;
-    partition.letter = letter;
-    const WCHAR root[] = {letter, TEXT(':'), TEXT('\\'), 0};
+void AddVolume(int disk, PartitionReport& partition, Questions& questions) {
+    partition.letter =
+        questions.AskLetter("GetDriveLetter", {{"disk", disk}, {"partition", partition.number}});
+    if (!partition.letter) return;
+    const WCHAR root[] = {*partition.letter, TEXT(':'), TEXT('\\'), 0};
     WCHAR label[MAX_PATH + 1] = {};
     WCHAR fileSystem[MAX_PATH + 1] = {};
     if (!GetVolumeInformationW(root, label, MAX_PATH + 1, nullptr, nullptr, nullptr, fileSystem,
                                MAX_PATH + 1)) {
         const DWORD error = GetLastError();
         if (!IsOrdinary(error))
-            problems.Add("the volume " + std::string(1, static_cast<char>(letter)) + ": cannot be read",
-                         error);
+            questions.AddUnread("the volume " + LetterText(*partition.letter) + ": cannot be read", error);
         return;
     }
     partition.label = ToUtf8(label);
     partition.fileSystem = ToUtf8(fileSystem);
 }
 
-PartitionReport ReadPartition(Kestova& object, int disk, const PARTITION_INFORMATION_EX& entry,
-                              Problems& problems) {
+PartitionReport ReadPartition(int disk, const PARTITION_INFORMATION_EX& entry, Questions& questions) {
     const bool mbr = entry.PartitionStyle == PARTITION_STYLE_MBR;
     PartitionReport partition;
     partition.number = static_cast<int>(entry.PartitionNumber);
@@ -108,7 +98,7 @@ PartitionReport ReadPartition(Kestova& object, int disk, const PARTITION_INFORMA
     partition.type = mbr ? Hex(entry.Mbr.PartitionType, 2) : GuidText(entry.Gpt.PartitionType);
     partition.typeName = mbr ? MbrTypeWords(entry.Mbr.PartitionType) : GptTypeWords(entry.Gpt.PartitionType);
     partition.active = IsActive(entry);
-    AddVolume(object, disk, partition, problems);
+    AddVolume(disk, partition, questions);
     return partition;
 }
 
@@ -116,12 +106,12 @@ std::string DiskName(int disk) {
     return "disk " + std::to_string(disk);
 }
 
-std::string DiskStyle(Kestova& object, int disk, Problems& problems) {
+std::string DiskStyle(int disk, Questions& questions) {
     THardDiskType style = HARD_DISK_UNKNOWN;
-    object.GetDiskStyle(style);
+    questions.Object().GetDiskStyle(style);
     if (style == HARD_DISK_MBR) return "MBR";
     if (style == HARD_DISK_GPT) return "GPT";
-    problems.Add("the partition style of " + DiskName(disk) + " could not be told");
+    questions.AddUnread("the partition style of " + DiskName(disk) + " could not be told");
     return "unknown";
 }
 
@@ -134,52 +124,53 @@ std::string Remark(const DiskLayout& layout) {
     return std::to_string(active) + " partitions are active; a PC starts from a disk with one only";
 }
 
-void Initialize(Session& session, Problems& problems) {
+void Initialize(Questions& questions) {
     const Operation& operation = FindOperation("Initialize");
-    const Value result = session.Call(operation, {{"reserved", false}}).result;
+    const Value result = questions.On().Call(operation, {{"reserved", false}}).result;
     if (!IsFailure(operation, result)) return;
-    problems.Add("Initialize: " + std::string(FindMeaning(operation.results, result)->words));
+    questions.AddUnread("Initialize: " + std::string(FindMeaning(operation.results, result)->words));
 }
 
 // The active partition, and the partitions with their volumes; `layout` is empty when it could not be read.
-void AddPartitions(Kestova& object, int disk, const DiskLayout& layout, StatusReport& status,
-                   Problems& problems) {
-    const int active = object.GetActivePartitionNumber();
+void AddPartitions(int disk, const DiskLayout& layout, StatusReport& status, Questions& questions) {
+    const int active = questions.Object().GetActivePartitionNumber();
     if (active >= 0) status.activePartition = active;
     // The library returns the same for none and for one that it could not read.
     const bool isKnown = active >= 0 || (layout && std::ranges::none_of(*layout, IsActive));
-    if (!isKnown) problems.Add("the active partition of " + DiskName(disk) + " could not be told");
+    if (!isKnown) questions.AddUnread("the active partition of " + DiskName(disk) + " could not be told");
     if (!layout) return;
     for (const PARTITION_INFORMATION_EX& entry : *layout)
-        status.partitions.push_back(ReadPartition(object, disk, entry, problems));
+        status.partitions.push_back(ReadPartition(disk, entry, questions));
 }
 
-void AddDisk(Kestova& object, StatusReport& status, Problems& problems) {
-    const int disk = object.GetFirstInternalDriveNumber();
+void AddDisk(StatusReport& status, Questions& questions) {
+    const int disk = questions.Object().GetFirstInternalDriveNumber();
     if (disk < 0) {
-        problems.Add("no internal disk was found, or it could not be told");
+        questions.AddUnread("no internal disk was found, or it could not be told");
         return;
     }
     status.internalDisk = disk;
-    status.style = DiskStyle(object, disk, problems);
+    status.style = DiskStyle(disk, questions);
     const DiskLayout layout = ReadDiskLayout(disk);
-    if (!layout) problems.Add("the partitions of " + DiskName(disk) + " cannot be read", GetLastError());
-    AddPartitions(object, disk, layout, status, problems);
+    if (!layout)
+        questions.AddUnread("the partitions of " + DiskName(disk) + " cannot be read", GetLastError());
+    AddPartitions(disk, layout, status, questions);
     status.remark = Remark(layout);
 }
 
 }  // namespace
 
 StatusReport ReadStatus(Session& session, bool initialize) {
-    Problems problems;
-    if (initialize) Initialize(session, problems);
+    Questions questions(session);
+    if (initialize) Initialize(questions);
     StatusReport status;
-    status.firmware = Firmware();
-    status.system = RunningSystem(problems);
-    status.windowsDirectory = WindowsDirectory(problems);
-    AddDisk(session.Object(), status, problems);
-    AddRoles(session, status);
-    status.problem = problems.Text();
+    status.firmware = Firmware(questions);
+    status.system = RunningSystem(questions);
+    status.windowsDirectory = WindowsDirectory(questions);
+    AddDisk(status, questions);
+    status.isAllRead = questions.HasReadAll();
+    AddRoles(status, questions);
+    status.problem = questions.Problems();
     return status;
 }
 

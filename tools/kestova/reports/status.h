@@ -43,6 +43,7 @@ struct StatusReport {
     std::optional<int> internalDisk;
     std::optional<std::string> style;
     std::optional<int> activePartition;
+    bool isAllRead = true;                    // so far; if not, a missing number is unknown
     std::vector<PartitionReport> partitions;  // of the internal disk
     int layout = 0;
     std::string layoutName;                       // in words

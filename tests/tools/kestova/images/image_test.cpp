@@ -125,6 +125,30 @@ TEST_F(Image, FlagNotSet_BootRecovery_LeavesTheTableAndNoRecord) {
     EXPECT_NE(Record().status, 0);
 }
 
+TEST_F(Image, RecoveryVolumeOverwritten_Status_IsAProblem) {
+    EXPECT_EQ(Shell("dd if=/dev/zero of=disk.img bs=1M seek=1 count=8 conv=notrunc status=none").status, 0);
+    const Outcome mbr = Kestova("--image disk.img --json status");
+    EXPECT_EQ(mbr.status, 1);
+    EXPECT_THAT(
+        mbr.output,
+        HasSubstr(R"(,"problem":"partition 1 is for recovery and holds no file system that can be read")"));
+    EXPECT_EQ(mbr.errors, "kestova: partition 1 is for recovery and holds no file system that can be read\n");
+
+    const std::string at = Shell("cp --sparse=always " KESTOVA_TEST_IMAGES
+                                 "/factory-gpt.img gpt.img; sfdisk --dump gpt.img | "
+                                 "sed -n 's/^gpt.img6 : start= *\\([0-9]*\\),.*/\\1/p'")
+                               .output;
+    ASSERT_NE(at, "");
+    EXPECT_EQ(Shell("dd if=/dev/zero of=gpt.img bs=512 seek=" + std::to_string(std::stoul(at)) +
+                    " count=16384 conv=notrunc status=none")
+                  .status,
+              0);
+    const Outcome gpt = Kestova("--image gpt.img --windows status");
+    EXPECT_EQ(gpt.status, 1);
+    EXPECT_THAT(gpt.errors,
+                HasSubstr("partition 6 is for recovery and holds no file system that can be read"));
+}
+
 TEST_F(Image, DescriptionInAnotherFolder_Call_FindsTheImage) {
     EXPECT_EQ(Shell("mkdir pcs").status, 0);
     EXPECT_EQ(Kestova("--image disk.img --save pcs/pc.json status").status, 0);

@@ -1,0 +1,92 @@
+// What the program has given up while it works, as the kernel sees it.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include "tests/support/program/program.h"
+#include "tools/kestova/command_line/system_calls.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+class Confinement : public ProgramTest {
+  protected:
+    // What /proc says of the program after its first line of output, while it waits for the reader of the
+    // rest, which is more than a pipe holds. The files are open by then.
+    std::string StatusOf(const std::string& environment, const std::string& words) {
+        std::string script;
+        for (int i = 0; i < 100; ++i)
+            script += "GetCurrentDiskType\n";
+        WriteFile("script", script);
+        EXPECT_EQ(
+            Shell("mkfifo pipe && { " + environment + " '" KESTOVA_PROGRAM "' " + words +
+                  " --json --trace run script >pipe & } && pid=$! && "
+                  "{ read -r line; cat /proc/$pid/status /proc/$pid/limits >status; cat >rest; } <pipe && "
+                  "wait $pid && test $(cat rest | wc -c) -gt 200000")
+                .status,
+            0);
+        return ReadFile("status");
+    }
+};
+
+TEST_F(Confinement, Question_Run_HasNeitherNewPrivilegesNorOtherCallsNorCapabilities) {
+    const std::string status = StatusOf("", "--pc factory-mbr");
+    EXPECT_THAT(status, HasSubstr("NoNewPrivs:\t1\n"));
+    EXPECT_THAT(status, HasSubstr("Seccomp:\t2\n"));
+    EXPECT_THAT(status, HasSubstr("CapEff:\t0000000000000000\n"));
+    EXPECT_THAT(status, HasSubstr("CapPrm:\t0000000000000000\n"));
+    EXPECT_THAT(status, testing::ContainsRegex("Max core file size *0 "));
+    EXPECT_THAT(status, testing::ContainsRegex("Max cpu time *410 "));
+}
+
+TEST_F(Confinement, StartedThroughSudo_Question_IsTheUserAgain) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root is another user";
+    EXPECT_THAT(StatusOf("SUDO_UID=12345 SUDO_GID=12346", "--pc factory-mbr"),
+                HasSubstr("Uid:\t12345\t12345\t12345\t12345\nGid:\t12346\t12346\t12346\t12346\n"));
+}
+
+// The new file is made in a folder that may be root's.
+TEST_F(Confinement, StartedThroughSudo_Save_StaysRootWithTheCapabilitiesForFiles) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root is another user";
+    const std::string status = StatusOf("SUDO_UID=12345 SUDO_GID=12346", "--pc factory-mbr --save pc.json");
+    EXPECT_THAT(status, HasSubstr("Uid:\t0\t0\t0\t0\n"));
+    EXPECT_THAT(status, HasSubstr("CapEff:\t000000000000000e\n"));
+    EXPECT_TRUE(std::filesystem::exists(Folder() / "pc.json"));
+}
+
+// It has opened nothing yet, and has given up what no command needs.
+TEST_F(Confinement, ScriptOnAPipe_Run_IsConfinedBeforeItReads) {
+    const Outcome outcome =
+        Shell("mkfifo pipe && { '" KESTOVA_PROGRAM
+              "' --pc factory-mbr run - <pipe >output & } && pid=$! && exec 3>pipe && "
+              "until grep -q '^Seccomp:.2' /proc/$pid/status; do :; done && "
+              "grep NoNewPrivs /proc/$pid/status; echo IsDynamic >&3; exec 3>&-; wait $pid");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "NoNewPrivs:\t1\n");
+}
+
+// sigaltstack is called by the sanitizer's _exit.
+TEST(SystemCalls, OneThatIsNotAllowed_EndsTheProgramWithAMessage) {
+    EXPECT_EXIT(
+        {
+            AllowOnly({{"write"}, {"exit_group"}, {"sigaltstack"}});
+            static_cast<void>(getppid());
+            _exit(0);
+        },
+        testing::ExitedWithCode(1),
+        "kestova: ended, because it was about to make a system call that it has given up \\(number [0-9]+\\)");
+}
+
+TEST(SystemCalls, ReadingOnly_OpeningForWriting_IsRefused) {
+    EXPECT_EXIT(
+        {
+            AllowOnly({{"write"}, {"exit_group"}, {"sigaltstack"}, {"openat", Only::Reading}});
+            if (open("/dev/null", O_RDONLY) < 0) _exit(2);
+            _exit(open("/dev/null", O_WRONLY) < 0 ? 3 : 0);
+        },
+        testing::ExitedWithCode(1), "has given up");
+}
+
+}  // namespace

@@ -1,0 +1,36 @@
+#include "tools/kestova/common/input_file.h"
+
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/vfs.h>
+
+#include "tools/kestova/common/descriptor.h"
+#include "tools/kestova/common/errors.h"
+
+namespace {
+
+bool IsNull(const struct stat& status) {
+    return S_ISCHR(status.st_mode) && status.st_rdev == makedev(1, 3);
+}
+
+// A pipe without a name ends with the program that writes it.
+bool IsUnnamedPipe(const Descriptor& opened) {
+    struct statfs system = {};
+    return fstatfs(opened.Number(), &system) == 0 && system.f_type == PIPEFS_MAGIC;
+}
+
+}  // namespace
+
+std::ifstream OpenInput(const std::string& file) {
+    std::ifstream stream;
+    stream.setstate(std::ios::failbit);
+    // Non-blocking, because opening a named pipe would wait for its other end.
+    const Descriptor opened(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status = {};
+    if (!opened || fstat(opened.Number(), &status) != 0) return stream;
+    if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode) && !IsNull(status) && !IsUnnamedPipe(opened))
+        throw UnreadablePc(file + ": not a regular file");
+    return std::ifstream("/proc/self/fd/" + std::to_string(opened.Number()), std::ios::binary);
+}

@@ -1,0 +1,161 @@
+#include "tools/kestova/common/output_file.h"
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/sysmacros.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "base/hexadecimal.h"
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/output_place.h"
+
+namespace {
+
+bool IsSame(const struct stat& left, const struct stat& right) {
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+// /dev/null takes and /dev/full refuses everything that is written.
+bool IsNullDevice(const struct stat& status) {
+    constexpr unsigned memoryDevices = 1;
+    constexpr unsigned null = 3;
+    constexpr unsigned full = 7;
+    return S_ISCHR(status.st_mode) && major(status.st_rdev) == memoryDevices &&
+           (minor(status.st_rdev) == null || minor(status.st_rdev) == full);
+}
+
+bool IsStream(const Descriptor& opened, const struct stat& status) {
+    return S_ISREG(status.st_mode) || IsNullDevice(status) || isatty(opened.Number()) != 0;
+}
+
+// Of pipes and block devices even the opening has an effect.
+bool MayBeOpened(const struct stat& status) {
+    return S_ISREG(status.st_mode) || S_ISCHR(status.st_mode);
+}
+
+// The file itself, or a second name of another user's file.
+bool IsTrap(const Descriptor& folder, const struct stat& file) {
+    struct stat status = {};
+    if (!S_ISREG(file.st_mode) || fstat(folder.Number(), &status) != 0) return false;
+    struct stat nobodys = file;
+    if (file.st_nlink > 1) nobodys.st_uid = static_cast<uid_t>(-1);
+    return IsForeign(status, nobodys);
+}
+
+std::string PathOf(const Descriptor& descriptor) {
+    return "/proc/self/fd/" + std::to_string(descriptor.Number());
+}
+
+// A new file beside the target.
+Descriptor MakeFresh(const OutputPlace& place, std::string& name) {
+    constexpr int mostTries = 100;
+    for (int tries = 0; tries < mostTries; ++tries) {
+        uint32_t random = 0;
+        if (getrandom(&random, sizeof random, 0) != sizeof random) break;
+        name = place.name + "." + Hex(random, 8).substr(2);
+        Descriptor fresh(
+            openat(place.folder.Number(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        if (fresh || errno != EEXIST) return fresh;
+    }
+    return Descriptor();
+}
+
+// A new owner must not inherit set-user-ID.
+mode_t PermissionsOf(const OutputPlace& place) {
+    if (place.found) return place.found->st_mode & 0777;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+bool WriteAll(const Descriptor& file, const std::string& text) {
+    for (size_t done = 0; done < text.size();) {
+        const ssize_t written = write(file.Number(), text.data() + done, text.size() - done);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        done += static_cast<size_t>(written);
+    }
+    return true;
+}
+
+bool Finish(Descriptor& file, const std::string& text, mode_t mode) {
+    const bool written =
+        WriteAll(file, text) && fchmod(file.Number(), mode) == 0 && fsync(file.Number()) == 0;
+    return file.Close() && written;
+}
+
+// Makes the new name durable. Failure is ignored: the file is in place all the same.
+void SynchroniseFolder(const Descriptor& folder) {
+    const Descriptor opened(openat(folder.Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened) fsync(opened.Number());
+}
+
+}  // namespace
+
+struct OutputFile::Place : OutputPlace {
+    explicit Place(const std::string& path) : OutputPlace(FindPlace(path)) {}
+};
+
+OutputFile::OutputFile(const std::string& option, const std::string& path)
+    : option_(option), path_(path), place_(std::make_unique<Place>(path)) {
+    if (!place_->foreignLink.empty()) {
+        throw WrongUse(option + ": " + path + " leads through the link " + place_->foreignLink +
+                       ", which another user has put into a folder that all users share");
+    }
+    std::error_code error;
+    if (place_->folder) folder_ = std::filesystem::read_symlink(PathOf(place_->folder), error);
+}
+
+OutputFile::~OutputFile() = default;
+OutputFile::OutputFile(OutputFile&&) noexcept = default;
+OutputFile& OutputFile::operator=(OutputFile&&) noexcept = default;
+
+bool OutputFile::Is(const std::string& path) const {
+    struct stat other = {};
+    return place_->found && !S_ISCHR(place_->found->st_mode) && stat(path.c_str(), &other) == 0 &&
+           IsSame(*place_->found, other);
+}
+
+bool OutputFile::Is(const OutputFile& other) const {
+    if (place_->found) return other.place_->found && Is(other.path_);
+    return !other.place_->found && folder_ == other.folder_ && place_->name == other.place_->name;
+}
+
+bool OutputFile::CanBeReplaced() const {
+    return !place_->found || S_ISREG(place_->found->st_mode);
+}
+
+std::ofstream OutputFile::Stream() {
+    const auto refused = [&](const char* why) { return WrongUse(option_ + ": " + path_ + why); };
+    constexpr const char* noStream = " is neither a regular file nor a terminal nor /dev/null";
+    if (place_->found && !MayBeOpened(*place_->found)) throw refused(noStream);
+    const int flags = O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const Descriptor opened(openat(place_->folder.Number(), place_->name.c_str(),
+                                   place_->found ? flags : flags | O_CREAT | O_EXCL, 0666));
+    struct stat status = {};
+    if (!opened || fstat(opened.Number(), &status) != 0) throw refused(" cannot be written");
+    if (place_->found && !IsSame(status, *place_->found))
+        throw refused(" was replaced by another file meanwhile");
+    if (!IsStream(opened, status)) throw refused(noStream);
+    if (IsTrap(place_->folder, status))
+        throw refused(" is, or may be, another user's file in a folder that all users share");
+    std::ofstream stream(PathOf(opened), std::ios::binary);
+    if (!stream) throw refused(" cannot be written");
+    return stream;
+}
+
+bool OutputFile::Replace(const std::string& text) {
+    std::string name;
+    Descriptor fresh = MakeFresh(*place_, name);
+    if (!fresh) return false;
+    const int folder = place_->folder.Number();
+    if (!Finish(fresh, text, PermissionsOf(*place_)) ||
+        renameat(folder, name.c_str(), folder, place_->name.c_str()) != 0) {
+        unlinkat(folder, name.c_str(), 0);
+        return false;
+    }
+    SynchroniseFolder(place_->folder);
+    return true;
+}

@@ -1,0 +1,44 @@
+// A file that the program writes. It is found first and written later, exactly where it was found.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+class OutputFile {
+  public:
+    // Follows the links in the path; makes and opens nothing. `option` is the one that named it, for
+    // messages. Throws WrongUse for a link that another user has put into a folder which all users share.
+    OutputFile(const std::string& option, const std::string& path);
+    ~OutputFile();
+    OutputFile(OutputFile&&) noexcept;
+    OutputFile& operator=(OutputFile&&) noexcept;
+
+    // As it was named.
+    const std::string& Path() const { return path_; }
+    // The folder that it is in, without links; empty if that does not exist.
+    const std::filesystem::path& Folder() const { return folder_; }
+    // The same file by any name or link. A character device is never the same: writing to it overwrites
+    // nothing.
+    bool Is(const std::string& path) const;
+    bool Is(const OutputFile& other) const;
+    // A regular file or a new one.
+    bool CanBeReplaced() const;
+
+    // Empties the file, or makes it. Throws WrongUse if it cannot be written, is neither a regular file nor a
+    // terminal nor a device that takes or refuses everything (/dev/null, /dev/full), or is not the file that
+    // was found.
+    std::ofstream Stream();
+    // Replaces the file atomically by a new one with this text. It keeps the permissions, but neither owner
+    // nor set-user-ID. False if that fails; the file is then unchanged.
+    bool Replace(const std::string& text);
+
+  private:
+    struct Place;
+
+    std::string option_;
+    std::string path_;
+    std::filesystem::path folder_;
+    std::unique_ptr<Place> place_;
+};

@@ -1,0 +1,38 @@
+#include "tools/kestova/reports/questions.h"
+
+#include <algorithm>
+
+OperationReport Questions::Ask(const char* operation, const Values& arguments) {
+    OperationReport report = session_.Call(FindOperation(operation), arguments);
+    if (!report.problem.empty()) AddUntold(report.problem);
+    return report;
+}
+
+bool Questions::IsYes(const char* operation, const Values& arguments) {
+    return Ask(operation, arguments).result == Value(1);
+}
+
+std::optional<WCHAR> Questions::AskLetter(const char* operation, const Values& arguments) {
+    const char letter = std::get<std::string>(Ask(operation, arguments).result).front();
+    return letter != '0' && letter != '\0' ? std::optional(static_cast<WCHAR>(letter)) : std::nullopt;
+}
+
+void Questions::AddUnread(const std::string& problem) {
+    hasReadAll_ = false;
+    AddUntold(problem);
+}
+
+void Questions::AddUnread(const std::string& problem, unsigned long error) {
+    AddUnread(problem + " (error " + std::to_string(error) + ")");
+}
+
+void Questions::AddUntold(const std::string& problem) {
+    if (std::ranges::find(problems_, problem) == problems_.end()) problems_.push_back(problem);
+}
+
+std::string Questions::Problems() const {
+    std::string text;
+    for (const std::string& problem : problems_)
+        text += (text.empty() ? "" : "; ") + problem;
+    return text;
+}
