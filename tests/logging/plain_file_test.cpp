@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
+
 namespace {
 
 BY_HANDLE_FILE_INFORMATION Facts(DWORD attributes, DWORD links) {
@@ -12,7 +14,8 @@ BY_HANDLE_FILE_INFORMATION Facts(DWORD attributes, DWORD links) {
 }
 
 TEST(PlainFile, FileUnderOneName_IsPlain) {
-    for (const DWORD attributes : {FILE_ATTRIBUTE_NORMAL, FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_COMPRESSED})
+    for (const DWORD attributes : std::initializer_list<DWORD>{
+             FILE_ATTRIBUTE_NORMAL, FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_COMPRESSED})
         EXPECT_TRUE(IsPlainFile(FILE_TYPE_DISK, Facts(attributes, 1))) << attributes;
 }
 
@@ -21,13 +24,13 @@ TEST(PlainFile, FileWithASecondHardLink_IsRefused) {
 }
 
 TEST(PlainFile, ReparsePointFolderOrDevice_IsRefused) {
-    for (const DWORD attribute :
-         {FILE_ATTRIBUTE_REPARSE_POINT, FILE_ATTRIBUTE_DIRECTORY, FILE_ATTRIBUTE_DEVICE})
+    for (const DWORD attribute : std::initializer_list<DWORD>{
+             FILE_ATTRIBUTE_REPARSE_POINT, FILE_ATTRIBUTE_DIRECTORY, FILE_ATTRIBUTE_DEVICE})
         EXPECT_FALSE(IsPlainFile(FILE_TYPE_DISK, Facts(FILE_ATTRIBUTE_ARCHIVE | attribute, 1))) << attribute;
 }
 
 TEST(PlainFile, PipeConsoleOrUnknown_IsRefused) {
-    for (const DWORD type : {FILE_TYPE_PIPE, FILE_TYPE_CHAR, FILE_TYPE_UNKNOWN})
+    for (const DWORD type : std::initializer_list<DWORD>{FILE_TYPE_PIPE, FILE_TYPE_CHAR, FILE_TYPE_UNKNOWN})
         EXPECT_FALSE(IsPlainFile(type, Facts(FILE_ATTRIBUTE_NORMAL, 1))) << type;
 }
 
