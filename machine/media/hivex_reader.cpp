@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <string>
@@ -76,8 +77,10 @@ bool ReadValues(hive_h* hive, hive_node_h key, size_t most, std::map<std::string
         const HivexMemory<char> data(hivex_value_value(hive, *handle, &type, &length));
         if (!name || !data) return false;
         const std::string_view stored(data.get(), length);
-        values[name.get()] = {static_cast<uint32_t>(type),
-                              type == hive_t_string ? TextOf(stored) : std::string(stored)};
+        // A hive can hold any number, which is no value of the enumeration then.
+        uint32_t number = 0;
+        std::memcpy(&number, &type, sizeof(number));
+        values[name.get()] = {number, number == hive_t_string ? TextOf(stored) : std::string(stored)};
     }
     return true;
 }

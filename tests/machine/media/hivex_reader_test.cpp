@@ -79,6 +79,17 @@ TEST_F(HivexReaderTest, ValuesOfEachKind_Read_MatchesHivexregedit) {
                 HasSubstr("\"Number\"=dword:00000102"));
 }
 
+TEST_F(HivexReaderTest, ValueOfUnknownType_Read_ReturnsItsNumber) {
+    RegistryKeys keys;
+    std::string hive =
+        With("[HKEY_LOCAL_MACHINE\\SYSTEM\\MountedDevices]\n\"odd\"=hex(3):00,01,02,03,04,05\n");
+    hive.replace(hive.find("odd") - 8, 4, "ABCD");
+
+    ASSERT_EQ(HivexReader().Read(hive, keys), 0u);
+
+    EXPECT_EQ(keys["MountedDevices"]["odd"], (RegistryValue{0x44434241, std::string("\0\1\2\3\4\5", 6)}));
+}
+
 TEST_F(HivexReaderTest, FileWithoutHive_Read_LeavesTheKeysUnchanged) {
     const std::string hive = Hive();
     const RegistryKeys before = {{"Key", {}}};
