@@ -30,6 +30,8 @@ std::string Nearest(std::string_view word, const std::vector<std::string>& words
     std::string nearest;
     size_t least = (wanted.size() + 2) / 3;
     for (const std::string& candidate : words) {
+        // The distance is at least the difference in length; a word can be as long as a file.
+        if (wanted.size() > candidate.size() + least) continue;
         const size_t distance = Distance(wanted, UpperCase(candidate));
         if (distance < least || (distance == least && nearest.empty())) {
             least = distance;

@@ -79,11 +79,12 @@ void Checks::Disks() {
 }
 
 void Checks::PackOf(const Disk& disk, const std::string& place) const {
+    const auto isNamed = [&](const Pack& pack) { return pack.name == disk.pack; };
+    if (disk.pack.empty() || std::any_of(pc_.packs.begin(), pc_.packs.end(), isNamed)) return;
     std::vector<std::string> names;
     for (const Pack& pack : pc_.packs)
         names.push_back(pack.name);
-    const bool known = disk.pack.empty() || std::find(names.begin(), names.end(), disk.pack) != names.end();
-    if (!known) Require(false, place, "unknown pack " + Unknown(disk.pack, names) + "; list it under packs");
+    Require(false, place, "unknown pack " + Unknown(disk.pack, names) + "; list it under packs");
 }
 
 void Checks::Partitions(const Disk& disk, const std::string& place) {
@@ -135,7 +136,8 @@ void Checks::Extents(const Disk& disk, const std::string& place) const {
             const Partition& other = disk.partitions[before];
             const bool apart =
                 !Overlap(partition, other) || IsInside(partition, other) || IsInside(other, partition);
-            Require(apart, here + ".offset", "the partition overlaps " + PlaceOfEntry(place, before));
+            if (!apart)
+                Require(false, here + ".offset", "the partition overlaps " + PlaceOfEntry(place, before));
         }
     }
 }
@@ -155,10 +157,10 @@ void Checks::WmiOrder() const {
     for (size_t index = 0; index < pc_.wmiOrder.size(); ++index) {
         const std::string place = PlaceOfEntry("wmiOrder", index);
         const uint32_t number = pc_.wmiOrder[index];
+        Once(numbers, number, std::to_string(number), place);
         Require(std::any_of(pc_.disks.begin(), pc_.disks.end(),
                             [&](const Disk& disk) { return disk.number == number; }),
                 place, "there is no disk " + std::to_string(number));
-        Once(numbers, number, std::to_string(number), place);
     }
 }
 

@@ -3,10 +3,14 @@
 #include <set>
 
 #include "machine/description/values.h"
+#include "machine/facts/store_path.h"
 
 namespace machine::description {
 
 namespace {
+
+// Of the platform, MAX_PATH.
+constexpr size_t longestPath = 260;
 
 bool IsFolderPath(const std::string& path) {
     return path.ends_with('/') || path.ends_with('\\');
@@ -28,18 +32,20 @@ void ExpectFits(const FileTree& tree, const std::string& path, const Node& node)
     if (HasEmptyStep(path) || path.find_first_of(":*?\"<>|") != std::string::npos)
         node.Fail(
             "must be a path without drive, like \"sources/boot.wim\", or \"sources/data/\" for a folder");
+    if (path.size() > longestPath) node.Fail("is longer than " + std::to_string(longestPath) + " bytes");
     const FileTree::Entry* const entry = tree.Find(path);
     if (entry != nullptr && !(entry->folder && IsFolderPath(path)))
         node.Fail("stands here already as \"" + entry->path + "\"");
-    for (size_t slash = path.find_first_of("/\\"); slash != std::string::npos;
-         slash = path.find_first_of("/\\", slash + 1)) {
-        const FileTree::Entry* const above = tree.Find(path.substr(0, slash));
-        if (above != nullptr && !above->folder) node.Fail("lies below the file \"" + above->path + "\"");
-    }
+    // Above the nearest one that exists there are only folders.
+    const FileTree::Entry* above = nullptr;
+    for (std::string folder = FolderOf(Normalized(path)); above == nullptr && !folder.empty();
+         folder = FolderOf(folder))
+        above = tree.Find(folder);
+    if (above != nullptr && !above->folder) node.Fail("lies below the file \"" + above->path + "\"");
 }
 
 std::string ReadContent(const Node& node) {
-    if (!node.IsObject()) return node.Text();
+    if (!node.IsObject()) return node.Content();
     node.ExpectKeys({"hex"});
     if (!node.Has("hex")) node.Fail("the key \"hex\" is missing");
     std::string content;
@@ -77,15 +83,16 @@ std::set<std::string> FoldersToWrite(const FileTree& tree) {
 void Files::Read(const Node& node, FileTree& tree) {
     node.ExpectObject();
     tree = {};
-    for (const std::string& path : node.Keys()) {
-        const Node file = node.Key(path);
+    for (const auto& [path, file] : node.Members()) {
         ExpectFits(tree, path, file);
+        const size_t before = tree.Entries().size();
         if (!IsFolderPath(path)) {
             tree.PutFile(path, ReadContent(file));
         } else {
             if (!file.IsNull()) file.Fail("must be null, since the path is a folder's");
             tree.PutFolder(path);
         }
+        file.Count(tree.Entries().size() - before);
     }
 }
 

@@ -36,6 +36,16 @@ std::string Kind(const Json& value) {
 
 }  // namespace
 
+bool Source::Count(size_t values) {
+    constexpr size_t most = 10000;
+    counted_ += values;
+    return counted_ <= most;
+}
+
+void Source::Fail(const std::string& place, const std::string& what) const {
+    throw DescriptionError(file_, place.empty() ? "top level" : place, what);
+}
+
 bool Node::IsNull() const {
     return value_.is_null();
 }
@@ -49,6 +59,12 @@ bool Node::IsObject() const {
 }
 
 const std::string& Node::Text() const {
+    const std::string& text = Content();
+    if (text.size() > longestText) Fail("is longer than " + std::to_string(longestText) + " bytes");
+    return text;
+}
+
+const std::string& Node::Content() const {
     if (!value_.is_string()) Fail("must be text, not " + Kind(value_));
     return value_.get_ref<const std::string&>();
 }
@@ -75,6 +91,13 @@ std::vector<std::string> Node::Keys() const {
     return keys;
 }
 
+std::vector<std::pair<std::string, Node>> Node::Members() const {
+    std::vector<std::pair<std::string, Node>> members;
+    for (const auto& entry : value_.items())
+        members.emplace_back(entry.key(), Node(entry.value(), source_, PlaceOfKey(place_, entry.key())));
+    return members;
+}
+
 bool Node::Has(std::string_view key) const {
     return value_.contains(std::string(key));
 }
@@ -85,11 +108,11 @@ size_t Node::Size() const {
 
 Node Node::Key(std::string_view key) const {
     const std::string name(key);
-    return {value_.at(name), file_, PlaceOfKey(place_, name)};
+    return {value_.at(name), source_, PlaceOfKey(place_, name)};
 }
 
 Node Node::Entry(size_t index) const {
-    return {value_.at(index), file_, PlaceOfEntry(place_, index)};
+    return {value_.at(index), source_, PlaceOfEntry(place_, index)};
 }
 
 void Node::ExpectObject() const {
@@ -105,10 +128,6 @@ void Node::ExpectKeys(const std::vector<std::string>& known) const {
         if (std::find(known.begin(), known.end(), key) == known.end())
             Key(key).Fail("unknown key " + Unknown(key, known));
     }
-}
-
-void Node::Fail(const std::string& what) const {
-    throw DescriptionError(file_, place_.empty() ? "top level" : place_, what);
 }
 
 std::string PlaceOfKey(const std::string& place, const std::string& key) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace machine::description {
@@ -18,24 +19,47 @@ struct WholeNumber {
     bool negative;
 };
 
+// The file of a description, and how much more it may hold: a few bytes can stand for much more memory.
+class Source {
+  public:
+    explicit Source(const std::string& file) : file_(file) {}
+
+    // Counts values of the file, and what follows from them; false if they are too many.
+    bool Count(size_t values);
+    [[noreturn]] void Fail(const std::string& place, const std::string& what) const;
+
+  private:
+    const std::string& file_;
+    size_t counted_ = 0;
+};
+
+inline constexpr const char* tooManyValues = "more than 10000 values, files and folders; no PC has so many";
+
+// The longest text that the platform handles, in bytes.
+inline constexpr size_t longestText = 32767;
+
 class Node {
   public:
     // The outermost value.
-    Node(const Json& value, const std::string& file) : value_(value), file_(file) {}
+    Node(const Json& value, Source& source) : value_(value), source_(source) {}
 
     bool IsNull() const;
     bool IsText() const;
     bool IsObject() const;
-    // The text or the flag of the value; any other kind fails.
+    // The text or the flag of the value; any other kind fails. Only the content of a file or of a registry
+    // value may be longer than longestText.
     const std::string& Text() const;
+    const std::string& Content() const;
     bool Flag() const;
     // The value of a JSON number without fraction, otherwise nothing.
     std::optional<WholeNumber> Number() const;
     // The value as it is written in JSON.
     std::string Spelling() const;
 
-    // The keys of an object in their order, and whether the value is an object with that key.
+    // The keys of an object in their order, those with their values, and whether the value is an object with
+    // that key.
     std::vector<std::string> Keys() const;
+    std::vector<std::pair<std::string, Node>> Members() const;
     bool Has(std::string_view key) const;
     // The number of entries of a list.
     size_t Size() const;
@@ -48,14 +72,18 @@ class Node {
     void ExpectList() const;
     // Fails unless each key of the object is one of these.
     void ExpectKeys(const std::vector<std::string>& known) const;
-    [[noreturn]] void Fail(const std::string& what) const;
+    // Counts what follows from this value, beside the value itself.
+    void Count(size_t values) const {
+        if (!source_.Count(values)) Fail(tooManyValues);
+    }
+    [[noreturn]] void Fail(const std::string& what) const { source_.Fail(place_, what); }
 
   private:
-    Node(const Json& value, const std::string& file, std::string place)
-        : value_(value), file_(file), place_(std::move(place)) {}
+    Node(const Json& value, Source& source, std::string place)
+        : value_(value), source_(source), place_(std::move(place)) {}
 
     const Json& value_;
-    const std::string& file_;
+    Source& source_;
     std::string place_;
 };
 

@@ -11,25 +11,31 @@ namespace machine {
 namespace {
 
 using description::Json;
+using description::longestText;
+using description::Source;
 
-// Detects duplicate keys in one object, of which the parser would silently keep one.
-class DuplicateKeys {
+// Watches the parser: refuses a text that would take much more memory than it has bytes, and duplicate keys
+// in one object, of which the parser would silently keep one.
+class Watch {
   public:
-    explicit DuplicateKeys(const std::string& file) : file_(file) {}
+    explicit Watch(Source& source) : source_(source) {}
 
     void See(Json::parse_event_t event, const Json& value) {
         using Event = Json::parse_event_t;
         if (event == Event::key) {
-            SeeKey(value.get<std::string>());
+            SeeKey(value.get_ref<const std::string&>());
         } else if (event == Event::object_end || event == Event::array_end) {
             levels_.pop_back();
         } else {
             if (!levels_.empty() && levels_.back().isList) ++levels_.back().entries;
-            if (event != Event::value) levels_.push_back({event == Event::array_start, 0, {}, {}});
+            if (!source_.Count(1)) source_.Fail(Place(), description::tooManyValues);
+            if (event != Event::value) Enter(event == Event::array_start);
         }
     }
 
   private:
+    static constexpr size_t deepest = 32;
+
     // An object or a list that is still open, and the parser's position in it.
     struct Level {
         bool isList;
@@ -38,17 +44,30 @@ class DuplicateKeys {
         std::string key;
     };
 
+    void Enter(bool isList) {
+        if (levels_.size() == deepest)
+            source_.Fail(Place(), "nested deeper than " + std::to_string(deepest) + " levels");
+        levels_.push_back({isList, 0, {}, {}});
+    }
+
     void SeeKey(const std::string& key) {
+        if (key.size() > longestText) {
+            levels_.pop_back();
+            source_.Fail(Place(), "a key longer than " + std::to_string(longestText) + " bytes");
+        }
         levels_.back().key = key;
-        if (levels_.back().keys.insert(key).second) return;
+        if (!levels_.back().keys.insert(key).second) source_.Fail(Place(), "the key stands twice");
+    }
+
+    std::string Place() const {
         std::string place;
         for (const Level& level : levels_)
             place = level.isList ? description::PlaceOfEntry(place, level.entries - 1)
                                  : description::PlaceOfKey(place, level.key);
-        throw DescriptionError(file_, place, "the key stands twice");
+        return place;
     }
 
-    const std::string& file_;
+    Source& source_;
     std::vector<Level> levels_;
 };
 
@@ -59,6 +78,16 @@ std::string PlaceOfByte(const std::string& text, size_t byte) {
     const size_t lineEnd = before.rfind('\n');
     const size_t column = before.size() - (lineEnd == std::string::npos ? 0 : lineEnd + 1) + 1;
     return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+// The beginning of a text that a message quotes.
+std::string Shortened(const std::string& text) {
+    constexpr size_t most = 200;
+    if (text.size() <= most) return text;
+    size_t end = most;
+    while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return text.substr(0, end) + "...";
 }
 
 // The parser's message from a marker on, without the number and place in front.
@@ -75,13 +104,14 @@ std::string Complaint(const std::exception& error, const std::string& marker) {
     const size_t open = complaint.find('\'');
     const size_t close = complaint.rfind('\'');
     const std::string number = open < close ? complaint.substr(open + 1, close - open - 1) : std::string();
-    throw DescriptionError(file, PlaceOfByte(text, text.find(number) + 1), number + " is too large");
+    throw DescriptionError(file, PlaceOfByte(text, text.find(number) + 1),
+                           Shortened(number) + " is too large");
 }
 
-Json Parse(const std::string& text, const std::string& file) {
-    DuplicateKeys duplicates(file);
+Json Parse(const std::string& text, const std::string& file, Source& source) {
+    Watch watch(source);
     const auto see = [&](int, Json::parse_event_t event, Json& value) {
-        duplicates.See(event, value);
+        watch.See(event, value);
         return true;
     };
     constexpr bool throwing = true;
@@ -90,7 +120,7 @@ Json Parse(const std::string& text, const std::string& file) {
         return Json::parse(text, see, throwing, ignoreComments);
     } catch (const Json::parse_error& error) {
         throw DescriptionError(file, PlaceOfByte(text, error.byte),
-                               "no JSON: " + Complaint(error, "syntax error"));
+                               "no JSON: " + Shortened(Complaint(error, "syntax error")));
     } catch (const Json::out_of_range& error) {
         FailOnHugeNumber(text, file, error);
     }
@@ -99,9 +129,10 @@ Json Parse(const std::string& text, const std::string& file) {
 }  // namespace
 
 Pc ReadDescription(const std::string& text, const std::string& fileName) {
-    const Json json = Parse(text, fileName);
+    Source source(fileName);
+    const Json json = Parse(text, fileName, source);
     Pc pc;
-    description::ReadPc(description::Node(json, fileName), pc);
+    description::ReadPc(description::Node(json, source), pc);
     description::CheckDescription(pc, fileName);
     return pc;
 }

@@ -17,7 +17,7 @@ constexpr uint32_t regSz = 1;
 using ValueType = WordOrNumber<uint32_t, valueTypes>;
 
 RegistryValue ReadValue(const Node& node) {
-    if (!node.IsObject()) return {regSz, node.Text()};
+    if (!node.IsObject()) return {regSz, node.Content()};
     node.ExpectKeys({"type", "hex"});
     for (const char* const key : {"type", "hex"}) {
         if (!node.Has(key)) node.Fail("the key \"" + std::string(key) + "\" is missing");
@@ -40,11 +40,10 @@ template <typename Entry, typename Read>
 std::map<std::string, Entry> ReadByName(const Node& node, Read read) {
     node.ExpectObject();
     std::map<std::string, Entry> entries;
-    for (const std::string& key : node.Keys()) {
-        const Node entry = node.Key(key);
-        for (const auto& [name, other] : entries) {
-            if (SameName(name, key)) entry.Fail("stands here already as \"" + name + "\"");
-        }
+    std::map<std::string, std::string> names;  // by upper-case name
+    for (const auto& [key, entry] : node.Members()) {
+        const auto [known, isNew] = names.try_emplace(UpperCase(key), key);
+        if (!isNew) entry.Fail("stands here already as \"" + known->second + "\"");
         entries[key] = read(entry);
     }
     return entries;

@@ -55,7 +55,7 @@ void DriveName::Read(const Node& node, std::string& name) {
 }
 
 void HexBytes::Read(const Node& node, std::string& bytes) {
-    std::string digits = node.Text();
+    std::string digits = node.Content();
     std::erase(digits, ' ');
     const bool allHex = digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
     if (!allHex || digits.size() % 2 != 0)

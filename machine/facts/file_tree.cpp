@@ -9,16 +9,32 @@ namespace machine {
 
 namespace {
 
-// Where the normalised path is among the sorted entries, or would be inserted.
-template <typename Entries>
-auto Position(Entries& entries, const std::string& normalized) {
-    return std::lower_bound(entries.begin(), entries.end(), UpperCase(normalized),
-                            [](const FileTree::Entry& entry, const std::string& folded) {
-                                return UpperCase(entry.path) < folded;
-                            });
+bool IsBefore(std::string_view left, std::string_view right) {
+    const auto isLess = [](char one, char other) {
+        return static_cast<unsigned char>(FoldCase(one)) < static_cast<unsigned char>(FoldCase(other));
+    };
+    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(), isLess);
+}
+
+// The folder of that normalised path, and those above it.
+void AddFolders(FileTree::Sorted& entries, std::string folder) {
+    while (!folder.empty() && entries.insert({folder, true, {}}).second)
+        folder = FolderOf(folder);
 }
 
 }  // namespace
+
+bool FileTree::ByUpperCasePath::operator()(const Entry& left, const Entry& right) const {
+    return IsBefore(left.path, right.path);
+}
+
+bool FileTree::ByUpperCasePath::operator()(const Entry& left, std::string_view right) const {
+    return IsBefore(left.path, right);
+}
+
+bool FileTree::ByUpperCasePath::operator()(std::string_view left, const Entry& right) const {
+    return IsBefore(left, right.path);
+}
 
 FileTree::FileTree(std::initializer_list<std::pair<std::string, std::string>> files) {
     for (const auto& [path, content] : files) {
@@ -32,33 +48,31 @@ FileTree::FileTree(std::initializer_list<std::pair<std::string, std::string>> fi
 
 void FileTree::PutFile(std::string_view path, std::string content) {
     const std::string normalized = Normalized(path);
-    PutFolder(FolderOf(normalized));
-    const auto at = Position(entries_, normalized);
-    if (at != entries_.end() && SameName(at->path, normalized)) {
-        at->content = std::move(content);
-    } else {
-        entries_.insert(at, {normalized, false, std::move(content)});
+    AddFolders(entries_, FolderOf(normalized));
+    const auto known = entries_.find(normalized);
+    if (known == entries_.end()) {
+        entries_.insert({normalized, false, std::move(content)});
+        return;
     }
+    auto node = entries_.extract(known);
+    node.value().content = std::move(content);
+    entries_.insert(std::move(node));
 }
 
 void FileTree::PutFolder(std::string_view path) {
-    const std::string normalized = Normalized(path);
-    if (normalized.empty() || Find(normalized) != nullptr) return;
-    PutFolder(FolderOf(normalized));
-    entries_.insert(Position(entries_, normalized), {normalized, true, {}});
+    AddFolders(entries_, Normalized(path));
 }
 
 bool FileTree::RemoveFile(std::string_view path) {
-    const Entry* const entry = Find(path);
-    if (entry == nullptr || entry->folder) return false;
-    entries_.erase(entries_.begin() + (entry - entries_.data()));
+    const auto entry = entries_.find(Normalized(path));
+    if (entry == entries_.end() || entry->folder) return false;
+    entries_.erase(entry);
     return true;
 }
 
 const FileTree::Entry* FileTree::Find(std::string_view path) const {
-    const std::string normalized = Normalized(path);
-    const auto at = Position(entries_, normalized);
-    return at != entries_.end() && SameName(at->path, normalized) ? &*at : nullptr;
+    const auto entry = entries_.find(Normalized(path));
+    return entry != entries_.end() ? &*entry : nullptr;
 }
 
 }  // namespace machine

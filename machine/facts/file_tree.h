@@ -1,10 +1,9 @@
 // The files of a described volume: a small in-memory file system, case-insensitive.
 #pragma once
 
-#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "machine/facts/file_store.h"
 
@@ -32,13 +31,20 @@ class FileTree {
     // The entry, or null. The empty path is the root, which always exists and has no entry.
     const Entry* Find(std::string_view path) const;
     bool IsEmpty() const { return entries_.empty(); }
-    // Sorted by upper-case path.
-    const std::vector<Entry>& Entries() const { return entries_; }
+
+    struct ByUpperCasePath {
+        using is_transparent = void;
+        bool operator()(const Entry& left, const Entry& right) const;
+        bool operator()(const Entry& left, std::string_view right) const;
+        bool operator()(std::string_view left, const Entry& right) const;
+    };
+    using Sorted = std::set<Entry, ByUpperCasePath>;
+    const Sorted& Entries() const { return entries_; }
 
     bool operator==(const FileTree&) const = default;
 
   private:
-    std::vector<Entry> entries_;
+    Sorted entries_;
 };
 
 }  // namespace machine

@@ -13,9 +13,9 @@ namespace machine {
 class HiveReader {
   public:
     virtual ~HiveReader() = default;
-    // The keys of a hive by their paths below its root ("MountedDevices"), including those without values;
-    // the root itself is the empty path. `file` is the content of the hive file. Error 1009 if it is not a
-    // hive; `keys` is then unchanged.
+    // Of the keys below the root of a hive those that the library reads, with their values: "MountedDevices",
+    // if it exists; and the root itself, without values, as the empty path. `file` is the content of the hive
+    // file. Error 1009 if it is not a hive, or is damaged there; `keys` is then unchanged.
     virtual uint32_t Read(std::string_view file, RegistryKeys& keys) = 0;
 };
 

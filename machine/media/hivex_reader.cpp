@@ -4,10 +4,11 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <map>
 #include <memory>
-#include <optional>
-#include <set>
 #include <string>
 
 #include "base/utf.h"
@@ -17,7 +18,7 @@ namespace machine {
 
 namespace {
 
-constexpr size_t deepestKey = 512;
+constexpr const char* mountedDevices = "MountedDevices";
 
 struct HiveClose {
     void operator()(hive_h* hive) const { hivex_close(hive); }
@@ -62,46 +63,27 @@ std::string TextOf(std::string_view stored) {
     return ToUtf8(text);
 }
 
-// Reads the keys of an open hive; false if it is damaged.
-class HiveWalk {
-  public:
-    HiveWalk(hive_h* hive, RegistryKeys& keys) : hive_(hive), keys_(keys) {}
-
-    bool Take(hive_node_h node, const std::string& path, size_t depth) {
-        if (depth > deepestKey || !seen_.insert(node).second) return false;
-        if (!TakeValues(node, path)) return false;
-        const HivexMemory<hive_node_h> children(hivex_node_children(hive_, node));
-        if (!children) return false;
-        for (const hive_node_h* child = children.get(); *child != 0; ++child) {
-            const HivexMemory<char> name(hivex_node_name(hive_, *child));
-            if (!name) return false;
-            if (!Take(*child, path.empty() ? name.get() : path + '\\' + name.get(), depth + 1)) return false;
-        }
-        return true;
+// Reads the values of a key; false if it is damaged. Several values can claim the same bytes of the hive: no
+// more is read than the hive is long.
+bool ReadValues(hive_h* hive, hive_node_h key, size_t most, std::map<std::string, RegistryValue>& values) {
+    const HivexMemory<hive_value_h> handles(hivex_node_values(hive, key));
+    if (!handles) return false;
+    for (const hive_value_h* handle = handles.get(); *handle != 0; ++handle) {
+        hive_type type = hive_t_none;
+        size_t length = 0;
+        if (hivex_value_type(hive, *handle, &type, &length) != 0 || length > most) return false;
+        most -= length;
+        const HivexMemory<char> name(hivex_value_key(hive, *handle));
+        const HivexMemory<char> data(hivex_value_value(hive, *handle, &type, &length));
+        if (!name || !data) return false;
+        const std::string_view stored(data.get(), length);
+        // A hive can hold any number, which is no value of the enumeration then.
+        uint32_t number = 0;
+        std::memcpy(&number, &type, sizeof(number));
+        values[name.get()] = {number, number == hive_t_string ? TextOf(stored) : std::string(stored)};
     }
-
-  private:
-    bool TakeValues(hive_node_h node, const std::string& path) {
-        auto& values = keys_[path];
-        const HivexMemory<hive_value_h> handles(hivex_node_values(hive_, node));
-        if (!handles) return false;
-        for (const hive_value_h* handle = handles.get(); *handle != 0; ++handle) {
-            const HivexMemory<char> name(hivex_value_key(hive_, *handle));
-            hive_type type = hive_t_none;
-            size_t length = 0;
-            const HivexMemory<char> data(hivex_value_value(hive_, *handle, &type, &length));
-            if (!name || !data) return false;
-            const std::string_view stored(data.get(), length);
-            values[name.get()] = {static_cast<uint32_t>(type),
-                                  type == hive_t_string ? TextOf(stored) : std::string(stored)};
-        }
-        return true;
-    }
-
-    hive_h* hive_;
-    RegistryKeys& keys_;
-    std::set<hive_node_h> seen_;
-};
+    return true;
+}
 
 }  // namespace
 
@@ -110,8 +92,13 @@ uint32_t HivexReader::Read(std::string_view file, RegistryKeys& keys) {
     const HiveOwner hive(hivex_open(copy.Path().c_str(), 0));
     if (!hive) return errorBadHive;
     const hive_node_h root = hivex_root(hive.get());
-    RegistryKeys read;
-    if (root == 0 || !HiveWalk(hive.get(), read).Take(root, "", 0)) return errorBadHive;
+    if (root == 0) return errorBadHive;
+    RegistryKeys read = {{"", {}}};
+    errno = 0;
+    const hive_node_h devices = hivex_node_get_child(hive.get(), root, mountedDevices);
+    const bool isDamaged =
+        devices == 0 ? errno != 0 : !ReadValues(hive.get(), devices, file.size(), read[mountedDevices]);
+    if (isDamaged) return errorBadHive;
     keys = std::move(read);
     return 0;
 }

@@ -70,8 +70,12 @@ bool ImageFile::Read(uint64_t offset, void* buffer, size_t length) const {
 bool ImageFile::Write(uint64_t offset, const void* bytes, size_t length) {
     if (access_ == ImageAccess::Read) return false;
     if (WriteBlocks(offset, static_cast<const char*>(bytes), length)) return true;
-    problem_ = path_ + ": cannot be read where it would be changed; nothing was written";
+    Refuse("cannot be read where it would be changed; nothing was written");
     return false;
+}
+
+void ImageFile::Refuse(const std::string& whatIsWrong) {
+    problem_ = path_ + ": " + whatIsWrong;
 }
 
 bool ImageFile::WriteBlocks(uint64_t offset, const char* bytes, size_t length) {

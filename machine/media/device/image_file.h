@@ -45,6 +45,9 @@ class ImageFile final : public Medium {
     // are being written, and never before or afterwards. What `undo`, called next, writes is dropped.
     void Mark(const std::function<void()>& write, const std::function<void()>& undo);
 
+    // Commit writes nothing any more, and returns what is wrong.
+    void Refuse(const std::string& whatIsWrong);
+
     std::string Commit() override;
     const std::string& Note() const override { return note_; }
     // What was found when the file was opened.

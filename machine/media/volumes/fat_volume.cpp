@@ -102,7 +102,7 @@ class LongName {
 
 // --- the volume ---
 
-FatVolume::FatVolume(VolumeBytes bytes) : bytes_(std::move(bytes)), layout_(ReadLayout(bytes_)) {}
+FatVolume::FatVolume(VolumeBytes bytes) : ReadOnlyVolume(std::move(bytes)), layout_(ReadLayout(Bytes())) {}
 
 std::optional<FatVolume::Layout> FatVolume::ReadLayout(const VolumeBytes& bytes) {
     const auto sector = bytes.Read(0, bootSectorSize);
@@ -142,7 +142,7 @@ bool FatVolume::IsCluster(uint64_t number) const {
 
 std::optional<uint32_t> FatVolume::Next(uint32_t cluster) const {
     const uint64_t at = layout_->table + uint64_t{cluster} * layout_->entryBits / 8;
-    const auto entry = bytes_.Read(at, layout_->entryBits == 32 ? 4 : 2);
+    const auto entry = Bytes().Read(at, layout_->entryBits == 32 ? 4 : 2);
     if (!entry) return std::nullopt;
     switch (layout_->entryBits) {
         case 12:
@@ -165,7 +165,7 @@ std::optional<std::string> FatVolume::ReadClusters(uint64_t first, uint64_t leng
         if (std::has_single_bit(++passed)) mark = cluster;
         const uint64_t count = std::min(layout_->clusterSize, length - content.size());
         const auto piece =
-            bytes_.Read(layout_->data + (cluster - firstCluster) * layout_->clusterSize, count);
+            Bytes().Read(layout_->data + (cluster - firstCluster) * layout_->clusterSize, count);
         const auto next = Next(static_cast<uint32_t>(cluster));
         if (!piece || !next) return std::nullopt;
         content += *piece;
@@ -187,19 +187,19 @@ std::optional<std::string> FatVolume::ReadAllClusters(uint64_t first, uint64_t m
     return ReadClusters(first, length);
 }
 
-std::optional<std::string> FatVolume::FolderBytes(const Entry& folder) const {
+std::optional<std::string> FatVolume::FolderBytes(const Item& folder) const {
     if (folder.place != 0) return ReadAllClusters(folder.place, longestFolder);
-    return bytes_.Read(layout_->rootFolder, layout_->rootFolderSize);
+    return Bytes().Read(layout_->rootFolder, layout_->rootFolderSize);
 }
 
-FatVolume::Entry FatVolume::Root() const {
-    Entry root;
+FatVolume::Item FatVolume::Root() const {
+    Item root;
     root.isFolder = true;
     if (layout_ && layout_->entryBits == 32) root.place = layout_->rootCluster;
     return root;
 }
 
-std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Entry& folder) const {
+std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Item& folder) const {
     if (!layout_ || (folder.place == 0 && layout_->rootFolderSize == 0)) return std::nullopt;
     const auto bytes = FolderBytes(folder);
     if (!bytes) return std::nullopt;
@@ -230,8 +230,8 @@ std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Entry& folder
     return entries;
 }
 
-std::optional<std::string> FatVolume::Content(const Entry& file) const {
-    if (file.size > std::min(bytes_.Size(), longestFile)) return std::nullopt;
+std::optional<std::string> FatVolume::Content(const Item& file) const {
+    if (file.size > std::min(Bytes().Size(), longestFile)) return std::nullopt;
     return ReadClusters(file.place, file.size);
 }
 

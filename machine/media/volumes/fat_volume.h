@@ -14,9 +14,9 @@ class FatVolume final : public ReadOnlyVolume {
     explicit FatVolume(VolumeBytes bytes);
 
   protected:
-    Entry Root() const override;
-    std::optional<std::vector<Entry>> List(const Entry& folder) const override;
-    std::optional<std::string> Content(const Entry& file) const override;
+    Item Root() const override;
+    std::optional<std::vector<Entry>> List(const Item& folder) const override;
+    std::optional<std::string> Content(const Item& file) const override;
 
   private:
     // The layout in bytes from the start of the volume.
@@ -40,9 +40,8 @@ class FatVolume final : public ReadOnlyVolume {
     // which must end before `most` bytes.
     std::optional<std::string> ReadClusters(uint64_t first, uint64_t length) const;
     std::optional<std::string> ReadAllClusters(uint64_t first, uint64_t most) const;
-    std::optional<std::string> FolderBytes(const Entry& folder) const;
+    std::optional<std::string> FolderBytes(const Item& folder) const;
 
-    VolumeBytes bytes_;
     std::optional<Layout> layout_;
 };
 

@@ -51,13 +51,13 @@ bool IsSelfOrParent(std::string_view record) {
 
 }  // namespace
 
-IsoVolume::IsoVolume(VolumeBytes bytes) : bytes_(std::move(bytes)) {
+IsoVolume::IsoVolume(VolumeBytes bytes) : ReadOnlyVolume(std::move(bytes)) {
     ReadDescriptors();
 }
 
 void IsoVolume::ReadDescriptors() {
     for (uint64_t sector = firstDescriptor; sector < firstDescriptor + mostDescriptors; ++sector) {
-        const auto descriptor = bytes_.Read(sector * sectorSize, sectorSize);
+        const auto descriptor = Bytes().Read(sector * sectorSize, sectorSize);
         if (!descriptor || descriptor->compare(1, 5, "CD001") != 0) return;
         const uint8_t kind = Byte(*descriptor, 0);
         if (kind == descriptorEnd) return;
@@ -88,9 +88,9 @@ IsoVolume::Entry IsoVolume::EntryOf(std::string_view record) const {
     return entry;
 }
 
-std::optional<std::vector<IsoVolume::Entry>> IsoVolume::List(const Entry& folder) const {
+std::optional<std::vector<IsoVolume::Entry>> IsoVolume::List(const Item& folder) const {
     if (blockSize_ == 0 || folder.size > longestFolder) return std::nullopt;
-    const auto bytes = bytes_.Read(folder.place, folder.size);
+    const auto bytes = Bytes().Read(folder.place, folder.size);
     if (!bytes) return std::nullopt;
     std::vector<Entry> entries;
     for (size_t at = 0; at < bytes->size();) {
@@ -108,9 +108,9 @@ std::optional<std::vector<IsoVolume::Entry>> IsoVolume::List(const Entry& folder
     return entries;
 }
 
-std::optional<std::string> IsoVolume::Content(const Entry& file) const {
+std::optional<std::string> IsoVolume::Content(const Item& file) const {
     if (file.size > longestFile) return std::nullopt;
-    return bytes_.Read(file.place, file.size);
+    return Bytes().Read(file.place, file.size);
 }
 
 }  // namespace machine

@@ -14,18 +14,17 @@ class IsoVolume final : public ReadOnlyVolume {
     explicit IsoVolume(VolumeBytes bytes);
 
   protected:
-    Entry Root() const override { return root_; }
-    std::optional<std::vector<Entry>> List(const Entry& folder) const override;
-    std::optional<std::string> Content(const Entry& file) const override;
+    Item Root() const override { return root_; }
+    std::optional<std::vector<Entry>> List(const Item& folder) const override;
+    std::optional<std::string> Content(const Item& file) const override;
 
   private:
     void ReadDescriptors();
     Entry EntryOf(std::string_view record) const;
 
-    VolumeBytes bytes_;
     uint64_t blockSize_ = 0;  // 0: no valid descriptor
     bool isJoliet_ = false;
-    Entry root_;
+    Item root_;
 };
 
 }  // namespace machine

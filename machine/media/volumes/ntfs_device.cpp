@@ -35,7 +35,16 @@ int DeviceClose(ntfs_device* device) {
 }
 
 s64 DeviceReadAt(ntfs_device* device, void* buffer, s64 count, s64 offset) {
-    const ImageRange& range = RangeOf(device);
+    ImageRange& range = RangeOf(device);
+    if (range.readsLeft == 0 && !range.isUsedUp) {
+        range.isUsedUp = true;
+        range.image.Refuse("an NTFS volume is damaged: it refers to itself; nothing was written");
+    }
+    if (range.isUsedUp) {
+        errno = ELOOP;
+        return -1;
+    }
+    --range.readsLeft;
     if (count < 0 || offset < 0 || static_cast<uint64_t>(offset) > range.size) {
         errno = EINVAL;
         return -1;
@@ -59,7 +68,7 @@ s64 DeviceWriteAt(ntfs_device* device, const void* bytes, s64 count, s64 offset)
         errno = ENOSPC;
         return -1;
     }
-    if (range.image.Write(range.offset + start, bytes, length)) return count;
+    if (!range.isUsedUp && range.image.Write(range.offset + start, bytes, length)) return count;
     errno = EIO;
     return -1;
 }

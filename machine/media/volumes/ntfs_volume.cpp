@@ -99,11 +99,19 @@ bool IsClosedForChange(const ntfs_inode& inode) {
     return IsClosed(inode) || (inode.flags & FILE_ATTR_READONLY) != 0;
 }
 
-uint32_t ReadContent(ntfs_inode& inode, uint64_t volumeSize, std::string& content) {
+// What an operation may read beside the content of a file: a path leads through a few folders, each with a
+// tree of a few levels; the allocation of clusters reads the bitmap, which is as long as the volume demands.
+uint64_t ReadsFor(uint64_t volumeSize) {
+    return 4096 + (volumeSize >> 24);
+}
+
+uint32_t ReadContent(ntfs_inode& inode, ImageRange& range, std::string& content) {
     const AttributeOwner data(ntfs_attr_open(&inode, AT_DATA, AT_UNNAMED, 0));
     if (!data) return PlatformError(errno);
-    const uint64_t longest = std::min(volumeSize, longestFile);
+    const uint64_t longest = std::min(range.size, longestFile);
     if (data->data_size < 0 || static_cast<uint64_t>(data->data_size) > longest) return errorFileCorrupt;
+    // In the worst case each cluster lies elsewhere.
+    range.readsLeft += static_cast<uint64_t>(data->data_size) / inode.vol->cluster_size;
     std::string bytes(static_cast<size_t>(data->data_size), '\0');
     const s64 done = bytes.empty() ? 0 : ntfs_attr_pread(data.get(), 0, data->data_size, bytes.data());
     if (done != data->data_size) return done < 0 ? PlatformError(errno) : errorFileCorrupt;
@@ -133,6 +141,7 @@ uint32_t WriteContent(ntfs_inode& inode, std::string_view content) {
 class NtfsVolume::Mount {
   public:
     Mount(ImageFile& image, uint64_t offset, uint64_t size, bool isReadOnly) : range_{image, offset, size} {
+        Renew();
         ntfs_log_set_handler(ntfs_log_handler_null);
         ntfs_set_char_encoding("utf8");
         ntfs_device* const device = NewDevice(range_);
@@ -150,9 +159,13 @@ class NtfsVolume::Mount {
     Mount(const Mount&) = delete;
     Mount& operator=(const Mount&) = delete;
 
-    ntfs_volume* Volume() const { return volume_; }
+    // Null if it cannot be mounted, or refers to itself.
+    ntfs_volume* Volume() const { return range_.isUsedUp ? nullptr : volume_; }
     // The errno of mounting it, if that failed.
     int Error() const { return error_; }
+    // What the next operation may read.
+    void Renew() { range_.readsLeft = ReadsFor(range_.size); }
+    ImageRange& Range() { return range_; }
 
     // Null, with errno set, if there is none.
     InodeOwner Open(const std::string& path) const {
@@ -214,6 +227,7 @@ NtfsVolume::~NtfsVolume() = default;
 
 NtfsVolume::Mount& NtfsVolume::Mounted() {
     if (!mount_) mount_ = std::make_unique<Mount>(*image_, offset_, size_, IsProtected());
+    mount_->Renew();
     return *mount_;
 }
 
@@ -227,7 +241,8 @@ void NtfsVolume::Protect() {
 }
 
 NtfsVolume::Condition NtfsVolume::Check() {
-    const Mount& mount = Mounted();
+    Mount& mount = Mounted();
+    if (mount.Range().isUsedUp) return Condition::Damaged;
     // The errors of mounting for writing with a hibernation file (or metadata that Windows keeps across a
     // fast start), and with a journal that has not been replayed.
     if (mount.Error() == EPERM) return Condition::Hibernated;
@@ -245,18 +260,19 @@ FileKind NtfsVolume::Find(std::string_view path) {
 }
 
 uint32_t NtfsVolume::Read(std::string_view path, std::string& content) {
-    const Mount& mount = Mounted();
+    Mount& mount = Mounted();
     if (!mount.Volume()) return errorFileCorrupt;
     const InodeOwner inode = mount.Open(Normalized(path));
     if (!inode) return errno == ENOTDIR ? errorFileNotFound : PlatformError(errno);
     if (IsClosed(*inode)) return errorAccessDenied;
-    return ReadContent(*inode, size_, content);
+    return ReadContent(*inode, mount.Range(), content);
 }
 
 uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
     if (IsProtected()) return errorWriteProtect;
-    const Mount& mount = Mounted();
+    Mount& mount = Mounted();
     if (!mount.Volume()) return errorFileCorrupt;
+    mount.Range().readsLeft += content.size() / mount.Volume()->cluster_size;
     mount.MarkAsChanging();
     const std::string whole = Normalized(path);
     InodeOwner file = mount.Open(whole);
@@ -271,7 +287,7 @@ uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
 
     // Restores the old content if the new content cannot be written, for instance on a full volume.
     std::string before;
-    uint32_t error = isNew ? 0 : ReadContent(*file, size_, before);
+    uint32_t error = isNew ? 0 : ReadContent(*file, mount.Range(), before);
     if (error != 0) return error;
     error = WriteContent(*file, content);
     if (error != 0 && !isNew) WriteContent(*file, before);

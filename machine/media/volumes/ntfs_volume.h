@@ -24,7 +24,8 @@ class NtfsVolume : public FileStore {
     // Finds nothing on a volume that cannot be mounted. Error codes beyond those of FileStore: 5 for files
     // to which Windows denies access (read-only for Write and Remove, encrypted, a folder, the file
     // system's own), 112 if the volume is full, 123 for an invalid name, 1117 if the medium cannot be read
-    // or written, 1392 if the volume or the file is damaged.
+    // or written, 1392 if the volume or the file is damaged. A volume on which an operation reads more than a
+    // sound one can demand refers to itself: it is damaged from then on, and the image is no longer written.
     FileKind Find(std::string_view path) override;
     uint32_t Read(std::string_view path, std::string& content) override;
     uint32_t Write(std::string_view path, std::string_view content) override;

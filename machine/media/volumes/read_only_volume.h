@@ -2,10 +2,13 @@
 // and refuses changes.
 #pragma once
 
+#include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "machine/facts/file_store.h"
+#include "machine/media/device/volume_bytes.h"
 
 namespace machine {
 
@@ -19,24 +22,40 @@ class ReadOnlyVolume : public FileStore {
     uint32_t Remove(std::string_view path) final;
 
   protected:
-    struct Entry {
-        std::string name;   // UTF-8
-        std::string alias;  // a second name, or empty
+    explicit ReadOnlyVolume(VolumeBytes bytes);
+
+    // A file or a folder.
+    struct Item {
         bool isFolder = false;
         uint64_t place = 0;  // location of the content, defined by the file system
         uint64_t size = 0;   // bytes
     };
+    struct Entry : Item {
+        std::string name;   // UTF-8
+        std::string alias;  // a second name, or empty
+    };
 
-    bool IsReadable() const { return List(Root()).has_value(); }
+    const VolumeBytes& Bytes() const { return bytes_; }
 
-    virtual Entry Root() const = 0;
+    virtual Item Root() const = 0;
     // The entries of the folder without itself and its parent; nothing if it is damaged.
-    virtual std::optional<std::vector<Entry>> List(const Entry& folder) const = 0;
+    virtual std::optional<std::vector<Entry>> List(const Item& folder) const = 0;
     // Nothing if the file is damaged.
-    virtual std::optional<std::string> Content(const Entry& file) const = 0;
+    virtual std::optional<std::string> Content(const Item& file) const = 0;
 
   private:
-    uint32_t Look(std::string_view path, Entry& found) const;
+    // Names and aliases in upper case, sorted.
+    using NamedItem = std::pair<std::string, Item>;
+    using Folder = std::vector<NamedItem>;
+
+    // The folder, which is read once; null if it is damaged.
+    const Folder* Open(const Item& folder);
+    std::optional<Folder> ReadFolder(const Item& folder);
+    uint32_t Look(std::string_view path, Item& found);
+
+    VolumeBytes bytes_;
+    std::map<std::pair<uint64_t, uint64_t>, std::optional<Folder>> folders_;  // by place and size
+    uint64_t entriesLeft_;  // as many as fit into what is left of the volume
 };
 
 }  // namespace machine

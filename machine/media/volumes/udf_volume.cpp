@@ -67,19 +67,19 @@ struct UdfVolume::FileEntry {
 
 // --- the way to the root folder ---
 
-UdfVolume::UdfVolume(VolumeBytes bytes) : bytes_(std::move(bytes)) {
+UdfVolume::UdfVolume(VolumeBytes bytes) : ReadOnlyVolume(std::move(bytes)) {
     root_.isFolder = true;
     ReadDescriptors();
 }
 
 std::optional<std::string> UdfVolume::ReadSector(uint64_t sector, uint16_t tag) const {
-    auto bytes = bytes_.Read(sector * sectorSize, sectorSize);
+    auto bytes = Bytes().Read(sector * sectorSize, sectorSize);
     return bytes && IsTag(*bytes, tag) ? bytes : std::nullopt;
 }
 
 // The anchor can be in three places, and refers to two copies of the descriptor sequence.
 void UdfVolume::ReadDescriptors() {
-    const uint64_t sectors = bytes_.Size() / sectorSize;
+    const uint64_t sectors = Bytes().Size() / sectorSize;
     for (const uint64_t place : {uint64_t{256}, sectors - 1, sectors - 257}) {
         const auto anchor = ReadSector(place, tagAnchor);
         if (!anchor) continue;
@@ -109,14 +109,14 @@ bool UdfVolume::ReadRoot(std::string_view logicalVolume, std::string_view partit
     const auto fileSet = ReadBlocks(Le32(logicalVolume, 252), sectorSize);
     if (!fileSet || !IsTag(*fileSet, tagFileSet)) return false;
     root_.place = Le32(*fileSet, 404);
-    return IsReadable();
+    return List(root_).has_value();
 }
 
 // --- files and folders ---
 
 std::optional<std::string> UdfVolume::ReadBlocks(uint64_t block, uint64_t length) const {
     if (block + (length + sectorSize - 1) / sectorSize > sectors_) return std::nullopt;
-    return bytes_.Read((start_ + block) * sectorSize, length);
+    return Bytes().Read((start_ + block) * sectorSize, length);
 }
 
 std::optional<UdfVolume::FileEntry> UdfVolume::ReadFileEntry(uint64_t block) const {
@@ -137,7 +137,7 @@ std::optional<UdfVolume::FileEntry> UdfVolume::ReadFileEntry(uint64_t block) con
 }
 
 std::optional<std::string> UdfVolume::ReadContent(const FileEntry& entry) const {
-    if (entry.size > std::min(bytes_.Size(), longestFile)) return std::nullopt;
+    if (entry.size > std::min(Bytes().Size(), longestFile)) return std::nullopt;
     if (entry.form == formInside) {
         if (entry.size > entry.allocation.size()) return std::nullopt;
         return entry.allocation.substr(0, entry.size);
@@ -157,7 +157,7 @@ std::optional<std::string> UdfVolume::ReadContent(const FileEntry& entry) const 
     return content;
 }
 
-std::optional<std::vector<UdfVolume::Entry>> UdfVolume::List(const Entry& folder) const {
+std::optional<std::vector<UdfVolume::Entry>> UdfVolume::List(const Item& folder) const {
     const auto fileEntry = ReadFileEntry(folder.place);
     if (!fileEntry || fileEntry->type != typeFolder || fileEntry->size > longestFolder) return std::nullopt;
     const auto bytes = ReadContent(*fileEntry);
@@ -182,7 +182,7 @@ std::optional<std::vector<UdfVolume::Entry>> UdfVolume::List(const Entry& folder
     return entries;
 }
 
-std::optional<std::string> UdfVolume::Content(const Entry& file) const {
+std::optional<std::string> UdfVolume::Content(const Item& file) const {
     const auto fileEntry = ReadFileEntry(file.place);
     if (!fileEntry || fileEntry->type != typeFile) return std::nullopt;
     return ReadContent(*fileEntry);

@@ -14,9 +14,9 @@ class UdfVolume final : public ReadOnlyVolume {
     explicit UdfVolume(VolumeBytes bytes);
 
   protected:
-    Entry Root() const override { return root_; }
-    std::optional<std::vector<Entry>> List(const Entry& folder) const override;
-    std::optional<std::string> Content(const Entry& file) const override;
+    Item Root() const override { return root_; }
+    std::optional<std::vector<Entry>> List(const Item& folder) const override;
+    std::optional<std::string> Content(const Item& file) const override;
 
   private:
     // The contents of a file entry.
@@ -30,11 +30,10 @@ class UdfVolume final : public ReadOnlyVolume {
     std::optional<FileEntry> ReadFileEntry(uint64_t block) const;
     std::optional<std::string> ReadContent(const FileEntry& entry) const;
 
-    VolumeBytes bytes_;
     // The extent of the partition, in sectors.
     uint64_t start_ = 0;
     uint64_t sectors_ = 0;
-    Entry root_;
+    Item root_;
 };
 
 }  // namespace machine

@@ -197,11 +197,6 @@ TEST(ReadDescription, SyntaxError_FailsWithLineAndColumn) {
         << ErrorOf("{\"name\": \"\xFF\"}");
 }
 
-TEST(ReadDescription, DeepNesting_IsRefused) {
-    EXPECT_EQ(ErrorOf(std::string(100000, '[') + std::string(100000, ']')),
-              "pc.json: top level: must be an object, not a list");
-}
-
 TEST(ReadDescription, EmptyObject_IsADefaultPc) {
     EXPECT_TRUE(Read("{}") == Pc());
 }

@@ -49,7 +49,7 @@ TEST_F(HivexReaderTest, InstalledWindows_Read_ReturnsItsLetters) {
 
     ASSERT_EQ(HivexReader().Read(Hive(), keys), 0u);
 
-    EXPECT_THAT(keys, ElementsAre(Key(""), Key("MountedDevices"), Key("Select")));
+    EXPECT_THAT(keys, ElementsAre(Key(""), Key("MountedDevices")));
     auto& devices = keys["MountedDevices"];
     EXPECT_THAT(devices,
                 ElementsAre(Key("\\DosDevices\\C:"), Key("\\DosDevices\\D:"), Key("\\DosDevices\\E:"),
@@ -62,22 +62,32 @@ TEST_F(HivexReaderTest, InstalledWindows_Read_ReturnsItsLetters) {
               std::string("DMIO:ID:\x52\x3A\x1F\x6F\0\0\0\x40\x80\0\0\0\0\0\0\x05", 24));
 }
 
-TEST_F(HivexReaderTest, AnyHive_Read_MatchesHivexregedit) {
+TEST_F(HivexReaderTest, ValuesOfEachKind_Read_MatchesHivexregedit) {
     RegistryKeys keys;
     const std::string hive = With(
-        "[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup]\n\n[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup\\Inner]\n@=\"the default\"\n"
+        "[HKEY_LOCAL_MACHINE\\SYSTEM\\MountedDevices]\n@=\"the default\"\n"
         "\"Text\"=hex(1):47,00,72,00,f6,00,df,00,65,00,00,00\n\"Number\"=dword:00000102\n\"None\"=hex(0):\n");
 
     ASSERT_EQ(HivexReader().Read(hive, keys), 0u);
 
-    EXPECT_TRUE(keys.contains("Setup"));
-    auto& inner = keys["Setup\\Inner"];
-    EXPECT_EQ(inner[""], (RegistryValue{REG_SZ, "the default"}));
-    EXPECT_EQ(inner["Text"], (RegistryValue{REG_SZ, "Größe"}));
-    EXPECT_EQ(inner["Number"], (RegistryValue{REG_DWORD, std::string("\x02\x01\0\0", 4)}));
-    EXPECT_EQ(inner["None"], (RegistryValue{REG_NONE, ""}));
-    EXPECT_THAT(OutputOf("hivexregedit --export '" + (Folder() / "hive").string() + "' '\\Setup\\Inner'"),
+    auto& devices = keys["MountedDevices"];
+    EXPECT_EQ(devices[""], (RegistryValue{REG_SZ, "the default"}));
+    EXPECT_EQ(devices["Text"], (RegistryValue{REG_SZ, "Größe"}));
+    EXPECT_EQ(devices["Number"], (RegistryValue{REG_DWORD, std::string("\x02\x01\0\0", 4)}));
+    EXPECT_EQ(devices["None"], (RegistryValue{REG_NONE, ""}));
+    EXPECT_THAT(OutputOf("hivexregedit --export '" + (Folder() / "hive").string() + "' '\\MountedDevices'"),
                 HasSubstr("\"Number\"=dword:00000102"));
+}
+
+TEST_F(HivexReaderTest, ValueOfUnknownType_Read_ReturnsItsNumber) {
+    RegistryKeys keys;
+    std::string hive =
+        With("[HKEY_LOCAL_MACHINE\\SYSTEM\\MountedDevices]\n\"odd\"=hex(3):00,01,02,03,04,05\n");
+    hive.replace(hive.find("odd") - 8, 4, "ABCD");
+
+    ASSERT_EQ(HivexReader().Read(hive, keys), 0u);
+
+    EXPECT_EQ(keys["MountedDevices"]["odd"], (RegistryValue{0x44434241, std::string("\0\1\2\3\4\5", 6)}));
 }
 
 TEST_F(HivexReaderTest, FileWithoutHive_Read_LeavesTheKeysUnchanged) {
@@ -91,26 +101,46 @@ TEST_F(HivexReaderTest, FileWithoutHive_Read_LeavesTheKeysUnchanged) {
     }
 }
 
-TEST_F(HivexReaderTest, KeysWithACycle_Read_IsRefused) {
+// Only one key is read: what the others hold costs nothing, even if they form a cycle.
+TEST_F(HivexReaderTest, OtherKeyIsTheRoot_Read_ReturnsTheLetters) {
     std::string hive = Hive();
     const size_t list = 0x1000 + NumberAt(hive, rootKey + 4 + 0x1C) + 4;
     ASSERT_EQ(hive.substr(list, 2), "lh");
-    hive.replace(list + 4, 4, std::string("\x20\0\0\0", 4));  // the root as its own first subkey
+    hive.replace(list + 12, 4, std::string("\x20\0\0\0", 4));  // the root as its own second subkey
     RegistryKeys keys;
 
-    EXPECT_EQ(HivexReader().Read(hive, keys), 1009u);
+    EXPECT_EQ(HivexReader().Read(hive, keys), 0u);
+
+    EXPECT_EQ(keys["MountedDevices"].size(), 5u);
 }
 
-TEST_F(HivexReaderTest, KeysNestedTooDeep_Read_IsRefused) {
-    std::string keysOfHive;
-    std::string path = "HKEY_LOCAL_MACHINE\\SYSTEM";
-    for (int i = 0; i < 513; ++i) {
-        path += "\\k";
-        keysOfHive += "[" + path + "]\n\n";
-    }
+TEST_F(HivexReaderTest, NoMountedDevices_Read_ReturnsTheRootAlone) {
+    std::string hive = Hive();
+    const size_t name = hive.find("MountedDevices");
+    hive[name] = 'X';
     RegistryKeys keys;
 
-    EXPECT_EQ(HivexReader().Read(With(keysOfHive), keys), 1009u);
+    EXPECT_EQ(HivexReader().Read(hive, keys), 0u);
+
+    EXPECT_THAT(keys, ElementsAre(Key("")));
+}
+
+// Each of the values claims the bytes of the long one.
+TEST_F(HivexReaderTest, ValuesThatShareBytes_Read_IsRefused) {
+    std::string text = "[HKEY_LOCAL_MACHINE\\SYSTEM\\MountedDevices]\n\"long\"=hex(3):00";
+    for (int i = 1; i < 12'000; ++i)
+        text += ",00";
+    for (int i = 10; i < 60; ++i)
+        text += "\n\"share" + std::to_string(i) + "\"=hex(3):00,01,02,03,04,05,06,07";
+    std::string hive = With(text + "\n");
+    RegistryKeys keys;
+    ASSERT_EQ(HivexReader().Read(hive, keys), 0u);
+    // Before the name of a value are: its name's length, the length and place of its data, and eight bytes.
+    const auto dataOf = [&](const std::string& name) { return hive.find(name) - 16; };
+    for (int i = 10; i < 60; ++i)
+        hive.replace(dataOf("share" + std::to_string(i)), 8, hive, dataOf("long"), 8);
+
+    EXPECT_EQ(HivexReader().Read(hive, keys), 1009u);
 }
 
 }  // namespace

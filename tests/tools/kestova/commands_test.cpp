@@ -469,6 +469,16 @@ TEST_F(Script, Utf16Script_Run_IsRefused) {
                 StartsWith("kestova: wide.txt:2: not text; a script is written in UTF-8\n"));
 }
 
+TEST_F(Script, EndlessScript_Run_IsRefused) {
+    const Outcome outcome = Kestova("run /dev/zero");
+
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, StartsWith("kestova: /dev/zero: larger than 1 MiB, so no script\n"));
+    EXPECT_EQ(Shell("head -c 3000000 /dev/zero | tr '\\0' '\\n' | '" KESTOVA_PROGRAM "' run -")
+                  .errors.rfind("kestova: standard input: larger than 1 MiB, so no script\n", 0),
+              0u);
+}
+
 TEST_F(Script, MissingScriptOrFolder_Run_IsRefused) {
     EXPECT_THAT(Kestova("run none.txt").errors, StartsWith("kestova: none.txt: there is no such file\n"));
     EXPECT_THAT(Kestova("run /").errors, StartsWith("kestova: /: cannot be read\n"));

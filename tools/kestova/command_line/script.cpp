@@ -11,6 +11,17 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+// A script is short; anything longer is another file, or one that never ends.
+std::string ReadText(std::istream& script, const std::string& name) {
+    constexpr size_t most = size_t{1} << 20;
+    std::string text(most + 1, '\0');
+    script.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (script.bad()) throw WrongUse(name + ": cannot be read");
+    text.resize(static_cast<size_t>(script.gcount()));
+    if (text.size() > most) throw WrongUse(name + ": larger than 1 MiB, so no script");
+    return text;
+}
+
 std::vector<std::string> Words(const std::string& line) {
     std::istringstream stream(line.substr(0, line.find('#')));
     std::vector<std::string> words;
@@ -32,9 +43,10 @@ PlannedCall Plan(const std::vector<std::string>& words) {
 }  // namespace
 
 std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& name) {
+    std::istringstream lines(ReadText(script, name));
     std::vector<PlannedCall> calls;
     int number = 0;
-    for (std::string line; std::getline(script, line);) {
+    for (std::string line; std::getline(lines, line);) {
         ++number;
         if (line.find('\0') != std::string::npos)
             throw WrongUse(name + ":" + std::to_string(number) + ": not text; a script is written in UTF-8");
@@ -47,7 +59,6 @@ std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& nam
             throw WrongUse(name + ":" + std::to_string(number) + ": " + wrong.what());
         }
     }
-    if (script.bad()) throw WrongUse(name + ": cannot be read");
     return calls;
 }
 

@@ -13,7 +13,7 @@ struct PlannedCall {
     Values arguments;
 };
 
-// Parses the whole script; nothing runs before. Throws WrongUse with `name` and the line.
+// Parses the whole script, of at most 1 MiB; nothing runs before. Throws WrongUse with `name` and the line.
 std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& name);
 
 // The script of that file; "-" is standard input. Throws WrongUse.

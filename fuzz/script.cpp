@@ -1,0 +1,16 @@
+// Scripts of the tool; none is run.
+#include <cstdint>
+#include <sstream>
+
+#include "tools/kestova/command_line/script.h"
+#include "tools/kestova/common/errors.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    std::istringstream script(std::string(reinterpret_cast<const char*>(data), size));
+    try {
+        ReadScript(script, "script");
+    } catch (const WrongUse&) {
+        // A refusal is an answer.
+    }
+    return 0;
+}

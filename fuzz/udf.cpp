@@ -1,0 +1,33 @@
+// A UDF disc.
+#include "fuzz/ask_files.h"
+#include "fuzz/patched_image.h"
+#include "machine/media/volumes/udf_volume.h"
+
+using namespace machine;
+
+namespace {
+
+// The tag of a descriptor has a sum of its bytes, the fifth, which is that sum, left out.
+void RepairTags(PatchedImage& image) {
+    constexpr uint64_t sectorSize = 2048;
+    for (const uint64_t at : image.Changed()) {
+        const uint64_t tag = at / sectorSize * sectorSize;
+        uint8_t sum = 0;
+        for (size_t i = 0; i < 16; ++i)
+            sum = static_cast<uint8_t>(sum + (i == 4 ? 0 : Byte(image.Bytes(), tag + i)));
+        image.Put(tag + 4, std::string(1, static_cast<char>(sum)));
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static PatchedImage base("disc-udf.iso", RepairTags);
+    FuzzedDataProvider input(data, size);
+    base.Ask(input, [](const std::string& path) {
+        const auto image = std::make_shared<ImageFile>(path, ImageAccess::Read);
+        UdfVolume volume(VolumeBytes(image, 0, image->Size()));
+        AskFiles(volume);
+    });
+    return 0;
+}

@@ -1,0 +1,65 @@
+# The fuzz targets, built and run. Sourced by ./dev.
+# shellcheck shell=bash
+
+# What fuzzing finds is kept outside the tree: the inputs of each target, from run to run, and crashes.
+fuzz_folder=${XDG_CACHE_HOME:-$HOME/.cache}/kestova-fuzz
+fuzz_figures=tests/figures/fuzz.tsv
+
+fuzz_targets() { sed -n 's/^\([a-z][a-z-]*\) .*/\1/p' fuzz/targets.txt; }
+
+# fuzz_length TARGET: its longest input, of the table.
+fuzz_length() { awk -v target="$1" '$1 == target { print $2 }' fuzz/targets.txt; }
+
+# fuzz_one TARGET SECONDS: one run, at most half a minute longer than that. Its words are in $temporary/fuzz-TARGET.
+fuzz_one() {
+    local target=$1 corpus=$fuzz_folder/corpus/$1 status=0
+    mkdir -p "$corpus" "$fuzz_folder/crashes"
+    fuzz/make-seeds "$target" "$temporary/seeds/$target"
+    timeout $(($2 + 30)) "build/fuzz/fuzz/$target" -max_total_time="$2" -max_len="$(fuzz_length "$target")" -timeout=20 \
+        -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$fuzz_folder/crashes/$target-" \
+        "$corpus" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
+    printf '%s %s\n' "$target" "$status" >>"$temporary/fuzz-done"
+}
+
+# fuzz_executions TARGET: how many inputs its run has tried.
+fuzz_executions() { sed -n 's/^stat::number_of_executed_units: *//p' "$temporary/fuzz-$1"; }
+
+# fuzz_report TARGET STATUS SECONDS: a line about a run, all of it after a crash, and the figures of a long one.
+fuzz_report() {
+    local target=$1 crashes=0 executions inputs
+    [ "$2" -eq 0 ] || crashes=1
+    executions=$(fuzz_executions "$target")
+    inputs=$(find "$fuzz_folder/corpus/$target" -type f | wc -l)
+    printf '  %-18s %9s executions, %5s inputs kept, crashes: %s\n' "$target" "${executions:-?}" "$inputs" "$crashes"
+    if [ "$3" -ge 60 ]; then
+        printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$(date -u +%F)" "$(git rev-parse --short HEAD)" "$target" "$3" \
+            "${executions:-0}" "$inputs" "$crashes" >>"$fuzz_figures"
+    fi
+    [ "$crashes" -eq 1 ] || return 0
+    tail -n 60 "$temporary/fuzz-$target" >&2
+    local saved
+    saved=$(sed -n 's/.*Test unit written to //p' "$temporary/fuzz-$target")
+    say "$target: crashed; run it again with: build/fuzz/fuzz/$target ${saved:-$fuzz_folder/corpus/$target/*}" >&2
+}
+
+# fuzz [TARGET|all] [SECONDS]: two at a time; every target, five seconds each, unless more is said.
+fuzz() {
+    local seconds=${2:-5} start=$SECONDS targets target status failed=0
+    mapfile -t targets < <(fuzz_targets)
+    if [ "${1:-all}" != all ]; then
+        [[ " ${targets[*]} " == *" $1 "* ]] || fail "fuzz what? one of: all ${targets[*]}"
+        targets=("$1")
+    fi
+    [[ $seconds =~ ^[1-9][0-9]{0,5}$ ]] || fail "fuzz for how many seconds? not '$seconds'"
+    build fuzz kestova_fuzz
+    export -f fuzz_one fuzz_length
+    export temporary fuzz_folder
+    # shellcheck disable=SC2016 # expanded by the shells that xargs starts
+    printf '%s\n' "${targets[@]}" | xargs -P 2 -I '{}' bash -c 'fuzz_one "$1" "$2"' - '{}' "$seconds"
+    while read -r target status; do
+        fuzz_report "$target" "$status" "$seconds"
+        [ "$status" -eq 0 ] || failed=$((failed + 1))
+    done <"$temporary/fuzz-done"
+    [ "$failed" -eq 0 ] || fail "fuzz: $failed of ${#targets[@]} targets crashed"
+    say "fuzz: ${#targets[@]} targets, $seconds seconds each, no crash; $(after "$start")"
+}
