@@ -1,6 +1,6 @@
 // Every platform call about a partition or its letter fails in every way while an operation gives or takes a
-// letter on demand: the letter returned is that of the partition, no other letter and no partition changes, and
-// only the kept leftovers stay on loan.
+// letter on demand: the letter returned is that of the partition, no other letter and no partition changes,
+// and only the kept leftovers stay on loan.
 
 #include <gtest/gtest.h>
 
