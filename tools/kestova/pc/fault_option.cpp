@@ -53,6 +53,6 @@ machine::FaultRule ReadFault(const std::string& text) {
         rule.call.resize(sharp);
     }
     if (rule.call != machine::anyCall && machine::FindCall(rule.call) == nullptr)
-         throw wrong(UnknownWord("call", rule.call, CallNames()));
+        throw wrong(UnknownWord("call", rule.call, CallNames()));
     return rule;
 }
