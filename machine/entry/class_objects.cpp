@@ -61,6 +61,7 @@ extern "C" HRESULT WINAPI CoInitializeEx(LPVOID, DWORD model) {
 
 // An unmatched call is a violation in the ledger.
 extern "C" void WINAPI CoUninitialize() {
+    const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     pc.ledger.GiveBack(initialization);
     ComRuntime& runtime = pc.State<ComRuntime>();

@@ -16,9 +16,13 @@ EmulatedPc* current = nullptr;
 
 }  // namespace
 
+thread_local uint32_t LastError::ofThread_ = 0;
+std::recursive_mutex Turn::mutex_;
+
 EmulatedPc::EmulatedPc(Pc given) : facts(std::move(given)), faults(facts.faults) {
     if (current != nullptr) End("an emulated PC is alive already");
     current = this;
+    lastError = 0;
     CLoggingFactory::GetInstance().AddSink(*this);
 }
 

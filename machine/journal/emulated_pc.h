@@ -2,6 +2,7 @@
 #pragma once
 
 #include <any>
+#include <mutex>
 #include <string>
 #include <typeindex>
 #include <unordered_map>
@@ -13,8 +14,32 @@
 
 namespace machine {
 
+// The last error of the calling thread.
+class LastError {
+  public:
+    LastError& operator=(uint32_t code) {
+        ofThread_ = code;
+        return *this;
+    }
+    operator uint32_t() const { return ofThread_; }
+
+  private:
+    static thread_local uint32_t ofThread_;
+};
+
+// The turn of one thread: as long as it lasts, no other thread uses the PC. A thread can take several.
+class Turn {
+  public:
+    Turn() : alone_(mutex_) {}
+
+  private:
+    static std::recursive_mutex mutex_;
+    std::scoped_lock<std::recursive_mutex> alone_;
+};
+
 // While it exists, it answers every platform call of the process and stores the library's log records. Only
-// one may exist at a time. Its parts are public: tests inspect them and change them between operations.
+// one may exist at a time. Several threads can call it: every call takes its turn. Its parts are public:
+// tests inspect them and change them between operations.
 class EmulatedPc final : private ILogSink {
   public:
     explicit EmulatedPc(Pc given);
@@ -30,7 +55,7 @@ class EmulatedPc final : private ILogSink {
     Journal journal;
     Ledger ledger;
     uint64_t clockMilliseconds = 0;  // advanced by Sleep and timeouts
-    uint32_t lastError = 0;
+    LastError lastError;
 
     // The state of one area of the platform (open handles, COM objects): one object of each type, created
     // on first use.
@@ -42,7 +67,10 @@ class EmulatedPc final : private ILogSink {
     }
 
   private:
-    void Write(const LogEntry& entry) override { journal.Add(entry); }
+    void Write(const LogEntry& entry) override {
+        const Turn turn;
+        journal.Add(entry);
+    }
 
     // Unordered, because type_info::before is inconsistent on mingw-w64 for types in unnamed namespaces.
     std::unordered_map<std::type_index, std::any> states_;

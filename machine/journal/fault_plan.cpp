@@ -1,5 +1,7 @@
 #include "machine/journal/fault_plan.h"
 
+#include "machine/facts/call_table.h"
+
 namespace machine {
 
 void FaultPlan::Arm(FaultRule rule) {
@@ -14,15 +16,26 @@ void FaultPlan::Disarm() {
 }
 
 const FaultRule* FaultPlan::Next(const std::string& call) {
-    const uint32_t count = ++counts_[call];
+    ++counts_[call];
+    ++counts_[anyCall];
     for (const FaultRule& rule : rules_) {
-        if (rule.call != call) continue;
-        if (rule.nth != 0 && (rule.onwards ? count < rule.nth : count != rule.nth)) continue;
+        if (!Applies(rule, call)) continue;
         ++fired_;
         FaultInjected(rule);
         return &rule;
     }
     return nullptr;
+}
+
+bool FaultPlan::Applies(const FaultRule& rule, const std::string& call) {
+    if (rule.call == anyCall) {
+        const CallInfo* const info = FindCall(call);
+        if (info != nullptr && info->failsWith == FailsWith::Value) return false;
+    } else if (rule.call != call) {
+        return false;
+    }
+    const uint32_t count = counts_[rule.call];
+    return rule.nth == 0 || count == rule.nth || (rule.onwards && count > rule.nth);
 }
 
 void FaultInjected(const FaultRule&) {}

@@ -23,8 +23,11 @@ class FaultPlan {
     int Fired() const { return fired_; }
 
   private:
+    // Whether the rule is for the call that has just been counted.
+    bool Applies(const FaultRule& rule, const std::string& call);
+
     std::vector<FaultRule> rules_;
-    std::map<std::string, uint32_t> counts_;
+    std::map<std::string, uint32_t> counts_;  // of anyCall: the calls of all names
     int fired_ = 0;
 };
 

@@ -1,6 +1,6 @@
-// Every platform call of the operations that give and take letters on demand fails in every way: the letter
-// returned is that of the partition, no other letter and no partition changes, and only the kept leftovers
-// stay on loan.
+// Every platform call about a partition or its letter fails in every way while an operation gives or takes a
+// letter on demand: the letter returned is that of the partition, no other letter and no partition changes,
+// and only the kept leftovers stay on loan.
 
 #include <gtest/gtest.h>
 
@@ -112,6 +112,7 @@ TEST_P(LetterFaults, EveryCallFails_ReturnsTheLetterThatIsThereAndChangesNothing
     const machine::Pc before = Before(change);
     std::set<int> answers;
     WalkFaults(UndisturbedRun(change), [&](const FaultRule& rule) {
+        if (!rule.call.starts_with("IVdsAdvancedDisk::")) return;  // the sweep fails the others as well
         Application application(before);
         application.pc.faults.Arm(rule);
         const int answer = change.make(application.kestova);

@@ -69,17 +69,25 @@ uint32_t ResultCode(const EmulatedPc& pc, FailsWith failsWith, R result) {
     return result == Failed<R>(failsWith) ? pc.lastError : 0;
 }
 
+// Whether a call does its work before that rule replaces its result: if the call changes the PC, and if the
+// result is another success, such as S_FALSE, which comes with outputs.
+inline bool HasEffect(const CallInfo& info, const FaultRule& rule) {
+    const bool otherSuccess =
+        info.failsWith == FailsWith::Hresult && rule.code != 0 && rule.code <= INT32_MAX;
+    return rule.afterEffect && (info.changesPc || otherSuccess);
+}
+
 // Performs one call. `body` takes the PC and returns the result; a body that fails calls Failure itself.
 // The caller clears the outputs first, because an injected failure does not run the body.
 template <typename R, typename Body>
 R Answer(std::string_view name, std::vector<std::string> arguments, Body body) {
+    const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     const CallInfo& info = *FindCall(name);
     const FaultRule* const fault = pc.faults.Next(std::string(name));
     const uint32_t code = fault != nullptr ? fault->code : 0;
     R result{};
-    const bool isPositiveResult = info.failsWith == FailsWith::Hresult && static_cast<int32_t>(code) > 0;
-    if (fault == nullptr || (fault->afterEffect && (info.changesPc || isPositiveResult))) result = body(pc);
+    if (fault == nullptr || HasEffect(info, *fault)) result = body(pc);
     if (fault != nullptr) result = Failure<R>(pc, info.failsWith, code);
     pc.journal.Add(CallRecord{std::string(name), std::move(arguments), ResultText(info.failsWith, result),
                               fault != nullptr, ResultCode(pc, info.failsWith, result)});

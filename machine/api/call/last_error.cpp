@@ -1,5 +1,4 @@
-// The last error. One value for the emulated PC suffices, because one thread makes all its calls. These
-// calls are not written to the journal.
+// The last error of the calling thread. These calls are not written to the journal.
 
 #include "machine/journal/emulated_pc.h"
 

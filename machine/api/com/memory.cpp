@@ -41,11 +41,13 @@ BSTR LendSystemString(EmulatedPc& pc, WideView text) {
 
 // Task memory; the ledger lists it as "CoTaskMem". Never fails.
 extern "C" LPVOID WINAPI CoTaskMemAlloc(SIZE_T size) {
+    const Turn turn;
     return EmulatedPc::Current().ledger.Lend("CoTaskMem", "CoTaskMem", size);
 }
 
 // Frees task memory of any kind; null is allowed.
 extern "C" void WINAPI CoTaskMemFree(LPVOID memory) {
+    const Turn turn;
     EmulatedPc::Current().ledger.Return("CoTaskMem", memory);
 }
 
@@ -59,6 +61,7 @@ extern "C" BSTR WINAPI SysAllocString(const OLECHAR* text) {
 
 // Null is allowed.
 extern "C" void WINAPI SysFreeString(BSTR string) {
+    const Turn turn;
     if (string != nullptr) EmulatedPc::Current().ledger.Return("BSTR", BlockOf(string));
 }
 

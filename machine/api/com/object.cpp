@@ -20,11 +20,13 @@ HRESULT ComReferences::Query(REFIID iid, void** out) const {
 }
 
 ULONG ComReferences::Add() {
+    const Turn turn;
     EmulatedPc::Current().ledger.Take(name_);
     return ++count_;
 }
 
 ULONG ComReferences::GiveBack() {
+    const Turn turn;
     Ledger& ledger = EmulatedPc::Current().ledger;
     if (count_ == 0) {
         ledger.Violation(std::string(name_) + " released too often");
@@ -35,6 +37,7 @@ ULONG ComReferences::GiveBack() {
 }
 
 void ComReferences::ExpectHeld(std::string_view call) const {
+    const Turn turn;
     if (count_ > 0) return;
     EmulatedPc::Current().ledger.Violation(std::string(call) + " called through a released " + name_);
 }

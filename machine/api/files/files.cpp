@@ -88,6 +88,7 @@ extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode
         return opened;
     });
     // A failure after the effect leaves the file created, without an open handle.
+    const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     if (answer != opened) FileHandles::Of(pc).Close(pc, opened);
     return answer;

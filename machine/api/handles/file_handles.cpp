@@ -6,6 +6,7 @@
 namespace machine {
 
 std::string NameOf(EmulatedPc& pc, const void* handle) {
+    const Turn turn;
     const FileHandle* const file = FileHandles::Of(pc).Find(handle);
     if (file != nullptr) return file->name;
     const Process* const process = Processes::Of(pc).Find(handle);

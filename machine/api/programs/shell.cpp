@@ -51,6 +51,7 @@ extern "C" BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info) {
                                           Hex(info->fMask)};
     const BOOL result = Answer<BOOL>("ShellExecuteExW", std::move(arguments),
                                      [&](EmulatedPc& pc) { return Outcome(pc, Start(pc, verb, file)); });
+    const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     info->hInstApp = reinterpret_cast<HINSTANCE>(result ? started : static_cast<intptr_t>(pc.lastError));
     if (result && (info->fMask & SEE_MASK_NOCLOSEPROCESS) != 0 && pc.facts.shell.returnsProcess) {

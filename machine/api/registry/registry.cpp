@@ -39,6 +39,7 @@ std::optional<std::string> PathOf(EmulatedPc& pc, HKEY key) {
 }
 
 std::string KeyName(HKEY key) {
+    const Turn turn;
     return PathOf(EmulatedPc::Current(), key).value_or("<not open>");
 }
 

@@ -29,6 +29,7 @@ extern "C" HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T bytes) {
 
 // Null on success and for null; the block and error 6 if it was not allocated here.
 extern "C" HGLOBAL WINAPI GlobalFree(HGLOBAL block) {
+    const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     if (pc.ledger.Return("GlobalAlloc", block)) return nullptr;
     pc.lastError = ERROR_INVALID_HANDLE;

@@ -8,6 +8,7 @@
 using namespace machine;
 
 extern "C" void WINAPI Sleep(DWORD milliseconds) {
+    const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     pc.journal.Add(CallRecord{"Sleep", {std::to_string(milliseconds)}, ""});
     AdvanceClock(pc, milliseconds);

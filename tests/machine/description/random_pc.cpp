@@ -206,7 +206,7 @@ Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
 FaultRule Generator::MakeFault() {
     FaultRule rule;
     auto& [call, nth, onwards, afterEffect, code] = rule;
-    call = AllCalls()[Below(AllCalls().size())].name;
+    call = Sometimes() ? anyCall : AllCalls()[Below(AllCalls().size())].name;
     nth = Number<uint32_t>();
     onwards = Sometimes();
     afterEffect = Sometimes();

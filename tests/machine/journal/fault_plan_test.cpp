@@ -44,6 +44,19 @@ TEST(FaultPlan, EveryCallArmed_FailsEveryCall) {
     EXPECT_THAT(FirstFive(plan, "CreateFileW"), ElementsAre(true, true, true, true, true));
 }
 
+TEST(FaultPlan, EveryNameArmedOnwards_FailsAllCallsFromThatOneOn) {
+    FaultPlan plan(Rules{{.call = machine::anyCall, .nth = 2, .onwards = true, .code = 5}});
+    EXPECT_EQ(plan.Next("CreateFileW"), nullptr);
+    EXPECT_NE(plan.Next("ReadFile"), nullptr);
+    EXPECT_NE(plan.Next("CreateFileW"), nullptr);
+}
+
+TEST(FaultPlan, EveryNameArmed_SparesCallsThatCannotFail) {
+    FaultPlan plan(Rules{{.call = machine::anyCall, .code = 5}});
+    EXPECT_EQ(plan.Next("GetDriveTypeW"), nullptr);
+    EXPECT_NE(plan.Next("CreateFileW"), nullptr);
+}
+
 TEST(FaultPlan, SeveralNames_AreCountedSeparately) {
     FaultPlan plan(Rules{{.call = "CreateFileW", .nth = 1, .code = 5}});
     EXPECT_EQ(plan.Next("CloseHandle"), nullptr);

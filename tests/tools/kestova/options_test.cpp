@@ -194,6 +194,13 @@ TEST_F(Fail, FaultFromFirstCallOn_BootRecovery_MeetsTheRestoringCallToo) {
     EXPECT_EQ(count, 2u);
 }
 
+TEST_F(Fail, EveryNameFromOneCallOn_BootRecovery_FailsAllLaterCalls) {
+    const Outcome outcome = Kestova("--pc factory-mbr --trace --fail '*#9+=0x80070005' boot recovery");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, HasSubstr("0x80070005  (injected)"));
+    EXPECT_EQ(Kestova("--pc factory-mbr --fail '*#100000+=0x80070005' boot recovery").status, 0);
+}
+
 TEST_F(Fail, InitializeFailing_Call_ReportsItAndContinues) {
     const Outcome outcome = Kestova(
         "--pc factory-mbr --fail 'IVdsServiceLoader::LoadService=0x80080005' call GetDriveLetter 0 2");

@@ -52,6 +52,7 @@ machine::FaultRule ReadFault(const std::string& text) {
         rule.nth = *nth;
         rule.call.resize(sharp);
     }
-    if (machine::FindCall(rule.call) == nullptr) throw wrong(UnknownWord("call", rule.call, CallNames()));
+    if (rule.call != machine::anyCall && machine::FindCall(rule.call) == nullptr)
+        throw wrong(UnknownWord("call", rule.call, CallNames()));
     return rule;
 }

@@ -1,0 +1,23 @@
+// What is swept: every operation of the tool's table, with arguments, after what has to come before it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/kestova/operations/operations.h"
+
+namespace sweep {
+
+struct Task {
+    std::string name;  // the operation with its arguments
+    const Operation* operation;
+    Values arguments;
+    const Operation* before = nullptr;  // called first, undisturbed; null: nothing
+};
+
+const std::vector<Task>& Tasks();
+
+// The four operations that choose what the PC boots.
+bool IsSwitch(const Operation& operation);
+
+}  // namespace sweep
