@@ -230,7 +230,8 @@ def choose(arguments, build):
     sources = product_sources(build, files)
     mutants = [mutant for path, text in sorted(sources.items()) for mutant in mutations.mutants_of(path, text)]
     if arguments.again:
-        last = {tuple(key) for key in json.loads((build.folder / "survivors.json").read_text())}
+        survivors = build.folder / "survivors.json"
+        last = {tuple(key) for key in json.loads(survivors.read_text())} if survivors.exists() else set()
         return sources, [mutant for mutant in mutants if mutant.key() in last]
     random.Random(arguments.seed).shuffle(mutants)
     return sources, mutants if arguments.of or arguments.changed else mutants[:arguments.number]
