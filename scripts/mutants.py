@@ -5,9 +5,10 @@ usage: mutants.py BUILD [NUMBER] [SEED] [--changed COMMIT] [--again] [--of FILE.
 
 BUILD is a folder where CMake and ninja have built the test programs without sanitizers. Tried are NUMBER mutants (1000
 unless given) that SEED (a random one unless given) chooses; with --changed those of the product files that differ from a
-commit, for a minute; with --again those that survived the last run; with --of FILE those of these files. For each the
-altered source is compiled, the test programs of its folder are linked with it and run, then those of the folders above.
-A program that takes LIMIT times its usual processor time hangs, and so notices too.
+commit, for a minute; with --again those that survived the last run; with --of FILE all of these files, or NUMBER. For
+each the altered source is compiled, the test programs of its folder are linked with it and run, then those of the folders
+above. A program that takes LIMIT times its usual processor time hangs, and so notices too. An interrupted run counts as
+far as it came.
 
 tests/figures/equivalent-mutants.tsv lists the mutants that no test can notice, with the reason; they are found by their
 text and are not tried. A run of 100 mutants and more is added to tests/figures/mutants.tsv. The exit status is 1 if a
@@ -17,6 +18,7 @@ import argparse
 import collections
 import concurrent.futures
 import csv
+import filecmp
 import json
 import os
 import pathlib
@@ -25,8 +27,10 @@ import random
 import re
 import resource
 import shutil
+import signal
 import subprocess
 import sys
+import threading
 import time
 
 import mutations
@@ -52,6 +56,7 @@ LINKED["vds"] = LINKED["device"] + ["vds"]
 LINKED["manager"] = LINKED["vds"] + ["manager"]
 # They hold nothing but assertions of the compiler, about the headers of their folder.
 ASSERTIONS = ["platform/layout_checks.cpp", "platform/slot_checks.cpp"]
+NUMBER = 1000
 LIMIT = 20  # times the usual processor time
 MEMORY = 4 << 30  # bytes of address space for a test program
 BLOCKED_SECONDS = 30  # added to LIMIT times the usual duration: after that a program hangs that uses no processor
@@ -144,6 +149,9 @@ class Bench:
             objects[replaced] = str(object)
         return objects
 
+    def is_as_before(self, objects):
+        return all(filecmp.cmp(self.build.folder / before, after, shallow=False) for before, after in objects.items())
+
     def link(self, program, objects):
         """The altered objects come before the libraries, which then are not asked for what these define."""
         compiler, *words = self.build.link_command(program)
@@ -172,10 +180,12 @@ class Bench:
             return True
 
     def try_mutant(self, mutant, source):
-        """`killed by PROGRAM`, `survived` or `does not compile`."""
+        """`killed by PROGRAM`, `survived`, `does not compile` or `same code` (0 for an enumerator that is 0)."""
         self.alter(mutant, source)
         header = mutant.path.endswith(".h")
         objects = self.compile(mutant, ASSERTIONS if header else [mutant.path])
+        if objects and not header and self.is_as_before(objects):
+            return "same code"
         for program in PROGRAMS[mutant.path.split("/")[0]]:
             if header and objects is not None:
                 objects = self.compile(mutant, self.build.sources_with(mutant.path, program))
@@ -234,17 +244,21 @@ def choose(arguments, build):
         last = {tuple(key) for key in json.loads(survivors.read_text())} if survivors.exists() else set()
         return sources, [mutant for mutant in mutants if mutant.key() in last]
     random.Random(arguments.seed).shuffle(mutants)
-    return sources, mutants if arguments.of or arguments.changed else mutants[:arguments.number]
+    everything = arguments.of or arguments.changed
+    return sources, mutants[:arguments.number or (len(mutants) if everything else NUMBER)]
 
 
 def try_all(benches, sources, mutants, deadline):
-    """Each mutant with its result, as they come; none is begun after the deadline."""
+    """Each mutant with its result, as they come; none is begun after the deadline or an interrupt."""
+    interrupted = threading.Event()
+    for number in (signal.SIGINT, signal.SIGTERM):
+        signal.signal(number, lambda *_: interrupted.set())
     free = queue.SimpleQueue()
     for bench in benches:
         free.put(bench)
 
     def try_one(mutant):
-        if time.monotonic() > deadline:
+        if interrupted.is_set() or time.monotonic() > deadline:
             return mutant, None
         bench = free.get()
         try:
@@ -267,7 +281,7 @@ def row(commit, mutant, result):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("build", type=pathlib.Path)
-    parser.add_argument("number", type=int, nargs="?", default=1000)
+    parser.add_argument("number", type=int, nargs="?")
     parser.add_argument("seed", type=int, nargs="?", default=random.randrange(1_000_000))
     parser.add_argument("--changed", metavar="COMMIT", help="those of the product files that differ, for a minute")
     parser.add_argument("--again", action="store_true", help="those that survived the last run")
@@ -295,11 +309,12 @@ def main():
             print(f"{mutant.path}:{mutant.line}: {mutant.kind}: {mutant.before}\n    -> {mutant.after}", flush=True)
     (build.folder / "survivors.json").write_text(json.dumps([mutant.key() for mutant in survivors]))
 
-    compiled = counts["killed"] + counts["survived"]
-    summary = (f"seed {arguments.seed}: {compiled} mutants, {counts['killed']} killed, {counts['survived']} survived, "
-               f"{len(mutants) - len(tried)} equivalent, {counts['does not compile']} do not compile")
+    noticeable = counts["killed"] + counts["survived"]
+    summary = (f"seed {arguments.seed}: {noticeable} mutants, {counts['killed']} killed, {counts['survived']} survived; "
+               f"not counted: {len(mutants) - len(tried)} equivalent, {counts['same code']} with the same code, "
+               f"{counts['does not compile']} that do not compile")
     print(f"mutants: {summary}")
-    if compiled >= 100 and not (arguments.of or arguments.changed or arguments.again):
+    if noticeable >= 100 and not (arguments.of or arguments.changed or arguments.again):
         with FIGURES.open("a") as figures:
             print(f"{commit}\t*\t\t\t\t\t{summary}", file=figures)
             for mutant in sorted(survivors, key=lambda mutant: (mutant.path, mutant.line)):

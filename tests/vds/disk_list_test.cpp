@@ -3,6 +3,7 @@
 
 #include "machine/api/call/unshown.h"
 #include "tests/vds/vds_session.h"
+#include "vds/service_array.h"
 
 namespace {
 
@@ -279,4 +280,25 @@ TEST(QueryDisks, EmptyPc_ReleasesEachListAtItsEnd) {
     ASSERT_GE(releases.size(), expected.size());
     EXPECT_EQ(std::vector<Release>(releases.end() - static_cast<ptrdiff_t>(expected.size()), releases.end()),
               expected);
+}
+
+TEST(ServiceArray, ArrayWithoutAPositiveCount_HasNoRecords) {
+    machine::EmulatedPc pc(WindowsPe({}));
+    for (const LONG count : {0, -1}) {
+        PartitionList partitions;
+        *partitions.PutRecords() =
+            static_cast<VDS_PARTITION_PROP*>(CoTaskMemAlloc(sizeof(VDS_PARTITION_PROP)));
+        *partitions.PutCount() = count;
+        EXPECT_TRUE(partitions.HasArray());
+        EXPECT_TRUE(partitions.Records().empty());
+    }
+    EXPECT_EQ(pc.ledger.Outstanding(), Holdings());
+}
+
+TEST(ServiceArray, CountWithoutAnArray_HasNoRecords) {
+    machine::EmulatedPc pc(WindowsPe({}));
+    PartitionList partitions;
+    *partitions.PutCount() = 3;
+    EXPECT_FALSE(partitions.HasArray());
+    EXPECT_TRUE(partitions.Records().empty());
 }
