@@ -62,7 +62,6 @@ MEMORY = 4 << 30  # bytes of address space for a test program
 BLOCKED_SECONDS = 30  # added to LIMIT times the usual duration: after that a program hangs that uses no processor
 CHANGED_SECONDS = 60
 WORKERS = 2
-PRECOMPILED = re.compile(r"-Winvalid-pch|-Xclang -include-pch -Xclang \S+|(?<=-Xclang) -fno-pch-timestamp")
 
 
 def output_of(*command):
@@ -102,8 +101,13 @@ class Build:
         return [source for source, object in self.objects.items()
                 if header in self.headers[object] and source.startswith(folders)]
 
-    def is_precompiled(self, header):
-        return any(header in headers for target, headers in self.headers.items() if target.endswith(".pch"))
+    def precompiled_header(self, source):
+        """The one that a source is compiled with, relative to the build folder; none for a source without."""
+        used = re.search(r"-include-pch -Xclang (\S+)", self.commands[source])
+        return os.path.relpath(used.group(1), self.folder) if used else None
+
+    def source_of(self, object):
+        return next(source for source, made in self.objects.items() if made == object)
 
     def test_program(self, program):
         return self.folder / "tests" / f"tests_{program.replace('/', '_')}"
@@ -135,19 +139,26 @@ class Bench:
 
     def compile(self, mutant, sources):
         """The altered objects by those that they replace; none if one does not compile."""
+        precompiled = {}
         objects = {}
-        for number, source in enumerate(sources):
-            command = self.build.commands[source]
-            if self.build.is_precompiled(mutant.path):
-                command = PRECOMPILED.sub("", command)
-            replaced = self.build.objects[source]
-            object = self.folder / f"{number}.o"
-            words = command.replace(f" -o {replaced} ", f" -o {object} ").split()
-            words += ["-w", "-Wno-error", "-ivfsoverlay", str(self.folder / "overlay.yaml")]
-            if subprocess.run(words, cwd=self.build.folder, capture_output=True).returncode != 0:
+        for source in sources:
+            header = self.build.precompiled_header(source)
+            if header and mutant.path in self.build.headers[header] and header not in precompiled:
+                precompiled[header] = self.compile_one(self.build.source_of(header), {}, f"{len(precompiled)}.pch")
+            object = self.compile_one(source, precompiled, f"{len(objects)}.o")
+            if object is None or None in precompiled.values():
                 return None
-            objects[replaced] = str(object)
+            objects[self.build.objects[source]] = object
         return objects
+
+    def compile_one(self, source, precompiled, name):
+        output = self.folder / name
+        command = self.build.commands[source].replace(f" -o {self.build.objects[source]} ", f" -o {output} ")
+        for header, altered in precompiled.items():
+            command = command.replace(str(self.build.folder / header), str(altered))
+        words = command.split() + ["-w", "-Wno-error", "-ivfsoverlay", str(self.folder / "overlay.yaml")]
+        done = subprocess.run(words, cwd=self.build.folder, capture_output=True)
+        return str(output) if done.returncode == 0 else None
 
     def is_as_before(self, objects):
         return all(filecmp.cmp(self.build.folder / before, after, shallow=False) for before, after in objects.items())
