@@ -58,6 +58,9 @@ class Mutant:
         """What finds it again after lines have moved."""
         return self.path, self.function, f"{self.before} -> {self.after}"
 
+    def key_of_any_change(self):
+        return self.path, self.function, f"{self.before} -> *"
+
     def applied_to(self, source):
         return source[:self.begin] + self.text + source[self.end:]
 

@@ -2,6 +2,7 @@
 #include "base/utf.h"
 #include "device/device_handle.h"
 #include "device/disk_drive.h"
+#include "device/ide_ini.h"
 #include "device/wmi_ex.h"
 #include "machine/api/call/unshown.h"
 #include "tests/device/hosted_pc.h"
@@ -111,9 +112,12 @@ TEST(DeviceCalls, IdeIni_IsReadByKeysOfTheWholeLength) {
     CDiskDrive().GetFirstInternalDriveNumber(number, target);
     EXPECT_THAT(pc.emulated.journal.Calls("GetModuleFileNameW").at(0).arguments,
                 ElementsAre("null", std::to_string(MAX_PATH)));
-    const std::string size = pc.emulated.journal.Calls("GetPrivateProfileStringW").at(0).arguments.at(3);
-    for (const machine::CallRecord& call : pc.emulated.journal.Calls("GetPrivateProfileStringW"))
-        EXPECT_EQ(call.arguments.at(3), size);
+    const auto read = pc.emulated.journal.Calls("GetPrivateProfileStringW");
+    const std::string file = ToUtf8(IdeIniPath());
+    ASSERT_EQ(read.size(), 3U);
+    EXPECT_THAT(read[0].arguments, ElementsAre("Exclude", "DeviceID1", "(INI READ ERROR)", "260", file));
+    EXPECT_THAT(read[1].arguments, ElementsAre("Exclude", "DeviceID2", "(INI READ ERROR)", "260", file));
+    EXPECT_THAT(read[2].arguments, ElementsAre("OrderIndex", "DeviceID1", "(INI READ ERROR)", "260", file));
 }
 
 // The proxies go before the locator that made them, each link of a table before its enumeration.

@@ -54,3 +54,18 @@ TEST(ManagerCalls, LettersOfTheRegistry_AreReadIntoTheirSize) {
     EXPECT_THAT(sizes, testing::Contains(Arguments{"12"}));
     EXPECT_EQ((kestova.*Open(internals::PEDriveMapTag())).at(TEXT('C')).dwLength, 12U);
 }
+
+TEST(ManagerCalls, RecordOfTheSystem_IsWrittenAndReadByTheSameNames) {
+    machine::Pc facts = machine::FactoryMbr();
+    facts.switches.activeFlagIsExclusive = true;
+    Application application(facts);
+    EXPECT_EQ(application.kestova.SetRcvprtActive(), 0);
+    const auto written = application.pc.journal.Calls("WritePrivateProfileStringW");
+    ASSERT_EQ(written.size(), 1U);
+    EXPECT_THAT(written[0].arguments, ElementsAre("System", "Active", "2", "E:\\SystemVolume.ini"));
+    EXPECT_EQ(application.kestova.SetSystemActive(), 0);
+    const auto read = application.pc.journal.Calls("GetPrivateProfileStringW");
+    ASSERT_EQ(read.size(), 1U);
+    EXPECT_THAT(read[0].arguments,
+                ElementsAre("System", "Active", "_NO_VALUE_", "260", "E:\\SystemVolume.ini"));
+}
