@@ -31,6 +31,8 @@ CONTROL = {"if", "for", "while", "switch", "do", "else", "case", "default", "try
            "throw", "public", "private", "protected", "template", "struct", "class", "enum", "typedef", "goto"}
 DECLARATION = re.compile(r"(?:(?:const|static|constexpr|inline|auto|mutable)\b\s*)*"
                          r"[\w:]+(?:<[^;=]*>)?(?:::\w+)?(?:\s*const)?[*&]*\s+[*&]*(?:const\s+)?(\w+|\[[\w, ]+\])\s*[=({;\[]")
+# Functions of two arguments that may be given in either order.
+SYMMETRIC = {"EqualIgnoringCase", "IsEqualGUID"}
 OPENING, CLOSING = "([{", ")]}"
 
 
@@ -201,7 +203,8 @@ def arguments(source):
             simple = re.fullmatch(r'[\d.xa-fA-F]+|-1|nullptr|\{\}|true|false|TRUE|FALSE|LOG_\w+', text)
             if not simple and not text.startswith(('TEXT(', '"', "[")):
                 yield source.mutant("argument", begin, end, "{}")
-        for n in range(len(spans) - 1):
+        symmetric = source.tokens[opening - 1].text in SYMMETRIC
+        for n in range(0 if symmetric else len(spans) - 1):
             if written[n] != written[n + 1]:
                 between = source.text[spans[n][1]:spans[n + 1][0]]
                 yield source.mutant("argument order", spans[n][0], spans[n + 1][1], written[n + 1] + between + written[n])

@@ -262,6 +262,10 @@ TEST(GetFirstInternalDriveNumber, DiskWithoutNumber_IsNotChosen) {
     facts.disks[0].wmi->deviceId = "\\\\.\\C:";
     EXPECT_EQ(Choose(HostedPc(facts)), (Choice{TRUE, -1, 99}));
     EXPECT_EQ(Choose(HostedPc(facts), 5), (Choice{TRUE, -1, 0}));
+    const HostedPc pc(facts);
+    Choice unskipped;
+    unskipped.found = CDiskDrive().GetFirstInternalDriveNumber(unskipped.number, unskipped.marker);
+    EXPECT_EQ(unskipped, (Choice{TRUE, -1, 99}));
 }
 
 // Whether a location or a SCSI address is known of any internal disk, chosen or not, decides whether numbers
