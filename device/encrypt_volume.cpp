@@ -74,7 +74,7 @@ HRESULT CEncryptVolume::EnumEncryptableVolume(IWbemServices* services, const Wid
         WideString deviceId;
         WideString persistentVolumeId;
         WideString driveLetter;
-        bool complete = false;
+        bool complete;
         result = ReadNext(instances.Get(),
                           {{TEXT("DeviceID"), deviceId},
                            {TEXT("PersistentVolumeID"), persistentVolumeId},
@@ -82,8 +82,8 @@ HRESULT CEncryptVolume::EnumEncryptableVolume(IWbemServices* services, const Wid
                           complete);
         if (!complete) return result;
 
-        int returnValue = 0;
-        int encryptionMethod = 0;
+        int returnValue;
+        int encryptionMethod;
         result = QueryEncryptionMethod(services, namespacePath, ObjectKey(deviceId), returnValue,
                                        encryptionMethod);
         // The volumes after one whose query failed are not queried.

@@ -131,6 +131,42 @@ static_assert(IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS == 0x00560000);
 static_assert(IOCTL_DISK_GET_PARTITION_INFO_EX == 0x00070048);
 static_assert(PARTITION_STYLE_MBR == 0 && PARTITION_STYLE_GPT == 1 && PARTITION_STYLE_RAW == 2);
 static_assert(VDS_PST_UNKNOWN == 0 && VDS_PST_MBR == 1 && VDS_PST_GPT == 2);
+static_assert(VDS_OT_PACK == 10 && VDS_OT_VOLUME == 11 && VDS_OT_DISK == 13);
+static_assert(VDS_QUERY_SOFTWARE_PROVIDERS == 1 && VDS_QUERY_HARDWARE_PROVIDERS == 2 &&
+              VDS_QUERY_VIRTUALDISK_PROVIDERS == 4);
+static_assert(VDS_BUS_TYPE_UNKNOWN == 0 && VDS_BUS_TYPE_SCSI == 1 && VDS_BUS_TYPE_ATAPI == 2 &&
+              VDS_BUS_TYPE_ATA == 3 && VDS_BUS_TYPE_1394 == 4 && VDS_BUS_TYPE_USB == 7 &&
+              VDS_BUS_TYPE_RAID == 8 && VDS_BUS_TYPE_SAS == 10 && VDS_BUS_TYPE_SATA == 11 &&
+              VDS_BUS_TYPE_NVME == 17);
+static_assert(VDS_DET_UNKNOWN == 0 && VDS_DET_FREE == 1 && VDS_DET_DATA == 2 && VDS_DET_OEM == 3 &&
+              VDS_DET_ESP == 4 && VDS_DET_MSR == 5 && VDS_DET_LDM == 6 && VDS_DET_UNUSABLE == 32767);
+static_assert(VDS_PS_UNKNOWN == 0 && VDS_PS_ONLINE == 1 && VDS_PS_OFFLINE == 4);
+static_assert(VDS_FST_UNKNOWN == 0 && VDS_FST_RAW == 1 && VDS_FST_FAT == 2 && VDS_FST_FAT32 == 3 &&
+              VDS_FST_NTFS == 4 && VDS_FST_CDFS == 5 && VDS_FST_UDF == 6 && VDS_FST_EXFAT == 7);
+static_assert(VDS_DS_ONLINE == 1 && VDS_H_HEALTHY == 1);
+
+// Result codes by their low halves; all are failures of the service's facility.
+constexpr bool IsCode(HRESULT code, unsigned low) {
+    return static_cast<unsigned>(code) == 0x80040000 + low;
+}
+static_assert(IsCode(VDS_E_NOT_SUPPORTED, 0x2400));
+static_assert(IsCode(VDS_E_INITIALIZED_FAILED, 0x2401));
+static_assert(IsCode(VDS_E_OBJECT_NOT_FOUND, 0x2405));
+static_assert(IsCode(VDS_E_OBJECT_DELETED, 0x240B));
+static_assert(IsCode(VDS_E_DEVICE_IN_USE, 0x2413));
+static_assert(IsCode(VDS_E_INVALID_OPERATION, 0x2415));
+static_assert(IsCode(VDS_E_DISK_NOT_INITIALIZED, 0x2417));
+static_assert(IsCode(VDS_E_ACCESS_DENIED, 0x2427));
+static_assert(IsCode(VDS_E_IO_ERROR, 0x242B));
+static_assert(IsCode(VDS_E_VOLUME_NOT_MOUNTED, 0x244F));
+static_assert(IsCode(VDS_E_DRIVE_LETTER_NOT_FREE, 0x255C));
+static_assert(IsCode(VDS_E_INVALID_DRIVE_LETTER, 0x255E));
+static_assert(IsCode(VDS_E_INVALID_OBJECT_TYPE, 0x2562));
+static_assert(IsCode(VDS_E_INVALID_PARTITION_TYPE, 0x2565));
+static_assert(IsCode(VDS_E_INVALID_QUERY_PROVIDER_FLAG, 0x256C));
+static_assert(IsCode(VDS_E_PARTITION_STYLE_MISMATCH, 0x2571));
+static_assert(IsCode(VDS_E_PARTITION_MSR, 0x258C));
+static_assert(IsCode(VDS_E_PARTITION_LDM, 0x258D));
 
 static_assert(sizeof(SCSI_ADDRESS) == 8);
 static_assert(offsetof(SCSI_ADDRESS, Length) == 0);

@@ -24,6 +24,7 @@ TEST(Guid, MalformedText_GuidFromText_ReturnsNothing) {
          {"", "{}", "c12a7328", "c12a7328-f81f-11d2-ba4b-00a0c93ec93",
           "c12a7328-f81f-11d2-ba4b-00a0c93ec93bb", "c12a7328xf81f-11d2-ba4b-00a0c93ec93b",
           "c12a7328-f81f-11d2-ba4b-00a0c93ec93g", "{c12a7328-f81f-11d2-ba4b-00a0c93ec93b",
+          "{c12a7328-f81f-11d2-ba4b-00a0c93ec93b)", "(c12a7328-f81f-11d2-ba4b-00a0c93ec93b}",
           "-c12a732-f81f-11d2-ba4b-00a0c93ec93b"}) {
         EXPECT_FALSE(GuidFromText(text)) << text;
     }

@@ -26,6 +26,14 @@ TEST(Nearest, SeveralSimilarWords_Nearest_PrefersTheSmallestDistanceThenTheFirst
     EXPECT_EQ(Nearest("boat", {"bolts", "boats"}), "boats");
 }
 
+TEST(Nearest, TwoLettersTooManyOrTooFew_Nearest_CountsEachAsOne) {
+    EXPECT_EQ(Nearest("boat", {"bxoxat"}), "bxoxat");
+    EXPECT_EQ(Nearest("bxoxat", {"boat"}), "boat");
+    EXPECT_EQ(Nearest("boat", {"bxoxaxt"}), "");
+    EXPECT_EQ(Nearest("bxoxaxt", {"boat"}), "boat");
+    EXPECT_EQ(Nearest("bxoxaxtx", {"boat"}), "");
+}
+
 TEST(Nearest, NoSimilarWord_Nearest_ReturnsTheEmptyText) {
     EXPECT_EQ(Nearest("partition", words), "");
     EXPECT_EQ(Nearest("", words), "");

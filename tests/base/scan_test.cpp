@@ -73,6 +73,13 @@ TEST(ScanNumbers, MoreConversionsThanOutputs_ScanNumbers_StoresOnlyTheOutputs) {
     EXPECT_EQ(only, 1);
 }
 
+TEST(ScanNumbers, PercentBeforeAnotherLetter_ScanNumbers_MatchesLiterally) {
+    int only = -7;
+    EXPECT_EQ(ScanNumbers(TEXT("%x 5"), TEXT("%x %d"), {&only}), 1);
+    EXPECT_EQ(only, 5);
+    EXPECT_EQ(ScanNumbers(TEXT("10 5"), TEXT("%x %d"), {&only}), 0);
+}
+
 TEST(ScanNumbers, RandomText_ScanNumbers_ReturnsAValidCount) {
     std::mt19937 random(20260714);
     std::uniform_int_distribution<int> unit(0, 0xFFFF);

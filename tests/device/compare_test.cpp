@@ -131,17 +131,21 @@ const Case cases[] = {
 
 class Compare : public testing::TestWithParam<Case> {};
 
+// The row before both, which is like one of them, plays no part.
 TEST_P(Compare, Row_KeepsOrReplacesTheDisk) {
-    const HostedPc pc(machine::FactoryMbr());
-    tagDiskDriveTable_t table;
-    table.nCount = 2;
-    Put(table, 0, GetParam().best);
-    Put(table, 1, GetParam().candidate);
-    int best = 0;
-    CDiskDrive().Compare(table, 1, best, GetParam().hasScsi, GetParam().hasLocation);
-    EXPECT_EQ(best, GetParam().candidateWins ? 1 : 0);
-    EXPECT_EQ(Transcript(pc.emulated.journal),
-              "4 Kestova CDiskDrive::Compare End. nTarget = {int " + std::to_string(best) + "}\n");
+    for (const Row& bystander : {GetParam().best, GetParam().candidate}) {
+        const HostedPc pc(machine::FactoryMbr());
+        tagDiskDriveTable_t table;
+        table.nCount = 3;
+        Put(table, 0, bystander);
+        Put(table, 1, GetParam().best);
+        Put(table, 2, GetParam().candidate);
+        int best = 1;
+        CDiskDrive().Compare(table, 2, best, GetParam().hasScsi, GetParam().hasLocation);
+        EXPECT_EQ(best, GetParam().candidateWins ? 2 : 1);
+        EXPECT_EQ(Transcript(pc.emulated.journal),
+                  "4 Kestova CDiskDrive::Compare End. nTarget = {int " + std::to_string(best) + "}\n");
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Compare, testing::ValuesIn(cases),

@@ -262,4 +262,50 @@ TEST(GetFirstInternalDriveNumber, DiskWithoutNumber_IsNotChosen) {
     facts.disks[0].wmi->deviceId = "\\\\.\\C:";
     EXPECT_EQ(Choose(HostedPc(facts)), (Choice{TRUE, -1, 99}));
     EXPECT_EQ(Choose(HostedPc(facts), 5), (Choice{TRUE, -1, 0}));
+    const HostedPc pc(facts);
+    Choice unskipped;
+    unskipped.found = CDiskDrive().GetFirstInternalDriveNumber(unskipped.number, unskipped.marker);
+    EXPECT_EQ(unskipped, (Choice{TRUE, -1, 99}));
+}
+
+// Whether a location or a SCSI address is known of any internal disk, chosen or not, decides whether numbers
+// are compared.
+TEST(GetFirstInternalDriveNumber, KnowledgeOfADiskThatIsNotChosen_ForbidsTheChoiceByNumber) {
+    struct Case {
+        const char* what;
+        const char* controller;
+        uint32_t number;
+        const char* deviceId;
+    };
+    const Case cases[] = {{"excluded", "A", 5, "\\\\.\\PHYSICALDRIVE5"},
+                          {"skipped", "B", 5, "\\\\.\\PHYSICALDRIVE5"},
+                          {"number 0", "A", 0, "\\\\.\\PHYSICALDRIVE0"},
+                          {"no number", "A", 5, "\\\\.\\E:"}};
+    for (const Case& known : cases) {
+        for (const bool byLocation : {true, false}) {
+            SCOPED_TRACE(std::string(known.what) + (byLocation ? ", location" : ", address"));
+            machine::Disk disk = BareDisk(known.number);
+            disk.wmi->deviceId = known.deviceId;
+            disk.controllers = {known.controller};
+            disk.partitions.resize(1);
+            disk.partitions[0].volume.emplace().letters = "E";
+            if (byLocation) disk.location = std::string("0");
+            if (!byLocation) disk.scsiAddress = machine::ScsiAddress{0, 0, 0, 0};
+            const HostedPc pc(Ordered({BareDisk(2), BareDisk(1), disk}, "[Exclude]\r\nDeviceID1=A\r\n"));
+            EXPECT_EQ(Choose(pc, 5).number, 2);
+        }
+    }
+}
+
+TEST(GetFirstInternalDriveNumber, NegativeLocation_IsTheSmallest) {
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({DiskOn(3, "A", -5), DiskOn(1, "A", 2)}))), (Choice{TRUE, 3, 0}));
+    EXPECT_EQ(Choose(HostedPc(PcWithDisks({DiskOn(1, "A", 2), DiskOn(3, "A", -5)}))), (Choice{TRUE, 3, 0}));
+}
+
+// A row behind the last one is not looked at, even where an earlier table left a disk in it.
+TEST(GetFirstInternalDriveNumber, DiskThatIsGone_IsNotChosenAgain) {
+    HostedPc pc(PcWithDisks({DiskOn(1, "A", 5), DiskOn(0, "A", 0)}));
+    EXPECT_EQ(Choose(pc), (Choice{TRUE, 0, 0}));
+    pc.emulated.facts.disks.pop_back();
+    EXPECT_EQ(Choose(pc), (Choice{TRUE, 1, 0}));
 }

@@ -137,13 +137,38 @@ TEST(GetDiskDrive, Controllers_AreAskedForOnlyWhereDisksNeedThem) {
     }
 }
 
+// Both have one id, by which the links of the SCSI disk would fit the IDE disk as well.
 TEST(GetDiskDrive, ControllerOfTheOtherKindOfDisk_IsNotTaken) {
     machine::Pc facts = ThreeKinds();
     facts.disks[0].controllers.clear();
+    facts.disks[1].wmi->pnpDeviceId = facts.disks[0].wmi->pnpDeviceId;
     const HostedPc pc(facts);
     tagDiskDriveTable_t table;
     EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
     EXPECT_EQ(table.strControllerID[0], TEXT(""));
+    EXPECT_EQ(table.strControllerID[1], TEXT("PCI\\VEN_8086&DEV_282A\\3&FB"));
+}
+
+// Nothing of an earlier PC is left in a row.
+TEST(GetDiskDrive, TableUsedBefore_IsFilledAnew) {
+    HostedPc pc(ThreeKinds());
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    pc.emulated.facts = PcWithDisks({BareDisk(5)});
+    pc.emulated.facts.disks[0].wmi->interfaceType = "USB";
+    pc.emulated.facts.disks[0].wmi->deviceId = "\\\\.\\E:";
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_EQ(table.nCount, 1);
+    EXPECT_EQ(table.strControllerID[0], TEXT(""));
+    EXPECT_EQ(table.nDriveNumber[0], -1);
+    EXPECT_EQ(table.nLocation[0], -1);
+    EXPECT_EQ(table.bScsiAddress[0], FALSE);
+    EXPECT_EQ(table.PortNumber[0], 255);
+    EXPECT_EQ(table.PathId[0], 255);
+    EXPECT_EQ(table.TargetId[0], 255);
+    EXPECT_EQ(table.Lun[0], 255);
+    EXPECT_EQ(table.nBusType[0], BUS_TYPE_UNKNOWN);
+    EXPECT_EQ(table.nTargetLocation[0], -1);
 }
 
 TEST(GetDiskDrive, DeviceIds_ReturnTheirNumbers) {

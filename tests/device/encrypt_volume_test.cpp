@@ -112,6 +112,25 @@ TEST(GetEncryptVolume, RefusingVolume_EndsTheSearch) {
     EXPECT_EQ(query.Records(), started + Ended(1, "0"));
 }
 
+// Its positive status is the status of the query; a success without outputs would be a failure.
+TEST(GetEncryptVolume, PositiveStatusWithoutOutputs_EndsTheSearch) {
+    Query query({Encrypted("C"), Encrypted("D")});
+    query.Fail("IWbemServices::ExecMethod", 1, 1);
+    EXPECT_EQ(query.Ask(), 1);
+    EXPECT_EQ(query.Letters(), Texts());
+    EXPECT_EQ(query.Asked(), 1U);
+    EXPECT_EQ(query.Records(), started + Ended(0, "1"));
+}
+
+TEST(GetEncryptVolume, PositiveCodeOfTheMethod_EndsTheSearch) {
+    EncryptableVolume refusing = Encrypted("D");
+    refusing.returnValue = 1;
+    Query query({Encrypted("C"), refusing, Encrypted("E")});
+    EXPECT_EQ(query.Ask(), 1);
+    EXPECT_EQ(query.Letters(), (Texts{TEXT("C:")}));
+    EXPECT_EQ(query.Asked(), 2U);
+}
+
 // The fourth property that is read is what the first volume's method returned.
 TEST(GetEncryptVolume, PositiveStatus_EndsTheSearch) {
     Query query({Encrypted("C"), Encrypted("D")});

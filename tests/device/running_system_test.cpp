@@ -73,6 +73,17 @@ TEST(IsWindowsPE, ThousandBytes_AreTheMost) {
     EXPECT_EQ(IsPeWithOptions(std::string(494, ' ') + "MININT"), FALSE);  // ERROR_MORE_DATA
 }
 
+TEST(IsWindowsPE, ThousandBytesWithoutATerminator_AreReadToTheirEnd) {
+    const WideString options = WideString(494, TEXT(' ')) + TEXT("MININT");
+    machine::Pc facts = machine::FactoryMbr();
+    facts.system.startOptions.reset();
+    facts.registry["HKLM\\SYSTEM\\CurrentControlSet\\Control"]["SystemStartOptions"] = {
+        REG_BINARY,
+        std::string(reinterpret_cast<const char*>(options.data()), options.size() * sizeof(WCHAR))};
+    const HostedPc pc(facts);
+    EXPECT_EQ(CDiskDrive().IsWindowsPE(), TRUE);
+}
+
 TEST(IsWindowsPE, RegistryFailures_AreFalse) {
     EXPECT_EQ(IsPeWhenCallFails("RegOpenKeyExW", ERROR_ACCESS_DENIED), FALSE);
     EXPECT_EQ(IsPeWhenCallFails("RegQueryValueExW", ERROR_FILE_NOT_FOUND), FALSE);

@@ -312,6 +312,22 @@ TEST(ExecMethod, InstanceThatCannotBeMade_IsNoFailure) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
+TEST(ExecMethod, SuccessWithoutAnInstance_IsNoFailure) {
+    LampPc pc;
+    pc.Fail("IWbemClassObject::SpawnInstance", S_OK);
+    EXPECT_EQ(pc.SetColor(), S_OK);
+    EXPECT_TRUE(IsNumber(pc.returnValue, -101));
+    EXPECT_EQ(pc.Count("IWbemClassObject::Put"), 0U);
+}
+
+TEST(ExecMethod, MethodWithInputsCalledWithout_GetsAnEmptyInstance) {
+    LampPc pc;
+    EXPECT_EQ(pc.Exec(TEXT("SetColor")), S_OK);
+    EXPECT_TRUE(IsNumber(pc.returnValue, -101));
+    EXPECT_EQ(pc.Count("IWbemClassObject::SpawnInstance"), 1U);
+    EXPECT_EQ(pc.Count("IWbemClassObject::Put"), 0U);
+}
+
 TEST(ExecMethod, FirstArgumentThatFails_EndsTheCall) {
     for (uint32_t put = 1; put <= 2; ++put) {
         LampPc pc;

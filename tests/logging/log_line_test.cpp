@@ -47,6 +47,16 @@ TEST(LogLine, HalfASurrogatePair_IsReplaced) {
     EXPECT_TRUE(LineOf(1, high + high + low).ends_with("ERROR \xEF\xBF\xBD\xF0\x90\x80\x80\r\n"));
 }
 
+TEST(LogLine, CharactersBesideTheSurrogates_AreTheirOwn) {
+    const std::basic_string<WCHAR> high(1, 0xDBFF);
+    EXPECT_TRUE(LineOf(1, TEXT("\uD7FF\uE000")).ends_with("ERROR \xED\x9F\xBF\xEE\x80\x80\r\n"));
+    EXPECT_TRUE(LineOf(1, high + TEXT("\uE000")).ends_with("ERROR \xEF\xBF\xBD\xEE\x80\x80\r\n"));
+    EXPECT_TRUE(LineOf(1, high + TEXT("\uD7FF")).ends_with("ERROR \xEF\xBF\xBD\xED\x9F\xBF\r\n"));
+    EXPECT_TRUE(
+        LineOf(1, high + std::basic_string<WCHAR>(1, 0xDFFF)).ends_with("ERROR \xF4\x8F\xBF\xBF\r\n"));
+    EXPECT_TRUE(LineOf(1, std::basic_string<WCHAR>(1, 0xDFFF)).ends_with("ERROR \xEF\xBF\xBD\r\n"));
+}
+
 TEST(LogLine, TextWithLineBreaks_StaysOneLine) {
     EXPECT_TRUE(LineOf(1, TEXT("one\r\ntwo\n")).ends_with("ERROR one\\r\\ntwo\\n\r\n"));
 }

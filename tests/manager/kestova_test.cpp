@@ -132,6 +132,8 @@ TEST(Copy, InitialisedObject_SharesTheVolumeLayerAndWritesNothing) {
     EXPECT_EQ(Transcript(application.pc.journal), "");
     EXPECT_EQ(copy->*Open(internals::VolumeLayerTag()),
               application.kestova.*Open(internals::VolumeLayerTag()));
+    EXPECT_EQ(copy->*Open(internals::EncryptionLayerTag()),
+              application.kestova.*Open(internals::EncryptionLayerTag()));
     EXPECT_EQ(copy->GetActivePartitionNumber(), 2);
 }
 
@@ -191,6 +193,7 @@ TEST(Assignment, FilledObject_TakesOverTheMapsAndWhatIsRemembered) {
     Application application(machine::FactoryGpt());
     WCHAR letter = 0;
     application.kestova.AssignRecoveryPartition(letter);
+    application.kestova.AssignWinREPartition(letter);
     THardDiskType style = HARD_DISK_UNKNOWN;
     application.kestova.GetDiskStyle(style);
     FillMaps(application.kestova);
@@ -201,6 +204,7 @@ TEST(Assignment, FilledObject_TakesOverTheMapsAndWhatIsRemembered) {
     EXPECT_EQ(target.*Open(internals::DiskStyleTag()), HARD_DISK_GPT);
     ExpectSharedMaps(target, application.kestova);
     target.RemoveRecoveryPartition();
+    target.RemoveWinREPartition();
     EXPECT_EQ(application.pc.facts, machine::FactoryGpt());
     target = *owned;
 }
@@ -226,6 +230,8 @@ TEST(Assignment, InitialisedObject_SharesTheVolumeLayerAndWritesNothing) {
     EXPECT_EQ(Transcript(application.pc.journal), "");
     EXPECT_EQ(target.*Open(internals::VolumeLayerTag()),
               application.kestova.*Open(internals::VolumeLayerTag()));
+    EXPECT_EQ(target.*Open(internals::EncryptionLayerTag()),
+              application.kestova.*Open(internals::EncryptionLayerTag()));
     // Each of the two frees what it made.
     target = *owned;
 }

@@ -192,4 +192,27 @@ TEST(IsExistWinREPartition, NoVolumeLayer_FindsNone) {
         "4 Kestova Kestova::IsExistWinREPartition\\tEnd. bRet = {int 0} iDiskNumber: {int -1} iPartitionNumber: {int -1} bExistWinREPartition: {int 0}\n");
 }
 
+// As many partitions as the search has room for, none of them for recovery.
+TEST(RecoverySearch, DiskFullOfPartitions_IsSearchedToItsEnd) {
+    for (const size_t count : {size_t{128}, size_t{129}}) {
+        machine::Pc facts = FactoryGpt();
+        std::vector<machine::Partition>& partitions = facts.disks[0].partitions;
+        PartitionOf(facts, 6).gptType = PARTITION_BASIC_DATA_GUID;
+        for (uint32_t number = 7; number <= count; ++number) {
+            machine::Partition partition;
+            partition.number = number;
+            partition.offset = partitions.back().offset + partitions.back().size;
+            partition.size = 1024ULL * 1024;
+            partition.gptType = PARTITION_BASIC_DATA_GUID;
+            partitions.push_back(partition);
+        }
+        Application application(facts);
+        EXPECT_EQ(Search(application, recovery), nowhere);
+        const bool overflows =
+            Transcript(application.pc.journal).find("GetTotalPartitionNumbers return false") !=
+            std::string::npos;
+        EXPECT_EQ(overflows, count > 128);
+    }
+}
+
 }  // namespace

@@ -162,4 +162,23 @@ TEST(SystemLocation, NoVolumeLayer_ReturnsUnknown) {
               "4 {string Kestova::GetVistaOSInfo DiskNumber: -1  PartitionNumber: -1  cDriveLetter: 0}\n");
 }
 
+// The first internal disk in Windows PE is the MBR disk 0 while the style is read, and the GPT disk 1 from
+// then on: the lists of disks after the third lack disk 0.
+TEST(SystemLocation, DiskThatIsGoneHalfWay_ReturnsNowhereWithTheCodeOfTheOther) {
+    machine::Pc facts = FactoryGpt();
+    facts.disks[0].number = 1;
+    facts.disks[0].vdsName = "\\\\?\\PhysicalDrive1";
+    facts.disks.push_back(FactoryMbr().disks[0]);
+    facts.system.startOptions = " MININT";
+    Application application(facts);
+    constexpr uint32_t listsBefore = 3;
+    constexpr uint32_t listsAtMost = 12;
+    for (uint32_t list = listsBefore + 1; list <= listsAtMost; ++list)
+        application.pc.faults.Arm({.call = "IVdsDisk::GetProperties", .nth = 2 * list, .code = 0x80042405});
+    EXPECT_EQ(Ask(application, windows), Nowhere(0));
+    EXPECT_NE(Transcript(application.pc.journal)
+                  .find("1 Kestova::GetVistaOSInfo   MBR Does not get os partition number\n"),
+              std::string::npos);
+}
+
 }  // namespace

@@ -31,7 +31,6 @@ UNREACHED = {
         "then GetSecondInternalDriveNumber returns FALSE",
     r"Kestova Kestova::IsExistRecoveryPartition\tSelectPartition return false": "SelectPartition returns TRUE",
     r"Kestova CVDSPartition::IsExistWinREPartition SelectPartition return false": "SelectPartition returns TRUE",
-    r"Kestova::GetVistaOSInfo   MBR Does not get os partition number": "only a GPT disk has a boot partition",
     r"Kestova::GetVistaOSInfo   GPT Does not get os partition number": "the boot partition is 3 or missing",
     r"Kestova::GetBitLockerSystemInfo\tNULL == m_pVDSPartition": "then there is no internal disk either",
     r"Kestova::GetBitLockerSystemInfo\tGetDiskStyle ERROR_GET_DISK_STYLE": "fails only without a volume layer",

@@ -1,7 +1,9 @@
 // The list of all disks.
 #include <cstdlib>
 
+#include "machine/api/call/unshown.h"
 #include "tests/vds/vds_session.h"
+#include "vds/service_array.h"
 
 namespace {
 
@@ -240,4 +242,63 @@ TEST(QueryDisks, SuccessWithoutAnInterface_EndsTheWalk) {
         EXPECT_EQ(listed.sizes.size(), call == std::string("IVdsService::QueryUnallocatedDisks") ? 1u : 0u);
         EXPECT_EQ(session.Records(), started);
     }
+}
+
+TEST(QueryDisks, FirstOfTwoUnallocatedDisksRefuses_LeavesTheSecondOut) {
+    const machine::Pc pc =
+        WindowsPe({Unallocated(PlainDisk(0, 100)), Unallocated(PlainDisk(1, 200)), PlainDisk(2, 300)});
+    for (const char* const call : {"IUnknown::QueryInterface", "IVdsDisk::GetProperties"}) {
+        SCOPED_TRACE(call);
+        VdsSession session(pc);
+        session.Fail(call, failure, 1);
+        EXPECT_EQ(List(session).sizes, (Sizes{300}));
+        EXPECT_EQ(session.Left(1), Holdings());
+    }
+}
+
+TEST(QueryDisks, OneDisk_IsReadOneObjectAtATime) {
+    VdsSession session(WindowsPe({PlainDisk(0, 100)}));
+    List(session);
+    const auto asked = session.pc.journal.Calls("IEnumVdsObject::Next");
+    EXPECT_FALSE(asked.empty());
+    for (const machine::CallRecord& call : asked)
+        EXPECT_EQ(call.arguments, (std::vector<std::string>{"1"}));
+}
+
+// Each object goes before its list, each list before the object it came from, the first list before the
+// second is asked for.
+TEST(QueryDisks, EmptyPc_ReleasesEachListAtItsEnd) {
+    VdsSession session(WindowsPe({}));
+    List(session);
+    using Release = std::vector<std::string>;
+    const std::string next = "IEnumVdsObject::Next";
+    const auto releases = machine::UnshownArguments(session.pc, "IUnknown::Release");
+    const std::vector<Release> expected = {{"IEnumVdsObject", next}, {"IEnumVdsObject", next},
+                                           {"IVdsSwProvider", next}, {"IUnknown", next},
+                                           {"IEnumVdsObject", next}, {"IVdsSwProvider", next},
+                                           {"IUnknown", next},       {"IEnumVdsObject", next}};
+    ASSERT_GE(releases.size(), expected.size());
+    EXPECT_EQ(std::vector<Release>(releases.end() - static_cast<ptrdiff_t>(expected.size()), releases.end()),
+              expected);
+}
+
+TEST(ServiceArray, ArrayWithoutAPositiveCount_HasNoRecords) {
+    machine::EmulatedPc pc(WindowsPe({}));
+    for (const LONG count : {0, -1}) {
+        PartitionList partitions;
+        *partitions.PutRecords() =
+            static_cast<VDS_PARTITION_PROP*>(CoTaskMemAlloc(sizeof(VDS_PARTITION_PROP)));
+        *partitions.PutCount() = count;
+        EXPECT_TRUE(partitions.HasArray());
+        EXPECT_TRUE(partitions.Records().empty());
+    }
+    EXPECT_EQ(pc.ledger.Outstanding(), Holdings());
+}
+
+TEST(ServiceArray, CountWithoutAnArray_HasNoRecords) {
+    machine::EmulatedPc pc(WindowsPe({}));
+    PartitionList partitions;
+    *partitions.PutCount() = 3;
+    EXPECT_FALSE(partitions.HasArray());
+    EXPECT_TRUE(partitions.Records().empty());
 }

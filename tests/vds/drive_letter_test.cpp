@@ -354,3 +354,18 @@ TEST(SetDriveLetter, WhatCannotBegin_IsAnError) {
                          "1 " + method + " QueryPartitions error. hResult = {long 0}"}));
     EXPECT_EQ(session.Left(2), (Holdings{{"IVdsAdvancedDisk", 1}}));
 }
+
+TEST(SetDriveLetterQuery, CharactersBesideTheLetters_AreNone) {
+    for (const char unit : {'@', '[', '`', '{'}) {
+        SCOPED_TRACE(unit);
+        VdsSession session(WithLetters(std::string(1, unit)));
+        EXPECT_TRUE(session->SetDriveLetter(1, FLAG_QUERY));
+        EXPECT_EQ(LetterOf(session), '0');
+    }
+    for (const char unit : {'A', 'Z', 'a', 'z'}) {
+        SCOPED_TRACE(unit);
+        VdsSession session(WithLetters(std::string(1, unit)));
+        EXPECT_TRUE(session->SetDriveLetter(1, FLAG_QUERY));
+        EXPECT_EQ(LetterOf(session), unit);
+    }
+}

@@ -347,3 +347,50 @@ TEST(GetFirstInternalDriveNumber, NumberBeyondThirtyOneBits_IsAnError) {
     EXPECT_EQ(FirstDisk(session), (Decision{FALSE, -1}));
     ExpectTranscript(session.pc.journal);
 }
+
+namespace {
+
+machine::Disk Named(machine::Disk disk, const std::string& name) {
+    disk.vdsName = name;
+    return disk;
+}
+
+}  // namespace
+
+TEST(GetFirstInternalDriveNumber, WindowsPeWithTwoEntriesOfOneNumber_TakesTheFirst) {
+    const std::string name = "\\\\?\\PhysicalDrive3";
+    VdsSession session(WindowsPe({Named(PlainDisk(3, 2 * GiB), name), Named(PlainDisk(4, 4 * GiB), name)}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 3}));
+    EXPECT_EQ(SizesOfFirstDisk(session), (Sizes{GiB}));
+}
+
+TEST(GetFirstInternalDriveNumber, InstalledWindowsWithTwoEntriesOfItsNumber_TakesTheLast) {
+    machine::Pc pc = machine::FactoryMbr();
+    pc.disks.push_back(Named(PlainDisk(1, 2 * GiB), *pc.disks[0].vdsName));
+    VdsSession session(pc);
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+    EXPECT_EQ(SizesOfFirstDisk(session), (Sizes{GiB}));
+}
+
+// Neither a disk nor on an internal bus: recorded as no disk, so the device type comes first.
+TEST(GetFirstInternalDriveNumber, DiscDriveOnAnotherBus_IsRecordedAsNoDisk) {
+    machine::Disk disc = PlainDisk(0);
+    disc.deviceType = 2;
+    disc.busType = VDS_BUS_TYPE_USB;
+    VdsSession session(WindowsPe({disc, PlainDisk(1)}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 1}));
+    EXPECT_NE(session.Records().find("FILE_DEVICE_DISK != dwDeviceType, lDisk = {long 0}"),
+              std::string::npos);
+}
+
+// The first target, which the service does not list, is compared as the first disk of the list.
+TEST(GetFirstInternalDriveNumber, FirstTargetUnlistedByTheService_IsComparedAsTheFirstListed) {
+    for (const uint64_t sizeOfFirstListed : {GiB, 3 * GiB}) {
+        SCOPED_TRACE(sizeOfFirstListed);
+        machine::Pc pc = TwoTargets(GiB, 2 * GiB);
+        pc.disks[0].vdsName.reset();
+        pc.disks.insert(pc.disks.begin(), PlainDisk(5, sizeOfFirstListed));
+        VdsSession session(pc);
+        EXPECT_EQ(FirstDisk(session), (sizeOfFirstListed < 2 * GiB ? Decision{TRUE, 1} : Decision{FALSE, 0}));
+    }
+}

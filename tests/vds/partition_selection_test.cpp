@@ -284,3 +284,28 @@ TEST(GetGPTPartitionType, MbrPartition_HasNone) {
     EXPECT_EQ(session.Records(), Lines({"4 Kestova CVDSPartition::GetGPTPartitionType Start",
                                         "4 Kestova CVDSPartition::GetGPTPartitionType end. bRet = {int 0}"}));
 }
+
+TEST(GetVolumeLabel, ExtentsThatCanHaveAVolume_ReturnItsLabel) {
+    for (const int type : {VDS_DET_DATA, VDS_DET_ESP, VDS_DET_MSR, VDS_DET_LDM}) {
+        SCOPED_TRACE(type);
+        SelectedDisk session;
+        session.Partition(2).volume->extentType = type;
+        session->SelectPartition(2);
+        EXPECT_EQ(Label(session), "Windows");
+    }
+}
+
+TEST(SelectPartition, UnlistedPartitions_AreNotLookedForAmongTheExtents) {
+    SelectedDisk session;
+    session.Fail("IVdsAdvancedDisk::QueryPartitions", failure);
+    EXPECT_TRUE(session->SelectPartition(2));
+    EXPECT_TRUE(session.pc.journal.Calls("IVdsDisk::QueryExtents").empty());
+}
+
+TEST(SelectDisk, SelectedPartition_StaysSelected) {
+    SelectedDisk session;
+    EXPECT_TRUE(session->SelectPartition(2));
+    EXPECT_TRUE(session->SelectDisk(0));
+    EXPECT_EQ(session->PartitionProperties().ulPartitionNumber, 2u);
+    EXPECT_EQ(Label(session), "Windows");
+}

@@ -259,3 +259,17 @@ TEST(IsCachePartitionForExpCacheExist, FailedList_IsAnError) {
                          "1 Kestova CVDSPartition::QuerySecondDiskPartitions error. bReturn = FALSE",
                          "4 Kestova CVDSPartition::IsCachePartitionForExpCacheExist\\t\\t End"}));
 }
+
+// The field of one style is not read as that of the other: an id and a GUID begin at the same byte.
+TEST(IsCachePartitionForExpCacheExist, CacheTypeOfAnotherStyle_IsNone) {
+    machine::Disk gpt = CacheDisk(MBR_ID_NONE);
+    gpt.style = machine::PartitionStyle::Gpt;
+    gpt.partitions[0].gptType = PARTITION_BASIC_DATA_GUID;
+    gpt.partitions[0].gptType.Data1 = MBR_ID_CACHE;
+    machine::Disk unknown = CacheDisk(MBR_ID_CACHE);
+    unknown.style = machine::PartitionStyle::Unknown;
+    for (const machine::Disk& disk : {gpt, unknown}) {
+        VdsSession session(WindowsPe({disk}));
+        EXPECT_FALSE(session->IsCachePartitionForExpCacheExist());
+    }
+}

@@ -1,8 +1,22 @@
 #include "machine/api/com/object.h"
+#include "machine/api/call/unshown.h"
 
 #include <algorithm>
 
 namespace machine {
+
+namespace {
+
+// The name of the call that the journal has last.
+std::string LastCall() {
+    const std::vector<JournalEntry>& entries = EmulatedPc::Current().journal.Entries();
+    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+        if (const CallRecord* const record = std::get_if<CallRecord>(&*entry)) return record->call;
+    }
+    return {};
+}
+
+}  // namespace
 
 ComReferences::ComReferences(ComObject& object, const IID& iid, const char* name, IUnknown* pointer)
     : object_(object), name_(name) {
@@ -33,6 +47,7 @@ ULONG ComReferences::GiveBack() {
         return 0;
     }
     ledger.GiveBack(name_);
+    NoteUnshown("IUnknown::Release", {name_, LastCall()});
     return --count_;
 }
 

@@ -1,6 +1,7 @@
 // DeviceIoControl: finds the control and applies it to the device behind the handle.
 
 #include "machine/api/call/outcome.h"
+#include "machine/api/call/unshown.h"
 #include "machine/api/devices/device_controls.h"
 
 using namespace machine;
@@ -27,6 +28,7 @@ extern "C" BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID input, 
     const DeviceControl* const control = FindDeviceControl(code);
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle),
                                           control != nullptr ? control->name : Hex(code)};
+    NoteUnshown("DeviceIoControl", {std::to_string(inputSize), std::to_string(outputSize)});
     if (returned != nullptr) *returned = 0;
     return Answer<BOOL>("DeviceIoControl", std::move(arguments), [&](EmulatedPc& pc) {
         if (returned == nullptr) return Outcome(pc, ERROR_INVALID_PARAMETER);

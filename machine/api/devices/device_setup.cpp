@@ -7,6 +7,7 @@
 #include "base/text_case.h"
 #include "machine/api/call/handle_table.h"
 #include "machine/api/call/outcome.h"
+#include "machine/api/call/unshown.h"
 
 using namespace machine;
 
@@ -96,9 +97,10 @@ extern "C" HDEVINFO WINAPI SetupDiCreateDeviceInfoList(const GUID*, HWND) {
 
 // Adds a device to the set; an empty id is the root of the device tree. Error 6 for a set that is not open,
 // 1784 for a record without its size, 0xE000020B for a device that does not exist.
-extern "C" BOOL WINAPI SetupDiOpenDeviceInfoW(HDEVINFO set, PCWSTR id, HWND, DWORD,
+extern "C" BOOL WINAPI SetupDiOpenDeviceInfoW(HDEVINFO set, PCWSTR id, HWND, DWORD flags,
                                               PSP_DEVINFO_DATA element) {
     const std::string name = ToUtf8(id);
+    NoteUnshown("SetupDiOpenDeviceInfoW", {Hex(flags)});
     return Answer<BOOL>("SetupDiOpenDeviceInfoW", {name},
                         [&](EmulatedPc& pc) { return Outcome(pc, OpenDevice(pc, set, name, element)); });
 }

@@ -5,6 +5,7 @@
 
 #include "base/text_case.h"
 #include "machine/api/call/outcome.h"
+#include "machine/api/call/unshown.h"
 #include "machine/api/files/redirection.h"
 #include "machine/api/handles/file_handles.h"
 #include "machine/api/handles/processes.h"
@@ -73,6 +74,7 @@ extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode
                                      DWORD disposition, DWORD flags, HANDLE) {
     const std::string path = ToUtf8(name);
     std::vector<std::string> arguments = {path, Hex(access), Hex(shareMode), DispositionText(disposition)};
+    NoteUnshown("CreateFileW", {Hex(flags)});
     HANDLE opened = INVALID_HANDLE_VALUE;
     const HANDLE answer = Answer<HANDLE>("CreateFileW", std::move(arguments), [&](EmulatedPc& pc) {
         std::string_view device = path;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "machine/api/call/outcome.h"
+#include "machine/api/call/unshown.h"
 #include "machine/facts/letters.h"
 
 using namespace machine;
@@ -71,6 +72,7 @@ extern "C" BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD l
                                              LPDWORD longestName, LPDWORD flags, LPWSTR fileSystem,
                                              DWORD fileSystemSize) {
     const std::string path = ToUtf8(root);
+    NoteUnshown("GetVolumeInformationW", {std::to_string(labelSize), std::to_string(fileSystemSize)});
     return Answer<BOOL>("GetVolumeInformationW", {path}, [&](EmulatedPc& pc) {
         return Outcome(
             pc, ReturnVolume(pc, path,

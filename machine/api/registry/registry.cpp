@@ -6,6 +6,7 @@
 
 #include "base/text_case.h"
 #include "machine/api/call/call.h"
+#include "machine/api/call/unshown.h"
 #include "machine/api/registry/open_keys.h"
 
 using namespace machine;
@@ -45,10 +46,8 @@ std::string KeyName(HKEY key) {
 
 // The boot loader's options come from the running system's facts, overriding the registry.
 std::optional<RegistryValue> FindValue(const Pc& pc, const std::string& path, const std::string& name) {
-    if (SameName(path, controlKey) && SameName(name, startOptionsValue)) {
-        return pc.system.startOptions ? std::optional(RegistryValue{REG_SZ, *pc.system.startOptions})
-                                      : std::nullopt;
-    }
+    if (pc.system.startOptions && SameName(path, controlKey) && SameName(name, startOptionsValue))
+        return RegistryValue{REG_SZ, *pc.system.startOptions};
     for (const auto& [key, values] : pc.registry) {
         if (!SameName(key, path)) continue;
         for (const auto& [valueName, value] : values) {
@@ -105,9 +104,11 @@ bool machine::KeyExists(const Pc& pc, const std::string& path) {
 
 // Error 2 for a key that does not exist, 6 for a parent that is not open, 87 without an output pointer. The
 // output is null after a failure. The caller closes the key with RegCloseKey.
-extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD, REGSAM access, PHKEY opened) {
+extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD options, REGSAM access,
+                                        PHKEY opened) {
     if (opened != nullptr) *opened = nullptr;
     const std::string path = WithoutSlashes(ToUtf8(name));
+    NoteUnshown("RegOpenKeyExW", {Hex(options)});
     return Answer<LSTATUS>("RegOpenKeyExW", {KeyName(parent), path, Hex(access)},
                            [&](EmulatedPc& pc) -> LSTATUS {
                                if (opened == nullptr) return ERROR_INVALID_PARAMETER;
@@ -127,6 +128,7 @@ extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD, REGSAM
 extern "C" LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD, LPDWORD type, LPBYTE data,
                                            LPDWORD size) {
     const std::string value = ToUtf8(name);
+    NoteUnshown("RegQueryValueExW", {size != nullptr ? std::to_string(*size) : "null"});
     return Answer<LSTATUS>("RegQueryValueExW", {KeyName(key), value},
                            [&](EmulatedPc& pc) { return Query(pc, key, value, type, data, size); });
 }

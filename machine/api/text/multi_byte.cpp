@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "machine/api/call/call.h"
+#include "machine/api/call/unshown.h"
 #include "machine/api/text/ansi_code_page.h"
 #include "machine/api/text/oem_code_page.h"
 
@@ -26,10 +27,11 @@ std::optional<std::string> Converted(UINT codePage, WideView text) {
 // The number of bytes written, or required if `capacity` is 0. A length of -1 converts up to and including
 // the terminator. A character missing from the code page becomes "?". 0 with error 87 without a text and
 // for code pages other than CP_ACP and CP_OEMCP, with 122 for a short buffer, which is left untouched.
-extern "C" INT WINAPI WideCharToMultiByte(UINT codePage, DWORD, LPCWSTR text, INT length, LPSTR buffer,
+extern "C" INT WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, INT length, LPSTR buffer,
                                           INT capacity, LPCSTR, LPBOOL) {
     std::vector<std::string> arguments = {std::to_string(codePage), std::to_string(length),
                                           std::to_string(capacity)};
+    NoteUnshown("WideCharToMultiByte", {Hex(flags)});
     return Answer<INT>("WideCharToMultiByte", std::move(arguments), [&](EmulatedPc& pc) -> INT {
         const auto fail = [&](uint32_t error) {
             return Failure<INT>(pc, FailsWith::ZeroAndLastError, error);

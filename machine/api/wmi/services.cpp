@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text_case.h"
+#include "machine/api/call/unshown.h"
 #include "machine/api/wmi/locator.h"
 #include "machine/api/wmi/object.h"
 
@@ -40,9 +41,12 @@ HRESULT Locate(EmulatedPc& pc, const std::string& space, const std::string& path
 
 }  // namespace
 
-HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR, const BSTR, const BSTR, LONG, const BSTR,
-                                  IWbemContext*, IWbemServices** services) {
+HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR user, const BSTR password,
+                                  const BSTR locale, LONG flags, const BSTR authority, IWbemContext*,
+                                  IWbemServices** services) {
     Empty(services);
+    NoteUnshown("IWbemLocator::ConnectServer",
+                {ToUtf8(user), ToUtf8(password), ToUtf8(locale), std::to_string(flags), ToUtf8(authority)});
     return Call("IWbemLocator::ConnectServer", {ToUtf8(resource)}, [&](EmulatedPc& pc) {
         if (resource == nullptr || services == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
         const std::optional<std::string> space = NamespaceOf(ToUtf8(resource));

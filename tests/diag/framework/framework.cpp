@@ -32,7 +32,11 @@ AFX_MODULE_STATE& HostState() {
 
 // --- state ---
 
-AFX_MODULE_STATE::AFX_MODULE_STATE(BOOL, WNDPROC, DWORD, BOOL) {}
+AFX_MODULE_STATE::AFX_MODULE_STATE(BOOL isDll, WNDPROC windowProcedure, DWORD version, BOOL isSystem)
+    : m_bDLL(static_cast<BYTE>(isDll)),
+      m_bSystem(static_cast<BYTE>(isSystem)),
+      m_dwVersion(version),
+      m_pfnAfxWndProc(windowProcedure) {}
 
 AFX_MODULE_STATE* AFXAPI AfxGetModuleState() {
     return currentState != nullptr ? currentState : &HostState();

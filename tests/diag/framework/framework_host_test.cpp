@@ -158,6 +158,15 @@ TEST_F(FrameworkHost, FailsToLoadWithoutMemoryForItsRecord) {
 
 // --- the application object ---
 
+TEST_F(FrameworkHost, HasTheStateOfALibraryOfThisFramework) {
+    const ModuleContext context;
+    const AFX_MODULE_STATE& own = *AfxGetModuleState();
+    EXPECT_EQ(own.m_bDLL, TRUE);
+    EXPECT_EQ(own.m_bSystem, FALSE);
+    EXPECT_EQ(own.m_dwVersion, DWORD{_MFC_VER});
+    EXPECT_EQ(own.m_pfnAfxWndProc, &AfxWndProc);
+}
+
 TEST_F(FrameworkHost, MadeItsApplicationObjectInTheModulesState) {
     EXPECT_EQ(HostState().m_pCurrentWinApp, nullptr);
     const ModuleContext context;

@@ -16,6 +16,10 @@ class AFX_MODULE_STATE {
 
     CWinApp* m_pCurrentWinApp = nullptr;
     CDynLinkLibrary* m_libraryList = nullptr;
+    BYTE m_bDLL;
+    BYTE m_bSystem;
+    DWORD m_dwVersion;
+    WNDPROC m_pfnAfxWndProc;
 };
 
 struct AFX_EXTENSION_MODULE {

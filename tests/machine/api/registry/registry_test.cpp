@@ -110,6 +110,9 @@ TEST(RegQueryValue, StartOptions_AreTheRunningSystems) {
     EXPECT_EQ(type, DWORD{REG_SZ});
     EXPECT_EQ(size, 2 * 19u);
     pc.facts.system.startOptions.reset();
+    EXPECT_EQ(RegQueryValueExW(key, u"SystemStartOptions", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 2 * 6u);
+    pc.facts.registry.clear();
     EXPECT_EQ(RegQueryValueExW(key, u"SystemStartOptions", nullptr, nullptr, nullptr, nullptr),
               ERROR_FILE_NOT_FOUND);
     RegCloseKey(key);
