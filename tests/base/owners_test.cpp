@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include <vector>
 
 #include "tests/device/hosted_pc.h"
@@ -155,4 +157,12 @@ TEST(Variant, AnythingElse_ReturnsAnEmptyText) {
     EXPECT_EQ(value.Text(), WideString());
     V_VT(value.Put()) = VT_BSTR;  // a null string
     EXPECT_EQ(value.Text(), WideString());
+}
+
+TEST(Variant, MemoryUsedBefore_Construct_IsEmpty) {
+    alignas(Variant) unsigned char place[sizeof(Variant)];
+    std::memset(place, 0xFF, sizeof place);
+    Variant* const variant = new (place) Variant;
+    EXPECT_EQ(V_VT(&variant->Get()), VT_EMPTY);
+    variant->~Variant();
 }

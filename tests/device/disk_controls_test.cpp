@@ -129,3 +129,34 @@ TEST(QueryStorageProperty, SataDisk_IsAskedForTheWholeDescriptor) {
     EXPECT_EQ(allocations[0].arguments[1], std::to_string(descriptor->Size));
     EXPECT_EQ(pc.emulated.journal.Calls("DeviceIoControl").size(), 2U);
 }
+
+namespace {
+
+// What is on loan at the moment of that record.
+class LoansAtRecord : public ILogSink {
+  public:
+    LoansAtRecord(const machine::Ledger& ledger, const WCHAR* start) : ledger_(ledger), start_(start) {
+        CLoggingFactory::GetInstance().AddSink(*this);
+    }
+    ~LoansAtRecord() { CLoggingFactory::GetInstance().RemoveSink(*this); }
+    std::map<std::string, int> loans;
+
+  private:
+    void Write(const LogEntry& entry) override {
+        if (entry.Text().starts_with(start_)) loans = ledger_.Outstanding();
+    }
+    const machine::Ledger& ledger_;
+    const WideString start_;
+};
+
+}  // namespace
+
+TEST(QueryStorageProperty, UnreadableDescriptor_IsFreedBehindTheRecordAndTheDeviceClosedBefore) {
+    HostedPc pc(OneDisk());
+    pc.Fail("DeviceIoControl", ERROR_GEN_FAILURE, 2);
+    const LoansAtRecord record(pc.emulated.ledger,
+                               TEXT("Kestova CDiskDrive::QueryStorageProperty DeviceIoControl"));
+    GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+    EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), STORAGE_NOT_READ);
+    EXPECT_EQ(record.loans, (std::map<std::string, int>{{"COM initialization", 1}, {"GlobalAlloc", 1}}));
+}

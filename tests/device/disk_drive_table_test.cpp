@@ -149,6 +149,15 @@ TEST(GetDiskDrive, ControllerOfTheOtherKindOfDisk_IsNotTaken) {
     EXPECT_EQ(table.strControllerID[1], TEXT("PCI\\VEN_8086&DEV_282A\\3&FB"));
 }
 
+TEST(GetDiskDrive, FailureBeforeTheFirstRow_EmptiesATableUsedBefore) {
+    HostedPc pc(ThreeKinds());
+    pc.Fail("CoInitializeSecurity", 0x80041003);
+    tagDiskDriveTable_t table;
+    table.nCount = 3;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), accessDenied);
+    EXPECT_EQ(table.nCount, 0);
+}
+
 // Nothing of an earlier PC is left in a row.
 TEST(GetDiskDrive, TableUsedBefore_IsFilledAnew) {
     HostedPc pc(ThreeKinds());

@@ -138,3 +138,17 @@ TEST(GetLocationInformation, StaleText_IsReleased) {
     EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), 0U);
     EXPECT_FALSE(text);
 }
+
+// The records name the steps by these numbers, and callers pass them on.
+TEST(Steps, EveryStep_HasItsNumber) {
+    EXPECT_EQ(LOCATION_NO_DEVICE_SET, 1U);
+    EXPECT_EQ(LOCATION_NO_DEVICE, 2U);
+    EXPECT_EQ(PROPERTY_SIZE_UNKNOWN, 1U);
+    EXPECT_EQ(PROPERTY_NO_MEMORY, 2U);
+    EXPECT_EQ(PROPERTY_NOT_READ, 3U);
+    EXPECT_EQ(DEVICE_NOT_OPENED, 1U);
+    EXPECT_EQ(SCSI_ADDRESS_NOT_READ, 2U);
+    EXPECT_EQ(STORAGE_SIZE_UNKNOWN, 2U);
+    EXPECT_EQ(STORAGE_NO_MEMORY, 3U);
+    EXPECT_EQ(STORAGE_NOT_READ, 4U);
+}

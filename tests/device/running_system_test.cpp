@@ -118,6 +118,15 @@ TEST(GetCurrentDriveNumber, VolumeOnTwoExtents_Fails) {
     EXPECT_EQ(Find(HostedPc(facts)), unknown);
 }
 
+TEST(GetCurrentDriveNumber, FirstAndLastLetter_ReturnTheirDisk) {
+    for (const std::string letter : {"A", "Z"}) {
+        machine::Pc facts = machine::FactoryMbr();
+        facts.disks[0].partitions[1].volume->letters = letter;
+        facts.system.windowsDirectory = letter + ":\\Windows";
+        EXPECT_EQ(Find(HostedPc(facts)), (CurrentDrive{TRUE, 0})) << letter;
+    }
+}
+
 TEST(GetCurrentDriveNumber, RemovableDrive_Fails) {
     for (const auto type : {machine::DriveType::Removable, machine::DriveType::Remote,
                             machine::DriveType::Optical, machine::DriveType::RamDisk}) {

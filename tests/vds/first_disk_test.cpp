@@ -394,3 +394,10 @@ TEST(GetFirstInternalDriveNumber, FirstTargetUnlistedByTheService_IsComparedAsTh
         EXPECT_EQ(FirstDisk(session), (sizeOfFirstListed < 2 * GiB ? Decision{TRUE, 1} : Decision{FALSE, 0}));
     }
 }
+
+// The search for the second candidate skips the first one, whatever its number.
+TEST(GetFirstInternalDriveNumber, FirstTargetThatIsNotDisk0_IsComparedWithTheOther) {
+    VdsSession session(WithSettingFile({KnownDisk(1, GiB, "Bus Number 6, Target Id 0, LUN 0"),
+                                        KnownDisk(0, 2 * GiB, "Bus Number 6, Target Id 1, LUN 0")}));
+    EXPECT_EQ(FirstDisk(session), (Decision{TRUE, 0}));
+}
