@@ -25,7 +25,7 @@ FileHandle OpenVolume(WCHAR letter, DWORD access) {
 
 bool ReadDiskNumber(const FileHandle& volume, int& diskNumber) {
     VOLUME_DISK_EXTENTS extents = {};  // space for one extent
-    DWORD returned;
+    DWORD returned = 0;
     if (!DeviceIoControl(volume.Get(), IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, nullptr, 0, &extents,
                          sizeof extents, &returned, nullptr)) {
         return false;

@@ -116,7 +116,7 @@ BOOL CDiskDrive::GetFirstInternalDriveNumber(int& driveNumber, int skippedDrive,
         excluded = ExistExcludeID(table.strControllerID[row], fileName);
         if (excluded) continue;
         found = TRUE;
-        int order;
+        int order = 0;
         listed = GetOrderIndex(table.strControllerID[row], fileName, order);
         if (table.nDriveNumber[row] == skippedDrive) continue;
 

@@ -19,7 +19,7 @@ BOOL QueryDeviceProperty(HANDLE device, STORAGE_DEVICE_DESCRIPTOR* descriptor, D
     STORAGE_PROPERTY_QUERY query = {};
     query.PropertyId = StorageDeviceProperty;
     query.QueryType = PropertyStandardQuery;
-    DWORD returned;
+    DWORD returned = 0;
     return DeviceIoControl(device, IOCTL_STORAGE_QUERY_PROPERTY, &query, sizeof query, descriptor, size,
                            &returned, nullptr);
 }
@@ -33,7 +33,7 @@ DWORD CDiskDrive::GetScsiAddress(const WideString& devicePath, SCSI_ADDRESS& add
                           TEXT("Kestova CDiskDrive::GetScsiAddress CreateFile INVALID_HANDLE_VALUE (1)"),
                           DEVICE_NOT_OPENED);
     }
-    DWORD returned;
+    DWORD returned = 0;
     const BOOL read = DeviceIoControl(device.Get(), IOCTL_SCSI_GET_ADDRESS, nullptr, 0, &address,
                                       sizeof address, &returned, nullptr);
     const DWORD lastError = GetLastError();

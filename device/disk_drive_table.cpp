@@ -97,7 +97,7 @@ void CDiskDrive::ReadDevices(tagDiskDriveTable_t& table) {
             table.Lun[row] = address.Lun;
         }
         GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
-        if (QueryStorageProperty(table.strDeviceID[row], descriptor) == 0)
+        if (QueryStorageProperty(table.strDeviceID[row], descriptor) == 0 && descriptor)
             table.nBusType[row] = BusTypeOf(*descriptor.Get());
     }
 }

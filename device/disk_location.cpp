@@ -18,8 +18,8 @@ constexpr FailureText noDevice = {
 int ReadLocation(const WCHAR* text, int& targetLocation) {
     int location = -1;
     if (ScanNumbers(text, TEXT("%d"), {&location}) == 1) return location;
-    int bus;
-    int target;
+    int bus = -1;
+    int target = -1;
     if (ScanNumbers(text, TEXT("Bus Number %d, Target Id %d"), {&bus, &target}) < 2) return -1;
     if (bus != targetBus) return bus;
     targetLocation = 1;

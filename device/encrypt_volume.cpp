@@ -74,7 +74,7 @@ HRESULT CEncryptVolume::EnumEncryptableVolume(IWbemServices* services, const Wid
         WideString deviceId;
         WideString persistentVolumeId;
         WideString driveLetter;
-        bool complete;
+        bool complete = false;
         result = ReadNext(instances.Get(),
                           {{TEXT("DeviceID"), deviceId},
                            {TEXT("PersistentVolumeID"), persistentVolumeId},
@@ -82,8 +82,8 @@ HRESULT CEncryptVolume::EnumEncryptableVolume(IWbemServices* services, const Wid
                           complete);
         if (!complete) return result;
 
-        int returnValue;
-        int encryptionMethod;
+        int returnValue = 0;
+        int encryptionMethod = 0;
         result = QueryEncryptionMethod(services, namespacePath, ObjectKey(deviceId), returnValue,
                                        encryptionMethod);
         // The volumes after one whose query failed are not queried.

@@ -11,7 +11,7 @@ HRESULT ReadNext(IEnumWbemClassObject* instances, std::initializer_list<TextProp
                  bool& complete) {
     complete = false;
     ComPtr<IWbemClassObject> instance;
-    ULONG returned;
+    ULONG returned = 0;
     HRESULT result = instances->Next(static_cast<LONG>(WBEM_INFINITE), 1, instance.Put(), &returned);
     if (FAILED(result) || !instance) return result;
     for (const TextProperty& property : properties) {

@@ -53,8 +53,8 @@ HRESULT CDiskDrive::Enum_DiskDrive(IWbemServices* services, tagDiskDriveTable_t&
             TEXT("Kestova CDiskDrive::Enum_DiskDrive pWbemServices->CreateInstanceEnum FAILED( hResult )"),
             result);
     }
-    bool overflow;
-    bool complete;
+    bool overflow = false;
+    bool complete = false;
     do {
         // Tested before the next disk is read: a table that is exactly full counts as overflow.
         overflow = table.nCount == MAX_DISK_DRIVES;
@@ -84,7 +84,7 @@ HRESULT CDiskDrive::Enum_ControllerDevice(IWbemServices* services, const WCHAR* 
     if (FAILED(result)) {
         return LogFailure(LOG_LEVEL_ERROR, noLinks, result);
     }
-    bool complete;
+    bool complete = false;
     do {
         result = ReadNext(instances.Get(),
                           {{TEXT("Antecedent"), links.Antecedent[links.nCount]},

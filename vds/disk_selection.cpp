@@ -78,7 +78,7 @@ BOOL CVDSPartition::SelectDisk(int diskNumber) {
 
 const VDS_DISK_PROP* CVDSPartition::FindDisk(std::span<const VDS_DISK_PROP> disks, int diskNumber) {
     for (const VDS_DISK_PROP& disk : disks) {
-        int number;
+        int number = -1;
         if (disk.dwDeviceType != FILE_DEVICE_DISK) continue;
         if (GetPhysicalDriveNumber(disk.pwszName, number) && number == diskNumber) return &disk;
     }
@@ -94,7 +94,7 @@ BOOL CVDSPartition::RefreshDiskProperties() {
 }
 
 BOOL CVDSPartition::GetDiskPartitionStyle(int& style) {
-    int diskNumber;
+    int diskNumber = -1;
     if (!GetFirstInternalDriveNumber(diskNumber) || !SelectDisk(diskNumber) || !RefreshDiskProperties()) {
         return FALSE;
     }

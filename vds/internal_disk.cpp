@@ -139,7 +139,7 @@ BOOL MatchDisks(CVDSPartition& partition, std::span<const VDS_DISK_PROP> disks, 
                 .Long(static_cast<LONG>(position));
             continue;
         }
-        int nDiskNumber;
+        int nDiskNumber = -1;
         if (!IsInternalBus(disk.BusType)) continue;
         if (!partition.GetPhysicalDriveNumber(disk.pwszName, nDiskNumber)) continue;
         if (IsFirstDisk(search, nDiskNumber, position)) {
@@ -219,7 +219,7 @@ int CVDSPartition::FindSmallestDisk() {
     ULONGLONG smallestSize = 0;  // 0: none yet
     for (const VDS_DISK_PROP& disk : list.Disks()) {
         if (disk.dwDeviceType != FILE_DEVICE_DISK || !IsInternalBus(disk.BusType)) continue;
-        int nDiskNumber;
+        int nDiskNumber = -1;
         const BOOL parsed = GetPhysicalDriveNumber(disk.pwszName, nDiskNumber);
         if (!parsed) {
             LogFailure(LOG_LEVEL_ERROR, secondNoNumber, parsed);

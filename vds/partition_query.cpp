@@ -79,7 +79,7 @@ BOOL CVDSPartition::QuerySecondPartitions(VDS_PARTITION_PROP** partitions, LONG*
 }
 
 BOOL CVDSPartition::ReadSecondPartitions(VDS_PARTITION_PROP** partitions, LONG* count) {
-    int diskNumber;
+    int diskNumber = -1;
     if (!GetSecondInternalDriveNumber(diskNumber)) {
         return LogFailure(
             LOG_LEVEL_ERROR,
