@@ -41,6 +41,7 @@ Kestova::Kestova(const Kestova& other) {
 }
 
 Kestova& Kestova::operator=(const Kestova& other) {
+    if (this == &other) return *this;
     m_HardDiskType = other.m_HardDiskType;
     m_wReserved = other.m_wReserved;
     m_pEncryptVolume = other.m_pEncryptVolume;

@@ -33,9 +33,9 @@ std::unique_ptr<BYTE[]> ReadValue(HKEY key, const WCHAR* name, DWORD& length) {
     if (RegQueryValueExW(key, name, nullptr, nullptr, nullptr, &length) != ERROR_SUCCESS) return nullptr;
     std::unique_ptr<BYTE[]> data(new (std::nothrow) BYTE[length]());
     DWORD room = length;
-    const bool read =
-        data && RegQueryValueExW(key, name, nullptr, nullptr, data.get(), &room) == ERROR_SUCCESS;
-    return read ? std::move(data) : nullptr;
+    if (!data || RegQueryValueExW(key, name, nullptr, nullptr, data.get(), &room) != ERROR_SUCCESS)
+        return nullptr;
+    return data;
 }
 
 // Adds the letters that are not in the map yet.
@@ -46,8 +46,8 @@ void ReadLetters(HKEY key, DeviceMap& devices) {
         DWORD length = 0;
         std::unique_ptr<BYTE[]> data = ReadValue(key, name, length);
         if (!data) continue;
-        const auto [place, added] = devices.try_emplace(letter, tagDeviceData_t{nullptr, length});
-        if (added) place->second.pData = data.release();
+        const bool added = devices.try_emplace(letter, tagDeviceData_t{data.get(), length}).second;
+        if (added) static_cast<void>(data.release());  // the map owns it
     }
 }
 

@@ -67,7 +67,8 @@ void IsoVolume::ReadDescriptors() {
         if (blockSize != 512 && blockSize != 1024 && blockSize != sectorSize) continue;
         blockSize_ = blockSize;
         isJoliet_ = isJoliet;
-        root_ = EntryOf(std::string_view(*descriptor).substr(156, 34));
+        const Entry root = EntryOf(std::string_view(*descriptor).substr(156, 34));
+        root_ = static_cast<const Item&>(root);
         root_.isFolder = true;
         if (isJoliet) return;
     }
