@@ -162,7 +162,8 @@ class KESTOVA_API Kestova {
     // The disk and partition of each letter of the installed Windows, in ascending order, at most count
     // records; those that are not filled are unchanged. 0 if a step failed or count was too small, else 1.
     // Needs the X: drive of Windows PE. May wait 61.8 seconds: `reg` loads and unloads a hive, each in up to
-    // three attempts of up to 10 seconds and a pause of 0.3.
+    // three attempts of up to 10 seconds and a pause of 0.3. Only one object at a time may do this, in all
+    // processes: they share the batch file and the place of the hive.
     int GetWinDriveLetters(tagDriveInfo_t* records, int count);
 
     // --- choosing what the machine boots ---

@@ -2,7 +2,7 @@
 # shellcheck shell=bash
 
 # What fuzzing finds is kept outside the tree: the inputs of each target, from run to run, and crashes.
-fuzz_folder=${XDG_CACHE_HOME:-$HOME/.cache}/kestova-fuzz
+fuzz_folder=${XDG_CACHE_HOME:-${HOME:-$temporary}/.cache}/kestova-fuzz
 fuzz_figures=tests/figures/fuzz.tsv
 
 fuzz_targets() { sed -n 's/^\([a-z][a-z-]*\) .*/\1/p' fuzz/targets.txt; }

@@ -29,4 +29,13 @@ std::vector<LogEntry> Journal::Records() const {
     return Only<LogEntry>(entries_);
 }
 
+std::vector<std::vector<std::string>> Journal::Unshown(const std::string& call) const {
+    const auto arguments = unshown_.find(call);
+    return arguments != unshown_.end() ? arguments->second : std::vector<std::vector<std::string>>();
+}
+
+void Journal::AddUnshown(const std::string& call, std::vector<std::string> arguments) {
+    unshown_[call].push_back(std::move(arguments));
+}
+
 }  // namespace machine

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <utility>
 #include <variant>
@@ -27,17 +28,27 @@ using JournalEntry = std::variant<CallRecord, LogEntry>;
 class Journal {
   public:
     void Add(JournalEntry entry) { entries_.push_back(std::move(entry)); }
-    void Clear() { entries_.clear(); }
+    void Clear() { Take(); }
     // Everything since the last call, which the journal then no longer holds.
-    std::vector<JournalEntry> Take() { return std::exchange(entries_, {}); }
+    std::vector<JournalEntry> Take() {
+        unshown_.clear();
+        return std::exchange(entries_, {});
+    }
     const std::vector<JournalEntry>& Entries() const { return entries_; }
     // Only the calls; only those of one name; only the log records.
     std::vector<CallRecord> Calls() const;
     std::vector<CallRecord> Calls(const std::string& name) const;
     std::vector<LogEntry> Records() const;
+    // What the entries leave out, because their text is what people read and scripts parse: sizes, flags and
+    // credentials that no answer depends on, and the order of releases. One element for each call of that
+    // name, in order; none for a call of which the entries show everything. "IUnknown::Release" has the
+    // interface, and the call before it. Only tests ask for it.
+    std::vector<std::vector<std::string>> Unshown(const std::string& call) const;
+    void AddUnshown(const std::string& call, std::vector<std::string> arguments);
 
   private:
     std::vector<JournalEntry> entries_;
+    std::map<std::string, std::vector<std::vector<std::string>>> unshown_;
 };
 
 }  // namespace machine

@@ -4,12 +4,10 @@
 #include "device/disk_drive.h"
 #include "device/ide_ini.h"
 #include "device/wmi_ex.h"
-#include "machine/api/call/unshown.h"
 #include "tests/device/hosted_pc.h"
 
 namespace {
 
-using machine::UnshownArguments;
 using testing::Each;
 using testing::ElementsAre;
 
@@ -34,8 +32,8 @@ TEST(DeviceCalls, ScsiAddress_IsReadIntoItsRecord) {
     HostedPc pc(OneDisk());
     SCSI_ADDRESS address = {};
     CDiskDrive().GetScsiAddress(diskPath, address);
-    EXPECT_THAT(UnshownArguments(pc.emulated, "CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
-    EXPECT_THAT(UnshownArguments(pc.emulated, "DeviceIoControl"),
+    EXPECT_THAT(pc.emulated.journal.Unshown("CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("DeviceIoControl"),
                 ElementsAre(Arguments{"0", SizeText(sizeof(SCSI_ADDRESS))}));
 }
 
@@ -44,7 +42,7 @@ TEST(DeviceCalls, StorageProperty_IsReadAsHeaderThenWhole) {
     GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
     CDiskDrive().QueryStorageProperty(diskPath, descriptor);
     const std::string query = SizeText(sizeof(STORAGE_PROPERTY_QUERY));
-    EXPECT_THAT(UnshownArguments(pc.emulated, "DeviceIoControl"),
+    EXPECT_THAT(pc.emulated.journal.Unshown("DeviceIoControl"),
                 ElementsAre(Arguments{query, SizeText(sizeof(STORAGE_DEVICE_DESCRIPTOR))},
                             Arguments{query, SizeText(descriptor->Size)}));
 }
@@ -53,8 +51,8 @@ TEST(DeviceCalls, DiskOfAVolume_IsReadIntoSpaceForOneExtent) {
     HostedPc pc(machine::FactoryMbr());
     int number = -1;
     EXPECT_TRUE(ReadDiskNumber(OpenVolume(TEXT('C'), GENERIC_READ), number));
-    EXPECT_THAT(UnshownArguments(pc.emulated, "CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
-    EXPECT_THAT(UnshownArguments(pc.emulated, "DeviceIoControl"),
+    EXPECT_THAT(pc.emulated.journal.Unshown("CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("DeviceIoControl"),
                 ElementsAre(Arguments{"0", SizeText(sizeof(VOLUME_DISK_EXTENTS))}));
 }
 
@@ -69,16 +67,15 @@ TEST(DeviceCalls, WindowsDirectory_IsReadIntoAPath) {
 TEST(DeviceCalls, StartOptions_AreReadInto1000Bytes) {
     HostedPc pc(machine::WinPeTwoDisks());
     CDiskDrive().IsWindowsPE();
-    EXPECT_THAT(UnshownArguments(pc.emulated, "RegOpenKeyExW"), ElementsAre(Arguments{"0x00000000"}));
-    EXPECT_THAT(UnshownArguments(pc.emulated, "RegQueryValueExW"), ElementsAre(Arguments{"1000"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("RegOpenKeyExW"), ElementsAre(Arguments{"0x00000000"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("RegQueryValueExW"), ElementsAre(Arguments{"1000"}));
 }
 
 TEST(DeviceCalls, Location_IsReadIntoZeroedMemoryWithATerminator) {
     HostedPc pc(OneDisk());
     GlobalBuffer<WCHAR> text;
     EXPECT_EQ(CDiskDrive().GetLocationInformation(TEXT("IDE\\DISK0"), text), 0U);
-    EXPECT_THAT(UnshownArguments(pc.emulated, "SetupDiOpenDeviceInfoW"),
-                ElementsAre(Arguments{"0x00000000"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("SetupDiOpenDeviceInfoW"), ElementsAre(Arguments{"0x00000000"}));
     const size_t size = (std::string("Bus Number 0, Target Id 0, LUN 0").size() + 1) * sizeof(WCHAR);
     const auto properties = pc.emulated.journal.Calls("SetupDiGetDeviceRegistryPropertyW");
     ASSERT_EQ(properties.size(), 2U);
@@ -97,7 +94,7 @@ TEST(DeviceCalls, NamespaceOfWmi_IsOpenedAsTheCallerByTheUsualProxy) {
     }
     EXPECT_THAT(pc.emulated.journal.Calls("CoCreateInstance").at(0).arguments,
                 ElementsAre("WbemLocator", "0x00000001"));
-    EXPECT_THAT(UnshownArguments(pc.emulated, "IWbemLocator::ConnectServer"),
+    EXPECT_THAT(pc.emulated.journal.Unshown("IWbemLocator::ConnectServer"),
                 ElementsAre(Arguments{"", "", "", "0", ""}));
     EXPECT_THAT(pc.emulated.journal.Calls("CoSetProxyBlanket").at(0).arguments,
                 ElementsAre("10", "0", "3", "3", "0x00000000"));
@@ -128,7 +125,7 @@ TEST(DeviceCalls, TableOfDisks_ReleasesWhatItReadInnermostFirst) {
     const std::string next = "IEnumWbemClassObject::Next";
     const std::string get = "IWbemClassObject::Get";
     const std::string last = pc.emulated.journal.Calls().back().call;
-    EXPECT_THAT(UnshownArguments(pc.emulated, "IUnknown::Release"),
+    EXPECT_THAT(pc.emulated.journal.Unshown("IUnknown::Release"),
                 ElementsAre(Arguments{"IWbemClassObject", get}, Arguments{"IEnumWbemClassObject", next},
                             Arguments{"IEnumWbemClassObject", next}, Arguments{"IWbemServices", last},
                             Arguments{"IWbemLocator", last}));

@@ -1,5 +1,4 @@
 // What the platform is given beside what its answers depend on: each call of the manager once.
-#include "machine/api/call/unshown.h"
 
 #include <gmock/gmock.h>
 
@@ -10,7 +9,6 @@
 
 namespace {
 
-using machine::UnshownArguments;
 using testing::ElementsAre;
 
 using Arguments = std::vector<std::string>;
@@ -21,14 +19,14 @@ TEST(ManagerCalls, NamesOfVolumes_AreReadInto1024Units) {
     Application application(machine::FactoryMbr());
     WCHAR name[MAX_PATH] = {};
     EXPECT_EQ((application.kestova.*Open(internals::GetVolumeNameTag()))(TEXT('C'), name), 1);
-    EXPECT_THAT(UnshownArguments(application.pc, "GetVolumeInformationW"),
+    EXPECT_THAT(application.pc.journal.Unshown("GetVolumeInformationW"),
                 ElementsAre(Arguments{"1024", "1024"}));
 }
 
 TEST(ManagerCalls, PartitionNumber_IsReadIntoItsRecord) {
     Application application(machine::FactoryMbr());
     EXPECT_EQ((application.kestova.*Open(internals::GetPartNumberTag()))(TEXT('C')), 2);
-    EXPECT_THAT(UnshownArguments(application.pc, "DeviceIoControl"),
+    EXPECT_THAT(application.pc.journal.Unshown("DeviceIoControl"),
                 ElementsAre(Arguments{"0", std::to_string(sizeof(PARTITION_INFORMATION_EX))}));
 }
 
@@ -36,8 +34,8 @@ TEST(ManagerCalls, BatchFile_IsAnOrdinaryFileOfPlainCharacters) {
     machine::EmulatedPc pc(TwoSystems());
     Kestova kestova;
     EXPECT_EQ((kestova.*Open(internals::LoadRegistryTag()))(TEXT("reg unload HKLM\\TEMSYSTEM")), 0);
-    EXPECT_THAT(UnshownArguments(pc, "CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
-    EXPECT_THAT(UnshownArguments(pc, "WideCharToMultiByte"),
+    EXPECT_THAT(pc.journal.Unshown("CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
+    EXPECT_THAT(pc.journal.Unshown("WideCharToMultiByte"),
                 ElementsAre(Arguments{"0x00000000"}, Arguments{"0x00000000"}));
 }
 
@@ -49,8 +47,8 @@ TEST(ManagerCalls, LettersOfTheRegistry_AreReadIntoTheirSize) {
     Kestova kestova;
     WideString path = TEXT("SYSTEM\\MountedDevices");
     EXPECT_EQ((kestova.*Open(internals::ReadRegistryTag()))(path.data()), 1);
-    EXPECT_THAT(UnshownArguments(pc, "RegOpenKeyExW"), ElementsAre(Arguments{"0x00000000"}));
-    const std::vector<Arguments> sizes = UnshownArguments(pc, "RegQueryValueExW");
+    EXPECT_THAT(pc.journal.Unshown("RegOpenKeyExW"), ElementsAre(Arguments{"0x00000000"}));
+    const std::vector<Arguments> sizes = pc.journal.Unshown("RegQueryValueExW");
     EXPECT_THAT(sizes, testing::Contains(Arguments{"12"}));
     EXPECT_EQ((kestova.*Open(internals::PEDriveMapTag())).at(TEXT('C')).dwLength, 12U);
 }

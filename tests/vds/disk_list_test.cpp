@@ -1,7 +1,6 @@
 // The list of all disks.
 #include <cstdlib>
 
-#include "machine/api/call/unshown.h"
 #include "tests/vds/vds_session.h"
 #include "vds/service_array.h"
 
@@ -272,7 +271,7 @@ TEST(QueryDisks, EmptyPc_ReleasesEachListAtItsEnd) {
     List(session);
     using Release = std::vector<std::string>;
     const std::string next = "IEnumVdsObject::Next";
-    const auto releases = machine::UnshownArguments(session.pc, "IUnknown::Release");
+    const auto releases = session.pc.journal.Unshown("IUnknown::Release");
     const std::vector<Release> expected = {{"IEnumVdsObject", next}, {"IEnumVdsObject", next},
                                            {"IVdsSwProvider", next}, {"IUnknown", next},
                                            {"IEnumVdsObject", next}, {"IVdsSwProvider", next},

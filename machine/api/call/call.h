@@ -16,6 +16,9 @@ namespace machine {
 // Arguments and results are written to the journal in decimal, codes and flags in hexadecimal.
 std::string Hex(uint64_t value);
 
+// Adds what the journal does not show of a call.
+void NoteUnshown(const std::string& call, std::vector<std::string> arguments);
+
 // What a call of a kind that reports failures by the last error returns for one.
 template <typename R>
 R Failed(FailsWith failsWith) {

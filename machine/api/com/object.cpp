@@ -1,5 +1,4 @@
 #include "machine/api/com/object.h"
-#include "machine/api/call/unshown.h"
 
 #include <algorithm>
 

@@ -1,7 +1,6 @@
 // DeviceIoControl: finds the control and applies it to the device behind the handle.
 
 #include "machine/api/call/outcome.h"
-#include "machine/api/call/unshown.h"
 #include "machine/api/devices/device_controls.h"
 
 using namespace machine;

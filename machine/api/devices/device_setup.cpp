@@ -7,7 +7,6 @@
 #include "base/text_case.h"
 #include "machine/api/call/handle_table.h"
 #include "machine/api/call/outcome.h"
-#include "machine/api/call/unshown.h"
 
 using namespace machine;
 

@@ -5,7 +5,6 @@
 
 #include "base/text_case.h"
 #include "machine/api/call/outcome.h"
-#include "machine/api/call/unshown.h"
 #include "machine/api/files/redirection.h"
 #include "machine/api/handles/file_handles.h"
 #include "machine/api/handles/processes.h"

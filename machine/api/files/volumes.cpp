@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "machine/api/call/outcome.h"
-#include "machine/api/call/unshown.h"
 #include "machine/facts/letters.h"
 
 using namespace machine;

@@ -6,7 +6,6 @@
 
 #include "base/text_case.h"
 #include "machine/api/call/call.h"
-#include "machine/api/call/unshown.h"
 #include "machine/api/registry/open_keys.h"
 
 using namespace machine;

@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "machine/api/call/call.h"
-#include "machine/api/call/unshown.h"
 #include "machine/api/text/ansi_code_page.h"
 #include "machine/api/text/oem_code_page.h"
 

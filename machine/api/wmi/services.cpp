@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/text_case.h"
-#include "machine/api/call/unshown.h"
 #include "machine/api/wmi/locator.h"
 #include "machine/api/wmi/object.h"
 

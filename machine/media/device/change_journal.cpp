@@ -161,18 +161,16 @@ bool AreOnOneFileSystem(const std::string& left, const std::string& right) {
            leftStatus.st_dev == rightStatus.st_dev;
 }
 
-std::string PlaceOf(const std::string& image, const JournalPlace& place) {
-    if (place.kind != JournalPlace::Kind::Beside) return place.path;
-    // Beside the image itself, not a link to it.
+}  // namespace
+
+std::string JournalBeside(const std::string& image) {
     std::error_code error;
     const fs::path real = fs::canonical(image, error);
     return (error ? image : real.string()) + ".kestova-journal";
 }
 
-}  // namespace
-
 ChangeJournal::ChangeJournal(const std::string& image, const JournalPlace& place)
-    : image_(image), path_(PlaceOf(image, place)) {}
+    : image_(image), path_(place.kind == JournalPlace::Kind::Beside ? JournalBeside(image) : place.path) {}
 
 void ChangeJournal::CheckPlace() const {
     if (path_.empty()) return;

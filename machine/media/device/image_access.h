@@ -18,6 +18,9 @@ struct JournalPlace {
     std::string path = {};  // of Named
 };
 
+// The file of Kind::Beside: beside the image itself, not a link to it.
+std::string JournalBeside(const std::string& image);
+
 struct ImageUse {
     ImageUse(ImageAccess wanted, JournalPlace place = {}) : access(wanted), journal(std::move(place)) {}
 

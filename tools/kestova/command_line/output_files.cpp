@@ -39,6 +39,8 @@ OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, c
     for (const std::string& image : inputs.images)
         kept.push_back({image, "an image of this PC"});
     kept.push_back({script == "-" ? "/dev/stdin" : script, "the script"});
+    for (const std::string& journal : inputs.journals)
+        kept.push_back({journal, "the journal of an image"});
     kept.push_back({line.choice.journal, "the journal of the image"});
     Keep(kept, "--log", files.log);
     Keep({{inputs.description, "the description that --pc reads"}}, "--log", files.log);

@@ -15,7 +15,6 @@ struct OutputFiles {
 };
 
 // Changes nothing. Throws WrongUse when --log or --save names an image or its journal, the script, or each
-// other, when
-// --log names the description, and when --save names something other than a plain file, or a folder that does
-// not exist. `script` may be empty.
+// other, when --log names the description, and when --save names something other than a plain file, or a
+// folder that does not exist. `script` may be empty.
 OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script);

@@ -3,17 +3,13 @@
 #include <fcntl.h>
 #include <linux/magic.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <sys/vfs.h>
 
 #include "tools/kestova/common/descriptor.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/memory_device.h"
 
 namespace {
-
-bool IsNull(const struct stat& status) {
-    return S_ISCHR(status.st_mode) && status.st_rdev == makedev(1, 3);
-}
 
 // A pipe without a name ends with the program that writes it.
 bool IsUnnamedPipe(const Descriptor& opened) {
@@ -30,7 +26,8 @@ std::ifstream OpenInput(const std::string& file) {
     const Descriptor opened(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status = {};
     if (!opened || fstat(opened.Number(), &status) != 0) return stream;
-    if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode) && !IsNull(status) && !IsUnnamedPipe(opened))
+    if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode) && !IsMemoryDevice(status, MemoryDevice::Null) &&
+        !IsUnnamedPipe(opened))
         throw UnreadablePc(file + ": not a regular file");
     return std::ifstream("/proc/self/fd/" + std::to_string(opened.Number()), std::ios::binary);
 }

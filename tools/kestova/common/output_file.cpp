@@ -2,13 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/random.h>
-#include <sys/sysmacros.h>
 
 #include <cerrno>
 #include <cstdio>
 
 #include "base/hexadecimal.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/memory_device.h"
 #include "tools/kestova/common/output_place.h"
 
 namespace {
@@ -17,13 +17,8 @@ bool IsSame(const struct stat& left, const struct stat& right) {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
-// /dev/null takes and /dev/full refuses everything that is written.
 bool IsNullDevice(const struct stat& status) {
-    constexpr unsigned memoryDevices = 1;
-    constexpr unsigned null = 3;
-    constexpr unsigned full = 7;
-    return S_ISCHR(status.st_mode) && major(status.st_rdev) == memoryDevices &&
-           (minor(status.st_rdev) == null || minor(status.st_rdev) == full);
+    return IsMemoryDevice(status, MemoryDevice::Null) || IsMemoryDevice(status, MemoryDevice::Full);
 }
 
 bool IsStream(const Descriptor& opened, const struct stat& status) {

@@ -15,6 +15,9 @@ machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKin
 // Where the user wants the journal of changes. Throws WrongUse for one file and several images.
 machine::JournalPlace JournalOf(const PcChoice& choice);
 
+// The usual journal of an image; empty if this build has no image part.
+std::string UsualJournal(const std::string& image);
+
 // Finishes or takes back a change of the image that was interrupted. Throws as OpenImages.
 machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace& journal);
 

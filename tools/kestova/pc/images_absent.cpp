@@ -15,6 +15,10 @@ machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKin
     Refuse(paths.front());
 }
 
+std::string UsualJournal(const std::string&) {
+    return {};
+}
+
 machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace&) {
     Refuse(path);
 }

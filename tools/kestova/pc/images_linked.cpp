@@ -13,6 +13,10 @@ machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKin
     }
 }
 
+std::string UsualJournal(const std::string& image) {
+    return machine::JournalBeside(image);
+}
+
 machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace& journal) {
     try {
         return machine::RecoverImage(path, journal);

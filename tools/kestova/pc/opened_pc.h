@@ -37,6 +37,7 @@ enum class Access { Ask, ChangeTable, ChangeTableAndRecord, Change };
 struct InputFiles {
     std::string description;  // empty without one
     std::vector<std::string> images;
+    std::vector<std::string> journals;  // the usual ones of the images, whether they exist or not
 };
 
 // During its lifetime the platform calls of the library and of this program go to this PC, and the library is

@@ -142,8 +142,10 @@ class EmulatedOne final : public OpenedPc {
         for (const std::string& fault : choice.faults)
             emulated_.faults.Arm(ReadFault(fault));
         if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
-        for (const std::string* const image : ImagesOf(before_))
+        for (const std::string* const image : ImagesOf(before_)) {
             inputs_.images.push_back(*image);
+            inputs_.journals.push_back(UsualJournal(*image));
+        }
         if (choice.images.empty() && choice.pc.empty()) {
             notes_.push_back("no PC was named: this is " + before_.name +
                              ", a machine in memory that comes with the tool");

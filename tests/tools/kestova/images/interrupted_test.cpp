@@ -125,6 +125,17 @@ TEST_F(Interrupted, WrongJournal_AnyCommand_NamesItAndChangesNothing) {
     EXPECT_TRUE(IsAsItWas());
 }
 
+TEST_F(Interrupted, PendingJournalAsLogOrDescription_Status_IsWrongUse) {
+    Interrupt();
+    const std::string journal = ReadFile("disk.img.kestova-journal");
+    for (const char* const option : {"--log disk.img.kestova-journal", "--save disk.img.kestova-journal"}) {
+        const Outcome outcome = Kestova(std::string("--image disk.img status ") + option);
+        EXPECT_EQ(outcome.status, 2) << option;
+        EXPECT_THAT(outcome.errors, HasSubstr(" is the journal of an image\n"));
+        EXPECT_EQ(ReadFile("disk.img.kestova-journal"), journal) << option;
+    }
+}
+
 TEST_F(Interrupted, NamedJournal_BootRecovery_KeepsItThereAndRecoverFindsIt) {
     Shell("ulimit -f 200; " KESTOVA_PROGRAM " --image disk.img --journal kept boot recovery");
     EXPECT_FALSE(HasJournal());
