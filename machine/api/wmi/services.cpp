@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text_case.h"
+#include "machine/api/call/call.h"
 #include "machine/api/wmi/locator.h"
 #include "machine/api/wmi/object.h"
 
