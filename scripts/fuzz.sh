@@ -10,12 +10,13 @@ fuzz_targets() { sed -n 's/^\([a-z][a-z-]*\) .*/\1/p' fuzz/targets.txt; }
 # fuzz_length TARGET: its longest input, of the table.
 fuzz_length() { awk -v target="$1" '$1 == target { print $2 }' fuzz/targets.txt; }
 
-# fuzz_one TARGET SECONDS: one run, at most half a minute longer than that. Its words are in $temporary/fuzz-TARGET.
+# fuzz_one TARGET SECONDS PRESET: one run, at most half a minute longer than that. Its words are in
+# $temporary/fuzz-TARGET.
 fuzz_one() {
     local target=$1 corpus=$fuzz_folder/corpus/$1 status=0
     mkdir -p "$corpus" "$fuzz_folder/crashes"
     fuzz/make-seeds "$target" "$temporary/seeds/$target"
-    timeout $(($2 + 30)) "build/fuzz/fuzz/$target" -max_total_time="$2" -max_len="$(fuzz_length "$target")" -timeout=20 \
+    timeout $(($2 + 30)) "build/$3/fuzz/$target" -max_total_time="$2" -max_len="$(fuzz_length "$target")" -timeout=20 \
         -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$fuzz_folder/crashes/$target-" \
         "$corpus" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
     printf '%s %s\n' "$target" "$status" >>"$temporary/fuzz-done"
@@ -24,7 +25,7 @@ fuzz_one() {
 # fuzz_executions TARGET: how many inputs its run has tried.
 fuzz_executions() { sed -n 's/^stat::number_of_executed_units: *//p' "$temporary/fuzz-$1"; }
 
-# fuzz_report TARGET STATUS SECONDS: a line about a run, all of it after a crash, and the figures of a long one.
+# fuzz_report TARGET STATUS SECONDS PRESET: a line about a run, all of it after a crash, and the figures of a long one.
 fuzz_report() {
     local target=$1 crashes=0 executions inputs
     [ "$2" -eq 0 ] || crashes=1
@@ -39,25 +40,26 @@ fuzz_report() {
     tail -n 60 "$temporary/fuzz-$target" >&2
     local saved
     saved=$(sed -n 's/.*Test unit written to //p' "$temporary/fuzz-$target")
-    say "$target: crashed; run it again with: build/fuzz/fuzz/$target ${saved:-$fuzz_folder/corpus/$target/*}" >&2
+    say "$target: crashed; run it again with: build/$4/fuzz/$target ${saved:-$fuzz_folder/corpus/$target/*}" >&2
 }
 
-# fuzz [TARGET|all] [SECONDS]: two at a time; every target, five seconds each, unless more is said.
+# fuzz [TARGET|all] [SECONDS [PRESET]]: two at a time; every target, five seconds each, unless more is said. In the
+# preset sanitize nothing says what an input reaches: that does for a few seconds, and needs no build of its own.
 fuzz() {
-    local seconds=${2:-5} start=$SECONDS targets target status failed=0
+    local seconds=${2:-5} preset=${3:-fuzz} start=$SECONDS targets target status failed=0
     mapfile -t targets < <(fuzz_targets)
     if [ "${1:-all}" != all ]; then
         [[ " ${targets[*]} " == *" $1 "* ]] || fail "fuzz what? one of: all ${targets[*]}"
         targets=("$1")
     fi
     [[ $seconds =~ ^[1-9][0-9]{0,5}$ ]] || fail "fuzz for how many seconds? not '$seconds'"
-    build fuzz kestova_fuzz
+    build "$preset" kestova_fuzz
     export -f fuzz_one fuzz_length
     export temporary fuzz_folder
     # shellcheck disable=SC2016 # expanded by the shells that xargs starts
-    printf '%s\n' "${targets[@]}" | xargs -P 2 -I '{}' bash -c 'fuzz_one "$1" "$2"' - '{}' "$seconds"
+    printf '%s\n' "${targets[@]}" | xargs -P 2 -I '{}' bash -c 'fuzz_one "$@"' - '{}' "$seconds" "$preset"
     while read -r target status; do
-        fuzz_report "$target" "$status" "$seconds"
+        fuzz_report "$target" "$status" "$seconds" "$preset"
         [ "$status" -eq 0 ] || failed=$((failed + 1))
     done <"$temporary/fuzz-done"
     [ "$failed" -eq 0 ] || fail "fuzz: $failed of ${#targets[@]} targets crashed"

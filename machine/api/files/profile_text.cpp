@@ -20,8 +20,9 @@ WideView Trimmed(WideView text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-bool SameName(WideView left, WideView right) {
-    return UpperCase(WideString(Trimmed(left))) == UpperCase(WideString(Trimmed(right)));
+// Names are equal if this is.
+WideString Compared(WideView name) {
+    return UpperCase(WideString(Trimmed(name)));
 }
 
 // The section name of a header line, ignoring what follows the bracket; nothing for other lines.
@@ -67,6 +68,18 @@ std::string ToUtf16Bytes(WideView text) {
 }
 
 }  // namespace
+
+ProfileText::Line::Line(WideString newText, WideString newEnd) : end(std::move(newEnd)) {
+    SetText(std::move(newText));
+}
+
+void ProfileText::Line::SetText(WideString newText) {
+    text = std::move(newText);
+    const std::optional<WideView> header = HeaderName(text);
+    const WideView key = KeyName(text);
+    kind = header ? LineKind::Header : key.empty() ? LineKind::Other : LineKind::Key;
+    name = Compared(header.value_or(key));
+}
 
 ProfileText::ProfileText(std::string_view bytes, bool skipUtf8Mark) {
     if (bytes.starts_with(utf16Mark)) {
@@ -131,7 +144,7 @@ void ProfileText::Set(WideView section, WideView key, WideView value) {
     }
     const WideString rest = TEXT("=") + WideString(value);
     if (const size_t at = FindKey(range, key); at != nowhere) {
-        lines_[at].text = WideString(KeyName(lines_[at].text)) + rest;
+        lines_[at].SetText(WideString(KeyName(lines_[at].text)) + rest);
         return;
     }
     size_t position = range.end;
@@ -157,33 +170,32 @@ void ProfileText::SplitLines(WideView text) {
         const size_t length = std::min(text.find_first_of(lineEnd), text.size());
         const size_t end =
             text.substr(length).starts_with(lineEnd) ? 2 : std::min<size_t>(text.size() - length, 1);
-        lines_.push_back({WideString(text.substr(0, length)), WideString(text.substr(length, end))});
+        lines_.emplace_back(WideString(text.substr(0, length)), WideString(text.substr(length, end)));
         text.remove_prefix(length + end);
     }
 }
 
 ProfileText::Range ProfileText::FindSection(WideView section) const {
-    const auto isHeader = [](const Line& line) { return HeaderName(line.text).has_value(); };
-    const auto header = std::find_if(lines_.begin(), lines_.end(), [&](const Line& line) {
-        const auto name = HeaderName(line.text);
-        return name && SameName(*name, section);
-    });
+    const auto isHeader = [](const Line& line) { return line.kind == LineKind::Header; };
+    const auto header = std::find_if(
+        lines_.begin(), lines_.end(),
+        [&, name = Compared(section)](const Line& line) { return isHeader(line) && line.name == name; });
     if (header == lines_.end()) return {nowhere, nowhere};
     const auto next = std::find_if(header + 1, lines_.end(), isHeader);
     return {static_cast<size_t>(header - lines_.begin()) + 1, static_cast<size_t>(next - lines_.begin())};
 }
 
 size_t ProfileText::FindKey(const Range& range, WideView key) const {
-    if (Trimmed(key).empty()) return nowhere;
+    const WideString name = Compared(key);
     for (size_t i = range.begin; i < range.end; ++i) {
-        if (SameName(KeyName(lines_[i].text), key)) return i;
+        if (lines_[i].kind == LineKind::Key && lines_[i].name == name) return i;
     }
     return nowhere;
 }
 
 void ProfileText::InsertLine(size_t position, WideString text) {
     if (position > 0 && lines_[position - 1].end.empty()) lines_[position - 1].end = lineEnd;
-    lines_.insert(lines_.begin() + static_cast<ptrdiff_t>(position), {std::move(text), WideString(lineEnd)});
+    lines_.emplace(lines_.begin() + static_cast<ptrdiff_t>(position), std::move(text), WideString(lineEnd));
 }
 
 }  // namespace machine

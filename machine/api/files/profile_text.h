@@ -39,9 +39,16 @@ class ProfileText {
   private:
     enum class Encoding { Ansi, Utf8Mark, Utf16 };
 
+    enum class LineKind { Header, Key, Other };
+
     struct Line {
+        Line(WideString newText, WideString newEnd);
+        void SetText(WideString newText);
+
         WideString text;
         WideString end;  // its line ending in the file; empty for an unterminated last line
+        LineKind kind = LineKind::Other;
+        WideString name;  // of the section or key, as it is compared
     };
 
     // The lines of a section without its header. An absent section is empty and starts at npos.

@@ -17,6 +17,34 @@ std::string ProfilePath(const EmulatedPc& pc, LPCWSTR file) {
                                                            : pc.facts.system.windowsDirectory + "\\" + name;
 }
 
+// A longer file is no host application's, and a search that asks for its keys one by one would not end in
+// time.
+uint32_t ReadProfile(VolumeFiles files, const std::string& path, std::string& bytes) {
+    constexpr size_t longest = size_t{64} << 10;
+    const uint32_t error = files.Read(path, bytes);
+    if (error != ERROR_SUCCESS || bytes.size() <= longest) return error;
+    bytes.clear();
+    return ERROR_FILE_TOO_LARGE;
+}
+
+// The text that was read last, since the next call often reads it again.
+struct LastProfile {
+    std::string bytes;
+    bool skipsUtf8Mark = false;
+    ProfileText text{{}};
+};
+
+const ProfileText& Parsed(EmulatedPc& pc, std::string bytes) {
+    LastProfile& last = pc.State<LastProfile>();
+    const bool skips = pc.facts.switches.profilesSkipUtf8Mark;
+    if (last.bytes != bytes || last.skipsUtf8Mark != skips) {
+        last.text = ProfileText(bytes, skips);
+        last.bytes = std::move(bytes);
+        last.skipsUtf8Mark = skips;
+    }
+    return last.text;
+}
+
 // Each name with its terminator, then a final terminator.
 WideString AsList(const std::vector<WideString>& names) {
     WideString list;
@@ -55,7 +83,7 @@ uint32_t Change(EmulatedPc& pc, LPCWSTR section, LPCWSTR key, LPCWSTR value, LPC
     VolumeFiles files = FilesOf(pc);
     const std::string path = ProfilePath(pc, file);
     std::string bytes;
-    const uint32_t error = files.Read(path, bytes);
+    const uint32_t error = ReadProfile(files, path, bytes);
     if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) return error;
     ProfileText profile(bytes, pc.facts.switches.profilesSkipUtf8Mark);
     if (key == nullptr) {
@@ -77,7 +105,8 @@ using Length = decltype(GetPrivateProfileStringW(nullptr, nullptr, nullptr, null
 
 // The number of characters copied: the value, or the default without trailing blanks, truncated to size - 1.
 // Without a section, the names of all sections; without a key, the names of the section's keys; each with
-// its terminator, truncated to size - 2. Last error: 2, or another that prevented reading the file.
+// its terminator, truncated to size - 2. Last error: 2, 223 for a file of more than 64 KiB, or another that
+// prevented reading the file.
 extern "C" Length WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue,
                                                   LPWSTR buffer, DWORD size, LPCWSTR file) {
     if (buffer != nullptr && size > 0) buffer[0] = TEXT('\0');
@@ -85,9 +114,9 @@ extern "C" Length WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, 
                                           std::to_string(size), ToUtf8(file)};
     return Answer<Length>("GetPrivateProfileStringW", std::move(arguments), [&](EmulatedPc& pc) {
         std::string bytes;
-        const uint32_t error = FilesOf(pc).Read(ProfilePath(pc, file), bytes);
+        const uint32_t error = ReadProfile(FilesOf(pc), ProfilePath(pc, file), bytes);
         if (error != ERROR_SUCCESS) pc.lastError = error;
-        const ProfileText profile(bytes, pc.facts.switches.profilesSkipUtf8Mark);
+        const ProfileText& profile = Parsed(pc, std::move(bytes));
         DWORD length = 0;
         if (section == nullptr) {
             length = PutList(AsList(profile.SectionNames()), buffer, size);
@@ -101,9 +130,9 @@ extern "C" Length WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, 
 }
 
 // Writes the value; a null value removes the key, a null key the section. Creates the file, but no folder.
-// Error 3 for a missing folder or drive, 19 for a write-protected medium, 87 without a section, and the
-// other errors of VolumeFiles. Without section, key and value, FALSE with the last error unchanged: there
-// is no cache to flush.
+// Error 3 for a missing folder or drive, 19 for a write-protected medium, 87 without a section, 223 for a
+// file of more than 64 KiB, and the other errors of VolumeFiles. Without section, key and value, FALSE with
+// the last error unchanged: there is no cache to flush.
 extern "C" BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR file) {
     std::vector<std::string> arguments = {ToUtf8(section), ToUtf8(key), ToUtf8(value), ToUtf8(file)};
     return Answer<BOOL>("WritePrivateProfileStringW", std::move(arguments), [&](EmulatedPc& pc) -> BOOL {

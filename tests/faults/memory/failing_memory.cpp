@@ -15,14 +15,14 @@ FailingMemory* failing = nullptr;
 
 struct StackWalk {
     uintptr_t end;  // the frame of the test
-    bool meetsPc = false;
+    FunctionOwner nearest = FunctionOwner::Other;
 };
 
 _Unwind_Reason_Code Visit(_Unwind_Context* frame, void* argument) {
     StackWalk& walk = *static_cast<StackWalk*>(argument);
     if (_Unwind_GetCFA(frame) > walk.end) return _URC_END_OF_STACK;
-    walk.meetsPc = IsInEmulatedPc(reinterpret_cast<const void*>(_Unwind_GetIP(frame)));
-    return walk.meetsPc ? _URC_END_OF_STACK : _URC_NO_REASON;
+    walk.nearest = OwnerOf(reinterpret_cast<const void*>(_Unwind_GetIP(frame)));
+    return walk.nearest == FunctionOwner::Other ? _URC_NO_REASON : _URC_END_OF_STACK;
 }
 
 void* Allocate(size_t size) {
@@ -71,7 +71,7 @@ bool FailingMemory::Fails() {
 bool FailingMemory::IsOfLibrary() const {
     StackWalk walk{reinterpret_cast<uintptr_t>(this)};
     _Unwind_Backtrace(Visit, &walk);
-    return !walk.meetsPc;
+    return walk.nearest == FunctionOwner::Kestova;
 }
 
 void* operator new(size_t size) {

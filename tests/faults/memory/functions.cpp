@@ -18,12 +18,13 @@ namespace {
 struct Function {
     uintptr_t begin;
     uintptr_t end;
-    bool isOfPc;
+    FunctionOwner owner;
 };
 
 // Only the published calls have C names, of what runs while the library does.
-bool IsNameOfPc(std::string_view name) {
-    return !name.starts_with("_Z") || name.find("7machine") != std::string_view::npos;
+FunctionOwner OwnerOfName(std::string_view name) {
+    if (!name.starts_with("_Z") || name.find("7machine") != std::string_view::npos) return FunctionOwner::Pc;
+    return name.starts_with("_ZN7Kestova") ? FunctionOwner::Kestova : FunctionOwner::Other;
 }
 
 uintptr_t LoadAddress() {
@@ -55,7 +56,7 @@ std::vector<Function> ReadFunctions() {
         for (const ElfW(Sym) & symbol : Records<ElfW(Sym)>(file, section.sh_offset, section.sh_size)) {
             if (ELF64_ST_TYPE(symbol.st_info) != STT_FUNC || symbol.st_size == 0) continue;
             const uintptr_t begin = base + symbol.st_value;
-            functions.push_back({begin, begin + symbol.st_size, IsNameOfPc(names + symbol.st_name)});
+            functions.push_back({begin, begin + symbol.st_size, OwnerOfName(names + symbol.st_name)});
         }
     }
     if (functions.empty()) {
@@ -68,11 +69,11 @@ std::vector<Function> ReadFunctions() {
 
 }  // namespace
 
-bool IsInEmulatedPc(const void* address) {
+FunctionOwner OwnerOf(const void* address) {
     static const std::vector<Function> functions = ReadFunctions();
     const uintptr_t searched = reinterpret_cast<uintptr_t>(address);
     const auto next = std::ranges::upper_bound(functions, searched, {}, &Function::begin);
-    if (next == functions.begin()) return false;
+    if (next == functions.begin()) return FunctionOwner::Other;
     const Function& function = *std::prev(next);
-    return searched < function.end && function.isOfPc;
+    return searched < function.end ? function.owner : FunctionOwner::Other;
 }

@@ -1,6 +1,6 @@
 // Memory runs out at every allocation of the library, in every operation, on every kind of PC: once, and from
-// there on for good. No exception leaves, the result is that of the operation's row, no record is left half
-// written, the PC boots, and what the operation does only for a while is undone.
+// there on for good. No exception leaves, the answer is one that the operation has for a failure, no record
+// is left half written, the PC boots, and what the operation does only for a while is undone.
 //
 // KESTOVA_EVERY_ALLOCATION in the environment walks all of them; without it those of a long operation are
 // sampled evenly.
@@ -14,12 +14,15 @@
 
 #include "diag/module.h"
 #include "machine/facts/machines.h"
+#include "tests/faults/memory/endings.h"
 #include "tests/faults/memory/failing_memory.h"
 #include "tests/faults/memory/foreign_logger.h"
-#include "tests/faults/memory/operations.h"
 #include "tests/support/application/two_systems.h"
+#include "tests/sweep/engine/tasks.h"
 
 namespace {
+
+using sweep::Task;
 
 // --- the PCs ---
 
@@ -70,27 +73,38 @@ constexpr Machine machines[] = {{"FactoryMbr", FactoryMbr},
 
 // --- the runs ---
 
-// A PC after an operation, and what the operation returned.
-struct Aftermath {
-    explicit Aftermath(const Machine& machine) : application(machine.facts()) { Received() = {}; }
+// A PC on which an operation is called, after what has to come before it.
+struct Session {
+    Session(const Machine& machine, const Task& task) : application(machine.facts()) {
+        Values ignored;
+        if (task.before != nullptr) task.before->invoke(application.kestova, {}, ignored);
+        before = application.pc.facts;
+        Received() = {};
+    }
+
+    void Call(const Task& task) {
+        result = task.operation->invoke(application.kestova, task.arguments, outputs);
+    }
+    std::string Answer() const { return AnswerText(result, outputs); }
 
     Application application;
-    std::string result;
+    machine::Pc before;
+    Value result;
+    Values outputs;
 };
 
 struct UndisturbedRun {
     std::vector<uint32_t> places;  // of the library's allocations
-    std::string result;
-    machine::Pc before;
+    std::string answer;
     machine::Pc after;
 };
 
-UndisturbedRun RunUndisturbed(const Machine& machine, const Operation& operation) {
-    Aftermath run(machine);
+UndisturbedRun RunUndisturbed(const Machine& machine, const Task& task) {
+    Session session(machine, task);
     FailingMemory memory;
-    run.result = operation.call(run.application.kestova);
+    session.Call(task);
     memory.Stop();
-    return {memory.Places(), run.result, machine.facts(), run.application.pc.facts};
+    return {memory.Places(), session.Answer(), session.application.pc.facts};
 }
 
 // All of them, or some at equal distances.
@@ -103,10 +117,6 @@ std::vector<uint32_t> Sample(const std::vector<uint32_t>& places, size_t most) {
 }
 
 // --- what a run leaves ---
-
-bool IsSwitch(const Operation& operation) {
-    return operation.endings.contains("1") && operation.endings.size() > 1;
-}
 
 std::vector<uint32_t> ActiveOf(const machine::Pc& facts) {
     std::vector<uint32_t> active;
@@ -139,57 +149,60 @@ void ExpectFlagBeforeOrAfter(const machine::Pc& facts, const machine::Pc& before
 }
 
 // A record is written before the flag moves, and deleted again if it does not.
-void ExpectRecordOnlyWithItsFlag(Aftermath& run, const machine::Pc& before) {
-    const auto isMoved = ActiveOf(run.application.pc.facts) != ActiveOf(before);
-    const bool hadRecord =
-        PartitionOf(const_cast<machine::Pc&>(before), 1).volume->files.Find("SystemVolume.ini") != nullptr;
-    if (!isMoved) EXPECT_EQ(SystemVolumeIni(run.application.pc).has_value(), hadRecord);
+void ExpectRecordOnlyWithItsFlag(Session& session) {
+    if (ActiveOf(session.application.pc.facts) != ActiveOf(session.before)) return;
+    const bool hadRecord = PartitionOf(session.before, 1).volume->files.Find("SystemVolume.ini") != nullptr;
+    EXPECT_EQ(SystemVolumeIni(session.application.pc).has_value(), hadRecord);
 }
 
-class MemoryFaults : public testing::TestWithParam<Operation> {
+// With memory again, a switch back selects the system.
+void ExpectBoots(Session& session) {
+    EXPECT_EQ(ActivePartitions(session.application.pc).size(), 1U);
+    EXPECT_EQ(session.application.kestova.SetSystemActive(), 0);
+    EXPECT_EQ(ActivePartitions(session.application.pc), std::vector<uint32_t>{2});
+}
+
+class MemoryFaults : public testing::TestWithParam<Task> {
   protected:
     void Visit(const Machine& machine, const UndisturbedRun& undisturbed, uint32_t place, bool onwards) {
         SCOPED_TRACE(std::string(machine.name) + ", allocation " + std::to_string(place) +
                      (onwards ? " and all later ones" : ""));
-        const Operation& operation = GetParam();
-        const machine::Pc& before = undisturbed.before;
-        Aftermath run(machine);
+        Session session(machine, GetParam());
         {
             const FailingMemory memory(place, onwards);
-            ASSERT_NO_THROW(run.result = operation.call(run.application.kestova));
+            ASSERT_NO_THROW(session.Call(GetParam()));
             ASSERT_TRUE(memory.HasFailed());
         }
-        EXPECT_TRUE(run.result == undisturbed.result || operation.endings.contains(run.result)) << run.result;
+        EXPECT_TRUE(session.Answer() == undisturbed.answer ||
+                    IsEnding(*GetParam().operation, session.result, session.outputs))
+            << session.Answer();
         EXPECT_EQ(Received().withoutText, 0);
         EXPECT_FALSE(ModuleContext::IsCurrent());
-        ExpectOnlyKeptLeftovers(run.application.pc.ledger);
-        EXPECT_FALSE(IsHiveMounted(run.application.pc));
-        if (!before.volumes.empty()) EXPECT_EQ(BatchFile(run.application.pc), nullptr);
-        const bool isMbr = before.disks.front().style == machine::PartitionStyle::Mbr;
-        if (IsSwitch(operation) && isMbr) ExpectRecordOnlyWithItsFlag(run, before);
+        ExpectUndone(session);
         // A letter and a flag need memory to be undone.
-        if (!onwards) ExpectLettersAndFlag(run, before, undisturbed.after);
-        if (isMbr && operation.name != std::string("ClearActive")) ExpectBoots(run);
+        if (!onwards) ExpectLettersAndFlag(session, undisturbed.after);
+        const bool isMbr = session.before.disks.front().style == machine::PartitionStyle::Mbr;
+        if (isMbr && sweep::IsSwitch(*GetParam().operation)) ExpectRecordOnlyWithItsFlag(session);
+        if (isMbr && GetParam().name != "ClearActive") ExpectBoots(session);
     }
 
-    void ExpectLettersAndFlag(const Aftermath& run, const machine::Pc& before, const machine::Pc& after) {
-        const machine::Pc& facts = run.application.pc.facts;
-        if (!GetParam().failureLeavesLetter) ExpectLettersBeforeOrAfter(facts, before, after);
-        ExpectFlagBeforeOrAfter(facts, before, after, GetParam().name);
+    static void ExpectUndone(Session& session) {
+        ExpectOnlyKeptLeftovers(session.application.pc.ledger);
+        EXPECT_FALSE(IsHiveMounted(session.application.pc));
+        if (!session.before.volumes.empty()) EXPECT_EQ(BatchFile(session.application.pc), nullptr);
     }
 
-    // With memory again, a switch back selects the system.
-    void ExpectBoots(Aftermath& run) {
-        EXPECT_EQ(ActivePartitions(run.application.pc).size(), 1U);
-        EXPECT_EQ(run.application.kestova.SetSystemActive(), 0);
-        EXPECT_EQ(ActivePartitions(run.application.pc), std::vector<uint32_t>{2});
+    void ExpectLettersAndFlag(const Session& session, const machine::Pc& after) {
+        const machine::Pc& facts = session.application.pc.facts;
+        ExpectLettersBeforeOrAfter(facts, session.before, after);
+        ExpectFlagBeforeOrAfter(facts, session.before, after, GetParam().name);
     }
 };
 
 TEST_P(MemoryFaults, EveryAllocationFails_EndsWithItsResultAndUndoesWhatItDid) {
     for (const Machine& machine : machines) {
         // What a program allocates once is there from then on.
-        GetParam().call(std::make_unique<Aftermath>(machine)->application.kestova);
+        std::make_unique<Session>(machine, GetParam())->Call(GetParam());
         const UndisturbedRun undisturbed = RunUndisturbed(machine, GetParam());
         for (const uint32_t place : Sample(undisturbed.places, 6))
             Visit(machine, undisturbed, place, false);
@@ -198,7 +211,13 @@ TEST_P(MemoryFaults, EveryAllocationFails_EndsWithItsResultAndUndoesWhatItDid) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, MemoryFaults, testing::ValuesIn(Operations()),
-                         [](const auto& tested) { return std::string(tested.param.name); });
+// "IsVistaOS C" as a name of a test.
+std::string NameOf(const testing::TestParamInfo<Task>& tested) {
+    std::string name = tested.param.name;
+    std::ranges::replace(name, ' ', '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, MemoryFaults, testing::ValuesIn(sweep::Tasks()), NameOf);
 
 }  // namespace

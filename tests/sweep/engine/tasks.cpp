@@ -1,6 +1,7 @@
 #include "tests/sweep/engine/tasks.h"
 
 #include <map>
+#include <ostream>
 #include <set>
 
 namespace sweep {
@@ -45,6 +46,10 @@ std::vector<Task> MakeTasks() {
 }
 
 }  // namespace
+
+void PrintTo(const Task& task, std::ostream* out) {
+    *out << task.name;
+}
 
 const std::vector<Task>& Tasks() {
     static const std::vector<Task> tasks = MakeTasks();

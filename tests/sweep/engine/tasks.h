@@ -1,6 +1,7 @@
 // What is swept: every operation of the tool's table, with arguments, after what has to come before it.
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@ struct Task {
     Values arguments;
     const Operation* before = nullptr;  // called first, undisturbed; null: nothing
 };
+
+// Its name; tests print their parameter with it.
+void PrintTo(const Task& task, std::ostream* out);
 
 const std::vector<Task>& Tasks();
 
