@@ -8,7 +8,6 @@
 
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 
 using Arguments = std::vector<std::string>;

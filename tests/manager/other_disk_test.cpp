@@ -67,8 +67,8 @@ std::string DiskType(Kestova& kestova, int) {
 }
 
 std::string LetterAndBack(Kestova& kestova, int internal) {
-    const std::string assigned = AskForLetter<&Kestova::AssignRecoveryPartition>(kestova, internal) +
-                                 AskForLetter<&Kestova::AssignWinREPartition>(kestova, internal);
+    std::string assigned = AskForLetter<&Kestova::AssignRecoveryPartition>(kestova, internal) +
+                           AskForLetter<&Kestova::AssignWinREPartition>(kestova, internal);
     kestova.RemoveRecoveryPartition();
     kestova.RemoveWinREPartition();
     return assigned;

@@ -211,13 +211,6 @@ TEST_P(MemoryFaults, EveryAllocationFails_EndsWithItsResultAndUndoesWhatItDid) {
     }
 }
 
-// "IsVistaOS C" as a name of a test.
-std::string NameOf(const testing::TestParamInfo<Task>& tested) {
-    std::string name = tested.param.name;
-    std::ranges::replace(name, ' ', '_');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Every, MemoryFaults, testing::ValuesIn(sweep::Tasks()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Every, MemoryFaults, testing::ValuesIn(sweep::Tasks()), sweep::NameOf);
 
 }  // namespace

@@ -413,7 +413,7 @@ std::string General(const Observation& seen) {
 }  // namespace
 
 std::string Contradiction(const Observation& seen) {
-    const std::string general = General(seen);
+    std::string general = General(seen);
     if (!general.empty()) return general;
     const auto rule = rules.find(seen.operation.name);
     return rule != rules.end() ? rule->second(Judge(seen)) : "";

@@ -36,7 +36,7 @@ class Maker {
 std::string Maker::Letter() {
     if (lettersLeft_.empty()) return "";
     const size_t at = choice_.Below(lettersLeft_.size());
-    const std::string letter(1, lettersLeft_[at]);
+    std::string letter(1, lettersLeft_[at]);
     lettersLeft_.erase(at, 1);
     return letter;
 }

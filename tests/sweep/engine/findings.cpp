@@ -85,9 +85,7 @@ void Checks::Breach(const char* rule, const std::string& what) {
 void Checks::ListedResult() {
     if (!outcome_.thrown.empty()) return Breach("nothing is thrown", outcome_.thrown);
     if (outcome_.moduleStaysCurrent) Breach("the module is current no longer", "-");
-    const bool listed = Done().results.empty() ? IsNothing(outcome_.result)
-                                               : FindMeaning(Done().results, outcome_.result) != nullptr;
-    if (!listed && *Done().otherwise == '\0') Breach("the result is listed", ToText(outcome_.result));
+    if (!IsListed(Done(), outcome_.result)) Breach("the result is listed", ToText(outcome_.result));
 }
 
 // Whether that text of a record is a value: a path behind a label, or on its own.

@@ -1,5 +1,6 @@
 #include "tests/sweep/engine/tasks.h"
 
+#include <algorithm>
 #include <map>
 #include <ostream>
 #include <set>
@@ -51,9 +52,20 @@ void PrintTo(const Task& task, std::ostream* out) {
     *out << task.name;
 }
 
+std::string NameOf(const testing::TestParamInfo<Task>& tested) {
+    std::string name = tested.param.name;
+    std::ranges::replace(name, ' ', '_');
+    return name;
+}
+
 const std::vector<Task>& Tasks() {
     static const std::vector<Task> tasks = MakeTasks();
     return tasks;
+}
+
+bool IsListed(const Operation& operation, const Value& result) {
+    if (*operation.otherwise != '\0') return true;
+    return operation.results.empty() ? IsNothing(result) : FindMeaning(operation.results, result) != nullptr;
 }
 
 bool IsSwitch(const Operation& operation) {

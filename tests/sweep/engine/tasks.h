@@ -1,6 +1,8 @@
 // What is swept: every operation of the tool's table, with arguments, after what has to come before it.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -16,10 +18,14 @@ struct Task {
     const Operation* before = nullptr;  // called first, undisturbed; null: nothing
 };
 
-// Its name; tests print their parameter with it.
+// Tests print their parameter with it, and have "IsVistaOS_C" as its name.
 void PrintTo(const Task& task, std::ostream* out);
+std::string NameOf(const testing::TestParamInfo<Task>& tested);
 
 const std::vector<Task>& Tasks();
+
+// Whether the operation can return that.
+bool IsListed(const Operation& operation, const Value& result);
 
 // The four operations that choose what the PC boots.
 bool IsSwitch(const Operation& operation);
