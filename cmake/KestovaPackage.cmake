@@ -23,9 +23,9 @@ install(FILES packaging/KestovaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/KestovaC
 
 install(FILES examples/recovery.cpp examples/open_pc.h examples/open_pc_real.cpp DESTINATION examples)
 install(FILES packaging/example.cmake DESTINATION examples RENAME CMakeLists.txt)
-install(FILES docs/integrators.md docs/operations.md docs/command-line.md docs/pc-description.md docs/log.md
+install(FILES docs/integrators.md docs/operations.md docs/command-line.md docs/pc-description.md docs/log.md docs/hazards.md
   DESTINATION docs)
-install(FILES packaging/README.md DESTINATION .)
+install(FILES packaging/README.md SECURITY.md DESTINATION .)
 
 # The notices lie where the build machine's packages put them.
 foreach(notice gcc=gcc-mingw-w64-base mingw-w64=mingw-w64-common CLI11=libcli11-dev nlohmann-json=nlohmann-json3-dev)
