@@ -1,4 +1,5 @@
-// A PC that changes while an operation runs: disks and partitions appear and vanish behind the library's back.
+// A PC that changes while an operation runs: disks and partitions appear and vanish behind the library's
+// back.
 
 #include <gtest/gtest.h>
 
@@ -39,7 +40,8 @@ void DiskVanishes(Pc& facts) {
 }
 
 void DiskAppears(Pc& facts) {
-    facts.disks.insert(facts.disks.begin(), machine::SataDisk(7, uint64_t{1} << 30, "____", "PCI\\CONTROLLER"));
+    facts.disks.insert(facts.disks.begin(),
+                       machine::SataDisk(7, uint64_t{1} << 30, "____", "PCI\\CONTROLLER"));
 }
 
 constexpr Change changes[] = {{"PartitionVanishes", PartitionVanishes},
