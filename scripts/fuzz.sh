@@ -15,10 +15,12 @@ fuzz_length() { awk -v target="$1" '$1 == target { print $2 }' fuzz/targets.txt;
 fuzz_one() {
     local target=$1 corpus=$fuzz_folder/corpus/$1 status=0
     mkdir -p "$corpus" "$fuzz_folder/crashes"
-    fuzz/make-seeds "$target" "$temporary/seeds/$target"
-    timeout $(($2 + 30)) "build/$3/fuzz/$target" -max_total_time="$2" -max_len="$(fuzz_length "$target")" -timeout=20 \
-        -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$fuzz_folder/crashes/$target-" \
-        "$corpus" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
+    fuzz/make-seeds "$target" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
+    if [ "$status" -eq 0 ]; then
+        timeout $(($2 + 30)) "build/$3/fuzz/$target" -max_total_time="$2" -max_len="$(fuzz_length "$target")" \
+            -timeout=20 -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$fuzz_folder/crashes/$target-" \
+            "$corpus" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
+    fi
     printf '%s %s\n' "$target" "$status" >>"$temporary/fuzz-done"
 }
 
@@ -44,7 +46,8 @@ fuzz_report() {
 }
 
 # fuzz [TARGET|all] [SECONDS [PRESET]]: two at a time; every target, five seconds each, unless more is said. In the
-# preset sanitize nothing says what an input reaches: that does for a few seconds, and needs no build of its own.
+# preset sanitize only the targets themselves say what an input reaches: that does for a few seconds, and needs no build of
+# its own.
 fuzz() {
     local seconds=${2:-5} preset=${3:-fuzz} start=$SECONDS targets target status failed=0
     mapfile -t targets < <(fuzz_targets)
@@ -62,6 +65,7 @@ fuzz() {
         fuzz_report "$target" "$status" "$seconds" "$preset"
         [ "$status" -eq 0 ] || failed=$((failed + 1))
     done <"$temporary/fuzz-done"
+    [ "$(wc -l <"$temporary/fuzz-done")" -eq ${#targets[@]} ] || fail "fuzz: not every target ran"
     [ "$failed" -eq 0 ] || fail "fuzz: $failed of ${#targets[@]} targets crashed"
     say "fuzz: ${#targets[@]} targets, $seconds seconds each, no crash; $(after "$start")"
 }

@@ -4,7 +4,7 @@
 usage: lint.py [--all] [--since COMMIT] BUILD FOLDER...
 
 BUILD is a folder with compile_commands.json and the dependencies that ninja recorded. The files are those of the folders
-that git tracks and that BUILD compiles; a header is linted through a source that includes it. A file that passed is
+that git does not ignore and that BUILD compiles; a header is linted through a source that includes it. A file that passed is
 remembered by its contents, the linter's version and its configuration, below $XDG_CACHE_HOME (~/.cache); --all forgets
 that. What a changed header does to an unchanged source is therefore only seen with --all. With --since only what differs
 from that commit is looked at.
@@ -116,7 +116,9 @@ def main():
     build = arguments.build.resolve()
 
     listing = ["diff", "--name-only", arguments.since] if arguments.since else ["ls-files"]
-    files = [ROOT / name for name in output_of("git", *listing, "--", *arguments.folders).splitlines()]
+    names = set(output_of("git", *listing, "--", *arguments.folders).splitlines())
+    names.update(output_of("git", "ls-files", "--others", "--exclude-standard", "--", *arguments.folders).splitlines())
+    files = [ROOT / name for name in sorted(names)]
     files = [file for file in files if file.suffix in (".h", ".cpp") and file.exists()]
     passed = Passed()
     pending = [file for file in files if arguments.all or not passed.holds(file)]

@@ -3,7 +3,7 @@
 
 usage: mutants.py BUILD [NUMBER] [SEED] [--changed COMMIT] [--again] [--of FILE...]
 
-BUILD is a folder where CMake and ninja have built the test programs without sanitizers. Tried are NUMBER mutants (1000
+BUILD is a folder where CMake and ninja have built the test programs, best without sanitizers. Tried are NUMBER mutants (1000
 unless given) that SEED (a random one unless given) chooses; with --changed those of the product files that differ from a
 commit, for a minute; with --again those that survived the last run; with --of FILE all of these files, or NUMBER. For
 each the altered source is compiled, the test programs of its folder are linked with it and run, then those of the folders
@@ -11,8 +11,8 @@ above. A program that takes LIMIT times its usual processor time hangs, and so n
 far as it came.
 
 tests/figures/equivalent-mutants.tsv lists the mutants that no test can notice, with the reason; they are found by their
-text ("-> *": whatever the lines become) and are not tried. A run of 100 mutants and more is added to tests/figures/mutants.tsv. The exit status is 1 if a
-mutant survived.
+text ("-> *": whatever the lines become) and are not tried. A run of 100 mutants and more is added to
+tests/figures/mutants.tsv. The exit status is 1 if a mutant survived.
 """
 import argparse
 import collections
@@ -38,6 +38,7 @@ import mutations
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FIGURES = ROOT / "tests/figures/mutants.tsv"
 EQUIVALENT = ROOT / "tests/figures/equivalent-mutants.tsv"
+SURVIVORS = ROOT / "build/survivors.json"  # of the last run
 # The programs that notice, the cheapest first.
 PROGRAMS = {
     "platform": ["platform", "vds", "manager"],
@@ -58,7 +59,7 @@ LINKED["manager"] = LINKED["vds"] + ["manager"]
 ASSERTIONS = ["platform/layout_checks.cpp", "platform/slot_checks.cpp"]
 NUMBER = 1000
 LIMIT = 20  # times the usual processor time
-MEMORY = 4 << 30  # bytes of address space for a test program
+MEMORY = 4 << 30  # bytes for a test program
 BLOCKED_SECONDS = 30  # added to LIMIT times the usual duration: after that a program hangs that uses no processor
 CHANGED_SECONDS = 60
 WORKERS = 2
@@ -88,6 +89,7 @@ class Build:
             elif ": #deps" in line:
                 target = line.partition(":")[0]
         self.links = {}
+        self.is_sanitized = any("-fsanitize=" in command for command in self.commands.values())
 
     def relative(self, path):
         return os.path.relpath(os.path.normpath(self.folder / path), ROOT)
@@ -174,12 +176,15 @@ class Bench:
 
     def notices(self, program, linked):
         command = [linked, "--gtest_brief=1", "--gtest_fail_fast"]
-        running = subprocess.Popen(command, cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        environment = os.environ | {"ASAN_OPTIONS": f"hard_rss_limit_mb={MEMORY >> 20}"}
+        running = subprocess.Popen(command, cwd=self.folder, env=environment, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
         usual = self.usual[program]
         seconds = int(LIMIT * usual.processor) + 1
         try:
             resource.prlimit(running.pid, resource.RLIMIT_CPU, (seconds, seconds))
-            resource.prlimit(running.pid, resource.RLIMIT_AS, (MEMORY, MEMORY))
+            if not self.build.is_sanitized:  # else the address space is the sanitizer's
+                resource.prlimit(running.pid, resource.RLIMIT_AS, (MEMORY, MEMORY))
             resource.prlimit(running.pid, resource.RLIMIT_CORE, (0, 0))
         except ProcessLookupError:
             pass  # it has ended
@@ -251,8 +256,7 @@ def choose(arguments, build):
     sources = product_sources(build, files)
     mutants = [mutant for path, text in sorted(sources.items()) for mutant in mutations.mutants_of(path, text)]
     if arguments.again:
-        survivors = build.folder / "survivors.json"
-        last = {tuple(key) for key in json.loads(survivors.read_text())} if survivors.exists() else set()
+        last = {tuple(key) for key in json.loads(SURVIVORS.read_text())} if SURVIVORS.exists() else set()
         return sources, [mutant for mutant in mutants if mutant.key() in last]
     random.Random(arguments.seed).shuffle(mutants)
     everything = arguments.of or arguments.changed
@@ -318,7 +322,7 @@ def main():
         if result == "survived":
             survivors.append(mutant)
             print(f"{mutant.path}:{mutant.line}: {mutant.kind}: {mutant.before}\n    -> {mutant.after}", flush=True)
-    (build.folder / "survivors.json").write_text(json.dumps([mutant.key() for mutant in survivors]))
+    SURVIVORS.write_text(json.dumps([mutant.key() for mutant in survivors]))
 
     noticeable = counts["killed"] + counts["survived"]
     summary = (f"seed {arguments.seed}: {noticeable} mutants, {counts['killed']} killed, {counts['survived']} survived; "

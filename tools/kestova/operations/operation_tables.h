@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "base/drive_letter.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/operations/operations.h"
 
@@ -29,7 +30,7 @@ inline WCHAR Letter(const Values& arguments, const char* name) {
 // Calls a member that puts a letter, and adds the letter as the output of that name.
 template <typename Member>
 Value WithLetter(Values& outputs, Member member) {
-    WCHAR letter = TEXT('0');
+    WCHAR letter = noLetter;
     const int result = member(letter);
     outputs.emplace_back("letter", LetterText(letter));
     return result;

@@ -1,5 +1,6 @@
 // Encryption and the installed Windows.
 
+#include "base/drive_letter.h"
 #include "base/utf.h"
 #include "tools/kestova/operations/operation_tables.h"
 
@@ -15,7 +16,7 @@ template <typename Member>
 Value WithPlace(Values& outputs, Member member) {
     int foundDisk = -1;
     int foundPartition = -1;
-    WCHAR letter = TEXT('0');
+    WCHAR letter = noLetter;
     const auto result = static_cast<int>(member(foundDisk, foundPartition, letter));
     outputs.emplace_back("disk", foundDisk);
     outputs.emplace_back("partition", foundPartition);
@@ -33,7 +34,7 @@ Value GetAllEncryptVolume(Kestova& object, const Values& arguments, Values& outp
 
 Value GetWinDriveLetters(Kestova& object, const Values& arguments, Values& outputs) {
     const int count = Number(arguments, "count");
-    constexpr tagDriveInfo_t notFilled{-1, -1, TEXT('0')};
+    constexpr tagDriveInfo_t notFilled{-1, -1, noLetter};
     std::vector<tagDriveInfo_t> records(static_cast<size_t>(count) + 1, notFilled);
     const int result = object.GetWinDriveLetters(records.data(), count);
     std::vector<DriveRecord> filled;

@@ -1,5 +1,6 @@
 #include "tools/kestova/reports/letters.h"
 
+#include "base/drive_letter.h"
 #include "manager/letter_map/letter_map_failures.h"
 
 namespace {
@@ -59,7 +60,7 @@ LetterReport Translate(Kestova& object, const DriveRecord& record) {
     const WCHAR here = object.GetDriveLetter(record.disk, record.partition);
     if (record.disk != unknownDisk) letter.disk = record.disk;
     if (record.partition != unknownPartition) letter.partition = record.partition;
-    if (here != TEXT('0')) letter.here = here;
+    if (here != noLetter) letter.here = here;
     return letter;
 }
 
