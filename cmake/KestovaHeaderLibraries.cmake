@@ -2,7 +2,7 @@
 
 add_library(kestova_header_libraries INTERFACE)
 if(WIN32)
-  # They lie beside the build machine's own headers, which must not be seen.
+  # They are beside the build machine's own headers, which must not be seen.
   set(headers ${CMAKE_BINARY_DIR}/headers)
   file(MAKE_DIRECTORY ${headers})
   foreach(library CLI nlohmann)

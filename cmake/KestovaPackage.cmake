@@ -27,7 +27,7 @@ install(FILES docs/integrators.md docs/operations.md docs/command-line.md docs/p
   DESTINATION docs)
 install(FILES packaging/README.md SECURITY.md DESTINATION .)
 
-# The notices lie where the build machine's packages put them.
+# The notices are where the build machine's packages put them.
 foreach(notice gcc=gcc-mingw-w64-base mingw-w64=mingw-w64-common CLI11=libcli11-dev nlohmann-json=nlohmann-json3-dev)
   string(REGEX MATCH "(.*)=(.*)" matched ${notice})
   install(FILES /usr/share/doc/${CMAKE_MATCH_2}/copyright DESTINATION licences RENAME ${CMAKE_MATCH_1}.txt OPTIONAL)

@@ -21,7 +21,7 @@ else()
     -Werror)
 endif()
 
-# Nothing but assertions; it fails to compile where the platform's records lie otherwise.
+# Nothing but assertions; it fails to compile where the platform's records are laid out otherwise.
 add_library(kestova_layout_checks OBJECT ${CMAKE_SOURCE_DIR}/platform/layout_checks.cpp)
 target_link_libraries(kestova_layout_checks PRIVATE kestova_platform)
 if(NOT MSVC)

@@ -1,13 +1,13 @@
 # What every file that ships for Windows has: version information, the loader's protections, nothing of the toolchain
 # beside it, and no larger than need be.
 
-# The programs lie beside their libraries, where Windows looks for them.
+# The programs are beside their libraries, where Windows looks for them.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 if(MINGW)
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections> $<$<COMPILE_LANGUAGE:CXX>:-fdata-sections>)
 
-  # In place of what the runtime would link to tell a console about an error that nobody handles.
+  # In place of what the runtime would link to report an unhandled error on a console.
   add_library(kestova_runtime OBJECT ${CMAKE_SOURCE_DIR}/platform/mingw/runtime.cpp)
 endif()
 

@@ -3,7 +3,7 @@
 //
 //     recovery          this PC (Windows); an emulated factory PC (elsewhere)
 //     recovery PC       elsewhere: a disk image, a description, or the name of a PC that comes with the
-//     project
+//                       project
 //
 // The exit status is the code of the switch, or 9 if there is no recovery partition or its file cannot be
 // read.

@@ -10,8 +10,8 @@ inline constexpr int noPartition = -1;
 namespace mbr_layout {
 
 inline constexpr int recovery = 1;  // recovery media; hidden by its MBR ID
-inline constexpr int system =
-    2;  // the system that starts by default: Windows, or "System Reserved" before it
+// The system that starts by default: Windows, or "System Reserved" before it.
+inline constexpr int system = 2;
 inline constexpr int windowsAfterSystemReserved = 3;  // Windows where partition 2 holds only its boot files
 
 }  // namespace mbr_layout

@@ -41,8 +41,8 @@ inline constexpr int GetWinDriveLetters = FALSE;
 
 // Of the operations with several codes, that of the first step. Each later step replaces it by its own.
 inline constexpr int ActivePartition = ERROR_GET_PARTITION_TYPE;  // ActiveOrvoBoot…, ActiveGPTSystemPartition
-inline constexpr int DisablePartition =
-    ERROR_SET_DRIVE_LETTER;  // DisableOrvoBoot…, DisableGPTSystemPartition
+// DisableOrvoBootPartition, DisableGPTSystemPartition
+inline constexpr int DisablePartition = ERROR_SET_DRIVE_LETTER;
 inline constexpr DWORD GetBitLockerSystemInfo = NO_INTERNAL_DISK;
 inline constexpr DWORD GetVistaOSInfo = ERROR_GET_DISK_STYLE;
 inline constexpr int SetRcvprtActive = 1;

@@ -21,7 +21,7 @@ foreach(library Logging Kestova)
   if(NOT EXISTS ${kestova_import_library} OR NOT EXISTS ${kestova_dll})
     set(Kestova_FOUND FALSE)
     string(CONCAT Kestova_NOT_FOUND_MESSAGE "This package has no ${library}.dll for this compiler and word size "
-      "(${kestova_import_library}); docs/integrators.md tells how to build one")
+      "(${kestova_import_library}); docs/integrators.md says how to build one")
     return()
   endif()
   if(NOT TARGET Kestova::${library})

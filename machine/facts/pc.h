@@ -159,7 +159,8 @@ enum class SystemKind { Windows, WindowsPe };
 struct RunningSystem {
     SystemKind kind = SystemKind::Windows;
     std::string windowsDirectory = "C:\\Windows";
-    std::optional<std::string> startOptions = " NOEXECUTE=OPTIN";  // SystemStartOptions; absent: no value
+    // SystemStartOptions; absent: the value in `registry`, if it has one.
+    std::optional<std::string> startOptions = " NOEXECUTE=OPTIN";
     // The host application is a 32-bit program on a 64-bit system: below the Windows directory, System32 is
     // redirected to SysWOW64 unless it disables the redirection.
     bool emulates32Bit = false;

@@ -29,7 +29,7 @@ class Journal {
   public:
     void Add(JournalEntry entry) { entries_.push_back(std::move(entry)); }
     void Clear() { Take(); }
-    // Everything since the last call, which the journal then no longer holds.
+    // Everything since the last Take or Clear, which the journal then no longer holds.
     std::vector<JournalEntry> Take() {
         unshown_.clear();
         return std::exchange(entries_, {});

@@ -151,7 +151,7 @@ class LoansAtRecord : public ILogSink {
 
 }  // namespace
 
-TEST(QueryStorageProperty, UnreadableDescriptor_IsFreedBehindTheRecordAndTheDeviceClosedBefore) {
+TEST(QueryStorageProperty, UnreadableDescriptor_IsFreedAfterTheRecordAndTheDeviceClosedBefore) {
     HostedPc pc(OneDisk());
     pc.Fail("DeviceIoControl", ERROR_GEN_FAILURE, 2);
     const LoansAtRecord record(pc.emulated.ledger,

@@ -69,21 +69,21 @@ put_fat() {
   rm "$parts/volume"
 }
 
-# recovery_files FOLDER: what a factory recovery partition is told by.
+# recovery_files FOLDER: what a factory recovery partition is recognised by.
 recovery_files() {
   mkdir -p "$1"/sources/{Orvo,data,idf}
   printf '[Recovery]\r\nVersion=1\r\n' >"$1/sources/Qelhdrcv.ini"
   printf 'WIM' >"$1/sources/boot.wim"
 }
 
-# windows_files FOLDER: what an installed Windows is told by.
+# windows_files FOLDER: what an installed Windows is recognised by.
 windows_files() {
   mkdir -p "$1"/Windows/System32/config "$1/Users"
   printf 'MZ' >"$1/Windows/System32/Winload.exe"
   printf 'regf' >"$1/Windows/System32/config/SYSTEM"
 }
 
-# windows_re_files FOLDER: what a Windows recovery environment is told by.
+# windows_re_files FOLDER: what a Windows recovery environment is recognised by.
 windows_re_files() {
   mkdir -p "$1"/{Boot,EFI/Microsoft/Boot,Recovery/WindowsRE,sources/Autorun,sources/Orvo,sources/HDD}
   printf 'BCD' | tee "$1/Boot/BCD" >"$1/EFI/Microsoft/Boot/BCD"

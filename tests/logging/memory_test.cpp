@@ -126,8 +126,6 @@ TEST_P(ScarceMemoryTest, EachAllocationOfASinkFails_OtherSinksReceiveTheRecord) 
 
 INSTANTIATE_TEST_SUITE_P(Lacks, ScarceMemoryTest,
                          testing::Values(ScarceMemory::Lack::Once, ScarceMemory::Lack::FromThenOn),
-                         [](const auto& test) {
-                             return test.param == ScarceMemory::Lack::Once ? "Once" : "FromThenOn";
-                         });
+                         testing::PrintToStringParamName());
 
 }  // namespace

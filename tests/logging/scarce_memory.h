@@ -1,6 +1,8 @@
 // Memory of which the program's operator new gives no more than a test allows.
 #pragma once
 
+#include <ostream>
+
 // While it exists, an allocation fails: the one of that number, counted from 1, or all from there on.
 class ScarceMemory {
   public:
@@ -13,3 +15,7 @@ class ScarceMemory {
     // Whether an allocation has failed so far.
     bool HasFailed() const noexcept;
 };
+
+inline void PrintTo(ScarceMemory::Lack lack, std::ostream* out) {
+    *out << (lack == ScarceMemory::Lack::Once ? "Once" : "FromThenOn");
+}

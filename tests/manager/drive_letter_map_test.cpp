@@ -1,4 +1,4 @@
-// The letters of the installed Windows, and where their volumes lie under Windows PE.
+// The letters of the installed Windows, and where their volumes are under Windows PE.
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-// Where the EFI system partition and the installed Windows lie.
+// Where the EFI system partition and the installed Windows are.
 
 #include <gtest/gtest.h>
 

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "base/com_apartment.h"
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
@@ -81,7 +83,8 @@ TEST_P(DiskCount, FactoryDiskIsNumber0_IsFoundInWindowsAndWindowsPe) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Disks, DiskCount, testing::Values(1U, 63U, 64U, 65U));
+INSTANTIATE_TEST_SUITE_P(Disks, DiskCount, testing::Values(1U, 63U, 64U, 65U),
+                         [](const auto& test) { return std::to_string(test.param) + "Disks"; });
 
 class PartitionCount : public testing::TestWithParam<uint32_t> {};
 
@@ -95,7 +98,8 @@ TEST_P(PartitionCount, GptDisk_AnswersAboutTheLastOneAndAssignsRecovery) {
     ExpectOnlyKeptLeftovers(application.pc.ledger);
 }
 
-INSTANTIATE_TEST_SUITE_P(Partitions, PartitionCount, testing::Values(7U, 128U, 129U));
+INSTANTIATE_TEST_SUITE_P(Partitions, PartitionCount, testing::Values(7U, 128U, 129U),
+                         [](const auto& test) { return std::to_string(test.param) + "Partitions"; });
 
 TEST(OddPcs, EmptyTables_ThereIsNothing) {
     machine::Pc pc = machine::FactoryMbr();

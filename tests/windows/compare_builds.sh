@@ -2,7 +2,7 @@
 # Runs every scenario through both builds of the tool - linked to the emulated PC, and kestova.exe under Wine with the
 # unmodified Kestova.dll - and compares output, messages, exit status and the PC afterwards byte for byte.
 #
-# usage: compare_builds.sh LINUX_TOOL WINDOWS_TOOL      WINEPREFIX names a prefix; the DLLs lie beside WINDOWS_TOOL.
+# usage: compare_builds.sh LINUX_TOOL WINDOWS_TOOL      WINEPREFIX names a prefix; the DLLs are beside WINDOWS_TOOL.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 

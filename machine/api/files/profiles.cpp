@@ -17,8 +17,7 @@ std::string ProfilePath(const EmulatedPc& pc, LPCWSTR file) {
                                                            : pc.facts.system.windowsDirectory + "\\" + name;
 }
 
-// A longer file is no host application's, and a search that asks for its keys one by one would not end in
-// time.
+// A longer file is refused: a search asks for its keys one by one, and each call reads the file.
 uint32_t ReadProfile(VolumeFiles files, const std::string& path, std::string& bytes) {
     constexpr size_t longest = size_t{64} << 10;
     const uint32_t error = files.Read(path, bytes);

@@ -1,4 +1,4 @@
-// The bytes of a disk, wherever they lie.
+// The bytes of a disk, wherever they are stored.
 #pragma once
 
 #include <cstddef>

@@ -147,7 +147,7 @@ bool WriteNewFile(const std::string& path, std::string_view bytes) {
     return file && file.Write(bytes) && file.Flush();
 }
 
-// Whether what lies there is gone after a power cut.
+// Whether what is stored there is gone after a power cut.
 bool IsVolatile(const std::string& folder) {
     struct statfs system = {};
     return statfs(folder.c_str(), &system) == 0 &&

@@ -54,7 +54,7 @@ ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& pat
 bool ImageFile::Read(uint64_t offset, void* buffer, size_t length) const {
     if (!device_->Read(offset, buffer, length)) return false;
     if (length == 0) return true;
-    // What was changed lies over the bytes of the medium.
+    // What was changed replaces the bytes of the medium.
     auto* bytes = static_cast<char*>(buffer);
     const uint64_t end = offset + length;
     for (auto block = changed_.lower_bound(offset / blockSize);

@@ -1,4 +1,4 @@
-// The entries of an MBR and of the links of its logical partitions, where they lie on the disk.
+// The entries of an MBR and of the links of its logical partitions, where they are on the disk.
 #pragma once
 
 #include <cstddef>

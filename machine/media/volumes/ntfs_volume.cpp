@@ -110,7 +110,7 @@ uint32_t ReadContent(ntfs_inode& inode, ImageRange& range, std::string& content)
     if (!data) return PlatformError(errno);
     const uint64_t longest = std::min(range.size, longestFile);
     if (data->data_size < 0 || static_cast<uint64_t>(data->data_size) > longest) return errorFileCorrupt;
-    // In the worst case each cluster lies elsewhere.
+    // In the worst case each cluster is read by itself.
     range.readsLeft += static_cast<uint64_t>(data->data_size) / inode.vol->cluster_size;
     std::string bytes(static_cast<size_t>(data->data_size), '\0');
     const s64 done = bytes.empty() ? 0 : ntfs_attr_pread(data.get(), 0, data->data_size, bytes.data());

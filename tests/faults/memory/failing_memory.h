@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-// In its scope the allocations of the library are told from those of the emulated PC and of what calls the
-// library, which always succeed. The object must be made in a function that calls the library, directly or
-// not. Only one may exist at a time.
+// In its scope the allocations of the library are distinguished from those of the emulated PC and of what
+// calls the library, which always succeed. The object must be made in a function that calls the library,
+// directly or not. Only one may exist at a time.
 class FailingMemory {
   public:
     // No allocation fails; Places() lists those of the library.

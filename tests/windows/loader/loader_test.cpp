@@ -11,7 +11,7 @@ namespace {
 
 constexpr const WCHAR* library = TEXT("Kestova.dll");
 
-// Counted one by one, since Wine tells neither the number of a process's handles nor its private memory.
+// Counted one by one, since Wine reports neither the number of a process's handles nor its private memory.
 DWORD OpenHandles() {
     DWORD open = 0;
     for (uintptr_t value = 4; value < 0x4000; value += 4) {
@@ -57,7 +57,7 @@ DWORD WINAPI Nothing(LPVOID) {
     return 0;
 }
 
-// A thread that begins and ends while the library is there: the loader tells it both.
+// A thread that begins and ends while the library is there: the loader notifies it of both.
 void RunAThread() {
     const HANDLE thread = CreateThread(nullptr, 0, Nothing, nullptr, 0, nullptr);
     ASSERT_NE(thread, nullptr);

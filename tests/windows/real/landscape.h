@@ -1,4 +1,4 @@
-// What lies on the drives, in the registry and among the devices of the prefix while a test runs.
+// What is on the drives, in the registry and among the devices of the prefix while a test runs.
 #pragma once
 
 #include <filesystem>
@@ -16,7 +16,7 @@ void MakeFile(const std::filesystem::path& path);
 // The bytes of a file; nothing when there is none.
 std::string Contents(const std::filesystem::path& path);
 
-// The maker's recovery files on a drive, and the folder that tells the kind of medium.
+// The maker's recovery files on a drive, and the folder that identifies the kind of medium.
 void MakeRecoveryFiles(const std::string& drive, const std::string& kind = "");
 
 // A value below HKEY_LOCAL_MACHINE; its former self, or nothing, is restored.

@@ -66,7 +66,7 @@ TEST_F(RealWindows, TakesTheLowestDiskInWindowsPe) {
     log.Expect("first-disk-windows-pe");
 }
 
-// IDE.INI lies beside the program. A disk of Wine's is on a bus that no internal disk is on, so none is
+// IDE.INI is beside the program. A disk of Wine's is on a bus that no internal disk is on, so none is
 // chosen; the log shows what was read of each.
 TEST_F(RealWindows, ReadsSettingFileAndLocationsInWindowsPe) {
     const RegistryValue options(L"SYSTEM\\CurrentControlSet\\Control", L"SystemStartOptions", REG_SZ,
