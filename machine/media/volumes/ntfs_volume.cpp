@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <new>
 #include <string>
 
@@ -91,12 +92,20 @@ bool IsSystemFile(const ntfs_inode& inode) {
     return inode.mft_no < FILE_first_user && inode.mft_no != FILE_root;
 }
 
+// A damaged record can have bits that are no value of the enumeration, and so must not be read as one.
+bool Has(const ntfs_inode& inode, FILE_ATTR_FLAGS flag) {
+    uint32_t flags = 0;
+    static_assert(sizeof flags == sizeof inode.flags);
+    std::memcpy(&flags, &inode.flags, sizeof flags);
+    return (flags & static_cast<uint32_t>(flag)) != 0;
+}
+
 bool IsClosed(const ntfs_inode& inode) {
-    return IsFolder(inode) || IsSystemFile(inode) || (inode.flags & FILE_ATTR_ENCRYPTED) != 0;
+    return IsFolder(inode) || IsSystemFile(inode) || Has(inode, FILE_ATTR_ENCRYPTED);
 }
 
 bool IsClosedForChange(const ntfs_inode& inode) {
-    return IsClosed(inode) || (inode.flags & FILE_ATTR_READONLY) != 0;
+    return IsClosed(inode) || Has(inode, FILE_ATTR_READONLY);
 }
 
 // What an operation may read beside the content of a file: a path leads through a few folders, each with a

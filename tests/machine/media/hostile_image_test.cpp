@@ -77,6 +77,26 @@ TEST_F(HostileNtfsTest, IndexThatRefersToItself_OpenForWriting_IsDamagedAndNever
               stick + ": an NTFS volume is damaged: it refers to itself; nothing was written");
 }
 
+TEST_F(HostileNtfsTest, FileWithEveryAttributeBit_ReadAndWrite_AreRefused) {
+    const std::string stick = MadeImage("stick-ntfs.img");
+    const std::string bytes = ContentOf(stick);
+    const std::string name("Q\0e\0l\0h\0d\0r\0c\0v\0.\0i\0n\0i\0", 24);
+    size_t record = bytes.find("FILE0");
+    while (bytes.substr(record, 512).find(name) == std::string::npos)
+        record = bytes.find("FILE0", record + 1);
+    const uint64_t information = record + (Le32(bytes, record + 20) & 0xFFFF);  // the first attribute
+    const uint64_t value = information + (Le32(bytes, information + 20) & 0xFFFF);
+    Patch(stick, value + 32, "\xFF\xFF\xFF\xFF");
+    auto volume = VolumeOn(std::make_shared<ImageFile>(stick, ImageAccess::Write));
+    std::string content = "as it was";
+
+    EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
+    EXPECT_EQ(volume.Read("sources/Qelhdrcv.ini", content), 5u);
+    EXPECT_EQ(content, "as it was");
+    EXPECT_EQ(volume.Write("sources/Qelhdrcv.ini", "x"), 5u);
+    EXPECT_EQ(volume.Remove("sources/Qelhdrcv.ini"), 5u);
+}
+
 TEST_F(HostileNtfsTest, SoundVolume_ManyOperations_AreNotLimited) {
     auto volume = VolumeOn(std::make_shared<ImageFile>(MadeImage("stick-ntfs.img"), ImageAccess::Read));
     for (int i = 0; i < 5'000; ++i)
