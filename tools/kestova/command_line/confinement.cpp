@@ -1,6 +1,7 @@
 #include "tools/kestova/command_line/confinement.h"
 
 #include <grp.h>
+#include <iconv.h>
 #include <linux/capability.h>
 #include <signal.h>
 #include <sys/prctl.h>
@@ -265,9 +266,19 @@ void LimitTimeAndMemory(const ConfinedWork& work) {
 #endif
 }
 
+// The C library loads the code for the texts of a registry hive when it first meets one, which is too late:
+// no code can be loaded by then. It stays loaded while a conversion is open.
+void LoadConversions() {
+    for (const char* const encoding : {"UTF-16LE", "LATIN1"}) {
+        iconv_open("UTF-8", encoding);
+        iconv_open(encoding, "UTF-8");
+    }
+}
+
 }  // namespace
 
 void ConfineAtStart() {
+    LoadConversions();
     Check(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0, "new privileges");
     // The second is for systems on which a program receives the dumps.
     Limit(RLIMIT_CORE, 0, 0);
