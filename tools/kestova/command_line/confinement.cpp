@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -267,12 +268,11 @@ void LimitTimeAndMemory(const ConfinedWork& work) {
 }
 
 // The C library loads the code for the texts of a registry hive when it first meets one, which is too late:
-// no code can be loaded by then. It stays loaded while a conversion is open.
+// no code can be loaded by then. It stays loaded while a conversion is open, which is until the program ends.
 void LoadConversions() {
-    for (const char* const encoding : {"UTF-16LE", "LATIN1"}) {
-        iconv_open("UTF-8", encoding);
-        iconv_open(encoding, "UTF-8");
-    }
+    static const std::array conversions = {iconv_open("UTF-8", "UTF-16LE"), iconv_open("UTF-16LE", "UTF-8"),
+                                           iconv_open("UTF-8", "LATIN1"), iconv_open("LATIN1", "UTF-8")};
+    static_cast<void>(conversions);
 }
 
 }  // namespace
