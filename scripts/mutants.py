@@ -4,10 +4,10 @@
 usage: mutants.py BUILD [NUMBER] [SEED] [--changed COMMIT] [--again] [--of FILE...]
 
 BUILD is a folder where CMake and ninja have built the test programs, best without sanitizers. Tried are NUMBER mutants (1000
-unless given) that SEED (a random one unless given) chooses; with --changed those of the product files that differ from a
-commit, for a minute; with --again those that survived the last run; with --of FILE all of these files, or NUMBER. For
-each the altered source is compiled, the test programs of its folder are linked with it and run, then those of the folders
-above. A program that takes LIMIT times its usual processor time hangs, and so notices too. An interrupted run counts as
+unless given) that SEED (a random one unless given) chooses; with --changed those of the lines that differ from a commit
+in more than comments, for a minute; with --again those that survived the last run; with --of FILE all of these files, or
+NUMBER. For each the altered source is compiled, the test programs of its folder are linked with it and run, then those of
+the folders above and those of the faults. A program that takes LIMIT times its usual processor time hangs, and so notices too. An interrupted run counts as
 far as it came.
 
 tests/figures/equivalent-mutants.tsv lists the mutants that no test can notice, with the reason; they are found by their
@@ -40,14 +40,15 @@ FIGURES = ROOT / "tests/figures/mutants.tsv"
 EQUIVALENT = ROOT / "tests/figures/equivalent-mutants.tsv"
 SURVIVORS = ROOT / "build/survivors.json"  # of the last run
 # The programs that notice, the cheapest first.
+FAULTS = ["faults", "faults/memory"]
 PROGRAMS = {
     "platform": ["platform", "vds", "manager"],
-    "base": ["base", "device", "vds", "manager"],
+    "base": ["base", "device", "vds", "manager", *FAULTS],
     "logging": ["logging", "diag", "manager"],
     "diag": ["diag", "diag/framework", "device", "vds", "manager"],
-    "device": ["device", "vds", "manager"],
-    "vds": ["vds", "manager"],
-    "manager": ["manager"],
+    "device": ["device", "vds", "manager", *FAULTS],
+    "vds": ["vds", "manager", *FAULTS],
+    "manager": ["manager", *FAULTS],
 }
 # The product folders that each program links.
 LINKED = {"platform": [], "base": ["base"], "logging": ["logging"], "diag": ["base", "logging", "diag"],
@@ -55,6 +56,7 @@ LINKED = {"platform": [], "base": ["base"], "logging": ["logging"], "diag": ["ba
 LINKED["device"] = LINKED["diag"] + ["device"]
 LINKED["vds"] = LINKED["device"] + ["vds"]
 LINKED["manager"] = LINKED["vds"] + ["manager"]
+LINKED |= {program: LINKED["manager"] for program in FAULTS}
 # They hold nothing but assertions of the compiler, about the headers of their folder.
 ASSERTIONS = ["platform/layout_checks.cpp", "platform/slot_checks.cpp"]
 NUMBER = 1000
@@ -240,6 +242,20 @@ def equivalent_mutants():
     return {tuple(row[:3]) for row in rows}
 
 
+def changed_mutants(commit, sources):
+    """The mutants that the sources did not have at a commit."""
+    changed = []
+    for path, text in sorted(sources.items()):
+        known = subprocess.run(["git", "cat-file", "-e", f"{commit}:{path}"], cwd=ROOT, capture_output=True).returncode == 0
+        before = output_of("git", "show", f"{commit}:{path}") if known else ""
+        had = collections.Counter(mutant.key() for mutant in mutations.mutants_of(path, before))
+        for mutant in mutations.mutants_of(path, text):
+            if had[mutant.key()] == 0:
+                changed.append(mutant)
+            had[mutant.key()] -= 1
+    return changed
+
+
 def product_sources(build, files):
     compiled = set(build.commands) | set().union(*build.headers.values())
     return {file: (ROOT / file).read_text() for file in files
@@ -254,7 +270,10 @@ def choose(arguments, build):
         listing = ["ls-files"]
     files = arguments.of or output_of("git", *listing, "--", *PROGRAMS).splitlines()
     sources = product_sources(build, files)
-    mutants = [mutant for path, text in sorted(sources.items()) for mutant in mutations.mutants_of(path, text)]
+    if arguments.changed:
+        mutants = changed_mutants(arguments.changed, sources)
+    else:
+        mutants = [mutant for path, text in sorted(sources.items()) for mutant in mutations.mutants_of(path, text)]
     if arguments.again:
         last = {tuple(key) for key in json.loads(SURVIVORS.read_text())} if SURVIVORS.exists() else set()
         return sources, [mutant for mutant in mutants if mutant.key() in last]
@@ -298,7 +317,7 @@ def main():
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("number", type=int, nargs="?")
     parser.add_argument("seed", type=int, nargs="?", default=random.randrange(1_000_000))
-    parser.add_argument("--changed", metavar="COMMIT", help="those of the product files that differ, for a minute")
+    parser.add_argument("--changed", metavar="COMMIT", help="those of the lines that differ, for a minute")
     parser.add_argument("--again", action="store_true", help="those that survived the last run")
     parser.add_argument("--of", metavar="FILE", nargs="+", help="those of these files")
     arguments = parser.parse_args()

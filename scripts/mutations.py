@@ -50,7 +50,7 @@ class Mutant:
     kind: str
     function: str
     line: int
-    before: str  # the whole lines that change, in one line
+    before: str  # the whole lines that change, in one line and without their comments
     after: str
     begin: int
     end: int
@@ -68,7 +68,12 @@ class Mutant:
 
 
 def in_one_line(text):
-    return " ".join(text.split())
+    """The code of some lines, without their comments."""
+    return " ".join("".join(match.group() for match in TOKEN.finditer(text) if not is_comment(match)).split())
+
+
+def is_comment(match):
+    return match.lastgroup == "skip" and match.group().startswith(("//", "/*"))
 
 
 def tokens_of(source):

@@ -173,7 +173,8 @@ class MemoryFaults : public testing::TestWithParam<Task> {
             ASSERT_NO_THROW(session.Call(GetParam()));
             ASSERT_TRUE(memory.HasFailed());
         }
-        EXPECT_TRUE(session.Answer() == undisturbed.answer ||
+        const bool isWithoutAny = onwards && place == undisturbed.places.front();
+        EXPECT_TRUE((!isWithoutAny && session.Answer() == undisturbed.answer) ||
                     IsEnding(*GetParam().operation, session.result, session.outputs))
             << session.Answer();
         EXPECT_EQ(Received().withoutText, 0);
