@@ -147,10 +147,32 @@ uint32_t WriteContent(ntfs_inode& inode, std::string_view content) {
 
 // --- the mounted volume ---
 
+namespace {
+
+// What a byte of the boot sector says: a number of units, or above 128 a power of two, negated.
+uint64_t SizeOf(uint8_t field, uint64_t unit) {
+    return field > 128 ? uint64_t{1} << std::min(256 - field, 40) : field * unit;
+}
+
+// The library allocates a record of whatever size the boot sector demands, up to 2 GB. NTFS uses 1 and 4 KiB.
+bool DemandsHugeRecords(const ImageRange& range) {
+    constexpr uint64_t largestRecord = 64 << 10;
+    std::string boot(512, '\0');
+    if (range.size < boot.size() || !range.image.Read(range.offset, boot.data(), boot.size())) return false;
+    const uint64_t cluster = SizeOf(Byte(boot, 0x0D), 1) * Le16(boot, 0x0B);
+    return std::max(SizeOf(Byte(boot, 0x40), cluster), SizeOf(Byte(boot, 0x44), cluster)) > largestRecord;
+}
+
+}  // namespace
+
 class NtfsVolume::Mount {
   public:
     Mount(ImageFile& image, uint64_t offset, uint64_t size, bool isReadOnly) : range_{image, offset, size} {
         Renew();
+        if (DemandsHugeRecords(range_)) {
+            error_ = EINVAL;
+            return;
+        }
         ntfs_log_set_handler(ntfs_log_handler_null);
         ntfs_set_char_encoding("utf8");
         ntfs_device* const device = NewDevice(range_);

@@ -18,6 +18,22 @@ void Patch(const std::string& file, uint64_t offset, const std::string& bytes) {
         PatchByte(file, offset + at, static_cast<uint8_t>(bytes[at]));
 }
 
+// The largest block that was allocated while it exists. Only the allocator of a sanitizer reports that.
+size_t largestBlock = 0;
+
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
+                                                         void (*)(const volatile void*))
+    __attribute__((weak));
+
+void ReportBlocks() {
+    static const bool reports =
+        __sanitizer_install_malloc_and_free_hooks != nullptr &&
+        __sanitizer_install_malloc_and_free_hooks(
+            [](const volatile void*, size_t size) { largestBlock = std::max(largestBlock, size); },
+            [](const volatile void*) {}) != 0;
+    if (!reports) GTEST_SKIP() << "no sanitizer, which reports allocations";
+}
+
 // --- NTFS ---
 
 class HostileNtfsTest : public ImageTest {
@@ -75,6 +91,27 @@ TEST_F(HostileNtfsTest, IndexThatRefersToItself_OpenForWriting_IsDamagedAndNever
     EXPECT_TRUE(image->Write(512, "x", 1));
     EXPECT_EQ(image->Commit(),
               stick + ": an NTFS volume is damaged: it refers to itself; nothing was written");
+}
+
+// The library would allocate what the boot sector demands: a record of 1 GB, an index block of 2 GB.
+TEST_F(HostileNtfsTest, BootSectorDemandsHugeRecords_Check_IsDamagedAndAllocatesNone) {
+    struct Size {
+        uint64_t field;
+        uint8_t power;
+    };
+    ReportBlocks();
+    if (IsSkipped()) return;
+    for (const Size& size : {Size{0x40, 30}, Size{0x44, 31}, Size{0x40, 17}}) {
+        const std::string stick = MadeImage("stick-ntfs.img");
+        PatchByte(stick, size.field, static_cast<uint8_t>(256 - size.power));
+        largestBlock = 0;
+        auto volume = VolumeOn(std::make_shared<ImageFile>(stick, ImageAccess::Read));
+
+        EXPECT_EQ(volume.Check(), NtfsVolume::Condition::Damaged);
+        EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::None);
+
+        EXPECT_LT(largestBlock, size_t{1} << 17) << "2^" << int{size.power};
+    }
 }
 
 TEST_F(HostileNtfsTest, FileWithEveryAttributeBit_ReadAndWrite_AreRefused) {
