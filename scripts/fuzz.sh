@@ -13,7 +13,7 @@ fuzz_length() { awk -v target="$1" '$1 == target { print $2 }' fuzz/targets.txt;
 # fuzz_one TARGET SECONDS PRESET: one run, at most half a minute longer than that. Its words are in
 # $temporary/fuzz-TARGET.
 fuzz_one() {
-    local target=$1 corpus=$fuzz_folder/corpus/$1 status=0
+    local target=$1 corpus=$fuzz_folder/corpus/$1 status=0 start=$SECONDS
     mkdir -p "$corpus" "$fuzz_folder/crashes"
     fuzz/make-seeds "$target" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
     if [ "$status" -eq 0 ]; then
@@ -21,20 +21,21 @@ fuzz_one() {
             -timeout=20 -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$fuzz_folder/crashes/$target-" \
             "$corpus" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
     fi
-    printf '%s %s\n' "$target" "$status" >>"$temporary/fuzz-done"
+    printf '%s %s %s\n' "$target" "$status" $((SECONDS - start)) >>"$temporary/fuzz-done"
 }
 
 # fuzz_executions TARGET: how many inputs its run has tried.
 fuzz_executions() { sed -n 's/^stat::number_of_executed_units: *//p' "$temporary/fuzz-$1"; }
 
-# fuzz_report TARGET STATUS SECONDS PRESET: a line about a run, all of it after a crash, and the figures of a long one.
+# fuzz_report TARGET STATUS SECONDS PRESET: a line about a run, all of it after a crash, and the figures of one that took a
+# minute or more, or ended with a crash.
 fuzz_report() {
     local target=$1 crashes=0 executions inputs
     [ "$2" -eq 0 ] || crashes=1
     executions=$(fuzz_executions "$target")
     inputs=$(find "$fuzz_folder/corpus/$target" -type f | wc -l)
     printf '  %-18s %9s executions, %5s inputs kept, crashes: %s\n' "$target" "${executions:-?}" "$inputs" "$crashes"
-    if [ "$3" -ge 60 ]; then
+    if [ "$3" -ge 60 ] || [ "$crashes" -eq 1 ]; then
         printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$(date -u +%F)" "$(git rev-parse --short HEAD)" "$target" "$3" \
             "${executions:-0}" "$inputs" "$crashes" >>"$fuzz_figures"
     fi
@@ -49,7 +50,7 @@ fuzz_report() {
 # preset sanitize only the targets themselves say what an input reaches: that does for a few seconds, and needs no build of
 # its own.
 fuzz() {
-    local seconds=${2:-5} preset=${3:-fuzz} start=$SECONDS targets target status failed=0
+    local seconds=${2:-5} preset=${3:-fuzz} start=$SECONDS targets target status took failed=0
     mapfile -t targets < <(fuzz_targets)
     if [ "${1:-all}" != all ]; then
         [[ " ${targets[*]} " == *" $1 "* ]] || fail "fuzz what? one of: all ${targets[*]}"
@@ -61,8 +62,8 @@ fuzz() {
     export temporary fuzz_folder
     # shellcheck disable=SC2016 # expanded by the shells that xargs starts
     printf '%s\n' "${targets[@]}" | xargs -P 2 -I '{}' bash -c 'fuzz_one "$@"' - '{}' "$seconds" "$preset"
-    while read -r target status; do
-        fuzz_report "$target" "$status" "$seconds" "$preset"
+    while read -r target status took; do
+        fuzz_report "$target" "$status" "$took" "$preset"
         [ "$status" -eq 0 ] || failed=$((failed + 1))
     done <"$temporary/fuzz-done"
     [ "$(wc -l <"$temporary/fuzz-done")" -eq ${#targets[@]} ] || fail "fuzz: not every target ran"
