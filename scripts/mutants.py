@@ -204,15 +204,19 @@ class Bench:
         objects = self.compile(mutant, ASSERTIONS if header else [mutant.path])
         if objects and not header and self.is_as_before(objects):
             return "same code"
+        is_code = not header
         for program in PROGRAMS[mutant.path.split("/")[0]]:
             if header and objects is not None:
                 objects = self.compile(mutant, self.build.sources_with(mutant.path, program))
+                if objects is not None and self.is_as_before(objects):
+                    continue  # it is of another system, or used by tests alone
+                is_code = True
             linked = self.link(program, objects) if objects is not None else None
             if linked is None:
                 return "does not compile"
             if self.notices(program, linked):
                 return f"killed by tests/{program}"
-        return "survived"
+        return "survived" if is_code else "same code"
 
 
 Usual = collections.namedtuple("Usual", "processor duration")  # seconds
