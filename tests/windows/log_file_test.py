@@ -7,6 +7,7 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -219,4 +220,6 @@ if __name__ == "__main__":
     if len(sys.argv) != 2:
         sys.exit(__doc__)
     binaries = pathlib.Path(sys.argv[1])
+    # The runner would count an exit as a failed test and go on.
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     unittest.main(argv=sys.argv[:1])
