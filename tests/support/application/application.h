@@ -9,6 +9,7 @@
 #include "machine/journal/emulated_pc.h"
 #include "manager/kestova.h"
 #include "tests/support/leftovers.h"
+#include "tests/support/print_pc.h"
 
 // Has made its object, initialised it, and starts with an empty journal.
 class Application {
