@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "base/hexadecimal.h"
+
 std::string GuidText(const GUID& guid) {
     char text[40];
     std::snprintf(text, sizeof text, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x",
@@ -17,11 +19,9 @@ std::optional<Guid> GuidFromText(std::string_view text) {
     for (size_t at = 0; at < text.size(); ++at) {
         const bool dash = at == 8 || at == 13 || at == 18 || at == 23;
         if (dash != (text[at] == '-')) return std::nullopt;
-        if (dash) continue;
-        if (std::string_view("0123456789abcdefABCDEF").find(text[at]) == std::string_view::npos)
-            return std::nullopt;
-        digits += text[at];
+        if (!dash) digits += text[at];
     }
+    if (!AreHexDigits(digits)) return std::nullopt;
     const auto number = [&](size_t from, size_t count) {
         return std::stoul(digits.substr(from, count), nullptr, 16);
     };

@@ -8,3 +8,7 @@ std::string Hex(uint64_t value, int digits, HexDigits letters) {
                   static_cast<unsigned long long>(value));
     return text;
 }
+
+bool AreHexDigits(std::string_view text) {
+    return text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}

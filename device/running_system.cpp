@@ -2,21 +2,21 @@
 #include "base/format.h"
 #include "device/device_handle.h"
 #include "device/disk_drive.h"
+#include "platform/start_options.h"
 
 BOOL CDiskDrive::IsWindowsPE() {
     HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("SYSTEM\\CurrentControlSet\\Control"), 0, KEY_READ, &key) !=
-        ERROR_SUCCESS) {
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, startOptionsKey, 0, KEY_READ, &key) != ERROR_SUCCESS) {
         return FALSE;
     }
     constexpr DWORD capacity = 1000;                   // bytes
     WCHAR options[capacity / sizeof(WCHAR) + 1] = {};  // terminated even if the registry value is not
     DWORD size = capacity;
-    const LSTATUS read = RegQueryValueExW(key, TEXT("SystemStartOptions"), nullptr, nullptr,
-                                          reinterpret_cast<BYTE*>(options), &size);
+    const LSTATUS read =
+        RegQueryValueExW(key, startOptionsValue, nullptr, nullptr, reinterpret_cast<BYTE*>(options), &size);
     const LSTATUS closed = RegCloseKey(key);
     if (read != ERROR_SUCCESS || closed != ERROR_SUCCESS) return FALSE;
-    return UpperCase(options).find(TEXT("MININT")) != WideString::npos;
+    return UpperCase(options).find(windowsPeOption) != WideString::npos;
 }
 
 BOOL CDiskDrive::GetCurrentDriveNumber(int& driveNumber) {

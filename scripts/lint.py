@@ -16,6 +16,7 @@ import hashlib
 import json
 import os
 import pathlib
+import signal
 import subprocess
 import sys
 import tempfile
@@ -125,6 +126,7 @@ def main():
     commands = compile_commands(build)
     chosen = choose_sources(pending, commands, headers_of_sources(build))
 
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # which removes the temporary folder
     with tempfile.TemporaryDirectory() as folder:
         pathlib.Path(folder, "compile_commands.json").write_text(json.dumps(list(commands.values())))
 

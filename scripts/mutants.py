@@ -7,8 +7,8 @@ BUILD is a folder where CMake and ninja have built the test programs, best witho
 unless given) that SEED (a random one unless given) chooses; with --changed those of the lines that differ from a commit
 in more than comments, for a minute; with --again those that survived the last run; with --of FILE all of these files, or
 NUMBER. For each the altered source is compiled, the test programs of its folder are linked with it and run, then those of
-the folders above and those of the faults. A program that takes LIMIT times its usual processor time hangs, and so notices too. An interrupted run counts as
-far as it came.
+the folders above and those of the faults. A program that takes LIMIT times its usual processor time hangs, and so
+notices too. An interrupted run counts as far as it came.
 
 tests/figures/equivalent-mutants.tsv lists the mutants that no test can notice, with the reason; they are found by their
 text ("-> *": whatever the lines become) and are not tried. A run of 100 mutants and more is added to

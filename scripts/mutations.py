@@ -1,4 +1,4 @@
-"""The small changes that mutation testing makes to a C++ source: what a tired developer would type wrong.
+"""The small changes that mutation testing makes to a C++ source: typing slips that often still compile.
 
 The source is read as tokens, without a parser: macros stay as they are written. Spaces tell an operator from a template
 bracket or a pointer, because every source is formatted. Comments, preprocessor lines and assertions of the compiler are

@@ -1,6 +1,7 @@
 // Construction and destruction of the partition object, and the connection to the service.
 #include "vds/vds_partition.h"
 
+#include "base/owners.h"
 #include "vds/vds_ex.h"
 
 namespace {
@@ -8,21 +9,15 @@ namespace {
 constexpr int connectAttempts = 20;
 constexpr DWORD pauseMilliseconds = 1000;
 
-template <typename Interface>
-void Release(Interface*& held) {
-    if (held != nullptr) held->Release();
-    held = nullptr;
-}
-
 }  // namespace
 
 CVDSPartition::CVDSPartition() = default;
 
 CVDSPartition::~CVDSPartition() {
-    Release(m_pVdsAdvancedDisk);
-    Release(m_pVdsService);
-    Release(m_pVdsDisk);
-    Release(m_pVdsVolumeMF);
+    ComPtr<IVdsAdvancedDisk>(m_pVdsAdvancedDisk).Reset();
+    ComPtr<IVdsService>(m_pVdsService).Reset();
+    ComPtr<IVdsDisk>(m_pVdsDisk).Reset();
+    ComPtr<IVdsVolumeMF>(m_pVdsVolumeMF).Reset();
 }
 
 BOOL CVDSPartition::Initialize() {

@@ -2,6 +2,7 @@
 
 #include "logging/log_line.h"
 #include "logging/plain_file.h"
+#include "platform/start_options.h"
 
 namespace {
 
@@ -32,9 +33,9 @@ Text RegistryText(const WCHAR* path, const WCHAR* name) {
 
 // Windows PE has one user, and an environment that nobody else writes.
 bool IsWindowsPe() {
-    Text options = RegistryText(TEXT("SYSTEM\\CurrentControlSet\\Control"), TEXT("SystemStartOptions"));
+    Text options = RegistryText(startOptionsKey, startOptionsValue);
     CharUpperBuffW(options.data(), static_cast<DWORD>(options.size()));
-    return options.find(TEXT("MININT")) != Text::npos;
+    return options.find(windowsPeOption) != Text::npos;
 }
 
 // True also when it cannot be found out.

@@ -3,6 +3,7 @@
 #include "machine/description/codec.h"
 #include "machine/description/record.h"
 #include "machine/description/values.h"
+#include "machine/facts/machines.h"
 #include "machine/facts/standard_disk.h"
 
 namespace machine::description {
@@ -133,13 +134,7 @@ constexpr RecordType<Firmware> firmwareType = {firmwareFields};
 
 // Windows PE runs from its RAM drive.
 RunningSystem StandardSystem(const RunningSystem& leading) {
-    RunningSystem system;
-    system.kind = leading.kind;
-    if (system.kind == SystemKind::WindowsPe) {
-        system.windowsDirectory = "X:\\Windows";
-        system.startOptions = " FASTDETECT MININT";
-    }
-    return system;
+    return leading.kind == SystemKind::WindowsPe ? WindowsPePc().system : RunningSystem();
 }
 
 constexpr Field<RunningSystem> systemFields[] = {

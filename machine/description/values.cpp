@@ -57,8 +57,7 @@ void DriveName::Read(const Node& node, std::string& name) {
 void HexBytes::Read(const Node& node, std::string& bytes) {
     std::string digits = node.Content();
     std::erase(digits, ' ');
-    const bool allHex = digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-    if (!allHex || digits.size() % 2 != 0)
+    if (!AreHexDigits(digits) || digits.size() % 2 != 0)
         node.Fail("must be pairs of hexadecimal digits, like \"ff fe 41 00\"");
     bytes.clear();
     for (size_t at = 0; at < digits.size(); at += 2)

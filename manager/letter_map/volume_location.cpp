@@ -9,6 +9,7 @@
 #include "manager/formatted_record.h"
 #include "manager/guard.h"
 #include "manager/kestova.h"
+#include "manager/letter_map/unread_location.h"
 
 namespace {
 
@@ -46,7 +47,7 @@ WCHAR Kestova::GetDriveLetter(int disk, int partition) {
 
 int Kestova::GetDiskNumber(WCHAR letter) {
     TraceString(StringFormat(TEXT("Kestova::GetDiskNumber      cDriveLetter is %c "), letter));
-    int iDiskNum = 255;
+    int iDiskNum = unreadDisk;
     const FileHandle volume = OpenVolume(letter, GENERIC_READ);
     if (volume && ReadDiskNumber(volume, iDiskNum)) {
         // The text names GetPartNumber.
@@ -57,7 +58,7 @@ int Kestova::GetDiskNumber(WCHAR letter) {
 
 int Kestova::GetPartNumber(WCHAR letter) {
     TraceString(StringFormat(TEXT("Kestova::GetPartNumber      cDriveLetter is %c "), letter));
-    int iPartNum = 0;
+    int iPartNum = unreadPartition;
     const FileHandle volume = OpenVolume(letter, GENERIC_READ);
     if (volume && ReadPartitionNumber(volume, iPartNum)) {
         TraceString(StringFormat(TEXT("Kestova::GetPartNumber      iPartNum is %d "), iPartNum));

@@ -15,3 +15,13 @@ TEST(Hex, LettersInEitherCase) {
     EXPECT_EQ(Hex(0x8004242C, 8), "0x8004242C");
     EXPECT_EQ(Hex(0x8004242C, 8, HexDigits::Lower), "0x8004242c");
 }
+
+TEST(AreHexDigits, DigitsInEitherCase_Check_IsTrue) {
+    EXPECT_TRUE(AreHexDigits("0123456789abcdefABCDEF"));
+    EXPECT_TRUE(AreHexDigits(""));
+}
+
+TEST(AreHexDigits, OneOtherCharacter_Check_IsFalse) {
+    for (const char* const text : {"g", "0x1", "1 ", "-1", "/", ":", "@", "G", "`"})
+        EXPECT_FALSE(AreHexDigits(text)) << text;
+}

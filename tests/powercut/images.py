@@ -20,6 +20,7 @@ import os
 import pathlib
 import random
 import re
+import signal
 import subprocess
 import sys
 import tempfile
@@ -281,6 +282,7 @@ def main():
     words = words.parse_args()
     tool = os.path.abspath(words.tool)
 
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # which removes the temporary folders
     with tempfile.TemporaryDirectory(prefix="kestova-cuts-") as name:
         top = pathlib.Path(name)
         image = top / "factory.img"

@@ -9,6 +9,7 @@
 #include "tests/support/application/application.h"
 #include "tests/sweep/engine/machines.h"
 #include "tests/sweep/engine/tasks.h"
+#include "tests/sweep/task_name.h"
 
 namespace {
 
@@ -113,4 +114,4 @@ TEST_P(ChangingPc, DisksOrPartitionsChange_Operation_EndsWithAListedResult) {
     EXPECT_GT(changed, 0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, ChangingPc, testing::ValuesIn(sweep::Tasks()), sweep::NameOf);
+INSTANTIATE_TEST_SUITE_P(Every, ChangingPc, testing::ValuesIn(sweep::Tasks()), NameOfTask);

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "tests/support/temporary_folder.h"
 #include "tests/sweep/engine/expected.h"
 #include "tests/sweep/engine/sweep.h"
 
@@ -24,23 +25,22 @@ using testing::IsEmpty;
 
 class ExpectedTables : public testing::Test {
   protected:
-    ExpectedTables() { fs::create_directories(folder_); }
-    ~ExpectedTables() override { fs::remove_all(folder_); }
-
     void Write(const std::string& breaches) {
-        std::ofstream(folder_ / "breaches.tsv") << breaches;
-        std::ofstream(folder_ / "closing_records.tsv") << "";
-        std::ofstream(folder_ / "unnamed_calls.tsv") << "";
+        std::ofstream(Folder() / "breaches.tsv") << breaches;
+        std::ofstream(Folder() / "closing_records.tsv") << "";
+        std::ofstream(Folder() / "unnamed_calls.tsv") << "";
     }
     std::vector<std::string> Compare(const std::vector<Row>& found, bool whole = true) {
         Tally tally;
         for (const Row& row : found)
             tally.Add({Table::Breaches, row}, "example");
-        return Expected(folder_).Compare(tally, whole);
+        return Expected(Folder()).Compare(tally, whole);
     }
 
-    const fs::path folder_ =
-        fs::temp_directory_path() / testing::UnitTest::GetInstance()->current_test_info()->name();
+    const fs::path& Folder() const { return folder_.Path(); }
+
+  private:
+    TemporaryFolder folder_;
 };
 
 const Row leak = {"rule", "SetActive", "CloseHandle", "fails", "file handle"};
@@ -74,7 +74,7 @@ TEST_F(ExpectedTables, Alternatives_MustEachOccur) {
 TEST_F(ExpectedTables, BreachWithoutAReason_IsRefusedWithFileAndLine) {
     Write("# head\nrule\tSetActive\tCloseHandle\tfails\tfile handle\t\n");
     try {
-        const Expected expected(folder_);
+        const Expected expected(Folder());
         ADD_FAILURE() << "accepted";
     } catch (const std::runtime_error& refused) {
         EXPECT_THAT(refused.what(), HasSubstr("breaches.tsv:2: no reason"));

@@ -9,6 +9,7 @@ the tests record into an empty folder, and a file or section that is missing the
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -47,6 +48,7 @@ def replace(folder):
 
 def main():
     programs_folder = pathlib.Path(sys.argv[1]).resolve()
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # which removes the temporary folder
     with tempfile.TemporaryDirectory() as folder:
         recorded = pathlib.Path(folder)
         record(programs_folder, recorded)

@@ -7,6 +7,7 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -75,31 +76,31 @@ class LogFileTest(unittest.TestCase):
 
 
 class OnInstalledWindows(LogFileTest):
-    def test_lies_beside_the_program_and_has_a_line_for_each_record(self):
+    def test_NoSetting_TenRecords_AreALineEachBesideTheProgram(self):
         self.write("one", 10)
         self.assertEqual(self.records(self.log),
                          [("ERROR" if number == 10 else "TRACE", "one", number) for number in range(1, 11)])
         self.assertEqual(self.new_files(), {"Kestova.log"})
 
-    def test_is_continued_by_the_next_program(self):
+    def test_FileOfAnotherProgram_Write_AddsALine(self):
         self.write("one", 1)
         self.write("two", 1)
         self.assertEqual(self.records(self.log), [("TRACE", "one", 1), ("TRACE", "two", 1)])
 
-    def test_holds_records_up_to_the_level_that_the_variable_says(self):
+    def test_LevelOfTheVariable_Write_LeavesOutRecordsAboveIt(self):
         self.write("one", 20, level="1")
         self.assertEqual(self.records(self.log), [("ERROR", "one", 10), ("ERROR", "one", 20)])
 
-    def test_is_not_made_at_level_0(self):
+    def test_Level0_Write_MakesNoFile(self):
         self.write("one", 10, level="0")
         self.assertEqual(self.new_files(), set())
 
-    def test_is_bounded_and_keeps_one_older_file(self):
+    def test_LongRecords_Write_KeepsTwoBoundedFiles(self):
         self.write("one", 30, 100_000)
         self.assertEqual(self.new_files(), {"Kestova.log", "Kestova.log.old"})
         self.assert_bounded()
 
-    def test_loses_no_line_of_two_programs_at_once(self):
+    def test_TwoProgramsAtOnce_Write_LoseNoLine(self):
         processes = {name: self.start(name, 500, 1500) for name in ("one", "two")}
         for process in processes.values():
             process.stdin.write("go\n")
@@ -111,13 +112,13 @@ class OnInstalledWindows(LogFileTest):
         for name in processes:
             self.assertEqual([number for _, writer, number in records if writer == name], list(range(1, 501)))
 
-    def test_stays_bounded_while_the_older_file_cannot_be_replaced(self):
+    def test_OlderFileCannotBeReplaced_Write_StaysBounded(self):
         self.older.mkdir()
         (self.older / "in the way").touch()
         self.write("one", 15, 100_000)
         self.assertEqual([number for _, _, number in self.records(self.log)], list(range(1, 11)))
 
-    def test_is_written_although_another_program_is_stuck_in_its_turn(self):
+    def test_AnotherProgramStuckInItsTurn_Write_LosesNoLine(self):
         self.start("stuck")
         self.write("one", 20)
         self.assertEqual([number for _, _, number in self.records(self.log)], list(range(1, 21)))
@@ -128,21 +129,21 @@ class OnInstalledWindows(LogFileTest):
             self.assertLessEqual(file.stat().st_size, LARGEST)
         self.assertEqual([number for _, _, number in self.records(self.older, self.log)], list(range(11, 31)))
 
-    def test_is_bounded_although_another_program_is_stuck_in_its_turn(self):
+    def test_AnotherProgramStuckInItsTurn_WriteLongRecords_KeepsTwoBoundedFiles(self):
         self.start("stuck")
         self.write("one", 30, 100_000)
         self.assert_bounded()
 
-    def test_is_bounded_although_the_turns_cannot_be_opened(self):
+    def test_TurnsCannotBeOpened_WriteLongRecords_KeepsTwoBoundedFiles(self):
         self.start("alone")
         self.write("one", 30, 100_000)
         self.assert_bounded()
 
-    def test_does_not_lie_where_the_variable_of_an_elevated_program_says(self):
+    def test_VariableOfAnElevatedProgram_Write_IgnoresIt(self):
         self.write("one", 1, log=windows_path(self.folder / "else.txt"))
         self.assertEqual(self.new_files(), {"Kestova.log"})
 
-    def test_lies_where_the_variable_of_a_program_without_elevation_says(self):
+    def test_VariableOfAProgramWithoutElevation_Write_GoesToItsPlace(self):
         process = self.start("limited", "one", 1, 0, log=windows_path(self.folder / "else.txt"))
         self.finish(process, "one", 1)
         self.assertEqual(self.records(self.folder / "else.txt"), [("TRACE", "one", 1)])
@@ -154,13 +155,13 @@ class AtAPlaceInTheRegistry(LogFileTest):
         reg("add", KESTOVA, "/v", "Log", "/d", value)
         self.addCleanup(reg, "delete", KESTOVA)
 
-    def test_lies_there_whatever_the_variable_says(self):
+    def test_FullPathAndVariable_Write_GoesToThePath(self):
         self.place(windows_path(self.folder / "chosen.txt"))
         self.write("one", 1, log=windows_path(self.folder / "else.txt"))
         self.assertEqual(self.records(self.folder / "chosen.txt"), [("TRACE", "one", 1)])
         self.assertEqual(self.new_files(), {"chosen.txt"})
 
-    def test_lies_beside_the_program_when_the_place_depends_on_the_current_folder(self):
+    def test_RelativePath_Write_GoesBesideTheProgram(self):
         self.place("chosen.txt")
         self.write("one", 1)
         self.assertEqual(self.new_files(), {"Kestova.log"})
@@ -172,7 +173,7 @@ class InWindowsPe(LogFileTest):
         reg("add", CONTROL, "/v", "SystemStartOptions", "/d", " FASTDETECT MININT")
         cls.addClassCleanup(reg, "delete", CONTROL, "/v", "SystemStartOptions")
 
-    def test_lies_where_the_variable_says(self):
+    def test_Variable_Write_GoesToItsPlace(self):
         (self.folder / "logs").mkdir()
         for setting in (windows_path(self.folder / "logs/full.txt"), "logs\\relative.txt"):
             self.write("one", 1, log=setting)
@@ -180,7 +181,7 @@ class InWindowsPe(LogFileTest):
             self.assertEqual(self.records(self.folder / "logs" / name), [("TRACE", "one", 1)])
         self.assertEqual(self.new_files(), {"logs"})
 
-    def test_disturbs_nobody_when_it_cannot_be_written(self):
+    def test_PlaceCannotBeWritten_Write_DisturbsNobody(self):
         (self.folder / "taken").mkdir()
         places = {"a folder that is missing": windows_path(self.folder / "missing/log.txt"),
                   "a folder of that name": windows_path(self.folder / "taken"), "a device": "Z:\\dev\\full",
@@ -190,7 +191,7 @@ class InWindowsPe(LogFileTest):
                 self.write("one", 10, log=place)
         self.assertEqual(self.new_files(), {"taken"})
 
-    def test_is_not_written_into_a_file_of_several_names(self):
+    def test_FileOfSeveralNames_Write_LeavesIt(self):
         target = self.folder / "target"
         target.write_bytes(b"of somebody else")
         os.link(target, self.folder / "log.txt")
@@ -198,14 +199,14 @@ class InWindowsPe(LogFileTest):
         self.assertEqual(target.read_bytes(), b"of somebody else")
         self.assertEqual(self.new_files(), {"target", "log.txt"})
 
-    def test_does_not_rename_a_full_file_of_several_names(self):
+    def test_FullFileOfSeveralNames_Write_DoesNotRenameIt(self):
         target = self.folder / "target"
         target.write_bytes(b"x" * LARGEST)
         os.link(target, self.folder / "log.txt")
         self.write("one", 1, log=windows_path(self.folder / "log.txt"))
         self.assertEqual(self.new_files(), {"target", "log.txt"})
 
-    def test_is_not_written_to_a_device(self):
+    def test_Device_Write_LeavesIt(self):
         device, terminal = os.openpty()
         self.addCleanup(os.close, device)
         self.addCleanup(os.close, terminal)
@@ -219,4 +220,6 @@ if __name__ == "__main__":
     if len(sys.argv) != 2:
         sys.exit(__doc__)
     binaries = pathlib.Path(sys.argv[1])
+    # The runner would count an exit as a failed test and go on.
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     unittest.main(argv=sys.argv[:1])

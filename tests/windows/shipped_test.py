@@ -70,25 +70,25 @@ class ShippedFiles(unittest.TestCase):
     def every_file(self):
         return [(name, self.read(name)) for name in ("Kestova.dll", "Logging.dll", "kestova.exe")]
 
-    def test_kestova_exports_the_members_of_its_class_and_nothing_else(self):
+    def test_KestovaDll_Exports_AreTheMembersOfItsClass(self):
         members = declared_members()
         self.assertGreater(len(members), 60)
         self.assertEqual(demangled(self.exports(self.read("Kestova.dll"))), members)
 
-    def test_logging_exports_its_one_entry_point(self):
+    def test_LoggingDll_Exports_AreItsOneEntryPoint(self):
         self.assertEqual(demangled(self.exports(self.read("Logging.dll"))), {GET_INSTANCE})
 
-    def test_kestova_takes_one_function_from_logging_and_the_rest_from_windows(self):
+    def test_KestovaDll_Imports_AreOneOfLoggingAndTheRestOfWindows(self):
         imports = self.imports(self.read("Kestova.dll"))
         self.assertEqual(demangled(imports.pop("logging.dll")), {GET_INSTANCE})
         self.assertLessEqual(set(imports), WINDOWS_OWN)
 
-    def test_nothing_of_the_toolchain_is_needed(self):
+    def test_EveryFile_Imports_AreNoneOfTheToolchain(self):
         for name, file in self.every_file():
             with self.subTest(name):
                 self.assertLessEqual(set(self.imports(file)), WINDOWS_OWN | {"kestova.dll", "logging.dll"})
 
-    def test_the_loader_may_place_it_anywhere_and_runs_no_data(self):
+    def test_EveryFile_Flags_LetTheLoaderPlaceItAnywhereAndRunNoData(self):
         expected = PROTECTIONS | (LARGE_ADDRESSES if self.word_size == "x86_64" else set())
         for name, file in self.every_file():
             with self.subTest(name):
@@ -97,18 +97,18 @@ class ShippedFiles(unittest.TestCase):
                 self.assertLessEqual(expected, flags)
                 self.assertTrue(file.OPTIONAL_HEADER.DATA_DIRECTORY[5].Size, "no relocations")
 
-    def test_overwritten_stacks_are_found_where_there_is_room_for_that(self):
+    def test_LoggingAndTool_Code_GuardsItsStack(self):
         for name in ("Logging.dll", "kestova.exe"):
             with self.subTest(name):
                 self.assertIn(STACK_GUARD, (self.folder / "bin" / name).read_bytes())
 
-    def test_it_is_of_the_word_size_that_it_says(self):
+    def test_EveryFile_Machine_IsThatOfItsPreset(self):
         for name, file in self.every_file():
             with self.subTest(name):
                 machine = pefile.MACHINE_TYPE[file.FILE_HEADER.Machine]
                 self.assertEqual(machine, MACHINES[self.word_size])
 
-    def test_it_tells_its_version(self):
+    def test_EveryFile_Version_IsThatOfTheProject(self):
         version = re.search(r"project\(Kestova VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
         for name, file in self.every_file():
             with self.subTest(name):
@@ -121,12 +121,12 @@ class ShippedFiles(unittest.TestCase):
                 numbers = (fixed.FileVersionMS >> 16, fixed.FileVersionMS & 0xFFFF, fixed.FileVersionLS >> 16)
                 self.assertEqual(".".join(map(str, numbers)), version)
 
-    def test_it_is_stripped(self):
+    def test_EveryFile_Symbols_AreStripped(self):
         for name, file in self.every_file():
             with self.subTest(name):
                 self.assertEqual(file.FILE_HEADER.NumberOfSymbols, 0)
 
-    def test_kestova_is_small(self):
+    def test_KestovaDll_Size_IsBelowItsLimit(self):
         if self.word_size != "x86_64":
             self.skipTest("the limit is that of x86_64")
         self.assertLessEqual((self.folder / "bin/Kestova.dll").stat().st_size, LARGEST_LIBRARY)
@@ -142,18 +142,18 @@ class LinuxTool(unittest.TestCase):
     def called_functions(self):
         return set(re.findall(r" FUNC +GLOBAL +DEFAULT +UND +(\w+)", self.readelf("--dyn-syms")))
 
-    def test_it_may_be_placed_anywhere(self):
+    def test_Tool_Type_LetsTheLoaderPlaceItAnywhere(self):
         self.assertRegex(self.readelf("--file-header"), r"Type: +DYN ")
         self.assertRegex(self.readelf("--dynamic"), r"\(FLAGS_1\) .*\bPIE\b")
 
-    def test_its_tables_of_functions_are_read_only_before_it_begins(self):
+    def test_Tool_TablesOfFunctions_AreReadOnlyBeforeItBegins(self):
         self.assertIn(" GNU_RELRO ", self.readelf("--program-headers"))
         self.assertRegex(self.readelf("--dynamic"), r"\(FLAGS\) .*\bBIND_NOW\b")
 
-    def test_its_stack_cannot_be_executed(self):
+    def test_Tool_Stack_CannotBeExecuted(self):
         self.assertRegex(self.readelf("--program-headers"), r" GNU_STACK .* RW +0x")
 
-    def test_overwritten_stacks_and_buffers_are_found(self):
+    def test_Tool_Code_GuardsItsStackAndBuffers(self):
         functions = self.called_functions()
         self.assertIn("__stack_chk_fail", functions)
         # The checked ones of the C library, which _FORTIFY_SOURCE calls in place of the others.

@@ -29,7 +29,7 @@ std::string LogBesideProgram() {
     return path.substr(0, path.find_last_of('\\') + 1) + "Kestova.log";
 }
 
-TEST(StandardSink, EachAllocationOfTheFirstRecordFails_NextRecordIsWritten) {
+TEST(StandardSink, EachAllocationOfTheFirstRecordFails_WriteTheNext_IsWritten) {
     const std::string path = LogBesideProgram();
     SetEnvironmentVariableW(TEXT("KESTOVA_LOG_LEVEL"), nullptr);
     for (const auto lack : {ScarceMemory::Lack::Once, ScarceMemory::Lack::FromThenOn}) {
@@ -57,7 +57,7 @@ TEST(StandardSink, EachAllocationOfTheFirstRecordFails_NextRecordIsWritten) {
     SetEnvironmentVariableW(TEXT("KESTOVA_LOG_LEVEL"), TEXT("0"));
 }
 
-TEST(StandardSink, MutexOfTheTurns_IsOpenToAdministratorsAndTheSystemAlone) {
+TEST(StandardSink, FirstRecordWritten_MutexOfTheTurns_IsOpenToAdministratorsAndTheSystemAlone) {
     ReleaseStandardSink();
     WriteRecord(TEXT("not written at level "), 0);
     const HANDLE mutex = OpenMutexW(READ_CONTROL, FALSE, TEXT("Global\\Kestova.Logging"));

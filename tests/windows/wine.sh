@@ -19,20 +19,32 @@ unset DISPLAY
 # The log file has a test of its own.
 export KESTOVA_LOG_LEVEL=0
 
+# step WHAT COMMAND...: a part of the start, whose output is shown if it fails.
+step() {
+    local what=$1 status=0
+    shift
+    "$@" >"$WINEPREFIX/start.log" 2>&1 || status=$?
+    [ "$status" -ne 0 ] || return 0
+    cat "$WINEPREFIX/start.log" >&2
+    printf 'wine.sh: %s failed with status %s: %s\n' "$what" "$status" "$*" >&2
+    exit 1
+}
+
 case $2 in
     start)
         rm -rf "$WINEPREFIX"
         mkdir -p "$WINEPREFIX"
-        wineserver -p >/dev/null 2>&1
-        wine wineboot -i >/dev/null 2>&1
-        [ -d "$WINEPREFIX/drive_c/windows" ]
+        step "the start of the server" wineserver -p
+        step "the making of a prefix" wine wineboot -i
+        step "the look at the prefix" ls "$WINEPREFIX/drive_c/windows"
         # Without a desktop the search for input devices can hold up the start of every other service for minutes.
-        wine reg add 'HKLM\System\CurrentControlSet\Services\winebus' /v Start /t REG_DWORD /d 4 /f >/dev/null 2>&1
-        [ $# -lt 3 ] || "$3"
+        step "a setting of the prefix" \
+            wine reg add 'HKLM\System\CurrentControlSet\Services\winebus' /v Start /t REG_DWORD /d 4 /f
+        [ $# -lt 3 ] || step "the furnishing of the prefix" "$3"
         # Services and the types of drives are read when the server starts.
         wineserver -k
         wineserver -w
-        wineserver -p >/dev/null 2>&1
+        step "the second start of the server" wineserver -p
         # What looks for a COM server asks this service, which starts late by itself.
         wine net start rpcss >/dev/null 2>&1 || true
         ;;

@@ -19,6 +19,7 @@
 #include "tests/faults/memory/foreign_logger.h"
 #include "tests/support/application/two_systems.h"
 #include "tests/sweep/engine/tasks.h"
+#include "tests/sweep/task_name.h"
 
 namespace {
 
@@ -212,6 +213,6 @@ TEST_P(MemoryFaults, EveryAllocationFails_EndsWithItsResultAndUndoesWhatItDid) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, MemoryFaults, testing::ValuesIn(sweep::Tasks()), sweep::NameOf);
+INSTANTIATE_TEST_SUITE_P(Every, MemoryFaults, testing::ValuesIn(sweep::Tasks()), NameOfTask);
 
 }  // namespace

@@ -1,8 +1,5 @@
 #include "tests/support/application/application.h"
 
-#include <gtest/gtest.h>
-
-#include <set>
 #include <stdexcept>
 
 Application::Application(machine::Pc facts) : pc(std::move(facts)) {
@@ -30,16 +27,4 @@ std::optional<std::string> SystemVolumeIni(machine::EmulatedPc& pc) {
     const machine::FileTree::Entry* const entry =
         PartitionOf(pc.facts, 1).volume->files.Find("SystemVolume.ini");
     return entry != nullptr ? std::optional(entry->content) : std::nullopt;
-}
-
-void ExpectOnlyKeptLeftovers(const machine::Ledger& ledger, const std::string& failingCall) {
-    std::set<std::string> kept = {"COM initialization", "IVdsService",  "IVdsAdvancedDisk",
-                                  "IVdsDisk",           "IVdsVolumeMF", "VDS_DISK_PROP string"};
-    if (failingCall == "CloseHandle") kept.insert("file handle");
-    if (failingCall == "RegCloseKey") kept.insert("registry key");
-    if (failingCall == "SetupDiDestroyDeviceInfoList") kept.insert("device info set");
-    if (failingCall.starts_with("Wow64")) kept.insert("file-system redirection");
-    for (const auto& [kind, count] : ledger.Outstanding())
-        EXPECT_TRUE(kept.contains(kind)) << count << " " << kind;
-    EXPECT_TRUE(ledger.Violations().empty()) << ledger.Violations().front();
 }

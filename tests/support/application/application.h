@@ -8,6 +8,8 @@
 #include "base/com_apartment.h"
 #include "machine/journal/emulated_pc.h"
 #include "manager/kestova.h"
+#include "tests/support/leftovers.h"
+#include "tests/support/print_pc.h"
 
 // Has made its object, initialised it, and starts with an empty journal.
 class Application {
@@ -27,8 +29,3 @@ machine::Partition& PartitionOf(machine::Pc& pc, uint32_t number);
 
 // SystemVolume.ini on partition 1 of the first described disk; nothing when there is none.
 std::optional<std::string> SystemVolumeIni(machine::EmulatedPc& pc);
-
-// What an initialised object leaves on loan by design as long as it lives: interfaces that the volume layer
-// overwrites, strings of disks that nobody frees; and what a failing close could not give back, or a
-// call that failed after its effect had taken. Fails the running test for anything else.
-void ExpectOnlyKeptLeftovers(const machine::Ledger& ledger, const std::string& failingCall = "");

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/temporary_folder.h"
+
 // The result of a run.
 struct Outcome {
     int status = -1;
@@ -16,9 +18,6 @@ struct Outcome {
 
 class ProgramTest : public testing::Test {
   protected:
-    ProgramTest();
-    ~ProgramTest() override;
-
     // Runs the program with these words, as typed in a shell, in the test's folder.
     Outcome Kestova(const std::string& words, const std::string& input = "");
     // Runs any shell command there.
@@ -26,8 +25,8 @@ class ProgramTest : public testing::Test {
 
     void WriteFile(const std::string& name, const std::string& content);
     std::string ReadFile(const std::string& name);
-    const std::filesystem::path& Folder() const { return folder_; }
+    const std::filesystem::path& Folder() const { return folder_.Path(); }
 
   private:
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
 };

@@ -1,6 +1,5 @@
 #include "tests/sweep/engine/tasks.h"
 
-#include <algorithm>
 #include <map>
 #include <ostream>
 #include <set>
@@ -50,12 +49,6 @@ std::vector<Task> MakeTasks() {
 
 void PrintTo(const Task& task, std::ostream* out) {
     *out << task.name;
-}
-
-std::string NameOf(const testing::TestParamInfo<Task>& tested) {
-    std::string name = tested.param.name;
-    std::ranges::replace(name, ' ', '_');
-    return name;
 }
 
 const std::vector<Task>& Tasks() {

@@ -1,8 +1,6 @@
 // What is swept: every operation of the tool's table, with arguments, after what has to come before it.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -18,9 +16,8 @@ struct Task {
     const Operation* before = nullptr;  // called first, undisturbed; null: nothing
 };
 
-// Tests print their parameter with it, and have "IsVistaOS_C" as its name.
+// Its name; a test with this parameter prints it.
 void PrintTo(const Task& task, std::ostream* out);
-std::string NameOf(const testing::TestParamInfo<Task>& tested);
 
 const std::vector<Task>& Tasks();
 

@@ -10,6 +10,8 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "tests/support/temporary_folder.h"
+
 namespace sweep {
 
 namespace {
@@ -31,13 +33,13 @@ Shared& Share() {
     return *new (memory) Shared;
 }
 
-std::string FileOf(const std::string& folder, unsigned process) {
-    return folder + "/" + std::to_string(process);
+std::filesystem::path FileOf(const TemporaryFolder& folder, unsigned process) {
+    return folder.Path() / std::to_string(process);
 }
 
 // The process takes one item after another.
 void Work(const std::vector<Item>& items, const Sample& sample, Shared& shared, unsigned process,
-          const std::string& folder) {
+          const TemporaryFolder& folder) {
     Tally tally;
     const auto about = [&](const std::string& words) {
         alarm(secondsOfHang);
@@ -49,24 +51,6 @@ void Work(const std::vector<Item>& items, const Sample& sample, Shared& shared, 
     tally.Write(out);
 }
 
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        if (mkdtemp(path_) == nullptr) throw std::runtime_error("no temporary folder");
-    }
-    ~TemporaryFolder() {
-        for (unsigned process = 0; process < mostProcesses; ++process)
-            std::remove(FileOf(path_, process).c_str());
-        rmdir(path_);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    std::string Path() const { return path_; }
-
-  private:
-    char path_[32] = "/tmp/sweep-XXXXXX";
-};
-
 }  // namespace
 
 Swept SweepInProcesses(const std::vector<Item>& items, const Sample& sample, unsigned processes) {
@@ -77,7 +61,7 @@ Swept SweepInProcesses(const std::vector<Item>& items, const Sample& sample, uns
         const pid_t child = fork();
         if (child == -1) throw std::runtime_error("no process");
         if (child == 0) {
-            Work(items, sample, shared, process, folder.Path());
+            Work(items, sample, shared, process, folder);
             std::_Exit(0);
         }
         children.push_back(child);
@@ -90,7 +74,7 @@ Swept SweepInProcesses(const std::vector<Item>& items, const Sample& sample, uns
             swept.crashes.push_back("status " + std::to_string(status) + " in " + shared.doing[process]);
             continue;
         }
-        std::ifstream in(FileOf(folder.Path(), process));
+        std::ifstream in(FileOf(folder, process));
         swept.tally.AddWritten(in);
     }
     munmap(&shared, sizeof(Shared));

@@ -110,25 +110,25 @@ void ExpectToKeepNothing(void (*use)()) {
     EXPECT_LE(PrivateBytes(), privateBytes);
 }
 
-TEST(Loader, LoadsAndUnloadsAHundredTimesAndKeepsNothing) {
+TEST(Loader, NoOtherUser_LoadAndUnloadAHundredTimes_KeepsNothing) {
     ExpectToKeepNothing(LoadAndUnload);
 }
 
 // The library is the last user of the logging library each time.
-TEST(Loader, KeepsNothingOfAnObjectThatWasUsed) {
+TEST(Loader, NoOtherUser_UseAnObjectAndUnload_KeepsNothing) {
     ExpectToKeepNothing(LoadUseAndUnload);
     EXPECT_EQ(GetModuleHandleW(TEXT("Logging.dll")), nullptr);
 }
 
 // The host has the logging library for its own records.
-TEST(Loader, HostHasTheLoggingLibrary_KeepsNothingOfAnObjectThatWasUsed) {
+TEST(Loader, HostHasTheLoggingLibrary_UseAnObjectAndUnload_KeepsNothing) {
     const HMODULE logging = LoadLibraryW(TEXT("Logging.dll"));
     ASSERT_NE(logging, nullptr);
     ExpectToKeepNothing(LoadUseAndUnload);
     EXPECT_TRUE(FreeLibrary(logging));
 }
 
-TEST(Loader, KeepsTheModuleUntilItsLastUser) {
+TEST(Loader, LoadedTwice_UnloadOnce_StaysUntilItsLastUser) {
     const HMODULE first = LoadLibraryW(library);
     ASSERT_NE(first, nullptr);
     const HMODULE second = LoadLibraryW(library);

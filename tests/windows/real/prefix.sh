@@ -10,5 +10,5 @@ for letter in e f r u x; do
 done
 printf 'Factory\n' >drive_f/.windows-label
 for drive in e:=hd f:=hd r:=cdrom u:=floppy x:=hd; do
-    wine reg add 'HKLM\Software\Wine\Drives' /v "${drive%=*}" /d "${drive#*=}" /f >/dev/null 2>&1
+    wine reg add 'HKLM\Software\Wine\Drives' /v "${drive%=*}" /d "${drive#*=}" /f
 done

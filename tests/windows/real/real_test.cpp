@@ -48,17 +48,17 @@ class RealWindows : public testing::Test {
 
 // --- the internal disk ---
 
-TEST_F(RealWindows, LoadsTheVirtualDiskServiceWithoutAProxy) {
+TEST_F(RealWindows, ServiceWithoutAProxy_Initialize_LoadsIt) {
     EXPECT_EQ(kestova.Initialize(false), 1);
     log.Expect("initialize");
 }
 
-TEST_F(RealWindows, FindsTheDiskThatWindowsRunsFrom) {
+TEST_F(RealWindows, InstalledWindows_GetFirstInternalDriveNumber_IsTheDiskItRunsFrom) {
     EXPECT_EQ(kestova.GetFirstInternalDriveNumber(), 0);
     log.Expect("first-disk-windows");
 }
 
-TEST_F(RealWindows, TakesTheLowestDiskInWindowsPe) {
+TEST_F(RealWindows, WindowsPe_GetFirstInternalDriveNumber_IsTheLowestDisk) {
     const RegistryValue options(L"SYSTEM\\CurrentControlSet\\Control", L"SystemStartOptions", REG_SZ,
                                 AsText(L" FASTDETECT MININT"));
     services.pc.disks.push_back({1, 8'000 * MiB, VDS_BUS_TYPE_SATA, {}});
@@ -68,7 +68,7 @@ TEST_F(RealWindows, TakesTheLowestDiskInWindowsPe) {
 
 // IDE.INI is beside the program. A disk of Wine's is on a bus that no internal disk is on, so none is
 // chosen; the log shows what was read of each.
-TEST_F(RealWindows, ReadsSettingFileAndLocationsInWindowsPe) {
+TEST_F(RealWindows, WindowsPeWithSettingFile_GetFirstInternalDriveNumber_ReadsTheLocationsOfAllDisks) {
     const RegistryValue options(L"SYSTEM\\CurrentControlSet\\Control", L"SystemStartOptions", REG_SZ,
                                 AsText(L" FASTDETECT MININT"));
     const RegisteredDisk first(L"SCSI\\DISK&VEN_A&PROD_B\\4&0&0&000000", L"Bus Number 1, Target Id 0, LUN 0");
@@ -92,7 +92,7 @@ TEST_F(RealWindows, ReadsSettingFileAndLocationsInWindowsPe) {
 
 // --- choosing what the machine boots ---
 
-TEST_F(RealWindows, SwitchesToTheRecoveryPartitionAndBack) {
+TEST_F(RealWindows, RecoveryFiles_SetRcvprtActiveAndSetSystemActive_SwitchAndSwitchBack) {
     MakeRecoveryFiles("E:");
     EXPECT_EQ(kestova.SetRcvprtActive(), 0);
     EXPECT_TRUE(IsActive(0));
@@ -105,7 +105,7 @@ TEST_F(RealWindows, SwitchesToTheRecoveryPartitionAndBack) {
     log.Expect("set-system-active");
 }
 
-TEST_F(RealWindows, LeavesTheFlagWhenTheRecordCannotBeWritten) {
+TEST_F(RealWindows, RecordCannotBeWritten_SetRcvprtActive_LeavesTheFlag) {
     MakeRecoveryFiles("E:");
     std::filesystem::create_directory("E:/SystemVolume.ini");
     EXPECT_EQ(kestova.SetRcvprtActive(), 4);
@@ -116,7 +116,7 @@ TEST_F(RealWindows, LeavesTheFlagWhenTheRecordCannotBeWritten) {
 
 // --- media and volumes ---
 
-TEST_F(RealWindows, FindsDiscStickAndFactoryVolumeAmongItsLetters) {
+TEST_F(RealWindows, DiscStickAndFactoryVolume_GetTheirLetters_AreFound) {
     MakeRecoveryFiles("R:", "DVD");
     MakeRecoveryFiles("U:", "UFD");
     EXPECT_EQ(kestova.GetRCVDISC(), TEXT('R'));
@@ -128,13 +128,13 @@ TEST_F(RealWindows, FindsDiscStickAndFactoryVolumeAmongItsLetters) {
     log.Expect("factory-volume");
 }
 
-TEST_F(RealWindows, RecognisesTheInstalledWindows) {
+TEST_F(RealWindows, BootLoaderOfWindows_IsVistaOS_IsTrueOnceItExists) {
     EXPECT_EQ(kestova.IsVistaOS(TEXT('C')), 0);
     MakeFile("C:/windows/system32/Winload.exe");
     EXPECT_EQ(kestova.IsVistaOS(TEXT('C')), 1);
 }
 
-TEST_F(RealWindows, RecognisesTheMakersWindowsRe) {
+TEST_F(RealWindows, MakersFiles_IsWindowsRE_IsTrueOnceTheyExist) {
     EXPECT_EQ(kestova.IsWindowsRE(TEXT('F')), 0);
     for (const char* file : {"F:/Bootmgr", "F:/boot/bcd", "F:/sources/boot.wim"})
         MakeFile(file);
@@ -144,7 +144,7 @@ TEST_F(RealWindows, RecognisesTheMakersWindowsRe) {
     log.Expect("windows-re");
 }
 
-TEST_F(RealWindows, StartedFromABios) {
+TEST_F(RealWindows, Bios_IsEFIBootSystem_IsFalse) {
     EXPECT_EQ(kestova.IsEFIBootSystem(), 0);
     log.Expect("firmware");
 }
@@ -153,7 +153,7 @@ TEST_F(RealWindows, StartedFromABios) {
 
 // The batch file is written to X:, run and deleted, to load the hive and to take it away. The installed
 // Windows calls the running one's C: by the letter G.
-TEST_F(RealWindows, TranslatesTheLettersOfTheInstalledWindows) {
+TEST_F(RealWindows, LetterOfTheInstalledWindows_GetWinDriveLetters_IsTranslated) {
     MakeFile("C:/windows/system32/Winload.exe");
     const std::vector<BYTE> systemDrive = RegistryValue::Read(L"SYSTEM\\MountedDevices", L"\\DosDevices\\C:");
     ASSERT_FALSE(systemDrive.empty());

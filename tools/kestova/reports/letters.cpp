@@ -2,14 +2,11 @@
 
 #include "base/drive_letter.h"
 #include "manager/letter_map/letter_map_failures.h"
+#include "manager/letter_map/unread_location.h"
 
 namespace {
 
 constexpr int mostLetters = 26;
-
-// What the class returns for a volume that does not report its disk or partition.
-constexpr int unknownDisk = 255;
-constexpr int unknownPartition = 0;
 
 constexpr const char* noLetters =
     "no letter was told: the installed Windows or the running system remembers none, none could be read, or "
@@ -58,8 +55,8 @@ bool IsStillLoaded() {
 LetterReport Translate(Kestova& object, const DriveRecord& record) {
     LetterReport letter{.letter = record.letter};
     const WCHAR here = object.GetDriveLetter(record.disk, record.partition);
-    if (record.disk != unknownDisk) letter.disk = record.disk;
-    if (record.partition != unknownPartition) letter.partition = record.partition;
+    if (record.disk != unreadDisk) letter.disk = record.disk;
+    if (record.partition != unreadPartition) letter.partition = record.partition;
     if (here != noLetter) letter.here = here;
     return letter;
 }

@@ -81,7 +81,7 @@ void AddFoundRole(StatusReport& status, const Value& letter, const char* role, Q
     }
 }
 
-// Windows and the maker share the recovery partition type; only the contents tell them apart. To look into a
+// Windows and the maker share the recovery partition type; only the contents distinguish them. To look into a
 // partition without a letter, the library gives it one.
 void AddRecoveryRoles(StatusReport& status, Questions& questions) {
     std::set<int64_t> refused;

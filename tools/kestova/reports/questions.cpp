@@ -4,7 +4,7 @@
 
 OperationReport Questions::Ask(const char* operation, const Values& arguments) {
     OperationReport report = session_.Call(FindOperation(operation), arguments);
-    if (!report.problem.empty()) AddUntold(report.problem);
+    if (!report.problem.empty()) AddUndetermined(report.problem);
     return report;
 }
 
@@ -19,14 +19,14 @@ std::optional<WCHAR> Questions::AskLetter(const char* operation, const Values& a
 
 void Questions::AddUnread(const std::string& problem) {
     hasReadAll_ = false;
-    AddUntold(problem);
+    AddUndetermined(problem);
 }
 
 void Questions::AddUnread(const std::string& problem, unsigned long error) {
     AddUnread(problem + " (error " + std::to_string(error) + ")");
 }
 
-void Questions::AddUntold(const std::string& problem) {
+void Questions::AddUndetermined(const std::string& problem) {
     if (std::ranges::find(problems_, problem) == problems_.end()) problems_.push_back(problem);
 }
 

@@ -16,10 +16,10 @@ class Questions {
     bool IsYes(const char* operation, const Values& arguments = {});
     std::optional<WCHAR> AskLetter(const char* operation, const Values& arguments = {});
 
-    // What could not be read, and what could not be told. Each problem is kept once.
+    // What could not be read, and what could not be found out. Each problem is kept once.
     void AddUnread(const std::string& problem);
     void AddUnread(const std::string& problem, unsigned long error);
-    void AddUntold(const std::string& problem);
+    void AddUndetermined(const std::string& problem);
     bool HasReadAll() const { return hasReadAll_; }
     // In the order in which they were added, separated by "; ".
     std::string Problems() const;

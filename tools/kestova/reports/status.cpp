@@ -4,9 +4,10 @@
 
 #include "base/guid.h"
 #include "base/hexadecimal.h"
-#include "base/text_case.h"
 #include "base/utf.h"
+#include "base/wide_string.h"
 #include "machine/facts/letters.h"
+#include "platform/start_options.h"
 #include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/disk_layout.h"
@@ -23,34 +24,32 @@ std::string Firmware(Questions& questions) {
     if (error == ERROR_NOACCESS) return "UEFI";
     // What a BIOS answers.
     if (error != ERROR_SUCCESS && error != ERROR_INVALID_FUNCTION)
-        questions.AddUntold("the firmware could not be told (error " + std::to_string(error) + ")");
+        questions.AddUndetermined("the firmware could not be told (error " + std::to_string(error) + ")");
     return "BIOS";
 }
 
 // The boot options of the running system. Returns the status of the failing call, or of RegQueryValueExW.
-LSTATUS ReadStartOptions(std::string& options) {
+LSTATUS ReadStartOptions(WideString& options) {
     HKEY key = nullptr;
-    const LSTATUS opened =
-        RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("SYSTEM\\CurrentControlSet\\Control"), 0, KEY_READ, &key);
+    const LSTATUS opened = RegOpenKeyExW(HKEY_LOCAL_MACHINE, startOptionsKey, 0, KEY_READ, &key);
     if (opened != ERROR_SUCCESS) return opened;
     WCHAR buffer[1024] = {};
     DWORD size = sizeof buffer - sizeof(WCHAR);
-    const LSTATUS read = RegQueryValueExW(key, TEXT("SystemStartOptions"), nullptr, nullptr,
-                                          reinterpret_cast<BYTE*>(buffer), &size);
+    const LSTATUS read =
+        RegQueryValueExW(key, startOptionsValue, nullptr, nullptr, reinterpret_cast<BYTE*>(buffer), &size);
     RegCloseKey(key);
-    if (read == ERROR_SUCCESS) options = ToUtf8(buffer);
+    if (read == ERROR_SUCCESS) options = buffer;
     return read;
 }
 
-// Windows PE is started with the option MININT.
 std::string RunningSystem(Questions& questions) {
-    std::string options;
+    WideString options;
     if (const LSTATUS read = ReadStartOptions(options); read != ERROR_SUCCESS) {
         questions.AddUnread("the start options of the running system cannot be read",
                             static_cast<unsigned long>(read));
         return "unknown";
     }
-    return UpperCase(options).find("MININT") != std::string::npos ? "Windows PE" : "Windows";
+    return UpperCase(options).find(windowsPeOption) != WideString::npos ? "Windows PE" : "Windows";
 }
 
 std::optional<std::string> WindowsDirectory(Questions& questions) {

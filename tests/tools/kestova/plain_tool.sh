@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# usage: plain_tool.sh TOOL IMAGES
+#
+# Runs every command of the tool on copies of the test images. Meant for the plain build: it has a limit of address space,
+# which a sanitized one cannot have, and may make fewer system calls.
+set -euo pipefail
+tool=$1 images=$2
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+for image in factory-mbr.img factory-gpt.img installed-windows.img disc-iso.iso disc-udf.iso stick-fat32.img stick-ntfs.img; do
+    cp --sparse=always "$images/$image" "$folder"
+done
+cd "$folder"
+
+# expect STATUS WORD...: the tool with these words.
+number=0 failed=0
+expect() {
+    local expected=$1 status=0
+    shift
+    "$tool" "$@" >output 2>&1 <script || status=$?
+    number=$((number + 1))
+    [ "$status" -ne "$expected" ] || return 0
+    cat output >&2
+    printf 'kestova %s: exit status %s instead of %s\n' "$*" "$status" "$expected" >&2
+    failed=1
+}
+
+printf 'GetDriveLetter 0 1\nSetActive 2\nClearActive\nSetActive 2\n' >script
+media=(--disc disc-iso.iso --disc disc-udf.iso --stick stick-fat32.img --stick stick-ntfs.img)
+
+expect 0 --help
+expect 0 --version
+expect 0 operations
+expect 0 pcs
+expect 0 calls
+expect 2 no-such-command
+expect 3 --image missing.img status
+
+expect 0 --image factory-mbr.img status
+expect 0 --image factory-gpt.img "${media[@]}" --json status
+expect 0 --image factory-gpt.img "${media[@]}" call GetRCVUFD
+# The SYSTEM hive of an installed Windows is read.
+expect 0 --image installed-windows.img letters
+expect 0 --image factory-mbr.img --save pc.json --log log.txt --trace --ledger call GetDriveLetter 0 1
+expect 0 --pc pc.json status
+
+expect 0 --image factory-mbr.img --dry-run boot recovery
+expect 0 --image factory-mbr.img boot recovery
+expect 0 --image factory-mbr.img --journal kept boot system
+expect 0 --image factory-mbr.img --no-journal call SetBIOSHibernationPartitionID 3
+expect 0 --image factory-mbr.img run -
+expect 0 --image factory-mbr.img recover
+
+[ "$failed" -eq 0 ] || exit 1
+printf '%s commands of the plain tool\n' "$number"
