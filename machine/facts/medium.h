@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace machine {
 
@@ -15,8 +16,8 @@ class Medium {
     // Writes what was changed since the last commit: all of it, or nothing that stays. Returns what is wrong,
     // empty if nothing is. After a failure nothing more is written, and every further call returns the same.
     virtual std::string Commit() = 0;
-    // What the user should know about the state in which the medium was found; empty if nothing.
-    virtual const std::string& Note() const = 0;
+    // What the user should know about the state in which the medium was found, each with its name in front.
+    virtual const std::vector<std::string>& Notes() const = 0;
 };
 
 }  // namespace machine

@@ -95,6 +95,12 @@ void CheckMayChange(const ImageFile& image, const Disk& disk, const ImageUse& us
     }
 }
 
+void CheckMayChangeTable(const ImageFile& image, const TableFindings& findings) {
+    if (findings.problems.empty()) return;
+    throw image.Error(findings.problems.front() +
+                      (findings.canBeRepaired ? "; run `kestova repair-table` before it is changed" : ""));
+}
+
 // The first sector of a volume has the same signature as a partition table.
 void CheckIsWholeDisk(const ImageFile& image, FileSystemProbe& probe) {
     const auto fileSystem = probe.Identify(0, image.Size());
@@ -110,7 +116,12 @@ void AttachImage(Disk& disk, const ImageUse& use) {
     FileSystemProbe probe(*image, MediumKind::Disk);
     CheckIsWholeDisk(*image, probe);
     Disk attached = disk;
-    ReadTable(*image, attached);
+    const TableFindings findings = ReadTable(*image, attached);
+    if (use.access != ImageAccess::Read) CheckMayChangeTable(*image, findings);
+    for (const std::vector<std::string>* const sentences : {&findings.problems, &findings.remarks}) {
+        for (const std::string& sentence : *sentences)
+            image->AddNote(sentence);
+    }
     for (Partition& partition : attached.partitions)
         partition.volume = ReadVolume(image, probe, attached.style, partition);
     Merge(*image, disk.partitions, attached);

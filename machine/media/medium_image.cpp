@@ -60,7 +60,7 @@ constexpr const char* noStick =
 
 Volume FirstVolumeOn(const SharedImage& image, FileSystemProbe& probe) {
     Disk disk;
-    ReadTable(*image, disk);
+    const TableFindings findings = ReadTable(*image, disk);
     if (disk.partitions.empty()) throw image->Error(noStick);
     for (const Partition& partition : disk.partitions) {
         const auto fileSystem = probe.Identify(partition.offset, partition.size);
@@ -70,6 +70,7 @@ Volume FirstVolumeOn(const SharedImage& image, FileSystemProbe& probe) {
         CheckIsReadable(image, volume, partition.offset, partition.size);
         return volume;
     }
+    if (!findings.problems.empty()) throw image->Error(findings.problems.front());
     throw image->Error("none of its partitions is a FAT or NTFS volume");
 }
 

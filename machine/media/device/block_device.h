@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace machine {
 
@@ -13,7 +14,9 @@ class BlockDevice {
     BlockDevice(const BlockDevice&) = delete;
     BlockDevice& operator=(const BlockDevice&) = delete;
 
-    virtual uint64_t Size() const = 0;  // bytes, whole sectors
+    virtual uint64_t Size() const = 0;  // bytes, whole sectors of 512 bytes
+    // The size of the sectors that a table on it counts in; nothing for a file, which does not know it.
+    virtual std::optional<uint32_t> SectorSize() const { return std::nullopt; }
     // All of the bytes, or false with errno set; false also for a range beyond the end.
     virtual bool Read(uint64_t offset, void* buffer, size_t length) const = 0;
     virtual bool Write(uint64_t offset, const void* bytes, size_t length) = 0;
@@ -23,7 +26,7 @@ class BlockDevice {
     virtual int Descriptor() const = 0;
 };
 
-// The unit of tables and of atomic writes.
+// The smallest unit of tables, and that of atomic writes.
 inline constexpr uint64_t diskSectorSize = 512;
 
 }  // namespace machine

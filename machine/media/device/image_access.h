@@ -1,6 +1,7 @@
 // How an image is opened, and the exception for one that cannot be used.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -30,6 +31,8 @@ struct ImageUse {
     // that must not be changed is then no reason to refuse the image, unless it has that file. Absent: any
     // file may be.
     std::optional<std::string> onlyFile = std::nullopt;
+    // In bytes, 512 or 4096; absent: what the device says, or the table shows.
+    std::optional<uint32_t> sectorSize = std::nullopt;
 };
 
 // The image file cannot be used. what() reads "FILE: what is wrong[, where]".

@@ -44,7 +44,11 @@ ImageFile::ImageFile(const std::string& path, const ImageUse& use)
     : ImageFile(std::make_unique<FileDevice>(path, use.access == ImageAccess::Write), path, use) {}
 
 ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& path, const ImageUse& use)
-    : path_(path), access_(use.access), device_(std::move(device)), journal_(path, use.journal) {
+    : path_(path),
+      access_(use.access),
+      sectorSize_(use.sectorSize ? use.sectorSize : device->SectorSize()),
+      device_(std::move(device)),
+      journal_(path, use.journal) {
     if (access_ == ImageAccess::Write) journal_.CheckPlace();
     // What was interrupted may be in the usual place, wherever this program keeps its own changes.
     Settle(ChangeJournal(path, {}));
@@ -192,9 +196,8 @@ void ImageFile::Settle(const ChangeJournal& journal) {
     recovered_ = isWhole ? Recovery::Finished : Recovery::TakenBack;
     if (access_ != ImageAccess::Write) {
         Show(*change, isWhole ? &ChangedRun::after : &ChangedRun::before);
-        note_ = path_ +
-                ": a change was interrupted; the image is shown as it will be once `kestova recover` has " +
-                (isWhole ? "finished it" : "taken it back");
+        AddNote(std::string("a change was interrupted; the image is shown as it will be once `kestova recover` has ") +
+                (isWhole ? "finished it" : "taken it back"));
         return;
     }
     const SignalsWait wait;
@@ -202,7 +205,7 @@ void ImageFile::Settle(const ChangeJournal& journal) {
         throw Error(std::string("a change was interrupted, and cannot be ") +
                     (isWhole ? "finished: " : "taken back: ") + std::strerror(errno));
     }
-    note_ = path_ + ": a change that had been interrupted was " + (isWhole ? "finished" : "taken back");
+    AddNote(std::string("a change that had been interrupted was ") + (isWhole ? "finished" : "taken back"));
 }
 
 void ImageFile::Show(const ImageChange& change, std::string ChangedRun::*part) {

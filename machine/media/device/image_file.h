@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "machine/facts/medium.h"
 #include "machine/media/device/block_device.h"
@@ -24,7 +25,7 @@ class ImageFile final : public Medium {
   public:
     // Opens the file; for writing, locks it against other writers for the lifetime of this object. A change
     // of it that was interrupted is finished or taken back first; without writing, it is only seen that way,
-    // and Note() says so. Throws ImageError if the file cannot be used, for writing also if its journal
+    // and Notes() says so. Throws ImageError if the file cannot be used, for writing also if its journal
     // cannot.
     ImageFile(const std::string& path, const ImageUse& use);
     // The same on any device; `path` is its name in messages and of its journal.
@@ -33,6 +34,8 @@ class ImageFile final : public Medium {
     const std::string& Path() const { return path_; }
     ImageAccess Access() const { return access_; }
     uint64_t Size() const { return device_->Size(); }  // bytes
+    // What the user or the device says; nothing if neither does.
+    std::optional<uint32_t> SectorSize() const { return sectorSize_; }
     // The medium without what was not written yet, for libraries that read it themselves.
     int Descriptor() const { return device_->Descriptor(); }
 
@@ -49,7 +52,8 @@ class ImageFile final : public Medium {
     void Refuse(const std::string& whatIsWrong);
 
     std::string Commit() override;
-    const std::string& Note() const override { return note_; }
+    const std::vector<std::string>& Notes() const override { return notes_; }
+    void AddNote(const std::string& sentence) { notes_.push_back(path_ + ": " + sentence); }
     // What was found when the file was opened.
     Recovery Recovered() const { return recovered_; }
 
@@ -71,12 +75,13 @@ class ImageFile final : public Medium {
 
     std::string path_;
     ImageAccess access_;
+    std::optional<uint32_t> sectorSize_;
     std::unique_ptr<BlockDevice> device_;
     ChangeJournal journal_;
     std::map<uint64_t, Block> changed_;      // by number
     std::map<uint64_t, std::string> marks_;  // sectors by offset
     std::string problem_;                    // of an earlier write or commit
-    std::string note_;
+    std::vector<std::string> notes_;
     Recovery recovered_ = Recovery::None;
 };
 

@@ -22,6 +22,16 @@ uint16_t Be16(std::string_view bytes, size_t at) {
     return static_cast<uint16_t>(Byte(bytes, at) << 8 | Byte(bytes, at + 1));
 }
 
+void PutLe32(std::string& bytes, size_t at, uint32_t number) {
+    for (size_t n = 0; n < sizeof number; ++n)
+        bytes[at + n] = static_cast<char>(number >> 8 * n & 0xFF);
+}
+
+void PutLe64(std::string& bytes, size_t at, uint64_t number) {
+    PutLe32(bytes, at, static_cast<uint32_t>(number));
+    PutLe32(bytes, at + 4, static_cast<uint32_t>(number >> 32));
+}
+
 void AppendLe64(std::string& bytes, uint64_t number) {
     for (int shift = 0; shift < 64; shift += 8)
         bytes += static_cast<char>(number >> shift);

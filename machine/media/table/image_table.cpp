@@ -1,156 +1,136 @@
 #include "machine/media/table/image_table.h"
 
 #include <algorithm>
-#include <cstdlib>
 
+#include "machine/media/device/little_endian.h"
 #include "machine/media/device/store_errors.h"
-#include "machine/media/table/fdisk_session.h"
-#include "machine/media/table/mbr_entries.h"
+#include "machine/media/table/gpt_table.h"
+#include "machine/media/table/sector_size.h"
 #include "machine/media/table/table_check.h"
-#include "platform/partition_types.h"
 
 namespace machine {
 
 namespace {
 
-constexpr uint8_t mbrUnused = 0x00;
-constexpr uint8_t mbrExtendedLinux = 0x85;  // ignored by Windows
-constexpr uint8_t mbrProtective = 0xEE;
-
-bool IsExtended(uint8_t type) {
-    return PartitionTypeOf(type).extended;
-}
-
-uint8_t MbrTypeOf(fdisk_partition* entry) {
-    return static_cast<uint8_t>(fdisk_parttype_get_code(fdisk_partition_get_type(entry)));
-}
-
-Guid GuidOf(const ImageFile& image, const char* text) {
-    const auto guid = GuidFromText(text ? text : "");
-    if (!guid) throw image.Error("the GUID partition table is damaged: no GUID where one must be");
-    return *guid;
-}
-
-Partition PlaceOf(fdisk_partition* entry) {
-    // A damaged table can refer to any sector. No image ends beyond these, and sums of byte offsets do not
-    // overflow.
-    constexpr uint64_t maximumSectors = uint64_t{1} << 53;
-    Partition partition;
-    partition.offset = std::min(fdisk_partition_get_start(entry), maximumSectors) * diskSectorSize;
-    partition.size = std::min(fdisk_partition_get_size(entry), maximumSectors) * diskSectorSize;
-    return partition;
-}
+constexpr size_t mbrSignatureAt = 440;
 
 Region RegionOf(const Partition& partition) {
     return {"partition " + std::to_string(partition.number), partition.offset, partition.size};
 }
 
-std::string DiskIdentifier(const FdiskSession& session) {
-    char* text = nullptr;
-    if (fdisk_get_disklabel_id(session.Context(), &text) != 0 || !text) return "";
-    std::string identifier = text;
-    std::free(text);
-    return identifier;
+Partition& AddPartition(Disk& disk, uint64_t offset, uint64_t size) {
+    Partition partition;
+    partition.number = static_cast<uint32_t>(disk.partitions.size() + 1);
+    partition.offset = offset;
+    partition.size = size;
+    return disk.partitions.emplace_back(std::move(partition));
 }
 
-// Flags and types as they are with what is not yet on the medium, which libfdisk does not see.
-void TakeValues(const ImageFile& image, Disk& disk) {
-    for (const MbrEntry& entry : MbrEntriesOf(image)) {
-        for (Partition& partition : disk.partitions) {
-            if (partition.offset != entry.offset || IsExtended(entry.type)) continue;
-            partition.mbrType = entry.type;
-            partition.bootIndicator = entry.isActive ? 1 : 0;
-        }
-    }
+void Append(std::vector<std::string>& sentences, const std::vector<std::string>& more) {
+    sentences.insert(sentences.end(), more.begin(), more.end());
 }
 
-void ReadMbr(const ImageFile& image, const FdiskSession& session, Disk& disk) {
+// --- MBR ---
+
+// Firmware handles a table with another value unpredictably.
+void CheckIndicator(const MbrEntry& entry, const std::string& name, TableFindings& findings) {
+    if (entry.indicator != 0x00 && !entry.IsActive())
+        findings.problems.push_back(name + " is neither active nor inactive; the partition table is damaged");
+}
+
+void AddMbrPartition(const MbrEntry& entry, Disk& disk, TableLayout& layout, TableFindings& findings) {
+    Partition& partition = AddPartition(disk, entry.offset, entry.size);
+    partition.mbrType = entry.type;
+    partition.bootIndicator = entry.IsActive() ? 1 : 0;
+    const Region region = RegionOf(partition);
+    if (!entry.isLogical) CheckIndicator(entry, region.name, findings);
+    (entry.isLogical ? layout.logicals : layout.primaries).push_back(region);
+}
+
+TableFindings ReadMbr(const ImageFile& image, Disk& disk) {
+    const uint64_t sectorSize = SectorSizeOf(image);
+    const MbrEntries table = MbrEntriesOf(image, sectorSize);
     disk.style = PartitionStyle::Mbr;
-    disk.signature = static_cast<uint32_t>(std::strtoul(DiskIdentifier(session).c_str(), nullptr, 16));
-
+    disk.signature = Le32(MbrSector(image), mbrSignatureAt);
+    TableFindings findings;
     TableLayout layout;
-    layout.space = {"", diskSectorSize, disk.size - diskSectorSize};
-    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
-        const auto entry = session.Slot(slot);
-        if (!entry) continue;
-        const uint8_t type = MbrTypeOf(entry.get());
-        if (type == mbrProtective)
-            throw image.Error("the GUID partition table is damaged, or the image is truncated");
-        if (type == mbrExtendedLinux)
-            throw image.Error("an extended partition of type 0x85, which Windows does not know");
-        Partition partition = PlaceOf(entry.get());
-        if (IsExtended(type)) {
-            const Region extended = {"the extended partition", partition.offset, partition.size};
-            CheckBootIndicator(image, slot, extended.name);
-            LogicalLinksOf(image, extended);
-            layout.extended.push_back(extended);
-            continue;
+    layout.diskSize = disk.size;
+    layout.space = {"", sectorSize, disk.size - sectorSize};
+    for (const MbrEntry& entry : table.entries) {
+        if (entry.type == mbrExtendedLinux) {
+            findings.remarks.emplace_back("an extended partition of type 0x85, which Windows does not know");
+        } else if (entry.IsExtended()) {
+            layout.extended.push_back({"the extended partition", entry.offset, entry.size});
+            CheckIndicator(entry, layout.extended.back().name, findings);
+        } else {
+            AddMbrPartition(entry, disk, layout, findings);
         }
-        if (type == mbrUnused) continue;
-        partition.number = static_cast<uint32_t>(disk.partitions.size() + 1);
-        const bool isLogical = fdisk_partition_is_nested(entry.get()) != 0;
-        if (!isLogical) CheckBootIndicator(image, slot, RegionOf(partition).name);
-        auto& regions = isLogical ? layout.logicals : layout.primaries;
-        regions.push_back(RegionOf(partition));
-        disk.partitions.push_back(std::move(partition));
     }
-    CheckLayout(image, layout);
-    TakeValues(image, disk);
+    Append(findings.problems, table.problems);
+    Append(findings.problems, LayoutProblems(layout));
+    return findings;
 }
 
-void ReadGpt(const ImageFile& image, const FdiskSession& session, Disk& disk) {
-    disk.style = PartitionStyle::Gpt;
-    disk.guid = GuidOf(image, DiskIdentifier(session).c_str());
+// --- GPT ---
 
+// A damaged table can refer to any sector. No image ends beyond these, and sums of byte offsets do not overflow.
+uint64_t Bytes(uint64_t sectors, uint64_t sectorSize) {
+    constexpr uint64_t maximumSectors = uint64_t{1} << 50;
+    return std::min(sectors, maximumSectors) * sectorSize;
+}
+
+TableFindings ReadGpt(const ImageFile& image, Disk& disk) {
+    const uint64_t sectorSize = SectorSizeOf(image);
+    const GptTable table = ReadGptTable(image, sectorSize);
+    if (!table.used) throw image.Error("the GUID partition table is damaged, or the image is truncated");
+    disk.style = PartitionStyle::Gpt;
+    disk.guid = table.used->disk;
     TableLayout layout;
-    const uint64_t first = fdisk_get_first_lba(session.Context());
-    const uint64_t last = fdisk_get_last_lba(session.Context());
-    layout.space = {"", first * diskSectorSize, (last + 1 - first) * diskSectorSize};
-    for (size_t slot = 0; slot < fdisk_get_npartitions(session.Context()); ++slot) {
-        const auto entry = session.Slot(slot);
-        if (!entry) continue;
-        Partition partition = PlaceOf(entry.get());
-        partition.number = static_cast<uint32_t>(disk.partitions.size() + 1);
-        partition.gptType = GuidOf(image, fdisk_parttype_get_string(fdisk_partition_get_type(entry.get())));
-        partition.gptId = GuidOf(image, fdisk_partition_get_uuid(entry.get()));
-        fdisk_gpt_get_partition_attrs(session.Context(), slot, &partition.attributes);
-        const char* name = fdisk_partition_get_name(entry.get());
-        partition.name = name ? name : "";
+    layout.diskSize = disk.size;
+    const uint64_t first = Bytes(table.used->firstUsable, sectorSize);
+    layout.space = {"", first, std::max(first, Bytes(table.used->lastUsable + 1, sectorSize)) - first};
+    for (const GptEntry& entry : table.used->entries) {
+        const uint64_t sectors = entry.last >= entry.first ? entry.last - entry.first + 1 : 0;
+        Partition& partition =
+            AddPartition(disk, Bytes(entry.first, sectorSize), Bytes(sectors, sectorSize));
+        partition.gptType = entry.type;
+        partition.gptId = entry.id;
+        partition.attributes = entry.attributes;
+        partition.name = entry.name;
         layout.primaries.push_back(RegionOf(partition));
-        disk.partitions.push_back(std::move(partition));
     }
-    CheckLayout(image, layout);
+    const std::vector<std::string> misplaced = LayoutProblems(layout);
+    TableFindings findings{.problems = table.problems, .canBeRepaired = misplaced.empty()};
+    Append(findings.problems, misplaced);
+    if (IsHybrid(image))
+        findings.remarks.emplace_back("a hybrid MBR: beside the GUID partition table, the MBR has partitions too");
+    return findings;
+}
+
+bool IsGpt(const ImageFile& image) {
+    if (HasProtectiveMbr(image)) return true;
+    return MbrEntriesOf(image, diskSectorSize).entries.empty() &&
+           ReadGptTable(image, SectorSizeOf(image)).used.has_value();
 }
 
 }  // namespace
 
 bool HasTable(const ImageFile& image) {
-    const FdiskSession session(image);
-    return fdisk_is_label(session.Context(), GPT) || fdisk_is_label(session.Context(), DOS);
+    return !MbrSector(image).empty() || IsGpt(image);
 }
 
-void ReadTable(const ImageFile& image, Disk& disk) {
-    const FdiskSession session(image);
+TableFindings ReadTable(const ImageFile& image, Disk& disk) {
+    if (!HasTable(image)) throw image.Error("no partition table, so no disk image");
     disk.size = image.Size();
     disk.partitions.clear();
-    if (fdisk_is_label(session.Context(), GPT)) {
-        ReadGpt(image, session, disk);
-    } else if (fdisk_is_label(session.Context(), DOS)) {
-        ReadMbr(image, session, disk);
-    } else {
-        throw image.Error("no partition table, so no disk image");
-    }
-    // Anything else that libfdisk would repair when writing, such as a damaged header or a misplaced
-    // backup.
-    if (!session.Warnings().empty())
-        throw image.Error("the partition table is damaged: " + session.Warnings().front());
+    return IsGpt(image) ? ReadGpt(image, disk) : ReadMbr(image, disk);
 }
 
 uint32_t ImageTable::SetActive(uint64_t partitionOffset, bool active, OtherFlags others) {
     return Change(partitionOffset, [&](const std::vector<MbrEntry>& entries, const MbrEntry& chosen) {
         // The extended partition's flag too, since firmware counts it.
         for (const MbrEntry& entry : entries) {
-            const bool clears = others == OtherFlags::Clear && entry.isActive && entry.place != chosen.place;
+            const bool clears = others == OtherFlags::Clear && entry.IsActive() && entry.place != chosen.place;
             if (clears && !Put(entry.place, 0x00)) return false;
         }
         return Put(chosen.place, active ? 0x80 : 0x00);
@@ -158,35 +138,35 @@ uint32_t ImageTable::SetActive(uint64_t partitionOffset, bool active, OtherFlags
 }
 
 uint32_t ImageTable::SetMbrType(uint64_t partitionOffset, uint8_t type) {
-    if (type == mbrUnused || IsExtended(type) || type == mbrExtendedLinux || type == mbrProtective)
-        return errorInvalidParameter;
+    const MbrEntry wanted{.type = type};
+    if (type == mbrUnused || type == mbrProtective || wanted.IsContainer()) return errorInvalidParameter;
     return Change(partitionOffset, [&](const std::vector<MbrEntry>&, const MbrEntry& chosen) {
         return Put(chosen.place + mbrTypeAt, type);
     });
 }
 
-std::vector<TableEntry> ImageTable::Entries() try {
+std::vector<TableEntry> ImageTable::Entries() {
     std::vector<TableEntry> entries;
     if (style_ != PartitionStyle::Mbr) return entries;
-    for (const MbrEntry& entry : MbrEntriesOf(*image_)) {
-        if (!IsExtended(entry.type)) entries.push_back({entry.offset, entry.isActive, entry.type});
+    const MbrEntries table = MbrEntriesOf(*image_, SectorSizeOf(*image_));
+    if (!table.problems.empty()) return entries;
+    for (const MbrEntry& entry : table.entries) {
+        if (!entry.IsContainer()) entries.push_back({entry.offset, entry.IsActive(), entry.type});
     }
     return entries;
-} catch (const ImageError&) {
-    return {};
 }
 
-uint32_t ImageTable::Change(uint64_t partitionOffset, const Edit& edit) try {
+uint32_t ImageTable::Change(uint64_t partitionOffset, const Edit& edit) {
     if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
     if (style_ != PartitionStyle::Mbr) return errorInvalidParameter;
-    const std::vector<MbrEntry> entries = MbrEntriesOf(*image_);
-    const auto chosen = std::find_if(entries.begin(), entries.end(), [&](const MbrEntry& entry) {
-        return entry.offset == partitionOffset && !IsExtended(entry.type);
-    });
-    if (chosen == entries.end()) return errorInvalidParameter;
-    return edit(entries, *chosen) ? 0 : errorIoDevice;
-} catch (const ImageError&) {
-    return errorIoDevice;
+    const MbrEntries table = MbrEntriesOf(*image_, SectorSizeOf(*image_));
+    if (!table.problems.empty()) return errorIoDevice;
+    const auto chosen =
+        std::find_if(table.entries.begin(), table.entries.end(), [&](const MbrEntry& entry) {
+            return entry.offset == partitionOffset && !entry.IsContainer();
+        });
+    if (chosen == table.entries.end()) return errorInvalidParameter;
+    return edit(table.entries, *chosen) ? 0 : errorIoDevice;
 }
 
 bool ImageTable::Put(uint64_t place, uint8_t value) {

@@ -3,6 +3,8 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "machine/facts/partition_table.h"
 #include "machine/facts/pc.h"
@@ -11,14 +13,24 @@
 
 namespace machine {
 
+// What is wrong with a table that can be read all the same, in sentences without a full stop.
+struct TableFindings {
+    // As long as there is one, nothing on the disk may be changed.
+    std::vector<std::string> problems = {};
+    // What the user should know, but bars nothing.
+    std::vector<std::string> remarks = {};
+    // Whether writing the GUID partition table anew ends all problems.
+    bool canBeRepaired = false;
+};
+
 // Whether the image has a partition table that Windows knows, valid or not.
 bool HasTable(const ImageFile& image);
 
 // Sets the disk's size, style, signature or GUID, and its partitions without their volumes. They are
 // numbered as in Windows: used entries from 1, logical partitions after the primary ones, without the
-// extended partition. Throws ImageError if there is no table, or if it does not fit the disk, overlaps or
-// is damaged.
-void ReadTable(const ImageFile& image, Disk& disk);
+// extended partition. A table that is damaged in part is read as far as it can be. Throws ImageError if there
+// is no table, or neither copy of a GUID partition table can be used.
+TableFindings ReadTable(const ImageFile& image, Disk& disk);
 
 // Changes are written by the image's next commit.
 class ImageTable : public PartitionTable {

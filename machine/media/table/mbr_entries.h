@@ -3,32 +3,52 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "machine/media/device/image_file.h"
-#include "machine/media/table/region.h"
 
 namespace machine {
 
 // In the sector of an MBR or of a link, which has the same format.
+inline constexpr size_t mbrSlots = 4;
 inline constexpr size_t mbrFirstEntry = 446;
 inline constexpr size_t mbrEntrySize = 16;
+// In an entry, whose first byte is the flag.
+inline constexpr size_t mbrTypeAt = 4;
+inline constexpr size_t mbrStartAt = 8;
+inline constexpr size_t mbrLengthAt = 12;
+
+// Types that are no partition's on an MBR disk of Windows.
+inline constexpr uint8_t mbrUnused = 0x00;
+inline constexpr uint8_t mbrExtendedLinux = 0x85;
+inline constexpr uint8_t mbrProtective = 0xEE;
 
 struct MbrEntry {
-    uint64_t place = 0;   // of its 16 bytes; the flag is the first, the type the fifth
-    uint64_t offset = 0;  // of the partition
-    bool isActive = false;
+    uint64_t place = 0;   // of its 16 bytes
+    uint64_t offset = 0;  // of the partition, in bytes
+    uint64_t size = 0;    // bytes
+    uint8_t indicator = 0;  // 0x80 is active, 0x00 inactive
     uint8_t type = 0;
+    bool isLogical = false;
+
+    bool IsActive() const { return indicator == 0x80; }
+    bool IsExtended() const;  // of a type that Windows knows
+    bool IsContainer() const { return IsExtended() || type == mbrExtendedLinux; }
 };
 
-inline constexpr uint64_t mbrTypeAt = 4;  // behind `place`
+struct MbrEntries {
+    // The used ones: those of the MBR in their order, extended partitions among them, then those of the logical
+    // partitions, as far as their chains can be followed.
+    std::vector<MbrEntry> entries = {};
+    // Chains that leave their extended partition, form a circle or reach a sector that is not a link.
+    std::vector<std::string> problems = {};
+};
 
-// The used entries: those of the MBR in their order, the extended partition among them, then those of its
-// logical partitions. Empty without an MBR. Throws ImageError as LogicalLinksOf.
-std::vector<MbrEntry> MbrEntriesOf(const ImageFile& image);
+// The first sector of the image; empty if that is not an MBR, or cannot be read.
+std::string MbrSector(const ImageFile& image);
 
-// The offsets of the links of the logical partitions, in the order of their chain. Throws ImageError if the
-// chain leaves the extended partition, forms a cycle or reaches a sector that is not a link.
-std::vector<uint64_t> LogicalLinksOf(const ImageFile& image, const Region& extended);
+// None without an MBR. The table counts in sectors of that size.
+MbrEntries MbrEntriesOf(const ImageFile& image, uint64_t sectorSize);
 
 }  // namespace machine

@@ -319,14 +319,15 @@ TEST_F(PowerCuts, Interrupted_OpenToAskOrToChange_SaysWhatBecameOfIt) {
     for (const size_t number : {size_t{0}, size_t{1}})
         Put(writes_[number], writes_[number].bytes.size());
 
-    EXPECT_EQ(
-        Attach(image_).medium->Note(),
-        image_ +
-            ": a change was interrupted; the image is shown as it will be once `kestova recover` has taken it back");
+    EXPECT_THAT(
+        Attach(image_).medium->Notes(),
+        testing::ElementsAre(
+            image_ +
+            ": a change was interrupted; the image is shown as it will be once `kestova recover` has taken it back"));
     EXPECT_TRUE(HasJournal()) << "who only asks changes nothing";
-    EXPECT_EQ(Attach(image_, ImageAccess::Write).medium->Note(),
-              image_ + ": a change that had been interrupted was taken back");
-    EXPECT_EQ(Attach(image_, ImageAccess::Write).medium->Note(), "");
+    EXPECT_THAT(Attach(image_, ImageAccess::Write).medium->Notes(),
+                testing::ElementsAre(image_ + ": a change that had been interrupted was taken back"));
+    EXPECT_THAT(Attach(image_, ImageAccess::Write).medium->Notes(), testing::IsEmpty());
     EXPECT_TRUE(AreSame(original_, image_));
 }
 

@@ -151,7 +151,7 @@ class EmulatedOne final : public OpenedPc {
                              ", a machine in memory that comes with the tool");
         }
         for (const machine::Disk& disk : before_.disks) {
-            if (disk.medium && !disk.medium->Note().empty()) notes_.push_back(disk.medium->Note());
+            if (disk.medium) notes_.insert(notes_.end(), disk.medium->Notes().begin(), disk.medium->Notes().end());
         }
     }
 
