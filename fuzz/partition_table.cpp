@@ -42,13 +42,6 @@ void ChangeTable(Disk& disk) {
 
 }  // namespace
 
-// libfdisk (2.38) never frees the sectors that it reads for a second extended partition. The tests, where
-// nothing is suppressed, notice a session that is not closed.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libfdisk.so";
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const std::vector<std::unique_ptr<PatchedImage>> images = [] {
         std::vector<std::unique_ptr<PatchedImage>> made;

@@ -5,6 +5,7 @@
 
 #include "machine/facts/extent_type.h"
 #include "machine/media/device/image_file.h"
+#include "machine/media/table/gpt_repair.h"
 #include "machine/media/table/image_table.h"
 #include "machine/media/volumes/file_system_probe.h"
 #include "machine/media/volumes/ntfs_volume.h"
@@ -129,6 +130,14 @@ void AttachImage(Disk& disk, const ImageUse& use) {
     attached.table = std::make_shared<ImageTable>(image, attached.style);
     attached.medium = image;
     disk = std::move(attached);
+}
+
+std::vector<std::string> RepairImageTable(const std::string& path, const ImageUse& use) {
+    ImageFile image(path, use);
+    std::vector<std::string> problems = RepairTable(image);
+    const std::string unwritten = image.Commit();
+    if (!unwritten.empty()) throw ImageError(unwritten);
+    return problems;
 }
 
 Recovery RecoverImage(const std::string& path, const JournalPlace& journal) {

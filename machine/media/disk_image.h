@@ -25,6 +25,10 @@ void AttachImage(Disk& disk, const ImageUse& use);
 // file unchanged.
 Recovery RecoverImage(const std::string& path, const JournalPlace& journal);
 
+// Writes a GUID partition table anew from its good copy, as RepairTable of gpt_repair.h; with Overlay nothing
+// is written. Returns what was wrong. Throws ImageError with the file unchanged.
+std::vector<std::string> RepairImageTable(const std::string& path, const ImageUse& use);
+
 // A PC with these images as disks 0, 1, ...: SATA disks, with the letters that the running system assigns.
 // Throws ImageError.
 Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, const ImageUse& use);

@@ -196,8 +196,10 @@ void ImageFile::Settle(const ChangeJournal& journal) {
     recovered_ = isWhole ? Recovery::Finished : Recovery::TakenBack;
     if (access_ != ImageAccess::Write) {
         Show(*change, isWhole ? &ChangedRun::after : &ChangedRun::before);
-        AddNote(std::string("a change was interrupted; the image is shown as it will be once `kestova recover` has ") +
-                (isWhole ? "finished it" : "taken it back"));
+        AddNote(
+            std::string(
+                "a change was interrupted; the image is shown as it will be once `kestova recover` has ") +
+            (isWhole ? "finished it" : "taken it back"));
         return;
     }
     const SignalsWait wait;

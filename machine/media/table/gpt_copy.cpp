@@ -82,7 +82,8 @@ std::optional<std::string> ReadEntries(const ImageFile& image, uint64_t sectorSi
     if (copy.entrySize < entrySize) return "is damaged: its entries have an impossible length";
     copy.entryBytes.resize(static_cast<size_t>(length));
     const bool isInside = copy.entriesPlace <= image.Size() / sectorSize;
-    if (!isInside || !image.Read(copy.entriesPlace * sectorSize, copy.entryBytes.data(), copy.entryBytes.size()))
+    if (!isInside ||
+        !image.Read(copy.entriesPlace * sectorSize, copy.entryBytes.data(), copy.entryBytes.size()))
         return "has entries that cannot be read";
     if (Checksum(copy.entryBytes) != checksum) return "is damaged: the checksum of its entries is wrong";
     return std::nullopt;

@@ -29,10 +29,10 @@ struct GptCopy {
     uint64_t lastUsable = 0;
     Guid disk;
     uint64_t entriesPlace = 0;
-    uint32_t entrySize = 0;                // bytes
-    uint32_t entryCount = 0;               // used or not
-    std::string entryBytes = {};           // of all entries
-    std::vector<GptEntry> entries = {};    // the used ones
+    uint32_t entrySize = 0;                             // bytes
+    uint32_t entryCount = 0;                            // used or not
+    std::string entryBytes = {};                        // of all entries
+    std::vector<GptEntry> entries = {};                 // the used ones
     std::optional<std::string> problem = std::nullopt;  // why the copy cannot be used: "has a wrong checksum"
 
     // Whether both say the same about the disk.

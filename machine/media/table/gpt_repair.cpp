@@ -38,7 +38,8 @@ GptCopies Placed(const GptCopy& good, uint64_t sectors, uint64_t sectorSize) {
 void CheckPartitionsFit(const ImageFile& image, const GptCopy& copy) {
     for (const GptEntry& entry : copy.entries) {
         if (entry.first < copy.firstUsable || entry.last > copy.lastUsable)
-            throw image.Error("a partition is where a copy of the GUID partition table belongs; that cannot be repaired");
+            throw image.Error(
+                "a partition is where a copy of the GUID partition table belongs; that cannot be repaired");
     }
 }
 

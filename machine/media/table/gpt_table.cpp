@@ -63,7 +63,8 @@ void CheckProtectiveMbr(const ImageFile& image, uint64_t sectorSize, std::vector
     const uint64_t wanted = std::min<uint64_t>(image.Size() / sectorSize - 1, UINT32_MAX);
     if (!use.protectedSectors) {
         problems.emplace_back("the protective MBR of the GUID partition table is missing");
-    } else if (use.partitions == 0 && *use.protectedSectors != wanted && *use.protectedSectors != UINT32_MAX) {
+    } else if (use.partitions == 0 && *use.protectedSectors != wanted &&
+               *use.protectedSectors != UINT32_MAX) {
         problems.push_back("the protective MBR covers " + Sectors(*use.protectedSectors) +
                            " where the disk has " + Sectors(wanted) + " behind it");
     }

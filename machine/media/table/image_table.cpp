@@ -73,7 +73,8 @@ TableFindings ReadMbr(const ImageFile& image, Disk& disk) {
 
 // --- GPT ---
 
-// A damaged table can refer to any sector. No image ends beyond these, and sums of byte offsets do not overflow.
+// A damaged table can refer to any sector. No image ends beyond these, and sums of byte offsets do not
+// overflow.
 uint64_t Bytes(uint64_t sectors, uint64_t sectorSize) {
     constexpr uint64_t maximumSectors = uint64_t{1} << 50;
     return std::min(sectors, maximumSectors) * sectorSize;
@@ -91,8 +92,7 @@ TableFindings ReadGpt(const ImageFile& image, Disk& disk) {
     layout.space = {"", first, std::max(first, Bytes(table.used->lastUsable + 1, sectorSize)) - first};
     for (const GptEntry& entry : table.used->entries) {
         const uint64_t sectors = entry.last >= entry.first ? entry.last - entry.first + 1 : 0;
-        Partition& partition =
-            AddPartition(disk, Bytes(entry.first, sectorSize), Bytes(sectors, sectorSize));
+        Partition& partition = AddPartition(disk, Bytes(entry.first, sectorSize), Bytes(sectors, sectorSize));
         partition.gptType = entry.type;
         partition.gptId = entry.id;
         partition.attributes = entry.attributes;
@@ -103,7 +103,8 @@ TableFindings ReadGpt(const ImageFile& image, Disk& disk) {
     TableFindings findings{.problems = table.problems, .canBeRepaired = misplaced.empty()};
     Append(findings.problems, misplaced);
     if (IsHybrid(image))
-        findings.remarks.emplace_back("a hybrid MBR: beside the GUID partition table, the MBR has partitions too");
+        findings.remarks.emplace_back(
+            "a hybrid MBR: beside the GUID partition table, the MBR has partitions too");
     return findings;
 }
 
@@ -130,7 +131,8 @@ uint32_t ImageTable::SetActive(uint64_t partitionOffset, bool active, OtherFlags
     return Change(partitionOffset, [&](const std::vector<MbrEntry>& entries, const MbrEntry& chosen) {
         // The extended partition's flag too, since firmware counts it.
         for (const MbrEntry& entry : entries) {
-            const bool clears = others == OtherFlags::Clear && entry.IsActive() && entry.place != chosen.place;
+            const bool clears =
+                others == OtherFlags::Clear && entry.IsActive() && entry.place != chosen.place;
             if (clears && !Put(entry.place, 0x00)) return false;
         }
         return Put(chosen.place, active ? 0x80 : 0x00);
@@ -161,10 +163,9 @@ uint32_t ImageTable::Change(uint64_t partitionOffset, const Edit& edit) {
     if (style_ != PartitionStyle::Mbr) return errorInvalidParameter;
     const MbrEntries table = MbrEntriesOf(*image_, SectorSizeOf(*image_));
     if (!table.problems.empty()) return errorIoDevice;
-    const auto chosen =
-        std::find_if(table.entries.begin(), table.entries.end(), [&](const MbrEntry& entry) {
-            return entry.offset == partitionOffset && !entry.IsContainer();
-        });
+    const auto chosen = std::find_if(table.entries.begin(), table.entries.end(), [&](const MbrEntry& entry) {
+        return entry.offset == partitionOffset && !entry.IsContainer();
+    });
     if (chosen == table.entries.end()) return errorInvalidParameter;
     return edit(table.entries, *chosen) ? 0 : errorIoDevice;
 }

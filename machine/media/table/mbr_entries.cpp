@@ -28,16 +28,15 @@ MbrEntry EntryOf(const std::string& sector, uint64_t sectorOffset, size_t slot, 
             .type = Byte(sector, at + mbrTypeAt)};
 }
 
-// Follows the links of logical partitions: the first entry of a link is the partition, the second one leads to
-// the next link, from the start of the extended partition. Returns what is wrong; empty if nothing is.
+// Follows the links of logical partitions: the first entry of a link is the partition, the second one leads
+// to the next link, from the start of the extended partition. Returns what is wrong; empty if nothing is.
 std::string FollowChain(const ImageFile& image, const MbrEntry& extended, uint64_t sectorSize,
                         std::vector<MbrEntry>& logical) {
     std::set<uint64_t> visited;
     uint64_t link = extended.offset;
     while (true) {
         const std::string where = "at sector " + std::to_string(link / sectorSize);
-        if (!visited.insert(link).second)
-            return "the chain of logical partitions runs in a circle, " + where;
+        if (!visited.insert(link).second) return "the chain of logical partitions runs in a circle, " + where;
         if (!IsWithin({"", link, diskSectorSize}, {"", extended.offset, extended.size}))
             return "the chain of logical partitions leaves the extended partition, " + where;
         const std::string sector = TableSectorAt(image, link);

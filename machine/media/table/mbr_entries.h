@@ -25,9 +25,9 @@ inline constexpr uint8_t mbrExtendedLinux = 0x85;
 inline constexpr uint8_t mbrProtective = 0xEE;
 
 struct MbrEntry {
-    uint64_t place = 0;   // of its 16 bytes
-    uint64_t offset = 0;  // of the partition, in bytes
-    uint64_t size = 0;    // bytes
+    uint64_t place = 0;     // of its 16 bytes
+    uint64_t offset = 0;    // of the partition, in bytes
+    uint64_t size = 0;      // bytes
     uint8_t indicator = 0;  // 0x80 is active, 0x00 inactive
     uint8_t type = 0;
     bool isLogical = false;
@@ -38,8 +38,8 @@ struct MbrEntry {
 };
 
 struct MbrEntries {
-    // The used ones: those of the MBR in their order, extended partitions among them, then those of the logical
-    // partitions, as far as their chains can be followed.
+    // The used ones: those of the MBR in their order, extended partitions among them, then those of the
+    // logical partitions, as far as their chains can be followed.
     std::vector<MbrEntry> entries = {};
     // Chains that leave their extended partition, form a circle or reach a sector that is not a link.
     std::vector<std::string> problems = {};

@@ -18,8 +18,8 @@ struct TableLayout {
     std::vector<Region> logicals;
 };
 
-// A sentence for each empty partition, each beyond the end of the disk (whose image is truncated then) or on the
-// table itself, and each two that overlap.
+// A sentence for each empty partition, each beyond the end of the disk (whose image is truncated then) or on
+// the table itself, and each two that overlap.
 std::vector<std::string> LayoutProblems(const TableLayout& layout);
 
 }  // namespace machine

@@ -74,8 +74,24 @@ class NtfsName {
     int length_;
 };
 
+// Frees a file whose changes could not be written. The library keeps such a file open, to try again.
+void Abandon(ntfs_inode* inode) {
+    NInoClearDirty(inode);
+    NInoAttrListClearDirty(inode);
+    NInoFileNameClearDirty(inode);
+    ntfs_inode_close(inode);
+}
+
+// Returns the platform's error, with the file closed all the same.
+uint32_t Close(ntfs_inode* inode) {
+    if (ntfs_inode_close(inode) == 0) return 0;
+    const uint32_t error = PlatformError(errno);
+    Abandon(inode);
+    return error;
+}
+
 struct InodeClose {
-    void operator()(ntfs_inode* inode) const { ntfs_inode_close(inode); }
+    void operator()(ntfs_inode* inode) const { Close(inode); }
 };
 struct AttributeClose {
     void operator()(ntfs_attr* attribute) const { ntfs_attr_close(attribute); }
@@ -221,8 +237,12 @@ class NtfsVolume::Mount {
         ntfs_inode* file = ntfs_create(folder.get(), 0, name.Characters(), name.Length(), S_IFREG);
         if (!file) return PlatformError(errno);
         // Closing a file updates its folder, which must not be open twice at that time.
-        if (ntfs_inode_close_in_dir(file, folder.get()) != 0) return PlatformError(errno);
-        return ntfs_inode_close(folder.release()) == 0 ? 0 : PlatformError(errno);
+        if (ntfs_inode_close_in_dir(file, folder.get()) != 0) {
+            const uint32_t error = PlatformError(errno);
+            Abandon(file);
+            return error;
+        }
+        return Close(folder.release());
     }
 
     uint32_t Delete(const std::string& path) const {
@@ -322,7 +342,8 @@ uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
     if (error != 0) return error;
     error = WriteContent(*file, content);
     if (error != 0 && !isNew) WriteContent(*file, before);
-    if (ntfs_inode_close(file.release()) != 0 && error == 0) error = PlatformError(errno);
+    const uint32_t closeError = Close(file.release());
+    if (error == 0) error = closeError;
     if (error != 0 && isNew) mount.Delete(whole);
     const uint32_t flushError = mount.Flush();
     return error != 0 ? error : flushError;

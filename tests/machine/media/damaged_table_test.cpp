@@ -1,5 +1,5 @@
-// Partition tables that are damaged, moved or cut off: what can be read is shown with a note, and nothing on the disk
-// is changed until the table is repaired.
+// Partition tables that are damaged, moved or cut off: what can be read is shown with a note, and nothing on
+// the disk is changed until the table is repaired.
 #include <gmock/gmock.h>
 #include <zlib.h>
 
@@ -45,10 +45,11 @@ class DamagedTableTest : public ImageTest {
         EXPECT_TRUE(AreSame(copy, image));
         return disk;
     }
-    // The same of a GUID partition table, of which a good copy is there; then mends it, and expects that other
-    // programs find nothing wrong and the same partitions as on the disk that it was copied from.
+    // The same of a GUID partition table, of which a good copy is there; then mends it, and expects that
+    // other programs find nothing wrong and the same partitions as on the disk that it was copied from.
     void ExpectShownAndMended(const std::string& image, const std::vector<std::string>& problems) {
-        const Disk shown = ExpectShownOnly(image, problems, "; run `kestova repair-table` before it is changed");
+        const Disk shown =
+            ExpectShownOnly(image, problems, "; run `kestova repair-table` before it is changed");
         const Disk whole = Attach(FactoryGptImage("whole.img"));
         EXPECT_EQ(PartitionsWithoutVolumes(shown), PartitionsWithoutVolumes(whole));
 
@@ -64,7 +65,9 @@ class DamagedTableTest : public ImageTest {
         PatchNumber(image, header + 80, 0x1FFFFFF);
         PatchNumber(image, header + 16, 0);
         const std::string sector = ContentOf(image).substr(header, 92);
-        PatchNumber(image, header + 16, static_cast<uint32_t>(crc32_z(0, reinterpret_cast<const Bytef*>(sector.data()), sector.size())));
+        PatchNumber(
+            image, header + 16,
+            static_cast<uint32_t>(crc32_z(0, reinterpret_cast<const Bytef*>(sector.data()), sector.size())));
     }
     static std::vector<std::string> Repaired(const std::string& path) {
         ImageFile image(path, ImageAccess::Write);
@@ -147,8 +150,9 @@ TEST_F(DamagedTableTest, BrokenChain_Attach_ShowsThePartitionsBeforeIt) {
     const std::string image = PartitionedImage(
         40, "label: dos\\n2: start=8192,size=40960,type=5\\n5: start=10240,size=2048,type=b\\n");
     PatchByte(image, 8192 * 512 + 511, 0);
-    EXPECT_THAT(ExpectShownOnly(image, {"the chain of logical partitions is damaged, at sector 8192"}).partitions,
-                IsEmpty());
+    EXPECT_THAT(
+        ExpectShownOnly(image, {"the chain of logical partitions is damaged, at sector 8192"}).partitions,
+        IsEmpty());
     PatchByte(image, 8192 * 512 + 511, 0xAA);
     PatchByte(image, 8192 * 512 + 462 + 4, 0x05);
     PatchNumber(image, 8192 * 512 + 462 + 8, 60000);
@@ -169,14 +173,16 @@ TEST_F(DamagedTableTest, InvalidBootIndicator_Attach_IsShownAsInactive) {
     EXPECT_EQ(disk.partitions[1].bootIndicator, 0);
     const std::string extended = PartitionedImage(40, logicalDisk);
     PatchByte(extended, 446 + 16, 0x01);
-    ExpectShownOnly(extended, {"the extended partition is neither active nor inactive; the partition table is "
-                               "damaged"});
+    ExpectShownOnly(extended,
+                    {"the extended partition is neither active nor inactive; the partition table is "
+                     "damaged"});
 }
 
 TEST_F(DamagedTableTest, ExtendedPartitionOfLinux_Attach_BarsOnlyItself) {
     const std::string image = PartitionedImage(
-        40, "label: dos\\n1: start=2048,size=4096,type=7,bootable\\n2: start=8192,size=40960,type=85\\n"
-            "5: start=10240,size=2048,type=83\\n");
+        40,
+        "label: dos\\n1: start=2048,size=4096,type=7,bootable\\n2: start=8192,size=40960,type=85\\n"
+        "5: start=10240,size=2048,type=83\\n");
 
     const Disk disk = Attach(image, ImageAccess::Write);
 
@@ -202,18 +208,18 @@ TEST_F(DamagedTableTest, DamagedGptHeader_AttachAndRepair_UsesTheBackup) {
     const std::string image = FactoryGptImage();
     PatchByte(image, 512 + 56, 0xFF);  // the disk's GUID
 
-    ExpectShownAndMended(image,
-                         {"the GUID partition table is damaged: the checksum of its header is wrong; its backup "
-                          "is used"});
+    ExpectShownAndMended(
+        image, {"the GUID partition table is damaged: the checksum of its header is wrong; its backup "
+                "is used"});
 }
 
 TEST_F(DamagedTableTest, DamagedGptEntries_AttachAndRepair_UsesTheBackup) {
     const std::string image = FactoryGptImage();
     PatchByte(image, 1024 + 56, 'X');  // the name of the first entry
 
-    ExpectShownAndMended(image,
-                         {"the GUID partition table is damaged: the checksum of its entries is wrong; its backup "
-                          "is used"});
+    ExpectShownAndMended(
+        image, {"the GUID partition table is damaged: the checksum of its entries is wrong; its backup "
+                "is used"});
 }
 
 TEST_F(DamagedTableTest, ErasedGpt_AttachAndRepair_UsesTheBackup) {
@@ -247,10 +253,10 @@ TEST_F(DamagedTableTest, DiskCopiedToALargerOne_AttachAndRepair_MovesTheBackup) 
     const std::string image = FactoryGptImage();
     OutputOf("truncate -s 500M '" + image + "'");
 
-    ExpectShownAndMended(image,
-                         {"the backup of the GUID partition table is 204800 sectors before the end of the disk: "
-                          "it was copied from a smaller one",
-                          "the protective MBR covers 819199 sectors where the disk has 1023999 sectors behind it"});
+    ExpectShownAndMended(
+        image, {"the backup of the GUID partition table is 204800 sectors before the end of the disk: "
+                "it was copied from a smaller one",
+                "the protective MBR covers 819199 sectors where the disk has 1023999 sectors behind it"});
 }
 
 TEST_F(DamagedTableTest, LargerDiskWithoutItsPrimaryCopy_AttachAndRepair_FindsTheBackupByTheMbr) {
@@ -258,28 +264,28 @@ TEST_F(DamagedTableTest, LargerDiskWithoutItsPrimaryCopy_AttachAndRepair_FindsTh
     OutputOf("truncate -s 500M '" + image + "'");
     PatchByte(image, 512, 0);
 
-    ExpectShownAndMended(image,
-                         {"the GUID partition table is missing; its backup is used",
-                          "the backup of the GUID partition table is 204800 sectors before the end of the disk: "
-                          "it was copied from a smaller one",
-                          "the protective MBR covers 819199 sectors where the disk has 1023999 sectors behind it"});
+    ExpectShownAndMended(
+        image, {"the GUID partition table is missing; its backup is used",
+                "the backup of the GUID partition table is 204800 sectors before the end of the disk: "
+                "it was copied from a smaller one",
+                "the protective MBR covers 819199 sectors where the disk has 1023999 sectors behind it"});
 }
 
 TEST_F(DamagedTableTest, FooterBehindTheDisk_AttachAndRepair_MovesTheBackup) {
     const std::string image = FactoryGptImage();
     OutputOf("printf '%-512s' conectix >>'" + image + "'");
 
-    ExpectShownAndMended(image,
-                         {"the backup of the GUID partition table is 1 sector before the end of the disk: it was "
-                          "copied from a smaller one",
-                          "the protective MBR covers 819199 sectors where the disk has 819200 sectors behind it"});
+    ExpectShownAndMended(
+        image, {"the backup of the GUID partition table is 1 sector before the end of the disk: it was "
+                "copied from a smaller one",
+                "the protective MBR covers 819199 sectors where the disk has 819200 sectors behind it"});
 }
 
 TEST_F(DamagedTableTest, ProtectiveMbrOfAnotherLengthOrNone_AttachAndRepair_IsMended) {
     const std::string image = FactoryGptImage();
     PatchNumber(image, 446 + 12, 12345);
-    ExpectShownAndMended(image,
-                         {"the protective MBR covers 12345 sectors where the disk has 819199 sectors behind it"});
+    ExpectShownAndMended(
+        image, {"the protective MBR covers 12345 sectors where the disk has 819199 sectors behind it"});
     const std::string other = FactoryGptImage("other.img");
     OutputOf("dd if=/dev/zero of='" + other + "' bs=512 count=1 conv=notrunc status=none");
     ExpectShownAndMended(other, {"the protective MBR of the GUID partition table is missing"});
@@ -316,8 +322,9 @@ TEST_F(DamagedTableTest, TruncatedGptImage_AttachAndRepair_IsShownAndNotRepaired
     EXPECT_EQ(Complaint(image, ImageAccess::Write),
               image + ": the backup of the GUID partition table cannot be read");
     EXPECT_EQ(WhyNotRepaired(image),
-              image + ": partition 6 ends 101711872 bytes beyond the end of the file; the image is truncated, or "
-                      "its table damaged; that cannot be repaired");
+              image +
+                  ": partition 6 ends 101711872 bytes beyond the end of the file; the image is truncated, or "
+                  "its table damaged; that cannot be repaired");
 }
 
 // Reading the entries would take as much memory as the sparse file is long.
@@ -369,9 +376,12 @@ TEST_F(DamagedTableTest, MbrOfLargeSectors_AttachAndSetActive_IsReadByItsVolumes
     const std::string image = (Folder() / "large.img").string();
     const std::string volume = (Folder() / "volume").string();
     OutputOf("truncate -s 100M '" + image + "'; truncate -s 64M '" + volume + "'");
-    OutputOf("printf 'o\\nn\\np\\n1\\n256\\n16639\\nt\\n7\\nw\\n' | fdisk --sector-size 4096 '" + image + "'");
-    OutputOf("mkntfs --quiet --force --fast --sector-size 4096 --partition-start 256 --heads 16 "
-             "--sectors-per-track 63 --label Large '" + volume + "' 2>&1");
+    OutputOf("printf 'o\\nn\\np\\n1\\n256\\n16639\\nt\\n7\\nw\\n' | fdisk --sector-size 4096 '" + image +
+             "'");
+    OutputOf(
+        "mkntfs --quiet --force --fast --sector-size 4096 --partition-start 256 --heads 16 "
+        "--sectors-per-track 63 --label Large '" +
+        volume + "' 2>&1");
     PutPartition(volume, image, 1);
 
     const Disk disk = Attach(image, ImageAccess::Write);

@@ -55,6 +55,14 @@ class HostileNtfsTest : public ImageTest {
               std::string("\0\0\0\0\0\0\0\0\x18\0\0\0\3\0\0\0", 16) + bytes.substr(block + 16, 8));
         return image;
     }
+    // The offset of the file's record in the master file table.
+    static uint64_t RecordOfQelhdrcv(const std::string& bytes) {
+        const std::string name("Q\0e\0l\0h\0d\0r\0c\0v\0.\0i\0n\0i\0", 24);
+        size_t record = bytes.find("FILE0");
+        while (bytes.substr(record, 512).find(name) == std::string::npos)
+            record = bytes.find("FILE0", record + 1);
+        return record;
+    }
     static NtfsVolume VolumeOn(const std::shared_ptr<ImageFile>& image) {
         return NtfsVolume(image, 0, image->Size());
     }
@@ -117,10 +125,7 @@ TEST_F(HostileNtfsTest, BootSectorDemandsHugeRecords_Check_IsDamagedAndAllocates
 TEST_F(HostileNtfsTest, FileWithEveryAttributeBit_ReadAndWrite_AreRefused) {
     const std::string stick = MadeImage("stick-ntfs.img");
     const std::string bytes = ContentOf(stick);
-    const std::string name("Q\0e\0l\0h\0d\0r\0c\0v\0.\0i\0n\0i\0", 24);
-    size_t record = bytes.find("FILE0");
-    while (bytes.substr(record, 512).find(name) == std::string::npos)
-        record = bytes.find("FILE0", record + 1);
+    const uint64_t record = RecordOfQelhdrcv(bytes);
     const uint64_t information = record + (Le32(bytes, record + 20) & 0xFFFF);  // the first attribute
     const uint64_t value = information + (Le32(bytes, information + 20) & 0xFFFF);
     Patch(stick, value + 32, "\xFF\xFF\xFF\xFF");
@@ -132,6 +137,16 @@ TEST_F(HostileNtfsTest, FileWithEveryAttributeBit_ReadAndWrite_AreRefused) {
     EXPECT_EQ(content, "as it was");
     EXPECT_EQ(volume.Write("sources/Qelhdrcv.ini", "x"), 5u);
     EXPECT_EQ(volume.Remove("sources/Qelhdrcv.ini"), 5u);
+}
+
+// The library keeps a file open whose changes it cannot write.
+TEST_F(HostileNtfsTest, RecordThatCannotBeWritten_Write_FailsAndNothingIsLeaked) {
+    const std::string stick = MadeImage("stick-ntfs.img");
+    const uint64_t updateSequence = RecordOfQelhdrcv(ContentOf(stick)) + 4;
+    PatchByte(stick, updateSequence + 1, 0x27);  // beyond the record
+    auto volume = VolumeOn(std::make_shared<ImageFile>(stick, ImageAccess::Write));
+
+    EXPECT_NE(volume.Write("sources/Qelhdrcv.ini", "[Recovery]\r\n"), 0u);
 }
 
 TEST_F(HostileNtfsTest, SoundVolume_ManyOperations_AreNotLimited) {

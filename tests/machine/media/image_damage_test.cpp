@@ -55,12 +55,13 @@ std::vector<uint64_t> Every(uint64_t step, uint64_t from, uint64_t to) {
     return places;
 }
 
-TEST_F(ImageDamageTest, TruncatedAtAnyLength_Attach_FailsAndChangesNothing) {
+TEST_F(ImageDamageTest, TruncatedAtAnyLength_AttachForChanges_FailsAndChangesNothing) {
     const std::string image = FactoryMbrImage();
     for (uint64_t length = 298 * MiB; length > 0; length = length * 2 / 3) {
         std::filesystem::resize_file(image, length);
-        for (const ImageAccess access : {ImageAccess::Read, ImageAccess::Write, ImageAccess::Overlay})
+        for (const ImageAccess access : {ImageAccess::Write, ImageAccess::Overlay})
             EXPECT_NE(Complaint(image, access), "") << length;
+        Complaint(image, ImageAccess::Read);  // what is left is shown, or refused
         EXPECT_EQ(std::filesystem::file_size(image), length);
     }
 }

@@ -50,6 +50,10 @@ expect 0 --image factory-mbr.img --journal kept boot system
 expect 0 --image factory-mbr.img --no-journal call SetBIOSHibernationPartitionID 3
 expect 0 --image factory-mbr.img run -
 expect 0 --image factory-mbr.img recover
+dd if=/dev/zero of=factory-gpt.img bs=512 seek=1 count=33 conv=notrunc status=none
+expect 3 --image factory-gpt.img call DisableOrvoBootPartition
+expect 0 --image factory-gpt.img repair-table
+expect 0 --image factory-gpt.img call DisableOrvoBootPartition
 
 [ "$failed" -eq 0 ] || exit 1
 printf '%s commands of the plain tool\n' "$number"

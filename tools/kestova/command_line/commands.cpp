@@ -138,6 +138,16 @@ int Recover(const CommandLine& line) {
     return Done;
 }
 
+int RepairTables(const CommandLine& line) {
+    if (line.choice.images.empty()) throw WrongUse("repair-table: name the disk image with --image");
+    const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
+    for (const std::string& image : line.choice.images) {
+        const std::vector<std::string> problems = RepairTableOf(image, use);
+        Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun});
+    }
+    return Done;
+}
+
 int ListOperations(const CommandLine& line) {
     Show(line, Operations());
     return Done;
@@ -163,7 +173,8 @@ std::string BootStatuses() {
 
 bool Uses(const Command& command, const std::string& option) {
     if (option == "--json") return true;
-    if (option == "--ledger" && command.run == Recover) return false;
+    const bool runsNoOperation = command.run == Recover || command.run == RepairTables;
+    if (option == "--ledger" && runsNoOperation) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }
 
@@ -180,6 +191,8 @@ const std::vector<Command>& Commands() {
         {"run", "SCRIPT|-", "One operation a line, on one object", 1, 1, true, true, Run},
         {"recover", "", "Finish or take back a change of an image that was interrupted", 0, 0, true, false,
          Recover},
+        {"repair-table", "", "Write a damaged GUID partition table anew from its good copy", 0, 0, true,
+         false, RepairTables},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},

@@ -15,11 +15,18 @@ machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKin
 // Where the user wants the journal of changes. Throws WrongUse for one file and several images.
 machine::JournalPlace JournalOf(const PcChoice& choice);
 
+// What the user has the images used for, and how. Throws WrongUse for a sector size that no disk has.
+machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess access);
+
 // The usual journal of an image; empty if this build has no image part.
 std::string UsualJournal(const std::string& image);
 
 // Finishes or takes back a change of the image that was interrupted. Throws as OpenImages.
 machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace& journal);
+
+// Writes the partition table of the image anew from its good copy. Returns what was wrong. Throws as
+// OpenImages.
+std::vector<std::string> RepairTableOf(const std::string& path, const machine::ImageUse& use);
 
 // Inserts discs and sticks, each under its own letter. Throws as OpenImages.
 void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,

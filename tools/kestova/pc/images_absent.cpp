@@ -23,6 +23,10 @@ machine::Recovery RecoverChange(const std::string& path, const machine::JournalP
     Refuse(path);
 }
 
+std::vector<std::string> RepairTableOf(const std::string& path, const machine::ImageUse&) {
+    Refuse(path);
+}
+
 void InsertMedia(machine::Pc&, const std::vector<std::string>& discs,
                  const std::vector<std::string>& sticks) {
     for (const auto* const media : {&discs, &sticks}) {

@@ -25,6 +25,14 @@ machine::Recovery RecoverChange(const std::string& path, const machine::JournalP
     }
 }
 
+std::vector<std::string> RepairTableOf(const std::string& path, const machine::ImageUse& use) {
+    try {
+        return machine::RepairImageTable(path, use);
+    } catch (const machine::ImageError& error) {
+        throw UnreadablePc(error.what());
+    }
+}
+
 void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
                  const std::vector<std::string>& sticks) {
     try {

@@ -23,6 +23,7 @@ struct PcChoice {
     bool dryRun = false;
     std::string journal;  // file for the journal of the only image; empty: beside each image
     bool noJournal = false;
+    std::string sectorSize;  // of the images' tables, in bytes; empty: as the table shows
     bool trace = false;
     bool ledger = false;
     std::vector<std::string> faults;  // NAME[#N][+]=CODE

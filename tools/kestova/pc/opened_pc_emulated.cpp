@@ -104,17 +104,16 @@ void Start(Pc& pc, SystemKind kind) {
     }
 }
 
-ImageUse UseOfImages(const PcChoice& choice, Access access) {
-    const machine::JournalPlace journal = JournalOf(choice);
-    if (access == Access::Ask) return {choice.dryRun ? ImageAccess::Overlay : ImageAccess::Read, journal};
-    ImageUse use(choice.dryRun ? ImageAccess::Overlay : ImageAccess::Write, journal);
+ImageUse UseFor(const PcChoice& choice, Access access) {
+    const ImageAccess changing = access == Access::Ask ? ImageAccess::Read : ImageAccess::Write;
+    ImageUse use = UseOfImages(choice, changing);
     if (access == Access::ChangeTable) use.onlyFile = "";
     if (access == Access::ChangeTableAndRecord) use.onlyFile = "SystemVolume.ini";
     return use;
 }
 
 Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {
-    const ImageUse use = UseOfImages(choice, access);
+    const ImageUse use = UseFor(choice, access);
     const SystemKind kind = choice.windows ? SystemKind::Windows : SystemKind::WindowsPe;
     if (!choice.images.empty()) return OpenImages(choice.images, kind, use);
     const std::string name = choice.pc.empty() ? std::string(standardMachine) : choice.pc;
@@ -151,7 +150,8 @@ class EmulatedOne final : public OpenedPc {
                              ", a machine in memory that comes with the tool");
         }
         for (const machine::Disk& disk : before_.disks) {
-            if (disk.medium) notes_.insert(notes_.end(), disk.medium->Notes().begin(), disk.medium->Notes().end());
+            if (disk.medium)
+                notes_.insert(notes_.end(), disk.medium->Notes().begin(), disk.medium->Notes().end());
         }
     }
 

@@ -234,6 +234,10 @@ std::string AsJson(const RecoveryReport& report) {
     return Line({{"image", report.image}, {"change", ToJson(report.change)}});
 }
 
+std::string AsJson(const TableRepairReport& report) {
+    return Line({{"image", report.image}, {"problems", report.problems}, {"repaired", report.isRepaired}});
+}
+
 std::string WithLedger(const std::string& line, const std::map<std::string, int>& ledger) {
     Json json = Json::parse(line);
     json["ledger"] = Json::object();

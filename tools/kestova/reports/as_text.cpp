@@ -190,6 +190,14 @@ std::string AsText(const RecoveryReport& report) {
            (*report.change == "finished" ? "finished" : "taken back") + "\n";
 }
 
+std::string AsText(const TableRepairReport& report) {
+    if (report.problems.empty()) return report.image + ": nothing to repair\n";
+    std::string text = report.image + (report.isRepaired ? ": was repaired\n" : ": would be repaired\n");
+    for (const std::string& problem : report.problems)
+        text += "  " + problem + "\n";
+    return text;
+}
+
 std::string AsText(const std::vector<Operation>& operations) {
     std::string text;
     for (const Operation& operation : operations)

@@ -11,6 +11,7 @@
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
+#include "tools/kestova/reports/table_repair.h"
 
 // Remark and problem are left out: they belong on standard error.
 std::string AsText(const StatusReport& status);
@@ -19,6 +20,7 @@ std::string AsText(const LettersReport& letters);
 // "GetDriveLetter(0, 2) = C: its letter", the outputs below it, and the trace before it when there is one.
 std::string AsText(const OperationReport& report);
 std::string AsText(const RecoveryReport& report);
+std::string AsText(const TableRepairReport& report);
 
 // Each operation with its arguments, and its results in words.
 std::string AsText(const std::vector<Operation>& operations);
