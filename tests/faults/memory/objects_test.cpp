@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 
 #include "machine/facts/machines.h"
 #include "tests/faults/memory/failing_memory.h"
 #include "tests/faults/memory/foreign_logger.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
+#include "tests/support/application/two_systems.h"
 
 namespace {
 
@@ -89,6 +91,40 @@ TEST(ObjectWithoutMemory, Assignment_EachAllocationFails_SharesThePointersAndHas
         ExpectSharedPointersAndEmptyMaps(*target, source);
         std::destroy_at(owned);
     }
+}
+
+// An object that reads the three letters of the running system, on a PC of its own.
+struct RegistryReader {
+    machine::EmulatedPc pc{TwoSystems()};
+    Kestova kestova;
+    std::basic_string<WCHAR> path = TEXT("SYSTEM\\MountedDevices");
+
+    void Read() { (kestova.*Open(internals::ReadRegistryTag()))(path.data()); }
+    size_t Letters() { return (kestova.*Open(PEDriveMapTag())).size(); }
+};
+
+std::vector<uint32_t> PlacesInReadRegistry() {
+    RegistryReader reader;
+    FailingMemory memory;
+    reader.Read();
+    memory.Stop();
+    return memory.Places();
+}
+
+TEST(ObjectWithoutMemory, ReadRegistry_NoMemoryForTheDataOfALetter_LeavesThatOneOut) {
+    int withoutOne = 0;
+    for (const uint32_t place : PlacesInReadRegistry()) {
+        RegistryReader reader;
+        const FailingMemory memory(place, false);
+        try {
+            reader.Read();
+        } catch (const std::bad_alloc&) {
+            continue;  // it was that of the map
+        }
+        ASSERT_TRUE(memory.HasFailed());
+        if (reader.Letters() == 2) ++withoutOne;
+    }
+    EXPECT_EQ(withoutOne, 3);
 }
 
 TEST(ModuleContext, ConstructorCopiesAndDestructor_TakeNone) {
