@@ -11,6 +11,7 @@
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
 #include "tests/support/application/two_systems.h"
+#include "vds/vds_partition.h"
 
 namespace {
 
@@ -125,6 +126,42 @@ TEST(ObjectWithoutMemory, ReadRegistry_NoMemoryForTheDataOfALetter_LeavesThatOne
         if (reader.Letters() == 2) ++withoutOne;
     }
     EXPECT_EQ(withoutOne, 3);
+}
+
+// An object that has selected the recovery partition, which has no letter, on a PC of its own.
+struct LetterlessRecovery {
+    static constexpr int recovery = 6;
+    Application application{machine::FactoryGpt()};
+
+    LetterlessRecovery() {
+        CVDSPartition& partitions = *(application.kestova.*Open(internals::VolumeLayerTag()));
+        partitions.SelectDisk(0);
+        partitions.SelectPartition(recovery);
+    }
+    void Recognise() {
+        int is = 0;
+        (application.kestova.*Open(internals::IsRecoveryPartitionTag()))(0, recovery, is);
+    }
+};
+
+std::vector<uint32_t> PlacesInRecognition() {
+    LetterlessRecovery recovery;
+    FailingMemory memory;
+    recovery.Recognise();
+    memory.Stop();
+    EXPECT_EQ(recovery.application.pc.journal.Calls("IVdsAdvancedDisk::DeleteDriveLetter").size(), 1U);
+    return memory.Places();
+}
+
+// Those of the deletion, too, which is then tried a second time.
+TEST(ObjectWithoutMemory, TemporaryLetter_EachAllocationFailsOnce_IsDeleted) {
+    for (const uint32_t place : PlacesInRecognition()) {
+        LetterlessRecovery recovery;
+        const FailingMemory memory(place, false);
+        EXPECT_NO_THROW(recovery.Recognise());
+        ASSERT_TRUE(memory.HasFailed());
+        EXPECT_EQ(recovery.application.pc.facts, machine::FactoryGpt()) << place;
+    }
 }
 
 TEST(ModuleContext, ConstructorCopiesAndDestructor_TakeNone) {
