@@ -36,10 +36,13 @@ class Counts:
         # A process that a test ends leaves no counts, or a part that is of no use.
         output_of("llvm-profdata", "merge", "-sparse", "-failure-mode=all", f"-input-files={profiles / 'list'}", "-o", merged)
         self.command = ["llvm-cov", "export", f"-instr-profile={merged}", *objects]
-        self.sources = [str(ROOT / folder) for folder in folders]
+        self.folders = folders
 
     def export(self, *options):
-        return output_of(*self.command, *options, *self.sources)
+        return output_of(*self.command, *options)
+
+    def is_measured(self, file):
+        return file.split("/")[0] in self.folders
 
     def lines(self):
         """How often each line of code ran."""
@@ -51,7 +54,7 @@ class Counts:
             elif kind == "DA":
                 line, count = value.split(",")[:2]
                 lines[file][int(line)] = int(count)
-        return lines
+        return {file: counts for file, counts in lines.items() if self.is_measured(file)}
 
     def branches(self):
         """How often each condition held and did not, by its place."""
