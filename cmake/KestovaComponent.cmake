@@ -22,6 +22,24 @@ function(kestova_component folder)
   endforeach()
 endfunction()
 
+# kestova_measured(TARGET...): with KESTOVA_COVERAGE the sources of these targets count which of their lines and branches
+# run. Not the precompiled headers, so that the emulated PC is compiled as it is without. The build folder is named since
+# the counts are found by it: a compiler cache must not give these objects to another checkout.
+function(kestova_measured)
+  if(NOT KESTOVA_COVERAGE)
+    return()
+  endif()
+  foreach(target IN LISTS ARGN)
+    get_target_property(sources ${target} SOURCES)
+    set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS
+      "-fprofile-instr-generate;-fcoverage-mapping;-fcoverage-compilation-dir=${CMAKE_BINARY_DIR}")
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "STATIC_LIBRARY")
+      target_link_options(${target} INTERFACE -fprofile-instr-generate)
+    endif()
+  endforeach()
+endfunction()
+
 # What a module gives back when it is unloaded, beyond what its own objects do.
 function(kestova_unloadable target)
   if(MINGW)

@@ -53,12 +53,13 @@ bool SelectFirstInternalDisk(CVDSPartition* partitions, const Search& row, int& 
     if (partitions == nullptr) return LogFailure(row.noVolumeLayerLevel, row.noVolumeLayer, FALSE);
     if (!partitions->GetFirstInternalDriveNumber(disk))
         return LogFailure(LOG_LEVEL_ERROR, row.noInternalDisk, FALSE);
-    return partitions->SelectDisk(disk) || LogFailure(LOG_LEVEL_ERROR, row.diskNotSelected, FALSE);
+    if (!partitions->SelectDisk(disk)) return LogFailure(LOG_LEVEL_ERROR, row.diskNotSelected, FALSE);
+    return true;
 }
 
 bool SelectPartition(CVDSPartition& partitions, const Search& row, int partition) {
-    return partitions.SelectPartition(partition) ||
-           LogFailure(LOG_LEVEL_ERROR, row.partitionNotSelected, FALSE);
+    if (partitions.SelectPartition(partition)) return true;
+    return LogFailure(LOG_LEVEL_ERROR, row.partitionNotSelected, FALSE);
 }
 
 // Disk and partition are set only if the walk finds the partition. The End record contains 0 where other

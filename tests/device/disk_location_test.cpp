@@ -88,6 +88,18 @@ TEST(GetLocationInformation, DeviceWithoutTheProperty_ReturnsEmpty) {
     ExpectTranscript(pc.emulated.journal);
 }
 
+// Its size can be asked for without a buffer.
+TEST(GetLocationInformation, PropertyOfNoBytes_ReturnsAnEmptyText) {
+    const HostedPc pc(PcWithLocation(machine::Fact<std::string>::Fails(ERROR_SUCCESS)));
+    GlobalBuffer<WCHAR> text;
+    EXPECT_EQ(CDiskDrive().GetLocationInformation(diskId, text), 0U);
+    ASSERT_TRUE(text);
+    EXPECT_EQ(WideString(text.Get()), TEXT(""));
+    EXPECT_EQ(Transcript(pc.emulated.journal),
+              "4 Kestova CDiskDrive::GetDeviceRegistryProperty End (0) lpProperty = \n"
+              "4 Kestova CDiskDrive::GetLocationInformation End (0)\n");
+}
+
 TEST(GetLocationInformation, NoDeviceSet_Fails) {
     HostedPc pc(PcWithLocation(std::string("0")));
     pc.Fail("SetupDiCreateDeviceInfoList", ERROR_NOT_ENOUGH_MEMORY);

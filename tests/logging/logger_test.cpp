@@ -200,6 +200,39 @@ TEST_F(SinksTest, SinkRemovesAndAddsItselfInWrite_ReceivesEveryRecordOnce) {
     EXPECT_EQ(changing.records, 3);
 }
 
+// Writes a record itself when the first one comes, after it has removed another sink.
+class WritingSink final : public ILogSink {
+  public:
+    explicit WritingSink(ILogSink& removed) : removed_(removed) {}
+    void Write(const LogEntry&) override {
+        if (++records != 1) return;
+        ILogger& logger = CLoggingFactory::GetInstance();
+        logger.RemoveSink(removed_);
+        logger.BeginRecord(LOG_LEVEL_TRACE);
+        logger.EndRecord();
+    }
+    int records = 0;
+
+  private:
+    ILogSink& removed_;
+};
+
+// Against the contract of a sink, but no reason to crash or to call another one twice.
+TEST_F(SinksTest, SinkWritesARecordInWrite_LaterOneReceivesBothRecordsOnce) {
+    WritingSink writing(sink_);
+    Collector last;
+    logger_.RemoveSink(sink_);
+    logger_.AddSink(writing);
+    logger_.AddSink(sink_);
+    logger_.AddSink(last);
+    WriteRecords(1);
+    logger_.RemoveSink(writing);
+    logger_.RemoveSink(last);
+    EXPECT_EQ(writing.records, 2);
+    EXPECT_TRUE(sink_.entries.empty());
+    EXPECT_EQ(last.entries.size(), 2U);
+}
+
 class FailingSink : public ILogSink {
   public:
     void Write(const LogEntry&) override { throw 1; }

@@ -41,8 +41,9 @@ TEST(FullPath, DriveAndFoldersOrShare_IsFull) {
 }
 
 TEST(FullPath, PathThatDependsOnTheCurrentFolderOrDrive_IsNotFull) {
-    for (const WCHAR* const path : {TEXT(""), TEXT("C:"), TEXT("log.txt"), TEXT("..\\log.txt"),
-                                    TEXT("\\log.txt"), TEXT("C:log.txt"), TEXT("1:\\log.txt")})
+    for (const WCHAR* const path :
+         {TEXT(""), TEXT("C:"), TEXT("log.txt"), TEXT("..\\log.txt"), TEXT("\\log.txt"), TEXT("C:log.txt"),
+          TEXT("1:\\log.txt"), TEXT("[:\\log.txt"), TEXT("{:\\log.txt")})
         EXPECT_FALSE(IsFullPath(path));
 }
 

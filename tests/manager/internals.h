@@ -22,6 +22,9 @@ struct Opened {
     template struct Opened<tag, &Kestova::member>
 
 using DiskStyle = THardDiskType Kestova::*;
+using Letter = WCHAR Kestova::*;
+using PartitionNumber = int Kestova::*;
+using ReservedObject = CReservedObject* Kestova::*;
 using EncryptionLayer = CEncryptVolume* Kestova::*;
 using VolumeLayer = CVDSPartition* Kestova::*;
 using Format = std::basic_string<WCHAR> (Kestova::*)(const WCHAR*, ...);
@@ -41,6 +44,13 @@ using MapCleaning = void (Kestova::*)();
 using LetterMap = std::map<WCHAR, tagDeviceData_t> Kestova::*;
 
 OPEN_PRIVATE_MEMBER(DiskStyleTag, DiskStyle, m_HardDiskType);
+OPEN_PRIVATE_MEMBER(ReservedTag, Letter, m_wReserved);
+OPEN_PRIVATE_MEMBER(FirstReservedTag, ReservedObject, m_pReserved1);
+OPEN_PRIVATE_MEMBER(SecondReservedTag, ReservedObject, m_pReserved2);
+OPEN_PRIVATE_MEMBER(WinRELetterTag, Letter, m_cWinREDriveLetter);
+OPEN_PRIVATE_MEMBER(RecoveryLetterTag, Letter, m_cRcvDriveLetter);
+OPEN_PRIVATE_MEMBER(WinRENumberTag, PartitionNumber, m_iWinREPartNumber);
+OPEN_PRIVATE_MEMBER(RecoveryNumberTag, PartitionNumber, m_iRcvPartNumber);
 OPEN_PRIVATE_MEMBER(EncryptionLayerTag, EncryptionLayer, m_pEncryptVolume);
 OPEN_PRIVATE_MEMBER(VolumeLayerTag, VolumeLayer, m_pVDSPartition);
 OPEN_PRIVATE_MEMBER(StringFormatTag, Format, StringFormat);

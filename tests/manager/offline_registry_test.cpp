@@ -90,6 +90,17 @@ TEST(LoadRegistry, NoCommand_OnlyDeletesTheBatchLeftBehind) {
     EXPECT_THAT(offline.Calls(), ElementsAre("PathFileExistsW", "DeleteFileW"));
 }
 
+// 1023 units with the line that ends the interpreter.
+TEST(LoadRegistry, CommandTooLong_FailsAndRunsNothing) {
+    const std::basic_string<WCHAR> longest(1015, TEXT('x'));
+    Offline offline;
+    EXPECT_EQ(offline.Run(longest.c_str()), 0);
+    EXPECT_EQ(offline.Count("ShellExecuteExW"), 1U);
+    EXPECT_EQ(offline.Run((longest + TEXT('x')).c_str()), 1);
+    EXPECT_EQ(offline.Count("ShellExecuteExW"), 1U);
+    EXPECT_EQ(BatchFile(offline.pc), nullptr);
+}
+
 TEST(LoadRegistry, NoDriveX_Fails) {
     machine::Pc facts = TwoSystems();
     facts.volumes.clear();

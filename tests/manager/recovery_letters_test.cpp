@@ -155,6 +155,20 @@ TEST_P(RecoveryLetter, RefusedDeletion_Remove_LeavesItInSilence) {
     ExpectTranscript(application.pc.journal);
 }
 
+// No assignment leaves an object like that; a removal does not guess.
+TEST(RecoveryLetters, LetterWithoutAPartition_Remove_DeletesNothing) {
+    Application application(FactoryGpt());
+    application.kestova.*Open(internals::RecoveryLetterTag()) = TEXT('D');
+    application.kestova.*Open(internals::WinRELetterTag()) = TEXT('D');
+    application.pc.journal.Clear();
+    application.kestova.RemoveRecoveryPartition();
+    application.kestova.RemoveWinREPartition();
+    EXPECT_TRUE(application.pc.journal.Calls().empty());
+    EXPECT_EQ(Transcript(application.pc.journal),
+              "4 Kestova::RemoveRecoveryPartition\\tEnter.  \n"
+              "4 Kestova::RemoveWinREPartition\\tEnter.  \n");
+}
+
 TEST_P(RecoveryLetter, NoVolumeLayer_AssignAndRemove_DoNothing) {
     Application application(FactoryGpt());
     EXPECT_EQ(Assign(application), 'D');

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/manager/internals.h"
@@ -160,6 +162,44 @@ TEST(SystemLocation, NoVolumeLayer_ReturnsUnknown) {
               "4 Kestova::GetDiskStyle\\t\\tEnd. enumDiskStyle = {int 0}\n"
               "1 Kestova::GetVistaOSInfo\\tGetDiskStyle\\tERROR_GET_DISK_STYLE\n"
               "4 {string Kestova::GetVistaOSInfo DiskNumber: -1  PartitionNumber: -1  cDriveLetter: 0}\n");
+}
+
+// Takes the volume layer from an object when it writes a record.
+class LayerTaker final : public ILogSink {
+  public:
+    LayerTaker(Kestova& kestova, const WCHAR* text) : kestova_(kestova), text_(text) {
+        CLoggingFactory::GetInstance().AddSink(*this);
+    }
+    ~LayerTaker() { CLoggingFactory::GetInstance().RemoveSink(*this); }
+
+    void Write(const LogEntry& entry) override {
+        if (entry.Text() == text_) without_.emplace(kestova_);
+    }
+
+  private:
+    Kestova& kestova_;
+    std::basic_string<WCHAR> text_;
+    std::optional<internals::WithoutVolumeLayer> without_;
+};
+
+// The object's own checks between its steps, each of which has a code of its own.
+TEST(SystemLocation, VolumeLayerThatIsGoneHalfWay_ReturnsTheCodeOfTheStep) {
+    const struct {
+        const WCHAR* text;
+        DWORD code;
+        const char* record;
+    } steps[] = {
+        {TEXT("Kestova::GetFirstInternalDriveNumber\tEnd. DriveNumber = 0"), 116,
+         "1 Kestova::GetBitLockerSystemInfo\\tNULL == m_pVDSPartition\n"},
+        {TEXT("Kestova::GetDiskStyle\t\tStart"), 111,
+         "1 Kestova::GetBitLockerSystemInfo\\tGetDiskStyle ERROR_GET_DISK_STYLE\n"},
+    };
+    for (const auto& step : steps) {
+        Application application(FactoryGpt());
+        const LayerTaker taker(application.kestova, step.text);
+        EXPECT_EQ(Ask(application, bootFiles), Nowhere(step.code));
+        EXPECT_TRUE(Transcript(application.pc.journal).ends_with(step.record));
+    }
 }
 
 // The first internal disk in Windows PE is the MBR disk 0 while the style is read, and the GPT disk 1 from

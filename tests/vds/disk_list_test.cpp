@@ -8,6 +8,9 @@ namespace {
 
 constexpr uint32_t failure = 0x80004005;
 
+// Which of the next reallocations fails, from 1; 0: none.
+int failingReallocation = 0;
+
 // The result, and the disks in order, known by their sizes; the array is freed.
 struct Listed {
     HRESULT result = E_FAIL;
@@ -42,6 +45,13 @@ using Sizes = std::vector<uint64_t>;
 const std::string started = "4 Kestova CVDSEx::QueryDisks\\tStart\n";
 
 }  // namespace
+
+// The linker has the product call the second in place of the first (--wrap).
+extern "C" void* __real_realloc(void* memory, size_t size);
+extern "C" void* __wrap_realloc(void* memory, size_t size) {
+    const bool fails = failingReallocation > 0 && --failingReallocation == 0;
+    return fails ? nullptr : __real_realloc(memory, size);
+}
 
 TEST(QueryDisks, OnePackOfTwoDisks_GivesBoth) {
     machine::Pc pc = WindowsPe({InPack(PlainDisk(0, 100), "Disks"), InPack(PlainDisk(1, 200), "Disks")});
@@ -232,7 +242,7 @@ TEST(QueryDisks, FailuresOfProvidersAndPacks_ShortenTheListInSilence) {
 TEST(QueryDisks, SuccessWithoutAnInterface_EndsTheWalk) {
     for (const char* const call :
          {"IVdsService::QueryUnallocatedDisks", "IVdsService::QueryProviders", "IVdsSwProvider::QueryPacks",
-          "IVdsPack::QueryDisks", "IUnknown::QueryInterface"}) {
+          "IVdsPack::QueryDisks", "IUnknown::QueryInterface", "IEnumVdsObject::Next"}) {
         SCOPED_TRACE(call);
         VdsSession session(WindowsPe({PlainDisk(0, 100)}));
         session.Fail(call, 0);
@@ -253,6 +263,18 @@ TEST(QueryDisks, FirstOfTwoUnallocatedDisksRefuses_LeavesTheSecondOut) {
         EXPECT_EQ(List(session).sizes, (Sizes{300}));
         EXPECT_EQ(session.Left(1), Holdings());
     }
+}
+
+TEST(QueryDisks, NoMemoryForTheSecondUnallocatedDisk_EndsItsWalkOnly) {
+    VdsSession session(
+        WindowsPe({Unallocated(PlainDisk(0, 100)), Unallocated(PlainDisk(1, 200)), PlainDisk(2, 300)}));
+    failingReallocation = 2;
+    const Listed listed = List(session);
+    EXPECT_EQ(failingReallocation, 0);
+    EXPECT_EQ(listed.result, S_OK);
+    EXPECT_EQ(listed.sizes, (Sizes{100, 300}));
+    EXPECT_EQ(session.Records(), started);
+    EXPECT_EQ(session.Left(3), Holdings());
 }
 
 TEST(QueryDisks, OneDisk_IsReadOneObjectAtATime) {

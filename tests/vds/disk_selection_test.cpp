@@ -91,6 +91,17 @@ TEST(SelectDisk, DiskOnEveryBus_IsSelectedButNoOtherDevice) {
     EXPECT_EQ(session.Left(3), Holdings());
 }
 
+TEST(SelectDisk, DisksWithoutANumber_ArePassedOver) {
+    machine::Disk nameless = PlainDisk(1, 77);
+    nameless.vdsName.reset();
+    machine::Disk other = PlainDisk(2, 88);
+    other.vdsName = "\\\\?\\CdRom0";
+    VdsSession session(WindowsPe({nameless, other, PlainDisk(0, 99)}));
+    EXPECT_TRUE(session->SelectDisk(0));
+    EXPECT_EQ(session->DiskProperties().ullSize, 99u);
+    EXPECT_FALSE(session->SelectDisk(-1));  // what a name without a number gives
+}
+
 TEST(SelectDisk, MissingDisk_IsFalseWithoutARecordOfItsOwn) {
     VdsSession session(machine::FactoryMbr());
     EXPECT_FALSE(session->SelectDisk(1));

@@ -191,7 +191,9 @@ class MemoryFaults : public testing::TestWithParam<Task> {
     static void ExpectUndone(Session& session) {
         ExpectOnlyKeptLeftovers(session.application.pc.ledger);
         EXPECT_FALSE(IsHiveMounted(session.application.pc));
-        if (!session.before.volumes.empty()) EXPECT_EQ(BatchFile(session.application.pc), nullptr);
+        if (!session.before.volumes.empty()) {
+            EXPECT_EQ(BatchFile(session.application.pc), nullptr);
+        }
     }
 
     void ExpectLettersAndFlag(const Session& session, const machine::Pc& after) {

@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 
 #include "machine/facts/machines.h"
 #include "tests/faults/memory/failing_memory.h"
 #include "tests/faults/memory/foreign_logger.h"
 #include "tests/manager/internals.h"
 #include "tests/support/application/application.h"
+#include "tests/support/application/two_systems.h"
+#include "vds/vds_partition.h"
 
 namespace {
 
@@ -88,6 +91,76 @@ TEST(ObjectWithoutMemory, Assignment_EachAllocationFails_SharesThePointersAndHas
         }
         ExpectSharedPointersAndEmptyMaps(*target, source);
         std::destroy_at(owned);
+    }
+}
+
+// An object that reads the three letters of the running system, on a PC of its own.
+struct RegistryReader {
+    machine::EmulatedPc pc{TwoSystems()};
+    Kestova kestova;
+    std::basic_string<WCHAR> path = TEXT("SYSTEM\\MountedDevices");
+
+    void Read() { (kestova.*Open(internals::ReadRegistryTag()))(path.data()); }
+    size_t Letters() { return (kestova.*Open(PEDriveMapTag())).size(); }
+};
+
+std::vector<uint32_t> PlacesInReadRegistry() {
+    RegistryReader reader;
+    FailingMemory memory;
+    reader.Read();
+    memory.Stop();
+    return memory.Places();
+}
+
+TEST(ObjectWithoutMemory, ReadRegistry_NoMemoryForTheDataOfALetter_LeavesThatOneOut) {
+    int withoutOne = 0;
+    for (const uint32_t place : PlacesInReadRegistry()) {
+        RegistryReader reader;
+        const FailingMemory memory(place, false);
+        try {
+            reader.Read();
+        } catch (const std::bad_alloc&) {
+            continue;  // it was that of the map
+        }
+        ASSERT_TRUE(memory.HasFailed());
+        if (reader.Letters() == 2) ++withoutOne;
+    }
+    EXPECT_EQ(withoutOne, 3);
+}
+
+// An object that has selected the recovery partition, which has no letter, on a PC of its own.
+struct LetterlessRecovery {
+    static constexpr int recovery = 6;
+    Application application{machine::FactoryGpt()};
+
+    LetterlessRecovery() {
+        CVDSPartition& partitions = *(application.kestova.*Open(internals::VolumeLayerTag()));
+        partitions.SelectDisk(0);
+        partitions.SelectPartition(recovery);
+    }
+    void Recognise() {
+        int is = 0;
+        (application.kestova.*Open(internals::IsRecoveryPartitionTag()))(0, recovery, is);
+    }
+};
+
+std::vector<uint32_t> PlacesInRecognition() {
+    LetterlessRecovery recovery;
+    FailingMemory memory;
+    recovery.Recognise();
+    memory.Stop();
+    EXPECT_EQ(recovery.application.pc.journal.Calls("IVdsAdvancedDisk::DeleteDriveLetter").size(), 1U);
+    return memory.Places();
+}
+
+// Those of the deletion, too, which is then tried a second time.
+TEST(ObjectWithoutMemory, TemporaryLetter_EachAllocationFailsOnce_IsDeleted) {
+    for (const uint32_t place : PlacesInRecognition()) {
+        LetterlessRecovery recovery;
+        const FailingMemory memory(place, false);
+        EXPECT_NO_THROW(recovery.Recognise());
+        ASSERT_TRUE(memory.HasFailed());
+        EXPECT_EQ(recovery.application.pc.facts, machine::FactoryGpt()) << place;
     }
 }
 
