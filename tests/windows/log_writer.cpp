@@ -25,8 +25,14 @@ int StayStuck(const WCHAR* access) {
     SECURITY_ATTRIBUTES attributes = {sizeof(attributes), nullptr, FALSE};
     ConvertStringSecurityDescriptorToSecurityDescriptorW(access, SDDL_REVISION_1,
                                                          &attributes.lpSecurityDescriptor, nullptr);
-    const HANDLE turn = CreateMutexW(&attributes, TRUE, TEXT("Global\\Kestova.Logging"));
-    if (turn == nullptr || GetLastError() == ERROR_ALREADY_EXISTS) return 5;
+    HANDLE turn = CreateMutexW(&attributes, TRUE, TEXT("Global\\Kestova.Logging"));
+    // The system closes the handles of a program a moment after its end.
+    while (turn != nullptr && GetLastError() == ERROR_ALREADY_EXISTS) {
+        CloseHandle(turn);
+        Sleep(1);
+        turn = CreateMutexW(&attributes, TRUE, TEXT("Global\\Kestova.Logging"));
+    }
+    if (turn == nullptr) return 5;
     std::puts("stuck");
     std::fflush(stdout);
     while (std::getchar() != EOF) {
