@@ -309,3 +309,18 @@ TEST(SelectDisk, SelectedPartition_StaysSelected) {
     EXPECT_EQ(session->PartitionProperties().ulPartitionNumber, 2u);
     EXPECT_EQ(Label(session), "Windows");
 }
+
+TEST(PartitionObject, DiskPartitionAndVolumeSelected_Destroy_ReleasesDiskAccessServiceDiskAndVolume) {
+    SelectedDisk session;
+    EXPECT_TRUE(session->SelectPartition(2));
+    EXPECT_NE(Label(session), "(none)");
+    session.pc.journal.Clear();
+
+    EXPECT_EQ(session.Left(1), Holdings());
+
+    std::vector<std::string> released;
+    for (const std::vector<std::string>& release : session.pc.journal.Unshown("IUnknown::Release"))
+        released.push_back(release.front());
+    EXPECT_EQ(released,
+              (std::vector<std::string>{"IVdsAdvancedDisk", "IVdsService", "IVdsDisk", "IVdsVolumeMF"}));
+}
