@@ -266,8 +266,8 @@ TEST(QueryDisks, FirstOfTwoUnallocatedDisksRefuses_LeavesTheSecondOut) {
 }
 
 TEST(QueryDisks, NoMemoryForTheSecondUnallocatedDisk_EndsItsWalkOnly) {
-    VdsSession session(
-        WindowsPe({Unallocated(PlainDisk(0, 100)), Unallocated(PlainDisk(1, 200)), PlainDisk(2, 300)}));
+    VdsSession session(WindowsPe({Unallocated(PlainDisk(0, 100)), Unallocated(PlainDisk(1, 200)),
+                                  Unallocated(PlainDisk(2, 250)), PlainDisk(3, 300)}));
     failingReallocation = 2;
     const Listed listed = List(session);
     EXPECT_EQ(failingReallocation, 0);

@@ -151,8 +151,8 @@ class OnInstalledWindows(LogFileTest):
 
 
 class AtAPlaceInTheRegistry(LogFileTest):
-    def place(self, value):
-        reg("add", KESTOVA, "/v", "Log", "/d", value)
+    def place(self, value, kind="REG_SZ"):
+        reg("add", KESTOVA, "/v", "Log", "/t", kind, "/d", value)
         self.addCleanup(reg, "delete", KESTOVA)
 
     def test_FullPathAndVariable_Write_GoesToThePath(self):
@@ -163,6 +163,12 @@ class AtAPlaceInTheRegistry(LogFileTest):
 
     def test_RelativePath_Write_GoesBesideTheProgram(self):
         self.place("chosen.txt")
+        self.write("one", 1)
+        self.assertEqual(self.new_files(), {"Kestova.log"})
+
+    def test_lies_beside_the_program_when_the_place_is_no_text(self):
+        path = windows_path(self.folder / "chosen.txt") + "\0"
+        self.place(path.encode("utf-16-le").hex(), "REG_BINARY")
         self.write("one", 1)
         self.assertEqual(self.new_files(), {"Kestova.log"})
 
