@@ -38,7 +38,7 @@ class DamagedTableTest : public ImageTest {
         std::vector<std::string> notes;
         for (const std::string& problem : problems)
             notes.push_back(image + ": " + problem);
-        const Disk disk = Attach(image);
+        Disk disk = Attach(image);
         EXPECT_EQ(disk.medium->Notes(), notes);
         EXPECT_EQ(Complaint(image, ImageAccess::Write), notes.front() + hint);
         EXPECT_EQ(Complaint(image, ImageAccess::Overlay), notes.front() + hint);
@@ -71,7 +71,7 @@ class DamagedTableTest : public ImageTest {
     }
     static std::vector<std::string> Repaired(const std::string& path) {
         ImageFile image(path, ImageAccess::Write);
-        const std::vector<std::string> problems = RepairTable(image);
+        std::vector<std::string> problems = RepairTable(image);
         EXPECT_EQ(image.Commit(), "");
         return problems;
     }
