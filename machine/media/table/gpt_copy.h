@@ -41,7 +41,7 @@ struct GptCopy {
 
 // The copy with its header in that sector, of sectorSize bytes. The problem is that of the first check that
 // fails: the signature, the length and the checksum of the header, its own place, the length and the checksum
-// of the entries (UEFI specification, GPT disk layout).
+// of the entries.
 GptCopy ReadGptCopy(const ImageFile& image, uint64_t place, uint64_t sectorSize);
 
 // The bytes of a whole header sector, with its checksums.

@@ -20,8 +20,10 @@ struct GptCopies {
 };
 
 // Where they belong on a disk of so many sectors.
-GptCopies Placed(const GptCopy& good, uint64_t sectors, uint64_t sectorSize) {
+GptCopies Placed(const ImageFile& image, const GptCopy& good, uint64_t sectors, uint64_t sectorSize) {
     const uint64_t entrySectors = (good.entryBytes.size() + sectorSize - 1) / sectorSize;
+    if (sectors <= 1 + 2 * (1 + entrySectors))
+        throw image.Error("too short for both copies of the GUID partition table; that cannot be repaired");
     GptCopies copies{good, good};
     const uint64_t lastSector = sectors - 1;
     copies.primary.place = copies.backup.otherPlace = primaryPlace;
@@ -49,7 +51,8 @@ void Write(ImageFile& image, const GptCopy& copy, uint64_t sectorSize) {
     image.Write(copy.place * sectorSize, header.data(), header.size());
 }
 
-// UEFI specification, protective MBR: one entry from the sector behind the MBR to the end of the disk.
+// One entry, from the sector behind the MBR to the end of the disk, so that programs that do not know the
+// other table take the disk for full.
 void WriteProtectiveMbr(ImageFile& image, uint64_t sectors) {
     std::string entries(mbrSlots * mbrEntrySize, '\0');
     constexpr std::string_view start("\0\0\2\0\xEE\xFF\xFF\xFF", 8);
@@ -71,7 +74,7 @@ std::vector<std::string> RepairTable(ImageFile& image) {
     if (!findings.canBeRepaired) throw image.Error(findings.problems.back() + "; that cannot be repaired");
     const uint64_t sectorSize = SectorSizeOf(image);
     const uint64_t sectors = image.Size() / sectorSize;
-    const GptCopies copies = Placed(*ReadGptTable(image, sectorSize).used, sectors, sectorSize);
+    const GptCopies copies = Placed(image, *ReadGptTable(image, sectorSize).used, sectors, sectorSize);
     CheckPartitionsFit(image, copies.primary);
     Write(image, copies.primary, sectorSize);
     Write(image, copies.backup, sectorSize);

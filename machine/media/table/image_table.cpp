@@ -110,8 +110,8 @@ TableFindings ReadGpt(const ImageFile& image, Disk& disk) {
 
 bool IsGpt(const ImageFile& image) {
     if (HasProtectiveMbr(image)) return true;
-    return MbrEntriesOf(image, diskSectorSize).entries.empty() &&
-           ReadGptTable(image, SectorSizeOf(image)).used.has_value();
+    // Behind any other MBR it is left over from an earlier use of the disk.
+    return MbrSector(image).empty() && ReadGptTable(image, SectorSizeOf(image)).used.has_value();
 }
 
 }  // namespace

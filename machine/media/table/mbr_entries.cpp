@@ -32,9 +32,10 @@ MbrEntry EntryOf(const std::string& sector, uint64_t sectorOffset, size_t slot, 
 // to the next link, from the start of the extended partition. Returns what is wrong; empty if nothing is.
 std::string FollowChain(const ImageFile& image, const MbrEntry& extended, uint64_t sectorSize,
                         std::vector<MbrEntry>& logical) {
+    constexpr size_t mostLinks = 256;  // no disk has as many; a made one could have millions
     std::set<uint64_t> visited;
     uint64_t link = extended.offset;
-    while (true) {
+    while (visited.size() < mostLinks) {
         const std::string where = "at sector " + std::to_string(link / sectorSize);
         if (!visited.insert(link).second) return "the chain of logical partitions runs in a circle, " + where;
         if (!IsWithin({"", link, diskSectorSize}, {"", extended.offset, extended.size}))
@@ -48,6 +49,7 @@ std::string FollowChain(const ImageFile& image, const MbrEntry& extended, uint64
         if (next.type == mbrUnused) return "";
         link = next.offset;
     }
+    return "the chain of logical partitions has more than " + std::to_string(mostLinks) + " links";
 }
 
 }  // namespace

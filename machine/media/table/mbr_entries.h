@@ -41,7 +41,8 @@ struct MbrEntries {
     // The used ones: those of the MBR in their order, extended partitions among them, then those of the
     // logical partitions, as far as their chains can be followed.
     std::vector<MbrEntry> entries = {};
-    // Chains that leave their extended partition, form a circle or reach a sector that is not a link.
+    // Chains that leave their extended partition, form a circle, reach a sector that is not a link, or are
+    // longer than on any disk.
     std::vector<std::string> problems = {};
 };
 

@@ -29,7 +29,7 @@ uint64_t SectorSizeOf(const ImageFile& image) {
     if (HasGptHeader(image, largeSectorSize)) return largeSectorSize;
     const std::string sector = MbrSector(image);
     for (size_t slot = 0; slot < mbrSlots; ++slot) {
-        const uint64_t start = Le32(sector, mbrFirstEntry + slot * mbrEntrySize + 8);
+        const uint64_t start = Le32(sector, mbrFirstEntry + slot * mbrEntrySize + mbrStartAt);
         if (start != 0 && HasVolumeOfLargeSectors(image, start * largeSectorSize)) return largeSectorSize;
     }
     return diskSectorSize;

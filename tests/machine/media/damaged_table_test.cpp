@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <zlib.h>
 
+#include <fstream>
+
 #include "machine/media/device/image_file.h"
+#include "machine/media/device/little_endian.h"
 #include "machine/media/table/gpt_repair.h"
 #include "machine/media/table/sector_size.h"
 #include "tests/machine/media/image_fixture.h"
@@ -163,6 +166,21 @@ TEST_F(DamagedTableTest, BrokenChain_Attach_ShowsThePartitionsBeforeIt) {
     EXPECT_EQ(disk.partitions.size(), 1u);
 }
 
+// A chain of links without partitions, in neighbouring sectors.
+TEST_F(DamagedTableTest, ChainOfThousandLinks_Attach_IsNotFollowedToItsEnd) {
+    const std::string image = PartitionedImage(40, logicalDisk);
+    std::string chain;
+    for (uint32_t link = 0; link < 1000; ++link) {
+        std::string sector(512, '\0');
+        sector[462 + 4] = 0x05;
+        PutLe32(sector, 462 + 8, link + 1);
+        chain += sector.replace(510, 2, "\x55\xAA");
+    }
+    std::fstream(image, std::ios::in | std::ios::out | std::ios::binary).seekp(8192 * 512) << chain;
+
+    ExpectShownOnly(image, {"the chain of logical partitions has more than 256 links"});
+}
+
 TEST_F(DamagedTableTest, InvalidBootIndicator_Attach_IsShownAsInactive) {
     const std::string image = FactoryMbrImage();
     PatchByte(image, 446 + 16, 0x81);
@@ -249,26 +267,27 @@ TEST_F(DamagedTableTest, CopiesThatDiffer_AttachAndRepair_UsesThePrimaryCopy) {
     ExpectShownAndMended(image, {"the GUID partition table and its backup differ; the backup is not used"});
 }
 
+// What is wrong with the table of a 400 MiB disk on one of 500 MiB.
+const std::vector<std::string> ofASmallerDisk = {
+    "the backup of the GUID partition table is 204800 sectors before the end of the disk: it was copied from a "
+    "smaller one",
+    "the protective MBR covers 819199 sectors where the disk has 1023999 sectors behind it"};
+
 TEST_F(DamagedTableTest, DiskCopiedToALargerOne_AttachAndRepair_MovesTheBackup) {
     const std::string image = FactoryGptImage();
     OutputOf("truncate -s 500M '" + image + "'");
 
-    ExpectShownAndMended(
-        image, {"the backup of the GUID partition table is 204800 sectors before the end of the disk: "
-                "it was copied from a smaller one",
-                "the protective MBR covers 819199 sectors where the disk has 1023999 sectors behind it"});
+    ExpectShownAndMended(image, ofASmallerDisk);
 }
 
 TEST_F(DamagedTableTest, LargerDiskWithoutItsPrimaryCopy_AttachAndRepair_FindsTheBackupByTheMbr) {
     const std::string image = FactoryGptImage();
     OutputOf("truncate -s 500M '" + image + "'");
     PatchByte(image, 512, 0);
+    std::vector<std::string> problems = ofASmallerDisk;
+    problems.insert(problems.begin(), "the GUID partition table is missing; its backup is used");
 
-    ExpectShownAndMended(
-        image, {"the GUID partition table is missing; its backup is used",
-                "the backup of the GUID partition table is 204800 sectors before the end of the disk: "
-                "it was copied from a smaller one",
-                "the protective MBR covers 819199 sectors where the disk has 1023999 sectors behind it"});
+    ExpectShownAndMended(image, problems);
 }
 
 TEST_F(DamagedTableTest, FooterBehindTheDisk_AttachAndRepair_MovesTheBackup) {
@@ -296,6 +315,17 @@ TEST_F(DamagedTableTest, ProtectiveMbrOfTheLargestLength_Attach_IsSound) {
     PatchNumber(image, 446 + 12, 0xFFFFFFFF);
 
     EXPECT_THAT(Attach(image, ImageAccess::Write).medium->Notes(), IsEmpty());
+}
+
+TEST_F(DamagedTableTest, GptLeftBehindAnEmptyMbr_Attach_IsNotUsed) {
+    const std::string image = FactoryGptImage();
+    OutputOf("dd if=/dev/zero of='" + image + "' bs=1 seek=446 count=64 conv=notrunc status=none");
+
+    const Disk disk = Attach(image, ImageAccess::Write);
+
+    EXPECT_EQ(disk.style, PartitionStyle::Mbr);
+    EXPECT_THAT(disk.partitions, IsEmpty());
+    EXPECT_THAT(disk.medium->Notes(), IsEmpty());
 }
 
 TEST_F(DamagedTableTest, HybridMbr_Attach_IsNamedAndTheGptIsUsed) {
@@ -348,6 +378,16 @@ TEST_F(DamagedTableTest, NeitherCopyCanBeUsed_AttachAndRepair_IsRefused) {
     for (const ImageAccess access : {ImageAccess::Read, ImageAccess::Write, ImageAccess::Overlay})
         EXPECT_EQ(Complaint(image, access), message);
     EXPECT_EQ(WhyNotRepaired(image), message);
+}
+
+TEST_F(DamagedTableTest, NoRoomForTheBackup_Repair_IsRefused) {
+    const std::string image = PartitionedImage(40, "label: gpt\\n");
+    OutputOf("truncate -s " + std::to_string(67 * 512) + " '" + image + "'");
+    EXPECT_EQ(WhyNotRepaired(image),
+              image + ": too short for both copies of the GUID partition table; that cannot be repaired");
+
+    OutputOf("truncate -s " + std::to_string(68 * 512) + " '" + image + "'");
+    EXPECT_EQ(WhyNotRepaired(image), "");
 }
 
 TEST_F(DamagedTableTest, MbrDisk_Repair_IsRefused) {
