@@ -10,15 +10,27 @@ fuzz_targets() { sed -n 's/^\([a-z][a-z-]*\) .*/\1/p' fuzz/targets.txt; }
 # fuzz_length TARGET: its longest input, of the table.
 fuzz_length() { awk -v target="$1" '$1 == target { print $2 }' fuzz/targets.txt; }
 
+# fuzz_corpus TARGET PRESET: the folder of the inputs that it keeps. In the preset sanitize they are not kept from run to
+# run: what it tries depends on the sources alone.
+fuzz_corpus() {
+    if [ "$2" = sanitize ]; then echo "$temporary/corpus/$1"; else echo "$fuzz_folder/corpus/$1"; fi
+}
+
+# fuzz_seed PRESET: what its random numbers begin with; 0 is another number in each run.
+fuzz_seed() {
+    if [ "$1" = sanitize ]; then echo 1; else echo 0; fi
+}
+
 # fuzz_one TARGET SECONDS PRESET: one run, at most half a minute longer than that. Its words are in
 # $temporary/fuzz-TARGET.
 fuzz_one() {
-    local target=$1 corpus=$fuzz_folder/corpus/$1 status=0 start=$SECONDS
+    local target=$1 status=0 start=$SECONDS corpus
+    corpus=$(fuzz_corpus "$target" "$3")
     mkdir -p "$corpus" "$fuzz_folder/crashes"
     fuzz/make-seeds "$target" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
     if [ "$status" -eq 0 ]; then
         timeout $(($2 + 30)) "build/$3/fuzz/$target" -max_total_time="$2" -max_len="$(fuzz_length "$target")" \
-            -timeout=20 -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$fuzz_folder/crashes/$target-" \
+            -seed="$(fuzz_seed "$3")" -timeout=20 -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$fuzz_folder/crashes/$target-" \
             "$corpus" "$temporary/seeds/$target" >"$temporary/fuzz-$target" 2>&1 || status=$?
     fi
     printf '%s %s %s\n' "$target" "$status" $((SECONDS - start)) >>"$temporary/fuzz-done"
@@ -33,7 +45,7 @@ fuzz_report() {
     local target=$1 crashes=0 executions inputs
     [ "$2" -eq 0 ] || crashes=1
     executions=$(fuzz_executions "$target")
-    inputs=$(find "$fuzz_folder/corpus/$target" -type f | wc -l)
+    inputs=$(find "$(fuzz_corpus "$target" "$4")" -type f | wc -l)
     printf '  %-18s %9s executions, %5s inputs kept, crashes: %s\n' "$target" "${executions:-?}" "$inputs" "$crashes"
     if [ "$3" -ge 60 ] || [ "$crashes" -eq 1 ]; then
         printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$(date -u +%F)" "$(git rev-parse --short HEAD)" "$target" "$3" \
@@ -43,7 +55,7 @@ fuzz_report() {
     tail -n 60 "$temporary/fuzz-$target" >&2
     local saved
     saved=$(sed -n 's/.*Test unit written to //p' "$temporary/fuzz-$target")
-    say "$target: crashed; run it again with: build/$4/fuzz/$target ${saved:-$fuzz_folder/corpus/$target/*}" >&2
+    say "$target: crashed; run it again with: build/$4/fuzz/$target ${saved:-$(fuzz_corpus "$target" "$4")/*}" >&2
 }
 
 # fuzz [TARGET|all] [SECONDS [PRESET]]: two at a time; every target, five seconds each, unless more is said. In the
@@ -58,7 +70,7 @@ fuzz() {
     fi
     [[ $seconds =~ ^[1-9][0-9]{0,5}$ ]] || fail "fuzz for how many seconds? not '$seconds'"
     build "$preset" kestova_fuzz
-    export -f fuzz_one fuzz_length
+    export -f fuzz_one fuzz_length fuzz_corpus fuzz_seed
     export temporary fuzz_folder
     # shellcheck disable=SC2016 # expanded by the shells that xargs starts
     printf '%s\n' "${targets[@]}" | xargs -P 2 -I '{}' bash -c 'fuzz_one "$@"' - '{}' "$seconds" "$preset"
