@@ -5,9 +5,10 @@
 
 using namespace machine;
 
-// Where a mount fails, the NTFS library loses what it allocated for it, and nobody outside can release that.
+// On a damaged volume the NTFS library itself loses what a mount or a deletion had allocated when it fails,
+// and nobody outside can release that. That our own inodes are closed is tested by name.
 extern "C" const char* __lsan_default_suppressions() {
-    return "leak:ntfs_malloc\n";
+    return "leak:ntfs_malloc\nleak:ntfs_calloc\n";
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
