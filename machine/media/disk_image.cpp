@@ -63,36 +63,11 @@ void Merge(const ImageFile& image, const std::vector<Partition>& described, Disk
     }
 }
 
-// What must happen to the volume before it may be changed: Windows would restore its own version, or lose
-// what it has not written yet. Empty if it may be.
-std::string WhyUnchangeable(NtfsVolume& volume) {
-    switch (volume.Check()) {
-        case NtfsVolume::Condition::Clean:
-            return "";
-        case NtfsVolume::Condition::Dirty:
-            return " is marked dirty: start Windows, let chkdsk check it, shut down, and try again";
-        case NtfsVolume::Condition::Hibernated:
-            return " is hibernated: start Windows, shut it down completely (shutdown /s /t 0), and try again";
-        case NtfsVolume::Condition::Damaged:
-            break;
-    }
-    return " is damaged: let chkdsk repair it on a running Windows, and try again";
-}
-
-// Such a volume is left alone if no file on it will be changed.
-bool LeavesAlone(NtfsVolume& volume, const ImageUse& use) {
-    if (!use.onlyFile || volume.Check() == NtfsVolume::Condition::Damaged) return false;
-    volume.Protect();
-    return use.onlyFile->empty() || volume.Find(*use.onlyFile) == FileKind::None;
-}
-
-void CheckMayChange(const ImageFile& image, const Disk& disk, const ImageUse& use) {
+void NameVolumes(const Disk& disk) {
     for (const Partition& partition : disk.partitions) {
         auto* const volume =
             partition.volume ? dynamic_cast<NtfsVolume*>(partition.volume->store.get()) : nullptr;
-        if (volume == nullptr) continue;
-        const std::string reason = WhyUnchangeable(*volume);
-        if (!reason.empty() && !LeavesAlone(*volume, use)) throw image.Error(NameOf(partition) + reason);
+        if (volume != nullptr) volume->SetName(NameOf(partition));
     }
 }
 
@@ -126,7 +101,7 @@ void AttachImage(Disk& disk, const ImageUse& use) {
     for (Partition& partition : attached.partitions)
         partition.volume = ReadVolume(image, probe, attached.style, partition);
     Merge(*image, disk.partitions, attached);
-    if (use.access != ImageAccess::Read) CheckMayChange(*image, attached, use);
+    NameVolumes(attached);
     attached.table = std::make_shared<ImageTable>(image, attached.style);
     attached.medium = image;
     disk = std::move(attached);

@@ -27,10 +27,8 @@ struct ImageUse {
 
     ImageAccess access;
     JournalPlace journal;
-    // The only file that will be changed, and only if it is there already; empty: no file will be. A volume
-    // that must not be changed is then no reason to refuse the image, unless it has that file. Absent: any
-    // file may be.
-    std::optional<std::string> onlyFile = std::nullopt;
+    // Whether an NTFS volume that is merely marked dirty may be changed.
+    bool forceDirty = false;
     // In bytes, 512 or 4096; absent: what the device says, or the table shows.
     std::optional<uint32_t> sectorSize = std::nullopt;
 };

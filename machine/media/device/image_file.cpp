@@ -46,6 +46,7 @@ ImageFile::ImageFile(const std::string& path, const ImageUse& use)
 ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& path, const ImageUse& use)
     : path_(path),
       access_(use.access),
+      forceDirty_(use.forceDirty),
       sectorSize_(use.sectorSize ? use.sectorSize : device->SectorSize()),
       device_(std::move(device)),
       journal_(path, use.journal) {
@@ -79,7 +80,12 @@ bool ImageFile::Write(uint64_t offset, const void* bytes, size_t length) {
 }
 
 void ImageFile::Refuse(const std::string& whatIsWrong) {
-    problem_ = path_ + ": " + whatIsWrong;
+    if (problem_.empty()) problem_ = path_ + ": " + whatIsWrong;
+}
+
+void ImageFile::Bar(const std::string& whatIsWrong) {
+    if (barred_.empty()) barred_ = path_ + ": " + whatIsWrong;
+    Refuse(whatIsWrong);
 }
 
 bool ImageFile::WriteBlocks(uint64_t offset, const char* bytes, size_t length) {

@@ -50,8 +50,13 @@ class ImageFile final : public Medium {
 
     // Commit writes nothing any more, and returns what is wrong.
     void Refuse(const std::string& whatIsWrong);
+    // The same for a change of something that is in no condition to be changed.
+    void Bar(const std::string& whatIsWrong);
+    // Whether the user takes responsibility for a volume that is marked dirty.
+    bool ForcesDirty() const { return forceDirty_; }
 
     std::string Commit() override;
+    std::string WhyBarred() const override { return barred_; }
     const std::vector<std::string>& Notes() const override { return notes_; }
     void AddNote(const std::string& sentence) { notes_.push_back(path_ + ": " + sentence); }
     // What was found when the file was opened.
@@ -75,12 +80,14 @@ class ImageFile final : public Medium {
 
     std::string path_;
     ImageAccess access_;
+    bool forceDirty_;
     std::optional<uint32_t> sectorSize_;
     std::unique_ptr<BlockDevice> device_;
     ChangeJournal journal_;
     std::map<uint64_t, Block> changed_;      // by number
     std::map<uint64_t, std::string> marks_;  // sectors by offset
     std::string problem_;                    // of an earlier write or commit
+    std::string barred_;
     std::vector<std::string> notes_;
     Recovery recovered_ = Recovery::None;
 };

@@ -38,7 +38,8 @@ s64 DeviceReadAt(ntfs_device* device, void* buffer, s64 count, s64 offset) {
     ImageRange& range = RangeOf(device);
     if (range.readsLeft == 0 && !range.isUsedUp) {
         range.isUsedUp = true;
-        range.image.Refuse("an NTFS volume is damaged: it refers to itself; nothing was written");
+        if (!NDevReadOnly(device))
+            range.image.Refuse("an NTFS volume is damaged: it refers to itself; nothing was written");
     }
     if (range.isUsedUp) {
         errno = ELOOP;

@@ -179,6 +179,24 @@ bool DemandsHugeRecords(const ImageRange& range) {
     return std::max(SizeOf(Byte(boot, 0x40), cluster), SizeOf(Byte(boot, 0x44), cluster)) > largestRecord;
 }
 
+// What must happen to the volume before it may be changed: Windows would restore its own version, or lose
+// what it has not written yet.
+const char* AdviceFor(NtfsVolume::Condition condition) {
+    switch (condition) {
+        case NtfsVolume::Condition::Dirty:
+            return " is marked dirty: start Windows, let chkdsk check it, shut down, and try again";
+        case NtfsVolume::Condition::Unreplayed:
+            return " is inconsistent, because it was not shut down: start Windows, shut it down completely "
+                   "(shutdown /s /t 0), and try again";
+        case NtfsVolume::Condition::Hibernated:
+            return " is hibernated: start Windows, shut it down completely (shutdown /s /t 0), and try again";
+        case NtfsVolume::Condition::Clean:
+        case NtfsVolume::Condition::Damaged:
+            break;
+    }
+    return " is damaged: let chkdsk repair it on a running Windows, and try again";
+}
+
 }  // namespace
 
 class NtfsVolume::Mount {
@@ -208,8 +226,15 @@ class NtfsVolume::Mount {
 
     // Null if it cannot be mounted, or refers to itself.
     ntfs_volume* Volume() const { return range_.isUsedUp ? nullptr : volume_; }
-    // The errno of mounting it, if that failed.
-    int Error() const { return error_; }
+    Condition FoundCondition() const {
+        if (range_.isUsedUp) return Condition::Damaged;
+        // The errors of mounting for writing with a hibernation file (or metadata that Windows keeps across a
+        // fast start), and with a journal that has not been replayed.
+        if (error_ == EPERM) return Condition::Hibernated;
+        if (error_ == EOPNOTSUPP) return Condition::Unreplayed;
+        if (!volume_) return Condition::Damaged;
+        return (volume_->flags & VOLUME_IS_DIRTY) != 0 ? Condition::Dirty : Condition::Clean;
+    }
     // What the next operation may read.
     void Renew() { range_.readsLeft = ReadsFor(range_.size); }
     ImageRange& Range() { return range_; }
@@ -277,29 +302,28 @@ NtfsVolume::NtfsVolume(std::shared_ptr<ImageFile> image, uint64_t offset, uint64
 NtfsVolume::~NtfsVolume() = default;
 
 NtfsVolume::Mount& NtfsVolume::Mounted() {
-    if (!mount_) mount_ = std::make_unique<Mount>(*image_, offset_, size_, IsProtected());
+    if (!mount_) mount_ = std::make_unique<Mount>(*image_, offset_, size_, true);
     mount_->Renew();
     return *mount_;
 }
 
-bool NtfsVolume::IsProtected() const {
-    return isProtected_ || image_->Access() == ImageAccess::Read;
-}
-
-void NtfsVolume::Protect() {
-    isProtected_ = true;
-    mount_.reset();
-}
-
 NtfsVolume::Condition NtfsVolume::Check() {
-    Mount& mount = Mounted();
-    if (mount.Range().isUsedUp) return Condition::Damaged;
-    // The errors of mounting for writing with a hibernation file (or metadata that Windows keeps across a
-    // fast start), and with a journal that has not been replayed.
-    if (mount.Error() == EPERM) return Condition::Hibernated;
-    if (mount.Error() == EOPNOTSUPP) return Condition::Dirty;
-    if (!mount.Volume()) return Condition::Damaged;
-    return (mount.Volume()->flags & VOLUME_IS_DIRTY) != 0 ? Condition::Dirty : Condition::Clean;
+    if (image_->Access() == ImageAccess::Read) return Mounted().FoundCondition();
+    if (condition_) return *condition_;
+    auto mount = std::make_unique<Mount>(*image_, offset_, size_, false);
+    condition_ = mount->FoundCondition();
+    // From here on, questions see what is written.
+    if (mount->Volume()) mount_ = std::move(mount);
+    return *condition_;
+}
+
+uint32_t NtfsVolume::PrepareChange() {
+    if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
+    const Condition condition = Check();
+    if (condition == Condition::Clean) return 0;
+    if (condition == Condition::Dirty && image_->ForcesDirty()) return 0;
+    image_->Bar(name_ + AdviceFor(condition));
+    return condition == Condition::Damaged ? errorFileCorrupt : errorWriteProtect;
 }
 
 FileKind NtfsVolume::Find(std::string_view path) {
@@ -320,7 +344,8 @@ uint32_t NtfsVolume::Read(std::string_view path, std::string& content) {
 }
 
 uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
-    if (IsProtected()) return errorWriteProtect;
+    const uint32_t unchangeable = PrepareChange();
+    if (unchangeable != 0) return unchangeable;
     Mount& mount = Mounted();
     if (!mount.Volume()) return errorFileCorrupt;
     mount.Range().readsLeft += content.size() / mount.Volume()->cluster_size;
@@ -350,13 +375,16 @@ uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
 }
 
 uint32_t NtfsVolume::Remove(std::string_view path) {
-    const Mount& mount = Mounted();
-    if (!mount.Volume()) return errorFileCorrupt;
     const std::string whole = Normalized(path);
+    if (!Mounted().Volume()) return errorFileCorrupt;
+    // What is not there is not removed, in whatever condition the volume is.
+    if (!Mounted().Open(whole)) return errorFileNotFound;
+    const uint32_t unchangeable = PrepareChange();
+    if (unchangeable != 0) return unchangeable;
+    const Mount& mount = Mounted();
     {
         const InodeOwner file = mount.Open(whole);
         if (!file) return errorFileNotFound;
-        if (IsProtected()) return errorWriteProtect;
         if (IsClosedForChange(*file)) return errorAccessDenied;
     }
     mount.MarkAsChanging();

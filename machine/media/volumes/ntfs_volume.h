@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "machine/facts/file_store.h"
 #include "machine/media/device/image_file.h"
@@ -11,21 +13,26 @@ namespace machine {
 
 class NtfsVolume : public FileStore {
   public:
-    // Does not read anything; the volume is mounted on first use.
+    // Does not read anything; the volume is mounted on first use, for writing on the first change.
     NtfsVolume(std::shared_ptr<ImageFile> image, uint64_t offset, uint64_t size);
     ~NtfsVolume() override;
 
-    // Whether Windows left the volume in a state in which it may be changed.
-    enum class Condition { Clean, Dirty, Hibernated, Damaged };
+    // How the volume is called in messages.
+    void SetName(const std::string& name) { name_ = name; }
+
+    // How Windows left the volume. Dirty: marked to be checked. Unreplayed: changes are only in its journal.
+    // Hibernated: a system that sleeps, or kept its metadata for a fast start, will go on with its own view.
+    // On an image that is open for reading only the mark alone is seen.
+    enum class Condition { Clean, Dirty, Unreplayed, Hibernated, Damaged };
     Condition Check();
-    // From here on the volume is only read.
-    void Protect();
 
     // Finds nothing on a volume that cannot be mounted. Error codes beyond those of FileStore: 5 for files
     // to which Windows denies access (read-only for Write and Remove, encrypted, a folder, the file
     // system's own), 112 if the volume is full, 123 for an invalid name, 1117 if the medium cannot be read
     // or written, 1392 if the volume or the file is damaged. A volume on which an operation reads more than a
-    // sound one can demand refers to itself: it is damaged from then on, and the image is no longer written.
+    // sound one can demand refers to itself: it is damaged from then on, and an image that it was changed on
+    // is no longer written. Write and Remove leave a volume in a wrong condition alone, return 19 or 1392,
+    // and bar the image from being committed.
     FileKind Find(std::string_view path) override;
     uint32_t Read(std::string_view path, std::string& content) override;
     uint32_t Write(std::string_view path, std::string_view content) override;
@@ -34,12 +41,14 @@ class NtfsVolume : public FileStore {
   private:
     class Mount;
     Mount& Mounted();
-    bool IsProtected() const;
+    // The error of a change; 0 if it may be made.
+    uint32_t PrepareChange();
 
     std::shared_ptr<ImageFile> image_;
     uint64_t offset_;
     uint64_t size_;
-    bool isProtected_ = false;
+    std::string name_ = "an NTFS volume";
+    std::optional<Condition> condition_;  // once it was mounted for writing
     std::unique_ptr<Mount> mount_;
 };
 

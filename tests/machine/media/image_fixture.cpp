@@ -91,10 +91,10 @@ std::string Complaint(const std::string& image, ImageAccess access) {
     return "";
 }
 
-Disk Attach(const std::string& image, ImageAccess access) {
+Disk Attach(const std::string& image, const ImageUse& use) {
     Disk disk;
     disk.image = image;
-    AttachImage(disk, access);
+    AttachImage(disk, use);
     return disk;
 }
 

@@ -48,6 +48,6 @@ uint8_t ByteAt(const std::string& file, uint64_t offset);
 std::string Complaint(const std::string& image, ImageAccess access = ImageAccess::Read);
 
 // The disk of the image.
-Disk Attach(const std::string& image, ImageAccess access = ImageAccess::Read);
+Disk Attach(const std::string& image, const ImageUse& use = ImageAccess::Read);
 
 }  // namespace machine

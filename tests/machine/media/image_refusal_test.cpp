@@ -1,8 +1,10 @@
 // Files without a disk, and volumes that must not be changed: each is refused with a clear message and left
 // untouched.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <bit>
 #include <fstream>
 
 #include "machine/facts/file_store.h"
@@ -92,44 +94,148 @@ TEST_F(ImageRefusalTest, VolumeWithoutTable_Attach_IsRefused) {
                   "no partition table, so no disk image: the file holds a single FAT32 volume");
 }
 
-// ntfsfix leaves the volume marked dirty, so that Windows checks it.
-TEST_F(ImageRefusalTest, DirtyVolume_Attach_IsAcceptedForReadingOnly) {
-    const std::string image = FactoryMbrImage();
-    const std::string partition = PartitionFile(image, 181, 90);
-    OutputOf("ntfsfix '" + partition + "'");
-    PutPartition(partition, image, 181);
-    const std::string before = (Folder() / "before").string();
-    OutputOf("cp --sparse=always '" + image + "' '" + before + "'");
-    const std::string message =
-        image +
-        ": partition 3 \"Data\" is marked dirty: start Windows, let chkdsk check it, shut "
-        "down, and try again";
+// A volume in a condition in which Windows must not find it changed is read, and neither changed nor a reason
+// to leave the rest of the disk alone.
+class WrongConditionTest : public ImageRefusalTest {
+  protected:
+    void KeepBefore() { OutputOf("cp --sparse=always '" + image_ + "' '" + Before() + "'"); }
+    std::string Before() { return (Folder() / "before").string(); }
+    void MarkDirty(int startMiB, int sizeMiB) {
+        const std::string partition = PartitionFile(image_, startMiB, sizeMiB);
+        OutputOf("ntfsfix '" + partition + "'");
+        PutPartition(partition, image_, startMiB);
+    }
 
-    EXPECT_EQ(Complaint(image, ImageAccess::Write), message);
-    EXPECT_EQ(Complaint(image, ImageAccess::Overlay), message);
-    const Disk disk = Attach(image, ImageAccess::Read);
-    EXPECT_EQ(disk.partitions[2].volume->store->Find(""), FileKind::Folder);
-    EXPECT_TRUE(AreSame(before, image));
+    // Tries to make and to delete a file of that partition, with another change of the disk beside it.
+    void ExpectBarred(size_t partition, ImageUse use, const std::string& message) {
+        SCOPED_TRACE(message);
+        {
+            Disk disk = Attach(image_, use);
+            FileStore& files = *disk.partitions[partition].volume->store;
+            EXPECT_EQ(files.Remove("no such file"), 2u);
+            EXPECT_EQ(disk.medium->WhyBarred(), "");
+            EXPECT_EQ(files.Write("SystemVolume.ini", "x"), 19u);
+            EXPECT_EQ(disk.medium->WhyBarred(), image_ + ": " + message);
+            const bool isDryRun = use.access == ImageAccess::Overlay;
+            EXPECT_EQ(disk.medium->Commit(), isDryRun ? "" : image_ + ": " + message);
+        }
+        EXPECT_TRUE(AreSame(Before(), image_));
+    }
+
+    const std::string image_ = FactoryMbrImage();
+};
+
+// ntfsfix leaves the volume marked dirty, so that Windows checks it.
+TEST_F(WrongConditionTest, DirtyVolume_Write_IsBarred) {
+    MarkDirty(181, 90);
+    KeepBefore();
+    const std::string message =
+        "partition 3 \"Data\" is marked dirty: start Windows, let chkdsk check it, shut down, and try again";
+
+    ExpectBarred(2, ImageAccess::Write, message);
+    ExpectBarred(2, ImageAccess::Overlay, message);
+    EXPECT_EQ(Attach(image_, ImageAccess::Read).partitions[2].volume->store->Find(""), FileKind::Folder);
 }
 
-TEST_F(ImageRefusalTest, HibernatedVolume_Attach_IsAcceptedForReadingOnly) {
-    const std::string image = FactoryMbrImage();
-    const std::string partition = PartitionFile(image, 61, 120);
+TEST_F(WrongConditionTest, DirtyVolume_WriteByForce_IsDoneAndStaysDirty) {
+    MarkDirty(181, 90);
+    {
+        ImageUse use(ImageAccess::Write);
+        use.forceDirty = true;
+        Disk disk = Attach(image_, use);
+        EXPECT_EQ(disk.partitions[2].volume->store->Write("note", "x"), 0u);
+        EXPECT_EQ(disk.medium->Commit(), "");
+    }
+    const std::string partition = PartitionFile(image_, 181, 90);
+    EXPECT_EQ(OutputOf("ntfscat --force '" + partition + "' note 2>/dev/null"), "x");
+    EXPECT_THAT(OutputOf("ntfsinfo --mft --force '" + partition + "'"),
+                testing::HasSubstr("Volume Flags: 0x0001 DIRTY"));
+}
+
+TEST_F(WrongConditionTest, AnotherVolume_Write_IsDone) {
+    MarkDirty(181, 90);
+    {
+        Disk disk = Attach(image_, ImageAccess::Write);
+        EXPECT_EQ(disk.partitions[1].volume->store->Write("note", "x"), 0u);
+        EXPECT_EQ(disk.medium->Commit(), "");
+    }
+    EXPECT_EQ(OutputOf("ntfscat '" + PartitionFile(image_, 61, 120) + "' note"), "x");
+}
+
+// The first page of a journal that a system has open: its restart area names a client, and is not marked
+// clean.
+std::string OpenJournalPage(uint64_t journalSize) {
+    std::string page(4096, '\0');
+    const auto put = [&](size_t at, uint64_t value, size_t bytes) {
+        for (size_t index = 0; index < bytes; ++index)
+            page[at + index] = static_cast<char>(value >> (8 * index));
+    };
+    constexpr size_t area = 0x30;
+    page.replace(0, 4, "RSTR");
+    put(0x04, 0x1E, 2);  // update sequence: its place, and its number with one for each sector
+    put(0x06, 9, 2);
+    put(0x10, 4096, 4);  // pages of the system and of the journal
+    put(0x14, 4096, 4);
+    put(0x18, area, 2);
+    put(0x1A, 1, 2);  // version 1.1
+    put(0x1C, 1, 2);
+    put(0x1E, 1, 2);
+    for (size_t sector = 512; sector <= page.size(); sector += 512)
+        put(sector - 2, 1, 2);
+    put(area + 0x08, 1, 2);       // clients
+    put(area + 0x0A, 0xFFFF, 2);  // none of them free,
+    put(area + 0x0C, 0, 2);       // the first in use
+    put(area + 0x10, static_cast<uint64_t>(67 - std::bit_width(journalSize)), 4);
+    put(area + 0x14, 0x30 + 160, 2);  // length, with the client
+    put(area + 0x16, 0x30, 2);
+    put(area + 0x18, journalSize, 8);
+    put(area + 0x24, 0x30, 2);
+    put(area + 0x26, 0x40, 2);
+    put(area + 0x30 + 0x10, 0xFFFFFFFF, 4);  // the client: no one before or behind it
+    put(area + 0x30 + 0x1C, 8, 4);           // its name
+    for (size_t letter = 0; letter < 4; ++letter)
+        put(area + 0x30 + 0x20 + 2 * letter, static_cast<uint8_t>("NTFS"[letter]), 2);
+    return page;
+}
+
+TEST_F(WrongConditionTest, UnreplayedVolume_Write_IsBarredEvenByForce) {
+    const std::string partition = PartitionFile(image_, 181, 90);
+    // A journal that was never used holds nothing but 0xFF.
+    std::string volume = ContentOf(partition);
+    const size_t journal = volume.find(std::string(4096, '\xFF'));
+    const size_t end = volume.find_first_not_of('\xFF', journal);
+    ASSERT_NE(end, std::string::npos);
+    const std::string page = OpenJournalPage(end - journal);
+    volume.replace(journal, page.size(), page).replace(journal + page.size(), page.size(), page);
+    PutPartition(File("volume", volume), image_, 181);
+    KeepBefore();
+    ImageUse force(ImageAccess::Write);
+    force.forceDirty = true;
+    const std::string message =
+        "partition 3 \"Data\" is inconsistent, because it was not shut down: start Windows, shut it down "
+        "completely (shutdown /s /t 0), and try again";
+
+    ExpectBarred(2, ImageAccess::Write, message);
+    ExpectBarred(2, force, message);
+}
+
+TEST_F(WrongConditionTest, HibernatedVolume_Write_IsBarredEvenByForce) {
+    const std::string partition = PartitionFile(image_, 61, 120);
     const std::string hibernation = File("hibernation", "hibr" + std::string(8192, '\0'));
     OutputOf("ntfscp --quiet --force '" + partition + "' '" + hibernation + "' hiberfil.sys 2>&1");
-    PutPartition(partition, image, 61);
-    const std::string before = (Folder() / "before").string();
-    OutputOf("cp --sparse=always '" + image + "' '" + before + "'");
+    PutPartition(partition, image_, 61);
+    KeepBefore();
+    ImageUse force(ImageAccess::Write);
+    force.forceDirty = true;
     const std::string message =
-        image +
-        ": partition 2 \"Windows\" is hibernated: start Windows, shut it down completely "
-        "(shutdown /s /t 0), and try again";
+        "partition 2 \"Windows\" is hibernated: start Windows, shut it down completely (shutdown /s /t 0), "
+        "and try again";
 
-    EXPECT_EQ(Complaint(image, ImageAccess::Write), message);
-    EXPECT_EQ(Complaint(image, ImageAccess::Overlay), message);
-    const Disk disk = Attach(image, ImageAccess::Read);
-    EXPECT_EQ(disk.partitions[1].volume->store->Find("hiberfil.sys"), FileKind::File);
-    EXPECT_TRUE(AreSame(before, image));
+    ExpectBarred(1, ImageAccess::Write, message);
+    ExpectBarred(1, ImageAccess::Overlay, message);
+    ExpectBarred(1, force, message);
+    EXPECT_EQ(Attach(image_, ImageAccess::Read).partitions[1].volume->store->Find("hiberfil.sys"),
+              FileKind::File);
 }
 
 // The offset of a record in the master file table of partition 2, "Windows".
@@ -139,17 +245,20 @@ uint64_t RecordPlace(const std::string& image, uint64_t number) {
     return 61 * MiB + std::stoull(cluster) * 4096 + number * 1024;
 }
 
-TEST_F(ImageRefusalTest, DamagedVolume_Attach_IsAcceptedForReadingOnly) {
-    const std::string image = FactoryMbrImage();
-    const uint64_t bitmap = RecordPlace(image, 6);
-    ASSERT_EQ(ByteAt(image, bitmap), 'F');
-    PatchByte(image, bitmap, 'X');
+TEST_F(WrongConditionTest, DamagedVolume_Write_IsBarred) {
+    const uint64_t bitmap = RecordPlace(image_, 6);
+    ASSERT_EQ(ByteAt(image_, bitmap), 'F');
+    PatchByte(image_, bitmap, 'X');
 
-    EXPECT_EQ(Complaint(image, ImageAccess::Write),
-              image +
-                  ": partition 2 \"Windows\" is damaged: let chkdsk repair it on a running Windows, and try "
-                  "again");
-    const Disk disk = Attach(image, ImageAccess::Read);
+    {
+        Disk disk = Attach(image_, ImageAccess::Write);
+        EXPECT_EQ(disk.partitions[1].volume->store->Write("note", "x"), 1392u);
+        EXPECT_EQ(disk.medium->WhyBarred(),
+                  image_ +
+                      ": partition 2 \"Windows\" is damaged: let chkdsk repair it on a running Windows, "
+                      "and try again");
+    }
+    const Disk disk = Attach(image_, ImageAccess::Read);
     std::string content;
     EXPECT_EQ(disk.partitions[1].volume->store->Find("Users"), FileKind::None);
     EXPECT_EQ(disk.partitions[1].volume->store->Read("Users", content), 1392u);

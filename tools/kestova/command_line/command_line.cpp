@@ -32,6 +32,7 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
               &choice.journal},
              {"--no-journal", "", "Keep it nowhere: a power cut can leave the image half changed",
               &choice.noJournal, "--journal"},
+             {"--force-dirty", "", "Change an NTFS volume that is merely marked dirty", &choice.forceDirty},
              {"--fail", "NAME[#N][+]=CODE",
               "Let a platform call fail: every one, the Nth, or the Nth and all later ones", &choice.faults},
              {"--save", "FILE", "Write the PC afterwards, as a description", &choice.save, "--dry-run"},

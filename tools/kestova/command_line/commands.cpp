@@ -47,16 +47,7 @@ void CheckWritten(const OperationReport& report) {
 }
 
 Access AccessFor(const Operation& operation) {
-    if (!operation.changesPc) return Access::Ask;
-    switch (operation.changedFiles) {
-        case ChangedFiles::None:
-            return Access::ChangeTable;
-        case ChangedFiles::ExistingRecord:
-            return Access::ChangeTableAndRecord;
-        case ChangedFiles::Any:
-            break;
-    }
-    return Access::Change;
+    return operation.changesPc ? Access::Change : Access::Ask;
 }
 
 Access AccessFor(const std::vector<PlannedCall>& calls) {

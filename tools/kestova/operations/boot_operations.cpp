@@ -34,7 +34,6 @@ std::vector<Operation> BootOperations() {
                      {4, "the flag could not be set", true},
                      {5, "the record could not be deleted", true}},
          .changesPc = true,
-         .changedFiles = ChangedFiles::ExistingRecord,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetSystemActive(); }},
 
         {.name = "SetPOneActive",

@@ -115,7 +115,6 @@ std::vector<Operation> DiskOperations() {
          .parameters = {partition},
          .results = {{0, "done"}, {1, "failed", true}},
          .changesPc = true,
-         .changedFiles = ChangedFiles::None,
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.SetActive(Number(arguments, "partition"));
          }},
@@ -124,7 +123,6 @@ std::vector<Operation> DiskOperations() {
          .summary = "Clears every active flag of the first internal disk.",
          .results = {{0, "done"}, {1, "failed", true}},
          .changesPc = true,
-         .changedFiles = ChangedFiles::None,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.ClearActive(); }},
     };
 }

@@ -30,10 +30,6 @@ struct Parameter {
     Value standard = {};  // default of an optional argument; these come last
 };
 
-// The files that an operation changes on volumes that are real: any, the record of the switched partition if
-// it is there, or none.
-enum class ChangedFiles { None, ExistingRecord, Any };
-
 struct Operation {
     std::string name;
     const char* summary = "";
@@ -41,7 +37,6 @@ struct Operation {
     std::vector<Meaning> results = {};
     const char* otherwise = "";  // any other result, in words; empty if there is none
     bool changesPc = false;
-    ChangedFiles changedFiles = ChangedFiles::Any;
     // Returns the result, nothing for an operation without one. `arguments` has every input by name; outputs
     // are added under theirs.
     Value (*invoke)(Kestova& object, const Values& arguments, Values& outputs) = nullptr;

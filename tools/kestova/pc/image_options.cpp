@@ -11,6 +11,7 @@ machine::JournalPlace JournalOf(const PcChoice& choice) {
 
 machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess access) {
     machine::ImageUse use(choice.dryRun ? machine::ImageAccess::Overlay : access, JournalOf(choice));
+    use.forceDirty = choice.forceDirty;
     if (choice.sectorSize.empty()) return use;
     for (const uint32_t size : {512U, 4096U}) {
         if (choice.sectorSize == std::to_string(size)) use.sectorSize = size;

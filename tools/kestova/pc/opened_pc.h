@@ -23,16 +23,15 @@ struct PcChoice {
     bool dryRun = false;
     std::string journal;  // file for the journal of the only image; empty: beside each image
     bool noJournal = false;
-    std::string sectorSize;  // of the images' tables, in bytes; empty: as the table shows
+    bool forceDirty = false;  // NTFS volumes of images that are merely marked dirty are changed too
+    std::string sectorSize;   // of the images' tables, in bytes; empty: as the table shows
     bool trace = false;
     bool ledger = false;
     std::vector<std::string> faults;  // NAME[#N][+]=CODE
     std::string save;                 // description file to write afterwards
 };
 
-// What is done to the PC: questions only; changes of partition tables; these, and of SystemVolume.ini where
-// it exists; any changes. Each includes those before it.
-enum class Access { Ask, ChangeTable, ChangeTableAndRecord, Change };
+enum class Access { Ask, Change };
 
 // The files that a PC is read from.
 struct InputFiles {
@@ -64,7 +63,8 @@ class OpenedPc {
     // and for a damaged volume with a letter, which reports its error when it is read.
     virtual bool LacksFileSystem(int disk, int partition) const = 0;
     // Writes what was changed to the disk images, each as a whole or not at all. Returns what is wrong, empty
-    // if nothing is.
+    // if nothing is. Throws UnreadablePc, with nothing written, for a change of a volume that is in no
+    // condition to be changed.
     virtual std::string Commit() = 0;
     // The changes since it was opened, a text each; nothing if they are unknown.
     virtual std::optional<std::vector<std::string>> Changes() const = 0;

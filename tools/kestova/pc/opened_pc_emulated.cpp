@@ -105,11 +105,7 @@ void Start(Pc& pc, SystemKind kind) {
 }
 
 ImageUse UseFor(const PcChoice& choice, Access access) {
-    const ImageAccess changing = access == Access::Ask ? ImageAccess::Read : ImageAccess::Write;
-    ImageUse use = UseOfImages(choice, changing);
-    if (access == Access::ChangeTable) use.onlyFile = "";
-    if (access == Access::ChangeTableAndRecord) use.onlyFile = "SystemVolume.ini";
-    return use;
+    return UseOfImages(choice, access == Access::Ask ? ImageAccess::Read : ImageAccess::Write);
 }
 
 Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {
@@ -161,7 +157,7 @@ class EmulatedOne final : public OpenedPc {
     const std::map<std::string, int>& Ledger() const override { return emulated_.ledger.Counts(); }
     bool Rehearse(const std::function<void()>& action) override;
     bool LacksFileSystem(int disk, int partition) const override;
-    std::string Commit() override { return machine::CommitMedia(emulated_.facts); }
+    std::string Commit() override;
     std::optional<std::vector<std::string>> Changes() const override {
         return ::Changes(before_, emulated_.facts);
     }
@@ -181,6 +177,14 @@ bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     action();
     emulated_.facts = kept;
     return true;
+}
+
+std::string EmulatedOne::Commit() {
+    for (const machine::Disk& disk : emulated_.facts.disks) {
+        const std::string barred = disk.medium ? disk.medium->WhyBarred() : "";
+        if (!barred.empty()) throw UnreadablePc(barred);
+    }
+    return machine::CommitMedia(emulated_.facts);
 }
 
 bool EmulatedOne::LacksFileSystem(int disk, int partition) const {

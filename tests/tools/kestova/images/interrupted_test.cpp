@@ -215,13 +215,26 @@ TEST_F(ShutDownBadly, RecordOnAnotherVolume_BootSystem_IsDoneWithoutIt) {
     EXPECT_TRUE(IsConsistent());
 }
 
-TEST_F(ShutDownBadly, AnyVolume_BootRecovery_IsRefused) {
+TEST_F(ShutDownBadly, DataVolume_BootRecovery_IsDone) {
     MarkData();
+
+    EXPECT_EQ(Kestova("--image disk.img boot recovery").status, 0);
+    EXPECT_THAT(ActiveLine(), HasSubstr("type=27, bootable"));
+    EXPECT_TRUE(IsConsistent());
+}
+
+TEST_F(ShutDownBadly, RecoveryVolume_BootRecovery_IsRefusedUnlessForced) {
+    MarkRecovery();
 
     const Outcome outcome = Kestova("--image disk.img boot recovery");
     EXPECT_EQ(outcome.status, 3);
-    EXPECT_THAT(outcome.errors, HasSubstr("partition 3 \"Data\" is marked dirty: start Windows"));
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr("partition 1 \"Recovery\" is marked dirty: start Windows"));
     EXPECT_TRUE(IsAsMarked());
+
+    EXPECT_EQ(Kestova("--image disk.img boot recovery --force-dirty").status, 0);
+    EXPECT_THAT(ActiveLine(), HasSubstr("type=27, bootable"));
+    EXPECT_TRUE(Kestova("--image disk.img boot system --force-dirty").status == 0);
 }
 
 TEST_F(ShutDownBadly, DamagedRecoveryVolume_Status_SaysThatItCannotBeRead) {
