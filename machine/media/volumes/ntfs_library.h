@@ -2,7 +2,11 @@
 // `max` and a type BOOL: a source that includes them must not include the platform's headers.
 #pragma once
 
-#include <ctime>  // which ntfstime.h needs without including it
+// What they need without including it.
+#include <sys/stat.h>
+
+#include <cstdarg>
+#include <ctime>
 
 extern "C" {
 #include <ntfs-3g/attrib.h>

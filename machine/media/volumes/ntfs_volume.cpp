@@ -13,6 +13,7 @@
 #include "machine/media/device/volume_bytes.h"
 #include "machine/media/volumes/ntfs_device.h"
 #include "machine/media/volumes/ntfs_library.h"
+#include "machine/media/volumes/ntfs_record.h"
 
 namespace machine {
 
@@ -233,6 +234,9 @@ class NtfsVolume::Mount {
         if (error_ == EPERM) return Condition::Hibernated;
         if (error_ == EOPNOTSUPP) return Condition::Unreplayed;
         if (!volume_) return Condition::Damaged;
+        for (const ntfs_inode* const inode : {volume_->mft_ni, volume_->mftmirr_ni, volume_->lcnbmp_ni}) {
+            if (!IsSound(*inode)) return Condition::Damaged;
+        }
         return (volume_->flags & VOLUME_IS_DIRTY) != 0 ? Condition::Dirty : Condition::Clean;
     }
     // What the next operation may read.
@@ -257,6 +261,7 @@ class NtfsVolume::Mount {
         InodeOwner folder = Open(path.folder);
         if (!folder || !IsFolder(*folder)) return errorPathNotFound;
         if (IsSystemFile(*folder)) return errorAccessDenied;
+        if (!IsSound(*folder)) return errorFileCorrupt;
         const NtfsName name(path.name);
         if (!name.IsAllowed()) return errorInvalidName;
         ntfs_inode* file = ntfs_create(folder.get(), 0, name.Characters(), name.Length(), S_IFREG);
@@ -276,6 +281,7 @@ class NtfsVolume::Mount {
         InodeOwner folder = Open(split.folder);
         InodeOwner file = Open(path);
         if (!folder || !file || !name.IsAllowed()) return errorFileNotFound;
+        if (!IsSound(*folder) || !IsSound(*file)) return errorFileCorrupt;
         // ntfs_delete closes both, also on failure.
         const int result =
             ntfs_delete(volume_, nullptr, file.release(), folder.release(), name.Characters(), name.Length());
@@ -360,6 +366,7 @@ uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {
         if (!file) return errorIoDevice;
     }
     if (IsClosedForChange(*file)) return errorAccessDenied;
+    if (!IsSound(*file)) return errorFileCorrupt;
 
     // Restores the old content if the new content cannot be written, for instance on a full volume.
     std::string before;

@@ -101,6 +101,21 @@ TEST_F(HostileNtfsTest, IndexThatRefersToItself_OpenForWriting_IsDamagedAndNever
               stick + ": an NTFS volume is damaged: it refers to itself; nothing was written");
 }
 
+// The library moves the value by what its own header has room for.
+TEST_F(HostileNtfsTest, ValueBeginsInItsHeader_WriteOrRemove_FailsAsDamaged) {
+    const std::string stick = MadeImage("stick-ntfs.img");
+    const std::string bytes = ContentOf(stick);
+    const size_t data = bytes.find(std::string("\x80\0\0\0", 4), RecordOfQelhdrcv(bytes) + 0x38);
+    constexpr size_t valueOffset = 20;
+    ASSERT_EQ(ByteAt(stick, data + valueOffset), 0x18);
+    PatchByte(stick, data + valueOffset, 0x15);
+    auto volume = VolumeOn(std::make_shared<ImageFile>(stick, ImageAccess::Overlay));
+
+    EXPECT_EQ(volume.Write("sources/Qelhdrcv.ini", "[Recovery]\r\n"), 1392u);
+    EXPECT_EQ(volume.Remove("sources/Qelhdrcv.ini"), 1392u);
+    EXPECT_EQ(volume.Write("SystemVolume.ini", "x"), 0u);
+}
+
 // The library would allocate what the boot sector demands: a record of 1 GB, an index block of 2 GB.
 TEST_F(HostileNtfsTest, BootSectorDemandsHugeRecords_Check_IsDamagedAndAllocatesNone) {
     struct Size {
