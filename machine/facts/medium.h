@@ -19,6 +19,8 @@ class Medium {
     // What forbids the change that was tried since the medium was opened: a volume in a condition in which it
     // must not be changed, with what helps. Empty if nothing does.
     virtual std::string WhyBarred() const = 0;
+    // The file with which the changes since the medium was opened can be taken back. Empty if there is none.
+    virtual std::string Backup() const = 0;
     // What the user should know about the state in which the medium was found, each with its name in front.
     virtual const std::vector<std::string>& Notes() const = 0;
 };

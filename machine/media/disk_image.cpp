@@ -63,11 +63,14 @@ void Merge(const ImageFile& image, const std::vector<Partition>& described, Disk
     }
 }
 
+// Null for another volume.
+NtfsVolume* NtfsOn(const Partition& partition) {
+    return partition.volume ? dynamic_cast<NtfsVolume*>(partition.volume->store.get()) : nullptr;
+}
+
 void NameVolumes(const Disk& disk) {
     for (const Partition& partition : disk.partitions) {
-        auto* const volume =
-            partition.volume ? dynamic_cast<NtfsVolume*>(partition.volume->store.get()) : nullptr;
-        if (volume != nullptr) volume->SetName(NameOf(partition));
+        if (NtfsVolume* const volume = NtfsOn(partition)) volume->SetName(NameOf(partition));
     }
 }
 
@@ -83,6 +86,33 @@ void CheckIsWholeDisk(const ImageFile& image, FileSystemProbe& probe) {
     if (fileSystem)
         throw image.Error("no partition table, so no disk image: the file holds a single " +
                           fileSystem->kind + " volume");
+}
+
+bool Touches(const ImageChange& change, const Partition& partition) {
+    return std::any_of(change.begin(), change.end(), [&](const ChangedRun& run) {
+        return run.offset < partition.offset + partition.size &&
+               run.offset + run.before.size() > partition.offset;
+    });
+}
+
+// A system that has a volume in its memory must not find it changed back either.
+void CheckMayChangeVolumes(const std::shared_ptr<ImageFile>& image, const ImageChange& change) {
+    Disk disk;
+    ReadTable(*image, disk);
+    FileSystemProbe probe(*image, MediumKind::Disk);
+    for (Partition& partition : disk.partitions)
+        partition.volume = ReadVolume(image, probe, disk.style, partition);
+    NameVolumes(disk);
+    for (const Partition& partition : disk.partitions) {
+        auto* const volume = NtfsOn(partition);
+        if (volume != nullptr && Touches(change, partition)) volume->PrepareChange();
+    }
+    if (!image->WhyBarred().empty()) throw ImageError(image->WhyBarred());
+}
+
+void CommitOrThrow(ImageFile& image) {
+    const std::string unwritten = image.Commit();
+    if (!unwritten.empty()) throw ImageError(unwritten);
 }
 
 }  // namespace
@@ -107,12 +137,20 @@ void AttachImage(Disk& disk, const ImageUse& use) {
     disk = std::move(attached);
 }
 
-std::vector<std::string> RepairImageTable(const std::string& path, const ImageUse& use) {
+UndoneChange UndoImageChange(const std::string& path, const std::string& backup, const ImageUse& use) {
+    const auto image = std::make_shared<ImageFile>(path, use);
+    const ImageChange change = ReadBackup(backup, image->Size());
+    CheckMayChangeVolumes(image, change);
+    const bool isUndone = image->Undo(change);
+    CommitOrThrow(*image);
+    return {isUndone, image->Backup()};
+}
+
+RepairedTable RepairImageTable(const std::string& path, const ImageUse& use) {
     ImageFile image(path, use);
     std::vector<std::string> problems = RepairTable(image);
-    const std::string unwritten = image.Commit();
-    if (!unwritten.empty()) throw ImageError(unwritten);
-    return problems;
+    CommitOrThrow(image);
+    return {std::move(problems), image.Backup()};
 }
 
 Recovery RecoverImage(const std::string& path, const JournalPlace& journal) {

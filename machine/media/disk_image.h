@@ -25,9 +25,24 @@ void AttachImage(Disk& disk, const ImageUse& use);
 // file unchanged.
 Recovery RecoverImage(const std::string& path, const JournalPlace& journal);
 
+struct UndoneChange {
+    bool isUndone = false;    // false: it was undone already
+    std::string backup = {};  // of undoing; empty without one
+};
+
+// Takes back what a backup of an image's changes holds; with Overlay nothing is written. Throws ImageError
+// with the file unchanged, also if something else has changed it since, or a volume is in no condition to be
+// changed.
+UndoneChange UndoImageChange(const std::string& path, const std::string& backup, const ImageUse& use);
+
+struct RepairedTable {
+    std::vector<std::string> problems = {};  // what was wrong
+    std::string backup = {};                 // of the table before; empty without one
+};
+
 // Writes a GUID partition table anew from its good copy, as RepairTable of gpt_repair.h; with Overlay nothing
-// is written. Returns what was wrong. Throws ImageError with the file unchanged.
-std::vector<std::string> RepairImageTable(const std::string& path, const ImageUse& use);
+// is written. Throws ImageError with the file unchanged.
+RepairedTable RepairImageTable(const std::string& path, const ImageUse& use);
 
 // A PC with these images as disks 0, 1, ...: SATA disks, with the letters that the running system assigns.
 // Throws ImageError.

@@ -1,151 +1,21 @@
 #include "machine/media/device/change_journal.h"
 
-#include <fcntl.h>
 #include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
-#include <zlib.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 
-#include "machine/media/device/little_endian.h"
+#include "machine/media/device/change_file.h"
 
 namespace machine {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::string_view magic = "KESTOVA JOURNAL 1\n";
-constexpr uint64_t longestJournal = uint64_t{1} << 30;
-
-// --- the format: magic, size of the image, number of runs, the runs, and a checksum of all that; numbers are
-// little-endian, texts have their length in front ---
-
-void AppendText(std::string& bytes, const std::string& text) {
-    AppendLe64(bytes, text.size());
-    bytes += text;
-}
-
-std::string BytesOf(const ImageChange& change, uint64_t imageSize) {
-    std::string bytes(magic);
-    AppendLe64(bytes, imageSize);
-    AppendLe64(bytes, change.size());
-    for (const ChangedRun& run : change) {
-        AppendLe64(bytes, run.offset);
-        AppendText(bytes, run.before);
-        AppendText(bytes, run.after);
-        AppendText(bytes, run.mark);
-    }
-    AppendLe64(bytes, crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
-    return bytes;
-}
-
-// Takes numbers and texts from the front; what is not there is zero, and marks the rest as bad.
-class Taker {
-  public:
-    explicit Taker(std::string_view bytes) : rest_(bytes) {}
-
-    uint64_t Number() {
-        const uint64_t number = Le64(rest_, 0);
-        Skip(8);
-        return number;
-    }
-    std::string Text() {
-        const uint64_t length = Number();
-        std::string text(rest_.substr(0, length));
-        Skip(length);
-        return text;
-    }
-    bool IsAtEnd() const { return isGood_ && rest_.empty(); }
-    bool IsGood() const { return isGood_; }
-
-  private:
-    void Skip(uint64_t length) {
-        isGood_ = isGood_ && length <= rest_.size();
-        rest_.remove_prefix(isGood_ ? length : rest_.size());
-    }
-
-    std::string_view rest_;
-    bool isGood_ = true;
-};
-
-bool IsSound(const ChangedRun& run, uint64_t imageSize) {
-    const uint64_t length = run.before.size();
-    return length > 0 && length % diskSectorSize == 0 && run.offset % diskSectorSize == 0 &&
-           length <= imageSize && run.offset <= imageSize - length && run.after.size() == length &&
-           (run.mark.empty() || run.mark.size() == length);
-}
-
-std::optional<ImageChange> ChangeIn(std::string_view bytes, uint64_t& imageSize) {
-    if (bytes.size() < magic.size() + 8 || !bytes.starts_with(magic)) return std::nullopt;
-    const std::string_view summed = bytes.substr(0, bytes.size() - 8);
-    if (Le64(bytes, summed.size()) !=
-        crc32_z(0, reinterpret_cast<const Bytef*>(summed.data()), summed.size()))
-        return std::nullopt;
-    Taker taker(summed.substr(magic.size()));
-    imageSize = taker.Number();
-    ImageChange change;
-    for (uint64_t count = taker.Number(); count > 0 && taker.IsGood(); --count) {
-        ChangedRun& run = change.emplace_back();
-        run.offset = taker.Number();
-        run.before = taker.Text();
-        run.after = taker.Text();
-        run.mark = taker.Text();
-        if (!IsSound(run, imageSize)) return std::nullopt;
-    }
-    if (!taker.IsAtEnd()) return std::nullopt;
-    return change;
-}
-
-// --- files ---
-
-std::string FolderOf(const std::string& path) {
-    const fs::path folder = fs::path(path).parent_path();
-    return folder.empty() ? "." : folder.string();
-}
-
-class Opened {
-  public:
-    Opened(const std::string& path, int flags) : descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0600)) {}
-    ~Opened() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
-
-    explicit operator bool() const { return descriptor_ >= 0; }
-    bool Flush() const { return fsync(descriptor_) == 0; }
-    bool Write(std::string_view bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t done = write(descriptor_, bytes.data(), bytes.size());
-            if (done < 0 && errno == EINTR) continue;
-            if (done <= 0) return false;
-            bytes.remove_prefix(static_cast<size_t>(done));
-        }
-        return true;
-    }
-
-  private:
-    int descriptor_;
-};
-
-// A name is on the medium once its folder is.
-bool FlushFolder(const std::string& path) {
-    const Opened folder(FolderOf(path), O_RDONLY | O_DIRECTORY);
-    return folder && folder.Flush();
-}
-
-bool WriteNewFile(const std::string& path, std::string_view bytes) {
-    const Opened file(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
-    return file && file.Write(bytes) && file.Flush();
-}
 
 // Whether what is stored there is gone after a power cut.
 bool IsVolatile(const std::string& folder) {
@@ -164,9 +34,7 @@ bool AreOnOneFileSystem(const std::string& left, const std::string& right) {
 }  // namespace
 
 std::string JournalBeside(const std::string& image) {
-    std::error_code error;
-    const fs::path real = fs::canonical(image, error);
-    return (error ? image : real.string()) + ".kestova-journal";
+    return BesideImage(image, ".kestova-journal");
 }
 
 ChangeJournal::ChangeJournal(const std::string& image, const JournalPlace& place)
@@ -174,7 +42,7 @@ ChangeJournal::ChangeJournal(const std::string& image, const JournalPlace& place
 
 void ChangeJournal::CheckPlace() const {
     if (path_.empty()) return;
-    const std::string folder = FolderOf(path_);
+    const std::string folder = FolderOfFile(path_);
     const std::string advice = "; name another place with --journal, or write without one (--no-journal)";
     if (access(folder.c_str(), W_OK) != 0) {
         throw ImageError(image_ + ": its journal " + path_ + " cannot be written: " + std::strerror(errno) +
@@ -187,38 +55,30 @@ void ChangeJournal::CheckPlace() const {
 }
 
 std::string ChangeJournal::Keep(const ImageChange& change, uint64_t imageSize) const {
-    if (path_.empty()) return "";
-    const std::string unnamed = path_ + ".new";
-    if (WriteNewFile(unnamed, BytesOf(change, imageSize)) &&
-        std::rename(unnamed.c_str(), path_.c_str()) == 0 && FlushFolder(path_)) {
-        return "";
-    }
-    std::string problem = "its journal " + path_ + " cannot be written: " + std::strerror(errno);
-    unlink(unnamed.c_str());
-    unlink(path_.c_str());
-    return problem;
+    if (path_.empty() || WriteChangeFile(path_, change, imageSize)) return "";
+    return "its journal " + path_ + " cannot be written: " + std::strerror(errno);
 }
 
 std::optional<ImageChange> ChangeJournal::Pending(uint64_t imageSize) const {
     std::error_code error;
     if (path_.empty() || !fs::exists(path_, error)) return std::nullopt;
     const std::string advice = "; move it away to go on without it";
-    std::ifstream file(path_, std::ios::binary);
-    const uint64_t length = fs::file_size(path_, error);
-    if (!file || error) throw ImageError(image_ + ": its journal " + path_ + " cannot be read" + advice);
-    std::string bytes(static_cast<size_t>(std::min(length, longestJournal)), '\0');
-    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    uint64_t recorded = 0;
-    std::optional<ImageChange> change = ChangeIn(bytes, recorded);
-    if (!change) throw ImageError(image_ + ": " + path_ + " is no journal, or a damaged one" + advice);
-    if (recorded != imageSize)
-        throw ImageError(image_ + ": its journal " + path_ + " is of an image of another size" + advice);
-    return change;
+    ReadChange read = ReadChangeFile(path_, imageSize);
+    switch (read.state) {
+        case ChangeFileState::Unreadable:
+            throw ImageError(image_ + ": its journal " + path_ + " cannot be read" + advice);
+        case ChangeFileState::Damaged:
+            throw ImageError(image_ + ": " + path_ + " is no journal, or a damaged one" + advice);
+        case ChangeFileState::OfAnotherSize:
+            throw ImageError(image_ + ": its journal " + path_ + " is of an image of another size" + advice);
+        case ChangeFileState::Sound:
+            break;
+    }
+    return std::move(read.change);
 }
 
 bool ChangeJournal::Drop() const {
-    if (path_.empty()) return true;
-    return unlink(path_.c_str()) == 0 && FlushFolder(path_);
+    return path_.empty() || DropChangeFile(path_);
 }
 
 }  // namespace machine

@@ -27,6 +27,8 @@ struct ImageUse {
 
     ImageAccess access;
     JournalPlace journal;
+    // Where a backup of what was changed stays.
+    JournalPlace backup = {JournalPlace::Kind::None};
     // Whether an NTFS volume that is merely marked dirty may be changed.
     bool forceDirty = false;
     // In bytes, 512 or 4096; absent: what the device says, or the table shows.

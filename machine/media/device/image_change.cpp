@@ -1,5 +1,7 @@
 #include "machine/media/device/image_change.h"
 
+#include <utility>
+
 namespace machine {
 
 namespace {
@@ -30,6 +32,18 @@ bool Holds(const std::string& found, size_t at, const std::string& expected) {
 
 }  // namespace
 
+void AppendRun(ImageChange& change, ChangedRun run) {
+    const bool continues = !change.empty() && IsMarked(change.back()) == IsMarked(run) &&
+                           change.back().offset + change.back().before.size() == run.offset;
+    if (!continues) {
+        change.push_back(std::move(run));
+        return;
+    }
+    change.back().before += run.before;
+    change.back().after += run.after;
+    change.back().mark += run.mark;
+}
+
 bool WriteChange(BlockDevice& device, const ImageChange& change) {
     return WriteUnderMarks(device, change, &ChangedRun::after);
 }
@@ -38,12 +52,12 @@ bool TakeBackChange(BlockDevice& device, const ImageChange& change) {
     return WriteUnderMarks(device, change, &ChangedRun::before);
 }
 
-ChangeState StateOfChange(const BlockDevice& device, const ImageChange& change) {
+ChangeState StateOfChange(const ReadBytes& read, const ImageChange& change) {
     bool isBefore = true;
     bool isAfter = true;
     for (const ChangedRun& run : change) {
         std::string found(run.before.size(), '\0');
-        if (!device.Read(run.offset, found.data(), found.size())) return ChangeState::Foreign;
+        if (!read(run.offset, found.data(), found.size())) return ChangeState::Foreign;
         for (size_t at = 0; at < found.size(); at += diskSectorSize) {
             const bool holdsBefore = Holds(found, at, run.before);
             const bool holdsAfter = Holds(found, at, run.after);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,9 @@ struct ChangedRun {
 // In the order of their offsets.
 using ImageChange = std::vector<ChangedRun>;
 
+// Appends sectors that begin at or behind the end of the change.
+void AppendRun(ImageChange& change, ChangedRun run);
+
 // Writes the marks, flushes, writes what else changes, flushes, writes what the marked sectors hold
 // afterwards, flushes. False, with errno set, at the first failure.
 bool WriteChange(BlockDevice& device, const ImageChange& change);
@@ -28,8 +32,11 @@ bool WriteChange(BlockDevice& device, const ImageChange& change);
 // The same back to what was before, from any point at which WriteChange, or this function, was cut off.
 bool TakeBackChange(BlockDevice& device, const ImageChange& change);
 
-// What a device holds of a change. Foreign: bytes that the change does not know, or that cannot be read.
+// Reads all of the bytes at an offset, or returns false.
+using ReadBytes = std::function<bool(uint64_t offset, void* buffer, size_t length)>;
+
+// What is there of a change. Foreign: bytes that the change does not know, or that cannot be read.
 enum class ChangeState { Before, Between, After, Foreign };
-ChangeState StateOfChange(const BlockDevice& device, const ImageChange& change);
+ChangeState StateOfChange(const ReadBytes& read, const ImageChange& change);
 
 }  // namespace machine

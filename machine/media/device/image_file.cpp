@@ -49,8 +49,12 @@ ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& pat
       forceDirty_(use.forceDirty),
       sectorSize_(use.sectorSize ? use.sectorSize : device->SectorSize()),
       device_(std::move(device)),
-      journal_(path, use.journal) {
-    if (access_ == ImageAccess::Write) journal_.CheckPlace();
+      journal_(path, use.journal),
+      backup_(path, use.backup) {
+    if (access_ == ImageAccess::Write) {
+        journal_.CheckPlace();
+        backup_.CheckPlace();
+    }
     // What was interrupted may be in the usual place, wherever this program keeps its own changes.
     Settle(ChangeJournal(path, {}));
     if (use.journal.kind == JournalPlace::Kind::Named) Settle(journal_);
@@ -141,12 +145,10 @@ ImageChange ImageFile::Collected() const {
             const bool isMarked = mark != marks_.end();
             if (!isMarked && block.before.compare(at, diskSectorSize, block.now, at, diskSectorSize) == 0)
                 continue;
-            const bool continues = !change.empty() && change.back().mark.empty() != isMarked &&
-                                   change.back().offset + change.back().before.size() == offset;
-            ChangedRun& run = continues ? change.back() : change.emplace_back(ChangedRun{.offset = offset});
-            run.before += block.before.substr(at, diskSectorSize);
-            run.after += block.now.substr(at, diskSectorSize);
-            if (isMarked) run.mark += mark->second;
+            AppendRun(change, {.offset = offset,
+                               .before = block.before.substr(at, diskSectorSize),
+                               .after = block.now.substr(at, diskSectorSize),
+                               .mark = isMarked ? mark->second : ""});
         }
     }
     // Marks alone are no change.
@@ -166,12 +168,23 @@ std::string ImageFile::Commit() {
     return problem_;
 }
 
+ChangeState ImageFile::StateOnDevice(const ImageChange& change) const {
+    return StateOfChange([this](uint64_t offset, void* buffer,
+                                size_t length) { return device_->Read(offset, buffer, length); },
+                         change);
+}
+
 std::string ImageFile::Written(const ImageChange& change) {
     const SignalsWait wait;
-    if (StateOfChange(*device_, change) != ChangeState::Before)
+    if (StateOnDevice(change) != ChangeState::Before)
         return path_ + ": was changed by another program meanwhile; nothing was written";
     const std::string journalProblem = journal_.Keep(change, Size());
     if (!journalProblem.empty()) return path_ + ": " + journalProblem + "; nothing was written";
+    const std::string backupProblem = backup_.Add(change, Size());
+    if (!backupProblem.empty()) {
+        journal_.Drop();
+        return path_ + ": " + backupProblem + "; nothing was written";
+    }
     if (WriteChange(*device_, change)) {
         // What is written is complete, with the journal or without it.
         journal_.Drop();
@@ -179,6 +192,7 @@ std::string ImageFile::Written(const ImageChange& change) {
     }
     const std::string problem = path_ + ": cannot be written: " + std::strerror(errno);
     if (TakeBackChange(*device_, change)) {
+        backup_.TakeBack(Size());
         journal_.Drop();
         return problem + "; what had been written was taken back";
     }
@@ -193,7 +207,7 @@ std::string ImageFile::Written(const ImageChange& change) {
 void ImageFile::Settle(const ChangeJournal& journal) {
     const auto change = journal.Pending(Size());
     if (!change) return;
-    const ChangeState state = StateOfChange(*device_, *change);
+    const ChangeState state = StateOnDevice(*change);
     if (state == ChangeState::Foreign) {
         throw Error("does not fit its journal " + journal.Path() +
                     ": something else has changed it since; move the journal away to go on without it");
@@ -219,6 +233,24 @@ void ImageFile::Settle(const ChangeJournal& journal) {
 void ImageFile::Show(const ImageChange& change, std::string ChangedRun::*part) {
     for (const ChangedRun& run : change)
         WriteBlocks(run.offset, (run.*part).data(), (run.*part).size());
+}
+
+bool ImageFile::Undo(const ImageChange& backup) {
+    const auto read = [this](uint64_t offset, void* buffer, size_t length) {
+        return Read(offset, buffer, length);
+    };
+    const ChangeState state = StateOfChange(read, backup);
+    if (state == ChangeState::Before) return false;
+    if (state != ChangeState::After)
+        throw Error("does not fit the backup: something else has changed it since; nothing was changed");
+    for (const ChangedRun& run : backup) {
+        if (!run.mark.empty()) {
+            Mark([&] { Write(run.offset, run.mark.data(), run.mark.size()); },
+                 [&] { Write(run.offset, run.after.data(), run.after.size()); });
+        }
+        Write(run.offset, run.before.data(), run.before.size());
+    }
+    return true;
 }
 
 ImageError ImageFile::Error(const std::string& whatIsWrong) const {

@@ -12,6 +12,7 @@
 
 #include "machine/facts/medium.h"
 #include "machine/media/device/block_device.h"
+#include "machine/media/device/change_backup.h"
 #include "machine/media/device/change_journal.h"
 #include "machine/media/device/image_access.h"
 #include "machine/media/device/image_change.h"
@@ -57,6 +58,10 @@ class ImageFile final : public Medium {
 
     std::string Commit() override;
     std::string WhyBarred() const override { return barred_; }
+    std::string Backup() const override { return backup_.Path(); }
+    // Takes back what `backup` holds, by a change of its own. False if that was not made, or taken back
+    // already. Throws ImageError, with nothing changed, if something else has changed the image since.
+    bool Undo(const ImageChange& backup);
     const std::vector<std::string>& Notes() const override { return notes_; }
     void AddNote(const std::string& sentence) { notes_.push_back(path_ + ": " + sentence); }
     // What was found when the file was opened.
@@ -75,6 +80,7 @@ class ImageFile final : public Medium {
     void Settle(const ChangeJournal& journal);
     void Show(const ImageChange& change, std::string ChangedRun::*part);
     ImageChange Collected() const;
+    ChangeState StateOnDevice(const ImageChange& change) const;
     std::string Written(const ImageChange& change);
     bool WriteBlocks(uint64_t offset, const char* bytes, size_t length);
 
@@ -84,6 +90,7 @@ class ImageFile final : public Medium {
     std::optional<uint32_t> sectorSize_;
     std::unique_ptr<BlockDevice> device_;
     ChangeJournal journal_;
+    ChangeBackup backup_;
     std::map<uint64_t, Block> changed_;      // by number
     std::map<uint64_t, std::string> marks_;  // sectors by offset
     std::string problem_;                    // of an earlier write or commit

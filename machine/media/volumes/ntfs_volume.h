@@ -25,6 +25,8 @@ class NtfsVolume : public FileStore {
     // On an image that is open for reading only the mark alone is seen.
     enum class Condition { Clean, Dirty, Unreplayed, Hibernated, Damaged };
     Condition Check();
+    // 0 if its condition allows a change; otherwise the error of Write, with the image barred.
+    uint32_t PrepareChange();
 
     // Finds nothing on a volume that cannot be mounted. Error codes beyond those of FileStore: 5 for files
     // to which Windows denies access (read-only for Write and Remove, encrypted, a folder, the file
@@ -41,8 +43,6 @@ class NtfsVolume : public FileStore {
   private:
     class Mount;
     Mount& Mounted();
-    // The error of a change; 0 if it may be made.
-    uint32_t PrepareChange();
 
     std::shared_ptr<ImageFile> image_;
     uint64_t offset_;

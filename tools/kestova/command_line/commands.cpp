@@ -133,9 +133,22 @@ int RepairTables(const CommandLine& line) {
     if (line.choice.images.empty()) throw WrongUse("repair-table: name the disk image with --image");
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
     for (const std::string& image : line.choice.images) {
-        const std::vector<std::string> problems = RepairTableOf(image, use);
-        Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun});
+        const auto [problems, backup] = RepairTableOf(image, use);
+        Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun, backup});
     }
+    return Done;
+}
+
+int Undo(const CommandLine& line) {
+    const std::string& backup = line.arguments[0];
+    const std::string named = ImageOfBackupFile(backup);
+    if (line.choice.images.size() > 1) throw WrongUse("undo: it is for one --image");
+    if (line.choice.images.empty() && named.empty())
+        throw WrongUse("undo: " + backup + " is not named after an image; name that with --image");
+    const std::string image = line.choice.images.empty() ? named : line.choice.images.front();
+    const auto [isUndone, ownBackup] =
+        UndoChange(image, backup, UseOfImages(line.choice, machine::ImageAccess::Write));
+    Show(line, UndoReport{image, backup, isUndone, line.choice.dryRun, ownBackup});
     return Done;
 }
 
@@ -164,7 +177,7 @@ std::string BootStatuses() {
 
 bool Uses(const Command& command, const std::string& option) {
     if (option == "--json") return true;
-    const bool runsNoOperation = command.run == Recover || command.run == RepairTables;
+    const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
     if (option == "--ledger" && runsNoOperation) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }
@@ -182,6 +195,7 @@ const std::vector<Command>& Commands() {
         {"run", "SCRIPT|-", "One operation a line, on one object", 1, 1, true, true, Run},
         {"recover", "", "Finish or take back a change of an image that was interrupted", 0, 0, true, false,
          Recover},
+        {"undo", "BACKUP", "Take back what was changed on an image", 1, 1, true, false, Undo},
         {"repair-table", "", "Write a damaged GUID partition table anew from its good copy", 0, 0, true,
          false, RepairTables},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,

@@ -42,6 +42,7 @@ OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, c
     for (const std::string& journal : inputs.journals)
         kept.push_back({journal, "the journal of an image"});
     kept.push_back({line.choice.journal, "the journal of the image"});
+    kept.push_back({line.choice.backup, "the backup of the image"});
     Keep(kept, "--log", files.log);
     Keep({{inputs.description, "the description that --pc reads"}}, "--log", files.log);
     Keep(kept, "--save", files.save);

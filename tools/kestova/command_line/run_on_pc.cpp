@@ -111,6 +111,8 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
     output << (would ? "Would change:\n" : "Changed:\n");
     for (const std::string& change : *changes)
         output << "  " << change << "\n";
+    for (const std::string& backup : pc.Backups())
+        output << BackupText(backup);
 }
 
 }  // namespace

@@ -17,5 +17,6 @@ struct OperationReport {
     Trace trace = {};
     bool showsTrace = false;
     std::string unwritten = {};  // why the change is not on the disk image; empty if it is, or there is none
-    std::string problem = {};    // why a question could not be answered; empty if it was
+    std::vector<std::string> backups = {};  // with which the change of images can be taken back
+    std::string problem = {};               // why a question could not be answered; empty if it was
 };

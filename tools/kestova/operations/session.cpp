@@ -45,7 +45,10 @@ OperationReport Session::Call(const Operation& operation, const Values& argument
     OperationReport report = Report(operation, arguments, [&](Values& outputs) {
         return operation.invoke(*object_, arguments, outputs);
     });
-    if (operation.changesPc) report.unwritten = pc_.Commit();
+    if (operation.changesPc) {
+        report.unwritten = pc_.Commit();
+        report.backups = pc_.Backups();
+    }
     return report;
 }
 

@@ -24,9 +24,15 @@ std::string UsualJournal(const std::string& image);
 // Finishes or takes back a change of the image that was interrupted. Throws as OpenImages.
 machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace& journal);
 
-// Writes the partition table of the image anew from its good copy. Returns what was wrong. Throws as
-// OpenImages.
-std::vector<std::string> RepairTableOf(const std::string& path, const machine::ImageUse& use);
+// Writes the partition table of the image anew from its good copy. Throws as OpenImages.
+machine::RepairedTable RepairTableOf(const std::string& path, const machine::ImageUse& use);
+
+// Takes back what the backup of an image's changes holds. Throws as OpenImages.
+machine::UndoneChange UndoChange(const std::string& path, const std::string& backup,
+                                 const machine::ImageUse& use);
+
+// The image that a backup is named after; empty if it is not named so, or this build has no image part.
+std::string ImageOfBackupFile(const std::string& backup);
 
 // Inserts discs and sticks, each under its own letter. Throws as OpenImages.
 void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,

@@ -23,8 +23,16 @@ machine::Recovery RecoverChange(const std::string& path, const machine::JournalP
     Refuse(path);
 }
 
-std::vector<std::string> RepairTableOf(const std::string& path, const machine::ImageUse&) {
+machine::RepairedTable RepairTableOf(const std::string& path, const machine::ImageUse&) {
     Refuse(path);
+}
+
+machine::UndoneChange UndoChange(const std::string& path, const std::string&, const machine::ImageUse&) {
+    Refuse(path);
+}
+
+std::string ImageOfBackupFile(const std::string&) {
+    return {};
 }
 
 void InsertMedia(machine::Pc&, const std::vector<std::string>& discs,

@@ -25,12 +25,25 @@ machine::Recovery RecoverChange(const std::string& path, const machine::JournalP
     }
 }
 
-std::vector<std::string> RepairTableOf(const std::string& path, const machine::ImageUse& use) {
+machine::RepairedTable RepairTableOf(const std::string& path, const machine::ImageUse& use) {
     try {
         return machine::RepairImageTable(path, use);
     } catch (const machine::ImageError& error) {
         throw UnreadablePc(error.what());
     }
+}
+
+machine::UndoneChange UndoChange(const std::string& path, const std::string& backup,
+                                 const machine::ImageUse& use) {
+    try {
+        return machine::UndoImageChange(path, backup, use);
+    } catch (const machine::ImageError& error) {
+        throw UnreadablePc(error.what());
+    }
+}
+
+std::string ImageOfBackupFile(const std::string& backup) {
+    return machine::ImageOfBackup(backup);
 }
 
 void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,

@@ -23,6 +23,8 @@ struct PcChoice {
     bool dryRun = false;
     std::string journal;  // file for the journal of the only image; empty: beside each image
     bool noJournal = false;
+    std::string backup;  // file for the backup of what changes on the only image; empty: beside each image
+    bool noBackup = false;
     bool forceDirty = false;  // NTFS volumes of images that are merely marked dirty are changed too
     std::string sectorSize;   // of the images' tables, in bytes; empty: as the table shows
     bool trace = false;
@@ -66,6 +68,8 @@ class OpenedPc {
     // if nothing is. Throws UnreadablePc, with nothing written, for a change of a volume that is in no
     // condition to be changed.
     virtual std::string Commit() = 0;
+    // The files with which the changes of disk images since it was opened can be taken back.
+    virtual std::vector<std::string> Backups() const = 0;
     // The changes since it was opened, a text each; nothing if they are unknown.
     virtual std::optional<std::vector<std::string>> Changes() const = 0;
     // Writes the PC's description. Throws Failed.

@@ -158,6 +158,7 @@ class EmulatedOne final : public OpenedPc {
     bool Rehearse(const std::function<void()>& action) override;
     bool LacksFileSystem(int disk, int partition) const override;
     std::string Commit() override;
+    std::vector<std::string> Backups() const override;
     std::optional<std::vector<std::string>> Changes() const override {
         return ::Changes(before_, emulated_.facts);
     }
@@ -185,6 +186,15 @@ std::string EmulatedOne::Commit() {
         if (!barred.empty()) throw UnreadablePc(barred);
     }
     return machine::CommitMedia(emulated_.facts);
+}
+
+std::vector<std::string> EmulatedOne::Backups() const {
+    std::vector<std::string> files;
+    for (const machine::Disk& disk : emulated_.facts.disks) {
+        const std::string file = disk.medium ? disk.medium->Backup() : "";
+        if (!file.empty()) files.push_back(file);
+    }
+    return files;
 }
 
 bool EmulatedOne::LacksFileSystem(int disk, int partition) const {

@@ -13,6 +13,7 @@ class RealOne final : public OpenedPc {
     bool Rehearse(const std::function<void()>&) override { return false; }
     bool LacksFileSystem(int, int) const override { return false; }
     std::string Commit() override { return ""; }
+    std::vector<std::string> Backups() const override { return {}; }
     std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }
     void Save(OutputFile&) const override {}
 

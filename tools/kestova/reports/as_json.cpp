@@ -187,6 +187,10 @@ std::string Lines(const List& list) {
 
 }  // namespace
 
+void AddBackup(const std::string& file, Json& json) {
+    if (!file.empty()) json["backups"] = Json::array({file});
+}
+
 std::string AsJson(const StatusReport& status) {
     Json partitions = Json::array();
     for (const PartitionReport& partition : status.partitions)
@@ -225,6 +229,7 @@ std::string AsJson(const OperationReport& report) {
                  {"outputs", ToJson(report.outputs)},
                  {"log", ToJson(report.log)}};
     if (report.showsTrace) json["trace"] = ToJson(report.trace);
+    if (!report.backups.empty()) json["backups"] = report.backups;
     if (!report.unwritten.empty()) json["written"] = false;
     if (!report.problem.empty()) json["problem"] = report.problem;
     return Line(json);
@@ -235,7 +240,16 @@ std::string AsJson(const RecoveryReport& report) {
 }
 
 std::string AsJson(const TableRepairReport& report) {
-    return Line({{"image", report.image}, {"problems", report.problems}, {"repaired", report.isRepaired}});
+    Json json = {{"image", report.image}, {"problems", report.problems}, {"repaired", report.isRepaired}};
+    AddBackup(report.backup, json);
+    return Line(json);
+}
+
+std::string AsJson(const UndoReport& report) {
+    Json json = {
+        {"image", report.image}, {"file", report.file}, {"undone", report.isUndone && !report.isDryRun}};
+    AddBackup(report.backup, json);
+    return Line(json);
 }
 
 std::string WithLedger(const std::string& line, const std::map<std::string, int>& ledger) {

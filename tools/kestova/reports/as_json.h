@@ -13,12 +13,14 @@
 #include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
 #include "tools/kestova/reports/table_repair.h"
+#include "tools/kestova/reports/undo.h"
 
 std::string AsJson(const StatusReport& status);
 std::string AsJson(const LettersReport& letters);
 std::string AsJson(const OperationReport& report);
 std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const TableRepairReport& report);
+std::string AsJson(const UndoReport& report);
 // The line of an object with a last key "ledger": the number of each kind.
 std::string WithLedger(const std::string& line, const std::map<std::string, int>& ledger);
 std::string AsJson(const std::vector<Operation>& operations);

@@ -195,7 +195,18 @@ std::string AsText(const TableRepairReport& report) {
     std::string text = report.image + (report.isRepaired ? ": was repaired\n" : ": would be repaired\n");
     for (const std::string& problem : report.problems)
         text += "  " + problem + "\n";
-    return text;
+    return text + BackupText(report.backup);
+}
+
+std::string AsText(const UndoReport& report) {
+    const char* const done = !report.isUndone  ? " was taken back already\n"
+                             : report.isDryRun ? " would be taken back\n"
+                                               : " was taken back\n";
+    return report.image + ": " + report.file + done + BackupText(report.backup);
+}
+
+std::string BackupText(const std::string& file) {
+    return file.empty() ? "" : "Backup, for kestova undo: " + file + "\n";
 }
 
 std::string AsText(const std::vector<Operation>& operations) {

@@ -12,6 +12,7 @@
 #include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
 #include "tools/kestova/reports/table_repair.h"
+#include "tools/kestova/reports/undo.h"
 
 // Remark and problem are left out: they belong on standard error.
 std::string AsText(const StatusReport& status);
@@ -21,6 +22,9 @@ std::string AsText(const LettersReport& letters);
 std::string AsText(const OperationReport& report);
 std::string AsText(const RecoveryReport& report);
 std::string AsText(const TableRepairReport& report);
+std::string AsText(const UndoReport& report);
+// The line that names a backup.
+std::string BackupText(const std::string& file);
 
 // Each operation with its arguments, and its results in words.
 std::string AsText(const std::vector<Operation>& operations);

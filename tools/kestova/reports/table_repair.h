@@ -8,4 +8,5 @@ struct TableRepairReport {
     std::string image;
     std::vector<std::string> problems;  // empty if nothing was wrong
     bool isRepaired = false;            // false in a dry run too
+    std::string backup = {};            // with which it can be taken back; empty if there is none
 };

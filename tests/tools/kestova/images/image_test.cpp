@@ -78,7 +78,9 @@ TEST_F(Image, OversizedRecord_Boot_NeitherReadsNorOverwritesIt) {
     EXPECT_EQ(system.output,
               "SetSystemActive() = 0: done, or there was nothing to do\n"
               "Changed:\n"
-              "  disk 0, partition 1: file SystemVolume.ini deleted\n");
+              "  disk 0, partition 1: file SystemVolume.ini deleted\n"
+              "Backup, for kestova undo: " +
+                  (Folder() / "long.img.kestova-backup-1\n").string());
 }
 
 TEST_F(Image, MbrImage_BootRecovery_MovesTheFlagAndWritesTheRecord) {
@@ -91,7 +93,9 @@ TEST_F(Image, MbrImage_BootRecovery_MovesTheFlagAndWritesTheRecord) {
               "  disk 0, partition 1: file SystemVolume.ini created:\n"
               "    [System]\n"
               "    Active=2\n"
-              "  disk 0, partition 2: no longer active\n");
+              "  disk 0, partition 2: no longer active\n"
+              "Backup, for kestova undo: " +
+                  (Folder() / "disk.img.kestova-backup-1\n").string());
     EXPECT_THAT(Table(), HasSubstr("size=      122880, type=27, bootable\n"));
     EXPECT_THAT(Table(), HasSubstr("size=      245760, type=7\n"));
     EXPECT_EQ(Record().output, "[System]\r\nActive=2\r\n");

@@ -58,10 +58,21 @@ TEST_F(RepairTable, DamagedTable_RepairTable_MakesTheDiskAsItWas) {
     const Outcome outcome = Kestova("--image disk.img repair-table");
 
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.output, std::string("disk.img: was repaired\n  ") + damage + "\n");
+    EXPECT_EQ(outcome.output,
+              std::string("disk.img: was repaired\n  ") + damage +
+                  "\nBackup, for kestova undo: " + (Folder() / "disk.img.kestova-backup-1\n").string());
     EXPECT_EQ(outcome.errors, "");
     EXPECT_TRUE(IsAsMade());
     EXPECT_THAT(Shell("sgdisk --verify disk.img").output, HasSubstr("No problems found"));
+}
+
+TEST_F(RepairTable, RepairedTable_Undo_IsDamagedAsBefore) {
+    Damage();
+    ASSERT_EQ(Kestova("--image disk.img repair-table").status, 0);
+
+    EXPECT_EQ(Kestova("undo disk.img.kestova-backup-1").status, 0);
+
+    EXPECT_TRUE(IsAsDamaged());
 }
 
 TEST_F(RepairTable, DamagedTable_DryRunAsJson_SaysWhatItWouldDoAndWritesNothing) {

@@ -1,0 +1,112 @@
+#include "machine/media/device/change_backup.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <utility>
+
+#include "machine/media/device/change_file.h"
+
+namespace machine {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view suffix = ".kestova-backup-";
+
+std::string FreeName(const std::string& image) {
+    const std::string start = BesideImage(image, suffix);
+    std::error_code error;
+    int number = 1;
+    while (fs::exists(start + std::to_string(number), error))
+        ++number;
+    return start + std::to_string(number);
+}
+
+using Sectors = std::map<uint64_t, ChangedRun>;  // of one sector each, by offset
+
+void AddSectors(const ImageChange& change, Sectors& sectors) {
+    for (const ChangedRun& run : change) {
+        for (size_t at = 0; at < run.before.size(); at += diskSectorSize) {
+            ChangedRun sector{.offset = run.offset + at,
+                              .before = run.before.substr(at, diskSectorSize),
+                              .after = run.after.substr(at, diskSectorSize),
+                              .mark = run.mark.empty() ? "" : run.mark.substr(at, diskSectorSize)};
+            const auto [known, isNew] = sectors.try_emplace(sector.offset, sector);
+            if (isNew) continue;
+            known->second.after = std::move(sector.after);
+            if (!sector.mark.empty()) known->second.mark = std::move(sector.mark);
+        }
+    }
+}
+
+}  // namespace
+
+ImageChange Joined(const ImageChange& first, const ImageChange& second) {
+    Sectors sectors;
+    AddSectors(first, sectors);
+    AddSectors(second, sectors);
+    ImageChange joined;
+    for (auto& [offset, sector] : sectors)
+        AppendRun(joined, std::move(sector));
+    return joined;
+}
+
+std::string ImageOfBackup(const std::string& backup) {
+    const size_t at = backup.rfind(suffix);
+    return at == std::string::npos ? "" : backup.substr(0, at);
+}
+
+ImageChange ReadBackup(const std::string& path, uint64_t imageSize) {
+    ReadChange read = ReadChangeFile(path, imageSize);
+    switch (read.state) {
+        case ChangeFileState::Unreadable:
+            throw ImageError(path + ": cannot be read");
+        case ChangeFileState::Damaged:
+            throw ImageError(path + ": no backup of a change, or a damaged one");
+        case ChangeFileState::OfAnotherSize:
+            throw ImageError(path + ": the backup of an image of another size");
+        case ChangeFileState::Sound:
+            break;
+    }
+    return std::move(read.change);
+}
+
+ChangeBackup::ChangeBackup(const std::string& image, const JournalPlace& place)
+    : image_(image), place_(place), path_(place.path) {}
+
+void ChangeBackup::CheckPlace() const {
+    if (place_.kind == JournalPlace::Kind::None) return;
+    const std::string advice = "; name another file with --backup, or change without one (--no-backup)";
+    std::error_code error;
+    if (!path_.empty() && fs::exists(path_, error)) throw ImageError(path_ + ": exists already" + advice);
+    if (access(FolderOfFile(path_.empty() ? FreeName(image_) : path_).c_str(), W_OK) == 0) return;
+    throw ImageError(image_ + ": a backup of what changes cannot be written: " + std::strerror(errno) +
+                     advice);
+}
+
+std::string ChangeBackup::Add(const ImageChange& change, uint64_t imageSize) {
+    if (place_.kind == JournalPlace::Kind::None) return "";
+    if (path_.empty()) path_ = FreeName(image_);
+    earlier_ = std::exchange(change_, Joined(change_, change));
+    if (WriteChangeFile(path_, change_, imageSize)) return "";
+    std::string problem = "its backup " + path_ + " cannot be written: " + std::strerror(errno);
+    change_ = std::exchange(earlier_, {});
+    return problem;
+}
+
+void ChangeBackup::TakeBack(uint64_t imageSize) {
+    if (change_.empty()) return;
+    change_ = std::exchange(earlier_, {});
+    if (change_.empty()) {
+        DropChangeFile(path_);
+    } else {
+        WriteChangeFile(path_, change_, imageSize);
+    }
+}
+
+}  // namespace machine

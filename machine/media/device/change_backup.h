@@ -1,0 +1,44 @@
+// The backup of what was changed on an image since it was opened: what takes all of it back.
+#pragma once
+
+#include <string>
+
+#include "machine/media/device/image_access.h"
+#include "machine/media/device/image_change.h"
+
+namespace machine {
+
+class ChangeBackup {
+  public:
+    // Beside the image it is the first file IMAGE.kestova-backup-1, -2, ... that is free when a change is
+    // made.
+    ChangeBackup(const std::string& image, const JournalPlace& place);
+
+    // Throws ImageError for a named file that exists, or whose folder cannot be written.
+    void CheckPlace() const;
+    // Adds a change, which is about to be written, to the file. Returns what is wrong, empty if nothing is.
+    std::string Add(const ImageChange& change, uint64_t imageSize);
+    // The change that was added last was not made.
+    void TakeBack(uint64_t imageSize);
+    // The file; empty if there is none.
+    std::string Path() const { return change_.empty() ? "" : path_; }
+
+  private:
+    std::string image_;
+    JournalPlace place_;
+    std::string path_;
+    ImageChange change_;   // all that was added
+    ImageChange earlier_;  // without the last
+};
+
+// One change of the same effect.
+ImageChange Joined(const ImageChange& first, const ImageChange& second);
+
+// The change that a backup holds. Throws ImageError for a file that cannot be read, is no backup, is damaged,
+// or belongs to an image of another size.
+ImageChange ReadBackup(const std::string& path, uint64_t imageSize);
+
+// The image of a backup that is named after it; empty if it is not.
+std::string ImageOfBackup(const std::string& backup);
+
+}  // namespace machine
