@@ -284,6 +284,107 @@ TEST_F(Transaction, ImageWrittenByAnother_Commit_WritesNothing) {
     EXPECT_FALSE(HasJournal());
 }
 
+// --- backups ---
+
+class Backups : public Transaction {
+  protected:
+    std::shared_ptr<ImageFile> OpenWith(const JournalPlace& backup, const JournalPlace& journal = {}) {
+        ImageUse use(ImageAccess::Write, journal);
+        use.backup = backup;
+        return std::make_shared<ImageFile>(
+            std::make_unique<RecordingDevice>(std::make_unique<FileDevice>(image_, true), disk_), image_,
+            use);
+    }
+    std::string Backup(int number) const { return image_ + ".kestova-backup-" + std::to_string(number); }
+    // Takes back what the file holds.
+    void Undo(const std::string& backup) {
+        const auto image = std::make_shared<ImageFile>(image_, ImageAccess::Write);
+        EXPECT_TRUE(image->Undo(ReadBackup(backup, image->Size())));
+        EXPECT_EQ(image->Commit(), "");
+    }
+};
+
+TEST_F(Backups, TwoCommits_Undo_TakesBackBoth) {
+    std::string backup;
+    {
+        const auto image = OpenWith({});
+        Switch(image);
+        EXPECT_EQ(image->Backup(), "");
+        EXPECT_EQ(image->Commit(), "");
+        EXPECT_EQ(NtfsVolume(image, recovery, 60 * MiB).Remove("SystemVolume.ini"), 0u);
+        EXPECT_EQ(image->Commit(), "");
+        backup = image->Backup();
+    }
+    EXPECT_EQ(backup, Backup(1));
+
+    Undo(backup);
+
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(Backups, BackupsOfEarlierChanges_Commit_TakesTheNextName) {
+    std::ofstream(Backup(1)) << "kept";
+    std::ofstream(Backup(2)) << "kept";
+    const auto image = OpenWith({});
+    Switch(image);
+
+    EXPECT_EQ(image->Commit(), "");
+
+    EXPECT_EQ(image->Backup(), Backup(3));
+    EXPECT_EQ(ContentOf(Backup(1)), "kept");
+}
+
+TEST_F(Backups, FirstCommitFails_LeavesNone) {
+    disk_->failsFrom = 2;
+    disk_->failsBelow = 3;
+    const auto image = OpenWith({});
+    Switch(image);
+
+    EXPECT_NE(image->Commit(), "");
+
+    EXPECT_EQ(image->Backup(), "");
+    EXPECT_FALSE(std::filesystem::exists(Backup(1)));
+}
+
+TEST_F(Backups, SecondCommitFails_Undo_TakesBackTheFirst) {
+    {
+        const auto image = OpenWith({});
+        Switch(image);
+        EXPECT_EQ(image->Commit(), "");
+        disk_->failsFrom = disk_->writes.size();
+        disk_->failsBelow = disk_->failsFrom + 1;
+        EXPECT_EQ(NtfsVolume(image, recovery, 60 * MiB).Remove("SystemVolume.ini"), 0u);
+        EXPECT_NE(image->Commit(), "");
+        EXPECT_EQ(image->Backup(), Backup(1));
+    }
+    EXPECT_EQ(FoundOn(Attach(image_)), after);
+
+    Undo(Backup(1));
+
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(Backups, NoRoom_Commit_WritesNothing) {
+    const auto image = OpenWith({}, {JournalPlace::Kind::None});
+    Switch(image);
+    std::string problem;
+    {
+        const LengthLimit limit(100);
+        problem = image->Commit();
+    }
+
+    EXPECT_EQ(problem, image_ + ": its backup " + Backup(1) +
+                           " cannot be written: File too large; nothing was written");
+    EXPECT_TRUE(AreSame(original_, image_));
+    EXPECT_EQ(image->Backup(), "");
+    EXPECT_FALSE(std::filesystem::exists(Backup(1)));
+}
+
+TEST(BackupName, Backup_ImageOfBackup_IsThatImage) {
+    EXPECT_EQ(ImageOfBackup("folder/disk.img.kestova-backup-12"), "folder/disk.img");
+    EXPECT_EQ(ImageOfBackup("disk.img"), "");
+}
+
 // --- journals ---
 
 TEST_F(Transaction, JournalOfAnotherKind_Open_IsRefusedByName) {
