@@ -7,7 +7,7 @@
 #include "machine/media/device/image_file.h"
 #include "machine/media/table/gpt_repair.h"
 #include "machine/media/table/image_table.h"
-#include "machine/media/volumes/file_system_probe.h"
+#include "machine/media/volumes/file_system.h"
 #include "machine/media/volumes/ntfs_volume.h"
 #include "machine/media/volumes/volume_image.h"
 
@@ -25,9 +25,10 @@ std::string NameOf(const Partition& partition) {
 
 // What Windows would find there: a known file system, or an unreadable one if the partition's type implies
 // a volume.
-std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, FileSystemProbe& probe,
-                                 PartitionStyle style, const Partition& partition) {
-    const auto fileSystem = probe.Identify(partition.offset, partition.size);
+std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, PartitionStyle style,
+                                 const Partition& partition) {
+    const auto fileSystem =
+        FileSystemOf(VolumeBytes(image, partition.offset, partition.size), MediumKind::Disk);
     if (!fileSystem && ExtentTypeOf(style, partition) != VDS_DET_DATA) return std::nullopt;
     return VolumeAt(image, fileSystem.value_or(FileSystem{"RAW", ""}), partition.offset, partition.size);
 }
@@ -103,19 +104,18 @@ void CheckMayChangeTable(const ImageFile& image, const TableFindings& findings) 
 }
 
 // The first sector of a volume has the same signature as a partition table.
-void CheckIsWholeDisk(const ImageFile& image, FileSystemProbe& probe) {
-    const auto fileSystem = probe.Identify(0, image.Size());
+void CheckIsWholeDisk(const std::shared_ptr<ImageFile>& image) {
+    const auto fileSystem = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disk);
     if (fileSystem)
-        throw image.Error("no partition table, so no disk image: the file holds a single " +
-                          fileSystem->kind + " volume");
+        throw image->Error("no partition table, so no disk image: the file holds a single " +
+                           fileSystem->kind + " volume");
 }
 
 }  // namespace
 
 void AttachImage(Disk& disk, const ImageUse& use) {
     const auto image = std::make_shared<ImageFile>(disk.image, use);
-    FileSystemProbe probe(*image, MediumKind::Disk);
-    CheckIsWholeDisk(*image, probe);
+    CheckIsWholeDisk(image);
     Disk attached = disk;
     const TableFindings findings = ReadTable(*image, attached);
     if (use.access != ImageAccess::Read) CheckMayChangeTable(*image, findings);
@@ -124,7 +124,7 @@ void AttachImage(Disk& disk, const ImageUse& use) {
             image->AddNote(sentence);
     }
     for (Partition& partition : attached.partitions)
-        partition.volume = ReadVolume(image, probe, attached.style, partition);
+        partition.volume = ReadVolume(image, attached.style, partition);
     Merge(*image, disk.partitions, attached);
     if (use.access != ImageAccess::Read) CheckMayChange(*image, attached, use);
     attached.table = std::make_shared<ImageTable>(image, attached.style);

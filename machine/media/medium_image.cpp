@@ -46,7 +46,7 @@ void CheckIsReadable(const SharedImage& image, const Volume& volume, uint64_t of
 }
 
 Volume DiscOn(const SharedImage& image) {
-    const auto fileSystem = FileSystemProbe(*image, MediumKind::Disc).Identify(0, image->Size());
+    const auto fileSystem = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disc);
     if (!fileSystem) throw image->Error("no disc: neither ISO 9660 nor UDF");
     Volume volume = VolumeAt(image, *fileSystem, 0, image->Size());
     CheckIsReadable(image, volume, 0, image->Size());
@@ -58,12 +58,13 @@ Volume DiscOn(const SharedImage& image) {
 constexpr const char* noStick =
     "no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated";
 
-Volume FirstVolumeOn(const SharedImage& image, FileSystemProbe& probe) {
+Volume FirstVolumeOn(const SharedImage& image) {
     Disk disk;
     const TableFindings findings = ReadTable(*image, disk);
     if (disk.partitions.empty()) throw image->Error(noStick);
     for (const Partition& partition : disk.partitions) {
-        const auto fileSystem = probe.Identify(partition.offset, partition.size);
+        const auto fileSystem =
+            FileSystemOf(VolumeBytes(image, partition.offset, partition.size), MediumKind::Disk);
         if (!fileSystem) continue;
         Volume volume = VolumeAt(image, *fileSystem, partition.offset, partition.size);
         if (!volume.store) continue;
@@ -75,8 +76,7 @@ Volume FirstVolumeOn(const SharedImage& image, FileSystemProbe& probe) {
 }
 
 Volume StickOn(const SharedImage& image) {
-    FileSystemProbe probe(*image, MediumKind::Disk);
-    if (const auto whole = probe.Identify(0, image->Size())) {
+    if (const auto whole = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disk)) {
         Volume volume = VolumeAt(image, *whole, 0, image->Size());
         if (!volume.store)
             throw image->Error("a volume of " + whole->kind + ", but only FAT and NTFS are read");
@@ -84,10 +84,10 @@ Volume StickOn(const SharedImage& image) {
         return volume;
     }
     if (!HasTable(*image)) {
-        const auto disc = FileSystemProbe(*image, MediumKind::Disc).Identify(0, image->Size());
+        const auto disc = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disc);
         throw image->Error(disc ? "a disc, not a stick" : noStick);
     }
-    return FirstVolumeOn(image, probe);
+    return FirstVolumeOn(image);
 }
 
 Volume MediumOn(const std::string& path, DriveType drive) {

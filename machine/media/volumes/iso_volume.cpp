@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "base/utf.h"
+#include "machine/api/text/oem_code_page.h"
+#include "machine/media/volumes/stored_text.h"
 
 namespace machine {
 
@@ -37,13 +38,6 @@ std::string WithoutVersion(std::string name) {
     return name;
 }
 
-std::string JolietName(std::string_view bytes) {
-    std::u16string name;
-    for (size_t at = 0; at + 1 < bytes.size(); at += 2)
-        name += static_cast<char16_t>(Be16(bytes, at));
-    return ToUtf8(name);
-}
-
 // A folder lists itself with the name 0, its parent with the name 1.
 bool IsSelfOrParent(std::string_view record) {
     return Byte(record, 32) == 1 && Byte(record, recordHeader) <= 1;
@@ -63,6 +57,8 @@ void IsoVolume::ReadDescriptors() {
         if (kind == descriptorEnd) return;
         const bool isJoliet = kind == descriptorSupplementary && IsJoliet(*descriptor);
         if (kind != descriptorPrimary && !isJoliet) continue;
+        const std::string_view label = std::string_view(*descriptor).substr(40, 32);
+        (isJoliet ? jolietLabel_ : label_) = WithoutPadding(isJoliet ? FromUtf16Be(label) : FromOem(label));
         const uint64_t blockSize = Le16(*descriptor, 128);
         if (blockSize != 512 && blockSize != 1024 && blockSize != sectorSize) continue;
         blockSize_ = blockSize;
@@ -74,6 +70,10 @@ void IsoVolume::ReadDescriptors() {
     }
 }
 
+std::string IsoVolume::Label() const {
+    return label_.starts_with(jolietLabel_) ? label_ : jolietLabel_;
+}
+
 IsoVolume::Entry IsoVolume::EntryOf(std::string_view record) const {
     const std::string_view name =
         record.substr(std::min(recordHeader, record.size())).substr(0, Byte(record, 32));
@@ -81,7 +81,7 @@ IsoVolume::Entry IsoVolume::EntryOf(std::string_view record) const {
     const bool isInterleaved = Byte(record, 26) != 0;
     Entry entry;
     entry.isFolder = (flags & flagFolder) != 0;
-    entry.name = isJoliet_ ? JolietName(name) : std::string(name);
+    entry.name = isJoliet_ ? FromUtf16Be(name) : std::string(name);
     if (!entry.isFolder) entry.name = WithoutVersion(entry.name);
     // The file follows its extended attributes, whose length in blocks is in the record.
     entry.place = (uint64_t{Le32(record, 2)} + Byte(record, 1)) * blockSize_;

@@ -13,6 +13,9 @@ class IsoVolume final : public ReadOnlyVolume {
     // Reads the volume descriptors; a disc without a plausible one counts as damaged.
     explicit IsoVolume(VolumeBytes bytes);
 
+    // That of Joliet, unless it is only the beginning of the other one, in UTF-8; or empty.
+    std::string Label() const;
+
   protected:
     Item Root() const override { return root_; }
     std::optional<std::vector<Entry>> List(const Item& folder) const override;
@@ -24,6 +27,8 @@ class IsoVolume final : public ReadOnlyVolume {
 
     uint64_t blockSize_ = 0;  // 0: no valid descriptor
     bool isJoliet_ = false;
+    std::string label_;
+    std::string jolietLabel_;
     Item root_;
 };
 

@@ -1,14 +1,15 @@
 #include "machine/media/volumes/udf_volume.h"
 
 #include <algorithm>
+#include <iterator>
 
-#include "base/utf.h"
+#include "machine/media/volumes/stored_text.h"
 
 namespace machine {
 
 namespace {
 
-constexpr uint64_t sectorSize = 2048;
+constexpr uint64_t blockSizes[] = {2048, 512, 1024, 4096};  // the most usual first
 constexpr uint64_t longestFolder = 16ULL * 1024 * 1024;
 constexpr uint64_t mostDescriptors = 64;
 
@@ -45,15 +46,35 @@ bool IsTag(std::string_view bytes, uint16_t tag) {
 
 // The first byte of a name is the width of its characters in bits.
 std::string NameOf(std::string_view bytes) {
-    std::u16string name;
+    std::string wide;
+    if (Byte(bytes, 0) == 16) wide = bytes.substr(1);
     if (Byte(bytes, 0) == 8) {
-        for (size_t at = 1; at < bytes.size(); ++at)
-            name += static_cast<char16_t>(Byte(bytes, at));
-    } else if (Byte(bytes, 0) == 16) {
-        for (size_t at = 1; at + 1 < bytes.size(); at += 2)
-            name += static_cast<char16_t>(Be16(bytes, at));
+        for (const char low : bytes.substr(1))
+            wide += {'\0', low};
     }
-    return ToUtf8(name);
+    return FromUtf16Be(wide);
+}
+
+// In a field of fixed length the last byte is that of the name.
+std::string NameIn(std::string_view field) {
+    return NameOf(field.substr(0, Byte(field, field.size() - 1)));
+}
+
+// --- the sequence of volume structures ---
+
+constexpr uint64_t firstStructure = 0x8000;
+constexpr uint64_t mostStructures = 64;
+constexpr std::string_view structuresOfUdf[] = {"NSR02", "NSR03"};
+constexpr std::string_view otherStructures[] = {"BEA01", "BOOT2", "CD001", "CDW02", "TEA01"};
+
+bool IsNamedUdf(const VolumeBytes& bytes, uint64_t structureSize) {
+    for (uint64_t number = 0; number < mostStructures; ++number) {
+        const auto name = bytes.Read(firstStructure + number * structureSize + 1, 5);
+        if (!name) return false;
+        if (std::ranges::find(structuresOfUdf, *name) != std::end(structuresOfUdf)) return true;
+        if (std::ranges::find(otherStructures, *name) == std::end(otherStructures)) return false;
+    }
+    return false;
 }
 
 }  // namespace
@@ -65,48 +86,60 @@ struct UdfVolume::FileEntry {
     std::string allocation;  // the extent descriptors, or the file itself
 };
 
+// A structure takes 2048 bytes, or a longer block.
+bool IsNamedUdf(const VolumeBytes& bytes) {
+    return IsNamedUdf(bytes, 2048) || IsNamedUdf(bytes, 4096);
+}
+
 // --- the way to the root folder ---
 
 UdfVolume::UdfVolume(VolumeBytes bytes) : ReadOnlyVolume(std::move(bytes)) {
     root_.isFolder = true;
-    ReadDescriptors();
+    for (const uint64_t blockSize : blockSizes) {
+        blockSize_ = blockSize;
+        if (ReadDescriptors()) return;
+    }
+    blocks_ = 0;
 }
 
-std::optional<std::string> UdfVolume::ReadSector(uint64_t sector, uint16_t tag) const {
-    auto bytes = Bytes().Read(sector * sectorSize, sectorSize);
-    return bytes && IsTag(*bytes, tag) ? bytes : std::nullopt;
+// A descriptor's tag has the number of its sector.
+std::optional<std::string> UdfVolume::ReadDescriptor(uint64_t sector, uint16_t tag) const {
+    auto bytes = Bytes().Read(sector * blockSize_, blockSize_);
+    return bytes && IsTag(*bytes, tag) && Le32(*bytes, 12) == sector ? bytes : std::nullopt;
 }
 
 // The anchor can be in three places, and refers to two copies of the descriptor sequence.
-void UdfVolume::ReadDescriptors() {
-    const uint64_t sectors = Bytes().Size() / sectorSize;
+bool UdfVolume::ReadDescriptors() {
+    const uint64_t sectors = Bytes().Size() / blockSize_;
     for (const uint64_t place : {uint64_t{256}, sectors - 1, sectors - 257}) {
-        const auto anchor = ReadSector(place, tagAnchor);
+        const auto anchor = ReadDescriptor(place, tagAnchor);
         if (!anchor) continue;
+        if (!label_) label_.emplace();
         for (const size_t sequence : {size_t{16}, size_t{24}}) {
-            if (ReadSequence(Le32(*anchor, sequence + 4), Le32(*anchor, sequence) / sectorSize)) return;
+            if (ReadSequence(Le32(*anchor, sequence + 4), Le32(*anchor, sequence) / blockSize_)) return true;
         }
     }
-    sectors_ = 0;
+    return false;
 }
 
 bool UdfVolume::ReadSequence(uint64_t first, uint64_t count) {
     std::optional<std::string> logicalVolume;
     std::optional<std::string> partition;
     for (uint64_t sector = first; sector < first + std::min(count, mostDescriptors); ++sector) {
-        if (!logicalVolume) logicalVolume = ReadSector(sector, tagLogicalVolume);
-        if (!partition) partition = ReadSector(sector, tagPartition);
+        if (!logicalVolume) logicalVolume = ReadDescriptor(sector, tagLogicalVolume);
+        if (!partition) partition = ReadDescriptor(sector, tagPartition);
     }
+    if (logicalVolume && label_->empty()) label_ = NameIn(std::string_view(*logicalVolume).substr(84, 128));
     return logicalVolume && partition && ReadRoot(*logicalVolume, *partition);
 }
 
 bool UdfVolume::ReadRoot(std::string_view logicalVolume, std::string_view partition) {
-    const bool isPlain = Le32(logicalVolume, 212) == sectorSize && Le32(logicalVolume, 268) == 1 &&
+    const bool isPlain = Le32(logicalVolume, 212) == blockSize_ && Le32(logicalVolume, 268) == 1 &&
                          Byte(logicalVolume, 440) == 1 && Le16(logicalVolume, 444) == Le16(partition, 22);
     if (!isPlain) return false;
     start_ = Le32(partition, 188);
-    sectors_ = Le32(partition, 192);
-    const auto fileSet = ReadBlocks(Le32(logicalVolume, 252), sectorSize);
+    blocks_ = Le32(partition, 192);
+    const auto fileSet = ReadBlocks(Le32(logicalVolume, 252), blockSize_);
     if (!fileSet || !IsTag(*fileSet, tagFileSet)) return false;
     root_.place = Le32(*fileSet, 404);
     return List(root_).has_value();
@@ -115,12 +148,12 @@ bool UdfVolume::ReadRoot(std::string_view logicalVolume, std::string_view partit
 // --- files and folders ---
 
 std::optional<std::string> UdfVolume::ReadBlocks(uint64_t block, uint64_t length) const {
-    if (block + (length + sectorSize - 1) / sectorSize > sectors_) return std::nullopt;
-    return Bytes().Read((start_ + block) * sectorSize, length);
+    if (block + (length + blockSize_ - 1) / blockSize_ > blocks_) return std::nullopt;
+    return Bytes().Read((start_ + block) * blockSize_, length);
 }
 
 std::optional<UdfVolume::FileEntry> UdfVolume::ReadFileEntry(uint64_t block) const {
-    const auto bytes = ReadBlocks(block, sectorSize);
+    const auto bytes = ReadBlocks(block, blockSize_);
     if (!bytes) return std::nullopt;
     const bool isExtended = IsTag(*bytes, tagExtendedFileEntry);
     if (!isExtended && !IsTag(*bytes, tagFileEntry)) return std::nullopt;

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "machine/facts/pc.h"
-#include "machine/media/volumes/file_system_probe.h"
+#include "machine/media/volumes/file_system.h"
 
 namespace machine {
 

@@ -170,7 +170,6 @@ class CountingDevice final : public BlockDevice {
     }
     bool Write(uint64_t, const void*, size_t) override { return false; }
     bool Flush() override { return false; }
-    int Descriptor() const override { return file_.Descriptor(); }
 
   private:
     FileDevice file_;
