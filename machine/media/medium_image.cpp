@@ -27,6 +27,7 @@ OwnLength OwnLengthOf(const std::string& fileSystem, const VolumeBytes& bytes) {
     const std::string sector = bytes.Read(isDisc ? discDescriptor : 0, 512).value_or("");
     if (isDisc) return {Le32(sector, 80), Le16(sector, 128)};
     if (fileSystem == "NTFS") return {Le64(sector, 40), Le16(sector, 11)};
+    if (fileSystem == "exFAT") return {Le64(sector, 72), uint64_t{1} << Byte(sector, 108)};
     if (fileSystem == "UDF") return {0, 0};
     return {Le16(sector, 19) != 0 ? Le16(sector, 19) : Le32(sector, 32), Le16(sector, 11)};
 }
@@ -56,7 +57,7 @@ Volume DiscOn(const SharedImage& image) {
 // The first sector of a volume has the signature of a partition table, so a damaged volume can look like an
 // empty table.
 constexpr const char* noStick =
-    "no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated";
+    "no stick: neither a FAT, exFAT or NTFS volume nor a partition table with one; it may be truncated";
 
 Volume FirstVolumeOn(const SharedImage& image) {
     Disk disk;
@@ -72,14 +73,14 @@ Volume FirstVolumeOn(const SharedImage& image) {
         return volume;
     }
     if (!findings.problems.empty()) throw image->Error(findings.problems.front());
-    throw image->Error("none of its partitions is a FAT or NTFS volume");
+    throw image->Error("none of its partitions is a FAT, exFAT or NTFS volume");
 }
 
 Volume StickOn(const SharedImage& image) {
     if (const auto whole = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disk)) {
         Volume volume = VolumeAt(image, *whole, 0, image->Size());
         if (!volume.store)
-            throw image->Error("a volume of " + whole->kind + ", but only FAT and NTFS are read");
+            throw image->Error("a volume of " + whole->kind + ", but only FAT, exFAT and NTFS are read");
         CheckIsReadable(image, volume, 0, image->Size());
         return volume;
     }

@@ -1,9 +1,6 @@
 #include "machine/media/volumes/exfat_layout.h"
 
-#include <algorithm>
 #include <bit>
-
-#include "machine/media/volumes/stored_text.h"
 
 namespace machine {
 
@@ -12,7 +9,6 @@ namespace {
 constexpr uint64_t bootSectors = 11;  // that the checksum in the next one covers
 constexpr uint64_t leastTableSector = 24;
 constexpr uint64_t mostClusters = 0xFFFFFFF5;
-constexpr uint64_t entrySize = 32;
 
 bool IsBootSector(std::string_view sector) {
     return sector.starts_with(
@@ -63,6 +59,8 @@ std::optional<ExfatLayout> ReadExfatLayout(const VolumeBytes& bytes) {
                            sectors <= UINT64_MAX >> sectorShift;
     if (!isInOrder || !HasChecksum(bytes, uint64_t{1} << sectorShift)) return std::nullopt;
     ExfatLayout layout;
+    layout.entryBits = 32;
+    layout.entryMask = 0xFFFFFFFF;
     layout.clusters = static_cast<uint32_t>(clusters);
     layout.rootCluster = Le32(*sector, 96);
     layout.clusterSize = uint64_t{1} << (sectorShift + clusterShift);
@@ -70,18 +68,6 @@ std::optional<ExfatLayout> ReadExfatLayout(const VolumeBytes& bytes) {
     layout.data = dataSector << sectorShift;
     layout.end = sectors << sectorShift;
     return layout;
-}
-
-std::optional<std::string> ExfatLabel(const VolumeBytes& bytes) {
-    const auto layout = ReadExfatLayout(bytes);
-    if (!layout) return std::nullopt;
-    constexpr uint8_t entryLabel = 0x83;
-    constexpr size_t longestLabel = 11;  // characters
-    // The label comes first, and has its place there even if it is empty.
-    const auto root =
-        bytes.Read(layout->data + uint64_t{layout->rootCluster - 2} * layout->clusterSize, entrySize);
-    if (!root || Byte(*root, 0) != entryLabel) return "";
-    return FromUtf16Le(root->substr(2, 2 * std::min<size_t>(Byte(*root, 1), longestLabel)));
 }
 
 }  // namespace machine

@@ -45,6 +45,7 @@ std::optional<FatLayout> ReadFatLayout(const VolumeBytes& bytes) {
     const uint64_t clusters = (layout.end - layout.data) / layout.clusterSize;
     if (clusters > mostClusters || (!isFat32 && clusters >= leastFat32Clusters)) return std::nullopt;
     layout.entryBits = isFat32 ? 32 : clusters < leastFat16Clusters ? 12 : 16;
+    layout.entryMask = isFat32 ? 0x0FFFFFFF : (1U << layout.entryBits) - 1;
     layout.clusters = static_cast<uint32_t>(clusters);
     layout.rootCluster = Le32(*sector, 44);
     return layout;

@@ -4,21 +4,16 @@
 #include <optional>
 
 #include "machine/media/device/volume_bytes.h"
+#include "machine/media/volumes/cluster_chain.h"
 
 namespace machine {
 
-// In bytes from the start of the volume.
-struct FatLayout {
-    uint32_t entryBits = 0;  // of the allocation table: 12, 16 or 32
-    uint32_t clusters = 0;
+// Offsets and sizes in bytes from the start of the volume.
+struct FatLayout : ClusterLayout {
     uint32_t rootCluster = 0;  // on FAT32
-    uint64_t clusterSize = 0;
-    uint64_t table = 0;
     uint64_t tableSize = 0;
     uint64_t rootFolder = 0;  // on FAT12 and FAT16
     uint64_t rootFolderSize = 0;
-    uint64_t data = 0;  // cluster 2
-    uint64_t end = 0;
 };
 
 // Nothing if no volume can have such a boot sector. Its parts may be beyond the end of what is there.

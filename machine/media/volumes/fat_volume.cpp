@@ -1,7 +1,6 @@
 #include "machine/media/volumes/fat_volume.h"
 
 #include <algorithm>
-#include <bit>
 
 #include "base/utf.h"
 #include "machine/api/text/oem_code_page.h"
@@ -11,7 +10,6 @@ namespace machine {
 namespace {
 
 constexpr uint64_t entrySize = 32;
-constexpr uint32_t firstCluster = 2;
 // The longest folder that the format allows.
 constexpr uint64_t longestFolder = 65536 * entrySize;
 
@@ -134,60 +132,9 @@ FatVolume::FatVolume(VolumeBytes bytes) : ReadOnlyVolume(std::move(bytes)), layo
     if (layout_ && !isWhole(*layout_)) layout_.reset();
 }
 
-bool FatVolume::IsCluster(uint64_t number) const {
-    return number >= firstCluster && number - firstCluster < layout_->clusters;
-}
-
-std::optional<uint32_t> FatVolume::Next(uint32_t cluster) const {
-    const uint64_t at = layout_->table + uint64_t{cluster} * layout_->entryBits / 8;
-    const auto entry = Bytes().Read(at, layout_->entryBits == 32 ? 4 : 2);
-    if (!entry) return std::nullopt;
-    switch (layout_->entryBits) {
-        case 12:
-            return cluster % 2 == 0 ? Le16(*entry, 0) & 0xFFFU : Le16(*entry, 0) >> 4U;
-        case 16:
-            return Le16(*entry, 0);
-        default:
-            return Le32(*entry, 0) & 0x0FFFFFFFU;
-    }
-}
-
-std::optional<std::string> FatVolume::ReadClusters(uint64_t first, uint64_t length) const {
-    std::string content;
-    // Detects a cycle with a single mark that is moved after 1, 2, 4, 8 and so on clusters: a chain that
-    // returns to it is a cycle, and any cycle eventually fits between two moves.
-    uint64_t mark = 0;
-    uint64_t passed = 0;
-    for (uint64_t cluster = first; content.size() < length;) {
-        if (!IsCluster(cluster) || cluster == mark) return std::nullopt;
-        if (std::has_single_bit(++passed)) mark = cluster;
-        const uint64_t count = std::min(layout_->clusterSize, length - content.size());
-        const auto piece =
-            Bytes().Read(layout_->data + (cluster - firstCluster) * layout_->clusterSize, count);
-        const auto next = Next(static_cast<uint32_t>(cluster));
-        if (!piece || !next) return std::nullopt;
-        content += *piece;
-        cluster = *next;
-    }
-    return content;
-}
-
-std::optional<std::string> FatVolume::ReadAllClusters(uint64_t first, uint64_t most) const {
-    const uint32_t lastMark = layout_->entryBits == 32 ? 0x0FFFFFF8U : (1U << layout_->entryBits) - 8;
-    uint64_t length = 0;
-    for (uint64_t cluster = first; cluster < lastMark;) {
-        length += layout_->clusterSize;
-        if (!IsCluster(cluster) || length > most) return std::nullopt;
-        const auto next = Next(static_cast<uint32_t>(cluster));
-        if (!next) return std::nullopt;
-        cluster = *next;
-    }
-    return ReadClusters(first, length);
-}
-
 std::optional<std::string> FatVolume::FolderBytes(const Item& folder) const {
     if (!layout_ || (folder.place == 0 && layout_->rootFolderSize == 0)) return std::nullopt;
-    if (folder.place != 0) return ReadAllClusters(folder.place, longestFolder);
+    if (folder.place != 0) return ReadWholeChain(Bytes(), *layout_, folder.place, longestFolder);
     return Bytes().Read(layout_->rootFolder, layout_->rootFolderSize);
 }
 
@@ -222,7 +169,7 @@ std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Item& folder)
         longName.Clear();
         if (!isUsed || entry.alias == "." || entry.alias == "..") continue;
         // Only the root is outside the clusters, and no entry refers to it.
-        if (entry.isFolder && !IsCluster(entry.place)) return std::nullopt;
+        if (entry.isFolder && !IsCluster(*layout_, entry.place)) return std::nullopt;
         entries.push_back(std::move(entry));
     }
     return entries;
@@ -238,7 +185,7 @@ std::string FatVolume::Label() const {
 
 std::optional<std::string> FatVolume::Content(const Item& file) const {
     if (file.size > std::min(Bytes().Size(), longestFile)) return std::nullopt;
-    return ReadClusters(file.place, file.size);
+    return ReadChain(Bytes(), *layout_, file.place, file.size);
 }
 
 }  // namespace machine

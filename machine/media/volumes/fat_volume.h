@@ -23,13 +23,6 @@ class FatVolume final : public ReadOnlyVolume {
     std::optional<std::string> Content(const Item& file) const override;
 
   private:
-    // The allocation-table entry of the cluster: the next cluster, or the end mark.
-    std::optional<uint32_t> Next(uint32_t cluster) const;
-    bool IsCluster(uint64_t number) const;
-    // The bytes of the cluster chain that starts at `first`: `length` bytes, or all up to the last cluster,
-    // which must end before `most` bytes.
-    std::optional<std::string> ReadClusters(uint64_t first, uint64_t length) const;
-    std::optional<std::string> ReadAllClusters(uint64_t first, uint64_t most) const;
     std::optional<std::string> FolderBytes(const Item& folder) const;
 
     std::optional<FatLayout> layout_;

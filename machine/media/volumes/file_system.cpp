@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "machine/api/text/oem_code_page.h"
-#include "machine/media/volumes/exfat_layout.h"
+#include "machine/media/volumes/exfat_volume.h"
 #include "machine/media/volumes/fat_volume.h"
 #include "machine/media/volumes/iso_volume.h"
 #include "machine/media/volumes/ntfs_label.h"
@@ -49,6 +49,10 @@ Label FatLabel(const VolumeBytes& bytes) {
 
 Label Fat32Label(const VolumeBytes& bytes) {
     return FatLabelIf(bytes, true);
+}
+
+Label ExfatLabel(const VolumeBytes& bytes) {
+    return ExfatVolume(bytes).Label();
 }
 
 Label UdfLabel(const VolumeBytes& bytes) {

@@ -43,11 +43,9 @@ TEST_F(MediumImageTest, DiscOfEachFormat_Insert_CreatesAnOpticalVolume) {
 }
 
 TEST_F(MediumImageTest, StickOfEachFormat_Insert_CreatesARemovableVolume) {
-    const std::pair<const char*, const char*> formats[] = {{"stick-fat12.img", "FAT"},
-                                                           {"stick-fat16.img", "FAT"},
-                                                           {"stick-fat32.img", "FAT32"},
-                                                           {"stick-ntfs.img", "NTFS"},
-                                                           {"stick-table.img", "FAT"}};
+    const std::pair<const char*, const char*> formats[] = {
+        {"stick-fat12.img", "FAT"},   {"stick-fat16.img", "FAT"}, {"stick-fat32.img", "FAT32"},
+        {"stick-exfat.img", "exFAT"}, {"stick-ntfs.img", "NTFS"}, {"stick-table.img", "FAT"}};
     for (const auto& [name, fileSystem] : formats) {
         Pc pc = FactoryMbr();
         const std::string image = MadeImage(name);
@@ -131,9 +129,9 @@ TEST_F(MediumImageTest, FileWithoutStick_Insert_IsRefused) {
     const std::string locked = PartitionFile(MadeImage("bitlocker.img"), 41, 80);
 
     EXPECT_EQ(Refusal(InsertStick, disc), disc + ": a disc, not a stick");
-    EXPECT_EQ(Refusal(InsertStick, bare), bare + ": none of its partitions is a FAT or NTFS volume");
+    EXPECT_EQ(Refusal(InsertStick, bare), bare + ": none of its partitions is a FAT, exFAT or NTFS volume");
     EXPECT_EQ(Refusal(InsertStick, locked),
-              locked + ": a volume of BitLocker, but only FAT and NTFS are read");
+              locked + ": a volume of BitLocker, but only FAT, exFAT and NTFS are read");
 }
 
 TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
@@ -151,6 +149,7 @@ TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
     const std::pair<const char*, const char*> sticks[] = {{"stick-fat12.img", "FAT"},
                                                           {"stick-fat16.img", "FAT"},
                                                           {"stick-fat32.img", "FAT32"},
+                                                          {"stick-exfat.img", "exFAT"},
                                                           {"stick-ntfs.img", "NTFS"}};
     for (const auto& [name, fileSystem] : sticks) {
         const std::string stick = cut(name, 2ULL * 1024 * 1024);
@@ -161,7 +160,7 @@ TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
     EXPECT_EQ(
         Refusal(InsertStick, sector),
         sector +
-            ": no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated");
+            ": no stick: neither a FAT, exFAT or NTFS volume nor a partition table with one; it may be truncated");
 }
 
 TEST_F(MediumImageTest, DamagedMedium_Insert_IsRefused) {

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "machine/facts/file_store.h"
+#include "machine/media/device/little_endian.h"
 #include "machine/media/hivex_reader.h"
 #include "machine/media/medium_image.h"
 #include "tests/machine/media/image_fixture.h"
@@ -110,6 +111,13 @@ TEST_F(ReaderDamageTest, DamagedFat32_Read_AnswersOrFails) {
     const std::string image = MadeImage("stick-fat32.img");
     ExpectUnharmed(image, fatParameters, 5, AskStick);
     ExpectUnharmed(image, {16 * KiB, 17 * KiB}, 6, AskStick);
+}
+
+TEST_F(ReaderDamageTest, DamagedExfat_Read_AnswersOrFails) {
+    const std::string image = MadeImage("stick-exfat.img");
+    ExpectUnharmed(image, {64, 6 * KiB}, 13, AskStick);
+    const uint64_t data = uint64_t{Le32(ContentOf(image), 88)} * 512;
+    ExpectUnharmed(image, {data, data + 40 * KiB}, 14, AskStick);
 }
 
 TEST_F(ReaderDamageTest, DamagedIso_Read_AnswersOrFails) {

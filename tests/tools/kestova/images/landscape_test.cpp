@@ -168,6 +168,7 @@ constexpr Medium media[] = {
     {"Fat12", "--stick", "stick-fat12.img", "GetRCVUFD"},
     {"Fat16", "--stick", "stick-fat16.img", "GetRCVUFD"},
     {"Fat32", "--stick", "stick-fat32.img", "GetRCVUFD"},
+    {"Exfat", "--stick", "stick-exfat.img", "GetRCVUFD"},
     {"Ntfs", "--stick", "stick-ntfs.img", "GetRCVUFD"},
     {"Partitioned", "--stick", "stick-table.img", "GetRCVUFD"},
 };

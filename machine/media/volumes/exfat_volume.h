@@ -1,0 +1,31 @@
+// The files of an exFAT volume on an image, read only.
+#pragma once
+
+#include "machine/media/device/volume_bytes.h"
+#include "machine/media/volumes/exfat_layout.h"
+#include "machine/media/volumes/read_only_volume.h"
+
+namespace machine {
+
+// A file whose entries are damaged, by their checksum, is not found; the others are.
+class ExfatVolume final : public ReadOnlyVolume {
+  public:
+    // Reads the boot sector; a volume with an implausible one, or one that is cut off, counts as damaged.
+    explicit ExfatVolume(VolumeBytes bytes);
+
+    // UTF-8, or empty; nothing without the boot sector of an exFAT volume.
+    std::optional<std::string> Label() const;
+
+  protected:
+    Item Root() const override;
+    std::optional<std::vector<Entry>> List(const Item& folder) const override;
+    std::optional<std::string> Content(const Item& file) const override;
+
+  private:
+    std::optional<std::string> FolderBytes(const Item& folder) const;
+    std::optional<std::string> RecordedBytes(const Item& item) const;
+
+    std::optional<ExfatLayout> layout_;
+};
+
+}  // namespace machine
