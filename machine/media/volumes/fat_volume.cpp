@@ -40,14 +40,13 @@ std::string WithFirstByte(std::string_view name) {
     return whole;
 }
 
-// Converts "README  TXT" to README.TXT; characters beyond ASCII become "?", which no path contains.
+// Converts "README  TXT" to README.TXT.
 std::string ShortName(std::string_view entry) {
+    const std::string name = WithFirstByte(entry.substr(0, 11));
     const auto trimmed = [&](size_t at, size_t length) {
-        std::string part(entry.substr(at, length));
+        std::string part = name.substr(at, length);
         part.erase(part.find_last_not_of(' ') + 1);
-        std::replace_if(
-            part.begin(), part.end(), [](char unit) { return (unit & 0x80) != 0; }, '?');
-        return part;
+        return FromOem(part);
     };
     const std::string base = trimmed(0, 8);
     const std::string extension = trimmed(8, 3);
@@ -167,10 +166,10 @@ std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Item& folder)
         entry.place = high << 16 | Le16(raw, 26);
         entry.size = Le32(raw, 28);
         longName.Clear();
-        if (!isUsed || entry.alias == "." || entry.alias == "..") continue;
-        // Only the root is outside the clusters, and no entry refers to it.
-        if (entry.isFolder && !IsCluster(*layout_, entry.place)) return std::nullopt;
-        entries.push_back(std::move(entry));
+        // Only the root is outside the clusters, and no entry but ".." refers to it.
+        const bool isPossible = !entry.isFolder || IsCluster(*layout_, entry.place);
+        if (isUsed && isPossible && entry.alias != "." && entry.alias != "..")
+            entries.push_back(std::move(entry));
     }
     return entries;
 }

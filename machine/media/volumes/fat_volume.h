@@ -7,8 +7,8 @@
 
 namespace machine {
 
-// Files are found by long and short names. A short name with characters beyond ASCII, whose code page is
-// unknown, is found only by its long one.
+// Files are found by long names and by short ones, which are in the emulated PC's OEM code page. An entry
+// that cannot be is lost; the others are found.
 class FatVolume final : public ReadOnlyVolume {
   public:
     // Reads the boot sector; a volume with an implausible one counts as damaged.
