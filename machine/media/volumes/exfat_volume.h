@@ -2,7 +2,7 @@
 #pragma once
 
 #include "machine/media/device/volume_bytes.h"
-#include "machine/media/volumes/exfat_layout.h"
+#include "machine/media/volumes/cluster_chain.h"
 #include "machine/media/volumes/read_only_volume.h"
 
 namespace machine {
@@ -22,10 +22,17 @@ class ExfatVolume final : public ReadOnlyVolume {
     std::optional<std::string> Content(const Item& file) const override;
 
   private:
+    struct Layout : ClusterLayout {
+        uint32_t rootCluster = 0;
+    };
+
+    // Nothing if it is not a boot sector of exFAT, or the checksum of the boot area is wrong: Windows mounts
+    // no such volume. Its parts may be beyond the end of what is there.
+    static std::optional<Layout> ReadLayout(const VolumeBytes& bytes);
     std::optional<std::string> FolderBytes(const Item& folder) const;
     std::optional<std::string> RecordedBytes(const Item& item) const;
 
-    std::optional<ExfatLayout> layout_;
+    std::optional<Layout> layout_;
 };
 
 }  // namespace machine

@@ -104,6 +104,53 @@ TEST_F(DiscVolumeTest, UdfWithLongFoldersAndUnicodeNames_Read_ReturnsEveryFile) 
     ExpectCrowd(Open<UdfVolume>(DiscOf(crowd, "-input-charset utf-8 -udf")));
 }
 
+// The files part_a and part_b as sections of one, part_a; no tool makes any below 4 GiB.
+std::string WithSections(const std::string& disc) {
+    const std::string bytes = ContentOf(disc);
+    for (const auto& [first, second] : {std::pair<std::string, std::string>("PART_A", "PART_B"),
+                                        {{"\0p\0a\0r\0t\0_\0a", 12}, {"\0p\0a\0r\0t\0_\0b", 12}}}) {
+        if (bytes.find(first) == std::string::npos) continue;
+        const size_t record = bytes.find(first) - 33;
+        PatchByte(disc, record + 25, 0x80);
+        const size_t end = bytes.find(second) + second.size() - 1;
+        PatchByte(disc, end, static_cast<uint8_t>(first.back()));
+    }
+    return disc;
+}
+
+TEST_F(DiscVolumeTest, FileInSections_Read_ReturnsAllOfThem) {
+    for (const std::string joliet : {"", "-J"}) {
+        const std::string image = WithSections(DiscOf(
+            "seq 9000 | head -c 4096 >part_a && seq 500 >part_b && echo x >other", "-iso-level 2 " + joliet));
+        auto volume = Open<IsoVolume>(image);
+        std::string content;
+
+        ASSERT_EQ(volume.Read("part_a", content), 0u);
+        EXPECT_EQ(content, OutputOf("seq 9000 | head -c 4096; seq 500"));
+        EXPECT_EQ(content, OutputOf("isoinfo -i '" + image + "' " +
+                                    (joliet.empty() ? "-x '/PART_A.;1'" : "-J -x /part_a")));
+        EXPECT_EQ(volume.Find("part_b"), FileKind::None);
+        EXPECT_EQ(volume.Read("other", content), 0u);
+        std::filesystem::remove_all(Folder() / "content");
+    }
+}
+
+// The second section is missing, or the first is interleaved.
+TEST_F(DiscVolumeTest, IncompleteSections_Read_FailForThatFileAlone) {
+    const std::pair<size_t, uint8_t> damages[] = {{25, 0x80}, {26, 1}};
+    for (const auto& [at, value] : damages) {
+        const std::string image = DiscOf("seq 900 >part_a && seq 500 >part_b", "-iso-level 2");
+        PatchByte(image, ContentOf(image).find("PART_A") - 33 + at, value);
+        auto volume = Open<IsoVolume>(image);
+        std::string content = "as it was";
+
+        EXPECT_EQ(volume.Read("part_a", content), 1392u) << at;
+        EXPECT_EQ(content, "as it was");
+        EXPECT_EQ(volume.Read("part_b", content), 0u) << at;
+        std::filesystem::remove_all(Folder() / "content");
+    }
+}
+
 TEST_F(DiscVolumeTest, EmptyUdfOfAnotherTool_Find_ReturnsTheRoot) {
     const std::string image = (Folder() / "empty.udf").string();
     OutputOf("truncate -s 4M '" + image + "' && mkudffs -b 2048 -m dvd '" + image + "'");
