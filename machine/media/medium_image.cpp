@@ -57,30 +57,35 @@ Volume DiscOn(const SharedImage& image) {
 // The first sector of a volume has the signature of a partition table, so a damaged volume can look like an
 // empty table.
 constexpr const char* noStick =
-    "no stick: neither a FAT, exFAT or NTFS volume nor a partition table with one; it may be truncated";
+    "no stick: neither a FAT, exFAT, NTFS or UDF volume nor a partition table with one; it may be truncated";
 
 Volume FirstVolumeOn(const SharedImage& image) {
     Disk disk;
     const TableFindings findings = ReadTable(*image, disk);
     if (disk.partitions.empty()) throw image->Error(noStick);
+    std::string unread;
     for (const Partition& partition : disk.partitions) {
         const auto fileSystem =
             FileSystemOf(VolumeBytes(image, partition.offset, partition.size), MediumKind::Disk);
         if (!fileSystem) continue;
         Volume volume = VolumeAt(image, *fileSystem, partition.offset, partition.size);
-        if (!volume.store) continue;
+        if (!volume.store) {
+            unread += unread.empty() ? "; not read: " : ", ";
+            unread += "partition " + std::to_string(partition.number) + " (" + fileSystem->kind + ")";
+            continue;
+        }
         CheckIsReadable(image, volume, partition.offset, partition.size);
         return volume;
     }
     if (!findings.problems.empty()) throw image->Error(findings.problems.front());
-    throw image->Error("none of its partitions is a FAT, exFAT or NTFS volume");
+    throw image->Error("none of its partitions is a FAT, exFAT, NTFS or UDF volume" + unread);
 }
 
 Volume StickOn(const SharedImage& image) {
     if (const auto whole = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disk)) {
         Volume volume = VolumeAt(image, *whole, 0, image->Size());
         if (!volume.store)
-            throw image->Error("a volume of " + whole->kind + ", but only FAT, exFAT and NTFS are read");
+            throw image->Error("a volume of " + whole->kind + ", but only FAT, exFAT, NTFS and UDF are read");
         CheckIsReadable(image, volume, 0, image->Size());
         return volume;
     }

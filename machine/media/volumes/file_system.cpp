@@ -59,6 +59,15 @@ Label UdfLabel(const VolumeBytes& bytes) {
     return IsNamedUdf(bytes) ? UdfVolume(bytes).Label() : std::nullopt;
 }
 
+// Its blocks are the sectors of the disk, which are never those of a disc. What a disk had before its
+// partition table is behind that table.
+Label UdfOnDiskLabel(const VolumeBytes& bytes) {
+    const auto sector = bytes.Read(0, diskSectorSize);
+    if (!sector || Le16(*sector, 510) == 0xAA55 || !IsNamedUdf(bytes)) return std::nullopt;
+    const UdfVolume volume(bytes);
+    return volume.BlockSize() == 512 || volume.BlockSize() == 4096 ? volume.Label() : std::nullopt;
+}
+
 Label IsoLabel(const VolumeBytes& bytes) {
     return IsoVolume(bytes).Label();
 }
@@ -90,6 +99,7 @@ constexpr KnownFileSystem knownFileSystems[] = {
     {MediumKind::Disk, "ReFS", 0, "\0\0\0ReFS\0"sv, NoLabel},
     {MediumKind::Disk, "FAT32", 0, "", Fat32Label},
     {MediumKind::Disk, "FAT", 0, "", FatLabel},
+    {MediumKind::Disk, "UDF", 0, "", UdfOnDiskLabel},
     {MediumKind::Disc, "UDF", 0, "", UdfLabel},
     {MediumKind::Disc, "CDFS", 0x8001, "CD001", IsoLabel},
     {MediumKind::Disc, "CDFS", 0x8009, "CDROM", HighSierraLabel},

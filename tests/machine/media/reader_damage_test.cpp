@@ -134,6 +134,16 @@ TEST_F(ReaderDamageTest, DamagedUdf_Read_AnswersOrFails) {
     ExpectUnharmed(image, {512 * KiB, 552 * KiB}, 10, AskDisc);
 }
 
+TEST_F(ReaderDamageTest, DamagedUdfOfEachKind_Read_AnswersOrFails) {
+    // Where each has its folders.
+    const std::pair<const char*, Stretch> discs[] = {
+        {"disc-udf-virtual.iso", {1738 * 2 * KiB, 1789 * 2 * KiB}},
+        {"disc-udf-sparable.iso", {4385 * 2 * KiB, 4544 * 2 * KiB}},
+        {"disc-udf-metadata.iso", {288 * 2 * KiB, 368 * 2 * KiB}}};
+    for (const auto& [name, folders] : discs)
+        ExpectUnharmed(MadeImage(name), folders, 15, AskDisc);
+}
+
 TEST_F(ReaderDamageTest, DamagedHive_Read_AnswersOrFails) {
     const std::string hive = HiveFile();
     ExpectUnharmed(hive, {0, 4 * KiB}, 11, AskHive);

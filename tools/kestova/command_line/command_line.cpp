@@ -14,7 +14,7 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
              {"--sector-size", "512|4096", "Of the disk image, where its table does not show it",
               &choice.sectorSize},
              {"--disc", "FILE", "An image of a disc, ISO 9660 or UDF; repeated: more drives", &choice.discs},
-             {"--stick", "FILE", "An image of a stick, FAT, exFAT or NTFS; repeated: more sticks", &choice.sticks},
+             {"--stick", "FILE", "An image of a stick, FAT, exFAT, NTFS or UDF; repeated: more sticks", &choice.sticks},
              {"--pc", "NAME|FILE", "A machine that comes with the tool, or a description file", &choice.pc,
               "--image"},
              {"--windows", "", "The installed Windows is running", &choice.windows},
