@@ -1,7 +1,7 @@
 // An NTFS volume. What is written stays in memory.
 #include "fuzz/ask_files.h"
 #include "fuzz/patched_image.h"
-#include "machine/media/volumes/ntfs_volume.h"
+#include "machine/media/volumes/ntfs/ntfs_volume.h"
 
 using namespace machine;
 

@@ -1,4 +1,4 @@
-// A UDF disc.
+// UDF discs, with partitions of each kind.
 #include "fuzz/ask_files.h"
 #include "fuzz/patched_image.h"
 #include "machine/media/volumes/udf_volume.h"
@@ -22,9 +22,15 @@ void RepairTags(PatchedImage& image) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static PatchedImage base("disc-udf.iso", RepairTags);
+    static const std::vector<std::unique_ptr<PatchedImage>> images = [] {
+        std::vector<std::unique_ptr<PatchedImage>> made;
+        for (const char* const name :
+             {"disc-udf.iso", "disc-udf-virtual.iso", "disc-udf-sparable.iso", "disc-udf-metadata.iso"})
+            made.push_back(std::make_unique<PatchedImage>(name, RepairTags));
+        return made;
+    }();
     FuzzedDataProvider input(data, size);
-    base.Ask(input, [](const std::string& path) {
+    Chosen(input, images).Ask(input, [](const std::string& path) {
         const auto image = std::make_shared<ImageFile>(path, ImageAccess::Read);
         UdfVolume volume(VolumeBytes(image, 0, image->Size()));
         AskFiles(volume);

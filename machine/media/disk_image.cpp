@@ -7,8 +7,8 @@
 #include "machine/media/device/image_file.h"
 #include "machine/media/table/gpt_repair.h"
 #include "machine/media/table/image_table.h"
-#include "machine/media/volumes/file_system_probe.h"
-#include "machine/media/volumes/ntfs_volume.h"
+#include "machine/media/volumes/file_system.h"
+#include "machine/media/volumes/ntfs/ntfs_volume.h"
 #include "machine/media/volumes/volume_image.h"
 
 namespace machine {
@@ -25,9 +25,10 @@ std::string NameOf(const Partition& partition) {
 
 // What Windows would find there: a known file system, or an unreadable one if the partition's type implies
 // a volume.
-std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, FileSystemProbe& probe,
-                                 PartitionStyle style, const Partition& partition) {
-    const auto fileSystem = probe.Identify(partition.offset, partition.size);
+std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, PartitionStyle style,
+                                 const Partition& partition) {
+    const auto fileSystem =
+        FileSystemOf(VolumeBytes(image, partition.offset, partition.size), MediumKind::Disk);
     if (!fileSystem && ExtentTypeOf(style, partition) != VDS_DET_DATA) return std::nullopt;
     return VolumeAt(image, fileSystem.value_or(FileSystem{"RAW", ""}), partition.offset, partition.size);
 }
@@ -81,11 +82,11 @@ void CheckMayChangeTable(const ImageFile& image, const TableFindings& findings) 
 }
 
 // The first sector of a volume has the same signature as a partition table.
-void CheckIsWholeDisk(const ImageFile& image, FileSystemProbe& probe) {
-    const auto fileSystem = probe.Identify(0, image.Size());
+void CheckIsWholeDisk(const std::shared_ptr<ImageFile>& image) {
+    const auto fileSystem = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disk);
     if (fileSystem)
-        throw image.Error("no partition table, so no disk image: the file holds a single " +
-                          fileSystem->kind + " volume");
+        throw image->Error("no partition table, so no disk image: the file holds a single " +
+                           fileSystem->kind + " volume");
 }
 
 bool Touches(const ImageChange& change, const Partition& partition) {
@@ -99,9 +100,8 @@ bool Touches(const ImageChange& change, const Partition& partition) {
 void CheckMayChangeVolumes(const std::shared_ptr<ImageFile>& image, const ImageChange& change) {
     Disk disk;
     ReadTable(*image, disk);
-    FileSystemProbe probe(*image, MediumKind::Disk);
     for (Partition& partition : disk.partitions)
-        partition.volume = ReadVolume(image, probe, disk.style, partition);
+        partition.volume = ReadVolume(image, disk.style, partition);
     NameVolumes(disk);
     for (const Partition& partition : disk.partitions) {
         auto* const volume = NtfsOn(partition);
@@ -119,8 +119,7 @@ void CommitOrThrow(ImageFile& image) {
 
 void AttachImage(Disk& disk, const ImageUse& use) {
     const auto image = std::make_shared<ImageFile>(disk.image, use);
-    FileSystemProbe probe(*image, MediumKind::Disk);
-    CheckIsWholeDisk(*image, probe);
+    CheckIsWholeDisk(image);
     Disk attached = disk;
     const TableFindings findings = ReadTable(*image, attached);
     if (use.access != ImageAccess::Read) CheckMayChangeTable(*image, findings);
@@ -129,7 +128,7 @@ void AttachImage(Disk& disk, const ImageUse& use) {
             image->AddNote(sentence);
     }
     for (Partition& partition : attached.partitions)
-        partition.volume = ReadVolume(image, probe, attached.style, partition);
+        partition.volume = ReadVolume(image, attached.style, partition);
     Merge(*image, disk.partitions, attached);
     NameVolumes(attached);
     attached.table = std::make_shared<ImageTable>(image, attached.style);

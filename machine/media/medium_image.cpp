@@ -27,6 +27,7 @@ OwnLength OwnLengthOf(const std::string& fileSystem, const VolumeBytes& bytes) {
     const std::string sector = bytes.Read(isDisc ? discDescriptor : 0, 512).value_or("");
     if (isDisc) return {Le32(sector, 80), Le16(sector, 128)};
     if (fileSystem == "NTFS") return {Le64(sector, 40), Le16(sector, 11)};
+    if (fileSystem == "exFAT") return {Le64(sector, 72), uint64_t{1} << Byte(sector, 108)};
     if (fileSystem == "UDF") return {0, 0};
     return {Le16(sector, 19) != 0 ? Le16(sector, 19) : Le32(sector, 32), Le16(sector, 11)};
 }
@@ -46,7 +47,7 @@ void CheckIsReadable(const SharedImage& image, const Volume& volume, uint64_t of
 }
 
 Volume DiscOn(const SharedImage& image) {
-    const auto fileSystem = FileSystemProbe(*image, MediumKind::Disc).Identify(0, image->Size());
+    const auto fileSystem = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disc);
     if (!fileSystem) throw image->Error("no disc: neither ISO 9660 nor UDF");
     Volume volume = VolumeAt(image, *fileSystem, 0, image->Size());
     CheckIsReadable(image, volume, 0, image->Size());
@@ -56,38 +57,43 @@ Volume DiscOn(const SharedImage& image) {
 // The first sector of a volume has the signature of a partition table, so a damaged volume can look like an
 // empty table.
 constexpr const char* noStick =
-    "no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated";
+    "no stick: neither a FAT, exFAT, NTFS or UDF volume nor a partition table with one; it may be truncated";
 
-Volume FirstVolumeOn(const SharedImage& image, FileSystemProbe& probe) {
+Volume FirstVolumeOn(const SharedImage& image) {
     Disk disk;
     const TableFindings findings = ReadTable(*image, disk);
     if (disk.partitions.empty()) throw image->Error(noStick);
+    std::string unread;
     for (const Partition& partition : disk.partitions) {
-        const auto fileSystem = probe.Identify(partition.offset, partition.size);
+        const auto fileSystem =
+            FileSystemOf(VolumeBytes(image, partition.offset, partition.size), MediumKind::Disk);
         if (!fileSystem) continue;
         Volume volume = VolumeAt(image, *fileSystem, partition.offset, partition.size);
-        if (!volume.store) continue;
+        if (!volume.store) {
+            unread += unread.empty() ? "; not read: " : ", ";
+            unread += "partition " + std::to_string(partition.number) + " (" + fileSystem->kind + ")";
+            continue;
+        }
         CheckIsReadable(image, volume, partition.offset, partition.size);
         return volume;
     }
     if (!findings.problems.empty()) throw image->Error(findings.problems.front());
-    throw image->Error("none of its partitions is a FAT or NTFS volume");
+    throw image->Error("none of its partitions is a FAT, exFAT, NTFS or UDF volume" + unread);
 }
 
 Volume StickOn(const SharedImage& image) {
-    FileSystemProbe probe(*image, MediumKind::Disk);
-    if (const auto whole = probe.Identify(0, image->Size())) {
+    if (const auto whole = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disk)) {
         Volume volume = VolumeAt(image, *whole, 0, image->Size());
         if (!volume.store)
-            throw image->Error("a volume of " + whole->kind + ", but only FAT and NTFS are read");
+            throw image->Error("a volume of " + whole->kind + ", but only FAT, exFAT, NTFS and UDF are read");
         CheckIsReadable(image, volume, 0, image->Size());
         return volume;
     }
     if (!HasTable(*image)) {
-        const auto disc = FileSystemProbe(*image, MediumKind::Disc).Identify(0, image->Size());
+        const auto disc = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disc);
         throw image->Error(disc ? "a disc, not a stick" : noStick);
     }
-    return FirstVolumeOn(image, probe);
+    return FirstVolumeOn(image);
 }
 
 Volume MediumOn(const std::string& path, DriveType drive) {

@@ -12,8 +12,8 @@ namespace machine {
 // C; none if all are in use. Throws ImageError with the PC unchanged.
 void InsertDisc(Pc& pc, const std::string& path);
 
-// The same for a stick in a removable drive: a single FAT or NTFS volume, or a partition table, of which
-// Windows shows the first readable partition.
+// The same for a stick in a removable drive: a single FAT, exFAT, NTFS or UDF volume, or a partition table,
+// of which Windows shows the first readable partition.
 void InsertStick(Pc& pc, const std::string& path);
 
 // Opens the image that volume.image names, as a disc or a stick by volume.driveType. File system, label and

@@ -21,7 +21,7 @@ fail() {
 begin_image() {
   image=$1
   [[ ! -e $image ]] || fail "$image: is there already; nothing done"
-  for tool in sfdisk mkntfs mkfs.fat wimcapture wimapply mcopy genisoimage; do
+  for tool in sfdisk mkntfs mkfs.fat mkfs.exfat wimcapture wimapply mcopy genisoimage; do
     command -v "$tool" >/dev/null || fail "$tool is missing; see packages.txt"
   done
   parts=$(mktemp -d)
@@ -66,6 +66,16 @@ put_fat() {
   quietly mkfs.fat -F "$1" -n "$2" -h $(($3 * 2048)) "$parts/volume"
   quietly mcopy -s -i "$parts/volume" "$5"/* ::
   put "$parts/volume" "$3"
+  rm "$parts/volume"
+}
+
+# put_exfat LABEL START_MIB SIZE_MIB FOLDER: the same with an exFAT volume, which fsck.exfat finds sound.
+put_exfat() {
+  truncate -s "$3M" "$parts/volume"
+  quietly mkfs.exfat -L "$1" "$parts/volume"
+  quietly "$(dirname "${BASH_SOURCE[0]}")/put-exfat-files" "$parts/volume" "$4"
+  quietly fsck.exfat -n "$parts/volume"
+  put "$parts/volume" "$2"
   rm "$parts/volume"
 }
 

@@ -19,12 +19,23 @@ char ToByte(WCHAR unit) {
     return index != WideView::npos ? static_cast<char>(firstOfTable + index) : '?';
 }
 
+WCHAR FromByte(char byte) {
+    const auto number = static_cast<unsigned char>(byte);
+    return number < firstOfTable ? number : upperHalf[number - firstOfTable];
+}
+
 }  // namespace
 
 std::string ToOem(WideView text) {
     std::string bytes;
     std::transform(text.begin(), text.end(), std::back_inserter(bytes), ToByte);
     return bytes;
+}
+
+std::string FromOem(std::string_view bytes) {
+    WideString text;
+    std::transform(bytes.begin(), bytes.end(), std::back_inserter(text), FromByte);
+    return ToUtf8(text);
 }
 
 }  // namespace machine

@@ -22,8 +22,6 @@ class BlockDevice {
     virtual bool Write(uint64_t offset, const void* bytes, size_t length) = 0;
     // False, with errno set, if the bytes written so far may not be on the medium.
     virtual bool Flush() = 0;
-    // For libraries that read by themselves.
-    virtual int Descriptor() const = 0;
 };
 
 // The smallest unit of tables, and that of atomic writes.

@@ -18,7 +18,6 @@ class FileDevice final : public BlockDevice {
     bool Read(uint64_t offset, void* buffer, size_t length) const override;
     bool Write(uint64_t offset, const void* bytes, size_t length) override;
     bool Flush() override;
-    int Descriptor() const override { return descriptor_; }
 
   private:
     void Check(const std::string& path, bool forWriting);

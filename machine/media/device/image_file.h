@@ -37,8 +37,6 @@ class ImageFile final : public Medium {
     uint64_t Size() const { return device_->Size(); }  // bytes
     // What the user or the device says; nothing if neither does.
     std::optional<uint32_t> SectorSize() const { return sectorSize_; }
-    // The medium without what was not written yet, for libraries that read it themselves.
-    int Descriptor() const { return device_->Descriptor(); }
 
     // Reads all of the bytes or returns false, also for a range beyond the end of the file.
     bool Read(uint64_t offset, void* buffer, size_t length) const;

@@ -1,28 +1,17 @@
 #include "machine/media/volumes/fat_volume.h"
 
 #include <algorithm>
-#include <bit>
 
 #include "base/utf.h"
+#include "machine/api/text/oem_code_page.h"
 
 namespace machine {
 
 namespace {
 
-// --- the boot sector ---
-
-constexpr uint64_t bootSectorSize = 512;
 constexpr uint64_t entrySize = 32;
-constexpr uint32_t firstCluster = 2;
-// A volume with fewer clusters is FAT12 or FAT16.
-constexpr uint64_t leastFat16Clusters = 4085;
-constexpr uint64_t leastFat32Clusters = 65525;
 // The longest folder that the format allows.
 constexpr uint64_t longestFolder = 65536 * entrySize;
-
-bool IsPowerOfTwo(uint64_t number, uint64_t least, uint64_t most) {
-    return std::has_single_bit(number) && number >= least && number <= most;
-}
 
 // --- folder entries ---
 
@@ -43,18 +32,50 @@ uint8_t ShortNameSum(std::string_view entry) {
     return sum;
 }
 
-// Converts "README  TXT" to README.TXT; characters beyond ASCII become "?", which no path contains.
+// A name that begins with the mark of deleted entries has another byte there.
+std::string WithFirstByte(std::string_view name) {
+    constexpr char insteadOfDeleted = 0x05;
+    std::string whole(name);
+    if (whole.starts_with(insteadOfDeleted)) whole[0] = static_cast<char>(deletedEntry);
+    return whole;
+}
+
+// Converts "README  TXT" to README.TXT.
 std::string ShortName(std::string_view entry) {
+    const std::string name = WithFirstByte(entry.substr(0, 11));
     const auto trimmed = [&](size_t at, size_t length) {
-        std::string part(entry.substr(at, length));
+        std::string part = name.substr(at, length);
         part.erase(part.find_last_not_of(' ') + 1);
-        std::replace_if(
-            part.begin(), part.end(), [](char unit) { return (unit & 0x80) != 0; }, '?');
-        return part;
+        return FromOem(part);
     };
     const std::string base = trimmed(0, 8);
     const std::string extension = trimmed(8, 3);
     return extension.empty() ? base : base + '.' + extension;
+}
+
+// --- labels: eleven bytes, padded with blanks ---
+
+constexpr std::string_view unnamed = "NO NAME    ";
+
+// The first entry that is a label; empty if there is none.
+std::string RootLabel(std::string_view folder) {
+    for (size_t at = 0; at < folder.size() && Byte(folder, at) != endOfFolder; at += entrySize) {
+        const std::string_view raw = folder.substr(at, entrySize);
+        const uint8_t attributes = Byte(raw, 11);
+        const bool isLongName = (attributes & attributesMask) == attributesOfLongName;
+        const bool hasContent = Le16(raw, 20) != 0 || Le16(raw, 26) != 0;
+        const bool isLabel = (attributes & (attributeLabel | attributeFolder)) == attributeLabel;
+        if (Byte(raw, 0) != deletedEntry && isLabel && !isLongName && !hasContent)
+            return WithFirstByte(raw.substr(0, unnamed.size()));
+    }
+    return "";
+}
+
+// Where the boot sector has one, a mark precedes it and the serial number.
+std::string BootSectorLabel(std::string_view sector) {
+    constexpr uint8_t mark = 0x29;
+    const size_t at = Le16(sector, 22) == 0 ? 66 : 38;
+    return Byte(sector, at) == mark ? std::string(sector.substr(at + 5, unnamed.size())) : "";
 }
 
 // The entries of a long name precede the short entry, the last part first.
@@ -102,93 +123,17 @@ class LongName {
 
 // --- the volume ---
 
-FatVolume::FatVolume(VolumeBytes bytes) : ReadOnlyVolume(std::move(bytes)), layout_(ReadLayout(Bytes())) {}
-
-std::optional<FatVolume::Layout> FatVolume::ReadLayout(const VolumeBytes& bytes) {
-    const auto sector = bytes.Read(0, bootSectorSize);
-    if (!sector) return std::nullopt;
-    const uint64_t sectorSize = Le16(*sector, 11);
-    const uint64_t sectorsPerCluster = Byte(*sector, 13);
-    const uint64_t reserved = Le16(*sector, 14);
-    const uint64_t tables = Byte(*sector, 16);
-    const uint64_t rootEntries = Le16(*sector, 17);
-    const uint64_t sectors = Le16(*sector, 19) != 0 ? Le16(*sector, 19) : Le32(*sector, 32);
-    const bool isFat32 = Le16(*sector, 22) == 0;
-    const uint64_t tableSectors = isFat32 ? Le32(*sector, 36) : Le16(*sector, 22);
-    if (!IsPowerOfTwo(sectorSize, 512, 4096) || !IsPowerOfTwo(sectorsPerCluster, 1, 128) || reserved == 0 ||
-        tables == 0 || tableSectors == 0 || sectors * sectorSize > bytes.Size()) {
-        return std::nullopt;
-    }
-    Layout layout;
-    layout.clusterSize = sectorsPerCluster * sectorSize;
-    layout.table = reserved * sectorSize;
-    layout.tableSize = tableSectors * sectorSize;
-    layout.rootFolder = layout.table + tables * layout.tableSize;
-    layout.rootFolderSize = (rootEntries * entrySize + sectorSize - 1) / sectorSize * sectorSize;
-    layout.data = layout.rootFolder + layout.rootFolderSize;
-    if (layout.data > sectors * sectorSize) return std::nullopt;
-    const uint64_t clusters = (sectors * sectorSize - layout.data) / layout.clusterSize;
-    layout.entryBits = isFat32 ? 32 : clusters < leastFat16Clusters ? 12 : 16;
-    if (!isFat32 && clusters >= leastFat32Clusters) return std::nullopt;
-    if ((clusters + firstCluster) * layout.entryBits > layout.tableSize * 8) return std::nullopt;
-    layout.clusters = static_cast<uint32_t>(clusters);
-    layout.rootCluster = Le32(*sector, 44);
-    return layout;
-}
-
-bool FatVolume::IsCluster(uint64_t number) const {
-    return number >= firstCluster && number - firstCluster < layout_->clusters;
-}
-
-std::optional<uint32_t> FatVolume::Next(uint32_t cluster) const {
-    const uint64_t at = layout_->table + uint64_t{cluster} * layout_->entryBits / 8;
-    const auto entry = Bytes().Read(at, layout_->entryBits == 32 ? 4 : 2);
-    if (!entry) return std::nullopt;
-    switch (layout_->entryBits) {
-        case 12:
-            return cluster % 2 == 0 ? Le16(*entry, 0) & 0xFFFU : Le16(*entry, 0) >> 4U;
-        case 16:
-            return Le16(*entry, 0);
-        default:
-            return Le32(*entry, 0) & 0x0FFFFFFFU;
-    }
-}
-
-std::optional<std::string> FatVolume::ReadClusters(uint64_t first, uint64_t length) const {
-    std::string content;
-    // Detects a cycle with a single mark that is moved after 1, 2, 4, 8 and so on clusters: a chain that
-    // returns to it is a cycle, and any cycle eventually fits between two moves.
-    uint64_t mark = 0;
-    uint64_t passed = 0;
-    for (uint64_t cluster = first; content.size() < length;) {
-        if (!IsCluster(cluster) || cluster == mark) return std::nullopt;
-        if (std::has_single_bit(++passed)) mark = cluster;
-        const uint64_t count = std::min(layout_->clusterSize, length - content.size());
-        const auto piece =
-            Bytes().Read(layout_->data + (cluster - firstCluster) * layout_->clusterSize, count);
-        const auto next = Next(static_cast<uint32_t>(cluster));
-        if (!piece || !next) return std::nullopt;
-        content += *piece;
-        cluster = *next;
-    }
-    return content;
-}
-
-std::optional<std::string> FatVolume::ReadAllClusters(uint64_t first, uint64_t most) const {
-    const uint32_t lastMark = layout_->entryBits == 32 ? 0x0FFFFFF8U : (1U << layout_->entryBits) - 8;
-    uint64_t length = 0;
-    for (uint64_t cluster = first; cluster < lastMark;) {
-        length += layout_->clusterSize;
-        if (!IsCluster(cluster) || length > most) return std::nullopt;
-        const auto next = Next(static_cast<uint32_t>(cluster));
-        if (!next) return std::nullopt;
-        cluster = *next;
-    }
-    return ReadClusters(first, length);
+FatVolume::FatVolume(VolumeBytes bytes) : ReadOnlyVolume(std::move(bytes)), layout_(ReadFatLayout(Bytes())) {
+    const auto isWhole = [&](const FatLayout& layout) {
+        return layout.end <= Bytes().Size() &&
+               (uint64_t{layout.clusters} + firstCluster) * layout.entryBits <= layout.tableSize * 8;
+    };
+    if (layout_ && !isWhole(*layout_)) layout_.reset();
 }
 
 std::optional<std::string> FatVolume::FolderBytes(const Item& folder) const {
-    if (folder.place != 0) return ReadAllClusters(folder.place, longestFolder);
+    if (!layout_ || (folder.place == 0 && layout_->rootFolderSize == 0)) return std::nullopt;
+    if (folder.place != 0) return ReadWholeChain(Bytes(), *layout_, folder.place, longestFolder);
     return Bytes().Read(layout_->rootFolder, layout_->rootFolderSize);
 }
 
@@ -200,7 +145,6 @@ FatVolume::Item FatVolume::Root() const {
 }
 
 std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Item& folder) const {
-    if (!layout_ || (folder.place == 0 && layout_->rootFolderSize == 0)) return std::nullopt;
     const auto bytes = FolderBytes(folder);
     if (!bytes) return std::nullopt;
     std::vector<Entry> entries;
@@ -222,17 +166,25 @@ std::optional<std::vector<FatVolume::Entry>> FatVolume::List(const Item& folder)
         entry.place = high << 16 | Le16(raw, 26);
         entry.size = Le32(raw, 28);
         longName.Clear();
-        if (!isUsed || entry.alias == "." || entry.alias == "..") continue;
-        // Only the root is outside the clusters, and no entry refers to it.
-        if (entry.isFolder && !IsCluster(entry.place)) return std::nullopt;
-        entries.push_back(std::move(entry));
+        // Only the root is outside the clusters, and no entry but ".." refers to it.
+        const bool isPossible = !entry.isFolder || IsCluster(*layout_, entry.place);
+        if (isUsed && isPossible && entry.alias != "." && entry.alias != "..")
+            entries.push_back(std::move(entry));
     }
     return entries;
 }
 
+std::string FatVolume::Label() const {
+    std::string label;
+    if (const auto bytes = FolderBytes(Root())) label = RootLabel(*bytes);
+    if (label.empty() || label == unnamed)
+        label = BootSectorLabel(Bytes().Read(0, diskSectorSize).value_or(""));
+    return label == unnamed ? "" : FromOem(label);
+}
+
 std::optional<std::string> FatVolume::Content(const Item& file) const {
     if (file.size > std::min(Bytes().Size(), longestFile)) return std::nullopt;
-    return ReadClusters(file.place, file.size);
+    return ReadChain(Bytes(), *layout_, file.place, file.size);
 }
 
 }  // namespace machine

@@ -2,16 +2,20 @@
 #pragma once
 
 #include "machine/media/device/volume_bytes.h"
+#include "machine/media/volumes/fat_layout.h"
 #include "machine/media/volumes/read_only_volume.h"
 
 namespace machine {
 
-// Files are found by long and short names. A short name with characters beyond ASCII, whose code page is
-// unknown, is found only by its long one.
+// Files are found by long names and by short ones, which are in the emulated PC's OEM code page. An entry
+// that cannot be is lost; the others are found.
 class FatVolume final : public ReadOnlyVolume {
   public:
     // Reads the boot sector; a volume with an implausible one counts as damaged.
     explicit FatVolume(VolumeBytes bytes);
+
+    // That of the root folder, or else of the boot sector, in UTF-8. Empty if there is none.
+    std::string Label() const;
 
   protected:
     Item Root() const override;
@@ -19,30 +23,9 @@ class FatVolume final : public ReadOnlyVolume {
     std::optional<std::string> Content(const Item& file) const override;
 
   private:
-    // The layout in bytes from the start of the volume.
-    struct Layout {
-        uint32_t entryBits = 0;  // of the allocation table: 12, 16 or 32
-        uint32_t clusters = 0;
-        uint32_t rootCluster = 0;  // on FAT32
-        uint64_t clusterSize = 0;
-        uint64_t table = 0;
-        uint64_t tableSize = 0;
-        uint64_t rootFolder = 0;  // on FAT12 and FAT16
-        uint64_t rootFolderSize = 0;
-        uint64_t data = 0;  // cluster 2
-    };
-
-    static std::optional<Layout> ReadLayout(const VolumeBytes& bytes);
-    // The allocation-table entry of the cluster: the next cluster, or the end mark.
-    std::optional<uint32_t> Next(uint32_t cluster) const;
-    bool IsCluster(uint64_t number) const;
-    // The bytes of the cluster chain that starts at `first`: `length` bytes, or all up to the last cluster,
-    // which must end before `most` bytes.
-    std::optional<std::string> ReadClusters(uint64_t first, uint64_t length) const;
-    std::optional<std::string> ReadAllClusters(uint64_t first, uint64_t most) const;
     std::optional<std::string> FolderBytes(const Item& folder) const;
 
-    std::optional<Layout> layout_;
+    std::optional<FatLayout> layout_;
 };
 
 }  // namespace machine

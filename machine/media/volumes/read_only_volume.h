@@ -27,8 +27,9 @@ class ReadOnlyVolume : public FileStore {
     // A file or a folder.
     struct Item {
         bool isFolder = false;
-        uint64_t place = 0;  // location of the content, defined by the file system
-        uint64_t size = 0;   // bytes
+        uint64_t place = 0;       // location of the content, defined by the file system
+        uint64_t size = 0;        // bytes
+        uint64_t unrecorded = 0;  // of them at the end, which read as zero
     };
     struct Entry : Item {
         std::string name;   // UTF-8

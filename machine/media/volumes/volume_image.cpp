@@ -1,8 +1,9 @@
 #include "machine/media/volumes/volume_image.h"
 
+#include "machine/media/volumes/exfat_volume.h"
 #include "machine/media/volumes/fat_volume.h"
 #include "machine/media/volumes/iso_volume.h"
-#include "machine/media/volumes/ntfs_volume.h"
+#include "machine/media/volumes/ntfs/ntfs_volume.h"
 #include "machine/media/volumes/udf_volume.h"
 
 namespace machine {
@@ -14,6 +15,7 @@ std::shared_ptr<FileStore> StoreAt(const std::shared_ptr<ImageFile>& image, cons
     const VolumeBytes bytes(image, offset, size);
     if (kind == "NTFS") return std::make_shared<NtfsVolume>(image, offset, size);
     if (kind == "FAT" || kind == "FAT32") return std::make_shared<FatVolume>(bytes);
+    if (kind == "exFAT") return std::make_shared<ExfatVolume>(bytes);
     if (kind == "UDF") return std::make_shared<UdfVolume>(bytes);
     if (kind == "CDFS") return std::make_shared<IsoVolume>(bytes);
     return nullptr;

@@ -4,12 +4,12 @@
 #include <memory>
 
 #include "machine/facts/pc.h"
-#include "machine/media/volumes/file_system_probe.h"
+#include "machine/media/volumes/file_system.h"
 
 namespace machine {
 
 // The volume at that place. Its files are those on the image if this emulation reads the file system (NTFS,
-// FAT, UDF, ISO 9660); otherwise it has none.
+// FAT, exFAT, UDF, ISO 9660); otherwise it has none.
 Volume VolumeAt(const std::shared_ptr<ImageFile>& image, const FileSystem& fileSystem, uint64_t offset,
                 uint64_t size);
 

@@ -1,6 +1,7 @@
 // Files of recovery discs, compared with isoinfo where it supports the format.
 #include "tests/machine/media/image_fixture.h"
 
+#include "machine/media/medium_image.h"
 #include "machine/media/volumes/iso_volume.h"
 #include "machine/media/volumes/udf_volume.h"
 
@@ -104,6 +105,53 @@ TEST_F(DiscVolumeTest, UdfWithLongFoldersAndUnicodeNames_Read_ReturnsEveryFile) 
     ExpectCrowd(Open<UdfVolume>(DiscOf(crowd, "-input-charset utf-8 -udf")));
 }
 
+// The files part_a and part_b as sections of one, part_a; no tool makes any below 4 GiB.
+std::string WithSections(const std::string& disc) {
+    const std::string bytes = ContentOf(disc);
+    for (const auto& [first, second] : {std::pair<std::string, std::string>("PART_A", "PART_B"),
+                                        {{"\0p\0a\0r\0t\0_\0a", 12}, {"\0p\0a\0r\0t\0_\0b", 12}}}) {
+        if (bytes.find(first) == std::string::npos) continue;
+        const size_t record = bytes.find(first) - 33;
+        PatchByte(disc, record + 25, 0x80);
+        const size_t end = bytes.find(second) + second.size() - 1;
+        PatchByte(disc, end, static_cast<uint8_t>(first.back()));
+    }
+    return disc;
+}
+
+TEST_F(DiscVolumeTest, FileInSections_Read_ReturnsAllOfThem) {
+    for (const std::string joliet : {"", "-J"}) {
+        const std::string image = WithSections(DiscOf(
+            "seq 9000 | head -c 4096 >part_a && seq 500 >part_b && echo x >other", "-iso-level 2 " + joliet));
+        auto volume = Open<IsoVolume>(image);
+        std::string content;
+
+        ASSERT_EQ(volume.Read("part_a", content), 0u);
+        EXPECT_EQ(content, OutputOf("seq 9000 | head -c 4096; seq 500"));
+        EXPECT_EQ(content, OutputOf("isoinfo -i '" + image + "' " +
+                                    (joliet.empty() ? "-x '/PART_A.;1'" : "-J -x /part_a")));
+        EXPECT_EQ(volume.Find("part_b"), FileKind::None);
+        EXPECT_EQ(volume.Read("other", content), 0u);
+        std::filesystem::remove_all(Folder() / "content");
+    }
+}
+
+// The second section is missing, or the first is interleaved.
+TEST_F(DiscVolumeTest, IncompleteSections_Read_FailForThatFileAlone) {
+    const std::pair<size_t, uint8_t> damages[] = {{25, 0x80}, {26, 1}};
+    for (const auto& [at, value] : damages) {
+        const std::string image = DiscOf("seq 900 >part_a && seq 500 >part_b", "-iso-level 2");
+        PatchByte(image, ContentOf(image).find("PART_A") - 33 + at, value);
+        auto volume = Open<IsoVolume>(image);
+        std::string content = "as it was";
+
+        EXPECT_EQ(volume.Read("part_a", content), 1392u) << at;
+        EXPECT_EQ(content, "as it was");
+        EXPECT_EQ(volume.Read("part_b", content), 0u) << at;
+        std::filesystem::remove_all(Folder() / "content");
+    }
+}
+
 TEST_F(DiscVolumeTest, EmptyUdfOfAnotherTool_Find_ReturnsTheRoot) {
     const std::string image = (Folder() / "empty.udf").string();
     OutputOf("truncate -s 4M '" + image + "' && mkudffs -b 2048 -m dvd '" + image + "'");
@@ -112,6 +160,92 @@ TEST_F(DiscVolumeTest, EmptyUdfOfAnotherTool_Find_ReturnsTheRoot) {
 
     EXPECT_EQ(volume.Find(""), FileKind::Folder);
     EXPECT_EQ(volume.Find("sources"), FileKind::None);
+}
+
+class UdfKindTest : public DiscVolumeTest, public testing::WithParamInterface<const char*> {
+  protected:
+    std::string Make(int blockSize, const std::string& script) {
+        const std::string folder = (Folder() / "content").string();
+        std::string image = (Folder() / "volume.udf").string();
+        OutputOf("rm -rf '" + folder + "' && mkdir '" + folder + "' && cd '" + folder + "' && " + script);
+        OutputOf(std::string("LC_ALL=C.UTF-8 ") + KESTOVA_IMAGE_SCRIPTS + "/make-udf " + GetParam() + " " +
+                 std::to_string(blockSize) + " '" + image + "' '" + folder + "'");
+        return image;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, UdfKindTest,
+                         testing::Values("plain", "virtual", "sparable", "metadata", "mirrored"),
+                         [](const auto& kind) { return std::string(kind.param); });
+
+TEST_P(UdfKindTest, BlocksOfEachSize_Read_ReturnEveryFile) {
+    for (const int blockSize : {512, 1024, 2048, 4096}) {
+        const std::string image =
+            Make(blockSize,
+                 std::string(crowd) + " && seq 30000 >long && { seq 2000; head -c 9000 /dev/zero; } >zeros");
+        auto volume = Open<UdfVolume>(image);
+        std::string content;
+
+        ExpectCrowd(Open<UdfVolume>(image));
+        EXPECT_EQ(volume.Read("long", content), 0u) << blockSize;
+        EXPECT_EQ(content, OutputOf("seq 30000"));
+        EXPECT_EQ(volume.Read("zeros", content), 0u) << blockSize;
+        EXPECT_EQ(content, OutputOf("seq 2000; head -c 9000 /dev/zero"));
+        EXPECT_EQ(volume.Label(), "RECOVERY");
+        EXPECT_EQ(OutputOf("blkid -p -n udf -o value -s LABEL '" + image + "'"), "RECOVERY\n");
+    }
+}
+
+// What a drive writes behind the last block of a disc.
+TEST_P(UdfKindTest, BlocksBehindTheLastOne_Find_ReturnsTheFile) {
+    const std::string image = Make(2048, "echo x >file");
+    std::filesystem::resize_file(image, std::filesystem::file_size(image) + 150ULL * 2048);
+
+    EXPECT_EQ(Open<UdfVolume>(image).Find("file"), FileKind::File);
+}
+
+// The sector of the anchor is that of the disk.
+TEST_P(UdfKindTest, StickAndPartition_Attach_ReadTheFiles) {
+    const std::string stick = Make(512, "mkdir sources && echo x >sources/UFD");
+    Pc pc;
+    InsertStick(pc, stick);
+    EXPECT_EQ(pc.volumes[0].fileSystem, "UDF");
+    EXPECT_EQ(pc.volumes[0].label.value, "RECOVERY");
+    EXPECT_EQ(pc.volumes[0].store->Find("sources/UFD"), FileKind::File);
+
+    const std::string size = std::to_string(std::filesystem::file_size(stick) / 512);
+    const std::string disk = PartitionedImage(8, "label: dos\\n1: start=2048,size=" + size + ",type=7\\n");
+    PutPartition(stick, disk, 1);
+    const Volume volume = *Attach(disk).partitions[0].volume;
+    EXPECT_EQ(volume.fileSystem, "UDF");
+    EXPECT_EQ(volume.store->Find("sources/UFD"), FileKind::File);
+}
+
+// Of a metadata partition that is broken and has no sound mirror.
+TEST_F(DiscVolumeTest, UdfWithUnknownPartitions_Find_ReturnsNothing) {
+    const std::string image = (Folder() / "volume.udf").string();
+    OutputOf(std::string("mkdir '") + (Folder() / "content").string() + "' && " + KESTOVA_IMAGE_SCRIPTS +
+             "/make-udf mirrored 2048 '" + image + "' '" + (Folder() / "content").string() + "'");
+    EXPECT_EQ(Open<UdfVolume>(image).Find(""), FileKind::Folder);
+
+    PatchByte(image, (288ULL + 1) * 2048, 0);
+    auto volume = Open<UdfVolume>(image);
+    EXPECT_EQ(volume.Find(""), FileKind::None);
+    EXPECT_EQ(volume.Label(), "RECOVERY");
+}
+
+// The tool makes an image of that length, although the last block that it writes has the number 299.
+TEST_F(DiscVolumeTest, EmptyUdfOfAnotherToolInPackets_Find_ReturnsTheRoot) {
+    const std::pair<const char*, uintmax_t> formats[] = {
+        {"-m cdr -r 2.01", 300}, {"-m cdr -r 1.50", 300}, {"-m cdrw", 4096}};
+    for (const auto& [options, blocks] : formats) {
+        const std::string image = (Folder() / "empty.udf").string();
+        OutputOf("rm -f '" + image + "' && truncate -s 8M '" + image + "' && mkudffs -b 2048 " + options +
+                 " '" + image + "'");
+        std::filesystem::resize_file(image, blocks * 2048);
+
+        EXPECT_EQ(Open<UdfVolume>(image).Find(""), FileKind::Folder) << options;
+    }
 }
 
 TEST_F(DiscVolumeTest, TruncatedDisc_Read_FailsForTheLostFiles) {

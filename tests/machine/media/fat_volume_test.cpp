@@ -140,6 +140,57 @@ TEST_P(FatVolumeTest, TruncatedVolume_Find_ReturnsNothing) {
     EXPECT_EQ(volume.Read("sources/Qelhdrcv.ini", content), 1392u);
 }
 
+// Windows gives a name no long form that the code page has in capitals.
+TEST_P(FatVolumeTest, ShortNameOfTheOemCodePage_Read_ReturnsTheFile) {
+    Mtools("mcopy", "'" + LocalFile("GROSSE.TXT", 5) + "' ::");
+    const size_t entry = ContentOf(image_).find("GROSSE  TXT");
+    PatchByte(image_, entry + 2, 0x99);
+    FatVolume volume = Open();
+    std::string content;
+
+    EXPECT_EQ(volume.Read("größe.txt", content), 2u);
+    EXPECT_EQ(volume.Read("grÖsse.txt", content), 0u);
+    EXPECT_EQ(content, "1\n2\n3");
+    PatchByte(image_, entry, 0x05);
+    EXPECT_EQ(Open().Find("σrÖsse.txt"), FileKind::File)
+        << "the byte of a deleted entry has another place holder";
+}
+
+TEST_P(FatVolumeTest, FolderOutsideTheVolume_Find_LosesThatFolderAlone) {
+    for (const char* const name : {"lost", "kept"})
+        Mtools("mmd", std::string("::") + name);
+    const size_t entry = ContentOf(image_).find("LOST       ");
+    for (const uint32_t cluster : {0x0000U, 0x0001U, 0xFFFFU}) {
+        // The upper half, which FAT32 alone has, and the lower one.
+        for (const uint64_t half : {entry + 20, entry + 26}) {
+            PatchByte(image_, half,
+                      static_cast<uint8_t>(half < entry + 26 && cluster < 2 ? 0 : cluster & 0xFF));
+            PatchByte(image_, half + 1, static_cast<uint8_t>(cluster >> 8));
+        }
+        FatVolume volume = Open();
+
+        EXPECT_EQ(volume.Find(""), FileKind::Folder);
+        EXPECT_EQ(volume.Find("lost"), FileKind::None) << cluster;
+        EXPECT_EQ(volume.Find("kept"), FileKind::Folder);
+        EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
+    }
+}
+
+TEST_P(FatVolumeTest, LongNameThatDoesNotFit_Find_FallsBackToTheShortOne) {
+    const uint64_t parts[] = {ContentOf(image_).find(std::string("\x01I\0m\0a\0g\0", 9)),
+                              ContentOf(image_).find("IMAGEO~1WIM") - 32};
+    for (const uint64_t part : parts) {
+        const uint8_t sum = ByteAt(image_, part + 13);
+        PatchByte(image_, part + 13, static_cast<uint8_t>(sum + 1));
+        FatVolume volume = Open();
+
+        EXPECT_EQ(volume.Find(longName), FileKind::None);
+        EXPECT_EQ(volume.Find("sources/IMAGEO~1.WIM"), FileKind::File);
+        EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
+        PatchByte(image_, part + 13, sum);
+    }
+}
+
 class FatCycleTest : public ImageTest {
   protected:
     // A FAT16 stick with a file of five clusters, the last of which refers back to cluster `backTo`,

@@ -6,7 +6,7 @@
 #include "machine/media/device/little_endian.h"
 #include "machine/media/volumes/fat_volume.h"
 #include "machine/media/volumes/iso_volume.h"
-#include "machine/media/volumes/ntfs_volume.h"
+#include "machine/media/volumes/ntfs/ntfs_volume.h"
 #include "machine/media/volumes/udf_volume.h"
 #include "tests/machine/media/image_fixture.h"
 
@@ -185,7 +185,6 @@ class CountingDevice final : public BlockDevice {
     }
     bool Write(uint64_t, const void*, size_t) override { return false; }
     bool Flush() override { return false; }
-    int Descriptor() const override { return file_.Descriptor(); }
 
   private:
     FileDevice file_;

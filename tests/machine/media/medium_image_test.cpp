@@ -27,7 +27,8 @@ class MediumImageTest : public ImageTest {
 
 TEST_F(MediumImageTest, DiscOfEachFormat_Insert_CreatesAnOpticalVolume) {
     const std::pair<const char*, const char*> formats[] = {
-        {"disc-iso.iso", "CDFS"}, {"disc-joliet.iso", "CDFS"}, {"disc-udf.iso", "UDF"}};
+        {"disc-iso.iso", "CDFS"},        {"disc-joliet.iso", "CDFS"},      {"disc-udf.iso", "UDF"},
+        {"disc-udf-virtual.iso", "UDF"}, {"disc-udf-sparable.iso", "UDF"}, {"disc-udf-metadata.iso", "UDF"}};
     for (const auto& [name, fileSystem] : formats) {
         Pc pc = FactoryMbr();
 
@@ -43,11 +44,9 @@ TEST_F(MediumImageTest, DiscOfEachFormat_Insert_CreatesAnOpticalVolume) {
 }
 
 TEST_F(MediumImageTest, StickOfEachFormat_Insert_CreatesARemovableVolume) {
-    const std::pair<const char*, const char*> formats[] = {{"stick-fat12.img", "FAT"},
-                                                           {"stick-fat16.img", "FAT"},
-                                                           {"stick-fat32.img", "FAT32"},
-                                                           {"stick-ntfs.img", "NTFS"},
-                                                           {"stick-table.img", "FAT"}};
+    const std::pair<const char*, const char*> formats[] = {
+        {"stick-fat12.img", "FAT"},   {"stick-fat16.img", "FAT"}, {"stick-fat32.img", "FAT32"},
+        {"stick-exfat.img", "exFAT"}, {"stick-ntfs.img", "NTFS"}, {"stick-table.img", "FAT"}};
     for (const auto& [name, fileSystem] : formats) {
         Pc pc = FactoryMbr();
         const std::string image = MadeImage(name);
@@ -131,9 +130,46 @@ TEST_F(MediumImageTest, FileWithoutStick_Insert_IsRefused) {
     const std::string locked = PartitionFile(MadeImage("bitlocker.img"), 41, 80);
 
     EXPECT_EQ(Refusal(InsertStick, disc), disc + ": a disc, not a stick");
-    EXPECT_EQ(Refusal(InsertStick, bare), bare + ": none of its partitions is a FAT or NTFS volume");
+    EXPECT_EQ(Refusal(InsertStick, bare),
+              bare + ": none of its partitions is a FAT, exFAT, NTFS or UDF volume");
     EXPECT_EQ(Refusal(InsertStick, locked),
-              locked + ": a volume of BitLocker, but only FAT and NTFS are read");
+              locked + ": a volume of BitLocker, but only FAT, exFAT, NTFS and UDF are read");
+}
+
+TEST_F(MediumImageTest, StickOfUnreadVolumes_Insert_NamesThem) {
+    const std::string stick = PartitionedImage(
+        20, "label: dos\\n1: start=2048,size=2048,type=7\\n2: start=4096,size=2048,type=7\\n");
+    const std::string reFs("\0\0\0ReFS", 7);
+    for (size_t at = 0; at < 8; ++at) {
+        PatchByte(stick, 1 * MiB + 3 + at, static_cast<uint8_t>("-FVE-FS-"[at]));
+        if (at < reFs.size()) PatchByte(stick, 2 * MiB + at, static_cast<uint8_t>(reFs[at]));
+    }
+
+    EXPECT_EQ(
+        Refusal(InsertStick, stick),
+        stick +
+            ": none of its partitions is a FAT, exFAT, NTFS or UDF volume; not read: partition 1 (BitLocker), "
+            "partition 2 (ReFS)");
+}
+
+// The blocks of a disc are no sectors of a stick.
+TEST_F(MediumImageTest, UdfOfADisc_InsertAsStick_IsRefused) {
+    const std::string disc = MadeImage("disc-udf.iso");
+
+    EXPECT_EQ(Refusal(InsertStick, disc), disc + ": a disc, not a stick");
+}
+
+// A disk of one UDF volume, before it was partitioned.
+TEST_F(MediumImageTest, PartitionTableBeforeFormerUdf_InsertAsStick_ReadsThePartition) {
+    const std::string stick = MadeImage("stick-table.img");
+    const std::string former = (Folder() / "former.udf").string();
+    OutputOf("truncate -s 17M '" + former + "' && mkudffs -b 512 -m hd '" + former + "' && dd if='" + former +
+             "' of='" + stick + "' bs=512 skip=1 seek=1 count=300 conv=notrunc status=none");
+    Pc pc;
+
+    InsertStick(pc, stick);
+
+    EXPECT_EQ(pc.volumes[0].fileSystem, "FAT");
 }
 
 TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
@@ -151,6 +187,7 @@ TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
     const std::pair<const char*, const char*> sticks[] = {{"stick-fat12.img", "FAT"},
                                                           {"stick-fat16.img", "FAT"},
                                                           {"stick-fat32.img", "FAT32"},
+                                                          {"stick-exfat.img", "exFAT"},
                                                           {"stick-ntfs.img", "NTFS"}};
     for (const auto& [name, fileSystem] : sticks) {
         const std::string stick = cut(name, 2ULL * 1024 * 1024);
@@ -161,7 +198,7 @@ TEST_F(MediumImageTest, TruncatedMedium_Insert_IsRefused) {
     EXPECT_EQ(
         Refusal(InsertStick, sector),
         sector +
-            ": no stick: neither a FAT or NTFS volume nor a partition table with one; it may be truncated");
+            ": no stick: neither a FAT, exFAT, NTFS or UDF volume nor a partition table with one; it may be truncated");
 }
 
 TEST_F(MediumImageTest, DamagedMedium_Insert_IsRefused) {

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "machine/facts/file_store.h"
+#include "machine/media/device/little_endian.h"
 #include "machine/media/hivex_reader.h"
 #include "machine/media/medium_image.h"
 #include "tests/machine/media/image_fixture.h"
@@ -112,6 +113,13 @@ TEST_F(ReaderDamageTest, DamagedFat32_Read_AnswersOrFails) {
     ExpectUnharmed(image, {16 * KiB, 17 * KiB}, 6, AskStick);
 }
 
+TEST_F(ReaderDamageTest, DamagedExfat_Read_AnswersOrFails) {
+    const std::string image = MadeImage("stick-exfat.img");
+    ExpectUnharmed(image, {64, 6 * KiB}, 13, AskStick);
+    const uint64_t data = uint64_t{Le32(ContentOf(image), 88)} * 512;
+    ExpectUnharmed(image, {data, data + 40 * KiB}, 14, AskStick);
+}
+
 TEST_F(ReaderDamageTest, DamagedIso_Read_AnswersOrFails) {
     ExpectUnharmed(MadeImage("disc-iso.iso"), {32 * KiB, 64 * KiB}, 7, AskDisc);
 }
@@ -124,6 +132,16 @@ TEST_F(ReaderDamageTest, DamagedUdf_Read_AnswersOrFails) {
     const std::string image = MadeImage("disc-udf.iso");
     ExpectUnharmed(image, {64 * KiB, 76 * KiB}, 9, AskDisc);
     ExpectUnharmed(image, {512 * KiB, 552 * KiB}, 10, AskDisc);
+}
+
+TEST_F(ReaderDamageTest, DamagedUdfOfEachKind_Read_AnswersOrFails) {
+    // Where each has its folders.
+    const std::pair<const char*, Stretch> discs[] = {
+        {"disc-udf-virtual.iso", {1738 * 2 * KiB, 1789 * 2 * KiB}},
+        {"disc-udf-sparable.iso", {4385 * 2 * KiB, 4544 * 2 * KiB}},
+        {"disc-udf-metadata.iso", {288 * 2 * KiB, 368 * 2 * KiB}}};
+    for (const auto& [name, folders] : discs)
+        ExpectUnharmed(MadeImage(name), folders, 15, AskDisc);
 }
 
 TEST_F(ReaderDamageTest, DamagedHive_Read_AnswersOrFails) {

@@ -40,7 +40,6 @@ class RecordingDevice final : public BlockDevice {
                disk_->Write(offset, bytes, length);
     }
     bool Flush() override { return Succeeds({}) && disk_->Flush(); }
-    int Descriptor() const override { return disk_->Descriptor(); }
 
   private:
     bool Succeeds(const DiskWrite& write) {

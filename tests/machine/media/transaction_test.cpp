@@ -9,7 +9,7 @@
 #include "machine/facts/partition_table.h"
 #include "machine/media/device/file_device.h"
 #include "machine/media/table/image_table.h"
-#include "machine/media/volumes/ntfs_volume.h"
+#include "machine/media/volumes/ntfs/ntfs_volume.h"
 #include "tests/machine/media/image_fixture.h"
 #include "tests/machine/media/recording_device.h"
 

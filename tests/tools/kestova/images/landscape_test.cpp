@@ -165,9 +165,13 @@ constexpr Medium media[] = {
     {"Iso9660", "--disc", "disc-iso.iso", "GetRCVDISC"},
     {"Joliet", "--disc", "disc-joliet.iso", "GetRCVDISC"},
     {"Udf", "--disc", "disc-udf.iso", "GetRCVDISC"},
+    {"UdfVirtual", "--disc", "disc-udf-virtual.iso", "GetRCVDISC"},
+    {"UdfSparable", "--disc", "disc-udf-sparable.iso", "GetRCVDISC"},
+    {"UdfMetadata", "--disc", "disc-udf-metadata.iso", "GetRCVDISC"},
     {"Fat12", "--stick", "stick-fat12.img", "GetRCVUFD"},
     {"Fat16", "--stick", "stick-fat16.img", "GetRCVUFD"},
     {"Fat32", "--stick", "stick-fat32.img", "GetRCVUFD"},
+    {"Exfat", "--stick", "stick-exfat.img", "GetRCVUFD"},
     {"Ntfs", "--stick", "stick-ntfs.img", "GetRCVUFD"},
     {"Partitioned", "--stick", "stick-table.img", "GetRCVUFD"},
 };

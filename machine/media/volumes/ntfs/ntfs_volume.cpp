@@ -1,4 +1,4 @@
-#include "machine/media/volumes/ntfs_volume.h"
+#include "machine/media/volumes/ntfs/ntfs_volume.h"
 
 #include <sys/stat.h>
 
@@ -11,9 +11,9 @@
 #include "machine/facts/store_path.h"
 #include "machine/media/device/store_errors.h"
 #include "machine/media/device/volume_bytes.h"
-#include "machine/media/volumes/ntfs_device.h"
-#include "machine/media/volumes/ntfs_library.h"
-#include "machine/media/volumes/ntfs_record.h"
+#include "machine/media/volumes/ntfs/ntfs_device.h"
+#include "machine/media/volumes/ntfs/ntfs_library.h"
+#include "machine/media/volumes/ntfs/ntfs_record.h"
 
 namespace machine {
 

@@ -1,8 +1,8 @@
-#include "machine/media/volumes/ntfs_record.h"
+#include "machine/media/volumes/ntfs/ntfs_record.h"
 
 #include <cstdint>
 
-#include "machine/media/volumes/ntfs_library.h"
+#include "machine/media/volumes/ntfs/ntfs_library.h"
 
 namespace machine {
 

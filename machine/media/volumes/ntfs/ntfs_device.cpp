@@ -1,4 +1,4 @@
-#include "machine/media/volumes/ntfs_device.h"
+#include "machine/media/volumes/ntfs/ntfs_device.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <new>
 
-#include "machine/media/volumes/ntfs_library.h"
+#include "machine/media/volumes/ntfs/ntfs_library.h"
 
 namespace machine {
 
