@@ -14,6 +14,7 @@ constexpr uint64_t longestFolder = 16ULL * 1024 * 1024;
 constexpr uint64_t mostDescriptors = 64;
 constexpr uint64_t mostPartitions = 8;
 constexpr uint64_t longestTable = 4ULL * 1024 * 1024;  // bytes, of extents or blocks
+constexpr uint64_t mostRuns = longestTable / 4;        // of a partition
 
 // Tags: the type of a descriptor, in its first two bytes.
 constexpr uint16_t tagAnchor = 2;
@@ -264,6 +265,7 @@ UdfPartition UdfVolume::ReadMetadata(std::string_view map, uint64_t base) const 
             if (extent.isRecorded)
                 Append(partition, block, partitions_[base >> 32], extent.place & UINT32_MAX, count);
             block += count;
+            if (partition.size() > mostRuns) return {};
         }
         return partition;
     }
