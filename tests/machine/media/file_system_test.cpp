@@ -119,6 +119,15 @@ TEST_F(FileSystemTest, LabelsBeyondAscii_Identify_ReturnsThemWhole) {
         "CDFS Größe");
 }
 
+// So long that the last two bytes of a sector, which the file table keeps elsewhere, are in it.
+TEST_F(FileSystemTest, LongNtfsLabel_Identify_ReturnsItWhole) {
+    std::string label;
+    for (char letter = 'a'; label.size() < 120; letter = static_cast<char>(letter == 'z' ? 'a' : letter + 1))
+        label += letter;
+
+    EXPECT_EQ(On(Made(4, "mkntfs -F -Q -L " + label + " \"$image\"")), "NTFS " + label);
+}
+
 // GRÖSSE and Σ, as code page 437 has them.
 TEST_F(FileSystemTest, FatLabelOfTheOemCodePage_Identify_DecodesIt) {
     const std::string image = Made(4, "mkfs.fat -n LABEL \"$image\"");
