@@ -4,6 +4,7 @@
 #include "fuzz/ask_files.h"
 #include "fuzz/patched_image.h"
 #include "machine/media/volumes/exfat_volume.h"
+#include "machine/media/volumes/file_system.h"
 
 using namespace machine;
 
@@ -61,8 +62,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
     base.Ask(input, [](const std::string& path) {
         const auto image = std::make_shared<ImageFile>(path, ImageAccess::Read);
-        ExfatVolume volume(VolumeBytes(image, 0, image->Size()));
-        volume.Label();
+        const VolumeBytes bytes(image, 0, image->Size());
+        FileSystemOf(bytes, MediumKind::Disk);
+        ExfatVolume volume(bytes);
         AskFiles(volume);
     });
     return 0;

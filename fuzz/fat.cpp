@@ -2,6 +2,7 @@
 #include "fuzz/ask_files.h"
 #include "fuzz/patched_image.h"
 #include "machine/media/volumes/fat_volume.h"
+#include "machine/media/volumes/file_system.h"
 
 using namespace machine;
 
@@ -15,7 +16,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
     Chosen(input, images).Ask(input, [](const std::string& path) {
         const auto image = std::make_shared<ImageFile>(path, ImageAccess::Read);
-        FatVolume volume(VolumeBytes(image, 0, image->Size()));
+        const VolumeBytes bytes(image, 0, image->Size());
+        FileSystemOf(bytes, MediumKind::Disk);
+        FatVolume volume(bytes);
         AskFiles(volume);
     });
     return 0;

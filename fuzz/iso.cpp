@@ -1,6 +1,7 @@
 // ISO 9660 discs, with the names of Joliet and without.
 #include "fuzz/ask_files.h"
 #include "fuzz/patched_image.h"
+#include "machine/media/volumes/file_system.h"
 #include "machine/media/volumes/iso_volume.h"
 
 using namespace machine;
@@ -15,7 +16,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
     Chosen(input, images).Ask(input, [](const std::string& path) {
         const auto image = std::make_shared<ImageFile>(path, ImageAccess::Read);
-        IsoVolume volume(VolumeBytes(image, 0, image->Size()));
+        const VolumeBytes bytes(image, 0, image->Size());
+        FileSystemOf(bytes, MediumKind::Disc);
+        IsoVolume volume(bytes);
         AskFiles(volume);
     });
     return 0;

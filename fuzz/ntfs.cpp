@@ -1,6 +1,7 @@
 // An NTFS volume. What is written stays in memory.
 #include "fuzz/ask_files.h"
 #include "fuzz/patched_image.h"
+#include "machine/media/volumes/file_system.h"
 #include "machine/media/volumes/ntfs/ntfs_volume.h"
 
 using namespace machine;
@@ -17,6 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const ImageAccess access = input.ConsumeBool() ? ImageAccess::Overlay : ImageAccess::Read;
     base.Ask(input, [&](const std::string& path) {
         const auto image = std::make_shared<ImageFile>(path, access);
+        FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disk);
         NtfsVolume volume(image, 0, image->Size());
         volume.Check();
         AskFiles(volume);

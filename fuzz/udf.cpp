@@ -1,6 +1,7 @@
 // UDF discs, with partitions of each kind.
 #include "fuzz/ask_files.h"
 #include "fuzz/patched_image.h"
+#include "machine/media/volumes/file_system.h"
 #include "machine/media/volumes/udf_volume.h"
 
 using namespace machine;
@@ -32,7 +33,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
     Chosen(input, images).Ask(input, [](const std::string& path) {
         const auto image = std::make_shared<ImageFile>(path, ImageAccess::Read);
-        UdfVolume volume(VolumeBytes(image, 0, image->Size()));
+        const VolumeBytes bytes(image, 0, image->Size());
+        FileSystemOf(bytes, MediumKind::Disc);
+        UdfVolume volume(bytes);
         AskFiles(volume);
     });
     return 0;

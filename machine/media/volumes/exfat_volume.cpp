@@ -56,6 +56,7 @@ constexpr uint8_t attributeFolder = 0x10;
 constexpr uint8_t flagContiguous = 0x02;  // the allocation table does not link the clusters
 constexpr size_t longestLabel = 11;       // characters
 constexpr size_t nameSize = 30;           // bytes of a name in one entry
+constexpr size_t longestSet = 19;         // entries: no name needs more
 
 // All of the set but the sum itself.
 bool HasSetChecksum(std::string_view set) {
@@ -153,7 +154,7 @@ std::optional<std::vector<ExfatVolume::Entry>> ExfatVolume::List(const Item& fol
     std::vector<Entry> entries;
     for (size_t at = 0; at < bytes->size() && Byte(*bytes, at) != endOfFolder; at += entrySize) {
         if (Byte(*bytes, at) != entryFile) continue;
-        const size_t size = entrySize * (1 + size_t{Byte(*bytes, at + 1)});
+        const size_t size = entrySize * std::min(longestSet, 1 + size_t{Byte(*bytes, at + 1)});
         const std::string_view set = std::string_view(*bytes).substr(at, size);
         const std::string_view stream = set.substr(std::min(entrySize, set.size()));
         if (set.size() != size || !HasSetChecksum(set) || Byte(stream, 0) != entryStream) continue;

@@ -59,8 +59,8 @@ Label UdfLabel(const VolumeBytes& bytes) {
     return IsNamedUdf(bytes) ? UdfVolume(bytes).Label() : std::nullopt;
 }
 
-// Its blocks are the sectors of the disk, which are never those of a disc. What a disk had before its
-// partition table is behind that table.
+// Its blocks are the sectors of the disk, which are never those of a disc. Behind a partition table it is
+// left over from an earlier use of the disk.
 Label UdfOnDiskLabel(const VolumeBytes& bytes) {
     const auto sector = bytes.Read(0, diskSectorSize);
     if (!sector || Le16(*sector, 510) == 0xAA55 || !IsNamedUdf(bytes)) return std::nullopt;
@@ -87,7 +87,9 @@ struct KnownFileSystem {
     Label (*label)(const VolumeBytes&);  // nothing if its structures are not there
 };
 
-// The first that fits counts. A volume of BitLocker To Go is one of FAT32 too, with a program that opens it.
+// The first that fits counts. A volume of BitLocker To Go is one of FAT32 too, with a program that opens it;
+// in its boot program is the id of BitLocker, of which there is another one for encryption of the used space
+// alone.
 constexpr KnownFileSystem knownFileSystems[] = {
     {MediumKind::Disk, "BitLocker", 3, "-FVE-FS-", NoLabel},
     {MediumKind::Disk, "BitLocker", 424, "\x3B\xD6\x67\x49\x29\x2E\xD8\x4A\x83\x99\xF6\xA3\x39\xE3\xD0\x01",

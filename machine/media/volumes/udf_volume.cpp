@@ -14,6 +14,7 @@ constexpr uint64_t longestFolder = 16ULL * 1024 * 1024;
 constexpr uint64_t mostDescriptors = 64;
 constexpr uint64_t mostPartitions = 8;
 constexpr uint64_t longestTable = 4ULL * 1024 * 1024;  // bytes, of extents or blocks
+constexpr uint64_t mostRuns = longestTable / 4;        // of a partition
 
 // Tags: the type of a descriptor, in its first two bytes.
 constexpr uint16_t tagAnchor = 2;
@@ -130,10 +131,9 @@ UdfVolume::UdfVolume(VolumeBytes bytes) : ReadOnlyVolume(std::move(bytes)) {
     }
 }
 
-// A descriptor's tag has the number of its sector.
 std::optional<std::string> UdfVolume::ReadDescriptor(uint64_t sector, uint16_t tag) const {
     auto bytes = Bytes().Read(sector * blockSize_, blockSize_);
-    return bytes && IsTag(*bytes, tag) && Le32(*bytes, 12) == sector ? bytes : std::nullopt;
+    return bytes && IsTag(*bytes, tag) ? bytes : std::nullopt;
 }
 
 // The anchor can be in four places, one of them on discs that are not closed, and refers to two copies of the
@@ -142,7 +142,8 @@ bool UdfVolume::ReadDescriptors() {
     const uint64_t sectors = Bytes().Size() / blockSize_;
     for (const uint64_t place : {uint64_t{256}, sectors - 1, sectors - 257, uint64_t{512}}) {
         const auto anchor = ReadDescriptor(place, tagAnchor);
-        if (!anchor) continue;
+        // The number of its sector, which shows the size of sectors.
+        if (!anchor || Le32(*anchor, 12) != place) continue;
         if (!label_) label_.emplace();
         for (const size_t sequence : {size_t{16}, size_t{24}}) {
             if (ReadSequence(Le32(*anchor, sequence + 4), Le32(*anchor, sequence) / blockSize_)) return true;
@@ -264,6 +265,7 @@ UdfPartition UdfVolume::ReadMetadata(std::string_view map, uint64_t base) const 
             if (extent.isRecorded)
                 Append(partition, block, partitions_[base >> 32], extent.place & UINT32_MAX, count);
             block += count;
+            if (partition.size() > mostRuns) return {};
         }
         return partition;
     }

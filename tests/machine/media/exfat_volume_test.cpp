@@ -2,7 +2,7 @@
 #include "machine/media/volumes/exfat_volume.h"
 
 #include <bit>
-#include <cstdlib>
+#include <fstream>
 
 #include "tests/machine/media/image_fixture.h"
 
@@ -120,6 +120,33 @@ TEST_F(ExfatVolumeTest, LargerClusters_Read_ReturnsTheFile) {
 
     EXPECT_EQ(volume.Read("file", content), 0u);
     EXPECT_EQ(content, OutputOf("seq 20000"));
+}
+
+// Of eight sectors of 512 bytes each; mkfs.exfat takes the size from the device.
+TEST_F(ExfatVolumeTest, SectorsOf4096Bytes_Read_ReturnsTheFile) {
+    const std::string image = MadeImage("stick-exfat.img");
+    std::string boot = ContentOf(image).substr(0, 512);
+    for (const size_t sectors : {72U, 80U, 84U, 88U})
+        PutLe32(boot, sectors, Le32(boot, sectors) / 8);
+    boot[108] = 12;
+    boot[109] = 0;
+    boot.resize(11ULL * 4096);
+    uint32_t sum = 0;
+    for (size_t at = 0; at < boot.size(); ++at) {
+        if (at != 106 && at != 107 && at != 112) sum = std::rotr(sum, 1) + Byte(boot, at);
+    }
+    for (size_t at = boot.size(); at < 12ULL * 4096; at += 4) {
+        boot.append(4, '\0');
+        PutLe32(boot, at, sum);
+    }
+    std::fstream(image, std::ios::in | std::ios::out | std::ios::binary) << boot;
+    OutputOf("fsck.exfat -n '" + image + "'");
+    ExfatVolume volume = Open(image);
+    std::string content;
+
+    EXPECT_EQ(volume.Label(), "RECOVERY");
+    EXPECT_EQ(volume.Read(longName, content), 0u);
+    EXPECT_EQ(content, OutputOf("seq 10000"));
 }
 
 TEST_F(ExfatVolumeTest, AnyFile_WriteAndRemove_FailAndChangeNothing) {

@@ -119,6 +119,15 @@ TEST_F(FileSystemTest, LabelsBeyondAscii_Identify_ReturnsThemWhole) {
         "CDFS Größe");
 }
 
+// So long that the last two bytes of a sector, which the file table keeps elsewhere, are in it.
+TEST_F(FileSystemTest, LongNtfsLabel_Identify_ReturnsItWhole) {
+    std::string label;
+    for (char letter = 'a'; label.size() < 120; letter = static_cast<char>(letter == 'z' ? 'a' : letter + 1))
+        label += letter;
+
+    EXPECT_EQ(On(Made(4, "mkntfs -F -Q -L " + label + " \"$image\"")), "NTFS " + label);
+}
+
 // GRÖSSE and Σ, as code page 437 has them.
 TEST_F(FileSystemTest, FatLabelOfTheOemCodePage_Identify_DecodesIt) {
     const std::string image = Made(4, "mkfs.fat -n LABEL \"$image\"");
@@ -161,8 +170,30 @@ TEST_F(FileSystemTest, BitLockerToGo_Identify_IsNotFat) {
     Put(image, 0, "\xEB\x58\x90MSWIN4.1");
     EXPECT_EQ(On(image), "FAT32 RECOVERY");
 
-    Put(image, 424, "\x3B\xD6\x67\x49\x29\x2E\xD8\x4A\x83\x99\xF6\xA3\x39\xE3\xD0\x01");
-    EXPECT_EQ(On(image), "BitLocker ");
+    for (const char* const id : {"\x3B\xD6\x67\x49\x29\x2E\xD8\x4A\x83\x99\xF6\xA3\x39\xE3\xD0\x01",
+                                 "\x3B\x4D\xA8\x92\x80\xDD\x0E\x4D\x9E\x4E\xB1\xE3\x28\x4E\xAE\xD8"}) {
+        Put(image, 424, id);
+        EXPECT_EQ(On(image), "BitLocker ");
+    }
+}
+
+TEST_F(FileSystemTest, HighSierra_Identify_MatchesBlkid) {
+    const std::string image = Made(1, "true");
+    Put(image, 0x8009, "CDROM");
+    Put(image, 0x8000 + 48, "LABEL   ");
+
+    EXPECT_EQ(On(image, MediumKind::Disc), "CDFS LABEL");
+    EXPECT_EQ(ByBlkid(image, MediumKind::Disc, 0, 1 * MiB), "CDFS LABEL");
+}
+
+// OS/2 puts an allocation table's boot sector before its own file systems.
+TEST_F(FileSystemTest, BootSectorOfOs2_Identify_FindsNothing) {
+    const std::string image = MadeImage("stick-fat16.img");
+    for (const char* const type : {"HPFS    ", "JFS     "}) {
+        Put(image, 54, type);
+        EXPECT_EQ(On(image), " ") << type;
+        EXPECT_EQ(ByBlkid(image, MediumKind::Disk, 0, 16 * MiB), " ") << type;
+    }
 }
 
 TEST_F(FileSystemTest, ReFs_Identify_ReturnsItsName) {

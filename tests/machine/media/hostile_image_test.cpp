@@ -4,6 +4,7 @@
 
 #include "machine/media/device/file_device.h"
 #include "machine/media/device/little_endian.h"
+#include "machine/media/volumes/exfat_volume.h"
 #include "machine/media/volumes/fat_volume.h"
 #include "machine/media/volumes/iso_volume.h"
 #include "machine/media/volumes/ntfs/ntfs_volume.h"
@@ -210,9 +211,12 @@ class FolderReadingTest : public ImageTest {
 };
 
 TEST_F(FolderReadingTest, AnyDiscOrStick_FindAgain_ReadsNothingMore) {
-    const std::pair<uint64_t, uint64_t> read[] = {
-        ReadFor<FatVolume>(MadeImage("stick-fat12.img")), ReadFor<FatVolume>(MadeImage("stick-fat32.img")),
-        ReadFor<IsoVolume>(MadeImage("disc-joliet.iso")), ReadFor<UdfVolume>(MadeImage("disc-udf.iso"))};
+    const std::pair<uint64_t, uint64_t> read[] = {ReadFor<FatVolume>(MadeImage("stick-fat12.img")),
+                                                  ReadFor<FatVolume>(MadeImage("stick-fat32.img")),
+                                                  ReadFor<ExfatVolume>(MadeImage("stick-exfat.img")),
+                                                  ReadFor<IsoVolume>(MadeImage("disc-joliet.iso")),
+                                                  ReadFor<UdfVolume>(MadeImage("disc-udf.iso")),
+                                                  ReadFor<UdfVolume>(MadeImage("disc-udf-virtual.iso"))};
     for (const auto& [first, again] : read) {
         EXPECT_GT(first, 0u);
         EXPECT_EQ(again, 0u);
