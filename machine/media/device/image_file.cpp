@@ -49,7 +49,11 @@ ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& pat
       sectorSize_(use.sectorSize ? use.sectorSize : device->SectorSize()),
       device_(std::move(device)),
       journal_(path, use.journal) {
-    if (access_ == ImageAccess::Write) journal_.CheckPlace();
+    if (access_ == ImageAccess::Write) {
+        journal_.CheckPlace();
+    } else if (const std::string user = device_->OtherUser(); !user.empty()) {
+        AddNote("in use: " + user + ", and may change what is shown");
+    }
     // What was interrupted may be in the usual place, wherever this program keeps its own changes.
     Settle(ChangeJournal(path, {}));
     if (use.journal.kind == JournalPlace::Kind::Named) Settle(journal_);
