@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "machine/media/device/file_device.h"
+#include "machine/media/device/open_device.h"
 
 namespace machine {
 
@@ -41,7 +41,7 @@ class SignalsWait {
 }  // namespace
 
 ImageFile::ImageFile(const std::string& path, const ImageUse& use)
-    : ImageFile(std::make_unique<FileDevice>(path, use.access == ImageAccess::Write), path, use) {}
+    : ImageFile(OpenDevice(path, use.access == ImageAccess::Write), path, use) {}
 
 ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& path, const ImageUse& use)
     : path_(path),
