@@ -1,7 +1,6 @@
 #include "machine/media/device/file_device.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +8,7 @@
 #include <cstring>
 
 #include "machine/media/device/image_access.h"
+#include "machine/media/device/in_use.h"
 
 namespace machine {
 
@@ -30,12 +30,6 @@ std::string OpenProblem(int error, bool forWriting) {
     }
 }
 
-void Lock(int descriptor, const std::string& path) {
-    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return;
-    if (errno == EWOULDBLOCK) throw ImageError(path + ": in use: another program has opened it for writing");
-    throw ImageError(path + ": cannot be locked: " + std::strerror(errno));
-}
-
 // Calls `transfer` (of pread's kind) until all bytes are through.
 template <typename Transfer, typename Byte>
 bool Through(Transfer transfer, int descriptor, uint64_t offset, Byte* bytes, size_t length) {
@@ -53,29 +47,27 @@ bool Through(Transfer transfer, int descriptor, uint64_t offset, Byte* bytes, si
 
 }  // namespace
 
-FileDevice::FileDevice(const std::string& path, bool forWriting)
+Descriptor OpenImage(const std::string& path, bool forWriting) {
     // Non-blocking, because opening a named pipe would wait for its other end.
-    : descriptor_(open(path.c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK)) {
-    if (descriptor_ < 0) throw ImageError(path + ": " + OpenProblem(errno, forWriting));
-    try {
-        Check(path, forWriting);
-        if (forWriting) Lock(descriptor_, path);
-    } catch (...) {
-        close(descriptor_);
-        throw;
-    }
+    Descriptor opened(open(path.c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK));
+    if (!opened) throw ImageError(path + ": " + OpenProblem(errno, forWriting));
+    return opened;
 }
 
-FileDevice::~FileDevice() {
-    close(descriptor_);
+FileDevice::FileDevice(const std::string& path, bool forWriting, uint64_t bytesAfterDisk) {
+    // Whether others have it open for writing shows only before this program has.
+    if (forWriting) RefuseIfInUse(OpenImage(path, false).Number(), path);
+    descriptor_ = OpenImage(path, forWriting);
+    Check(path, bytesAfterDisk);
+    if (forWriting) LockForWriting(descriptor_.Number(), path);
 }
 
-void FileDevice::Check(const std::string& path, bool forWriting) {
+void FileDevice::Check(const std::string& path, uint64_t bytesAfterDisk) {
     struct stat status = {};
-    if (fstat(descriptor_, &status) != 0) throw ImageError(path + ": " + OpenProblem(errno, forWriting));
-    if (S_ISDIR(status.st_mode)) throw ImageError(path + ": " + OpenProblem(EISDIR, forWriting));
+    if (fstat(descriptor_.Number(), &status) != 0) throw ImageError(path + ": " + OpenProblem(errno, false));
+    if (S_ISDIR(status.st_mode)) throw ImageError(path + ": " + OpenProblem(EISDIR, false));
     if (!S_ISREG(status.st_mode)) throw ImageError(path + ": not a regular file");
-    size_ = static_cast<uint64_t>(status.st_size);
+    size_ = static_cast<uint64_t>(status.st_size) - bytesAfterDisk;
     if (size_ == 0) throw ImageError(path + ": an empty file, no disk image");
     if (size_ % diskSectorSize != 0) {
         throw ImageError(path +
@@ -83,23 +75,18 @@ void FileDevice::Check(const std::string& path, bool forWriting) {
     }
 }
 
-bool FileDevice::IsInside(uint64_t offset, size_t length) const {
-    errno = EINVAL;
-    return offset <= size_ && length <= size_ - offset;
-}
-
 bool FileDevice::Read(uint64_t offset, void* buffer, size_t length) const {
     return IsInside(offset, length) &&
-           Through(pread, descriptor_, offset, static_cast<uint8_t*>(buffer), length);
+           Through(pread, descriptor_.Number(), offset, static_cast<uint8_t*>(buffer), length);
 }
 
 bool FileDevice::Write(uint64_t offset, const void* bytes, size_t length) {
     return IsInside(offset, length) &&
-           Through(pwrite, descriptor_, offset, static_cast<const uint8_t*>(bytes), length);
+           Through(pwrite, descriptor_.Number(), offset, static_cast<const uint8_t*>(bytes), length);
 }
 
 bool FileDevice::Flush() {
-    return fsync(descriptor_) == 0;
+    return fsync(descriptor_.Number()) == 0;
 }
 
 }  // namespace machine

@@ -4,26 +4,31 @@
 #include <string>
 
 #include "machine/media/device/block_device.h"
+#include "machine/media/device/descriptor.h"
+#include "machine/media/device/in_use.h"
 
 namespace machine {
 
+// The file. Throws ImageError if it is missing or not permitted.
+Descriptor OpenImage(const std::string& path, bool forWriting);
+
 class FileDevice final : public BlockDevice {
   public:
-    // For writing, locks the file against other writers as long as this object exists. Throws ImageError if
-    // it is missing, a folder, empty, not a whole number of sectors, not permitted or locked.
-    FileDevice(const std::string& path, bool forWriting);
-    ~FileDevice() override;
+    // For writing, locks the file against other users as long as this object exists. Throws ImageError if it
+    // is missing, a folder, empty, not a whole number of sectors or not permitted; for writing also if it is
+    // in use.
+    FileDevice(const std::string& path, bool forWriting, uint64_t bytesAfterDisk = 0);
 
     uint64_t Size() const override { return size_; }
+    std::string OtherUser() const override { return KnownUser(descriptor_.Number()); }
     bool Read(uint64_t offset, void* buffer, size_t length) const override;
     bool Write(uint64_t offset, const void* bytes, size_t length) override;
     bool Flush() override;
 
   private:
-    void Check(const std::string& path, bool forWriting);
-    bool IsInside(uint64_t offset, size_t length) const;
+    void Check(const std::string& path, uint64_t bytesAfterDisk);
 
-    int descriptor_ = -1;
+    Descriptor descriptor_;
     uint64_t size_ = 0;
 };
 

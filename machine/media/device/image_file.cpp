@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "machine/media/device/file_device.h"
+#include "machine/media/device/open_device.h"
 
 namespace machine {
 
@@ -41,7 +41,7 @@ class SignalsWait {
 }  // namespace
 
 ImageFile::ImageFile(const std::string& path, const ImageUse& use)
-    : ImageFile(std::make_unique<FileDevice>(path, use.access == ImageAccess::Write), path, use) {}
+    : ImageFile(OpenDevice(path, use.access == ImageAccess::Write), path, use) {}
 
 ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& path, const ImageUse& use)
     : path_(path),
@@ -54,6 +54,8 @@ ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& pat
     if (access_ == ImageAccess::Write) {
         journal_.CheckPlace();
         backup_.CheckPlace();
+    } else if (const std::string user = device_->OtherUser(); !user.empty()) {
+        AddNote("in use: " + user + ", and may change what is shown");
     }
     // What was interrupted may be in the usual place, wherever this program keeps its own changes.
     Settle(ChangeJournal(path, {}));

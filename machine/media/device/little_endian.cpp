@@ -22,6 +22,14 @@ uint16_t Be16(std::string_view bytes, size_t at) {
     return static_cast<uint16_t>(Byte(bytes, at) << 8 | Byte(bytes, at + 1));
 }
 
+uint32_t Be32(std::string_view bytes, size_t at) {
+    return uint32_t{Be16(bytes, at)} << 16 | Be16(bytes, at + 2);
+}
+
+uint64_t Be64(std::string_view bytes, size_t at) {
+    return uint64_t{Be32(bytes, at)} << 32 | Be32(bytes, at + 4);
+}
+
 void PutLe32(std::string& bytes, size_t at, uint32_t number) {
     for (size_t n = 0; n < sizeof number; ++n)
         bytes[at + n] = static_cast<char>(number >> 8 * n & 0xFF);

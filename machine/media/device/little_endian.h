@@ -13,6 +13,8 @@ uint16_t Le16(std::string_view bytes, size_t at);
 uint32_t Le32(std::string_view bytes, size_t at);
 uint64_t Le64(std::string_view bytes, size_t at);
 uint16_t Be16(std::string_view bytes, size_t at);
+uint32_t Be32(std::string_view bytes, size_t at);
+uint64_t Be64(std::string_view bytes, size_t at);
 
 // Replaces the bytes from `at` on, which must be there.
 void PutLe32(std::string& bytes, size_t at, uint32_t number);

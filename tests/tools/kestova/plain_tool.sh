@@ -50,6 +50,14 @@ expect 0 --image factory-mbr.img --journal kept boot system
 expect 0 --image factory-mbr.img --no-journal call SetBIOSHibernationPartitionID 3
 expect 0 --image factory-mbr.img run -
 expect 0 --image factory-mbr.img recover
+for format in qcow2 vhdx vpc vmdk vdi; do
+    qemu-img convert -f raw -O "$format" factory-mbr.img "disk.$format"
+    expect 0 --image "disk.$format" status
+    expect 0 --image "disk.$format" boot recovery
+    expect 0 --image "disk.$format" run -
+    expect 0 --image "disk.$format" recover
+    expect 0 --image "disk.$format" boot system
+done
 dd if=/dev/zero of=factory-gpt.img bs=512 seek=1 count=33 conv=notrunc status=none
 expect 3 --image factory-gpt.img call DisableOrvoBootPartition
 expect 0 --image factory-gpt.img repair-table

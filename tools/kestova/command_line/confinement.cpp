@@ -125,6 +125,11 @@ const std::vector<Kept>& KeptByWork() {
           {"faccessat2"},
           {"statfs"},
           {"fstatfs"}}},
+        // Virtual disks, over the connection to the program that opens them.
+        {[](const ConfinedWork& work) { return work.imageBytes > 0; },
+         false,
+         noCapability,
+         {{"poll"}, {"ppoll"}, {"ppoll_time64"}, {"recvfrom"}, {"recv"}, {"sendto"}, {"send"}, {"shutdown"}}},
         // --save: a new file in a folder that is open.
         {[](const ConfinedWork& work) { return work.saves; },
          true,
@@ -136,7 +141,7 @@ const std::vector<Kept>& KeptByWork() {
                                         {"fstatfs"},   {"ftruncate"},  {"getdents64"}, {"setresuid"},
                                         {"setresgid"}, {"setgroups"},  {"setuid"},     {"setgid"},
                                         {"capget"},    {"capset"},     {"prctl"},      {"seccomp"},
-                                        {"setrlimit"}}},
+                                        {"setrlimit"}, {"sendmsg"},    {"recvmsg"},    {"getsockopt"}}},
 #ifdef KESTOVA_INSTRUMENTED
         // What sanitizers and the measurement of coverage do in the end.
         {[](const ConfinedWork&) { return true; },
@@ -256,13 +261,15 @@ void EndOverTime(int) {
 // Many times what honest work was seen to take.
 void LimitTimeAndMemory(const ConfinedWork& work) {
     constexpr uint64_t gibibyte = uint64_t{1} << 30;
-    const uint64_t size = work.imageBytes / gibibyte + 1;
+    // A virtual disk can claim any size.
+    const uint64_t imageBytes = std::min(work.imageBytes, 65536 * gibibyte);
+    const uint64_t size = imageBytes / gibibyte + 1;
     const rlim_t seconds = 300 + 10 * size + work.operations;
     signal(SIGXCPU, EndOverTime);
     // A change of an image is not interrupted, so it has time to be completed.
     Limit(RLIMIT_CPU, seconds, seconds + 60);
 #ifndef KESTOVA_INSTRUMENTED
-    const rlim_t bytes = 4 * gibibyte + 2 * work.imageBytes;
+    const rlim_t bytes = 4 * gibibyte + 2 * imageBytes;
     Limit(RLIMIT_AS, bytes, bytes);
 #endif
 }

@@ -7,11 +7,11 @@
 #include "tools/kestova/command_line/confinement.h"
 #include "tools/kestova/command_line/program_start.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/pc/images.h"
 
 namespace {
 
-int Run(const std::vector<std::string>& words) {
-    const CommandLine line = ReadCommandLine(words);
+int Run(const CommandLine& line) {
     if (line.help) {
         std::cout << HelpText();
         return Done;
@@ -39,9 +39,10 @@ int CheckOutput(int status) {
 
 int main(int count, char** words) {
     try {
-        const std::vector<std::string> given = StartProgram(count, words);
+        const CommandLine line = ReadCommandLine(StartProgram(count, words));
+        BeginOpening(line.choice);
         ConfineAtStart();
-        return CheckOutput(Run(given));
+        return CheckOutput(Run(line));
     } catch (const WrongUse& error) {
         std::cerr << "kestova: " << error.what() << "\n(kestova --help tells what there is)\n";
         return WrongUseStatus;

@@ -1,12 +1,12 @@
 #include "tools/kestova/command_line/run_on_pc.h"
 
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 
 #include "tools/kestova/command_line/confinement.h"
 #include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/pc/images.h"
 
 namespace {
 
@@ -87,16 +87,10 @@ int RunOnObject(const CommandLine& line, const PcWork& work, Session& session) {
 }
 
 ConfinedWork WorkOn(const CommandLine& line, const PcWork& work, const InputFiles& inputs) {
-    ConfinedWork confined{
-        .writesImages = work.access != Access::Ask && !line.choice.dryRun && !inputs.images.empty(),
-        .saves = !line.choice.save.empty(),
-        .operations = work.operations};
-    for (const std::string& image : inputs.images) {
-        std::error_code error;
-        const uintmax_t size = std::filesystem::file_size(image, error);
-        if (!error) confined.imageBytes += size;
-    }
-    return confined;
+    return {.writesImages = work.access != Access::Ask && !line.choice.dryRun && !inputs.images.empty(),
+            .saves = !line.choice.save.empty(),
+            .imageBytes = inputs.imageBytes,
+            .operations = work.operations};
 }
 
 void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
@@ -132,6 +126,7 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     OpenedPc& pc = *opened;
     OutputFiles files = FindOutputFiles(line, pc.Inputs(), work.script);
     LogOutput log(line, files.log);
+    EndOpening();
     ConfineTo(WorkOn(line, work, pc.Inputs()));
     for (const std::string& note : pc.Notes())
         std::cerr << "kestova: " << note << "\n";

@@ -8,6 +8,11 @@
 #include "machine/media/disk_image.h"
 #include "tools/kestova/pc/opened_pc.h"
 
+// Before the program gives up starting others, and when all images are open: virtual disks are opened by
+// another program. Does nothing where none of the options names an image or a description. Throws Failed.
+void BeginOpening(const PcChoice& choice);
+void EndOpening();
+
 // As machine::PcOfImages. Throws UnreadablePc; WrongUse if this build has no image part.
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
                        const machine::ImageUse& use);

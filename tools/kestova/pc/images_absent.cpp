@@ -11,6 +11,10 @@ namespace {
 
 }  // namespace
 
+void BeginOpening(const PcChoice&) {}
+
+void EndOpening() {}
+
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind, const machine::ImageUse&) {
     Refuse(paths.front());
 }

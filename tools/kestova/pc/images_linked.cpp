@@ -1,8 +1,22 @@
+#include "machine/media/device/disk_server.h"
 #include "machine/media/given_images.h"
 #include "machine/media/hivex_reader.h"
 #include "machine/media/medium_image.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/images.h"
+
+void BeginOpening(const PcChoice& choice) {
+    if (choice.images.empty() && choice.discs.empty() && choice.sticks.empty() && choice.pc.empty()) return;
+    try {
+        machine::KeepDiskServerStarter();
+    } catch (const machine::ImageError& error) {
+        throw Failed(error.what());
+    }
+}
+
+void EndOpening() {
+    machine::EndDiskServerStarter();
+}
 
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
                        const machine::ImageUse& use) {

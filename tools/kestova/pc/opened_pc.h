@@ -39,6 +39,7 @@ enum class Access { Ask, Change };
 struct InputFiles {
     std::string description;  // empty without one
     std::vector<std::string> images;
+    uint64_t imageBytes = 0;            // of the disks and media in them together
     std::vector<std::string> journals;  // the usual ones of the images, whether they exist or not
 };
 

@@ -81,6 +81,18 @@ std::vector<std::string*> ImagesOf(Pc& pc) {
     return images;
 }
 
+uint64_t ImageBytes(const Pc& pc) {
+    uint64_t bytes = 0;
+    for (const machine::Disk& disk : pc.disks)
+        bytes += disk.image.empty() ? 0 : disk.size;
+    for (const machine::Volume& volume : pc.volumes) {
+        std::error_code error;
+        const uintmax_t size = fs::file_size(volume.image, error);
+        if (!error) bytes += size;
+    }
+    return bytes;
+}
+
 // Image paths in a description are relative to its file.
 Pc ReadDescriptionFile(const std::string& name, const ImageUse& use) {
     try {
@@ -141,6 +153,7 @@ class EmulatedOne final : public OpenedPc {
             inputs_.images.push_back(*image);
             inputs_.journals.push_back(UsualJournal(*image));
         }
+        inputs_.imageBytes = ImageBytes(before_);
         if (choice.images.empty() && choice.pc.empty()) {
             notes_.push_back("no PC was named: this is " + before_.name +
                              ", a machine in memory that comes with the tool");

@@ -1,0 +1,31 @@
+// qemu-nbd, which reads and writes the formats of virtual disks in a process of its own.
+#pragma once
+
+#include <string>
+
+#include "machine/media/device/descriptor.h"
+
+namespace machine {
+
+struct ServedDisk {
+    std::string path;
+    std::string format;  // as qemu names it
+    bool forWriting = false;
+};
+
+// Ends when the connection does.
+struct DiskServer {
+    Descriptor connection;  // speaks NBD; nobody else can have one
+    Descriptor said;        // its standard error, which ends with it
+};
+
+// What goes wrong once it is started, such as its program being missing, it says itself. Throws ImageError.
+DiskServer StartDiskServer(const ServedDisk& disk);
+
+// A program that gives up starting others calls this before: from then on, a process of its own starts the
+// servers. Throws ImageError.
+void KeepDiskServerStarter();
+// Ends that process; servers that run go on.
+void EndDiskServerStarter();
+
+}  // namespace machine

@@ -1,0 +1,122 @@
+#include "machine/media/device/in_use.h"
+
+#include <fcntl.h>
+#include <linux/loop.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include "machine/media/device/descriptor.h"
+#include "machine/media/device/image_access.h"
+
+namespace machine {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* hasWriter = "another program has opened it for writing";
+
+ImageError InUse(const std::string& path, const std::string& user) {
+    return ImageError(path + ": in use: " + user);
+}
+
+std::string FirstLine(const fs::path& file) {
+    std::string line;
+    std::ifstream stream(file);
+    std::getline(stream, line);
+    return line;
+}
+
+bool IsSameFile(const struct stat& left, const struct stat& right) {
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+// By the path that the kernel shows everybody, or, where the path means nothing here, by what it answers
+// those who may open the device.
+bool IsBehind(const struct stat& file, const std::string& name, const std::string& backing) {
+    struct stat status = {};
+    if (stat(backing.c_str(), &status) == 0 && IsSameFile(status, file)) return true;
+    const Descriptor loop(open(("/dev/" + name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    loop_info64 info = {};
+    return loop && ioctl(loop.Number(), LOOP_GET_STATUS64, &info) == 0 && info.lo_device == file.st_dev &&
+           info.lo_inode == file.st_ino;
+}
+
+std::string LoopDevice(const struct stat& file) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator("/sys/block", error)) {
+        const std::string name = entry.path().filename();
+        const std::string backing = FirstLine(entry.path() / "loop" / "backing_file");
+        if (!backing.empty() && IsBehind(file, name, backing))
+            return "the loop device /dev/" + name + " is on it";
+    }
+    return "";
+}
+
+struct flock WholeFile(short kind) {
+    struct flock lock = {};
+    lock.l_type = kind;
+    lock.l_whence = SEEK_SET;
+    return lock;
+}
+
+// A lock of a process has its number; one of an open file, as virtual machines take it, has none.
+std::string HolderOfLock(int descriptor) {
+    struct flock lock = WholeFile(F_WRLCK);
+    if (fcntl(descriptor, F_OFD_GETLK, &lock) != 0 || lock.l_type == F_UNLCK) return "";
+    if (lock.l_pid <= 0) return "qemu or another program holds a lock on it";
+    const std::string process = std::to_string(lock.l_pid);
+    return FirstLine("/proc/" + process + "/comm") + " (process " + process + ") holds a lock on it";
+}
+
+// A lease for reading is granted only where nobody has the file open for writing. Not every file system has
+// leases, and only the owner of the file and root get them.
+bool IsOpenForWriting(int descriptor) {
+    // Whoever opens the file before the lease is given back makes the kernel send this signal, which is
+    // ignored unless a program handles it. The usual one would end this program.
+    fcntl(descriptor, F_SETSIG, SIGURG);
+    if (fcntl(descriptor, F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
+    fcntl(descriptor, F_SETLEASE, F_UNLCK);
+    return false;
+}
+
+}  // namespace
+
+std::string KnownUser(int descriptor) {
+    struct stat status = {};
+    if (fstat(descriptor, &status) != 0) return "";
+    const std::string loop = LoopDevice(status);
+    return loop.empty() ? HolderOfLock(descriptor) : loop;
+}
+
+void RefuseIfInUse(int descriptor, const std::string& path) {
+    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) throw InUse(path, hasWriter);
+    const std::string user = KnownUser(descriptor);
+    if (!user.empty()) throw InUse(path, user);
+    if (IsOpenForWriting(descriptor)) throw InUse(path, hasWriter);
+}
+
+void LockWhole(int descriptor, const std::string& path) {
+    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return;
+    if (errno == EWOULDBLOCK) throw InUse(path, hasWriter);
+    throw ImageError(path + ": cannot be locked: " + std::strerror(errno));
+}
+
+void LockForWriting(int descriptor, const std::string& path) {
+    LockWhole(descriptor, path);
+    // Virtual machines lock single bytes of the file, each for a kind of use; this lock covers them all.
+    // A file system without such locks has none of theirs either.
+    struct flock lock = WholeFile(F_WRLCK);
+    if (fcntl(descriptor, F_OFD_SETLK, &lock) != 0 && (errno == EAGAIN || errno == EACCES))
+        throw InUse(path, hasWriter);
+}
+
+}  // namespace machine

@@ -1,0 +1,23 @@
+// Who else uses an image file, as far as the kernel shows it.
+#pragma once
+
+#include <string>
+
+namespace machine {
+
+// Who has attached or locked the file: "the loop device /dev/loop3 is on it". Empty if nobody is known to.
+// Disturbs nobody. The descriptor may be open for reading only.
+std::string KnownUser(int descriptor);
+
+// Before the caller opens the file for writing: throws ImageError if another program holds it, or has it open
+// for writing, with a lock or without. `descriptor` is open for reading only.
+void RefuseIfInUse(int descriptor, const std::string& path);
+
+// Keeps other programs from changing the file as long as the descriptor is open, and virtual machines from
+// opening it at all. Throws ImageError if another program was faster.
+void LockForWriting(int descriptor, const std::string& path);
+
+// The lock among programs that know nothing of virtual machines, for any descriptor. Throws ImageError.
+void LockWhole(int descriptor, const std::string& path);
+
+}  // namespace machine

@@ -1,0 +1,128 @@
+#include "machine/media/device/nbd_device.h"
+
+#include <libnbd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include "machine/media/device/disk_server.h"
+#include "machine/media/device/file_device.h"
+#include "machine/media/device/image_access.h"
+#include "machine/media/device/in_use.h"
+
+namespace machine {
+
+namespace {
+
+// The server accepts longer ones; this is long enough for its cost not to matter.
+constexpr size_t longestRequest = size_t{1} << 20;
+
+// Calls `transfer` (of nbd_pread's kind) until all bytes are through.
+template <typename Transfer, typename Byte>
+bool Through(Transfer transfer, nbd_handle* handle, uint64_t offset, Byte* bytes, size_t length) {
+    while (length > 0) {
+        const size_t count = std::min(length, longestRequest);
+        if (transfer(handle, bytes, count, offset, 0) != 0) {
+            errno = nbd_get_errno() != 0 ? nbd_get_errno() : EIO;
+            return false;
+        }
+        bytes += count;
+        offset += count;
+        length -= count;
+    }
+    return true;
+}
+
+// "qemu-nbd: Failed to …: the reason" without the first part, which says nothing new.
+std::string WithoutProgram(const std::string& words) {
+    constexpr std::string_view opening = "qemu-nbd: Failed to blk_new_open '";
+    const size_t end = words.find("': ");
+    return words.starts_with(opening) && end != std::string::npos ? words.substr(end + 3) : words;
+}
+
+}  // namespace
+
+NbdDevice::NbdDevice(const std::string& path, const std::string& format, bool forWriting)
+    : file_(OpenImage(path, false)) {
+    if (forWriting) {
+        RefuseIfInUse(file_.Number(), path);
+        OpenImage(path, true);
+        LockWhole(file_.Number(), path);
+    } else {
+        // Before the server is such a user itself.
+        otherUser_ = KnownUser(file_.Number());
+    }
+    try {
+        Connect(path, format, forWriting);
+    } catch (...) {
+        End();
+        throw;
+    }
+}
+
+NbdDevice::~NbdDevice() {
+    nbd_shutdown(handle_, 0);
+    End();
+    LastWords();
+}
+
+void NbdDevice::Connect(const std::string& path, const std::string& format, bool forWriting) {
+    DiskServer server = StartDiskServer({path, format, forWriting});
+    said_ = std::move(server.said);
+    handle_ = nbd_create();
+    if (handle_ == nullptr) throw ImageError(path + ": cannot be opened: " + nbd_get_error());
+    // The library closes it.
+    if (nbd_connect_socket(handle_, server.connection.Release()) != 0) {
+        const std::string words = LastWords();
+        throw ImageError(path + ": " + (words.empty() ? nbd_get_error() : WithoutProgram(words)));
+    }
+    const int64_t size = nbd_get_size(handle_);
+    if (size <= 0 || static_cast<uint64_t>(size) % diskSectorSize != 0)
+        throw ImageError(path + ": the disk in it is not a whole number of 512-byte sectors");
+    size_ = static_cast<uint64_t>(size);
+}
+
+void NbdDevice::End() {
+    nbd_close(std::exchange(handle_, nullptr));
+}
+
+std::string NbdDevice::LastWords() {
+    std::string words;
+    std::array<char, 512> part;
+    for (;;) {
+        const ssize_t length = read(said_.Number(), part.data(), part.size());
+        if (length < 0 && errno == EINTR) continue;
+        if (length <= 0) break;
+        words.append(part.data(), static_cast<size_t>(length));
+    }
+    while (words.ends_with('\n'))
+        words.pop_back();
+    return words;
+}
+
+bool NbdDevice::Read(uint64_t offset, void* buffer, size_t length) const {
+    if (!IsInside(offset, length)) return false;
+    // Of some formats the server reads whole sectors only.
+    const size_t skipped = static_cast<size_t>(offset % diskSectorSize);
+    const size_t whole = (skipped + length + diskSectorSize - 1) / diskSectorSize * diskSectorSize;
+    if (whole == length) return Through(nbd_pread, handle_, offset, static_cast<uint8_t*>(buffer), length);
+    std::string sectors(whole, '\0');
+    if (!Through(nbd_pread, handle_, offset - skipped, sectors.data(), whole)) return false;
+    sectors.copy(static_cast<char*>(buffer), length, skipped);
+    return true;
+}
+
+bool NbdDevice::Write(uint64_t offset, const void* bytes, size_t length) {
+    return IsInside(offset, length) &&
+           Through(nbd_pwrite, handle_, offset, static_cast<const uint8_t*>(bytes), length);
+}
+
+bool NbdDevice::Flush() {
+    if (nbd_flush(handle_, 0) == 0) return true;
+    errno = nbd_get_errno() != 0 ? nbd_get_errno() : EIO;
+    return false;
+}
+
+}  // namespace machine
