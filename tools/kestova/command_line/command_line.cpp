@@ -2,6 +2,7 @@
 
 #include "tools/kestova/command_line/options.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/pc/images.h"
 
 namespace {
 
@@ -48,6 +49,13 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
     };
 }
 
+// The image of `undo` is the one that the backup is named after, if no other is named.
+void NameImageOfBackup(CommandLine& line) {
+    if (line.command != "undo" || line.arguments.size() != 1 || !line.choice.images.empty()) return;
+    const std::string image = ImageOfBackupFile(line.arguments.front());
+    if (!image.empty()) line.choice.images.push_back(image);
+}
+
 }  // namespace
 
 CommandLine ReadCommandLine(const std::vector<std::string>& words) {
@@ -57,6 +65,7 @@ CommandLine ReadCommandLine(const std::vector<std::string>& words) {
     if (read.positional.empty()) return line;
     line.command = read.positional.front();
     line.arguments.assign(read.positional.begin() + 1, read.positional.end());
+    NameImageOfBackup(line);
     return line;
 }
 

@@ -141,11 +141,10 @@ int RepairTables(const CommandLine& line) {
 
 int Undo(const CommandLine& line) {
     const std::string& backup = line.arguments[0];
-    const std::string named = ImageOfBackupFile(backup);
-    if (line.choice.images.size() > 1) throw WrongUse("undo: it is for one --image");
-    if (line.choice.images.empty() && named.empty())
+    if (line.choice.images.empty())
         throw WrongUse("undo: " + backup + " is not named after an image; name that with --image");
-    const std::string image = line.choice.images.empty() ? named : line.choice.images.front();
+    if (line.choice.images.size() > 1) throw WrongUse("undo: it is for one --image");
+    const std::string& image = line.choice.images.front();
     const auto [isUndone, ownBackup] =
         UndoChange(image, backup, UseOfImages(line.choice, machine::ImageAccess::Write));
     Show(line, UndoReport{image, backup, isUndone, line.choice.dryRun, ownBackup});
