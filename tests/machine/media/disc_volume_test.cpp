@@ -153,25 +153,33 @@ TEST_F(DiscVolumeTest, IncompleteSections_Read_FailForThatFileAlone) {
 }
 
 TEST_F(DiscVolumeTest, EmptyUdfOfAnotherTool_Find_ReturnsTheRoot) {
-    const std::string image = (Folder() / "empty.udf").string();
-    OutputOf("truncate -s 4M '" + image + "' && mkudffs -b 2048 -m dvd '" + image + "'");
+    for (const char* const options : {"-b 2048 -m dvd", "-b 512 -m hd", "-b 1024 -m hd", "-b 4096 -m hd"}) {
+        const std::string image = (Folder() / "empty.udf").string();
+        OutputOf("rm -f '" + image + "' && truncate -s 4M '" + image + "' && mkudffs " + options + " '" +
+                 image + "'");
 
-    auto volume = Open<UdfVolume>(image);
+        auto volume = Open<UdfVolume>(image);
 
-    EXPECT_EQ(volume.Find(""), FileKind::Folder);
-    EXPECT_EQ(volume.Find("sources"), FileKind::None);
+        EXPECT_EQ(volume.Find(""), FileKind::Folder) << options;
+        EXPECT_EQ(volume.Find("sources"), FileKind::None) << options;
+    }
 }
 
 class UdfKindTest : public DiscVolumeTest, public testing::WithParamInterface<const char*> {
   protected:
-    std::string Make(int blockSize, const std::string& script) {
-        const std::string folder = (Folder() / "content").string();
+    void MakeContent(const std::string& script) {
+        OutputOf("mkdir '" + Content() + "' && cd '" + Content() + "' && " + script);
+    }
+    // A volume with that content.
+    std::string Make(int blockSize) {
         std::string image = (Folder() / "volume.udf").string();
-        OutputOf("rm -rf '" + folder + "' && mkdir '" + folder + "' && cd '" + folder + "' && " + script);
         OutputOf(std::string("LC_ALL=C.UTF-8 ") + KESTOVA_IMAGE_SCRIPTS + "/make-udf " + GetParam() + " " +
-                 std::to_string(blockSize) + " '" + image + "' '" + folder + "'");
+                 std::to_string(blockSize) + " '" + image + "' '" + Content() + "'");
         return image;
     }
+
+  private:
+    std::string Content() { return (Folder() / "content").string(); }
 };
 
 INSTANTIATE_TEST_SUITE_P(Each, UdfKindTest,
@@ -179,10 +187,9 @@ INSTANTIATE_TEST_SUITE_P(Each, UdfKindTest,
                          [](const auto& kind) { return std::string(kind.param); });
 
 TEST_P(UdfKindTest, BlocksOfEachSize_Read_ReturnEveryFile) {
-    for (const int blockSize : {512, 1024, 2048, 4096}) {
-        const std::string image =
-            Make(blockSize,
-                 std::string(crowd) + " && seq 30000 >long && { seq 2000; head -c 9000 /dev/zero; } >zeros");
+    MakeContent(std::string(crowd) + " && seq 30000 >long && { seq 2000; head -c 9000 /dev/zero; } >zeros");
+    for (const int blockSize : {512, 2048, 4096}) {
+        const std::string image = Make(blockSize);
         auto volume = Open<UdfVolume>(image);
         std::string content;
 
@@ -198,7 +205,8 @@ TEST_P(UdfKindTest, BlocksOfEachSize_Read_ReturnEveryFile) {
 
 // What a drive writes behind the last block of a disc.
 TEST_P(UdfKindTest, BlocksBehindTheLastOne_Find_ReturnsTheFile) {
-    const std::string image = Make(2048, "echo x >file");
+    MakeContent("echo x >file");
+    const std::string image = Make(2048);
     std::filesystem::resize_file(image, std::filesystem::file_size(image) + 150ULL * 2048);
 
     EXPECT_EQ(Open<UdfVolume>(image).Find("file"), FileKind::File);
@@ -206,7 +214,8 @@ TEST_P(UdfKindTest, BlocksBehindTheLastOne_Find_ReturnsTheFile) {
 
 // The sector of the anchor is that of the disk.
 TEST_P(UdfKindTest, StickAndPartition_Attach_ReadTheFiles) {
-    const std::string stick = Make(512, "mkdir sources && echo x >sources/UFD");
+    MakeContent("mkdir sources && echo x >sources/UFD");
+    const std::string stick = Make(512);
     Pc pc;
     InsertStick(pc, stick);
     EXPECT_EQ(pc.volumes[0].fileSystem, "UDF");

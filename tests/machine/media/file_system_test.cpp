@@ -151,6 +151,9 @@ TEST_F(FileSystemTest, TwoFatLabels_Identify_PrefersThatOfTheRootFolder) {
     Put(image, entry, "OTHER");
     EXPECT_EQ(On(image), "FAT OTHER");
 
+    Put(image, entry, "NO NAME    ");
+    EXPECT_EQ(On(image), "FAT LABEL") << "of the boot sector";
+
     PatchByte(image, entry, 0xE5);
     EXPECT_EQ(On(image), "FAT LABEL") << "of the boot sector";
 
