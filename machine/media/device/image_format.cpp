@@ -134,6 +134,7 @@ std::string WhyNotDescribedVmdk(const OpenedFile& file) {
 struct Row {
     uint64_t at;
     std::string_view signature;
+    OpenedBy device;
     const char* server;  // of a virtual disk
     std::string (*whyNot)(const OpenedFile& file);
     const char* what;  // of what is no disk that can be opened: its kind, and the way to one
@@ -141,11 +142,11 @@ struct Row {
 
 constexpr Row Served(uint64_t at, std::string_view signature, const char* server,
                      std::string (*whyNot)(const OpenedFile& file) = nullptr) {
-    return {at, signature, server, whyNot, nullptr};
+    return {at, signature, OpenedBy::Nbd, server, whyNot, nullptr};
 }
 
 constexpr Row Refused(std::string_view signature, const char* what) {
-    return {0, signature, nullptr, nullptr, what};
+    return {0, signature, OpenedBy::File, nullptr, nullptr, what};
 }
 
 constexpr Row rows[] = {
@@ -155,8 +156,7 @@ constexpr Row rows[] = {
     Served(0, "KDMV"sv, "vmdk", WhyNotSparseVmdk),
     Served(0, "# Disk DescriptorFile"sv, "vmdk", WhyNotDescribedVmdk),
     Served(64, "\x7F\x10\xDA\xBE"sv, "vdi"),
-    Refused("EVF\x09\x0D\x0A\xFF\0"sv,
-            "an E01 image of evidence; make a raw image of it with `ewfexport -f raw -t NEW FILE`"),
+    {0, "EVF\x09\x0D\x0A\xFF\0"sv, OpenedBy::Ewf, nullptr, nullptr, nullptr},
     Refused("COWD"sv, "a VMDK of an old version; convert it with `qemu-img convert -O qcow2 FILE NEW.qcow2`"),
     Refused("QED\0"sv, "a QED image; convert it with `qemu-img convert -O qcow2 FILE NEW.qcow2`"),
     Refused("WithoutFreeSpace"sv,
@@ -217,7 +217,7 @@ ImageFormat FormatOf(const std::string& path) {
                                    : row.whyNot != nullptr ? row.whyNot(file)
                                                            : "";
         if (!reason.empty()) throw ImageError(path + ": " + reason);
-        return {.server = row.server};
+        return {.device = row.device, .server = row.server != nullptr ? row.server : ""};
     }
     return {};
 }

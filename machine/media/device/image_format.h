@@ -6,9 +6,12 @@
 
 namespace machine {
 
+enum class OpenedBy { File, Nbd, Ewf };
+
 struct ImageFormat {
-    std::string server = {};      // the name of the format to open it with, as qemu has it; empty: a raw disk
-    uint64_t bytesAfterDisk = 0;  // of a raw disk: what follows it in the file
+    OpenedBy device = OpenedBy::File;
+    std::string server = {};      // of Nbd: the name of the format, as qemu has it
+    uint64_t bytesAfterDisk = 0;  // of File: what follows the disk in it
 };
 
 // Throws ImageError for a file that cannot be opened as a disk: what it is, and what to do. A file that

@@ -104,14 +104,11 @@ void RefuseIfInUse(int descriptor, const std::string& path) {
     if (IsOpenForWriting(descriptor)) throw InUse(path, hasWriter);
 }
 
-void LockWhole(int descriptor, const std::string& path) {
-    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return;
-    if (errno == EWOULDBLOCK) throw InUse(path, hasWriter);
-    throw ImageError(path + ": cannot be locked: " + std::strerror(errno));
-}
-
 void LockForWriting(int descriptor, const std::string& path) {
-    LockWhole(descriptor, path);
+    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) throw InUse(path, hasWriter);
+        throw ImageError(path + ": cannot be locked: " + std::strerror(errno));
+    }
     // Virtual machines lock single bytes of the file, each for a kind of use; this lock covers them all.
     // A file system without such locks has none of theirs either.
     struct flock lock = WholeFile(F_WRLCK);

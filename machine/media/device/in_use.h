@@ -10,14 +10,12 @@ namespace machine {
 std::string KnownUser(int descriptor);
 
 // Before the caller opens the file for writing: throws ImageError if another program holds it, or has it open
-// for writing, with a lock or without. `descriptor` is open for reading only.
+// for writing, with a lock or without. `descriptor` is open for reading only; as long as it stays open, it
+// holds the lock among programs that know nothing of virtual machines.
 void RefuseIfInUse(int descriptor, const std::string& path);
 
 // Keeps other programs from changing the file as long as the descriptor is open, and virtual machines from
 // opening it at all. Throws ImageError if another program was faster.
 void LockForWriting(int descriptor, const std::string& path);
-
-// The lock among programs that know nothing of virtual machines, for any descriptor. Throws ImageError.
-void LockWhole(int descriptor, const std::string& path);
 
 }  // namespace machine

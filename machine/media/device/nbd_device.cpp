@@ -48,8 +48,7 @@ NbdDevice::NbdDevice(const std::string& path, const std::string& format, bool fo
     : file_(OpenImage(path, false)) {
     if (forWriting) {
         RefuseIfInUse(file_.Number(), path);
-        OpenImage(path, true);
-        LockWhole(file_.Number(), path);
+        OpenImage(path, true);  // the permission
     } else {
         // Before the server is such a user itself.
         otherUser_ = KnownUser(file_.Number());

@@ -8,7 +8,7 @@
 
 namespace machine {
 
-// By what the file is: a raw disk or a virtual one. Throws ImageError.
+// By what the file is. Throws ImageError.
 std::unique_ptr<BlockDevice> OpenDevice(const std::string& path, bool forWriting);
 
 }  // namespace machine

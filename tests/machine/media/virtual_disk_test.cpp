@@ -54,11 +54,11 @@ INSTANTIATE_TEST_SUITE_P(
                     Format{"Vdi", "disk.vdi", "vdi", "vdi"}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_P(EachFormat, FactoryDisk_Attach_ShowsTheDiskOfTheRawImageAndWritesNothing) {
+TEST_P(EachFormat, FactoryDisk_AttachAndChange_IsTheRawImage) {
     const std::string image = Virtual(GetParam());
     const std::string before = OutputOf("md5sum '" + Path("") + "'*");
-    const Disk raw = Attach(Path("raw.img"));
     {
+        const Disk raw = Attach(Path("raw.img"));
         const Disk disk = Attach(image);
         EXPECT_EQ(disk.size, raw.size);
         EXPECT_EQ(disk.signature, raw.signature);
@@ -68,19 +68,15 @@ TEST_P(EachFormat, FactoryDisk_Attach_ShowsTheDiskOfTheRawImageAndWritesNothing)
         EXPECT_THAT(disk.medium->Notes(), IsEmpty());
     }
     EXPECT_EQ(OutputOf("md5sum '" + Path("") + "'*"), before);
-}
 
-// The same change as of the raw image, as another program reads it.
-TEST_P(EachFormat, FactoryDisk_ChangeTheTable_IsThatOfTheRawImage) {
-    const std::string image = Virtual(GetParam());
     for (const std::string& path : {image, Path("raw.img")}) {
         const Disk disk = Attach(path, ImageAccess::Write);
         ASSERT_EQ(disk.table->SetActive(disk.partitions[2].offset, true, OtherFlags::Clear), 0u);
         EXPECT_EQ(disk.medium->Commit(), "");
     }
+    // As another program reads it.
     OutputOf("qemu-img convert -f " + std::string(GetParam().asServer) + " -O raw '" + image + "' '" +
-             Path("back.img") + "'");
-    OutputOf("truncate -s 300M '" + Path("back.img") + "'");
+             Path("back.img") + "' && truncate -s 300M '" + Path("back.img") + "'");
     EXPECT_TRUE(AreSame(Path("raw.img"), Path("back.img")));
     EXPECT_FALSE(std::filesystem::exists(image + ".kestova-journal"));
 }
@@ -185,6 +181,51 @@ TEST_F(VirtualDiskTest, DamagedQcow2_Attach_IsRefusedInTheWordsOfTheServer) {
     const std::string image =
         File("damaged.qcow2", std::string("QFI\xFB\0\0\0\3", 8) + std::string(4000, '\0'));
     EXPECT_THAT(Complaint(image), testing::StartsWith(image + ": Unsupported cluster size"));
+}
+
+// Two segments, made from the factory disk.
+class EvidenceTest : public VirtualDiskTest {
+  protected:
+    EvidenceTest() {
+        OutputOf("ewfacquire -u -q -c fast -S 1048576 -f encase6 -t '" + Path("disk") + "' '" +
+                 FactoryMbrImage("raw.img") + "' 2>&1");
+    }
+    const std::string image = Path("disk.E01");
+};
+
+TEST_F(EvidenceTest, FactoryDisk_Attach_ShowsTheDiskOfTheRawImageAndWritesNothing) {
+    const std::string before = OutputOf("md5sum '" + Path("") + "'*");
+    const Disk raw = Attach(Path("raw.img"));
+    for (const ImageAccess access : {ImageAccess::Read, ImageAccess::Overlay}) {
+        const Disk disk = Attach(image, access);
+        EXPECT_EQ(disk.size, raw.size);
+        EXPECT_EQ(disk.signature, raw.signature);
+        ASSERT_EQ(disk.partitions.size(), 4u);
+        // In the last segment.
+        EXPECT_EQ(disk.partitions[2].volume->label.value, "Data");
+        EXPECT_EQ(disk.partitions[0].volume->store->Find("sources/Qelhdrcv.ini"), FileKind::File);
+    }
+    EXPECT_EQ(OutputOf("md5sum '" + Path("") + "'*"), before);
+}
+
+TEST_F(EvidenceTest, FactoryDisk_AttachForWriting_IsRefused) {
+    EXPECT_EQ(Complaint(image, ImageAccess::Write),
+              image + ": an E01 image of evidence, which is never changed; try --dry-run");
+}
+
+TEST_F(EvidenceTest, SegmentMissingOrCutOff_Attach_IsRefused) {
+    const std::string message = image + ": an E01 image of which a segment is missing or damaged";
+    OutputOf("mv '" + Path("disk.E02") + "' '" + Path("kept") + "'");
+    EXPECT_EQ(Complaint(image), message);
+    OutputOf("mv '" + Path("kept") + "' '" + Path("disk.E02") + "' && truncate -s 300000 '" + image + "'");
+    EXPECT_EQ(Complaint(image), message);
+}
+
+TEST_F(EvidenceTest, AnotherName_Attach_IsRefusedWithTheNameItNeeds) {
+    OutputOf("mv '" + image + "' '" + Path("disk.img") + "'");
+    EXPECT_EQ(
+        Complaint(Path("disk.img")),
+        Path("disk.img") + ": an E01 image whose name does not end as that of a first segment does, in .E01");
 }
 
 }  // namespace

@@ -58,6 +58,10 @@ for format in qcow2 vhdx vpc vmdk vdi; do
     expect 0 --image "disk.$format" recover
     expect 0 --image "disk.$format" boot system
 done
+ewfacquire -u -q -c fast -t disk factory-mbr.img >/dev/null 2>&1
+expect 0 --image disk.E01 status
+expect 0 --image disk.E01 --dry-run boot recovery
+expect 3 --image disk.E01 boot recovery
 dd if=/dev/zero of=factory-gpt.img bs=512 seek=1 count=33 conv=notrunc status=none
 expect 3 --image factory-gpt.img call DisableOrvoBootPartition
 expect 0 --image factory-gpt.img repair-table
