@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "machine/facts/extent_type.h"
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 #include "machine/media/table/gpt_repair.h"
 #include "machine/media/table/image_table.h"
 #include "machine/media/volumes/file_system.h"

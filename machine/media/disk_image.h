@@ -7,7 +7,7 @@
 
 #include "machine/facts/pc.h"
 #include "machine/media/device/image_access.h"
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 
 namespace machine {
 

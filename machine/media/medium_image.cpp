@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "machine/facts/letters.h"
-#include "machine/media/device/volume_bytes.h"
 #include "machine/media/given_images.h"
+#include "machine/media/image/volume_bytes.h"
 #include "machine/media/table/image_table.h"
 #include "machine/media/volumes/volume_image.h"
 

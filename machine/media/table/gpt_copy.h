@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/guid.h"
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 
 namespace machine {
 

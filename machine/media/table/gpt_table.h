@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 #include "machine/media/table/gpt_copy.h"
 
 namespace machine {

@@ -8,7 +8,7 @@
 
 #include "machine/facts/partition_table.h"
 #include "machine/facts/pc.h"
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 #include "machine/media/table/mbr_entries.h"
 
 namespace machine {

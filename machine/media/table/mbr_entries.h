@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 
 namespace machine {
 

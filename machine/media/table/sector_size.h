@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 
 namespace machine {
 

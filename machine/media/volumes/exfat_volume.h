@@ -1,7 +1,7 @@
 // The files of an exFAT volume on an image, read only.
 #pragma once
 
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 #include "machine/media/volumes/cluster_chain.h"
 #include "machine/media/volumes/read_only_volume.h"
 

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 #include "machine/media/volumes/cluster_chain.h"
 
 namespace machine {

@@ -1,7 +1,7 @@
 // The files of a FAT12, FAT16 or FAT32 volume on an image, read only.
 #pragma once
 
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 #include "machine/media/volumes/fat_layout.h"
 #include "machine/media/volumes/read_only_volume.h"
 

@@ -1,7 +1,7 @@
 // The files of an ISO 9660 disc on an image, with the long names of Joliet if present.
 #pragma once
 
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 #include "machine/media/volumes/read_only_volume.h"
 
 namespace machine {

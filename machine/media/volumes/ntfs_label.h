@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 
 namespace machine {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "machine/facts/file_store.h"
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 
 namespace machine {
 

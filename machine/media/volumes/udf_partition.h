@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 
 namespace machine {
 

@@ -1,7 +1,7 @@
 // The files of a UDF disc on an image.
 #pragma once
 
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 #include "machine/media/volumes/read_only_volume.h"
 #include "machine/media/volumes/udf_partition.h"
 

@@ -5,8 +5,8 @@
 
 #include <fstream>
 
-#include "machine/media/device/image_file.h"
 #include "machine/media/device/little_endian.h"
+#include "machine/media/image/image_file.h"
 #include "machine/media/table/gpt_repair.h"
 #include "machine/media/table/sector_size.h"
 #include "tests/machine/media/image_fixture.h"

@@ -1,7 +1,7 @@
 // A range of an image as a device of libntfs-3g.
 #pragma once
 
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 
 struct ntfs_device;
 

@@ -10,7 +10,7 @@
 
 #include "machine/facts/store_path.h"
 #include "machine/media/device/store_errors.h"
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 #include "machine/media/volumes/ntfs/ntfs_device.h"
 #include "machine/media/volumes/ntfs/ntfs_library.h"
 #include "machine/media/volumes/ntfs/ntfs_record.h"

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "machine/facts/file_store.h"
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 
 namespace machine {
 

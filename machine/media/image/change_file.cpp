@@ -1,4 +1,4 @@
-#include "machine/media/device/change_file.h"
+#include "machine/media/image/change_file.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "machine/media/device/change_journal.h"
+#include "machine/media/image/change_journal.h"
 
 #include <linux/magic.h>
 #include <sys/stat.h>
@@ -9,7 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "machine/media/device/change_file.h"
+#include "machine/media/image/change_file.h"
 
 namespace machine {
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "machine/media/device/image_file.h"
 #include "machine/media/device/little_endian.h"
+#include "machine/media/image/image_file.h"
 
 namespace machine {
 

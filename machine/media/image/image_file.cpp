@@ -1,4 +1,4 @@
-#include "machine/media/device/image_file.h"
+#include "machine/media/image/image_file.h"
 
 #include <signal.h>
 

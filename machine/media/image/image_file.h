@@ -12,10 +12,10 @@
 
 #include "machine/facts/medium.h"
 #include "machine/media/device/block_device.h"
-#include "machine/media/device/change_backup.h"
-#include "machine/media/device/change_journal.h"
 #include "machine/media/device/image_access.h"
-#include "machine/media/device/image_change.h"
+#include "machine/media/image/change_backup.h"
+#include "machine/media/image/change_journal.h"
+#include "machine/media/image/image_change.h"
 
 namespace machine {
 

@@ -1,4 +1,4 @@
-#include "machine/media/device/volume_bytes.h"
+#include "machine/media/image/volume_bytes.h"
 
 namespace machine {
 

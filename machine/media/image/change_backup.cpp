@@ -1,4 +1,4 @@
-#include "machine/media/device/change_backup.h"
+#include "machine/media/image/change_backup.h"
 
 #include <unistd.h>
 
@@ -8,7 +8,7 @@
 #include <map>
 #include <utility>
 
-#include "machine/media/device/change_file.h"
+#include "machine/media/image/change_file.h"
 
 namespace machine {
 

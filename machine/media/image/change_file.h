@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "machine/media/device/image_change.h"
+#include "machine/media/image/image_change.h"
 
 namespace machine {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "machine/media/device/image_access.h"
-#include "machine/media/device/image_change.h"
+#include "machine/media/image/image_change.h"
 
 namespace machine {
 

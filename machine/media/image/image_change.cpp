@@ -1,4 +1,4 @@
-#include "machine/media/device/image_change.h"
+#include "machine/media/image/image_change.h"
 
 #include <utility>
 
