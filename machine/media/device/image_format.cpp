@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -200,6 +201,12 @@ bool IsFixedVhd(const OpenedFile& file) {
     return footer.starts_with("conectix") && Be32(footer, 60) == fixed && HasChecksum(footer, 64);
 }
 
+// Empty if it can be opened.
+std::string WhyNot(const Row& row, const OpenedFile& file) {
+    if (row.what != nullptr) return row.what;
+    return row.whyNot != nullptr ? row.whyNot(file) : "";
+}
+
 // A first sector with this is that of a disk or a volume, whatever its code begins with.
 bool HasBootSignature(const OpenedFile& file) {
     return file.Bytes(510, 2) == "\x55\xAA"sv;
@@ -211,15 +218,13 @@ ImageFormat FormatOf(const std::string& path) {
     const OpenedFile file(path);
     if (IsFixedVhd(file)) return {.bytesAfterDisk = footerLength};
     if (HasBootSignature(file)) return {};
-    for (const Row& row : rows) {
-        if (file.Bytes(row.at, row.signature.size()) != row.signature) continue;
-        const std::string reason = row.what != nullptr     ? row.what
-                                   : row.whyNot != nullptr ? row.whyNot(file)
-                                                           : "";
-        if (!reason.empty()) throw ImageError(path + ": " + reason);
-        return {.device = row.device, .server = row.server != nullptr ? row.server : ""};
-    }
-    return {};
+    const Row* const row = std::find_if(std::begin(rows), std::end(rows), [&](const Row& candidate) {
+        return file.Bytes(candidate.at, candidate.signature.size()) == candidate.signature;
+    });
+    if (row == std::end(rows)) return {};
+    const std::string reason = WhyNot(*row, file);
+    if (!reason.empty()) throw ImageError(path + ": " + reason);
+    return {.device = row->device, .server = row->server != nullptr ? row->server : ""};
 }
 
 }  // namespace machine
