@@ -107,7 +107,7 @@ class WrongConditionTest : public ImageRefusalTest {
     }
 
     // Tries to make and to delete a file of that partition, with another change of the disk beside it.
-    void ExpectBarred(size_t partition, ImageUse use, const std::string& message) {
+    void ExpectBarred(size_t partition, const ImageUse& use, const std::string& message) {
         SCOPED_TRACE(message);
         {
             Disk disk = Attach(image_, use);

@@ -11,7 +11,6 @@
 namespace machine {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
