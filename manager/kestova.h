@@ -79,8 +79,9 @@ class KESTOVA_API Kestova {
     // none.
     WCHAR GetDriveLetter(int disk, int partition);
     // 1 if a partition should be hidden from users: on MBR one labelled "System Reserved", on GPT one of the
-    // maker's boot, EFI system or Microsoft reserved type, on a disk of unknown style every one. Else 0, also
-    // if it cannot be read.
+    // maker's boot, EFI system or Microsoft reserved type, on a disk of unknown style every one, as is a
+    // partition that does not exist or cannot be read. Else 0, also if the disk cannot be selected or the
+    // label cannot be read.
     int IsNeedHidePartition(int disk, int partition);
     // 1 if a partition is the BIOS's hibernation partition (MBR ID 0x84), else 0.
     int IsBIOSHibernationPartition(int disk, int partition);

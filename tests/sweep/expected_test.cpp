@@ -65,10 +65,22 @@ TEST_F(ExpectedTables, RowThatDoesNotOccur_IsADifferenceInAWholeSweep) {
 
 TEST_F(ExpectedTables, Alternatives_MustEachOccur) {
     Write("rule\tSetActive|ClearActive\tCloseHandle\tfails\t*\tWhy.\n");
-    EXPECT_THAT(Compare({leak}), ElementsAre(HasSubstr("one of its alternatives")));
+    EXPECT_THAT(Compare({leak}), ElementsAre(HasSubstr("one combination of its alternatives")));
     Row other = leak;
     other[1] = "ClearActive";
     EXPECT_THAT(Compare({leak, other}), IsEmpty());
+}
+
+TEST_F(ExpectedTables, AlternativesOfTwoFields_MustOccurInEveryCombination) {
+    Write("rule\tSetActive|ClearActive\tCloseHandle|CreateFileW\tfails\t*\tWhy.\n");
+    std::vector<Row> found;
+    for (const char* const operation : {"SetActive", "ClearActive"}) {
+        for (const char* const call : {"CloseHandle", "CreateFileW"})
+            found.push_back({"rule", operation, call, "fails", "file handle"});
+    }
+    EXPECT_THAT(Compare(found), IsEmpty());
+    found.erase(found.begin() + 1);
+    EXPECT_THAT(Compare(found), ElementsAre(HasSubstr("one combination of its alternatives")));
 }
 
 TEST_F(ExpectedTables, BreachWithoutAReason_IsRefusedWithFileAndLine) {

@@ -174,8 +174,7 @@ std::string PartitionLetter(const Judge& seen) {
 std::string NeedsHiding(const Judge& seen) {
     const Partition* const partition = seen.NamedPartition();
     if (seen.NamedDisk() == nullptr) return Require(seen.Number() == 0, "there is no such disk");
-    // Not in the header: a partition that is not there has an unknown style.
-    if (partition == nullptr) return Require(seen.Number() == 1, "the style is unknown");
+    if (partition == nullptr) return Require(seen.Number() == 1, "there is no such partition");
     if (IsGpt(seen.NamedDisk())) {
         const bool hide = partition->gptType == ORVOBOOT_GUID ||
                           partition->gptType == PARTITION_SYSTEM_GUID ||

@@ -44,7 +44,11 @@ std::optional<size_t> AlternativeOf(const std::string& text, const std::string& 
     return std::nullopt;
 }
 
-// Which alternatives of a row of a table have been found: of each field, by position.
+size_t CountAlternatives(const std::string& field) {
+    return static_cast<size_t>(std::count(field.begin(), field.end(), '|')) + 1;
+}
+
+// Which rows that a row of a table stands for have been found: one for each combination of its alternatives.
 class Seen {
   public:
     // Whether the found row is one of those that the pattern stands for.
@@ -55,24 +59,19 @@ class Seen {
             if (!position) return false;
             positions.push_back(*position);
         }
-        for (size_t at = 0; at < positions.size(); ++at)
-            seen_.emplace(at, positions[at]);
+        seen_.insert(positions);
         return true;
     }
 
     bool IsWhole(const Row& pattern) const {
-        for (size_t at = 0; at < pattern.size(); ++at) {
-            const auto count =
-                static_cast<size_t>(std::count(pattern[at].begin(), pattern[at].end(), '|')) + 1;
-            for (size_t position = 0; position < count; ++position) {
-                if (!seen_.contains({at, position})) return false;
-            }
-        }
-        return true;
+        size_t combinations = 1;
+        for (const std::string& field : pattern)
+            combinations *= CountAlternatives(field);
+        return seen_.size() == combinations;
     }
 
   private:
-    std::set<std::pair<size_t, size_t>> seen_;
+    std::set<std::vector<size_t>> seen_;  // of each, the position of the alternative in every field
 };
 
 ExpectedRow ReadRow(const std::string& line, const Layout& layout, const std::string& place) {
@@ -124,9 +123,10 @@ std::vector<std::string> Expected::Compare(const Tally& tally, bool whole) const
         for (size_t at = 0; whole && at < file.rows.size(); ++at) {
             const ExpectedRow& row = file.rows[at];
             if (!seen[at].IsWhole(row.fields))
-                differences.push_back(file.path + ":" + std::to_string(row.line) +
-                                      ": does not occur any more, as a whole or one of its alternatives: " +
-                                      Joined(row.fields));
+                differences.push_back(
+                    file.path + ":" + std::to_string(row.line) +
+                    ": does not occur any more, as a whole or in one combination of its alternatives: " +
+                    Joined(row.fields));
         }
     }
     return differences;

@@ -93,11 +93,6 @@ const char* NameOf(Way way) {
     return "";
 }
 
-bool IsHonest(Way way) {
-    return way == Way::None || way == Way::Fails || way == Way::FailsOnwards || way == Way::AllCallsFail ||
-           way == Way::TwoFail;
-}
-
 std::string ToText(const Disturbance& disturbance) {
     std::string text;
     for (const FaultRule& rule : disturbance.rules)

@@ -26,9 +26,6 @@ enum class Way {
 // As the tables name it.
 const char* NameOf(Way way);
 
-// The call says what it did: a failure has had no effect. An operation cannot know about any other.
-bool IsHonest(Way way);
-
 struct Disturbance {
     std::string call;  // the published name of the first, "*" for all of them, empty for none
     Way way = Way::None;
