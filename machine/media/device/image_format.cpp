@@ -88,9 +88,19 @@ std::string WhyNotSparseVmdk(const OpenedFile& file) {
     const uint64_t description = Le64(header, 28);
     if (Le64(header, 12) == 0) return std::string("a VMDK that describes other files") + flatten;
     if (description >= file.Size() / 512) return std::string("a VMDK whose description is beyond its end");
-    if (NamesParent(file.Bytes(description * 512, longestDescription)))
-        return std::string(vmdkParent) + flatten;
+    // The server reads the name of a parent at this place, wherever the header has the description.
+    constexpr uint64_t usualDescription = 512;
+    for (const uint64_t place : {description * 512, usualDescription}) {
+        if (NamesParent(file.Bytes(place, longestDescription))) return std::string(vmdkParent) + flatten;
+    }
     return "";
+}
+
+// Of a file in the same folder, with nothing in it that the server could read as something else.
+bool IsPlainName(const std::string& name) {
+    return !name.empty() && std::all_of(name.begin(), name.end(), [](unsigned char unit) {
+        return unit > ' ' ? unit != '/' && unit != ':' && unit != 0x7F : unit == ' ';
+    });
 }
 
 // `extent` begins as in: RW 614400 FLAT "disk-flat.vmdk" 0
@@ -109,10 +119,10 @@ std::string WhyNotExtent(const OpenedFile& file, const std::string& extent) {
     const std::string name = extent.substr(begin + 1, end - begin - 1);
     const fs::path part = fs::path(file.Path()).parent_path() / name;
     std::error_code error;
-    if (name.find_first_of("/:") != std::string::npos ||
-        !fs::is_regular_file(fs::symlink_status(part, error)))
+    if (!IsPlainName(name) || !fs::is_regular_file(fs::symlink_status(part, error)))
         return "a VMDK with a part that is not a plain file beside it";
-    return kind == "SPARSE" ? WhyNotSparseVmdk(OpenedFile(part.string())) : "";
+    const bool isSparse = kind == "SPARSE" || kind == "VMFSSPARSE";
+    return isSparse ? WhyNotSparseVmdk(OpenedFile(part.string())) : "";
 }
 
 // As the server reads it: a part begins with a line, and blanks in it can be ends of lines too.

@@ -62,7 +62,7 @@ std::string ImageOfBackup(const std::string& backup) {
 }
 
 ImageChange ReadBackup(const std::string& path, uint64_t imageSize) {
-    ReadChange read = ReadChangeFile(path, imageSize);
+    ReadChange read = ReadChangeFile(path, backupMagic, imageSize);
     switch (read.state) {
         case ChangeFileState::Unreadable:
             throw ImageError(path + ": cannot be read");
@@ -83,6 +83,9 @@ void ChangeBackup::CheckPlace() const {
     if (place_.kind == JournalPlace::Kind::None) return;
     const std::string advice = "; name another file with --backup, or change without one (--no-backup)";
     std::error_code error;
+    if (!path_.empty() &&
+        fs::weakly_canonical(path_, error) == fs::weakly_canonical(JournalBeside(image_), error))
+        throw ImageError(path_ + ": is the place of the journal" + advice);
     if (!path_.empty() && fs::exists(path_, error)) throw ImageError(path_ + ": exists already" + advice);
     if (access(FolderOfFile(path_.empty() ? FreeName(image_) : path_).c_str(), W_OK) == 0) return;
     throw ImageError(image_ + ": a backup of what changes cannot be written: " + std::strerror(errno) +
@@ -93,9 +96,10 @@ std::string ChangeBackup::Add(const ImageChange& change, uint64_t imageSize) {
     if (place_.kind == JournalPlace::Kind::None) return "";
     if (path_.empty()) path_ = FreeName(image_);
     earlier_ = std::exchange(change_, Joined(change_, change));
-    if (WriteChangeFile(path_, change_, imageSize)) return "";
+    if (WriteChangeFile(path_, backupMagic, change_, imageSize)) return "";
     std::string problem = "its backup " + path_ + " cannot be written: " + std::strerror(errno);
     change_ = std::exchange(earlier_, {});
+    if (change_.empty()) DropChangeFile(path_);
     return problem;
 }
 
@@ -105,7 +109,7 @@ void ChangeBackup::TakeBack(uint64_t imageSize) {
     if (change_.empty()) {
         DropChangeFile(path_);
     } else {
-        WriteChangeFile(path_, change_, imageSize);
+        WriteChangeFile(path_, backupMagic, change_, imageSize);
     }
 }
 

@@ -20,7 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view magic = "KESTOVA JOURNAL 1\n";
 constexpr uint64_t longestFile = uint64_t{1} << 30;
 
 // --- the format: magic, size of the image, number of runs, the runs, and a checksum of all that; numbers are
@@ -31,7 +30,7 @@ void AppendText(std::string& bytes, const std::string& text) {
     bytes += text;
 }
 
-std::string BytesOf(const ImageChange& change, uint64_t imageSize) {
+std::string BytesOf(std::string_view magic, const ImageChange& change, uint64_t imageSize) {
     std::string bytes(magic);
     AppendLe64(bytes, imageSize);
     AppendLe64(bytes, change.size());
@@ -82,7 +81,7 @@ bool IsSound(const ChangedRun& run, uint64_t imageSize) {
 }
 
 // Nothing if it is damaged.
-std::optional<ImageChange> ChangeIn(std::string_view bytes, uint64_t& imageSize) {
+std::optional<ImageChange> ChangeIn(std::string_view bytes, std::string_view magic, uint64_t& imageSize) {
     if (bytes.size() < magic.size() + 8 || !bytes.starts_with(magic)) return std::nullopt;
     const std::string_view summed = bytes.substr(0, bytes.size() - 8);
     if (Le64(bytes, summed.size()) !=
@@ -154,20 +153,20 @@ std::string FolderOfFile(const std::string& path) {
     return folder.empty() ? "." : folder.string();
 }
 
-bool WriteChangeFile(const std::string& path, const ImageChange& change, uint64_t imageSize) {
+bool WriteChangeFile(const std::string& path, std::string_view magic, const ImageChange& change,
+                     uint64_t imageSize) {
     const std::string unnamed = path + ".new";
-    if (WriteNewFile(unnamed, BytesOf(change, imageSize)) &&
+    if (WriteNewFile(unnamed, BytesOf(magic, change, imageSize)) &&
         std::rename(unnamed.c_str(), path.c_str()) == 0 && FlushFolder(path)) {
         return true;
     }
     const int error = errno;
     unlink(unnamed.c_str());
-    unlink(path.c_str());
     errno = error;
     return false;
 }
 
-ReadChange ReadChangeFile(const std::string& path, uint64_t imageSize) {
+ReadChange ReadChangeFile(const std::string& path, std::string_view magic, uint64_t imageSize) {
     std::error_code error;
     std::ifstream file(path, std::ios::binary);
     const uint64_t length = fs::file_size(path, error);
@@ -175,7 +174,7 @@ ReadChange ReadChangeFile(const std::string& path, uint64_t imageSize) {
     std::string bytes(static_cast<size_t>(std::min(length, longestFile)), '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     uint64_t recorded = 0;
-    std::optional<ImageChange> change = ChangeIn(bytes, recorded);
+    std::optional<ImageChange> change = ChangeIn(bytes, magic, recorded);
     if (!change) return {ChangeFileState::Damaged};
     if (recorded != imageSize) return {ChangeFileState::OfAnotherSize};
     return {ChangeFileState::Sound, std::move(*change)};

@@ -8,9 +8,14 @@
 
 namespace machine {
 
-// Puts the change on the medium, as a file that is complete as soon as it has its name. False, with errno set
-// and no such file, if that fails.
-bool WriteChangeFile(const std::string& path, const ImageChange& change, uint64_t imageSize);
+// What such a file begins with, by the purpose that it has.
+inline constexpr std::string_view journalMagic = "KESTOVA JOURNAL 1\n";
+inline constexpr std::string_view backupMagic = "KESTOVA BACKUP 1\n";
+
+// Puts the change on the medium, as a file that is complete as soon as it has its name. False, with errno
+// set, if that fails; an earlier file of the name can then still be there.
+bool WriteChangeFile(const std::string& path, std::string_view magic, const ImageChange& change,
+                     uint64_t imageSize);
 
 enum class ChangeFileState { Sound, Unreadable, Damaged, OfAnotherSize };
 
@@ -20,7 +25,7 @@ struct ReadChange {
 };
 
 // Damaged is also a file of another kind; OfAnotherSize a sound one of another image.
-ReadChange ReadChangeFile(const std::string& path, uint64_t imageSize);
+ReadChange ReadChangeFile(const std::string& path, std::string_view magic, uint64_t imageSize);
 
 // Deletes the file. False, with errno set, if it is still there.
 bool DropChangeFile(const std::string& path);

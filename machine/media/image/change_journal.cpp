@@ -55,15 +55,17 @@ void ChangeJournal::CheckPlace() const {
 }
 
 std::string ChangeJournal::Keep(const ImageChange& change, uint64_t imageSize) const {
-    if (path_.empty() || WriteChangeFile(path_, change, imageSize)) return "";
-    return "its journal " + path_ + " cannot be written: " + std::strerror(errno);
+    if (path_.empty() || WriteChangeFile(path_, journalMagic, change, imageSize)) return "";
+    std::string problem = "its journal " + path_ + " cannot be written: " + std::strerror(errno);
+    unlink(path_.c_str());
+    return problem;
 }
 
 std::optional<ImageChange> ChangeJournal::Pending(uint64_t imageSize) const {
     std::error_code error;
     if (path_.empty() || !fs::exists(path_, error)) return std::nullopt;
     const std::string advice = "; move it away to go on without it";
-    ReadChange read = ReadChangeFile(path_, imageSize);
+    ReadChange read = ReadChangeFile(path_, journalMagic, imageSize);
     switch (read.state) {
         case ChangeFileState::Unreadable:
             throw ImageError(image_ + ": its journal " + path_ + " cannot be read" + advice);

@@ -237,15 +237,25 @@ void ImageFile::Show(const ImageChange& change, std::string ChangedRun::*part) {
         WriteBlocks(run.offset, (run.*part).data(), (run.*part).size());
 }
 
+bool ImageFile::Holds(uint64_t offset, const std::string& bytes) const {
+    std::string found(bytes.size(), '\0');
+    return !bytes.empty() && Read(offset, found.data(), found.size()) && found == bytes;
+}
+
 bool ImageFile::Undo(const ImageChange& backup) {
     const auto read = [this](uint64_t offset, void* buffer, size_t length) {
         return Read(offset, buffer, length);
     };
-    const ChangeState state = StateOfChange(read, backup);
+    ImageChange change = backup;
+    // A volume that is marked already, by force, needs no mark of ours, which would be taken away afterwards.
+    std::erase_if(change, [&](const ChangedRun& run) {
+        return run.before == run.after && Holds(run.offset, run.mark);
+    });
+    const ChangeState state = StateOfChange(read, change);
     if (state == ChangeState::Before) return false;
     if (state != ChangeState::After)
         throw Error("does not fit the backup: something else has changed it since; nothing was changed");
-    for (const ChangedRun& run : backup) {
+    for (const ChangedRun& run : change) {
         if (!run.mark.empty()) {
             Mark([&] { Write(run.offset, run.mark.data(), run.mark.size()); },
                  [&] { Write(run.offset, run.after.data(), run.after.size()); });

@@ -79,6 +79,7 @@ class ImageFile final : public Medium {
     void Show(const ImageChange& change, std::string ChangedRun::*part);
     ImageChange Collected() const;
     ChangeState StateOnDevice(const ImageChange& change) const;
+    bool Holds(uint64_t offset, const std::string& bytes) const;
     std::string Written(const ImageChange& change);
     bool WriteBlocks(uint64_t offset, const char* bytes, size_t length);
 

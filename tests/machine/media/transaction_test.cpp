@@ -380,6 +380,22 @@ TEST_F(Backups, NoRoom_Commit_WritesNothing) {
     EXPECT_FALSE(std::filesystem::exists(Backup(1)));
 }
 
+TEST_F(Backups, NoRoomForTheSecond_Commit_KeepsTheBackupOfTheFirst) {
+    {
+        const auto image = OpenWith({}, {JournalPlace::Kind::None});
+        Switch(image);
+        EXPECT_EQ(image->Commit(), "");
+        EXPECT_EQ(NtfsVolume(image, recovery, 60 * MiB).Remove("SystemVolume.ini"), 0u);
+        const LengthLimit limit(100);
+        EXPECT_THAT(image->Commit(), HasSubstr("its backup " + Backup(1) + " cannot be written"));
+        EXPECT_EQ(image->Backup(), Backup(1));
+    }
+
+    Undo(Backup(1));
+
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
 TEST(BackupName, Backup_ImageOfBackup_IsThatImage) {
     EXPECT_EQ(ImageOfBackup("folder/disk.img.kestova-backup-12"), "folder/disk.img");
     EXPECT_EQ(ImageOfBackup("disk.img"), "");

@@ -118,7 +118,9 @@ TEST_F(VirtualDiskTest, VmdkOfOtherFiles_Attach_IsRefused) {
         "# Disk DescriptorFile\nversion=1\nCID=1\nparentCID=ffffffff\ncreateType=\"monolithicFlat\"\n";
     const std::string elsewhere = ": a VMDK with a part that is not a plain file beside it; ";
     OutputOf("truncate -s 1M '" + Path("plain") + "' && ln -s plain '" + Path("link") + "'");
-    for (const std::string part : {"/etc/passwd", "../plain", "nbd:localhost", "link", "missing"}) {
+    File("link\nmore", "the server would read the first line of this name");
+    for (const std::string part :
+         {"/etc/passwd", "../plain", "nbd:localhost", "link", "missing", "link\nmore"}) {
         const std::string image = File("other.vmdk", start + "RW 8 FLAT \"" + part + "\" 0\n");
         EXPECT_THAT(Complaint(image), HasSubstr(elsewhere)) << part;
     }
@@ -135,9 +137,14 @@ TEST_F(VirtualDiskTest, VmdkOfOtherFilesInAPart_Attach_IsRefused) {
     OutputOf("qemu-img create -q -f vmdk '" + Path("base.vmdk") + "' 10M && cd '" + Path("") +
              "' && qemu-img create -q -f vmdk -b base.vmdk -F vmdk part.vmdk");
     EXPECT_THAT(Complaint(Path("part.vmdk")), HasSubstr("its parent"));
-    const std::string image =
-        File("whole.vmdk", "# Disk DescriptorFile\nversion=1\nRW 20480 SPARSE \"part.vmdk\"\n");
-    EXPECT_THAT(Complaint(image), HasSubstr("its parent"));
+    for (const std::string kind : {"SPARSE", "VMFSSPARSE"}) {
+        const std::string image =
+            File("whole.vmdk", "# Disk DescriptorFile\nversion=1\nRW 20480 " + kind + " \"part.vmdk\"\n");
+        EXPECT_THAT(Complaint(image), HasSubstr("its parent")) << kind;
+    }
+    // Where the server looks for the parent, although the header says that the description is elsewhere.
+    PatchByte(Path("part.vmdk"), 28, 2);
+    EXPECT_THAT(Complaint(Path("part.vmdk")), HasSubstr("its parent"));
 }
 
 TEST_F(VirtualDiskTest, DifferencingVhd_Attach_IsRefused) {

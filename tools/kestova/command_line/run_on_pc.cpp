@@ -105,8 +105,13 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
     output << (would ? "Would change:\n" : "Changed:\n");
     for (const std::string& change : *changes)
         output << "  " << change << "\n";
+}
+
+// In JSON each operation names them.
+void ShowBackups(const CommandLine& line, const OpenedPc& pc) {
+    if (line.json) return;
     for (const std::string& backup : pc.Backups())
-        output << BackupText(backup);
+        std::cout << BackupText(backup);
 }
 
 }  // namespace
@@ -131,12 +136,16 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     for (const std::string& note : pc.Notes())
         std::cerr << "kestova: " << note << "\n";
     int status = Done;
-    {
+    try {
         Session session(pc, log.Stream(), line.choice.trace);
         status = RunOnObject(line, work, session);
+    } catch (...) {
+        ShowBackups(line, pc);
+        throw;
     }
     ShowLedger(line, pc);
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
+    ShowBackups(line, pc);
     if (!log.Close()) {
         std::cerr << "kestova: " << line.log << ": cannot be written\n";
         status = Failure;

@@ -22,7 +22,11 @@ machine::JournalPlace JournalOf(const PcChoice& choice) {
 
 machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess access) {
     machine::ImageUse use(choice.dryRun ? machine::ImageAccess::Overlay : access, JournalOf(choice));
-    use.backup = PlaceOf(choice, "--backup", choice.backup, choice.noBackup);
+    // Who wants no journal beside the image wants no backup there.
+    use.backup = PlaceOf(choice, "--backup", choice.backup,
+                         choice.noBackup || (choice.noJournal && choice.backup.empty()));
+    if (!choice.backup.empty() && choice.backup == choice.journal)
+        throw WrongUse("--backup: " + choice.backup + " is the journal of the image");
     use.forceDirty = choice.forceDirty;
     if (choice.sectorSize.empty()) return use;
     for (const uint32_t size : {512U, 4096U}) {

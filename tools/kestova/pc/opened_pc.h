@@ -66,8 +66,8 @@ class OpenedPc {
     // and for a damaged volume with a letter, which reports its error when it is read.
     virtual bool LacksFileSystem(int disk, int partition) const = 0;
     // Writes what was changed to the disk images, each as a whole or not at all. Returns what is wrong, empty
-    // if nothing is. Throws UnreadablePc, with nothing written, for a change of a volume that is in no
-    // condition to be changed.
+    // if nothing is. The first time it throws UnreadablePc, with nothing written, for a change of a volume
+    // that is in no condition to be changed.
     virtual std::string Commit() = 0;
     // The files with which the changes of disk images since it was opened can be taken back.
     virtual std::vector<std::string> Backups() const = 0;

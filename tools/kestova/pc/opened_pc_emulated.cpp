@@ -181,6 +181,7 @@ class EmulatedOne final : public OpenedPc {
     std::vector<std::string> notes_;
     InputFiles inputs_;
     Pc before_;
+    bool hasCommitted_ = false;
     machine::EmulatedPc emulated_;
     machine::LoadedLibrary library_;
 };
@@ -196,8 +197,9 @@ bool EmulatedOne::Rehearse(const std::function<void()>& action) {
 std::string EmulatedOne::Commit() {
     for (const machine::Disk& disk : emulated_.facts.disks) {
         const std::string barred = disk.medium ? disk.medium->WhyBarred() : "";
-        if (!barred.empty()) throw UnreadablePc(barred);
+        if (!barred.empty() && !hasCommitted_) throw UnreadablePc(barred);
     }
+    hasCommitted_ = true;
     return machine::CommitMedia(emulated_.facts);
 }
 

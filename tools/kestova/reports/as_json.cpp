@@ -185,11 +185,11 @@ std::string Lines(const List& list) {
     return lines;
 }
 
-}  // namespace
-
 void AddBackup(const std::string& file, Json& json) {
     if (!file.empty()) json["backups"] = Json::array({file});
 }
+
+}  // namespace
 
 std::string AsJson(const StatusReport& status) {
     Json partitions = Json::array();

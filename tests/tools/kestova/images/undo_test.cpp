@@ -96,6 +96,7 @@ TEST_F(Undo, ScriptOfSwitches_Undo_TakesBackAllOfThem) {
     WriteFile("script", "SetRcvprtActive\nSetSystemActive\nClearActive\nSetActive 3\n");
     const Outcome run = Kestova("--image disk.img run script");
     EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_THAT(run.output, EndsWith("Backup, for kestova undo: " + Backup(1) + "\n"));
     EXPECT_FALSE(Exists("disk.img.kestova-backup-2"));
 
     EXPECT_EQ(Kestova("undo disk.img.kestova-backup-1").status, 0);
@@ -123,6 +124,9 @@ TEST_F(Undo, RecoveryVolumeDirtySince_Undo_IsRefusedUnlessForced) {
     ExpectRefused(
         "disk.img: partition 1 \"Recovery\" is marked dirty: start Windows, let chkdsk check it, shut down, and try "
         "again");
+
+    EXPECT_EQ(Kestova("undo --force-dirty disk.img.kestova-backup-1").status, 0);
+    EXPECT_THAT(Shell("sfdisk --dump disk.img").output, HasSubstr("type=7, bootable"));
 }
 
 TEST_F(Undo, BackupOfAnotherImage_Undo_IsRefused) {
@@ -171,6 +175,49 @@ TEST_F(Undo, BackupThatExistsOrHasNoFolder_BootRecovery_IsRefused) {
     EXPECT_THAT(nowhere.errors,
                 HasSubstr("disk.img: a backup of what changes cannot be written: No such file or directory"));
     EXPECT_TRUE(IsAsMade());
+}
+
+TEST_F(Undo, PlaceOfTheJournal_BootRecovery_IsNoPlaceForTheBackup) {
+    const Outcome same = Kestova("--image disk.img --journal kept --backup kept boot recovery");
+    EXPECT_EQ(same.status, 2);
+    EXPECT_THAT(same.errors, StartsWith("kestova: --backup: kept is the journal of the image\n"));
+    const Outcome usual =
+        Kestova("--image disk.img --journal kept --backup disk.img.kestova-journal boot recovery");
+    EXPECT_EQ(usual.status, 3);
+    EXPECT_THAT(usual.errors, StartsWith("kestova: disk.img.kestova-journal: is the place of the journal; "));
+    EXPECT_TRUE(IsAsMade());
+}
+
+TEST_F(Undo, BackupInPlaceOfTheJournal_Recover_RefusesIt) {
+    ASSERT_EQ(Kestova("--image disk.img boot recovery").status, 0);
+    ASSERT_EQ(Shell("mv disk.img.kestova-backup-1 disk.img.kestova-journal").status, 0);
+
+    const Outcome outcome = Kestova("--image disk.img recover");
+
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.errors, HasSubstr("disk.img.kestova-journal is no journal, or a damaged one"));
+    EXPECT_TRUE(Exists("disk.img.kestova-journal"));
+}
+
+TEST_F(Undo, NoJournalWanted_BootRecovery_LeavesNoBackupEither) {
+    EXPECT_EQ(Kestova("--image disk.img --no-journal boot recovery").status, 0);
+    EXPECT_FALSE(Exists("disk.img.kestova-backup-1"));
+}
+
+TEST_F(Undo, DirtyRecoveryVolume_ScriptThatSwitches_KeepsWhatWasDoneBeforeAndItsBackup) {
+    const std::string volume = " bs=1M count=60 status=none conv=notrunc,sparse";
+    ASSERT_EQ(Shell("dd if=disk.img of=part skip=1" + volume +
+                    " && ntfsfix part && dd if=part of=disk.img seek=1" + volume)
+                  .status,
+              0);
+    WriteFile("script", "SetActive 3\nSetRcvprtActive\nClearActive\n");
+
+    const Outcome run = Kestova("--image disk.img run script");
+
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.errors, HasSubstr("partition 1 \"Recovery\" is marked dirty: start Windows"));
+    EXPECT_THAT(run.output, EndsWith("Backup, for kestova undo: " + Backup(1) + "\n"));
+    EXPECT_THAT(Shell("sfdisk --dump disk.img | grep bootable").output, HasSubstr("disk.img3 "));
 }
 
 TEST_F(Undo, NothingToChange_BootSystem_LeavesNoBackup) {
