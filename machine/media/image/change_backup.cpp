@@ -83,9 +83,9 @@ void ChangeBackup::CheckPlace() const {
     if (place_.kind == JournalPlace::Kind::None) return;
     const std::string advice = "; name another file with --backup, or change without one (--no-backup)";
     std::error_code error;
-    if (!path_.empty() &&
-        fs::weakly_canonical(path_, error) == fs::weakly_canonical(JournalBeside(image_), error))
-        throw ImageError(path_ + ": is the place of the journal" + advice);
+    const bool isJournal =
+        !path_.empty() && fs::weakly_canonical(fs::absolute(path_), error) == JournalBeside(image_);
+    if (isJournal) throw ImageError(path_ + ": is the place of the journal" + advice);
     if (!path_.empty() && fs::exists(path_, error)) throw ImageError(path_ + ": exists already" + advice);
     if (access(FolderOfFile(path_.empty() ? FreeName(image_) : path_).c_str(), W_OK) == 0) return;
     throw ImageError(image_ + ": a backup of what changes cannot be written: " + std::strerror(errno) +
