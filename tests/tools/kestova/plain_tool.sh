@@ -54,6 +54,8 @@ for format in qcow2 vhdx vpc vmdk vdi; do
     qemu-img convert -f raw -O "$format" factory-mbr.img "disk.$format"
     expect 0 --image "disk.$format" status
     expect 0 --image "disk.$format" boot recovery
+    expect 0 undo "disk.$format.kestova-backup-1"
+    expect 0 --image "disk.$format" --force-dirty boot recovery
     expect 0 --image "disk.$format" run -
     expect 0 --image "disk.$format" recover
     expect 0 --image "disk.$format" boot system
@@ -64,6 +66,8 @@ expect 0 --image disk.E01 --dry-run boot recovery
 expect 3 --image disk.E01 boot recovery
 dd if=/dev/zero of=factory-gpt.img bs=512 seek=1 count=33 conv=notrunc status=none
 expect 3 --image factory-gpt.img call DisableOrvoBootPartition
+expect 0 --image factory-gpt.img repair-table
+expect 0 undo factory-gpt.img.kestova-backup-1
 expect 0 --image factory-gpt.img repair-table
 expect 0 --image factory-gpt.img call DisableOrvoBootPartition
 
