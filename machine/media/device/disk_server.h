@@ -13,7 +13,7 @@ struct ServedDisk {
     bool forWriting = false;
 };
 
-// Ends when the connection does.
+// Ends when the connection does, once it has been spoken over.
 struct DiskServer {
     Descriptor connection;  // speaks NBD; nobody else can have one
     Descriptor said;        // its standard error, which ends with it
