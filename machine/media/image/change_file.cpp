@@ -12,6 +12,7 @@
 #include <optional>
 #include <utility>
 
+#include "machine/media/device/descriptor.h"
 #include "machine/media/device/little_endian.h"
 
 namespace machine {
@@ -104,40 +105,33 @@ std::optional<ImageChange> ChangeIn(std::string_view bytes, std::string_view mag
 
 // --- files ---
 
-class Opened {
-  public:
-    Opened(const std::string& path, int flags) : descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0600)) {}
-    ~Opened() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
+Descriptor Open(const std::string& path, int flags) {
+    return Descriptor(open(path.c_str(), flags | O_CLOEXEC, 0600));
+}
 
-    explicit operator bool() const { return descriptor_ >= 0; }
-    bool Flush() const { return fsync(descriptor_) == 0; }
-    bool Write(std::string_view bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t done = write(descriptor_, bytes.data(), bytes.size());
-            if (done < 0 && errno == EINTR) continue;
-            if (done <= 0) return false;
-            bytes.remove_prefix(static_cast<size_t>(done));
-        }
-        return true;
-    }
+bool Flush(const Descriptor& file) {
+    return fsync(file.Number()) == 0;
+}
 
-  private:
-    int descriptor_;
-};
+bool WriteAll(const Descriptor& file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t done = write(file.Number(), bytes.data(), bytes.size());
+        if (done < 0 && errno == EINTR) continue;
+        if (done <= 0) return false;
+        bytes.remove_prefix(static_cast<size_t>(done));
+    }
+    return true;
+}
 
 // A name is on the medium once its folder is.
 bool FlushFolder(const std::string& path) {
-    const Opened folder(FolderOfFile(path), O_RDONLY | O_DIRECTORY);
-    return folder && folder.Flush();
+    const Descriptor folder = Open(FolderOfFile(path), O_RDONLY | O_DIRECTORY);
+    return folder && Flush(folder);
 }
 
 bool WriteNewFile(const std::string& path, std::string_view bytes) {
-    const Opened file(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
-    return file && file.Write(bytes) && file.Flush();
+    const Descriptor file = Open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
+    return file && WriteAll(file, bytes) && Flush(file);
 }
 
 }  // namespace

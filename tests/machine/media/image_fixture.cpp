@@ -91,6 +91,16 @@ std::string Complaint(const std::string& image, ImageAccess access) {
     return "";
 }
 
+void ExpectFilesOfAStick(FileStore& volume) {
+    EXPECT_EQ(volume.Find("sources/Qelhdrcv.ini"), FileKind::File);
+    EXPECT_EQ(volume.Find("\\SOURCES\\qelhdrcv.INI"), FileKind::File);
+    EXPECT_EQ(volume.Find("sources/ORVO/"), FileKind::Folder);
+    EXPECT_EQ(volume.Find("SOURCES/IMAGE OF THE FACTORY STATE.WIM"), FileKind::File);
+    EXPECT_EQ(volume.Find(""), FileKind::Folder);
+    EXPECT_EQ(volume.Find("sources/DVD"), FileKind::None);
+    EXPECT_EQ(volume.Find("sources/UFD/below"), FileKind::None);
+}
+
 Disk Attach(const std::string& image, const ImageUse& use) {
     Disk disk;
     disk.image = image;

@@ -47,6 +47,9 @@ uint8_t ByteAt(const std::string& file, uint64_t offset);
 // The error of AttachImage for the file; empty on success.
 std::string Complaint(const std::string& image, ImageAccess access = ImageAccess::Read);
 
+// Looks for files and folders of the recovery sticks among the test images, in other case too.
+void ExpectFilesOfAStick(FileStore& volume);
+
 // The disk of the image.
 Disk Attach(const std::string& image, const ImageUse& use = ImageAccess::Read);
 

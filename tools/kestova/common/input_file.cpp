@@ -5,11 +5,13 @@
 #include <sys/stat.h>
 #include <sys/vfs.h>
 
-#include "tools/kestova/common/descriptor.h"
+#include "machine/media/device/descriptor.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/memory_device.h"
 
 namespace {
+
+using machine::Descriptor;
 
 // A pipe without a name ends with the program that writes it.
 bool IsUnnamedPipe(const Descriptor& opened) {

@@ -13,6 +13,8 @@
 
 namespace {
 
+using machine::Descriptor;
+
 bool IsSame(const struct stat& left, const struct stat& right) {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }

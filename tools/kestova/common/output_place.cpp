@@ -8,6 +8,8 @@
 
 namespace {
 
+using machine::Descriptor;
+
 // The parts of a path; a slash at the end leads into the folder.
 std::deque<std::string> Parts(const std::string& path) {
     std::deque<std::string> parts;

@@ -7,11 +7,11 @@
 #include <optional>
 #include <string>
 
-#include "tools/kestova/common/descriptor.h"
+#include "machine/media/device/descriptor.h"
 
 struct OutputPlace {
-    Descriptor folder = {};  // none if it does not exist
-    std::string name = {};   // no link when it was found
+    machine::Descriptor folder = {};  // none if it does not exist
+    std::string name = {};            // no link when it was found
     // The file as it was found; nothing for a missing one.
     std::optional<struct stat> found = {};
     // The first link on the way that another user has put into a folder which all users share, as in /tmp;
