@@ -3,12 +3,17 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <sstream>
+
 #include "tests/support/program/program.h"
 
 namespace {
 
+using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 using Json = ProgramTest;
@@ -413,7 +418,73 @@ TEST_F(Help, NoPc_Help_ListsCommandsOptionsAndStatuses) {
                 HasSubstr("  calls                    The platform calls that --fail knows\n"));
     EXPECT_THAT(outcome.output, HasSubstr("  --fail NAME[#N][+]=CODE  "));
     EXPECT_THAT(outcome.output, HasSubstr("    4  the record could not be written\n"));
+    EXPECT_EQ(Kestova("help").output, outcome.output);
     EXPECT_EQ(Kestova("--version").output, "kestova " KESTOVA_VERSION "\n");
+}
+
+// The words of each line of "Commands:", up to the columns that are wrapped.
+std::vector<std::string> CommandsIn(const std::string& help) {
+    std::vector<std::string> commands;
+    std::istringstream lines(help.substr(help.find("Commands:\n") + 10));
+    for (std::string line; std::getline(lines, line) && !line.empty();) {
+        if (line[2] != ' ') commands.push_back(line.substr(2, line.find(' ', 2) - 2));
+    }
+    return commands;
+}
+
+size_t LongestLine(const std::string& text) {
+    size_t longest = 0;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        longest = std::max(longest, line.size());
+    return longest;
+}
+
+TEST_F(Help, EachCommand_Help_ExplainsItAloneWithinEightyColumns) {
+    const std::string whole = Kestova("--help").output;
+    EXPECT_LE(LongestLine(whole), 80u);
+    const std::vector<std::string> commands = CommandsIn(whole);
+    EXPECT_THAT(commands, Contains("boot"));
+    for (const std::string& command : commands) {
+        SCOPED_TRACE(command);
+        const Outcome outcome = Kestova("help " + command);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(outcome.output, StartsWith("Usage: kestova "));
+        EXPECT_THAT(outcome.output, HasSubstr(command));
+        EXPECT_THAT(outcome.output, HasSubstr("\nExamples:\n  kestova "));
+        EXPECT_LE(LongestLine(outcome.output), 80u);
+        EXPECT_EQ(Kestova(command + " --help").output, outcome.output);
+    }
+}
+
+TEST_F(Help, Boot_Help_HasItsResultsAndOnlyOptionsWithAnEffect) {
+    const std::string boot = Kestova("help boot").output;
+    EXPECT_THAT(boot, HasSubstr("    4  the record could not be written\n"));
+    EXPECT_THAT(boot, HasSubstr("  --trace "));
+    const std::string status = Kestova("help status").output;
+    EXPECT_THAT(status, Not(HasSubstr("--trace")));
+    EXPECT_THAT(status, HasSubstr("  --image FILE "));
+    EXPECT_THAT(Kestova("help pcs").output, Not(HasSubstr("--image")));
+}
+
+TEST_F(Help, UnknownCommand_Help_SuggestsTheNearest) {
+    const Outcome outcome = Kestova("help bot");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, StartsWith("kestova: there is no command 'bot'; did you mean boot?\n"));
+}
+
+TEST_F(Help, FileInsteadOfACommand_Status_PointsAtImage) {
+    WriteFile("disk.img", "x");
+    const Outcome outcome = Kestova("disk.img status");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors,
+                StartsWith("kestova: there is no command 'disk.img'; an image is named with --image\n"));
+}
+
+TEST_F(Help, DashesBeforeTheCommand_Pcs_AreSkipped) {
+    EXPECT_EQ(Kestova("-- pcs").output, Kestova("pcs").output);
+    EXPECT_EQ(Kestova("-- pcs").status, 0);
+    EXPECT_EQ(Kestova("-- pcs --json").status, 2) << "no option behind them";
 }
 
 }  // namespace

@@ -69,14 +69,16 @@ CommandLine ReadCommandLine(const std::vector<std::string>& words) {
     return line;
 }
 
-std::string OptionsText() {
+std::string OptionsText(size_t columns, const std::function<bool(const std::string& option)>& isShown) {
     CommandLine line;
     std::string text;
     for (const OptionGroup& group : OptionGroups(line)) {
         std::vector<std::vector<std::string>> rows;
-        for (const Option& option : group.options)
-            rows.push_back({LongName(option) + " " + option.value, option.words});
-        text += "\n" + std::string(group.title) + ":\n" + Table(rows, "  ");
+        for (const Option& option : group.options) {
+            if (isShown(LongName(option)))
+                rows.push_back({LongName(option) + " " + option.value, option.words});
+        }
+        if (!rows.empty()) text += "\n" + std::string(group.title) + ":\n" + Table(rows, "  ", columns);
     }
     return text;
 }

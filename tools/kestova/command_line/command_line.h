@@ -1,6 +1,7 @@
 // The words of the command line.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,5 +22,5 @@ struct CommandLine {
 // The words behind the program's name. Throws WrongUse.
 CommandLine ReadCommandLine(const std::vector<std::string>& words);
 
-// The options in their groups, as help shows them.
-std::string OptionsText();
+// The options for which that is true, in their groups, as help shows them.
+std::string OptionsText(size_t columns, const std::function<bool(const std::string& option)>& isShown);

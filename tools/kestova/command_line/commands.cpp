@@ -1,8 +1,10 @@
 #include "tools/kestova/command_line/commands.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 
+#include "tools/kestova/command_line/help.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/command_line/script.h"
 #include "tools/kestova/common/errors.h"
@@ -166,22 +168,35 @@ int ListCalls(const CommandLine& line) {
     return Done;
 }
 
-std::string BootStatuses() {
+int Help(const CommandLine& line) {
+    ShowText(line, line.arguments.empty() ? HelpText() : HelpText(CommandOfName(line.arguments[0])));
+    return Done;
+}
+
+// Whether the first word is a file, so that the option before it was forgotten.
+bool IsFile(const std::string& word) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(word, error) || std::filesystem::is_block_file(word, error);
+}
+
+}  // namespace
+
+std::string BootStatuses(size_t columns) {
     std::string text;
     for (const auto& [name, operationName] : BootTargets()) {
-        text += "  boot " + name + ":\n" + ResultsText(FindOperation(operationName), "    ");
+        text += "  boot " + name + ":\n" + ResultsText(FindOperation(operationName), "    ", columns);
     }
     return text;
 }
 
 bool Uses(const Command& command, const std::string& option) {
+    if (option == "--help" || option == "--version") return true;
+    if (command.run == Help) return false;
     if (option == "--json") return true;
     const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
     if (option == "--ledger" && runsNoOperation) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }
-
-}  // namespace
 
 const std::vector<Command>& Commands() {
     constexpr size_t any = 64;
@@ -201,40 +216,31 @@ const std::vector<Command>& Commands() {
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},
         {"calls", "", "The platform calls that --fail knows", 0, 0, false, false, ListCalls},
+        {"help", "[COMMAND]", "This, or what a command does", 0, 1, false, false, Help},
     };
     return commands;
 }
 
-const Command& FindCommand(const CommandLine& line) {
+const Command& CommandOfName(const std::string& name) {
+    if (name.empty()) throw WrongUse("no command was given");
     std::vector<std::string> names;
     for (const Command& command : Commands()) {
+        if (name == command.name) return command;
         names.emplace_back(command.name);
-        if (line.command != command.name) continue;
-        const size_t count = line.arguments.size();
-        if (count < command.fewest || count > command.most) {
-            const std::string arguments = *command.arguments != '\0' ? " " : "";
-            throw WrongUse("usage: kestova [PC] " + line.command + arguments + command.arguments);
-        }
-        for (const std::string& option : line.options) {
-            if (!Uses(command, option)) throw WrongUse(line.command + " does not use " + option);
-        }
-        return command;
     }
-    if (line.command.empty()) throw WrongUse("no command was given");
-    throw WrongUse(UnknownWord("command", line.command, names));
+    if (IsFile(name)) throw WrongUse("there is no command '" + name + "'; an image is named with --image");
+    throw WrongUse(UnknownWord("command", name, names));
 }
 
-std::string HelpText() {
-    std::vector<std::vector<std::string>> rows;
-    for (const Command& command : Commands()) {
-        rows.push_back({command.name + std::string(" ") + command.arguments, command.summary});
+const Command& FindCommand(const CommandLine& line) {
+    const Command& command = CommandOfName(line.command);
+    const size_t count = line.arguments.size();
+    if (count < command.fewest || count > command.most) {
+        const std::string arguments = *command.arguments != '\0' ? " " : "";
+        throw WrongUse("usage: kestova [PC] " + line.command + arguments + command.arguments);
     }
-    return "Usage: kestova [PC] COMMAND\n\nCommands:\n" + Table(rows, "  ") + OptionsText() +
-           "\nExit status:\n"
-           "  0   done\n"
-           "  1   the operation reports a failure, or what was asked could not be done\n"
-           "  2   wrong use: a message on standard error, nothing on standard output\n"
-           "  3   the PC cannot be read: a message on standard error, nothing on standard output\n"
-           "  Of boot, the result code:\n" +
-           BootStatuses();
+    for (const std::string& option : line.options) {
+        if (!Uses(command, option)) throw WrongUse(line.command + " does not use " + option);
+    }
+    return command;
 }

@@ -19,8 +19,14 @@ struct Command {
 
 const std::vector<Command>& Commands();
 
-// The text of --help: commands, options and exit statuses.
-std::string HelpText();
+// What the exit statuses of `boot` mean, in lines of at most that many columns.
+std::string BootStatuses(size_t columns);
+
+// Whether an option has an effect on the command.
+bool Uses(const Command& command, const std::string& option);
+
+// Throws WrongUse for an unknown command, or none.
+const Command& CommandOfName(const std::string& name);
 
 // Throws WrongUse for an unknown command, a wrong number of arguments, or an option that has
 // no effect on the command.

@@ -5,6 +5,7 @@
 #include "tools/kestova/command_line/command_line.h"
 #include "tools/kestova/command_line/commands.h"
 #include "tools/kestova/command_line/confinement.h"
+#include "tools/kestova/command_line/help.h"
 #include "tools/kestova/command_line/program_start.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/images.h"
@@ -13,7 +14,7 @@ namespace {
 
 int Run(const CommandLine& line) {
     if (line.help) {
-        std::cout << HelpText();
+        std::cout << (line.command.empty() ? HelpText() : HelpText(CommandOfName(line.command)));
         return Done;
     }
     if (line.version) {

@@ -87,8 +87,10 @@ ReadWords ReadOptions(const std::vector<OptionGroup>& groups, const std::vector<
         throw WrongUse(Message(error));
     }
     const std::vector<std::string> names = Names(groups);
-    for (const std::string& unknown : app.remaining(true))
+    for (const std::string& unknown : app.remaining(true)) {
+        if (unknown == "--") continue;  // what follows it is no option
         throw WrongUse(UnknownWord("option", unknown.substr(0, unknown.find('=')), names));
+    }
     read.options = GivenOptions(app, names);
     return read;
 }

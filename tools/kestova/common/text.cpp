@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <sstream>
 
 #include "base/nearest.h"
 #include "base/utf.h"
@@ -13,6 +14,28 @@ namespace {
 size_t Width(const std::string& text) {
     return static_cast<size_t>(
         std::count_if(text.begin(), text.end(), [](char unit) { return (unit & 0xC0) != 0x80; }));
+}
+
+// The text without a line break at its end, for a place that far from the left, where further lines begin
+// too.
+std::string Hanging(const std::string& text, size_t left, size_t columns) {
+    if (columns == noLimit || left + Width(text) <= columns) return text;
+    std::string hanging;
+    size_t at = left;
+    std::istringstream words(text);
+    for (std::string word; words >> word;) {
+        const bool begins = at == left;
+        if (!begins && at + 1 + Width(word) > columns) {
+            hanging += "\n" + std::string(left, ' ');
+            at = left;
+        } else if (!begins) {
+            hanging += ' ';
+            ++at;
+        }
+        hanging += word;
+        at += Width(word);
+    }
+    return hanging;
 }
 
 }  // namespace
@@ -62,7 +85,8 @@ std::string SizeText(uint64_t bytes) {
     return text;
 }
 
-std::string Table(const std::vector<std::vector<std::string>>& rows, const std::string& indent) {
+std::string Table(const std::vector<std::vector<std::string>>& rows, const std::string& indent,
+                  size_t columns) {
     std::vector<size_t> widths;
     for (const auto& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
@@ -72,11 +96,19 @@ std::string Table(const std::vector<std::vector<std::string>>& rows, const std::
     std::string text;
     for (const auto& row : rows) {
         std::string line = indent;
-        for (size_t i = 0; i < row.size(); ++i) {
+        for (size_t i = 0; i + 1 < row.size(); ++i)
             line += row[i] + std::string(widths[i] - Width(row[i]) + 2, ' ');
-        }
+        if (!row.empty()) line += Hanging(row.back(), Width(line), columns);
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + "\n";
     }
     return text;
+}
+
+std::string Wrapped(const std::string& text, size_t columns) {
+    std::string wrapped;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        wrapped += Hanging(line, 0, columns) + "\n";
+    return wrapped;
 }

@@ -8,6 +8,8 @@
 
 #include "platform/windows_api.h"
 
+inline constexpr size_t noLimit = std::string::npos;
+
 // A wide character as UTF-8.
 std::string LetterText(WCHAR letter);
 
@@ -23,5 +25,10 @@ std::string UnknownWord(std::string_view what, std::string_view name, const std:
 // "100.0 MiB".
 std::string SizeText(uint64_t bytes);
 
-// Rows of cells as lines, each column as wide as its widest cell, without trailing blanks.
-std::string Table(const std::vector<std::vector<std::string>>& rows, const std::string& indent);
+// Rows of cells as lines, each column as wide as its widest cell, without trailing blanks. The last column is
+// wrapped where the lines would be longer than `columns`.
+std::string Table(const std::vector<std::vector<std::string>>& rows, const std::string& indent,
+                  size_t columns = noLimit);
+
+// The text in lines of at most that many characters, broken at blanks; its own line breaks stay.
+std::string Wrapped(const std::string& text, size_t columns);

@@ -245,8 +245,8 @@ std::string TraceText(const OperationReport& report) {
     return text;
 }
 
-std::string ResultsText(const Operation& operation, const std::string& indent) {
+std::string ResultsText(const Operation& operation, const std::string& indent, size_t columns) {
     Rows rows = MeaningRows(operation.results);
     if (*operation.otherwise != '\0') rows.push_back({"else", operation.otherwise});
-    return Table(rows, indent);
+    return Table(rows, indent, columns);
 }

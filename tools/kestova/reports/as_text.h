@@ -8,6 +8,7 @@
 
 #include "machine/facts/call_table.h"
 #include "machine/facts/machines.h"
+#include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
@@ -38,4 +39,4 @@ std::string LedgerText(const std::map<std::string, int>& ledger);
 std::string TraceText(const OperationReport& report);
 
 // The result codes of an operation in words, a line each.
-std::string ResultsText(const Operation& operation, const std::string& indent);
+std::string ResultsText(const Operation& operation, const std::string& indent, size_t columns = noLimit);

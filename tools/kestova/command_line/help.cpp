@@ -1,0 +1,113 @@
+#include "tools/kestova/command_line/help.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "tools/kestova/common/text.h"
+
+namespace {
+
+constexpr size_t columns = 80;
+
+struct Example {
+    const char* words;
+    const char* meaning;
+};
+
+struct CommandHelp {
+    std::string_view command;
+    const char* details;  // paragraphs, with an empty line between them
+    std::vector<Example> examples;
+};
+
+const std::vector<CommandHelp>& CommandHelps() {
+    static const std::vector<CommandHelp> helps = {
+        {"status",
+         "Shows the firmware, the running system, the internal disk, its partitions with their roles and why they "
+         "have them, which partition is active, and the letters of recovery disc and stick. Nothing is changed.",
+         {{"--image disk.img status", "the disk in an image"},
+          {"--image disk.qcow2 --json status", "the same for a script"}}},
+        {"letters",
+         "Shows the disk and the partition behind each letter of the installed Windows, read from its registry, and "
+         "the letter which that partition has in the running system.",
+         {{"--image disk.img letters", "from Windows PE, as on a rescue stick"}}},
+        {"boot",
+         "Makes the recovery partition active and records the one that was active before (recovery), or makes the "
+         "recorded one active again (system). For MBR disks.\n\n"
+         "On an image the change is made as a whole or not at all, and its backup stays beside the image.",
+         {{"--image disk.img --dry-run boot recovery", "what would change"},
+          {"--image disk.img boot recovery", "change it"},
+          {"undo disk.img.kestova-backup-1", "and take that back"}}},
+        {"call",
+         "Calls one public operation of the class, with its arguments. `kestova operations` lists them.",
+         {{"--image disk.img call GetDriveLetter 0 2", "the letter of partition 2 on disk 0"}}},
+        {"run",
+         "Calls the operations of a script, one on each line, on one object; # begins a comment. Each operation's "
+         "changes of an image are written before the next one begins.",
+         {{"--image disk.img run script.txt", "a file"}, {"--pc factory-mbr run -", "standard input"}}},
+        {"recover",
+         "Finishes or takes back a change of an image that a power cut or a failing medium has interrupted. Every "
+         "command that changes the image does so first.",
+         {{"--image disk.img recover", ""}}},
+        {"undo",
+         "Takes back what a command changed on an image, with the backup that it left. The image is the one that the "
+         "backup is named after, unless --image names another. Refused if something else has changed the image "
+         "since.",
+         {{"undo disk.img.kestova-backup-1", ""},
+          {"--image disk.img undo FILE", "a backup of another name"}}},
+        {"repair-table",
+         "Writes both copies of a damaged GUID partition table anew from the good one, and its protective MBR.",
+         {{"--image disk.img --dry-run repair-table", "what is wrong"},
+          {"--image disk.img repair-table", "repair it"}}},
+        {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
+        {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},
+        {"calls",
+         "Lists the platform calls that --fail knows, and how each reports a failure.",
+         {{"calls", ""}}},
+        {"help", "Shows the help of the program, or of one command.", {{"help boot", ""}}},
+    };
+    return helps;
+}
+
+const CommandHelp& HelpOf(const Command& command) {
+    const auto& helps = CommandHelps();
+    return *std::find_if(helps.begin(), helps.end(),
+                         [&](const CommandHelp& help) { return help.command == command.name; });
+}
+
+std::string ExampleLines(const CommandHelp& help) {
+    std::vector<std::vector<std::string>> rows;
+    for (const Example& example : help.examples)
+        rows.push_back({std::string("kestova ") + example.words, example.meaning});
+    return Table(rows, "  ", columns);
+}
+
+std::string UsageLine(const Command& command) {
+    const std::string arguments = *command.arguments != '\0' ? std::string(" ") + command.arguments : "";
+    return std::string("Usage: kestova ") + (command.usesPc ? "[PC] " : "") + command.name + arguments + "\n";
+}
+
+}  // namespace
+
+std::string HelpText() {
+    std::vector<std::vector<std::string>> rows;
+    for (const Command& command : Commands())
+        rows.push_back({command.name + std::string(" ") + command.arguments, command.summary});
+    return "Usage: kestova [PC] COMMAND\n\nCommands:\n" + Table(rows, "  ", columns) +
+           "\nkestova help COMMAND explains one of them.\n" +
+           OptionsText(columns, [](const std::string&) { return true; }) + "\nExit status:\n" +
+           Table({{"0", "done"},
+                  {"1", "the operation reports a failure, or what was asked could not be done"},
+                  {"2", "wrong use: a message on standard error, nothing on standard output"},
+                  {"3", "the PC cannot be read: a message on standard error, nothing on standard output"}},
+                 "  ", columns) +
+           "  Of boot, the result code:\n" + BootStatuses(columns);
+}
+
+std::string HelpText(const Command& command) {
+    const CommandHelp& help = HelpOf(command);
+    return UsageLine(command) + "\n" + Wrapped(help.details, columns) + "\nExamples:\n" + ExampleLines(help) +
+           OptionsText(columns, [&](const std::string& option) { return Uses(command, option); }) +
+           (std::string_view(command.name) == "boot" ? "\nExit status:\n" + BootStatuses(columns) : "");
+}
