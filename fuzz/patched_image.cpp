@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "machine/media/device/image_access.h"
+
 namespace {
 
 constexpr size_t sectorSize = 512;
@@ -59,7 +61,11 @@ void PatchedImage::Ask(FuzzedDataProvider& input, const std::function<void(const
         Put(at, input.ConsumeBytesAsString(1 + input.ConsumeIntegral<uint8_t>() % longest));
     }
     if (repairs && repair_ != nullptr) repair_(*this);
-    ask(path_);
+    try {
+        ask(path_);
+    } catch (const machine::ImageError&) {
+        // A refusal is an answer, as of an image that begins like an archive.
+    }
     for (auto undo = undo_.rbegin(); undo != undo_.rend(); ++undo)
         undo->before.copy(bytes_ + undo->at, undo->before.size());
     undo_.clear();

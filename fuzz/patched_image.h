@@ -21,7 +21,7 @@ class PatchedImage {
     PatchedImage(const PatchedImage&) = delete;
     PatchedImage& operator=(const PatchedImage&) = delete;
 
-    // Changes the image, calls `ask` with its path and takes the changes back.
+    // Changes the image, calls `ask` with its path and takes the changes back. It may throw ImageError.
     void Ask(FuzzedDataProvider& input, const std::function<void(const std::string& path)>& ask);
 
     std::string_view Bytes() const { return {bytes_, size_}; }

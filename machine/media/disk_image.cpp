@@ -137,19 +137,22 @@ void AttachImage(Disk& disk, const ImageUse& use) {
 }
 
 UndoneChange UndoImageChange(const std::string& path, const std::string& backup, const ImageUse& use) {
+    const ChangesOfImage changes = ReadBackup(backup);
     const auto image = std::make_shared<ImageFile>(path, use);
-    const ImageChange change = ReadBackup(backup, image->Size());
-    CheckMayChangeVolumes(image, change);
-    const bool isUndone = image->Undo(change);
+    if (changes.imageSize != image->Size())
+        throw ImageError(backup + ": the backup of an image of another size");
+    const ImageChange made = image->MadeOf(changes);
+    CheckMayChangeVolumes(image, made);
+    const bool isUndone = image->Undo(made);
     CommitOrThrow(*image);
-    return {isUndone, image->Backup()};
+    return {isUndone, image->Backup(), image->Notes()};
 }
 
 RepairedTable RepairImageTable(const std::string& path, const ImageUse& use) {
     ImageFile image(path, use);
     std::vector<std::string> problems = RepairTable(image);
     CommitOrThrow(image);
-    return {std::move(problems), image.Backup()};
+    return {std::move(problems), image.Backup(), image.Notes()};
 }
 
 Recovery RecoverImage(const std::string& path, const JournalPlace& journal) {

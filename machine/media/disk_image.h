@@ -26,8 +26,9 @@ void AttachImage(Disk& disk, const ImageUse& use);
 Recovery RecoverImage(const std::string& path, const JournalPlace& journal);
 
 struct UndoneChange {
-    bool isUndone = false;    // false: it was undone already
-    std::string backup = {};  // of undoing; empty without one
+    bool isUndone = false;                // false: it was undone already
+    std::string backup = {};              // of undoing; empty without one
+    std::vector<std::string> notes = {};  // of Medium
 };
 
 // Takes back what a backup of an image's changes holds; with Overlay nothing is written. Throws ImageError
@@ -38,6 +39,7 @@ UndoneChange UndoImageChange(const std::string& path, const std::string& backup,
 struct RepairedTable {
     std::vector<std::string> problems = {};  // what was wrong
     std::string backup = {};                 // of the table before; empty without one
+    std::vector<std::string> notes = {};     // of Medium
 };
 
 // Writes a GUID partition table anew from its good copy, as RepairTable of gpt_repair.h; with Overlay nothing

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -90,8 +91,6 @@ std::vector<std::string> Words(const ServedDisk& disk) {
 constexpr int firstPassed = 3;
 
 [[noreturn]] void Become(const std::vector<std::string>& words, int listening, int said) {
-    // A terminal's signals are for the program that asked; the server ends in order when that does.
-    setsid();
     const int null = open("/dev/null", O_RDWR);
     std::vector<char*> pointers;
     for (const std::string& word : words)
@@ -128,7 +127,7 @@ void StartProgram(const ServedDisk& disk, int listening, int said) {
     if (status != 0) Fail(disk.path);
 }
 
-DiskServer StartHere(const ServedDisk& disk) {
+DiskServer StartServer(const ServedDisk& disk) {
     Connection connection = NewConnection(disk.path);
     std::array<int, 2> ends = {};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) Fail(disk.path);
@@ -139,9 +138,10 @@ DiskServer StartHere(const ServedDisk& disk) {
 }
 
 // --- the process that starts them. A request is a message "w" or "r", format, NUL, path; the answer is one
-// with the two descriptors, or with what is wrong ---
+// with the two descriptors, or with what is wrong. The message "d" is the last ---
 
 constexpr size_t longestMessage = 16384;
+constexpr std::string_view allAreOpen = "d";
 
 struct Message {
     std::string text;
@@ -199,18 +199,22 @@ ServedDisk DiskOf(const std::string& request) {
 
 void Answer(int channel, const std::string& request) {
     try {
-        const DiskServer server = StartHere(DiskOf(request));
+        const DiskServer server = StartServer(DiskOf(request));
         Send(channel, "s", {server.connection.Number(), server.said.Number()});
     } catch (const std::exception& error) {
         Send(channel, error.what(), {});
     }
 }
 
+// In a session of its own: a terminal's signals are for the program that asks. Its servers are in it, too.
+// One whose disk is open ends in order when its connection does; until then it would not notice that the
+// program was killed.
 [[noreturn]] void AnswerAll(int channel) {
     setsid();
     for (;;) {
         const Message request = Receive(channel);
-        if (request.text.empty()) _exit(EXIT_SUCCESS);
+        if (request.text == allAreOpen) _exit(EXIT_SUCCESS);
+        if (request.text.empty()) kill(0, SIGTERM);
         Answer(channel, request.text);
     }
 }
@@ -218,7 +222,7 @@ void Answer(int channel, const std::string& request) {
 }  // namespace
 
 DiskServer StartDiskServer(const ServedDisk& disk) {
-    if (!starter) return StartHere(disk);
+    if (!starter) KeepDiskServerStarter();
     const std::string request =
         (disk.forWriting ? "w" : "r") + disk.format + '\0' + fs::absolute(disk.path).string();
     errno = ENAMETOOLONG;
@@ -244,6 +248,8 @@ void KeepDiskServerStarter() {
 }
 
 void EndDiskServerStarter() {
+    if (!starter) return;
+    Send(starter.Number(), allAreOpen, {});
     starter = Descriptor();
 }
 

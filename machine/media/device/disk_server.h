@@ -22,10 +22,10 @@ struct DiskServer {
 // What goes wrong once it is started, such as its program being missing, it says itself. Throws ImageError.
 DiskServer StartDiskServer(const ServedDisk& disk);
 
-// A program that gives up starting others calls this before: from then on, a process of its own starts the
-// servers. Throws ImageError.
+// Starts the process that starts the servers, as the first of them does otherwise. A program that gives up
+// starting others calls this before. Throws ImageError.
 void KeepDiskServerStarter();
-// Ends that process; servers that run go on.
+// Ends that process; servers whose disks are open go on. If this program ends before, they all end.
 void EndDiskServerStarter();
 
 }  // namespace machine

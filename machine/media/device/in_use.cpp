@@ -24,10 +24,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* hasWriter = "another program has opened it for writing";
 
-ImageError InUse(const std::string& path, const std::string& user) {
-    return ImageError(path + ": in use: " + user);
-}
-
 std::string FirstLine(const fs::path& file) {
     std::string line;
     std::ifstream stream(file);
@@ -89,6 +85,10 @@ bool IsOpenForWriting(int descriptor) {
 }
 
 }  // namespace
+
+ImageError InUse(const std::string& path, const std::string& user) {
+    return ImageError(path + ": in use: " + user);
+}
 
 std::string KnownUser(int descriptor) {
     struct stat status = {};

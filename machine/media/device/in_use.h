@@ -3,7 +3,12 @@
 
 #include <string>
 
+#include "machine/media/device/image_access.h"
+
 namespace machine {
+
+// The error of an image that has such a user.
+ImageError InUse(const std::string& path, const std::string& user);
 
 // Who has attached or locked the file: "the loop device /dev/loop3 is on it". Empty if nobody is known to.
 // Disturbs nobody. The descriptor may be open for reading only.

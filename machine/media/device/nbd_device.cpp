@@ -74,8 +74,11 @@ void NbdDevice::Connect(const std::string& path, const std::string& format, bool
     if (handle_ == nullptr) throw ImageError(path + ": cannot be opened: " + nbd_get_error());
     // The library closes it.
     if (nbd_connect_socket(handle_, server.connection.Release()) != 0) {
+        const std::string problem = nbd_get_error();
+        End();  // so that the server does
         const std::string words = LastWords();
-        throw ImageError(path + ": " + (words.empty() ? nbd_get_error() : WithoutProgram(words)));
+        if (words.find(" lock") != std::string::npos && !otherUser_.empty()) throw InUse(path, otherUser_);
+        throw ImageError(path + ": " + (words.empty() ? problem : WithoutProgram(words)));
     }
     const int64_t size = nbd_get_size(handle_);
     if (size <= 0 || static_cast<uint64_t>(size) % diskSectorSize != 0)

@@ -8,8 +8,6 @@
 #include <map>
 #include <utility>
 
-#include "machine/media/image/change_file.h"
-
 namespace machine {
 
 namespace {
@@ -61,19 +59,12 @@ std::string ImageOfBackup(const std::string& backup) {
     return at == std::string::npos ? "" : backup.substr(0, at);
 }
 
-ImageChange ReadBackup(const std::string& path, uint64_t imageSize) {
-    ReadChange read = ReadChangeFile(path, backupMagic, imageSize);
-    switch (read.state) {
-        case ChangeFileState::Unreadable:
-            throw ImageError(path + ": cannot be read");
-        case ChangeFileState::Damaged:
-            throw ImageError(path + ": no backup of a change, or a damaged one");
-        case ChangeFileState::OfAnotherSize:
-            throw ImageError(path + ": the backup of an image of another size");
-        case ChangeFileState::Sound:
-            break;
-    }
-    return std::move(read.change);
+ChangesOfImage ReadBackup(const std::string& path) {
+    ReadChanges read = ReadChangeFile(path, backupMagic);
+    if (read.state == ChangeFileState::Unreadable) throw ImageError(path + ": cannot be read");
+    if (read.state == ChangeFileState::Damaged || read.content.changes.size() > 2)
+        throw ImageError(path + ": no backup of a change, or a damaged one");
+    return std::move(read.content);
 }
 
 ChangeBackup::ChangeBackup(const std::string& image, const JournalPlace& place)
@@ -95,21 +86,22 @@ void ChangeBackup::CheckPlace() const {
 std::string ChangeBackup::Add(const ImageChange& change, uint64_t imageSize) {
     if (place_.kind == JournalPlace::Kind::None) return "";
     if (path_.empty()) path_ = FreeName(image_);
-    earlier_ = std::exchange(change_, Joined(change_, change));
-    if (WriteChangeFile(path_, backupMagic, change_, imageSize)) return "";
+    if (changes_.size() == 2) changes_ = {Joined(changes_[0], changes_[1])};
+    changes_.push_back(change);
+    if (WriteChangeFile(path_, backupMagic, {imageSize, changes_})) return "";
     std::string problem = "its backup " + path_ + " cannot be written: " + std::strerror(errno);
-    change_ = std::exchange(earlier_, {});
-    if (change_.empty()) DropChangeFile(path_);
+    changes_.pop_back();
+    if (changes_.empty()) DropChangeFile(path_);
     return problem;
 }
 
 void ChangeBackup::TakeBack(uint64_t imageSize) {
-    if (change_.empty()) return;
-    change_ = std::exchange(earlier_, {});
-    if (change_.empty()) {
+    if (changes_.empty()) return;
+    changes_.pop_back();
+    if (changes_.empty()) {
         DropChangeFile(path_);
     } else {
-        WriteChangeFile(path_, backupMagic, change_, imageSize);
+        WriteChangeFile(path_, backupMagic, {imageSize, changes_});
     }
 }
 

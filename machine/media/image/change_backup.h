@@ -4,6 +4,7 @@
 #include <string>
 
 #include "machine/media/device/image_access.h"
+#include "machine/media/image/change_file.h"
 #include "machine/media/image/image_change.h"
 
 namespace machine {
@@ -18,25 +19,25 @@ class ChangeBackup {
     void CheckPlace() const;
     // Adds a change, which is about to be written, to the file. Returns what is wrong, empty if nothing is.
     std::string Add(const ImageChange& change, uint64_t imageSize);
-    // The change that was added last was not made.
+    // The change that was added last was not made. The file serves also if that cannot be written into it.
     void TakeBack(uint64_t imageSize);
     // The file; empty if there is none.
-    std::string Path() const { return change_.empty() ? "" : path_; }
+    std::string Path() const { return changes_.empty() ? "" : path_; }
 
   private:
     std::string image_;
     JournalPlace place_;
     std::string path_;
-    ImageChange change_;   // all that was added
-    ImageChange earlier_;  // without the last
+    std::vector<ImageChange> changes_;  // the last, and before it all earlier ones as one
 };
 
 // One change of the same effect.
 ImageChange Joined(const ImageChange& first, const ImageChange& second);
 
-// The change that a backup holds. Throws ImageError for a file that cannot be read, is no backup, is damaged,
-// or belongs to an image of another size.
-ImageChange ReadBackup(const std::string& path, uint64_t imageSize);
+// What a backup holds: one change, or two, of which the last was perhaps not made, since the program was
+// killed while it was being written. Throws ImageError for a file that cannot be read, is no backup or is
+// damaged.
+ChangesOfImage ReadBackup(const std::string& path);
 
 // The image of a backup that is named after it; empty if it is not.
 std::string ImageOfBackup(const std::string& backup);

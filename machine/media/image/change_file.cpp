@@ -23,12 +23,16 @@ namespace fs = std::filesystem;
 
 constexpr uint64_t longestFile = uint64_t{1} << 30;
 
-// --- the format: magic, size of the image, number of runs, the runs, and a checksum of all that; numbers are
-// little-endian, texts have their length in front ---
+// --- the format: for each change the magic, the size of the image, the number of runs, the runs, and a
+// checksum of all that; numbers are little-endian, texts have their length in front ---
 
 void AppendText(std::string& bytes, const std::string& text) {
     AppendLe64(bytes, text.size());
     bytes += text;
+}
+
+uint64_t Checksum(std::string_view bytes) {
+    return crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size());
 }
 
 std::string BytesOf(std::string_view magic, const ImageChange& change, uint64_t imageSize) {
@@ -41,7 +45,7 @@ std::string BytesOf(std::string_view magic, const ImageChange& change, uint64_t 
         AppendText(bytes, run.after);
         AppendText(bytes, run.mark);
     }
-    AppendLe64(bytes, crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
+    AppendLe64(bytes, Checksum(bytes));
     return bytes;
 }
 
@@ -61,7 +65,12 @@ class Taker {
         Skip(length);
         return text;
     }
-    bool IsAtEnd() const { return isGood_ && rest_.empty(); }
+    bool TakeMagic(std::string_view magic) {
+        isGood_ = isGood_ && rest_.starts_with(magic);
+        Skip(magic.size());
+        return isGood_;
+    }
+    size_t Left() const { return rest_.size(); }
     bool IsGood() const { return isGood_; }
 
   private:
@@ -74,33 +83,47 @@ class Taker {
     bool isGood_ = true;
 };
 
-bool IsSound(const ChangedRun& run, uint64_t imageSize) {
+// `start` is where the run before it ends.
+bool IsSound(const ChangedRun& run, uint64_t start, uint64_t imageSize) {
     const uint64_t length = run.before.size();
     return length > 0 && length % diskSectorSize == 0 && run.offset % diskSectorSize == 0 &&
-           length <= imageSize && run.offset <= imageSize - length && run.after.size() == length &&
-           (run.mark.empty() || run.mark.size() == length);
+           run.offset >= start && length <= imageSize && run.offset <= imageSize - length &&
+           run.after.size() == length && (run.mark.empty() || run.mark.size() == length);
 }
 
 // Nothing if it is damaged.
-std::optional<ImageChange> ChangeIn(std::string_view bytes, std::string_view magic, uint64_t& imageSize) {
-    if (bytes.size() < magic.size() + 8 || !bytes.starts_with(magic)) return std::nullopt;
-    const std::string_view summed = bytes.substr(0, bytes.size() - 8);
-    if (Le64(bytes, summed.size()) !=
-        crc32_z(0, reinterpret_cast<const Bytef*>(summed.data()), summed.size()))
-        return std::nullopt;
-    Taker taker(summed.substr(magic.size()));
-    imageSize = taker.Number();
+std::optional<ImageChange> TakeRuns(Taker& taker, uint64_t imageSize) {
     ImageChange change;
+    uint64_t end = 0;
     for (uint64_t count = taker.Number(); count > 0 && taker.IsGood(); --count) {
         ChangedRun& run = change.emplace_back();
         run.offset = taker.Number();
         run.before = taker.Text();
         run.after = taker.Text();
         run.mark = taker.Text();
-        if (!IsSound(run, imageSize)) return std::nullopt;
+        if (!IsSound(run, end, imageSize)) return std::nullopt;
+        end = run.offset + run.before.size();
     }
-    if (!taker.IsAtEnd()) return std::nullopt;
     return change;
+}
+
+// Nothing if they are damaged, or of images of different sizes.
+std::optional<ChangesOfImage> ChangesIn(std::string_view bytes, std::string_view magic) {
+    ChangesOfImage content;
+    Taker taker(bytes);
+    do {
+        const std::string_view start = bytes.substr(bytes.size() - taker.Left());
+        if (!taker.TakeMagic(magic)) return std::nullopt;
+        const uint64_t imageSize = taker.Number();
+        std::optional<ImageChange> change = TakeRuns(taker, imageSize);
+        const std::string_view summed = start.substr(0, start.size() - taker.Left());
+        const bool isSound = change && taker.Number() == Checksum(summed) && taker.IsGood() &&
+                             (content.changes.empty() || imageSize == content.imageSize);
+        if (!isSound) return std::nullopt;
+        content.imageSize = imageSize;
+        content.changes.push_back(std::move(*change));
+    } while (taker.Left() > 0);
+    return content;
 }
 
 // --- files ---
@@ -129,8 +152,11 @@ bool FlushFolder(const std::string& path) {
     return folder && Flush(folder);
 }
 
+// What a program that was killed has left of that name is not written through: in a shared folder it can be
+// somebody else's.
 bool WriteNewFile(const std::string& path, std::string_view bytes) {
-    const Descriptor file = Open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
+    unlink(path.c_str());
+    const Descriptor file = Open(path, O_WRONLY | O_CREAT | O_EXCL);
     return file && WriteAll(file, bytes) && Flush(file);
 }
 
@@ -147,11 +173,13 @@ std::string FolderOfFile(const std::string& path) {
     return folder.empty() ? "." : folder.string();
 }
 
-bool WriteChangeFile(const std::string& path, std::string_view magic, const ImageChange& change,
-                     uint64_t imageSize) {
+bool WriteChangeFile(const std::string& path, std::string_view magic, const ChangesOfImage& changes) {
     const std::string unnamed = path + ".new";
-    if (WriteNewFile(unnamed, BytesOf(magic, change, imageSize)) &&
-        std::rename(unnamed.c_str(), path.c_str()) == 0 && FlushFolder(path)) {
+    std::string bytes;
+    for (const ImageChange& change : changes.changes)
+        bytes += BytesOf(magic, change, changes.imageSize);
+    if (WriteNewFile(unnamed, bytes) && std::rename(unnamed.c_str(), path.c_str()) == 0 &&
+        FlushFolder(path)) {
         return true;
     }
     const int error = errno;
@@ -160,18 +188,16 @@ bool WriteChangeFile(const std::string& path, std::string_view magic, const Imag
     return false;
 }
 
-ReadChange ReadChangeFile(const std::string& path, std::string_view magic, uint64_t imageSize) {
+ReadChanges ReadChangeFile(const std::string& path, std::string_view magic) {
     std::error_code error;
     std::ifstream file(path, std::ios::binary);
     const uint64_t length = fs::file_size(path, error);
     if (!file || error) return {ChangeFileState::Unreadable};
     std::string bytes(static_cast<size_t>(std::min(length, longestFile)), '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    uint64_t recorded = 0;
-    std::optional<ImageChange> change = ChangeIn(bytes, magic, recorded);
-    if (!change) return {ChangeFileState::Damaged};
-    if (recorded != imageSize) return {ChangeFileState::OfAnotherSize};
-    return {ChangeFileState::Sound, std::move(*change)};
+    std::optional<ChangesOfImage> content = ChangesIn(bytes, magic);
+    if (!content) return {ChangeFileState::Damaged};
+    return {ChangeFileState::Sound, std::move(*content)};
 }
 
 bool DropChangeFile(const std::string& path) {

@@ -1,8 +1,9 @@
-// A file that holds a change of an image: what is written, and what it replaces.
+// A file that holds changes of an image: what is written, and what it replaces.
 #pragma once
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "machine/media/image/image_change.h"
 
@@ -12,20 +13,25 @@ namespace machine {
 inline constexpr std::string_view journalMagic = "KESTOVA JOURNAL 1\n";
 inline constexpr std::string_view backupMagic = "KESTOVA BACKUP 1\n";
 
-// Puts the change on the medium, as a file that is complete as soon as it has its name. False, with errno
-// set, if that fails; an earlier file of the name can then still be there.
-bool WriteChangeFile(const std::string& path, std::string_view magic, const ImageChange& change,
-                     uint64_t imageSize);
-
-enum class ChangeFileState { Sound, Unreadable, Damaged, OfAnotherSize };
-
-struct ReadChange {
-    ChangeFileState state = ChangeFileState::Sound;
-    ImageChange change = {};  // if it is sound
+// One or more, in the order in which they are made.
+struct ChangesOfImage {
+    uint64_t imageSize = 0;  // bytes
+    std::vector<ImageChange> changes = {};
 };
 
-// Damaged is also a file of another kind; OfAnotherSize a sound one of another image.
-ReadChange ReadChangeFile(const std::string& path, std::string_view magic, uint64_t imageSize);
+// Puts the changes on the medium, as a file that is complete as soon as it has its name. False, with errno
+// set, if that fails; an earlier file of the name can then still be there.
+bool WriteChangeFile(const std::string& path, std::string_view magic, const ChangesOfImage& changes);
+
+enum class ChangeFileState { Sound, Unreadable, Damaged };
+
+struct ReadChanges {
+    ChangeFileState state = ChangeFileState::Sound;
+    ChangesOfImage content = {};  // if it is sound
+};
+
+// Damaged is also a file of another kind.
+ReadChanges ReadChangeFile(const std::string& path, std::string_view magic);
 
 // Deletes the file. False, with errno set, if it is still there.
 bool DropChangeFile(const std::string& path);

@@ -55,7 +55,7 @@ void ChangeJournal::CheckPlace() const {
 }
 
 std::string ChangeJournal::Keep(const ImageChange& change, uint64_t imageSize) const {
-    if (path_.empty() || WriteChangeFile(path_, journalMagic, change, imageSize)) return "";
+    if (path_.empty() || WriteChangeFile(path_, journalMagic, {imageSize, {change}})) return "";
     std::string problem = "its journal " + path_ + " cannot be written: " + std::strerror(errno);
     unlink(path_.c_str());
     return problem;
@@ -65,18 +65,14 @@ std::optional<ImageChange> ChangeJournal::Pending(uint64_t imageSize) const {
     std::error_code error;
     if (path_.empty() || !fs::exists(path_, error)) return std::nullopt;
     const std::string advice = "; move it away to go on without it";
-    ReadChange read = ReadChangeFile(path_, journalMagic, imageSize);
-    switch (read.state) {
-        case ChangeFileState::Unreadable:
-            throw ImageError(image_ + ": its journal " + path_ + " cannot be read" + advice);
-        case ChangeFileState::Damaged:
-            throw ImageError(image_ + ": " + path_ + " is no journal, or a damaged one" + advice);
-        case ChangeFileState::OfAnotherSize:
-            throw ImageError(image_ + ": its journal " + path_ + " is of an image of another size" + advice);
-        case ChangeFileState::Sound:
-            break;
-    }
-    return std::move(read.change);
+    ReadChanges read = ReadChangeFile(path_, journalMagic);
+    if (read.state == ChangeFileState::Unreadable)
+        throw ImageError(image_ + ": its journal " + path_ + " cannot be read" + advice);
+    if (read.state == ChangeFileState::Damaged || read.content.changes.size() != 1)
+        throw ImageError(image_ + ": " + path_ + " is no journal, or a damaged one" + advice);
+    if (read.content.imageSize != imageSize)
+        throw ImageError(image_ + ": its journal " + path_ + " is of an image of another size" + advice);
+    return std::move(read.content.changes.front());
 }
 
 bool ChangeJournal::Drop() const {

@@ -242,16 +242,26 @@ bool ImageFile::Holds(uint64_t offset, const std::string& bytes) const {
     return !bytes.empty() && Read(offset, found.data(), found.size()) && found == bytes;
 }
 
-bool ImageFile::Undo(const ImageChange& backup) {
-    const auto read = [this](uint64_t offset, void* buffer, size_t length) {
-        return Read(offset, buffer, length);
-    };
-    ImageChange change = backup;
+ChangeState ImageFile::StateAsShown(const ImageChange& change) const {
+    return StateOfChange(
+        [this](uint64_t offset, void* buffer, size_t length) { return Read(offset, buffer, length); },
+        change);
+}
+
+ImageChange ImageFile::MadeOf(const ChangesOfImage& backup) const {
+    const ImageChange& first = backup.changes.front();
+    const ImageChange& last = backup.changes.back();
+    if (backup.changes.size() == 1 || StateAsShown(last) == ChangeState::Before) return first;
+    return Joined(first, last);
+}
+
+bool ImageFile::Undo(const ImageChange& made) {
+    ImageChange change = made;
     // A volume that is marked already, by force, needs no mark of ours, which would be taken away afterwards.
     std::erase_if(change, [&](const ChangedRun& run) {
         return run.before == run.after && Holds(run.offset, run.mark);
     });
-    const ChangeState state = StateOfChange(read, change);
+    const ChangeState state = StateAsShown(change);
     if (state == ChangeState::Before) return false;
     if (state != ChangeState::After)
         throw Error("does not fit the backup: something else has changed it since; nothing was changed");

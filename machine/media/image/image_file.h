@@ -57,9 +57,11 @@ class ImageFile final : public Medium {
     std::string Commit() override;
     std::string WhyBarred() const override { return barred_; }
     std::string Backup() const override { return backup_.Path(); }
-    // Takes back what `backup` holds, by a change of its own. False if that was not made, or taken back
-    // already. Throws ImageError, with nothing changed, if something else has changed the image since.
-    bool Undo(const ImageChange& backup);
+    // The change that was made of those that a backup of this image holds.
+    ImageChange MadeOf(const ChangesOfImage& backup) const;
+    // Takes that back, by a change of its own. False if it was taken back already. Throws ImageError, with
+    // nothing changed, if something else has changed the image since.
+    bool Undo(const ImageChange& made);
     const std::vector<std::string>& Notes() const override { return notes_; }
     void AddNote(const std::string& sentence) { notes_.push_back(path_ + ": " + sentence); }
     // What was found when the file was opened.
@@ -79,6 +81,7 @@ class ImageFile final : public Medium {
     void Show(const ImageChange& change, std::string ChangedRun::*part);
     ImageChange Collected() const;
     ChangeState StateOnDevice(const ImageChange& change) const;
+    ChangeState StateAsShown(const ImageChange& change) const;
     bool Holds(uint64_t offset, const std::string& bytes) const;
     std::string Written(const ImageChange& change);
     bool WriteBlocks(uint64_t offset, const char* bytes, size_t length);

@@ -299,7 +299,7 @@ class Backups : public Transaction {
     // Takes back what the file holds.
     void Undo(const std::string& backup) {
         const auto image = std::make_shared<ImageFile>(image_, ImageAccess::Write);
-        EXPECT_TRUE(image->Undo(ReadBackup(backup, image->Size())));
+        EXPECT_TRUE(image->Undo(image->MadeOf(ReadBackup(backup))));
         EXPECT_EQ(image->Commit(), "");
     }
 };
@@ -362,6 +362,50 @@ TEST_F(Backups, SecondCommitFails_Undo_TakesBackTheFirst) {
     Undo(Backup(1));
 
     EXPECT_TRUE(AreSame(original_, image_));
+}
+
+// The next start has taken back what there was of the second.
+TEST_F(Backups, KilledAtTheSecondCommit_Undo_TakesBackTheFirst) {
+    const std::string switched = image_ + ".switched";
+    {
+        const auto image = OpenWith({});
+        Switch(image);
+        EXPECT_EQ(image->Commit(), "");
+        OutputOf("cp --sparse=always '" + image_ + "' '" + switched + "'");
+        EXPECT_EQ(NtfsVolume(image, recovery, 60 * MiB).Remove("SystemVolume.ini"), 0u);
+        EXPECT_EQ(image->Commit(), "");
+    }
+    std::filesystem::rename(switched, image_);
+
+    Undo(Backup(1));
+
+    EXPECT_TRUE(AreSame(original_, image_));
+}
+
+TEST_F(Backups, SectorsOutOfOrderOrTwice_Read_IsRefused) {
+    const std::string sector(512, 'a');
+    for (const uint64_t second : {uint64_t{0}, uint64_t{512}, uint64_t{1024}}) {
+        const ImageChange change = {{512, sector, sector}, {second, sector, sector}};
+        ASSERT_TRUE(WriteChangeFile(Backup(1), backupMagic, {1 * MiB, {change}}));
+        if (second == 1024) {
+            EXPECT_EQ(ReadBackup(Backup(1)).changes.size(), 1u);
+        } else {
+            EXPECT_THROW(ReadBackup(Backup(1)), ImageError) << second;
+        }
+    }
+}
+
+// In a shared folder, anybody can have put a link there.
+TEST_F(Backups, LinkOfTheNameBeforeItIsComplete_Commit_DoesNotFollowIt) {
+    std::ofstream(image_ + ".other") << "kept";
+    std::filesystem::create_symlink(image_ + ".other", Backup(1) + ".new");
+    const auto image = OpenWith({});
+    Switch(image);
+
+    EXPECT_EQ(image->Commit(), "");
+
+    EXPECT_EQ(ContentOf(image_ + ".other"), "kept");
+    EXPECT_EQ(ReadBackup(Backup(1)).changes.size(), 1u);
 }
 
 TEST_F(Backups, NoRoom_Commit_WritesNothing) {

@@ -17,6 +17,11 @@ void ShowMessage(const std::string& message) {
     if (!message.empty()) std::cerr << "kestova: " << message << "\n";
 }
 
+void ShowMessages(const std::vector<std::string>& messages) {
+    for (const std::string& message : messages)
+        ShowMessage(message);
+}
+
 // Shows a report and, on standard error, what it remarks and what it could not read, which is a failure.
 template <typename Report>
 int ShowWithProblem(const CommandLine& line, const Report& report) {
@@ -135,7 +140,8 @@ int RepairTables(const CommandLine& line) {
     if (line.choice.images.empty()) throw WrongUse("repair-table: name the disk image with --image");
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
     for (const std::string& image : line.choice.images) {
-        const auto [problems, backup] = RepairTableOf(image, use);
+        const auto [problems, backup, notes] = RepairTableOf(image, use);
+        ShowMessages(notes);
         Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun, backup});
     }
     return Done;
@@ -147,8 +153,9 @@ int Undo(const CommandLine& line) {
         throw WrongUse("undo: " + backup + " is not named after an image; name that with --image");
     if (line.choice.images.size() > 1) throw WrongUse("undo: it is for one --image");
     const std::string& image = line.choice.images.front();
-    const auto [isUndone, ownBackup] =
+    const auto [isUndone, ownBackup, notes] =
         UndoChange(image, backup, UseOfImages(line.choice, machine::ImageAccess::Write));
+    ShowMessages(notes);
     Show(line, UndoReport{image, backup, isUndone, line.choice.dryRun, ownBackup});
     return Done;
 }

@@ -66,6 +66,14 @@ TEST_F(VirtualDisk, StartedThroughSudo_Status_IsTheDisk) {
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
 }
 
+TEST_F(VirtualDisk, LockedByAVirtualMachine_Status_IsRefusedInOneLine) {
+    const Outcome outcome = Shell(
+        "qemu-nbd --fork --pid-file=server --socket=$PWD/socket --format=qcow2 disk.qcow2 && "
+        "{ '" KESTOVA_PROGRAM "' --image disk.qcow2 status; status=$?; kill $(cat server); exit $status; }");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.errors, "kestova: disk.qcow2: in use: qemu or another program holds a lock on it\n");
+}
+
 TEST_F(VirtualDisk, ServerNotInstalled_Status_NamesItsPackage) {
     const Outcome outcome = Shell("PATH=/nowhere '" KESTOVA_PROGRAM "' --image disk.qcow2 status");
     EXPECT_EQ(outcome.status, 3);
@@ -88,6 +96,15 @@ TEST_F(VirtualDisk, KilledProgram_LeavesNoServer) {
         "until test $(servers) = 0; do :; done");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "1\n");
+}
+
+// The server is one that never answers; it ends when nobody has the pipe open for writing any more.
+TEST_F(VirtualDisk, KilledProgramWhileTheDiskIsBeingOpened_LeavesNoServer) {
+    WriteFile("qemu-nbd", "#!/bin/sh\nexec 9>servers\nexec sleep 1000\n");
+    const Outcome outcome =
+        Shell("mkfifo servers && chmod +x qemu-nbd && { PATH=$PWD:$PATH '" KESTOVA_PROGRAM
+              "' --image disk.qcow2 status & } && exec 8<servers && kill -KILL $! && cat <&8");
+    EXPECT_EQ(outcome.status, 0);
 }
 
 }  // namespace
