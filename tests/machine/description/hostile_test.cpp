@@ -31,10 +31,11 @@ std::string Times(size_t times, const std::string& part) {
 constexpr const char* tooMany = "more than 10000 values, files and folders; no PC has so many";
 
 TEST(HostileDescription, DeepLists_AreRefused) {
-    const std::string error = ErrorOf(std::string(1'000'000, '['));
-
-    EXPECT_TRUE(error.starts_with("pc.json: [0][0]")) << error.substr(0, 100);
-    EXPECT_TRUE(error.ends_with("[0]: nested deeper than 32 levels")) << error.substr(0, 200);
+    std::string place;
+    for (int level = 0; level < 32; ++level)
+        place += "[0]";
+    EXPECT_EQ(ErrorOf(std::string(1'000'000, '[')),
+              "pc.json: " + place + ": nested deeper than 32 levels");
 }
 
 TEST(HostileDescription, DeepObjects_AreRefused) {
