@@ -155,8 +155,10 @@ RepairedTable RepairImageTable(const std::string& path, const ImageUse& use) {
     return {std::move(problems), image.Backup(), image.Notes()};
 }
 
-Recovery RecoverImage(const std::string& path, const JournalPlace& journal) {
-    return ImageFile(path, {ImageAccess::Write, journal}).Recovered();
+Recovery RecoverImage(const std::string& path, const ImageUse& use) {
+    ImageUse withoutBackup = use;
+    withoutBackup.backup = {JournalPlace::Kind::None};
+    return ImageFile(path, withoutBackup).Recovered();
 }
 
 }  // namespace machine

@@ -21,9 +21,9 @@ namespace machine {
 // of it exists.
 void AttachImage(Disk& disk, const ImageUse& use);
 
-// Finishes or takes back a change of the image that was interrupted; says which. Throws ImageError with the
-// file unchanged.
-Recovery RecoverImage(const std::string& path, const JournalPlace& journal);
+// Finishes or takes back a change of the image that was interrupted; says which. With Overlay nothing is
+// written. Throws ImageError with the file unchanged.
+Recovery RecoverImage(const std::string& path, const ImageUse& use);
 
 struct UndoneChange {
     bool isUndone = false;                // false: it was undone already

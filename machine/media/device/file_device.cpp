@@ -9,6 +9,7 @@
 
 #include "machine/media/device/image_access.h"
 #include "machine/media/device/in_use.h"
+#include "machine/media/device/transfer.h"
 
 namespace machine {
 
@@ -21,6 +22,8 @@ std::string OpenProblem(int error, bool forWriting) {
             return "no such file";
         case EISDIR:
             return "a folder, not a disk image";
+        case ENOMEDIUM:
+            return "there is no medium in it";
         case EACCES:
         case EPERM:
         case EROFS:
@@ -28,21 +31,6 @@ std::string OpenProblem(int error, bool forWriting) {
         default:
             return std::string("cannot be opened: ") + std::strerror(error);
     }
-}
-
-// Calls `transfer` (of pread's kind) until all bytes are through.
-template <typename Transfer, typename Byte>
-bool Through(Transfer transfer, int descriptor, uint64_t offset, Byte* bytes, size_t length) {
-    while (length > 0) {
-        const ssize_t done = transfer(descriptor, bytes, length, static_cast<off_t>(offset));
-        if (done < 0 && errno == EINTR) continue;
-        if (done == 0) errno = EIO;
-        if (done <= 0) return false;
-        bytes += done;
-        offset += static_cast<uint64_t>(done);
-        length -= static_cast<size_t>(done);
-    }
-    return true;
 }
 
 }  // namespace

@@ -19,7 +19,8 @@ struct JournalPlace {
     std::string path = {};  // of Named
 };
 
-// The file of Kind::Beside: beside the image itself, not a link to it.
+// The file of Kind::Beside: beside the image itself, not a link to it. Empty for a disk of this computer,
+// which has no place beside it.
 std::string JournalBeside(const std::string& image);
 
 struct ImageUse {
@@ -31,6 +32,8 @@ struct ImageUse {
     JournalPlace backup = {JournalPlace::Kind::None};
     // Whether an NTFS volume that is merely marked dirty may be changed.
     bool forceDirty = false;
+    // Whether the user has confirmed that what is changed may be a disk of this computer.
+    bool changesDisks = false;
     // In bytes, 512 or 4096; absent: what the device says, or the table shows.
     std::optional<uint32_t> sectorSize = std::nullopt;
 };

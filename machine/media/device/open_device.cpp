@@ -1,5 +1,7 @@
 #include "machine/media/device/open_device.h"
 
+#include "machine/media/device/disk_device.h"
+#include "machine/media/device/disk_identity.h"
 #include "machine/media/device/ewf_device.h"
 #include "machine/media/device/file_device.h"
 #include "machine/media/device/image_access.h"
@@ -8,7 +10,12 @@
 
 namespace machine {
 
-std::unique_ptr<BlockDevice> OpenDevice(const std::string& path, bool forWriting) {
+std::unique_ptr<BlockDevice> OpenDevice(const std::string& path, bool forWriting, bool changesDisks) {
+    if (IsDisk(path)) {
+        if (forWriting && !changesDisks)
+            throw ImageError(path + ": a disk of this computer; --yes confirms that it is to be changed");
+        return std::make_unique<DiskDevice>(path, forWriting);
+    }
     const ImageFormat format = FormatOf(path);
     switch (format.device) {
         case OpenedBy::Nbd:

@@ -8,7 +8,8 @@
 
 namespace machine {
 
-// By what the file is. Throws ImageError.
-std::unique_ptr<BlockDevice> OpenDevice(const std::string& path, bool forWriting);
+// By what the file is. Throws ImageError; also for writing to a disk of this computer unless the user has
+// confirmed that.
+std::unique_ptr<BlockDevice> OpenDevice(const std::string& path, bool forWriting, bool changesDisks);
 
 }  // namespace machine

@@ -8,6 +8,8 @@
 #include <map>
 #include <utility>
 
+#include "machine/media/device/disk_identity.h"
+
 namespace machine {
 
 namespace {
@@ -72,6 +74,11 @@ ChangeBackup::ChangeBackup(const std::string& image, const JournalPlace& place)
 
 void ChangeBackup::CheckPlace() const {
     if (place_.kind == JournalPlace::Kind::None) return;
+    if (place_.kind == JournalPlace::Kind::Beside && IsDisk(image_))
+        throw ImageError(
+            image_ +
+            ": a disk has no place beside it for a backup; name a file with --backup, or change without one "
+            "(--no-backup)");
     const std::string advice = "; name another file with --backup, or change without one (--no-backup)";
     std::error_code error;
     const bool isJournal =

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "machine/media/device/descriptor.h"
+#include "machine/media/device/disk_identity.h"
 #include "machine/media/device/little_endian.h"
 
 namespace machine {
@@ -163,6 +164,7 @@ bool WriteNewFile(const std::string& path, std::string_view bytes) {
 }  // namespace
 
 std::string BesideImage(const std::string& image, std::string_view ending) {
+    if (IsDisk(image)) return "";
     std::error_code error;
     const fs::path real = fs::canonical(image, error);
     return (error ? image : real.string()) + std::string(ending);

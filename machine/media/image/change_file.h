@@ -36,7 +36,8 @@ ReadChanges ReadChangeFile(const std::string& path, std::string_view magic);
 // Deletes the file. False, with errno set, if it is still there.
 bool DropChangeFile(const std::string& path);
 
-// The image's path with that ending: of the image itself, not of a link to it.
+// The image's path with that ending: of the image itself, not of a link to it. Empty for a disk of this
+// computer.
 std::string BesideImage(const std::string& image, std::string_view ending);
 
 // The folder of a file, "." if its path has none.

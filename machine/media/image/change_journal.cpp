@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "machine/media/device/disk_identity.h"
 #include "machine/media/image/change_file.h"
 
 namespace machine {
@@ -24,10 +25,11 @@ bool IsVolatile(const std::string& folder) {
            (system.f_type == TMPFS_MAGIC || system.f_type == RAMFS_MAGIC);
 }
 
+// A disk of this computer is on none.
 bool AreOnOneFileSystem(const std::string& left, const std::string& right) {
     struct stat leftStatus = {};
     struct stat rightStatus = {};
-    return stat(left.c_str(), &leftStatus) == 0 && stat(right.c_str(), &rightStatus) == 0 &&
+    return !IsDisk(right) && stat(left.c_str(), &leftStatus) == 0 && stat(right.c_str(), &rightStatus) == 0 &&
            leftStatus.st_dev == rightStatus.st_dev;
 }
 
@@ -38,9 +40,16 @@ std::string JournalBeside(const std::string& image) {
 }
 
 ChangeJournal::ChangeJournal(const std::string& image, const JournalPlace& place)
-    : image_(image), path_(place.kind == JournalPlace::Kind::Beside ? JournalBeside(image) : place.path) {}
+    : image_(image),
+      hasNoPlace_(place.kind == JournalPlace::Kind::Beside && IsDisk(image)),
+      path_(place.kind == JournalPlace::Kind::Beside ? JournalBeside(image) : place.path) {}
 
 void ChangeJournal::CheckPlace() const {
+    if (hasNoPlace_)
+        throw ImageError(
+            image_ +
+            ": a disk has no place beside it for a journal; name one with --journal, or write without one "
+            "(--no-journal)");
     if (path_.empty()) return;
     const std::string folder = FolderOfFile(path_);
     const std::string advice = "; name another place with --journal, or write without one (--no-journal)";

@@ -31,6 +31,7 @@ class ChangeJournal {
 
   private:
     std::string image_;
+    bool hasNoPlace_;  // beside the image, where it should be
     std::string path_;
 };
 

@@ -41,7 +41,7 @@ class SignalsWait {
 }  // namespace
 
 ImageFile::ImageFile(const std::string& path, const ImageUse& use)
-    : ImageFile(OpenDevice(path, use.access == ImageAccess::Write), path, use) {}
+    : ImageFile(OpenDevice(path, use.access == ImageAccess::Write, use.changesDisks), path, use) {}
 
 ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& path, const ImageUse& use)
     : path_(path),

@@ -34,8 +34,7 @@ TEST(HostileDescription, DeepLists_AreRefused) {
     std::string place;
     for (int level = 0; level < 32; ++level)
         place += "[0]";
-    EXPECT_EQ(ErrorOf(std::string(1'000'000, '[')),
-              "pc.json: " + place + ": nested deeper than 32 levels");
+    EXPECT_EQ(ErrorOf(std::string(1'000'000, '[')), "pc.json: " + place + ": nested deeper than 32 levels");
 }
 
 TEST(HostileDescription, DeepObjects_AreRefused) {

@@ -164,7 +164,7 @@ class PowerCuts : public Transaction {
 
         const Found shown = FoundOn(Attach(image_));
         EXPECT_TRUE(shown == before || shown == after) << testing::PrintToString(shown);
-        EXPECT_NE(RecoverImage(image_, {}), Recovery::None);
+        EXPECT_NE(RecoverImage(image_, ImageAccess::Write), Recovery::None);
         EXPECT_FALSE(HasJournal());
         EXPECT_EQ(FoundOn(Attach(image_)), shown);
         EXPECT_TRUE(shown == after || AreSame(original_, image_));

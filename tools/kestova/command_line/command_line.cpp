@@ -11,7 +11,8 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
     return {
         {"PC",
          {
-             {"--image", "FILE", "A disk image; repeated: disk 0, 1, ...", &choice.images},
+             {"--image", "FILE", "A disk image, or a disk of this computer; repeated: disk 0, 1, ...",
+              &choice.images},
              {"--sector-size", "512|4096", "Of the disk image, where its table does not show it",
               &choice.sectorSize},
              {"--disc", "FILE", "An image of a disc, ISO 9660 or UDF; repeated: more drives", &choice.discs},
@@ -39,6 +40,7 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
               "Where a backup of what changes on the image stays; beside the image unless given",
               &choice.backup},
              {"--no-backup", "", "Keep none", &choice.noBackup, "--backup"},
+             {"--yes", "", "Change a disk of this computer without a question", &choice.yes},
              {"--fail", "NAME[#N][+]=CODE",
               "Let a platform call fail: every one, the Nth, or the Nth and all later ones", &choice.faults},
              {"--save", "FILE", "Write the PC afterwards, as a description", &choice.save, "--dry-run"},

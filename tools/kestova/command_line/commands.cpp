@@ -130,9 +130,9 @@ std::optional<std::string> ChangeWord(machine::Recovery recovery) {
 
 int Recover(const CommandLine& line) {
     if (line.choice.images.empty()) throw WrongUse("recover: name the disk image with --image");
-    const machine::JournalPlace journal = JournalOf(line.choice);
+    const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
     for (const std::string& image : line.choice.images)
-        Show(line, RecoveryReport{image, ChangeWord(RecoverChange(image, journal))});
+        Show(line, RecoveryReport{image, ChangeWord(RecoverChange(image, use)), line.choice.dryRun});
     return Done;
 }
 

@@ -125,6 +125,11 @@ const std::vector<Kept>& KeptByWork() {
           {"faccessat2"},
           {"statfs"},
           {"fstatfs"}}},
+        // Disks of this computer, whose table the kernel then reads again, for those who administer it.
+        {[](const ConfinedWork& work) { return work.writesDisks; },
+         true,
+         uint64_t{1} << CAP_SYS_ADMIN,
+         {{"ioctl", Only::RereadingTable}}},
         // Virtual disks, over the connection to the program that opens them.
         {[](const ConfinedWork& work) { return work.imageBytes > 0; },
          false,

@@ -8,6 +8,7 @@
 // What a command does once its files are open.
 struct ConfinedWork {
     bool writesImages = false;
+    bool writesDisks = false;  // of this computer
     bool saves = false;
     uint64_t imageBytes = 0;  // of all images together
     size_t operations = 1;

@@ -4,8 +4,9 @@
 #include <vector>
 
 // The arguments with which a call is allowed: any; those that open no file for writing; those that map no
-// memory that can be executed; those that ask what a terminal is set to; those for this process itself.
-enum class Only { Any, Reading, WithoutCode, AskingTerminal, OwnProcess };
+// memory that can be executed; those that ask what a terminal is set to; those that have the kernel read a
+// disk's table again; those for this process itself.
+enum class Only { Any, Reading, WithoutCode, AskingTerminal, RereadingTable, OwnProcess };
 
 struct AllowedCall {
     const char* name;

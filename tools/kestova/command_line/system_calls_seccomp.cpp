@@ -1,6 +1,7 @@
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
 #include <fcntl.h>
+#include <linux/fs.h>
 #include <seccomp.h>
 #include <signal.h>
 #include <sys/mman.h>
@@ -67,6 +68,8 @@ std::vector<scmp_arg_cmp> Conditions(int call, Only only) {
             return {Without(2, PROT_EXEC)};
         case Only::AskingTerminal:
             return {With(1, TCGETS), With(1, TCGETS2)};
+        case Only::RereadingTable:
+            return {With(1, BLKRRPART)};
         case Only::OwnProcess:
             // prlimit64 has 0 for it.
             return {With(0, call == SCMP_SYS(prlimit64) ? 0 : static_cast<scmp_datum_t>(getpid()))};

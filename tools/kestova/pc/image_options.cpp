@@ -28,6 +28,8 @@ machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess acces
     if (!choice.backup.empty() && choice.backup == choice.journal)
         throw WrongUse("--backup: " + choice.backup + " is the journal of the image");
     use.forceDirty = choice.forceDirty;
+    use.changesDisks =
+        choice.yes || (use.access == machine::ImageAccess::Write && ConfirmDisks(choice.images));
     if (choice.sectorSize.empty()) return use;
     for (const uint32_t size : {512U, 4096U}) {
         if (choice.sectorSize == std::to_string(size)) use.sectorSize = size;

@@ -17,17 +17,25 @@ void EndOpening();
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
                        const machine::ImageUse& use);
 
+// Whether an image is a disk of this computer; false if this build has no image part.
+bool IsDiskOfComputer(const std::string& image);
+
+// Asks the user, on a terminal, whether each disk of this computer among the images is to be changed. False
+// if there is nobody to ask. Throws Failed if the answer is no.
+bool ConfirmDisks(const std::vector<std::string>& images);
+
 // Where the user wants the journal of changes. Throws WrongUse for one file and several images.
 machine::JournalPlace JournalOf(const PcChoice& choice);
 
-// What the user has the images used for, and how. Throws WrongUse for a sector size that no disk has.
+// What the user has the images used for, and how. On a terminal, asks before a disk of this computer is
+// changed. Throws WrongUse for a sector size that no disk has, Failed if the answer is no.
 machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess access);
 
 // The usual journal of an image; empty if this build has no image part.
 std::string UsualJournal(const std::string& image);
 
 // Finishes or takes back a change of the image that was interrupted. Throws as OpenImages.
-machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace& journal);
+machine::Recovery RecoverChange(const std::string& path, const machine::ImageUse& use);
 
 // Writes the partition table of the image anew from its good copy. Throws as OpenImages.
 machine::RepairedTable RepairTableOf(const std::string& path, const machine::ImageUse& use);

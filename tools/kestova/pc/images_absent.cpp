@@ -23,7 +23,15 @@ std::string UsualJournal(const std::string&) {
     return {};
 }
 
-machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace&) {
+bool IsDiskOfComputer(const std::string&) {
+    return false;
+}
+
+bool ConfirmDisks(const std::vector<std::string>&) {
+    return false;
+}
+
+machine::Recovery RecoverChange(const std::string& path, const machine::ImageUse&) {
     Refuse(path);
 }
 

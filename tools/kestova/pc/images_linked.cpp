@@ -1,9 +1,28 @@
+#include <unistd.h>
+
+#include <iostream>
+
+#include "machine/media/device/disk_identity.h"
 #include "machine/media/device/disk_server.h"
 #include "machine/media/given_images.h"
 #include "machine/media/hivex_reader.h"
 #include "machine/media/medium_image.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
+
+namespace {
+
+// "/dev/sdb (MODEL, serial number S, 465.8 GiB)".
+std::string DiskText(const std::string& path) {
+    const machine::DiskIdentity disk = machine::IdentityOf(path);
+    std::string text = path + " (";
+    if (!disk.model.empty()) text += disk.model + ", ";
+    if (!disk.serial.empty()) text += "serial number " + disk.serial + ", ";
+    return text + SizeText(disk.bytes) + ")";
+}
+
+}  // namespace
 
 void BeginOpening(const PcChoice& choice) {
     if (choice.images.empty() && choice.discs.empty() && choice.sticks.empty() && choice.pc.empty()) return;
@@ -31,9 +50,25 @@ std::string UsualJournal(const std::string& image) {
     return machine::JournalBeside(image);
 }
 
-machine::Recovery RecoverChange(const std::string& path, const machine::JournalPlace& journal) {
+bool IsDiskOfComputer(const std::string& image) {
+    return machine::IsDisk(image);
+}
+
+bool ConfirmDisks(const std::vector<std::string>& images) {
+    if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return false;
+    for (const std::string& image : images) {
+        if (!machine::IsDisk(image)) continue;
+        std::cerr << DiskText(image) << " is a disk of this computer. Change it? [y/N] ";
+        std::string answer;
+        std::getline(std::cin, answer);
+        if (answer != "y" && answer != "yes") throw Failed(image + ": nothing was changed");
+    }
+    return true;
+}
+
+machine::Recovery RecoverChange(const std::string& path, const machine::ImageUse& use) {
     try {
-        return machine::RecoverImage(path, journal);
+        return machine::RecoverImage(path, use);
     } catch (const machine::ImageError& error) {
         throw UnreadablePc(error.what());
     }

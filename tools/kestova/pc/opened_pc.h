@@ -27,6 +27,7 @@ struct PcChoice {
     bool noBackup = false;
     bool forceDirty = false;  // NTFS volumes of images that are merely marked dirty are changed too
     std::string sectorSize;   // of the images' tables, in bytes; empty: as the table shows
+    bool yes = false;         // disks of this computer may be changed without a question
     bool trace = false;
     bool ledger = false;
     std::vector<std::string> faults;  // NAME[#N][+]=CODE
@@ -40,6 +41,7 @@ struct InputFiles {
     std::string description;  // empty without one
     std::vector<std::string> images;
     uint64_t imageBytes = 0;            // of the disks and media in them together
+    bool haveDisks = false;             // of this computer, among the images
     std::vector<std::string> journals;  // the usual ones of the images, whether they exist or not
 };
 

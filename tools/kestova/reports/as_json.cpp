@@ -236,7 +236,9 @@ std::string AsJson(const OperationReport& report) {
 }
 
 std::string AsJson(const RecoveryReport& report) {
-    return Line({{"image", report.image}, {"change", ToJson(report.change)}});
+    Json json = {{"image", report.image}, {"change", ToJson(report.change)}};
+    if (report.isDryRun) json["recovered"] = false;
+    return Line(json);
 }
 
 std::string AsJson(const TableRepairReport& report) {

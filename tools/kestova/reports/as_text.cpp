@@ -186,7 +186,7 @@ std::string AsText(const OperationReport& report) {
 
 std::string AsText(const RecoveryReport& report) {
     if (!report.change) return report.image + ": nothing to recover\n";
-    return report.image + ": a change that had been interrupted was " +
+    return report.image + ": a change that had been interrupted " + (report.isDryRun ? "would be " : "was ") +
            (*report.change == "finished" ? "finished" : "taken back") + "\n";
 }
 

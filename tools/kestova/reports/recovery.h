@@ -7,4 +7,5 @@
 struct RecoveryReport {
     std::string image;
     std::optional<std::string> change;  // "finished" or "takenBack"; nothing if there was none
+    bool isDryRun = false;              // then it would be
 };

@@ -92,6 +92,17 @@ TEST_F(Interrupted, PendingJournal_Recover_TakesTheChangeBack) {
               "{\"image\":\"disk.img\",\"change\":null}\n");
 }
 
+TEST_F(Interrupted, PendingJournal_RecoverAsDryRun_SaysWhatWouldBeDone) {
+    Interrupt();
+    ASSERT_EQ(Shell("cp --sparse=always disk.img interrupted.img").status, 0);
+    EXPECT_EQ(Kestova("--image disk.img --dry-run --json recover").output,
+              "{\"image\":\"disk.img\",\"change\":\"takenBack\",\"recovered\":false}\n");
+    EXPECT_THAT(Kestova("--image disk.img --dry-run recover").output,
+                EndsWith("a change that had been interrupted would be taken back\n"));
+    EXPECT_TRUE(HasJournal());
+    EXPECT_TRUE(AreSame(Folder() / "interrupted.img", Folder() / "disk.img"));
+}
+
 TEST_F(Interrupted, PendingJournal_BootRecoveryAndSystem_TakeItBackFirstAndWork) {
     Interrupt();
     const Outcome recovery = Kestova("--image disk.img boot recovery");

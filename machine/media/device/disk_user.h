@@ -1,0 +1,17 @@
+// What the running Linux uses of a disk.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace machine {
+
+// The folder of a disk or partition in sysfs.
+std::string SysfsFolder(dev_t device);
+
+// Who uses the disk or one of its partitions: "/dev/sdb1 is mounted on /mnt". Empty if nobody is known to.
+std::string DiskUser(dev_t disk);
+
+}  // namespace machine
