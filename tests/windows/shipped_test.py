@@ -100,7 +100,7 @@ class ShippedFiles(unittest.TestCase):
     def test_LoggingAndTool_Code_GuardsItsStack(self):
         for name in ("Logging.dll", "kestova.exe"):
             with self.subTest(name):
-                self.assertIn(STACK_GUARD, (self.folder / "bin" / name).read_bytes())
+                self.assertTrue(STACK_GUARD in (self.folder / "bin" / name).read_bytes(), "no stack guard")
 
     def test_EveryFile_Machine_IsThatOfItsPreset(self):
         for name, file in self.every_file():
