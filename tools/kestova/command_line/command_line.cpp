@@ -71,6 +71,19 @@ CommandLine ReadCommandLine(const std::vector<std::string>& words) {
     return line;
 }
 
+const std::vector<OptionWords>& KnownOptions() {
+    static const std::vector<OptionWords> options = [] {
+        CommandLine line;
+        std::vector<OptionWords> known;
+        for (const OptionGroup& group : OptionGroups(line)) {
+            for (const Option& option : group.options)
+                known.push_back({LongName(option), option.value, option.words});
+        }
+        return known;
+    }();
+    return options;
+}
+
 std::string OptionsText(size_t columns, const std::function<bool(const std::string& option)>& isShown) {
     CommandLine line;
     std::string text;

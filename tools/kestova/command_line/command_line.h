@@ -22,5 +22,13 @@ struct CommandLine {
 // The words behind the program's name. Throws WrongUse.
 CommandLine ReadCommandLine(const std::vector<std::string>& words);
 
+struct OptionWords {
+    std::string name;   // "--image"
+    std::string value;  // as help shows it; empty for a flag
+    std::string words;
+};
+
+const std::vector<OptionWords>& KnownOptions();
+
 // The options for which that is true, in their groups, as help shows them.
 std::string OptionsText(size_t columns, const std::function<bool(const std::string& option)>& isShown);

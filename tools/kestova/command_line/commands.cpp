@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "tools/kestova/command_line/completion.h"
 #include "tools/kestova/command_line/help.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/command_line/script.h"
@@ -180,6 +181,17 @@ int Help(const CommandLine& line) {
     return Done;
 }
 
+int Completion(const CommandLine& line) {
+    const std::string& first = line.arguments[0];
+    if (first != "words") {
+        std::cout << CompletionScript(first);
+        return Done;
+    }
+    for (const Candidate& candidate : Complete({line.arguments.begin() + 1, line.arguments.end()}))
+        std::cout << candidate.word << "\t" << candidate.meaning << "\n";
+    return Done;
+}
+
 // Whether the first word is a file, so that the option before it was forgotten.
 bool IsFile(const std::string& word) {
     std::error_code error;
@@ -198,7 +210,7 @@ std::string BootStatuses(size_t columns) {
 
 bool Uses(const Command& command, const std::string& option) {
     if (option == "--help" || option == "--version") return true;
-    if (command.run == Help) return false;
+    if (command.run == Help || command.run == Completion) return false;
     if (option == "--json") return true;
     const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
     if (option == "--ledger" && runsNoOperation) return false;
@@ -223,6 +235,8 @@ const std::vector<Command>& Commands() {
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},
         {"calls", "", "The platform calls that --fail knows", 0, 0, false, false, ListCalls},
+        {"completion", "SHELL", "What makes a shell complete command lines", 1, any, false, false,
+         Completion},
         {"help", "[COMMAND]", "This, or what a command does", 0, 1, false, false, Help},
     };
     return commands;

@@ -65,6 +65,12 @@ const std::vector<CommandHelp>& CommandHelps() {
         {"calls",
          "Lists the platform calls that --fail knows, and how each reports a failure.",
          {{"calls", ""}}},
+        {"completion",
+         "Prints a script for bash, zsh or fish that makes the shell complete commands, operations, options and their "
+         "values. With `words`, prints what the last of the words behind -- can become; that is what the scripts ask.",
+         {{"completion bash >/etc/bash_completion.d/kestova", "for everybody"},
+          {"completion fish | source", "in this shell"},
+          {"completion words -- boot r", ""}}},
         {"help", "Shows the help of the program, or of one command.", {{"help boot", ""}}},
     };
     return helps;
