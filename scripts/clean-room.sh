@@ -1,4 +1,4 @@
-# Runs a command of ./dev where nothing is installed but a minimal Debian. Sourced by ./dev, whose folder for
+# Runs a command of ./dev, or the Debian package, where nothing is installed but a minimal Debian. Sourced by ./dev, whose folder for
 # temporary files it uses.
 # shellcheck shell=bash disable=SC2154
 
@@ -9,15 +9,37 @@ clean_room() {
     need "to make a clean root" clean-room
     [ -z "$(git status --porcelain)" ] || say "clean-room: changes that are not committed are left out"
     local root=$temporary/root
-    quietly "making a clean root" mmdebstrap --variant=apt bookworm "$root"
+    make_root "$root"
     git clone --quiet "$PWD" "$root/kestova"
-    cp /etc/resolv.conf "$root/etc/"
     say "clean-room: $(git rev-parse --short HEAD) in a Debian root of $(packages_in "$root") packages: ./dev $*"
-    # The mounts and whatever the command leaves running end with its own namespaces.
+    in_root "$root" /kestova/dev "$@"
+}
+
+make_root() {
+    quietly "making a clean root" mmdebstrap --variant=apt bookworm "$1"
+    cp /etc/resolv.conf "$1/etc/"
+}
+
+# in_root ROOT COMMAND...: the mounts and whatever the command leaves running end with its own namespaces.
+in_root() {
     # shellcheck disable=SC2016 # expanded by the shell in the namespaces
     unshare --mount --pid --fork --kill-child bash -c '
         mount -t proc proc "$0/proc" && mount --rbind /dev "$0/dev" &&
-            exec chroot "$0" env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 /kestova/dev "$@"' "$root" "$@"
+            exec chroot "$0" env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 "$@"' "$@"
+}
+
+# try_package: the Debian package in a fresh root, from its installation to a PC that was switched and switched back.
+try_package() {
+    [ "$(id -u)" -eq 0 ] || fail "try-package: must be started by root, to enter another root folder"
+    need "to make a clean root and a virtual disk for it" clean-room image
+    package_deb
+    local root=$temporary/root
+    make_root "$root"
+    mkdir "$root/try"
+    tests/images/make-factory-mbr "$temporary/disk.img" >/dev/null 2>&1 || fail "the image could not be made"
+    qemu-img convert -O qcow2 "$temporary/disk.img" "$root/try/pc.qcow2"
+    cp build/deb/kestova_*.deb tests/package/try "$root/try"
+    in_root "$root" bash /try/try
 }
 
 packages_in() { find "$1/var/lib/dpkg/info" -name '*.list' | wc -l; }

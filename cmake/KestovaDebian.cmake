@@ -1,0 +1,48 @@
+# The Debian package of the tool, which `./dev package deb` makes. Its pages of the manual and its completions come from the
+# tool itself.
+include(GNUInstallDirs)
+kestova_programs(system deb)
+
+set(pages ${CMAKE_CURRENT_BINARY_DIR}/pages)
+set(completions ${CMAKE_CURRENT_BINARY_DIR}/completions)
+add_custom_command(OUTPUT ${pages}/kestova.1.gz
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${pages}
+  COMMAND ${CMAKE_COMMAND} -E env PATH=${KESTOVA_PROGRAMS}
+    ${CMAKE_CURRENT_SOURCE_DIR}/packaging/man-pages $<TARGET_FILE:kestova_tool> ${pages}
+  DEPENDS kestova_tool packaging/man-pages
+  COMMENT "Pages of the manual")
+set(scripts)
+foreach(shell bash zsh fish)
+  add_custom_command(OUTPUT ${completions}/${shell}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${completions}
+    COMMAND kestova_tool completion ${shell} >${completions}/${shell}
+    DEPENDS kestova_tool
+    COMMENT "Completion of ${shell}")
+  list(APPEND scripts ${completions}/${shell})
+endforeach()
+add_custom_target(kestova_pages ALL DEPENDS ${pages}/kestova.1.gz ${scripts})
+
+install(TARGETS kestova_tool RUNTIME DESTINATION bin)
+install(DIRECTORY ${pages}/ DESTINATION share/man/man1)
+install(FILES ${completions}/bash DESTINATION share/bash-completion/completions RENAME kestova)
+install(FILES ${completions}/zsh DESTINATION share/zsh/vendor-completions RENAME _kestova)
+install(FILES ${completions}/fish DESTINATION share/fish/vendor_completions.d RENAME kestova.fish)
+install(FILES packaging/copyright SECURITY.md docs/command-line.md docs/operations.md docs/pc-description.md docs/log.md
+  docs/hazards.md DESTINATION share/doc/kestova)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "The developers of Kestova <kestova@localhost>")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Shows what the partitions of a Windows PC are (recovery, Windows RE, EFI,
+hibernation), which letters they have, and makes the PC boot its recovery
+partition or Windows again: on disk images, virtual disks and disks of this
+computer. What it changes is whole or not there, and can be taken back.")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Opens virtual disks.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS qemu-utils)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_VERBATIM_VARIABLES ON)
+include(CPack)
