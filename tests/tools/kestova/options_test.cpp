@@ -419,7 +419,6 @@ TEST_F(Help, NoPc_Help_ListsCommandsOptionsAndStatuses) {
     EXPECT_THAT(outcome.output, HasSubstr("  --fail NAME[#N][+]=CODE  "));
     EXPECT_THAT(outcome.output, HasSubstr("    4  the record could not be written\n"));
     EXPECT_EQ(Kestova("help").output, outcome.output);
-    EXPECT_EQ(Kestova("--version").output, "kestova " KESTOVA_VERSION "\n");
 }
 
 // The words of each line of "Commands:", up to the columns that are wrapped.
@@ -438,6 +437,18 @@ size_t LongestLine(const std::string& text) {
     for (std::string line; std::getline(lines, line);)
         longest = std::max(longest, line.size());
     return longest;
+}
+
+TEST_F(Help, NoPc_Version_NamesEachLibraryThatIsLinkedAndNoOther) {
+    const std::string version = Kestova("--version").output;
+    EXPECT_THAT(version, StartsWith("kestova " KESTOVA_VERSION "\n"));
+    // Each library that the build links, and no other, is named with its licence.
+    for (const std::string library : {"libntfs-3g", "libhivex", "libnbd", "libewf", "libseccomp"})
+        EXPECT_EQ(version.find(library) != std::string::npos,
+                  Shell("ldd '" KESTOVA_PROGRAM "'").output.find(library) != std::string::npos)
+            << library;
+    EXPECT_THAT(version, HasSubstr("CLI11"));
+    EXPECT_THAT(version, HasSubstr("nlohmann-json"));
 }
 
 TEST_F(Help, EachCommand_Help_ExplainsItAloneWithinEightyColumns) {

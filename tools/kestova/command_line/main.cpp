@@ -7,6 +7,7 @@
 #include "tools/kestova/command_line/confinement.h"
 #include "tools/kestova/command_line/help.h"
 #include "tools/kestova/command_line/program_start.h"
+#include "tools/kestova/command_line/version.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/images.h"
 
@@ -18,7 +19,7 @@ int Run(const CommandLine& line) {
         return Done;
     }
     if (line.version) {
-        std::cout << "kestova " KESTOVA_VERSION "\n";
+        std::cout << VersionText();
         return Done;
     }
     return FindCommand(line).run(line);

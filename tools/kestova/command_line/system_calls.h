@@ -13,6 +13,9 @@ struct AllowedCall {
     Only only = Only::Any;
 };
 
+// Whether this build filters them.
+bool FiltersSystemCalls();
+
 // From here on every other call ends the program with status 1 and a message; there is no way back, and a
 // second list can only be shorter. Calls that this architecture lacks are left out. Does nothing where the
 // kernel has no filters, and in a build without libseccomp. Throws Failed.

@@ -100,6 +100,10 @@ bool AreFiltersMissing(int error) {
 
 }  // namespace
 
+bool FiltersSystemCalls() {
+    return true;
+}
+
 void AllowOnly(const std::vector<AllowedCall>& calls) {
     const auto check = [](int error) {
         if (error != 0)

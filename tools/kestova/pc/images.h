@@ -17,6 +17,14 @@ void EndOpening();
 machine::Pc OpenImages(const std::vector<std::string>& paths, machine::SystemKind system,
                        const machine::ImageUse& use);
 
+struct LinkedLibrary {
+    const char* name;
+    const char* licence;
+};
+
+// What the image part links; nothing if this build has none.
+std::vector<LinkedLibrary> ImageLibraries();
+
 // Whether an image is a disk of this computer; false if this build has no image part.
 bool IsDiskOfComputer(const std::string& image);
 

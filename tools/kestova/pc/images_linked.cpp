@@ -50,6 +50,14 @@ std::string UsualJournal(const std::string& image) {
     return machine::JournalBeside(image);
 }
 
+std::vector<LinkedLibrary> ImageLibraries() {
+    return {{"libntfs-3g", "GPL-2.0-or-later"},
+            {"libhivex", "LGPL-2.1"},
+            {"libnbd", "LGPL-2.1-or-later"},
+            {"libewf", "LGPL-3.0-or-later"},
+            {"zlib", "zlib"}};
+}
+
 bool IsDiskOfComputer(const std::string& image) {
     return machine::IsDisk(image);
 }
