@@ -72,7 +72,7 @@ int Assign(CVDSPartition* partitions, const Lettering& row, const Search& search
         int exists = 0;
         if (!search(disk, partition, exists)) {
             LogRecord(LOG_LEVEL_ERROR).Text(row.searchFailed);
-        } else if (partition == noPartition || !exists) {
+        } else if (partition == noPartition) {
             LogRecord(LOG_LEVEL_ERROR).Text(row.notFound);
         } else {
             AssignFound(*partitions, row, partition, remembered, letter);
@@ -123,7 +123,8 @@ int Kestova::IsExistRcvprt() {
         ModuleContext context;
         LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsExistRcvprt\tStart"));
         WCHAR letter = noLetter;
-        const int bRet = AssignRecoveryPartition(letter) && letter != noLetter;
+        AssignRecoveryPartition(letter);
+        const int bRet = letter != noLetter;
         LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::IsExistRcvprt\tEnd. bRet = ")).Int(bRet);
         return bRet;
     });

@@ -78,13 +78,15 @@ BOOL CVDSPartition::GetGPTPartitionType(GUID& type) {
 }
 
 BOOL CVDSPartition::IsBIOSHibernationPartition(int diskNumber, int partitionNumber) {
-    if (!SelectDisk(diskNumber) || !SelectPartition(partitionNumber)) return FALSE;
+    if (!SelectDisk(diskNumber)) return FALSE;
+    SelectPartition(partitionNumber);
     return m_PartitionProp.PartitionStyle == VDS_PST_MBR &&
            m_PartitionProp.Mbr.partitionType == MBR_ID_BIOS_HIBERNATION;
 }
 
 BOOL CVDSPartition::IsNeedHidePartition(int diskNumber, int partitionNumber) {
-    if (!SelectDisk(diskNumber) || !SelectPartition(partitionNumber)) return FALSE;
+    if (!SelectDisk(diskNumber)) return FALSE;
+    SelectPartition(partitionNumber);
     if (m_PartitionProp.PartitionStyle == VDS_PST_GPT)
         return PartitionTypeOf(m_PartitionProp.Gpt.partitionType).hidden;
     if (m_PartitionProp.PartitionStyle == VDS_PST_MBR) {
