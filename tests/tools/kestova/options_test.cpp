@@ -289,7 +289,7 @@ TEST_F(Log, PipeOrFolder_AnyCommand_IsWrongUseAndMakesNothing) {
 }
 
 TEST_F(Log, ExistingLogThroughLinks_Call_IsEmptiedFirst) {
-    WriteFile("log", std::string(100000, 'x'));
+    WriteFile("log", "4\t" + std::string(100000, 'x'));
     EXPECT_EQ(Shell("mkdir folder && ln -s ../log folder/link && ln -s folder other").status, 0);
     EXPECT_EQ(Kestova("--pc factory-mbr --no-initialize --log other/link call IsDynamic").status, 0);
     EXPECT_THAT(ReadFile("log"), StartsWith("4\tKestova::Kestova\tStart\n"));
@@ -320,7 +320,7 @@ TEST_F(SharedFolder, AnotherUsersLink_AnyCommand_IsWrongUse) {
     EXPECT_EQ(Shell("ls shared").output, "file\nfolder\n");
     // The folder's own owner may link there.
     EXPECT_TRUE(GiveAway("shared/file", 0));
-    EXPECT_EQ(Kestova("--pc factory-mbr --log shared/file status").status, 0);
+    EXPECT_EQ(Kestova("--pc factory-mbr --log shared/file --overwrite status").status, 0);
 }
 
 TEST_F(SharedFolder, AnotherUsersFileAsLog_AnyCommand_IsWrongUse) {
@@ -331,6 +331,34 @@ TEST_F(SharedFolder, AnotherUsersFileAsLog_AnyCommand_IsWrongUse) {
         EXPECT_EQ(outcome.status, 2);
         EXPECT_THAT(outcome.errors, HasSubstr("another user's file in a folder that all users share\n"));
         EXPECT_EQ(ReadFile(name), "secret\n");
+    }
+}
+
+// A backup of an image is such a file.
+TEST_F(Save, FileOfAnotherKind_LogAndSave_NeedOverwrite) {
+    ASSERT_EQ(Kestova("--pc factory-mbr --save pc.json --log log status").status, 0);
+    const std::string long_ = "{" + std::string((size_t{16} << 20) + 1, ' ') + "}";
+    for (const std::string& content : {std::string("a shopping list\n"), std::string("{\"name\": 1}"),
+                                       std::string("KESTOVA BACKUP 1\n"), std::string("4"), long_}) {
+        for (const std::string option : {"--save", "--log"}) {
+            WriteFile("file", content);
+            const Outcome outcome = Kestova("--pc factory-mbr " + option + " file status");
+            EXPECT_EQ(outcome.status, 2) << content.substr(0, 20);
+            EXPECT_EQ(outcome.output, "");
+            EXPECT_THAT(
+                outcome.errors,
+                HasSubstr("kestova: " + option +
+                          ": file is neither empty nor a description nor a log; --overwrite replaces it\n"));
+            EXPECT_EQ(ReadFile("file"), content);
+
+            EXPECT_EQ(Kestova("--pc factory-mbr --overwrite " + option + " file status").status, 0);
+            EXPECT_NE(ReadFile("file"), content);
+        }
+    }
+    WriteFile("empty", "");
+    for (const std::string name : {"empty", "pc.json", "log"}) {
+        EXPECT_EQ(Kestova("--pc factory-mbr --save " + name + " status").status, 0) << name;
+        EXPECT_EQ(Kestova("--pc factory-mbr --log " + name + " status").status, 0) << name;
     }
 }
 

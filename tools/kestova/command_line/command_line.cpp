@@ -44,6 +44,7 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
              {"--fail", "NAME[#N][+]=CODE",
               "Let a platform call fail: every one, the Nth, or the Nth and all later ones", &choice.faults},
              {"--save", "FILE", "Write the PC afterwards, as a description", &choice.save, "--dry-run"},
+             {"--overwrite", "", "Let --log and --save replace a file of any kind", &line.overwrite},
              {"!--no-initialize", "", "Do not call Initialize first", &line.initialize},
              {"--help,-h", "", "Show this", &line.help},
              {"--version", "", "Show the version", &line.version},

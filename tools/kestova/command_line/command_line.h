@@ -13,6 +13,7 @@ struct CommandLine {
     std::vector<std::string> arguments;  // of the command
     std::vector<std::string> options;    // that were given, by name
     std::string log;                     // file, or "-"
+    bool overwrite = false;              // a log or a description may replace any file
     bool json = false;
     bool initialize = true;
     bool help = false;

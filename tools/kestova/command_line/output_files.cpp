@@ -31,6 +31,20 @@ void CheckSaveTarget(const OutputFile& save) {
     if (save.Folder().empty()) Refuse("--save", save, " cannot be written: its folder is missing");
 }
 
+// A level and a tab begin each line.
+bool IsLog(const std::string& text) {
+    const size_t level = text.find_first_not_of("0123456789");
+    return level != 0 && level != std::string::npos && text[level] == '\t';
+}
+
+// A name that is mistyped must not cost a file of another kind.
+void CheckReplaces(const std::string& option, const OutputFile& output) {
+    const std::optional<std::string> text = output.Beginning(largestDescription + 1);
+    if (!text || text->empty() || IsLog(*text)) return;
+    if (text->size() > largestDescription || !IsDescription(*text))
+        Refuse(option, output, " is neither empty nor a description nor a log; --overwrite replaces it");
+}
+
 }  // namespace
 
 OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script) {
@@ -49,5 +63,7 @@ OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, c
     if (files.log && files.save && files.log->Is(*files.save))
         Refuse("--log", *files.log, " is the file that --save writes");
     if (files.save) CheckSaveTarget(*files.save);
+    if (files.save && !line.overwrite) CheckReplaces("--save", *files.save);
+    if (files.log && !line.overwrite) CheckReplaces("--log", *files.log);
     return files;
 }

@@ -124,6 +124,18 @@ bool OutputFile::CanBeReplaced() const {
     return !place_->found || S_ISREG(place_->found->st_mode);
 }
 
+std::optional<std::string> OutputFile::Beginning(size_t most) const {
+    if (!CanBeReplaced() || !place_->found || IsTrap(place_->folder, *place_->found)) return std::nullopt;
+    const Descriptor opened(openat(place_->folder.Number(), place_->name.c_str(),
+                                   O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!opened) return std::nullopt;
+    std::ifstream stream(PathOf(opened), std::ios::binary);
+    std::string text(most, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(most));
+    text.resize(static_cast<size_t>(stream.gcount()));
+    return text;
+}
+
 std::ofstream OutputFile::Stream() {
     const auto refused = [&](const char* why) { return WrongUse(option_ + ": " + path_ + why); };
     constexpr const char* noStream = " is neither a regular file nor a terminal nor /dev/null";

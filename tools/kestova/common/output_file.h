@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 
 class OutputFile {
@@ -25,6 +26,9 @@ class OutputFile {
     bool Is(const OutputFile& other) const;
     // A regular file or a new one.
     bool CanBeReplaced() const;
+    // What it holds, up to that many bytes; nothing unless it is a regular file that can be read and may be
+    // written.
+    std::optional<std::string> Beginning(size_t most) const;
 
     // Empties the file, or makes it. Throws WrongUse if it cannot be written, is neither a regular file nor a
     // terminal nor a device that takes or refuses everything (/dev/null, /dev/full), or is not the file that

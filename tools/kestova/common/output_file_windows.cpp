@@ -63,6 +63,16 @@ bool OutputFile::CanBeReplaced() const {
     return !fs::exists(path_, missing) || fs::is_regular_file(path_, missing);
 }
 
+std::optional<std::string> OutputFile::Beginning(size_t most) const {
+    std::error_code missing;
+    std::ifstream stream(fs::path(path_), std::ios::binary);
+    if (!fs::is_regular_file(path_, missing) || !stream) return std::nullopt;
+    std::string text(most, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(most));
+    text.resize(static_cast<size_t>(stream.gcount()));
+    return text;
+}
+
 std::ofstream OutputFile::Stream() {
     std::ofstream stream(fs::path(path_), std::ios::binary);
     if (!stream) throw WrongUse(option_ + ": " + path_ + " cannot be written");

@@ -36,6 +36,12 @@ struct PcChoice {
 
 enum class Access { Ask, Change };
 
+// A description is small; a larger file is some other file.
+inline constexpr size_t largestDescription = size_t{16} << 20;
+
+// Whether the text describes a PC.
+bool IsDescription(const std::string& text);
+
 // The files that a PC is read from.
 struct InputFiles {
     std::string description;  // empty without one

@@ -47,19 +47,17 @@ const NamedMachine* FindMachine(std::string_view name) {
     throw WrongUse("--pc: " + UnknownWord("machine or file", nameOrFile, names));
 }
 
-// A description is small; a larger file is some other file.
 std::string ReadDescriptionText(const std::string& name) {
-    constexpr size_t most = size_t{16} << 20;
     std::error_code error;
     if (!fs::exists(name, error)) RefuseMissing(name);
     std::ifstream file = OpenInput(name);
-    std::string text(most + 1, '\0');
+    std::string text(largestDescription + 1, '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
     if (fs::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
         throw UnreadablePc(name + ": cannot be read");
     }
     text.resize(static_cast<size_t>(file.gcount()));
-    if (text.size() > most) {
+    if (text.size() > largestDescription) {
         throw UnreadablePc(name + ": larger than 16 MiB, so no description; name a disk image with --image");
     }
     if (text.empty()) throw UnreadablePc(name + ": the description is empty");
@@ -237,6 +235,15 @@ void EmulatedOne::Save(OutputFile& file) const {
 }
 
 }  // namespace
+
+bool IsDescription(const std::string& text) {
+    try {
+        machine::ReadDescription(text, "");
+        return true;
+    } catch (const machine::DescriptionError&) {
+        return false;
+    }
+}
 
 std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access) {
     return std::make_unique<EmulatedOne>(choice, access);
