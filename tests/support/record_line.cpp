@@ -59,16 +59,6 @@ bool IsPartOfName(char unit) {
     return std::isalnum(static_cast<unsigned char>(unit)) || unit == '_';
 }
 
-// The word itself, not as a part of a longer one.
-bool HasWord(const std::string& message, const std::string& word) {
-    for (size_t at = message.find(word); at != std::string::npos; at = message.find(word, at + 1)) {
-        const size_t end = at + word.size();
-        const bool begins = at == 0 || !IsPartOfName(message[at - 1]);
-        if (begins && (end == message.size() || !IsPartOfName(message[end]))) return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 std::string LineOf(const LogEntry& record) {
@@ -98,6 +88,15 @@ std::string ValuesOf(const LogEntry& record) {
         behindText = !isValue;
     }
     return values;
+}
+
+bool HasWord(const std::string& text, const std::string& word) {
+    for (size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) {
+        const size_t end = at + word.size();
+        const bool begins = at == 0 || !IsPartOfName(text[at - 1]);
+        if (begins && (end == text.size() || !IsPartOfName(text[end]))) return true;
+    }
+    return false;
 }
 
 bool SaysStart(const LogEntry& record) {

@@ -16,6 +16,9 @@ std::string FunctionOf(const LogEntry& record);
 // a label is a value too: {text D:\Boot}.
 std::string ValuesOf(const LogEntry& record);
 
+// Whether the text has the word itself, not as a part of a longer one.
+bool HasWord(const std::string& text, const std::string& word);
+
 // The message says that its function starts, or ends.
 bool SaysStart(const LogEntry& record);
 bool SaysEnd(const LogEntry& record);

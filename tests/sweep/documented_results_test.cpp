@@ -55,11 +55,27 @@ TEST(FaultSeries, CallsOfThePreparation_AreCountedAndNotDisturbed) {
     }
 }
 
+TEST(FaultSeries, CodeThatAnswers_IsAnotherValueAndNoFailure) {
+    const std::string call = "CoInitializeSecurity";
+    const auto all = sweep::AllDisturbances({{}, {call}});
+    EXPECT_EQ(CountWay(all, Way::Fails), sweep::ResultsOf(call).failures.size());
+    EXPECT_EQ(CountWay(all, Way::OtherValue), 2U);
+}
+
+TEST(FaultSeries, RollBackAfterAnEffect_IsAWayOfItsOwn) {
+    const Disturbance first{"ReadFile", Way::FailsAfterEffect, {{.call = "ReadFile", .nth = 1, .code = 5}}};
+    const std::vector<std::string> calls = {"ReadFile", "CreateFileW"};
+    const auto pairs = sweep::FaultsOfRollBack(first, {{}, calls}, 0);
+    ASSERT_EQ(pairs.size(), 1U);
+    EXPECT_EQ(pairs[0].way, Way::TwoFailAfterEffect);
+}
+
 TEST(FaultSeries, RollBack_FailsEachLaterCallToo) {
     const Disturbance first{"ReadFile", Way::Fails, {{.call = "ReadFile", .nth = 1, .code = 5}}};
     const std::vector<std::string> calls = {"CreateFileW", "ReadFile", "CreateFileW", "GetDriveTypeW"};
     const auto pairs = sweep::FaultsOfRollBack(first, {{}, calls}, 1);
     ASSERT_EQ(pairs.size(), 1U);
+    EXPECT_EQ(pairs[0].way, Way::TwoFail);
     EXPECT_EQ(pairs[0].rules.size(), 2U);
     EXPECT_EQ(pairs[0].rules[1].call, "CreateFileW");
     EXPECT_EQ(pairs[0].rules[1].nth, 2U);

@@ -44,11 +44,12 @@ class ExpectedTables : public testing::Test {
 };
 
 const Row leak = {"rule", "SetActive", "CloseHandle", "fails", "file handle"};
+constexpr const char* explainedLeak = "Why.\n\trule\tSetActive\tfile handle\n\t\tCloseHandle\tfails\n";
 
 }  // namespace
 
 TEST_F(ExpectedTables, RowThatIsFound_MakesNoDifference) {
-    Write("# head\nrule\tSetActive\tCloseHandle\tfails\tfile handle\tWhy.\n");
+    Write(std::string("# head\n") + explainedLeak);
     EXPECT_THAT(Compare({leak}), IsEmpty());
 }
 
@@ -58,13 +59,13 @@ TEST_F(ExpectedTables, RowThatNoTableHas_IsADifference) {
 }
 
 TEST_F(ExpectedTables, RowThatDoesNotOccur_IsADifferenceInAWholeSweep) {
-    Write("rule\tSetActive\tCloseHandle\tfails\tfile handle\tWhy.\n");
-    EXPECT_THAT(Compare({}, true), ElementsAre(HasSubstr("does not occur any more")));
+    Write(explainedLeak);
+    EXPECT_THAT(Compare({}, true), ElementsAre(HasSubstr("breaches.tsv:3: does not occur any more")));
     EXPECT_THAT(Compare({}, false), IsEmpty());
 }
 
 TEST_F(ExpectedTables, Alternatives_MustEachOccur) {
-    Write("rule\tSetActive|ClearActive\tCloseHandle\tfails\t*\tWhy.\n");
+    Write("Why.\n\trule\tSetActive|ClearActive\t*\n\t\tCloseHandle\tfails\n");
     EXPECT_THAT(Compare({leak}), ElementsAre(HasSubstr("one combination of its alternatives")));
     Row other = leak;
     other[1] = "ClearActive";
@@ -72,7 +73,7 @@ TEST_F(ExpectedTables, Alternatives_MustEachOccur) {
 }
 
 TEST_F(ExpectedTables, AlternativesOfTwoFields_MustOccurInEveryCombination) {
-    Write("rule\tSetActive|ClearActive\tCloseHandle|CreateFileW\tfails\t*\tWhy.\n");
+    Write("Why.\n\trule\tSetActive|ClearActive\t*\n\t\tCloseHandle|CreateFileW\tfails\n");
     std::vector<Row> found;
     for (const char* const operation : {"SetActive", "ClearActive"}) {
         for (const char* const call : {"CloseHandle", "CreateFileW"})
@@ -83,14 +84,66 @@ TEST_F(ExpectedTables, AlternativesOfTwoFields_MustOccurInEveryCombination) {
     EXPECT_THAT(Compare(found), ElementsAre(HasSubstr("one combination of its alternatives")));
 }
 
-TEST_F(ExpectedTables, BreachWithoutAReason_IsRefusedWithFileAndLine) {
-    Write("# head\nrule\tSetActive\tCloseHandle\tfails\tfile handle\t\n");
-    try {
-        const Expected expected(Folder());
-        ADD_FAILURE() << "accepted";
-    } catch (const std::runtime_error& refused) {
-        EXPECT_THAT(refused.what(), HasSubstr("breaches.tsv:2: no reason"));
+TEST_F(ExpectedTables, EverythingBelowAReason_MustOccurWithEverythingThatLeadsThere) {
+    Write(
+        "Why.\n"
+        "\trule\tSetActive\tfile handle\n"
+        "\trule\tClearActive\tregistry key\n"
+        "\t\tCloseHandle\tfails\n"
+        "\t\t*\tall calls fail\n"
+        "\tother rule\tSetActive\tletter\n"
+        "\t\tReadFile\tfails\n");
+    std::vector<Row> found = {{"other rule", "SetActive", "ReadFile", "fails", "letter"}};
+    for (const Row& way : {Row{"CloseHandle", "fails"}, Row{"*", "all calls fail"}}) {
+        found.push_back({"rule", "SetActive", way[0], way[1], "file handle"});
+        found.push_back({"rule", "ClearActive", way[0], way[1], "registry key"});
     }
+    EXPECT_THAT(Compare(found), IsEmpty());
+    for (size_t at = 0; at < found.size(); ++at) {
+        std::vector<Row> fewer = found;
+        fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(at));
+        EXPECT_EQ(Compare(fewer).size(), 1U) << at;
+    }
+    found.push_back({"rule", "SetActive", "ReadFile", "fails", "file handle"});
+    EXPECT_THAT(Compare(found), ElementsAre(HasSubstr("lacks: rule\tSetActive\tReadFile")))
+        << "what leads to the group behind it";
+}
+
+TEST_F(ExpectedTables, OutlineThatSkipsALevel_IsRefusedWithFileAndLine) {
+    const struct {
+        const char* outline;
+        const char* why;
+    } cases[] = {
+        {"# head\n\trule\tSetActive\tletter\n\t\tReadFile\tfails\n", "breaches.tsv:2: no reason"},
+        {"Why.\n\t\tReadFile\tfails\n", "breaches.tsv:2: nothing is broken"},
+        {"Why.\n\trule\tSetActive\tletter\nWhy not.\n", "breaches.tsv:3: nothing leads to what is above"},
+        {"Why.\n\trule\tSetActive\tletter\n", "breaches.tsv:2: nothing leads there"},
+        {"Why.\n\trule\tSetActive\n", "breaches.tsv:2: 3 fields"},
+        {"Why.\n\n", "breaches.tsv:2: 1 fields"},
+        {"Why.\n\t\t\tReadFile\n", "breaches.tsv:2: 4 fields"},
+    };
+    for (const auto& [outline, why] : cases) {
+        Write(outline);
+        try {
+            const Expected expected(Folder());
+            ADD_FAILURE() << "accepted: " << outline;
+        } catch (const std::runtime_error& refused) {
+            EXPECT_THAT(refused.what(), HasSubstr(why));
+        }
+    }
+}
+
+TEST_F(ExpectedTables, RecordedBreachWithoutAReason_HasItsExampleBehindWhatIsExplained) {
+    const std::string explained = std::string("# head\n") + explainedLeak;
+    Write(explained);
+    Tally tally;
+    tally.Add({Table::Breaches, leak}, "known");
+    tally.Add({Table::Breaches, {"rule", "SetActive", "ReadFile", "fails", "letter"}}, "example");
+    Expected(Folder()).Record(tally);
+    std::stringstream text;
+    text << std::ifstream(Folder() / "breaches.tsv").rdbuf();
+    EXPECT_EQ(text.str(), explained + "? example\n\trule\tSetActive\tletter\n\t\tReadFile\tfails\n");
+    EXPECT_THAT(Expected(Folder()).Compare(tally, true), IsEmpty());
 }
 
 TEST(Tally, WrittenAndRead_IsTheSame) {

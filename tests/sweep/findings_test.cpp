@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/utf.h"
 #include "machine/facts/machines.h"
 #include "tests/sweep/engine/findings.h"
 
@@ -24,17 +25,22 @@ struct Case {
           undisturbed(sweep::Run(before, task, {})),
           returned(undisturbed.afterReturn) {}
 
-    // The rules that a run with that outcome breaks.
-    std::vector<std::string> Broken(const Outcome& outcome, const Disturbance& disturbance) const {
-        std::vector<std::string> rules;
+    // What is found in a run with that outcome.
+    std::vector<sweep::Row> Rows(const Outcome& outcome, Table table,
+                                 const Disturbance& disturbance = {"CreateFileW", Way::Fails}) const {
+        std::vector<sweep::Row> rows;
         for (const sweep::Finding& finding :
-             sweep::Check(task, {before, undisturbed, returned}, disturbance, outcome)) {
-            if (finding.table == Table::Breaches) rules.push_back(finding.row[0]);
+             sweep::Check(task, {before, undisturbed, returned, 0}, disturbance, outcome)) {
+            if (finding.table == table) rows.push_back(finding.row);
         }
-        return rules;
+        return rows;
     }
+    // The rules that it breaks.
     std::vector<std::string> Broken(const Outcome& outcome) const {
-        return Broken(outcome, {"CreateFileW", Way::Fails});
+        std::vector<std::string> rules;
+        for (const sweep::Row& row : Rows(outcome, Table::Breaches))
+            rules.push_back(row[0]);
+        return rules;
     }
 
     const Operation& operation;
@@ -43,6 +49,10 @@ struct Case {
     Outcome undisturbed;
     machine::Pc returned;
 };
+
+LogEntry RecordOf(const char* text) {
+    return {LOG_LEVEL_TRACE, {{LogItemKind::Text, ToWide(text)}}};
+}
 
 }  // namespace
 
@@ -76,6 +86,16 @@ TEST(Findings, LeakOrDoubleRelease_IsABreach) {
     EXPECT_THAT(tested.Broken(outcome), Contains("everything is released once"));
 }
 
+TEST(Findings, UndisturbedRunWithAnotherNumberOfStrings_IsABreach) {
+    const Case tested("SetRcvprtActive");
+    const sweep::Row breach = {"nothing stays on loan", "SetRcvprtActive", "-", "undisturbed",
+                               "some strings of a disk"};
+    Outcome outcome = tested.undisturbed;
+    EXPECT_THAT(tested.Rows(outcome, Table::Breaches, {}), Not(Contains(breach)));
+    --outcome.outstanding.at("VDS_DISK_PROP string");
+    EXPECT_THAT(tested.Rows(outcome, Table::Breaches, {}), Contains(breach));
+}
+
 TEST(Findings, SuccessWithoutTheFlag_IsABreach) {
     const Case tested("SetRcvprtActive");
     Outcome outcome = tested.undisturbed;
@@ -88,6 +108,15 @@ TEST(Findings, ChangeOfAnotherDisk_IsABreach) {
     const Case tested("ClearActive", pc);
     Outcome outcome = tested.undisturbed;
     outcome.after.disks[1].partitions.clear();
+    EXPECT_THAT(tested.Broken(outcome), Contains("one operation changes one disk"));
+}
+
+TEST(Findings, ChangeOfAnotherDiskWhereNothingShouldChange_IsABreach) {
+    machine::Pc pc = machine::WinPeTwoDisks();
+    const Case tested("SetRcvprtActive", pc);
+    ASSERT_EQ(tested.undisturbed.after, pc) << "partition 1 is active already";
+    Outcome outcome = tested.undisturbed;
+    outcome.after.disks[1].partitions[0].bootIndicator = 1;
     EXPECT_THAT(tested.Broken(outcome), Contains("one operation changes one disk"));
 }
 
@@ -110,6 +139,40 @@ TEST(Findings, WrongAnswerOrChangeOfAQuestion_IsABreach) {
     EXPECT_THAT(tested.Broken(outcome), Contains("a question changes nothing"));
     outcome.outputs = {{"style", 0}};
     EXPECT_THAT(tested.Broken(outcome), Not(Contains("an answer is true"))) << "unknown is allowed";
+}
+
+TEST(Findings, NumberOfAnotherDisk_IsABreachAlsoIfItIs0) {
+    const Case tested("GetFirstInternalDriveNumber");
+    Case other = tested;
+    other.undisturbed.result = 1;
+    EXPECT_THAT(other.Broken(tested.undisturbed), Contains("an answer is true"));
+    Outcome outcome = tested.undisturbed;
+    outcome.result = -1;
+    EXPECT_THAT(other.Broken(outcome), Not(Contains("an answer is true"))) << "none is allowed";
+}
+
+TEST(Findings, MessageThatIsFormattedFirst_IsKeptWithTheNamesOfItsValues) {
+    const Case tested("GetBitLockerSystemInfo", machine::FactoryGpt());
+    EXPECT_EQ(tested.Rows(tested.undisturbed, Table::ClosingRecords),
+              std::vector<sweep::Row>({{"GetBitLockerSystemInfo", "0",
+                                        "4 {string Kestova::GetBitLockerSystemInfo DiskNumber: {the disk}  "
+                                        "PartitionNumber: {the partition}  cDriveLetter: {the letter}}"}}));
+    Outcome outcome = tested.undisturbed;
+    outcome.outputs = {{"disk", 0}, {"partition", 2}, {"letter", "0"}};
+    EXPECT_EQ(tested.Rows(outcome, Table::ClosingRecords)[0][2],
+              "4 {string Kestova::GetBitLockerSystemInfo DiskNumber: {the disk}  "
+              "PartitionNumber: {}  cDriveLetter: {the letter}}");
+}
+
+TEST(Findings, RecordThatHasTheNameWithinALongerWord_DoesNotNameTheCall) {
+    const Case tested("GetDiskStyle");
+    Outcome outcome = tested.undisturbed;
+    const auto isUnnamed = [&](const char* text) {
+        outcome.site = sweep::Site{.call = "IWbemClassObject::Get", .after = {RecordOf(text)}};
+        return !tested.Rows(outcome, Table::UnnamedCalls).empty();
+    };
+    EXPECT_TRUE(isUnnamed("Kestova CDiskDrive::GetDiskDrive End"));
+    EXPECT_FALSE(isUnnamed("Kestova CDiskDrive::Enum_DiskDrive Get failed. hResult = "));
 }
 
 TEST(Findings, FailedSwitchWithoutAWayBack_IsABreach) {

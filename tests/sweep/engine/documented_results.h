@@ -14,6 +14,7 @@ struct DocumentedResults {
     std::vector<uint32_t> failures;
     std::vector<uint32_t> successes = {};       // other than S_OK, with outputs
     std::vector<uint32_t> emptySuccesses = {};  // other than S_OK and S_FALSE, without outputs
+    std::vector<uint32_t> answers = {};         // codes of failures by which the call answers
 };
 
 const std::vector<DocumentedResults>& AllDocumentedResults();

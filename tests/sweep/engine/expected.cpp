@@ -15,22 +15,16 @@ namespace {
 
 constexpr const char* anyText = "*";
 
-struct Layout {
-    const char* file;
-    size_t fields;
-    bool hasReason;
-};
-
-Layout LayoutOf(Table table) {
+const char* NameOf(Table table) {
     switch (table) {
         case Table::Breaches:
-            return {"breaches.tsv", 5, true};
+            return "breaches.tsv";
         case Table::ClosingRecords:
-            return {"closing_records.tsv", 3, false};
+            return "closing_records.tsv";
         case Table::UnnamedCalls:
-            return {"unnamed_calls.tsv", 3, false};
+            return "unnamed_calls.tsv";
     }
-    return {};
+    return "";
 }
 
 // The position of the text among the alternatives of a field; none if it is not among them.
@@ -74,37 +68,30 @@ class Seen {
     std::set<std::vector<size_t>> seen_;  // of each, the position of the alternative in every field
 };
 
-ExpectedRow ReadRow(const std::string& line, const Layout& layout, const std::string& place) {
-    ExpectedRow row{Split(line), ""};
-    if (row.fields.size() != layout.fields + (layout.hasReason ? 1 : 0))
-        throw std::runtime_error(place + ": " + std::to_string(row.fields.size()) + " fields");
-    if (layout.hasReason) {
-        row.reason = row.fields.back();
-        row.fields.pop_back();
-        if (row.reason.empty()) throw std::runtime_error(place + ": no reason");
-    }
-    return row;
+// A breach as the outline has it, with its example in place of a reason.
+std::string Outlined(const Row& breach, const Found& found) {
+    return "? " + found.example + "\n\t" + Joined({breach[0], breach[1], breach[4]}) + "\n\t\t" +
+           Joined({breach[2], breach[3]}) + "\n";
 }
 
 }  // namespace
 
 Expected::Expected(const std::string& folder) {
     for (const Table table : allTables) {
-        const Layout layout = LayoutOf(table);
+        const bool isOutline = table == Table::Breaches;
         File& file = files_[table];
-        file.path = folder + "/" + layout.file;
+        file.path = folder + "/" + NameOf(table);
         std::ifstream in(file.path);
         if (!in) throw std::runtime_error(file.path + ": cannot be read");
+        std::vector<TableLine> lines;
         size_t number = 0;
-        for (std::string line; std::getline(in, line);) {
+        for (std::string text; std::getline(in, text);) {
             ++number;
-            if (line.starts_with('#')) {
-                file.head += line + "\n";
-                continue;
-            }
-            file.rows.push_back(ReadRow(line, layout, file.path + ":" + std::to_string(number)));
-            file.rows.back().line = number;
+            const bool isComment = text.starts_with('#');
+            if (isComment || isOutline) file.kept += text + "\n";
+            if (!isComment) lines.push_back({text, number});
         }
+        file.rows = isOutline ? ReadOutline(file.path, lines) : ReadRows(file.path, lines);
     }
 }
 
@@ -134,22 +121,18 @@ std::vector<std::string> Expected::Compare(const Tally& tally, bool whole) const
 
 void Expected::Record(const Tally& tally) const {
     for (const auto& [table, file] : files_) {
-        std::set<std::string> lines;
-        for (const auto& [row, found] : tally.Rows(table)) {
-            std::string line = Joined(row);
-            if (LayoutOf(table).hasReason) line += "\t? " + found.example;
-            for (const ExpectedRow& expected : file.rows) {
-                if (!Seen().Add(expected.fields, row)) continue;
-                line = Joined(expected.fields);
-                if (!expected.reason.empty()) line += "\t" + expected.reason;
-                break;
-            }
-            lines.insert(line);
-        }
         std::ofstream out(file.path);
-        out << file.head;
-        for (const std::string& line : lines)
-            out << line << '\n';
+        out << file.kept;
+        for (const auto& [row, found] : tally.Rows(table)) {
+            const bool known = std::ranges::any_of(file.rows, [&row = row](const ExpectedRow& expected) {
+                return Seen().Add(expected.fields, row);
+            });
+            if (table != Table::Breaches) {
+                out << Joined(row) << '\n';
+            } else if (!known) {
+                out << Outlined(row, found);
+            }
+        }
     }
 }
 

@@ -5,15 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "tests/sweep/engine/expected_rows.h"
 #include "tests/sweep/engine/tally.h"
 
 namespace sweep {
-
-struct ExpectedRow {
-    Row fields;          // "*" is for every text, "a|b" for a and b
-    std::string reason;  // why a breach is prescribed
-    size_t line = 0;
-};
 
 class Expected {
   public:
@@ -24,14 +19,14 @@ class Expected {
     // found.
     std::vector<std::string> Compare(const Tally& tally, bool whole) const;
 
-    // Writes what was found as the tables, with the reasons that there are. Rows that are not found any more
-    // go.
+    // Writes what was found as the tables; rows that are not found any more go. The outline of breaches keeps
+    // all that it has, and gets those that it lacks, with an example in place of a reason.
     void Record(const Tally& tally) const;
 
   private:
     struct File {
         std::string path;
-        std::string head;  // the comments at its beginning
+        std::string kept;  // by Record: the comments at its beginning, and the outline
         std::vector<ExpectedRow> rows;
     };
     std::map<Table, File> files_;

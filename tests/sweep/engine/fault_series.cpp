@@ -33,6 +33,15 @@ void AddFailures(const machine::CallInfo& info, uint32_t nth, std::vector<Distur
     }
 }
 
+void AddAnswers(const std::string& call, uint32_t nth, std::vector<Disturbance>& all) {
+    for (const uint32_t code : ResultsOf(call).answers) {
+        for (const bool onwards : {false, true}) {
+            all.push_back(
+                {call, Way::OtherValue, {{.call = call, .nth = nth, .onwards = onwards, .code = code}}});
+        }
+    }
+}
+
 void AddSuccesses(const machine::CallInfo& info, uint32_t nth, std::vector<Disturbance>& all) {
     const std::string call(info.name);
     const bool isResult = info.failsWith == FailsWith::Hresult;
@@ -81,6 +90,8 @@ const char* NameOf(Way way) {
             return "fails, and a second call";
         case Way::FailsAfterEffect:
             return "fails after its effect";
+        case Way::TwoFailAfterEffect:
+            return "fails after its effect, and a second call";
         case Way::OtherSuccess:
             return "another success with outputs";
         case Way::EmptySuccess:
@@ -110,6 +121,7 @@ std::vector<Disturbance> AllDisturbances(const CallNames& calls) {
         const machine::CallInfo* const info = machine::FindCall(call);
         if (info == nullptr) continue;  // a call that cannot be disturbed
         AddFailures(*info, nth, all);
+        AddAnswers(call, nth, all);
         AddSuccesses(*info, nth, all);
         if (info->failsWith == FailsWith::Value) continue;
         for (const uint32_t code : codesOfAllCalls) {
@@ -123,6 +135,7 @@ std::vector<Disturbance> AllDisturbances(const CallNames& calls) {
 
 std::vector<Disturbance> FaultsOfRollBack(const Disturbance& disturbance, const CallNames& calls,
                                           size_t first) {
+    const Way way = disturbance.way == Way::Fails ? Way::TwoFail : Way::TwoFailAfterEffect;
     std::vector<Disturbance> all;
     std::map<std::string, uint32_t> counts = CountsOf(calls.preparation);
     for (size_t position = 0; position < calls.operation.size(); ++position) {
@@ -130,7 +143,7 @@ std::vector<Disturbance> FaultsOfRollBack(const Disturbance& disturbance, const 
         const uint32_t nth = ++counts[call];
         const machine::CallInfo* const info = machine::FindCall(call);
         if (position <= first || info == nullptr || info->failsWith == FailsWith::Value) continue;
-        Disturbance both{disturbance.call, Way::TwoFail, disturbance.rules};
+        Disturbance both{disturbance.call, way, disturbance.rules};
         both.rules.push_back({.call = call, .nth = nth, .code = ResultsOf(call).failures.front()});
         all.push_back(std::move(both));
     }

@@ -11,16 +11,17 @@
 namespace sweep {
 
 enum class Way {
-    None,              // undisturbed
-    Fails,             // with a documented code, without an effect
-    FailsOnwards,      // and every later call of that name
-    AllCallsFail,      // that call and every later one of any name
-    TwoFail,           // that call, and another while the operation rolls back
-    FailsAfterEffect,  // the call does its work and reports a failure
-    OtherSuccess,      // the call does its work and returns another success code
-    EmptySuccess,      // S_FALSE, or another success code, without outputs
-    SuccessNothing,    // S_OK without an effect and without outputs
-    OtherValue,        // of a call that cannot fail
+    None,                // undisturbed
+    Fails,               // with a documented code, without an effect
+    FailsOnwards,        // and every later call of that name
+    AllCallsFail,        // that call and every later one of any name
+    TwoFail,             // that call, and another while the operation rolls back
+    FailsAfterEffect,    // the call does its work and reports a failure
+    TwoFailAfterEffect,  // and another call while the operation rolls back
+    OtherSuccess,        // the call does its work and returns another success code
+    EmptySuccess,        // S_FALSE, or another success code, without outputs
+    SuccessNothing,      // S_OK without an effect and without outputs
+    OtherValue,          // of a call that cannot fail, or that answers by a code of failure
 };
 
 // As the tables name it.

@@ -1,6 +1,7 @@
 #include "tests/sweep/engine/findings.h"
 
 #include <algorithm>
+#include <regex>
 
 #include "base/utf.h"
 #include "tests/support/record_line.h"
@@ -28,17 +29,20 @@ std::string ToText(const Value& value) {
     return std::visit(Words(), value);
 }
 
-bool IsNone(const Value& value) {
-    static const std::vector<Value> nones = {0, -1, std::string(), std::string("0"),
-                                             std::vector<DriveRecord>()};
-    return std::find(nones.begin(), nones.end(), value) != nones.end();
+// A value that the operation lists, such as 0 for "no" or "unknown", unless 0 is the number of a disk.
+bool IsNone(const std::vector<Meaning>& meanings, const Value& value) {
+    static const std::vector<Value> nones = {0, -1, std::string(), std::string("0")};
+    return FindMeaning(meanings, value) != nullptr && std::ranges::count(nones, value) != 0;
 }
 
 // "No", "none" or "unknown": with outputs, those say it.
-bool SaysNone(const Outcome& outcome) {
-    if (outcome.outputs.empty()) return IsNone(outcome.result);
-    return std::all_of(outcome.outputs.begin(), outcome.outputs.end(),
-                       [](const auto& output) { return IsNone(output.second); });
+bool SaysNone(const Operation& operation, const Outcome& outcome) {
+    if (outcome.outputs.empty()) return IsNone(operation.results, outcome.result);
+    return std::ranges::all_of(operation.parameters, [&](const Parameter& parameter) {
+        if (!parameter.output) return true;
+        const Value& value = ValueOf(outcome.outputs, parameter.name);
+        return IsNone(parameter.meanings, value) || value == Value(std::vector<DriveRecord>());
+    });
 }
 
 std::string Joined(const std::set<std::string>& words) {
@@ -88,11 +92,15 @@ void Checks::ListedResult() {
     if (!IsListed(Done(), outcome_.result)) Breach("the result is listed", ToText(outcome_.result));
 }
 
-// Whether that text of a record is a value: a path behind a label, or on its own.
+// A value without a label before it: a message that was formatted first, or a path.
+bool IsUnlabelled(const std::vector<LogItem>& items, size_t at) {
+    return at == 0 && (items[at].kind == LogItemKind::String ||
+                       ToUtf8(items[at].text).find("Kestova") == std::string::npos);
+}
+
+// Whether an item of a record is a value, as a path behind a label is.
 bool IsValue(const std::vector<LogItem>& items, size_t at) {
-    const bool behindText = at > 0 && items[at - 1].kind == LogItemKind::Text;
-    const bool alone = at == 0 && ToUtf8(items[at].text).find("Kestova") == std::string::npos;
-    return behindText || alone;
+    return items[at].kind != LogItemKind::Text || (at > 0 && items[at - 1].kind == LogItemKind::Text);
 }
 
 // The empty text that ends some records.
@@ -108,6 +116,23 @@ std::string NameOfValue(const std::string& value, const Outcome& outcome) {
     return value == ToText(outcome.result) ? "the result" : "";
 }
 
+// A message with its values, which are numbers and letters, in braces, each with the name of the output that
+// it repeats. A message has them in the order of the outputs.
+std::string WithoutValues(const std::string& message, const Outcome& outcome) {
+    static const std::regex value("-?\\b([0-9]+|[A-Z])\\b");
+    std::string text;
+    auto output = outcome.outputs.begin();
+    auto rest = message.begin();
+    for (std::sregex_iterator at(message.begin(), message.end(), value), end; at != end; ++at) {
+        text.append(rest, message.begin() + at->position());
+        rest = message.begin() + at->position() + at->length();
+        const bool repeats = output != outcome.outputs.end() && at->str() == ToText(output->second);
+        text += repeats ? "{the " + output->first + "}" : "{}";
+        if (output != outcome.outputs.end()) ++output;
+    }
+    return text.append(rest, message.end());
+}
+
 // The text of a record. A value is its kind, and the name of what it repeats.
 std::string Template(const LogEntry& record, const Outcome& outcome) {
     LogEntry general = record;
@@ -115,9 +140,11 @@ std::string Template(const LogEntry& record, const Outcome& outcome) {
         general.items.pop_back();
     for (size_t at = 0; at < general.items.size(); ++at) {
         LogItem& item = general.items[at];
-        if (item.kind == LogItemKind::Text && !IsValue(record.items, at)) continue;
+        const bool isUnlabelled = IsUnlabelled(record.items, at);
+        if (!isUnlabelled && !IsValue(record.items, at)) continue;
         if (item.kind == LogItemKind::Text) item.kind = LogItemKind::String;
-        item.text = ToWide(NameOfValue(ToUtf8(item.text), outcome));
+        const std::string text = ToUtf8(item.text);
+        item.text = ToWide(isUnlabelled ? WithoutValues(text, outcome) : NameOfValue(text, outcome));
     }
     std::string line = LineOf(general);
     line.pop_back();
@@ -149,7 +176,7 @@ void Checks::NamedCall() {
     if (site.call == asksForFile) return;
     const std::string name = ShortName(site.call);
     const bool named = std::any_of(site.after.begin(), site.after.end(), [&](const LogEntry& record) {
-        return ToUtf8(record.Text()).find(name) != std::string::npos;
+        return HasWord(ToUtf8(record.Text()), name);
     });
     if (named) return;
     const Outcome nothing;
@@ -158,23 +185,28 @@ void Checks::NamedCall() {
                           site.after.empty() ? "-" : Template(site.after.front(), nothing)}});
 }
 
+// What the ledger calls the strings of a disk's record, and how many each has.
+constexpr const char* diskString = "VDS_DISK_PROP string";
+constexpr int stringsOfDisk = 5;
+
 void Checks::Ledger() {
     const bool isReference = disturbance_.way == Way::None;
     for (const auto& [kind, count] : outcome_.outstanding) {
         const auto kept = reference_.undisturbed.outstanding.find(kind);
         const int usual = kept == reference_.undisturbed.outstanding.end() ? 0 : kept->second;
         if (isReference || count > usual) Breach("nothing stays on loan", kind);
+        const bool isWhole = kind != diskString || count == outcome_.disksRead * stringsOfDisk;
+        if (isReference && !isWhole) Breach("nothing stays on loan", "some strings of a disk");
     }
     for (const std::string& violation : outcome_.violations)
         Breach("everything is released once", violation);
 }
 
 void Checks::OneDisk() {
-    const std::set<uint32_t> usual = DifferentDisks(reference_.before, reference_.undisturbed.after);
     const std::set<uint32_t> changed = DifferentDisks(reference_.before, outcome_.after);
     if (changed.size() > 1) Breach("one operation changes one disk", "several");
-    const bool another = std::any_of(changed.begin(), changed.end(),
-                                     [&](uint32_t disk) { return !usual.empty() && !usual.contains(disk); });
+    const bool another = std::ranges::any_of(
+        changed, [&](uint32_t disk) { return reference_.internalDisk != Value(static_cast<int>(disk)); });
     if (another) Breach("one operation changes one disk", "another disk");
     const bool boots = !ActiveFlags(reference_.before).empty() && ActiveFlags(outcome_.after).empty();
     if (boots && Done().name != "ClearActive") Breach("a partition stays active", "-");
@@ -186,7 +218,7 @@ void Checks::Success() {
     if (Done().changesPc) {
         const bool succeeded = !Fails() && !Done().results.empty() &&
                                outcome_.result == reference_.undisturbed.result &&
-                               (outcome_.outputs.empty() || !SaysNone(outcome_));
+                               (outcome_.outputs.empty() || !SaysNone(Done(), outcome_));
         const std::set<std::string> differences = Differences(outcome_.after, done);
         if (succeeded && !differences.empty()) Breach("success leaves the PC as done", Joined(differences));
         return;
@@ -200,7 +232,7 @@ void Checks::Success() {
 void Checks::Answer() {
     const Outcome& undisturbed = reference_.undisturbed;
     const bool same = outcome_.result == undisturbed.result && outcome_.outputs == undisturbed.outputs;
-    if (same || Fails() || SaysNone(outcome_) || Done().changesPc) return;
+    if (same || Fails() || SaysNone(Done(), outcome_) || Done().changesPc) return;
     std::set<std::string> untrue;
     if (outcome_.result != undisturbed.result) untrue.insert("result");
     for (const auto& [name, value] : outcome_.outputs) {

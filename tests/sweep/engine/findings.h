@@ -25,11 +25,12 @@ struct Finding {
     Row row;
 };
 
-// The undisturbed run of the same task on the same PC.
+// The same PC without disturbance.
 struct Reference {
     const machine::Pc& before;
-    const Outcome& undisturbed;
+    const Outcome& undisturbed;   // the run of the same task
     const machine::Pc& returned;  // what SetSystemActive alone makes of the PC
+    Value internalDisk;           // what GetFirstInternalDriveNumber returns
 };
 
 // Checks one run, the undisturbed one too.

@@ -63,6 +63,30 @@ Pc TwoDisks() {
     return pc;
 }
 
+// Windows PE was booted from a disc: Windows is active.
+Pc TwoDisksWindowsIdeIni() {
+    Pc pc = TwoDisksIdeIni();
+    PartitionOf(pc, 1).bootIndicator = 0;
+    PartitionOf(pc, 2).bootIndicator = 1;
+    return pc;
+}
+
+Pc TwoDisksWindows() {
+    Pc pc = TwoDisksWindowsIdeIni();
+    pc.host.files = {};
+    return pc;
+}
+
+// Windows RE of the maker on C:, on a disk whose partitions 1 and 3 hold data.
+Pc WindowsRe() {
+    Pc pc = machine::FactoryGpt();
+    PartitionOf(pc, 1).gptType = PARTITION_BASIC_DATA_GUID;
+    PartitionOf(pc, 3).gptType = PARTITION_BASIC_DATA_GUID;
+    PartitionOf(pc, 5).volume->files = {
+        {"bootmgr", "BOOTMGR"}, {"boot/bcd", "BCD"}, {"sources/boot.wim", "WIM"}, {"Orvo/", ""}};
+    return pc;
+}
+
 // A 32-bit recovery application in a Windows whose data volume is encrypted.
 Pc BitLocker() {
     Pc pc = machine::FactoryMbr();
@@ -93,6 +117,9 @@ const std::vector<NamedPc>& Machines() {
         {"factory-gpt", machine::FactoryGpt},
         {"two-disks-ide-ini", TwoDisksIdeIni},
         {"two-disks", TwoDisks},
+        {"two-disks-windows-ide-ini", TwoDisksWindowsIdeIni},
+        {"two-disks-windows", TwoDisksWindows},
+        {"windows-re", WindowsRe},
         {"bitlocker", BitLocker},
         {"media", machine::WinPeMedia},
         {"empty", machine::WindowsPePc},

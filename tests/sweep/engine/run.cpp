@@ -1,5 +1,6 @@
 #include "tests/sweep/engine/run.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "base/com_apartment.h"
@@ -38,6 +39,10 @@ std::vector<std::string> NamesOf(const machine::Journal& journal) {
     return names;
 }
 
+int CountDisksRead(const std::vector<std::string>& calls) {
+    return static_cast<int>(std::ranges::count(calls, "IVdsDisk::GetProperties"));
+}
+
 void Prepare(Kestova& object, const Task& task) {
     Values ignored;
     if (task.operation->name != "Initialize") object.Initialize(false);
@@ -70,6 +75,8 @@ Outcome Run(const machine::Pc& pc, const Task& task, const Disturbance& disturba
             outcome.afterReturn = emulated.facts;
         }
     }
+    if (disturbance.way == Way::None)
+        outcome.disksRead = CountDisksRead(outcome.preparation) + CountDisksRead(NamesOf(emulated.journal));
     outcome.outstanding = emulated.ledger.Outstanding();
     outcome.violations = emulated.ledger.Violations();
     return outcome;

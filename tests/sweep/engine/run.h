@@ -36,6 +36,7 @@ struct Outcome {
     machine::Pc afterReturn = {};
     // After the object and COM are gone.
     std::map<std::string, int> outstanding = {};
+    int disksRead = 0;  // with what comes before and after the operation; only if undisturbed
     std::vector<std::string> violations = {};
 };
 

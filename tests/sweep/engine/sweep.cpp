@@ -15,6 +15,11 @@ bool SetsFlags(const Outcome& outcome) {
     return std::find(outcome.calls.begin(), outcome.calls.end(), setsFlags) != outcome.calls.end();
 }
 
+// An operation that is called once, without arguments.
+Task TaskOf(const char* operation) {
+    return {operation, &FindOperation(operation), {}};
+}
+
 // One item with one behaviour of the active flag.
 class ItemSweep {
   public:
@@ -42,13 +47,15 @@ class ItemSweep {
     std::string words_;
     Outcome undisturbed_;
     machine::Pc returned_;
+    Value internalDisk_;
     bool flagsWereSet_ = false;
     std::set<std::string> firstOfPairs_;
 };
 
 void ItemSweep::Look(const Disturbance& disturbance, const Outcome& outcome, const std::string& words) {
     flagsWereSet_ = flagsWereSet_ || SetsFlags(outcome);
-    for (const Finding& finding : Check(task_, {before_, undisturbed_, returned_}, disturbance, outcome)) {
+    for (const Finding& finding :
+         Check(task_, {before_, undisturbed_, returned_, internalDisk_}, disturbance, outcome)) {
         tally_.Add(finding, words);
         if (finding.table == Table::Breaches) ++tally_.Of(task_).breaches;
     }
@@ -77,10 +84,10 @@ void ItemSweep::RunPairs(const Disturbance& disturbance, const Outcome& outcome)
 }
 
 void ItemSweep::RunAll() {
-    static const Task wayBack{"SetSystemActive", &FindOperation("SetSystemActive"), {}};
     about_(words_);
     undisturbed_ = sweep::Run(before_, task_, {});
-    if (IsSwitch(*task_.operation)) returned_ = sweep::Run(before_, wayBack, {}).after;
+    internalDisk_ = sweep::Run(before_, TaskOf("GetFirstInternalDriveNumber"), {}).result;
+    if (IsSwitch(*task_.operation)) returned_ = sweep::Run(before_, TaskOf("SetSystemActive"), {}).after;
     ++tally_.Of(task_).machines;
     tally_.Of(task_).calls += undisturbed_.calls.size();
     Look({}, undisturbed_, words_);
