@@ -226,6 +226,16 @@ TEST(ExecMethod, Arguments_ArePassed) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
+// The class, both signatures of the method and the instance with the arguments.
+TEST(ExecMethod, SignatureOfTheOutputs_IsAskedForAndReleased) {
+    LampPc pc;
+    EXPECT_EQ(pc.SetColor(), S_OK);
+    const auto released = pc.emulated.journal.Unshown("IUnknown::Release");
+    EXPECT_EQ(std::ranges::count(released, "IWbemClassObject",
+                                 [](const auto& arguments) { return arguments.front(); }),
+              4);
+}
+
 TEST(ExecMethod, NoArguments_Succeeds) {
     LampPc pc;
     EXPECT_EQ(pc.Exec(TEXT("Blink")), S_OK);

@@ -132,8 +132,7 @@ HRESULT WmiObject::GetMethod(LPCWSTR name, LONG flags, IWbemClassObject** inputs
     Empty(inputs);
     Empty(outputs);
     return Call("IWbemClassObject::GetMethod", {ToUtf8(name)}, [&](EmulatedPc& pc) {
-        if (inputs == nullptr || outputs == nullptr || flags != 0)
-            return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
+        if (flags != 0) return static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER);
         if (definition_ == nullptr) return static_cast<HRESULT>(WBEM_E_ILLEGAL_OPERATION);
         const WmiMethod* const method = FindMethod(*definition_, ToUtf8(name));
         if (method == nullptr) return static_cast<HRESULT>(WBEM_E_NOT_FOUND);
