@@ -15,6 +15,7 @@ struct CommandLine {
     std::string log;                     // file, or "-"
     bool json = false;
     bool initialize = true;
+    bool hash = false;
     bool help = false;
     bool version = false;
 };

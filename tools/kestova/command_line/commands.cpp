@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "tools/kestova/command_line/file_argument.h"
 #include "tools/kestova/command_line/help.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/command_line/script.h"
@@ -21,7 +22,7 @@ void ShowMessage(const std::string& message) {
 template <typename Report>
 int ShowWithProblem(const CommandLine& line, const Report& report) {
     Show(line, report);
-    ShowMessage(report.remark);
+    if constexpr (requires { report.remark; }) ShowMessage(report.remark);
     ShowMessage(report.problem);
     return report.problem.empty() ? Done : Failure;
 }
@@ -30,6 +31,13 @@ int Status(const CommandLine& line) {
     return RunOnPc(line, {.initialize = false, .run = [&](Session& session) {
                               return ShowWithProblem(line, ReadStatus(session, line.initialize));
                           }});
+}
+
+int Files(const CommandLine& line) {
+    const FilePlace place = ReadFilePlace(line.arguments[0]);
+    return RunOnPc(line, {.run = [&](Session& session) {
+                       return ShowWithProblem(line, ReadFiles(session, place, line.hash));
+                   }});
 }
 
 int Letters(const CommandLine& line) {
@@ -194,6 +202,7 @@ bool Uses(const Command& command, const std::string& option) {
     if (command.run == Help) return false;
     if (option == "--json") return true;
     const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
+    if (option == "--hash") return command.run == Files;
     if (option == "--ledger" && runsNoOperation) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }
@@ -203,6 +212,8 @@ const std::vector<Command>& Commands() {
     static const std::vector<Command> commands = {
         {"status", "", "What this PC is", 0, 0, true, false, Status},
         {"letters", "", "What each letter of the installed Windows stands for", 0, 0, true, false, Letters},
+        {"files", "VOLUME[:\\PATH]", "What is in a folder of a volume, named by letter or partition", 1, 1,
+         true, false, Files},
         {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},

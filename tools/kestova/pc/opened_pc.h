@@ -11,6 +11,7 @@
 
 #include "tools/kestova/common/output_file.h"
 #include "tools/kestova/common/trace.h"
+#include "tools/kestova/pc/volume_place.h"
 
 // The options that choose and prepare a PC.
 struct PcChoice {
@@ -65,6 +66,8 @@ class OpenedPc {
     // Whether a partition of a disk image holds no file system that can be read; false if that is unknown,
     // and for a damaged volume with a letter, which reports its error when it is read.
     virtual bool LacksFileSystem(int disk, int partition) const = 0;
+    // The volume at that place, for looking into it. Throws Failed, with what is there instead.
+    virtual FoundVolume VolumeAt(const VolumePlace& place) = 0;
     // Writes what was changed to the disk images, each as a whole or not at all. Returns what is wrong, empty
     // if nothing is. The first time it throws UnreadablePc, with nothing written, for a change of a volume
     // that is in no condition to be changed.

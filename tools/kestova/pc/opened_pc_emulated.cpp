@@ -170,6 +170,7 @@ class EmulatedOne final : public OpenedPc {
     const std::map<std::string, int>& Ledger() const override { return emulated_.ledger.Counts(); }
     bool Rehearse(const std::function<void()>& action) override;
     bool LacksFileSystem(int disk, int partition) const override;
+    FoundVolume VolumeAt(const VolumePlace& place) override { return FindVolume(emulated_.facts, place); }
     std::string Commit() override;
     std::vector<std::string> Backups() const override;
     std::optional<std::vector<std::string>> Changes() const override {

@@ -9,6 +9,7 @@
 
 #include "machine/facts/call_table.h"
 #include "machine/facts/machines.h"
+#include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
@@ -17,6 +18,7 @@
 
 std::string AsJson(const StatusReport& status);
 std::string AsJson(const LettersReport& letters);
+std::string AsJson(const FilesReport& report);
 std::string AsJson(const OperationReport& report);
 std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const TableRepairReport& report);
