@@ -45,6 +45,14 @@ int Letters(const CommandLine& line) {
                    {.run = [&](Session& session) { return ShowWithProblem(line, ReadLetters(session)); }});
 }
 
+int Check(const CommandLine& line) {
+    return RunOnPc(line, {.access = Access::Rehearse, .run = [&](Session& session) {
+                              const SwitchReport report = CheckSwitch(session);
+                              const int status = ShowWithProblem(line, report);
+                              return report.isPossible ? status : int{Failure};
+                          }});
+}
+
 const std::vector<std::pair<std::string, std::string>>& BootTargets() {
     static const std::vector<std::pair<std::string, std::string>> targets = {{"recovery", "SetRcvprtActive"},
                                                                              {"system", "SetSystemActive"}};
@@ -67,21 +75,32 @@ Access AccessFor(const std::vector<PlannedCall>& calls) {
     return most;
 }
 
-// The result code is the exit status.
+// The result code is the exit status. What else was found out follows the report; in JSON the reasons are in
+// it.
+int BootAndShow(const CommandLine& line, Session& session, const Operation& operation) {
+    OperationReport report = session.Call(operation, {});
+    const int result = std::get<int>(report.result);
+    if (!line.json || !report.unwritten.empty()) Show(line, report);
+    CheckWritten(report);
+    const int disk = session.Object().GetFirstInternalDriveNumber();
+    if (result != 0) report.reasons = WhySwitchRefused(session, disk);
+    if (line.json) Show(line, report);
+    ShowMessage(ActiveFlagsRemark(disk));
+    for (const RefusalReason& reason : report.reasons)
+        ShowMessage(operation.name + ": " + reason.text);
+    return result;
+}
+
 int Boot(const CommandLine& line) {
     std::vector<std::string> names;
     for (const auto& [name, operationName] : BootTargets()) {
         names.push_back(name);
         if (name != line.arguments[0]) continue;
         const Operation& operation = FindOperation(operationName);
-        return RunOnPc(
-            line, {.access = AccessFor(operation), .showChanges = true, .run = [&](Session& session) -> int {
-                       const OperationReport report = session.Call(operation, {});
-                       Show(line, report);
-                       CheckWritten(report);
-                       ShowMessage(ActiveFlagsRemark(session.Object()));
-                       return std::get<int>(report.result);
-                   }});
+        return RunOnPc(line,
+                       {.access = AccessFor(operation), .showChanges = true, .run = [&](Session& session) {
+                            return BootAndShow(line, session, operation);
+                        }});
     }
     throw WrongUse("boot: " + UnknownWord("system to boot", line.arguments[0], names));
 }
@@ -202,6 +221,7 @@ bool Uses(const Command& command, const std::string& option) {
     if (command.run == Help) return false;
     if (option == "--json") return true;
     const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
+    if (option == "--dry-run" && command.run == Check) return false;
     if (option == "--hash") return command.run == Files;
     if (option == "--ledger" && runsNoOperation) return false;
     return command.usesPc && (command.traces || option != "--trace");
@@ -214,6 +234,8 @@ const std::vector<Command>& Commands() {
         {"letters", "", "What each letter of the installed Windows stands for", 0, 0, true, false, Letters},
         {"files", "VOLUME[:\\PATH]", "What is in a folder of a volume, named by letter or partition", 1, 1,
          true, false, Files},
+        {"check", "", "Whether this PC can boot its recovery partition and come back", 0, 0, true, false,
+         Check},
         {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},

@@ -39,6 +39,12 @@ const std::vector<CommandHelp>& CommandHelps() {
          "status 1. Nothing is changed.",
          {{"--image disk.img files '1:\\sources'", "a folder of partition 1"},
           {"--image disk.img --hash files 'C:\\sources\\boot.wim'", "a file, with its SHA-256"}}},
+        {"check",
+         "Says whether this PC can boot its recovery partition and come back, before a switch: a line for each "
+         "condition with yes or no, what was found, and what to do. On an image and a described PC it also tries "
+         "both switches in memory. Nothing is changed. Ends with 0 if the switch is possible, else with 1.",
+         {{"--image disk.img check", "the disk in an image"},
+          {"--image disk.img --json check", "the same for a script"}}},
         {"boot",
          "Makes the recovery partition active and records the one that was active before (recovery), or makes the "
          "recorded one active again (system). For MBR disks.\n\n"

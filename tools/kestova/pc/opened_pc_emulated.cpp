@@ -117,7 +117,15 @@ void Start(Pc& pc, SystemKind kind) {
 }
 
 ImageUse UseFor(const PcChoice& choice, Access access) {
-    return UseOfImages(choice, access == Access::Ask ? ImageAccess::Read : ImageAccess::Write);
+    switch (access) {
+        case Access::Ask:
+            return UseOfImages(choice, ImageAccess::Read);
+        case Access::Rehearse:
+            return UseOfImages(choice, ImageAccess::Overlay);
+        case Access::Change:
+            break;
+    }
+    return UseOfImages(choice, ImageAccess::Write);
 }
 
 Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {

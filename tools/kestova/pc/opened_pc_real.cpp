@@ -14,7 +14,7 @@ class RealOne final : public OpenedPc {
     bool Rehearse(const std::function<void()>&) override { return false; }
     bool LacksFileSystem(int, int) const override { return false; }
     FoundVolume VolumeAt(const VolumePlace&) override {
-        throw Failed("for the PC that the program runs on use dir, and certutil -hashfile");
+        throw NotLookedInto("for the PC that the program runs on use dir, and certutil -hashfile");
     }
     std::string Commit() override { return ""; }
     std::vector<std::string> Backups() const override { return {}; }

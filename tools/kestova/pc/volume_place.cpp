@@ -4,7 +4,6 @@
 
 #include "machine/facts/file_stores.h"
 #include "machine/facts/letters.h"
-#include "tools/kestova/common/errors.h"
 
 namespace {
 

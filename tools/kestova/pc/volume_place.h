@@ -6,6 +6,7 @@
 #include <string>
 
 #include "machine/facts/pc.h"
+#include "tools/kestova/common/errors.h"
 
 // By its letter in the running system, or by its partition.
 struct VolumePlace {
@@ -19,6 +20,11 @@ struct FoundVolume {
     std::optional<int> partition = {};
     std::string letters = {};
     std::shared_ptr<machine::VolumeStore> files = {};  // as long as the PC; never null
+};
+
+// The PC that the program runs on is not looked into.
+struct NotLookedInto : Failed {
+    using Failed::Failed;
 };
 
 // Throws Failed, with what is there instead, for a place without a volume whose files can be read.

@@ -116,6 +116,29 @@ Json ToJson(const ListedFile& file, bool hasHash) {
     return json;
 }
 
+// --- the check of a switch ---
+
+Json ToJson(const ConditionReport& condition) {
+    const bool isAdvised = condition.isMet == false && *condition.advice != '\0';
+    return {{"code", condition.code},
+            {"question", condition.question},
+            {"met", ToJson(condition.isMet)},
+            {"found", condition.found},
+            {"advice", isAdvised ? Json(condition.advice) : Json()}};
+}
+
+Json ToJson(const RefusalReason& reason) {
+    return {{"code", reason.code}, {"text", reason.text}};
+}
+
+template <typename Element>
+Json ListOf(const std::vector<Element>& elements) {
+    Json json = Json::array();
+    for (const Element& element : elements)
+        json.push_back(ToJson(element));
+    return json;
+}
+
 // --- operations ---
 
 Json ToJson(const LogEntry& record) {
@@ -240,6 +263,12 @@ std::string AsJson(const LettersReport& letters) {
     return Line(json);
 }
 
+std::string AsJson(const SwitchReport& report) {
+    Json json = {{"possible", report.isPossible}, {"conditions", ListOf(report.conditions)}};
+    if (!report.problem.empty()) json["problem"] = report.problem;
+    return Line(json);
+}
+
 // In ASCII: a name from a medium can have characters that a terminal obeys.
 std::string AsJson(const FilesReport& report) {
     Json entries = Json::array();
@@ -266,6 +295,7 @@ std::string AsJson(const OperationReport& report) {
     if (!report.backups.empty()) json["backups"] = report.backups;
     if (!report.unwritten.empty()) json["written"] = false;
     if (!report.problem.empty()) json["problem"] = report.problem;
+    if (!report.reasons.empty()) json["reasons"] = ListOf(report.reasons);
     return Line(json);
 }
 

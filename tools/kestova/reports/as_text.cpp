@@ -190,6 +190,15 @@ std::string AsText(const FilesReport& report) {
     return Table(rows, "");
 }
 
+std::string AsText(const SwitchReport& report) {
+    Rows rows;
+    for (const ConditionReport& condition : report.conditions) {
+        const char* const answer = !condition.isMet ? "-" : *condition.isMet ? "yes" : "no";
+        rows.push_back({condition.question, answer, TextOf(condition)});
+    }
+    return Table(rows, "");
+}
+
 std::string AsText(const OperationReport& report) {
     const Operation& operation = *report.operation;
     std::string text = TraceText(report) + operation.name + CallText(report) + "\n";
