@@ -4,6 +4,7 @@
 
 #include "tools/kestova/command_line/command_line.h"
 #include "tools/kestova/command_line/commands.h"
+#include "tools/kestova/command_line/file_argument.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/operations/operations.h"
 #include "tools/kestova/pc/fault_option.h"
@@ -19,6 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (line.command == "call")
             ReadArguments(FindOperation(line.arguments[0]),
                           {line.arguments.begin() + 1, line.arguments.end()});
+        if (line.command == "files") ReadFilePlace(line.arguments[0]);
         for (const std::string& fault : line.choice.faults)
             ReadFault(fault);
     } catch (const WrongUse&) {

@@ -5,9 +5,12 @@
 
 #include "machine/facts/file_store.h"
 
-inline void AskFiles(machine::FileStore& store) {
+inline void AskFiles(machine::VolumeStore& store) {
     std::string content;
+    std::vector<machine::FileEntry> entries;
     store.Find("");
+    store.List("", entries);
+    store.List("sources", entries);
     store.Find("sources/Orvo");
     store.Find("Windows/System32/Winload.exe");
     store.Read("sources/Qelhdrcv.ini", content);

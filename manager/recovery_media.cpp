@@ -15,11 +15,11 @@ namespace {
 
 // In the order of the tests, like the tables below.
 constexpr Marker recoveryMarkers[] = {
-    {TEXT("sources\\Qelhdrcv.ini"), TEXT("Kestova::IsRCVVolume\tmiss QELHDRCVINI. szPath = ")},
-    {TEXT("sources"), TEXT("Kestova::IsRCVVolume\tmiss SOURCES. szPath = ")},
-    {TEXT("sources\\Orvo"), TEXT("Kestova::IsRCVVolume\tmiss ORVO_FOLDER. szPath = ")},
-    {TEXT("sources\\data"), TEXT("Kestova::IsRCVVolume\tmiss DATA. szPath = ")},
-    {TEXT("sources\\idf"), TEXT("Kestova::IsRCVVolume\tmiss IDF. szPath = ")},
+    {recovery_files::ini, TEXT("Kestova::IsRCVVolume\tmiss QELHDRCVINI. szPath = ")},
+    {recovery_files::sources, TEXT("Kestova::IsRCVVolume\tmiss SOURCES. szPath = ")},
+    {recovery_files::orvo, TEXT("Kestova::IsRCVVolume\tmiss ORVO_FOLDER. szPath = ")},
+    {recovery_files::data, TEXT("Kestova::IsRCVVolume\tmiss DATA. szPath = ")},
+    {recovery_files::idf, TEXT("Kestova::IsRCVVolume\tmiss IDF. szPath = ")},
 };
 
 // A file or folder that distinguishes kinds of media. For a kind that is neither required nor forbidden it is
@@ -33,12 +33,12 @@ struct MediaFlag {
 };
 
 constexpr MediaFlag mediaFlags[] = {
-    {TEXT("sources\\DVD"),
+    {recovery_files::disc,
      TYPE_DISC,
      {TYPE_HDD, TYPE_UFD},
      TEXT("Kestova::IsRCVVolume\tMediaType error. MediaType = "),
      TEXT("Kestova::IsRCVVolume\tmiss FLAG_UFD.(TYPE_DISC == MediaType) szPath = ")},
-    {TEXT("sources\\UFD"),
+    {recovery_files::stick,
      TYPE_UFD,
      {TYPE_DISC, TYPE_DISC},
      TEXT("Kestova::IsRCVVolume\t\tMediaType error. MediaType = "),

@@ -73,7 +73,7 @@ int Kestova::GetSystemVolumeIni(WCHAR* pszFile, DWORD dwFileNumberOfElements) {
                               FALSE);
         }
         FormatInto(pszFile, dwFileNumberOfElements, TEXT("%c:\\"), letter);
-        PathAppendW(pszFile, TEXT("SystemVolume.ini"));
+        PathAppendW(pszFile, systemVolumeIni);
         return TRUE;
     };
 

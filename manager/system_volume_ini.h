@@ -3,6 +3,9 @@
 
 #include "platform/windows_api.h"
 
+// Below the root.
+inline constexpr const WCHAR* systemVolumeIni = TEXT("SystemVolume.ini");
+
 // Writes the number ("%d") as Active in [System], and creates the file. False if that fails.
 bool RecordActivePartition(const WCHAR* file, int partition);
 

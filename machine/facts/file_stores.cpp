@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text_case.h"
+#include "machine/facts/store_path.h"
 #include "platform/windows_api.h"
 
 namespace machine {
@@ -27,6 +28,21 @@ FileKind TreeStore::Find(std::string_view path) {
 uint32_t TreeStore::Read(std::string_view path, std::string& content) {
     if (Find(path) != FileKind::File) return ERROR_FILE_NOT_FOUND;
     content = tree_.Find(path)->content;
+    return ERROR_SUCCESS;
+}
+
+uint32_t TreeStore::List(std::string_view path, std::vector<FileEntry>& entries) {
+    if (Find(path) == FileKind::None) return ERROR_FILE_NOT_FOUND;
+    const std::string asked = Normalized(path);
+    for (const FileTree::Entry& entry : tree_.Entries()) {
+        const bool isAsked = SameName(entry.path, asked);
+        if (isAsked ? entry.folder : !SameName(FolderOf(entry.path), asked)) continue;
+        if (entry.folder) {
+            entries.push_back({NamesOf(entry.path).back(), FileKind::Folder});
+        } else {
+            entries.push_back({NamesOf(entry.path).back(), FileKind::File, entry.content.size()});
+        }
+    }
     return ERROR_SUCCESS;
 }
 

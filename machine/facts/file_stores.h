@@ -6,12 +6,14 @@
 namespace machine {
 
 // The files of a described volume.
-class TreeStore final : public FileStore {
+class TreeStore final : public VolumeStore {
   public:
     explicit TreeStore(FileTree& tree) : tree_(tree) {}
 
     FileKind Find(std::string_view path) override;
     uint32_t Read(std::string_view path, std::string& content) override;
+    uint32_t List(std::string_view path, std::vector<FileEntry>& entries) override;
+    std::string WhyUnchangeable() override { return ""; }
     uint32_t Write(std::string_view path, std::string_view content) override;
     uint32_t Remove(std::string_view path) override;
 

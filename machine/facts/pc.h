@@ -70,7 +70,7 @@ struct Volume {
     uint32_t openError = 0;              // the error of CreateFileW on \\.\X:; 0: it succeeds
     std::optional<int> extentType;       // VDS extent type; absent: implied by the partition's type
     FileTree files;                      // the files of a described volume
-    std::shared_ptr<FileStore> store;    // the files of a volume on an image
+    std::shared_ptr<VolumeStore> store;  // the files of a volume on an image
     std::string image;                   // path of a disc's or a stick's image; empty: none
 
     bool operator==(const Volume&) const = default;

@@ -68,7 +68,8 @@ scenarios() {
         'call SetActiv 1' '--pc factory-mrb status' '--pc missing.json status' '--pc ../all.txt status'
     for pc in "${pcs[@]}"; do
         printf -- "--pc $pc %s\n" status '--json status' '--pe --json status' '--windows --json status' letters \
-            '--json letters' 'boot recovery' 'boot system' '--json --trace --save saved.json boot recovery' \
+            '--json letters' check '--json check' 'files 1' '--json files 1:/sources' 'files C:' 'boot recovery' \
+            'boot system' '--json --trace --save saved.json boot recovery' \
             '--json --trace --pe --save saved.json boot system' '--dry-run boot recovery' \
             '--trace --log log.txt --save saved.json run ../once.txt' '--no-initialize --json --trace run ../once.txt' \
             '--json --trace --save saved.json run ../all.txt' '--json --trace --pe --save saved.json run ../all.txt' \

@@ -2,8 +2,8 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -110,21 +110,14 @@ constexpr int firstPassed = 3;
     _exit(EXIT_FAILURE);
 }
 
-// By a child that ends at once: nobody has to wait for the end of the grandchild.
-void StartProgram(const ServedDisk& disk, int listening, int said) {
+// Returns what shows its end. Nobody waits for the child: the end of the starter leaves it to the system.
+Descriptor StartProgram(const ServedDisk& disk, int listening, int said) {
     const std::vector<std::string> words = Words(disk);
     const pid_t child = fork();
-    if (child < 0) Fail(disk.path);
-    if (child == 0) {
-        const pid_t grandchild = fork();
-        if (grandchild == 0) Become(words, listening, said);
-        _exit(grandchild < 0 ? EXIT_FAILURE : EXIT_SUCCESS);
-    }
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    errno = EAGAIN;
-    if (status != 0) Fail(disk.path);
+    if (child == 0) Become(words, listening, said);
+    Descriptor process(child < 0 ? -1 : static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
+    if (!process) Fail(disk.path);
+    return process;
 }
 
 DiskServer StartServer(const ServedDisk& disk) {
@@ -133,15 +126,16 @@ DiskServer StartServer(const ServedDisk& disk) {
     if (pipe2(ends.data(), O_CLOEXEC) != 0) Fail(disk.path);
     Descriptor said(ends[0]);
     const Descriptor saying(ends[1]);
-    StartProgram(disk, connection.listening.Number(), saying.Number());
-    return {std::move(connection.ours), std::move(said)};
+    Descriptor process = StartProgram(disk, connection.listening.Number(), saying.Number());
+    return {std::move(connection.ours), std::move(said), std::move(process)};
 }
 
 // --- the process that starts them. A request is a message "w" or "r", format, NUL, path; the answer is one
-// with the two descriptors, or with what is wrong. The message "d" is the last ---
+// with the descriptors, or with what is wrong. The message "d" is the last ---
 
 constexpr size_t longestMessage = 16384;
 constexpr std::string_view allAreOpen = "d";
+constexpr size_t passedDescriptors = 3;
 
 struct Message {
     std::string text;
@@ -150,7 +144,7 @@ struct Message {
 
 bool Send(int channel, std::string_view text, const std::vector<int>& passed) {
     iovec part = {const_cast<char*>(text.data()), text.size()};
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(2 * sizeof(int))> control = {};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(passedDescriptors * sizeof(int))> control = {};
     msghdr message = {};
     message.msg_iov = &part;
     message.msg_iovlen = 1;
@@ -170,7 +164,7 @@ bool Send(int channel, std::string_view text, const std::vector<int>& passed) {
 Message Receive(int channel) {
     Message received = {std::string(longestMessage, '\0'), {}};
     iovec part = {received.text.data(), received.text.size()};
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(2 * sizeof(int))> control = {};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(passedDescriptors * sizeof(int))> control = {};
     msghdr message = {};
     message.msg_iov = &part;
     message.msg_iovlen = 1;
@@ -200,7 +194,7 @@ ServedDisk DiskOf(const std::string& request) {
 void Answer(int channel, const std::string& request) {
     try {
         const DiskServer server = StartServer(DiskOf(request));
-        Send(channel, "s", {server.connection.Number(), server.said.Number()});
+        Send(channel, "s", {server.connection.Number(), server.said.Number(), server.process.Number()});
     } catch (const std::exception& error) {
         Send(channel, error.what(), {});
     }
@@ -228,9 +222,9 @@ DiskServer StartDiskServer(const ServedDisk& disk) {
     errno = ENAMETOOLONG;
     if (request.size() > longestMessage || !Send(starter.Number(), request, {})) Fail(disk.path);
     Message answer = Receive(starter.Number());
-    if (answer.passed.size() != 2)
+    if (answer.passed.size() != passedDescriptors)
         throw ImageError(answer.text.empty() ? disk.path + ": no answer" : answer.text);
-    return {std::move(answer.passed[0]), std::move(answer.passed[1])};
+    return {std::move(answer.passed[0]), std::move(answer.passed[1]), std::move(answer.passed[2])};
 }
 
 void KeepDiskServerStarter() {

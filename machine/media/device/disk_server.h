@@ -16,7 +16,8 @@ struct ServedDisk {
 // Ends when the connection does, once it has been spoken over.
 struct DiskServer {
     Descriptor connection;  // speaks NBD; nobody else can have one
-    Descriptor said;        // its standard error, which ends with it
+    Descriptor said;        // its standard error
+    Descriptor process;     // can be read once it has ended, and has let go of its files
 };
 
 // What goes wrong once it is started, such as its program being missing, it says itself. Throws ImageError.

@@ -1,6 +1,7 @@
 #include "machine/media/device/nbd_device.h"
 
 #include <libnbd.h>
+#include <poll.h>
 
 #include <algorithm>
 #include <array>
@@ -65,11 +66,15 @@ NbdDevice::~NbdDevice() {
     nbd_shutdown(handle_, 0);
     End();
     LastWords();
+    pollfd end = {process_.Number(), POLLIN, 0};
+    while (process_ && poll(&end, 1, -1) < 0 && errno == EINTR) {
+    }
 }
 
 void NbdDevice::Connect(const std::string& path, const std::string& format, bool forWriting) {
     DiskServer server = StartDiskServer({path, format, forWriting});
     said_ = std::move(server.said);
+    process_ = std::move(server.process);
     handle_ = nbd_create();
     if (handle_ == nullptr) throw ImageError(path + ": cannot be opened: " + nbd_get_error());
     // The library closes it.

@@ -34,6 +34,7 @@ class NbdDevice final : public BlockDevice {
 
     Descriptor file_;  // holds the lock
     Descriptor said_;
+    Descriptor process_;  // the server
     nbd_handle* handle_ = nullptr;
     uint64_t size_ = 0;
     std::string otherUser_;

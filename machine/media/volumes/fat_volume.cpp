@@ -40,16 +40,24 @@ std::string WithFirstByte(std::string_view name) {
     return whole;
 }
 
-// Converts "README  TXT" to README.TXT.
+std::string LowerCase(std::string text) {
+    for (char& unit : text)
+        unit = unit >= 'A' && unit <= 'Z' ? static_cast<char>(unit - 'A' + 'a') : unit;
+    return text;
+}
+
+// Converts "README  TXT" to README.TXT. Windows keeps in two bits of the entry that a part is in lower case.
 std::string ShortName(std::string_view entry) {
+    constexpr uint8_t baseIsLower = 0x08;
+    constexpr uint8_t extensionIsLower = 0x10;
     const std::string name = WithFirstByte(entry.substr(0, 11));
-    const auto trimmed = [&](size_t at, size_t length) {
+    const auto trimmed = [&](size_t at, size_t length, uint8_t isLower) {
         std::string part = name.substr(at, length);
         part.erase(part.find_last_not_of(' ') + 1);
-        return FromOem(part);
+        return FromOem((Byte(entry, 12) & isLower) != 0 ? LowerCase(part) : part);
     };
-    const std::string base = trimmed(0, 8);
-    const std::string extension = trimmed(8, 3);
+    const std::string base = trimmed(0, 8, baseIsLower);
+    const std::string extension = trimmed(8, 3, extensionIsLower);
     return extension.empty() ? base : base + '.' + extension;
 }
 

@@ -83,4 +83,29 @@ uint32_t ReadOnlyVolume::Remove(std::string_view) {
     return errorWriteProtect;
 }
 
+FileEntry ReadOnlyVolume::Described(const Entry& entry) const {
+    const std::string& name = entry.name.empty() ? entry.alias : entry.name;
+    if (entry.isFolder) return {name, FileKind::Folder};
+    return {name, FileKind::File, Length(entry)};
+}
+
+// The names of a folder are read again, as they are stored.
+uint32_t ReadOnlyVolume::List(std::string_view path, std::vector<FileEntry>& entries) {
+    Item found;
+    if (const uint32_t error = Look(path, found); error != 0) return error;
+    if (!found.isFolder) {
+        entries.push_back({NamesOf(path).back(), FileKind::File, Length(found)});
+        return 0;
+    }
+    const auto listed = Open(found) != nullptr ? List(found) : std::nullopt;
+    if (!listed) return errorFileCorrupt;
+    for (const Entry& entry : *listed)
+        entries.push_back(Described(entry));
+    return 0;
+}
+
+std::string ReadOnlyVolume::WhyUnchangeable() {
+    return "is not NTFS: only files on NTFS volumes are changed on an image";
+}
+
 }  // namespace machine

@@ -12,7 +12,7 @@
 
 namespace machine {
 
-class ReadOnlyVolume : public FileStore {
+class ReadOnlyVolume : public VolumeStore {
   public:
     // Finds nothing on a damaged volume, not even the root. Error codes beyond those of FileStore: 5 for a
     // folder, 1392 if the volume or the file is damaged. Write and Remove return 19.
@@ -20,6 +20,8 @@ class ReadOnlyVolume : public FileStore {
     uint32_t Read(std::string_view path, std::string& content) final;
     uint32_t Write(std::string_view path, std::string_view content) final;
     uint32_t Remove(std::string_view path) final;
+    uint32_t List(std::string_view path, std::vector<FileEntry>& entries) final;
+    std::string WhyUnchangeable() final;
 
   protected:
     explicit ReadOnlyVolume(VolumeBytes bytes);
@@ -41,6 +43,8 @@ class ReadOnlyVolume : public FileStore {
     virtual Item Root() const = 0;
     // The entries of the folder without itself and its parent; nothing if it is damaged.
     virtual std::optional<std::vector<Entry>> List(const Item& folder) const = 0;
+    // Bytes of a file; nothing if it is damaged.
+    virtual std::optional<uint64_t> Length(const Item& file) const { return file.size; }
     // Nothing if the file is damaged.
     virtual std::optional<std::string> Content(const Item& file) const = 0;
 
@@ -53,6 +57,7 @@ class ReadOnlyVolume : public FileStore {
     const Folder* Open(const Item& folder);
     std::optional<Folder> ReadFolder(const Item& folder);
     uint32_t Look(std::string_view path, Item& found);
+    FileEntry Described(const Entry& entry) const;
 
     VolumeBytes bytes_;
     std::map<std::pair<uint64_t, uint64_t>, std::optional<Folder>> folders_;  // by place and size

@@ -370,6 +370,11 @@ std::optional<std::vector<UdfVolume::Entry>> UdfVolume::List(const Item& folder)
     return entries;
 }
 
+std::optional<uint64_t> UdfVolume::Length(const Item& file) const {
+    const auto fileEntry = ReadFileEntry(file.place);
+    return fileEntry ? std::optional(fileEntry->size) : std::nullopt;
+}
+
 std::optional<std::string> UdfVolume::Content(const Item& file) const {
     const auto fileEntry = ReadFileEntry(file.place);
     if (!fileEntry || fileEntry->type != typeFile) return std::nullopt;

@@ -26,6 +26,7 @@ class UdfVolume final : public ReadOnlyVolume {
   protected:
     Item Root() const override { return root_; }
     std::optional<std::vector<Entry>> List(const Item& folder) const override;
+    std::optional<uint64_t> Length(const Item& file) const override;
     std::optional<std::string> Content(const Item& file) const override;
 
   private:

@@ -10,8 +10,8 @@ namespace machine {
 
 namespace {
 
-std::shared_ptr<FileStore> StoreAt(const std::shared_ptr<ImageFile>& image, const std::string& kind,
-                                   uint64_t offset, uint64_t size) {
+std::shared_ptr<VolumeStore> StoreAt(const std::shared_ptr<ImageFile>& image, const std::string& kind,
+                                     uint64_t offset, uint64_t size) {
     const VolumeBytes bytes(image, offset, size);
     if (kind == "NTFS") return std::make_shared<NtfsVolume>(image, offset, size);
     if (kind == "FAT" || kind == "FAT32") return std::make_shared<FatVolume>(bytes);

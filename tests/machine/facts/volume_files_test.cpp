@@ -13,7 +13,7 @@ using machine::VolumeFiles;
 namespace {
 
 // An image opened for reading only, with one file "data/on image.txt".
-class ReadOnlyStore final : public machine::FileStore {
+class ReadOnlyStore final : public machine::VolumeStore {
   public:
     FileKind Find(std::string_view path) override {
         if (path.empty() || path == "data") return FileKind::Folder;
@@ -23,6 +23,8 @@ class ReadOnlyStore final : public machine::FileStore {
         content = "from the image";
         return ERROR_SUCCESS;
     }
+    uint32_t List(std::string_view, std::vector<machine::FileEntry>&) override { return ERROR_SUCCESS; }
+    std::string WhyUnchangeable() override { return "is open for reading only"; }
     uint32_t Write(std::string_view, std::string_view) override { return ERROR_WRITE_PROTECT; }
     uint32_t Remove(std::string_view) override { return ERROR_WRITE_PROTECT; }
 };

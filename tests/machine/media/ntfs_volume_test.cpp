@@ -5,6 +5,9 @@
 #include <iterator>
 
 #include "machine/facts/file_store.h"
+#include "machine/media/image/image_file.h"
+#include "machine/media/image/volume_bytes.h"
+#include "machine/media/volumes/ntfs/ntfs_volume.h"
 #include "tests/machine/media/image_fixture.h"
 
 namespace machine {
@@ -85,6 +88,35 @@ TEST_F(NtfsVolumeTest, FolderOrMissingFile_Read_FailsWithItsError) {
     EXPECT_EQ(store.Read("Windows", content), 5u);
     EXPECT_EQ(store.Read("$MFT", content), 5u);
     EXPECT_EQ(content, "untouched");
+}
+
+TEST_F(NtfsVolumeTest, FileLongerThanReadReturns_ReadParts_PassesAllOfItOn) {
+    const uint64_t length = longestFile + 1000001;
+    const std::string volume = image_ + ".ntfs";
+    ASSERT_EQ(StatusOf("truncate -s 280M '" + volume + "' && mkntfs --fast --force --quiet '" + volume +
+                       "' 2>/dev/null && printf MSWIM >'" + volume + ".start' && ntfscp --force '" + volume +
+                       "' '" + volume + ".start' big.wim && ntfstruncate -f -q '" + volume + "' 64 0x80 " +
+                       std::to_string(length)),
+              0);
+    const auto image = std::make_shared<ImageFile>(volume, ImageUse(ImageAccess::Read));
+    NtfsVolume store(image, 0, image->Size());
+    std::string content;
+    std::string start;
+    uint64_t bytes = 0;
+
+    EXPECT_EQ(store.Read("big.wim", content), 1392u);
+    EXPECT_EQ(store.ReadParts("big.wim",
+                              [&](std::string_view part) {
+                                  if (bytes == 0) start = part.substr(0, 6);
+                                  bytes += part.size();
+                              }),
+              0u);
+
+    EXPECT_EQ(bytes, length);
+    EXPECT_EQ(start, std::string("MSWIM\0", 6));
+    std::vector<FileEntry> entries;
+    EXPECT_EQ(store.List("", entries), 0u);
+    EXPECT_EQ(entries, (std::vector<FileEntry>{{"big.wim", FileKind::File, length}}));
 }
 
 TEST_F(NtfsVolumeTest, ReadOnlyImage_WriteAndRemove_FailWithWriteProtect) {

@@ -56,9 +56,12 @@ void ExpectUnharmed(const std::string& image, Stretch stretch, uint32_t seed,
     EXPECT_TRUE(AreSame(original, image)) << "seed " << seed;
 }
 
-void AskFiles(FileStore& store) {
+void AskFiles(VolumeStore& store) {
     std::string content;
+    std::vector<FileEntry> entries;
     store.Find("");
+    store.List("", entries);
+    store.List("sources", entries);
     store.Find("sources/Orvo");
     store.Read("sources/Qelhdrcv.ini", content);
     store.Read("sources/Image of the factory state.wim", content);

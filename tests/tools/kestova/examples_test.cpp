@@ -27,16 +27,21 @@ std::string Text(const char* name) {
     return text.str();
 }
 
-// The indented lines of the page: a command after "$ ", and below it its output.
+// Of the indented lines of the page: a command after "$ ", and below it its output, up to a line that is not
+// indented.
 std::vector<Example> ExamplesOf(const std::string& page) {
     const std::string indent = "    ";
     const std::string prompt = "    $ ";
     std::vector<Example> examples;
     std::istringstream lines(page);
+    bool isExample = false;
     for (std::string line; std::getline(lines, line);) {
         if (line.starts_with(prompt)) {
             examples.push_back({line.substr(prompt.size()), ""});
-        } else if (line.starts_with(indent)) {
+            isExample = true;
+        } else if (!line.empty() && !line.starts_with(indent)) {
+            isExample = false;
+        } else if (!line.empty() && isExample) {
             examples.back().output += line.substr(indent.size()) + "\n";
         }
     }
@@ -56,7 +61,8 @@ TEST_P(ExamplesOfAPage, InTheirOrder_Run_WriteWhatThePageShows) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, ExamplesOfAPage, testing::Values("docs/operations.md", "docs/hazards.md"));
+INSTANTIATE_TEST_SUITE_P(Each, ExamplesOfAPage,
+                         testing::Values("docs/operations.md", "docs/hazards.md", "docs/command-line.md"));
 
 TEST_F(Examples, EachOperation_OnThePage_HasAnExample) {
     const std::string page = Text("docs/operations.md");

@@ -43,6 +43,11 @@ expect 0 --image factory-gpt.img "${media[@]}" call GetRCVUFD
 expect 0 --image installed-windows.img letters
 expect 0 --image factory-mbr.img --save pc.json --log log.txt --trace --ledger call GetDriveLetter 0 1
 expect 0 --pc pc.json status
+expect 0 --image factory-mbr.img "${media[@]}" --hash files 1:/sources
+expect 0 --image factory-mbr.img "${media[@]}" --json --hash files F:/sources
+expect 0 --image factory-mbr.img check
+expect 1 --image factory-gpt.img check
+expect 1 --image factory-gpt.img boot recovery
 
 expect 0 --image factory-mbr.img --dry-run boot recovery
 expect 0 --image factory-mbr.img boot recovery
@@ -53,6 +58,8 @@ expect 0 --image factory-mbr.img recover
 for format in qcow2 vhdx vpc vmdk vdi; do
     qemu-img convert -f raw -O "$format" factory-mbr.img "disk.$format"
     expect 0 --image "disk.$format" status
+    expect 0 --image "disk.$format" check
+    expect 0 --image "disk.$format" --hash files 1:/sources
     expect 0 --image "disk.$format" boot recovery
     expect 0 undo "disk.$format.kestova-backup-1"
     expect 0 --image "disk.$format" --force-dirty boot recovery
@@ -62,6 +69,7 @@ for format in qcow2 vhdx vpc vmdk vdi; do
 done
 ewfacquire -u -q -c fast -t disk factory-mbr.img >/dev/null 2>&1
 expect 0 --image disk.E01 status
+expect 0 --image disk.E01 --hash files 1:/sources
 expect 0 --image disk.E01 --dry-run boot recovery
 expect 3 --image disk.E01 boot recovery
 dd if=/dev/zero of=factory-gpt.img bs=512 seek=1 count=33 conv=notrunc status=none

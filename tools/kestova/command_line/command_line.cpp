@@ -26,6 +26,7 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
         {"Also",
          {
              {"--json", "", "Answer in JSON", &line.json},
+             {"--hash", "", "Show the SHA-256 of each file", &line.hash},
              {"--log", "FILE|-", "Write the library's log; '-' shows it", &line.log},
              {"--trace", "", "Show platform calls and log records", &choice.trace},
              {"--ledger", "", "Show what the library holds of the platform in the end", &choice.ledger},

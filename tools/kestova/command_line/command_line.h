@@ -16,6 +16,7 @@ struct CommandLine {
     bool overwrite = false;              // a log or a description may replace any file
     bool json = false;
     bool initialize = true;
+    bool hash = false;
     bool help = false;
     bool version = false;
 };

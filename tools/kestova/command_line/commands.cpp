@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "tools/kestova/command_line/completion.h"
+#include "tools/kestova/command_line/file_argument.h"
 #include "tools/kestova/command_line/help.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/command_line/script.h"
@@ -27,7 +28,7 @@ void ShowMessages(const std::vector<std::string>& messages) {
 template <typename Report>
 int ShowWithProblem(const CommandLine& line, const Report& report) {
     Show(line, report);
-    ShowMessage(report.remark);
+    if constexpr (requires { report.remark; }) ShowMessage(report.remark);
     ShowMessage(report.problem);
     return report.problem.empty() ? Done : Failure;
 }
@@ -38,9 +39,24 @@ int Status(const CommandLine& line) {
                           }});
 }
 
+int Files(const CommandLine& line) {
+    const FilePlace place = ReadFilePlace(line.arguments[0]);
+    return RunOnPc(line, {.run = [&](Session& session) {
+                       return ShowWithProblem(line, ReadFiles(session, place, line.hash));
+                   }});
+}
+
 int Letters(const CommandLine& line) {
     return RunOnPc(line,
                    {.run = [&](Session& session) { return ShowWithProblem(line, ReadLetters(session)); }});
+}
+
+int Check(const CommandLine& line) {
+    return RunOnPc(line, {.access = Access::Rehearse, .run = [&](Session& session) {
+                              const SwitchReport report = CheckSwitch(session);
+                              const int status = ShowWithProblem(line, report);
+                              return report.isPossible ? status : int{Failure};
+                          }});
 }
 
 const std::vector<std::pair<std::string, std::string>>& BootTargets() {
@@ -65,21 +81,32 @@ Access AccessFor(const std::vector<PlannedCall>& calls) {
     return most;
 }
 
-// The result code is the exit status.
+// The result code is the exit status. What else was found out follows the report; in JSON the reasons are in
+// it.
+int BootAndShow(const CommandLine& line, Session& session, const Operation& operation) {
+    OperationReport report = session.Call(operation, {});
+    const int result = std::get<int>(report.result);
+    if (!line.json || !report.unwritten.empty()) Show(line, report);
+    CheckWritten(report);
+    const int disk = session.Object().GetFirstInternalDriveNumber();
+    if (result != 0) report.reasons = WhySwitchRefused(session, disk);
+    if (line.json) Show(line, report);
+    ShowMessage(ActiveFlagsRemark(disk));
+    for (const RefusalReason& reason : report.reasons)
+        ShowMessage(operation.name + ": " + reason.text);
+    return result;
+}
+
 int Boot(const CommandLine& line) {
     std::vector<std::string> names;
     for (const auto& [name, operationName] : BootTargets()) {
         names.push_back(name);
         if (name != line.arguments[0]) continue;
         const Operation& operation = FindOperation(operationName);
-        return RunOnPc(
-            line, {.access = AccessFor(operation), .showChanges = true, .run = [&](Session& session) -> int {
-                       const OperationReport report = session.Call(operation, {});
-                       Show(line, report);
-                       CheckWritten(report);
-                       ShowMessage(ActiveFlagsRemark(session.Object()));
-                       return std::get<int>(report.result);
-                   }});
+        return RunOnPc(line,
+                       {.access = AccessFor(operation), .showChanges = true, .run = [&](Session& session) {
+                            return BootAndShow(line, session, operation);
+                        }});
     }
     throw WrongUse("boot: " + UnknownWord("system to boot", line.arguments[0], names));
 }
@@ -213,6 +240,8 @@ bool Uses(const Command& command, const std::string& option) {
     if (command.run == Help || command.run == Completion) return false;
     if (option == "--json") return true;
     const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
+    if (option == "--dry-run" && command.run == Check) return false;
+    if (option == "--hash") return command.run == Files;
     if (option == "--ledger" && runsNoOperation) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }
@@ -222,6 +251,10 @@ const std::vector<Command>& Commands() {
     static const std::vector<Command> commands = {
         {"status", "", "What this PC is", 0, 0, true, false, Status},
         {"letters", "", "What each letter of the installed Windows stands for", 0, 0, true, false, Letters},
+        {"files", "VOLUME[:\\PATH]", "What is in a folder of a volume, named by letter or partition", 1, 1,
+         true, false, Files},
+        {"check", "", "Whether this PC can boot its recovery partition and come back", 0, 0, true, false,
+         Check},
         {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},

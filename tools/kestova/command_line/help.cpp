@@ -32,6 +32,19 @@ const std::vector<CommandHelp>& CommandHelps() {
          "Shows the disk and the partition behind each letter of the installed Windows, read from its registry, and "
          "the letter which that partition has in the running system.",
          {{"--image disk.img letters", "from Windows PE, as on a rescue stick"}}},
+        {"files",
+         "Lists a folder of a volume, or a file, as the library's questions find them. The volume is a letter of the "
+         "running system (C:\\sources) or a partition of the internal disk (2, 2:\\sources), of another disk with "
+         "its number in front (1.2:\\sources). A path that is not there ends with its first missing part, and "
+         "status 1. Nothing is changed.",
+         {{"--image disk.img files '1:\\sources'", "a folder of partition 1"},
+          {"--image disk.img --hash files 'C:\\sources\\boot.wim'", "a file, with its SHA-256"}}},
+        {"check",
+         "Says whether this PC can boot its recovery partition and come back, before a switch: a line for each "
+         "condition with yes or no, what was found, and what to do. On an image and a described PC it also tries "
+         "both switches in memory. Nothing is changed. Ends with 0 if the switch is possible, else with 1.",
+         {{"--image disk.img check", "the disk in an image"},
+          {"--image disk.img --json check", "the same for a script"}}},
         {"boot",
          "Makes the recovery partition active and records the one that was active before (recovery), or makes the "
          "recorded one active again (system). For MBR disks.\n\n"

@@ -87,7 +87,7 @@ int RunOnObject(const CommandLine& line, const PcWork& work, Session& session) {
 }
 
 ConfinedWork WorkOn(const CommandLine& line, const PcWork& work, const InputFiles& inputs) {
-    const bool writesImages = work.access != Access::Ask && !line.choice.dryRun && !inputs.images.empty();
+    const bool writesImages = work.access == Access::Change && !line.choice.dryRun && !inputs.images.empty();
     return {.writesImages = writesImages,
             .writesDisks = writesImages && inputs.haveDisks,
             .saves = !line.choice.save.empty(),

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "base/hexadecimal.h"
 #include "base/nearest.h"
 #include "base/utf.h"
 
@@ -38,6 +39,20 @@ std::string Hanging(const std::string& text, size_t left, size_t columns) {
     return hanging;
 }
 
+// Characters that a terminal does not show but obeys: controls, and marks of the direction of a text.
+struct Range {
+    WCHAR first;
+    WCHAR last;
+};
+
+constexpr Range obeyed[] = {{0x0000, 0x001F}, {0x007F, 0x009F}, {0x061C, 0x061C}, {0x200B, 0x200F},
+                            {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}};
+
+bool IsObeyed(WCHAR unit) {
+    return std::ranges::any_of(obeyed,
+                               [&](const Range& range) { return unit >= range.first && unit <= range.last; });
+}
+
 }  // namespace
 
 std::string LetterText(WCHAR letter) {
@@ -62,6 +77,18 @@ std::string OneLine(std::string_view text) {
         }
     }
     return line;
+}
+
+std::string Printable(std::string_view name) {
+    WideString text;
+    for (const WCHAR unit : ToWide(name)) {
+        if (IsObeyed(unit)) {
+            text += ToWide("\\u" + Hex(unit, 4).substr(2));
+        } else {
+            text += unit;
+        }
+    }
+    return ToUtf8(text);
 }
 
 std::string Count(size_t count, std::string_view noun) {

@@ -16,6 +16,10 @@ std::string LetterText(WCHAR letter);
 // The text on one line: CR, LF and NUL are written as `\r`, `\n` and `\0`, as in the log file.
 std::string OneLine(std::string_view text);
 
+// A name from a medium, for a terminal: a control character, or a mark of the text's direction, is written as
+// `\u202E`. A name that is not UTF-8 becomes "?".
+std::string Printable(std::string_view name);
+
 // "1 argument", "2 arguments".
 std::string Count(size_t count, std::string_view noun);
 

@@ -115,7 +115,15 @@ void Start(Pc& pc, SystemKind kind) {
 }
 
 ImageUse UseFor(const PcChoice& choice, Access access) {
-    return UseOfImages(choice, access == Access::Ask ? ImageAccess::Read : ImageAccess::Write);
+    switch (access) {
+        case Access::Ask:
+            return UseOfImages(choice, ImageAccess::Read);
+        case Access::Rehearse:
+            return UseOfImages(choice, ImageAccess::Overlay);
+        case Access::Change:
+            break;
+    }
+    return UseOfImages(choice, ImageAccess::Write);
 }
 
 Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {
@@ -169,6 +177,7 @@ class EmulatedOne final : public OpenedPc {
     const std::map<std::string, int>& Ledger() const override { return emulated_.ledger.Counts(); }
     bool Rehearse(const std::function<void()>& action) override;
     bool LacksFileSystem(int disk, int partition) const override;
+    FoundVolume VolumeAt(const VolumePlace& place) override { return FindVolume(emulated_.facts, place); }
     std::string Commit() override;
     std::vector<std::string> Backups() const override;
     std::optional<std::vector<std::string>> Changes() const override {

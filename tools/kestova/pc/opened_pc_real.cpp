@@ -1,5 +1,6 @@
 // The PC that the program runs on. Windows loads the library and executes its calls.
 
+#include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/opened_pc.h"
 
 namespace {
@@ -12,6 +13,9 @@ class RealOne final : public OpenedPc {
     const std::map<std::string, int>& Ledger() const override { return unknown_; }
     bool Rehearse(const std::function<void()>&) override { return false; }
     bool LacksFileSystem(int, int) const override { return false; }
+    FoundVolume VolumeAt(const VolumePlace&) override {
+        throw NotLookedInto("for the PC that the program runs on use dir, and certutil -hashfile");
+    }
     std::string Commit() override { return ""; }
     std::vector<std::string> Backups() const override { return {}; }
     std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }

@@ -9,14 +9,21 @@
 #include "machine/facts/file_store.h"
 
 // Forwards every call to the store of a volume.
-class WatchedStore final : public machine::FileStore {
+class WatchedStore final : public machine::VolumeStore {
   public:
-    explicit WatchedStore(std::shared_ptr<FileStore> store) : store_(std::move(store)) {}
+    explicit WatchedStore(std::shared_ptr<VolumeStore> store) : store_(std::move(store)) {}
 
     machine::FileKind Find(std::string_view path) override { return store_->Find(path); }
     uint32_t Read(std::string_view path, std::string& content) override {
         return store_->Read(path, content);
     }
+    uint32_t List(std::string_view path, std::vector<machine::FileEntry>& entries) override {
+        return store_->List(path, entries);
+    }
+    uint32_t ReadParts(std::string_view path, const std::function<void(std::string_view)>& take) override {
+        return store_->ReadParts(path, take);
+    }
+    std::string WhyUnchangeable() override { return store_->WhyUnchangeable(); }
     uint32_t Write(std::string_view path, std::string_view content) override;
     uint32_t Remove(std::string_view path) override;
 
@@ -28,6 +35,6 @@ class WatchedStore final : public machine::FileStore {
   private:
     void Remember(std::string_view path);
 
-    std::shared_ptr<FileStore> store_;
+    std::shared_ptr<VolumeStore> store_;
     std::map<std::string, std::optional<std::string>> touched_;
 };

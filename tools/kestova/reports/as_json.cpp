@@ -11,8 +11,8 @@ namespace {
 // Keys keep the order in which they were written.
 using Json = nlohmann::ordered_json;
 
-std::string Line(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+std::string Line(const Json& json, bool inAscii = false) {
+    return json.dump(-1, ' ', inAscii, Json::error_handler_t::replace) + "\n";
 }
 
 // --- values ---
@@ -26,6 +26,10 @@ Json ToJson(bool flag) {
 }
 
 Json ToJson(int number) {
+    return number;
+}
+
+Json ToJson(uint64_t number) {
     return number;
 }
 
@@ -96,6 +100,43 @@ Json ToJson(const LetterReport& letter) {
             {"disk", ToJson(letter.disk)},
             {"partition", ToJson(letter.partition)},
             {"here", ToJson(letter.here)}};
+}
+
+// --- files ---
+
+const char* KindWord(bool isFolder) {
+    return isFolder ? "folder" : "file";
+}
+
+Json ToJson(const ListedFile& file, bool hasHash) {
+    Json json = {{"name", file.entry.name},
+                 {"kind", KindWord(file.entry.kind == machine::FileKind::Folder)},
+                 {"bytes", ToJson(file.entry.bytes)}};
+    if (hasHash) json["sha256"] = ToJson(file.sha256);
+    return json;
+}
+
+// --- the check of a switch ---
+
+Json ToJson(const ConditionReport& condition) {
+    const bool isAdvised = condition.isMet == false && *condition.advice != '\0';
+    return {{"code", condition.code},
+            {"question", condition.question},
+            {"met", ToJson(condition.isMet)},
+            {"found", condition.found},
+            {"advice", isAdvised ? Json(condition.advice) : Json()}};
+}
+
+Json ToJson(const RefusalReason& reason) {
+    return {{"code", reason.code}, {"text", reason.text}};
+}
+
+template <typename Element>
+Json ListOf(const std::vector<Element>& elements) {
+    Json json = Json::array();
+    for (const Element& element : elements)
+        json.push_back(ToJson(element));
+    return json;
 }
 
 // --- operations ---
@@ -222,6 +263,28 @@ std::string AsJson(const LettersReport& letters) {
     return Line(json);
 }
 
+std::string AsJson(const SwitchReport& report) {
+    Json json = {{"possible", report.isPossible}, {"conditions", ListOf(report.conditions)}};
+    if (!report.problem.empty()) json["problem"] = report.problem;
+    return Line(json);
+}
+
+// In ASCII: a name from a medium can have characters that a terminal obeys.
+std::string AsJson(const FilesReport& report) {
+    Json entries = Json::array();
+    for (const ListedFile& file : report.files)
+        entries.push_back(ToJson(file, report.hasHashes));
+    const FoundVolume& volume = report.volume;
+    Json json = {{"path", "\\" + report.place.path},
+                 {"kind", KindWord(report.isFolder)},
+                 {"disk", ToJson(volume.disk)},
+                 {"partition", ToJson(volume.partition)},
+                 {"letter", volume.letters.empty() ? Json() : Json(volume.letters.substr(0, 1))},
+                 {"entries", entries}};
+    if (!report.problem.empty()) json["problem"] = report.problem;
+    return Line(json, true);
+}
+
 std::string AsJson(const OperationReport& report) {
     Json json = {{"operation", report.operation->name},
                  {"arguments", ToJson(report.arguments)},
@@ -232,6 +295,7 @@ std::string AsJson(const OperationReport& report) {
     if (!report.backups.empty()) json["backups"] = report.backups;
     if (!report.unwritten.empty()) json["written"] = false;
     if (!report.problem.empty()) json["problem"] = report.problem;
+    if (!report.reasons.empty()) json["reasons"] = ListOf(report.reasons);
     return Line(json);
 }
 

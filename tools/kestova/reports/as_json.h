@@ -9,14 +9,18 @@
 
 #include "machine/facts/call_table.h"
 #include "machine/facts/machines.h"
+#include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
+#include "tools/kestova/reports/switch_check.h"
 #include "tools/kestova/reports/table_repair.h"
 #include "tools/kestova/reports/undo.h"
 
 std::string AsJson(const StatusReport& status);
 std::string AsJson(const LettersReport& letters);
+std::string AsJson(const FilesReport& report);
+std::string AsJson(const SwitchReport& report);
 std::string AsJson(const OperationReport& report);
 std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const TableRepairReport& report);

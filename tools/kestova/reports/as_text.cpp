@@ -89,6 +89,13 @@ const char* NoActivePartition(const StatusReport& status) {
     return status.isAllRead ? "none" : "unknown";
 }
 
+// --- files ---
+
+std::string FileSizeText(const machine::FileEntry& entry) {
+    if (entry.kind == machine::FileKind::Folder) return "folder";
+    return entry.bytes ? SizeText(*entry.bytes) : "unreadable";
+}
+
 // --- operations ---
 
 std::string ValueText(const Value& value, const std::vector<Meaning>& meanings, const char* otherwise) {
@@ -170,6 +177,25 @@ std::string AsText(const LettersReport& letters) {
     for (const LetterReport& letter : letters.letters)
         rows.push_back(
             {letter.letter, Or(letter.disk, "-"), Or(letter.partition, "-"), Or(letter.here, "-")});
+    return Table(rows, "");
+}
+
+std::string AsText(const FilesReport& report) {
+    Rows rows = {{"Name", "Size"}};
+    if (report.hasHashes) rows.front().emplace_back("SHA-256");
+    for (const ListedFile& file : report.files) {
+        rows.push_back({Printable(file.entry.name), FileSizeText(file.entry)});
+        if (report.hasHashes) rows.back().push_back(Or(file.sha256, "-"));
+    }
+    return Table(rows, "");
+}
+
+std::string AsText(const SwitchReport& report) {
+    Rows rows;
+    for (const ConditionReport& condition : report.conditions) {
+        const char* const answer = !condition.isMet ? "-" : *condition.isMet ? "yes" : "no";
+        rows.push_back({condition.question, answer, TextOf(condition)});
+    }
     return Table(rows, "");
 }
 

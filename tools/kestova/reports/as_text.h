@@ -9,15 +9,19 @@
 #include "machine/facts/call_table.h"
 #include "machine/facts/machines.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/status.h"
+#include "tools/kestova/reports/switch_check.h"
 #include "tools/kestova/reports/table_repair.h"
 #include "tools/kestova/reports/undo.h"
 
 // Remark and problem are left out: they belong on standard error.
 std::string AsText(const StatusReport& status);
 std::string AsText(const LettersReport& letters);
+std::string AsText(const FilesReport& report);
+std::string AsText(const SwitchReport& report);
 
 // "GetDriveLetter(0, 2) = C: its letter", the outputs below it, and the trace before it when there is one.
 std::string AsText(const OperationReport& report);

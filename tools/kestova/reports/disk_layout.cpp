@@ -40,6 +40,10 @@ std::vector<PARTITION_INFORMATION_EX> UsedEntries(const std::vector<BYTE>& layou
 
 }  // namespace
 
+bool IsActive(const PARTITION_INFORMATION_EX& entry) {
+    return entry.PartitionStyle == PARTITION_STYLE_MBR && entry.Mbr.BootIndicator != 0;
+}
+
 std::optional<std::vector<PARTITION_INFORMATION_EX>> ReadDiskLayout(int disk) {
     const auto name = ToWide("\\\\.\\PHYSICALDRIVE" + std::to_string(disk));
     const HANDLE handle = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,

@@ -60,10 +60,6 @@ std::optional<std::string> WindowsDirectory(Questions& questions) {
     return std::nullopt;
 }
 
-bool IsActive(const PARTITION_INFORMATION_EX& partition) {
-    return partition.PartitionStyle == PARTITION_STYLE_MBR && partition.Mbr.BootIndicator != 0;
-}
-
 // A volume without a file system, or one that BitLocker keeps locked, is as it should be.
 bool IsOrdinary(DWORD error) {
     return error == ERROR_UNRECOGNIZED_VOLUME || error == machine::errorLockedVolume;
@@ -173,7 +169,6 @@ StatusReport ReadStatus(Session& session, bool initialize) {
     return status;
 }
 
-std::string ActiveFlagsRemark(Kestova& object) {
-    const int disk = object.GetFirstInternalDriveNumber();
+std::string ActiveFlagsRemark(int disk) {
     return disk >= 0 ? Remark(ReadDiskLayout(disk)) : "";
 }

@@ -59,5 +59,5 @@ struct StatusReport {
 // Calls Initialize first on request. Leaves the PC unchanged.
 StatusReport ReadStatus(Session& session, bool initialize);
 
-// "2 partitions are active; ..." of the first internal disk; empty when it is one or none, or cannot be read.
-std::string ActiveFlagsRemark(Kestova& object);
+// "2 partitions are active; ..." of a disk; empty when it is one or none, or cannot be read.
+std::string ActiveFlagsRemark(int disk);

@@ -80,18 +80,38 @@ bool IsClosedForChange(const ntfs_inode& inode) {
     return IsClosed(inode) || Has(inode, FILE_ATTR_READONLY);
 }
 
-uint32_t ReadContent(ntfs_inode& inode, ImageRange& range, std::string& content) {
+std::optional<uint64_t> LengthOf(ntfs_inode& inode) {
+    const AttributeOwner data(ntfs_attr_open(&inode, AT_DATA, AT_UNNAMED, 0));
+    if (!data || data->data_size < 0) return std::nullopt;
+    return static_cast<uint64_t>(data->data_size);
+}
+
+uint32_t ReadParts(ntfs_inode& inode, ImageRange& range, uint64_t longest,
+                   const std::function<void(std::string_view)>& take) {
+    constexpr s64 longestPart = 1 << 20;
     const AttributeOwner data(ntfs_attr_open(&inode, AT_DATA, AT_UNNAMED, 0));
     if (!data) return PlatformError(errno);
-    const uint64_t longest = std::min(range.size, longestFile);
-    if (data->data_size < 0 || static_cast<uint64_t>(data->data_size) > longest) return errorFileCorrupt;
+    const s64 length = data->data_size;
+    if (length < 0 || static_cast<uint64_t>(length) > longest) return errorFileCorrupt;
     // In the worst case each cluster is read by itself.
-    range.readsLeft += static_cast<uint64_t>(data->data_size) / inode.vol->cluster_size;
-    std::string bytes(static_cast<size_t>(data->data_size), '\0');
-    const s64 done = bytes.empty() ? 0 : ntfs_attr_pread(data.get(), 0, data->data_size, bytes.data());
-    if (done != data->data_size) return done < 0 ? PlatformError(errno) : errorFileCorrupt;
-    content = std::move(bytes);
+    range.readsLeft += static_cast<uint64_t>(length) / inode.vol->cluster_size;
+    std::string part;
+    for (s64 at = 0; at < length; at += longestPart) {
+        part.resize(static_cast<size_t>(std::min(length - at, longestPart)));
+        const s64 wanted = static_cast<s64>(part.size());
+        const s64 done = ntfs_attr_pread(data.get(), at, wanted, part.data());
+        if (done != wanted) return done < 0 ? PlatformError(errno) : errorFileCorrupt;
+        take(part);
+    }
     return 0;
+}
+
+uint32_t ReadContent(ntfs_inode& inode, ImageRange& range, std::string& content) {
+    std::string bytes;
+    const uint32_t error = ReadParts(inode, range, std::min(range.size, longestFile),
+                                     [&](std::string_view part) { bytes += part; });
+    if (error == 0) content = std::move(bytes);
+    return error;
 }
 
 uint32_t WriteContent(ntfs_inode& inode, std::string_view content) {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -32,7 +34,13 @@ bool IsSystemFile(const ntfs_inode& inode);
 bool IsClosed(const ntfs_inode& inode);
 bool IsClosedForChange(const ntfs_inode& inode);
 
-// `range` is that of the volume, which may be read further for it.
+// Bytes of content; nothing if that is damaged.
+std::optional<uint64_t> LengthOf(ntfs_inode& inode);
+
+// The content in parts. `range` is that of the volume, which may be read further for it. Error 1392 for one
+// that is longer than `longest` bytes.
+uint32_t ReadParts(ntfs_inode& inode, ImageRange& range, uint64_t longest,
+                   const std::function<void(std::string_view)>& take);
 uint32_t ReadContent(ntfs_inode& inode, ImageRange& range, std::string& content);
 uint32_t WriteContent(ntfs_inode& inode, std::string_view content);
 

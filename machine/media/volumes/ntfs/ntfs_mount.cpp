@@ -107,6 +107,13 @@ InodeOwner NtfsVolume::Mount::Open(const std::string& path) const {
     return InodeOwner(ntfs_pathname_to_inode(volume_, nullptr, path.c_str()));
 }
 
+uint32_t NtfsVolume::Mount::Find(std::string_view path, InodeOwner& inode) const {
+    if (!Volume()) return errorFileCorrupt;
+    inode = Open(Normalized(path));
+    if (inode) return 0;
+    return errno == ENOTDIR ? errorFileNotFound : PlatformError(errno);
+}
+
 void NtfsVolume::Mount::MarkAsChanging() const {
     const le16 flags = volume_->flags;
     range_.image.Mark([&] { ntfs_volume_write_flags(volume_, flags | VOLUME_IS_DIRTY); },

@@ -25,6 +25,8 @@ class NtfsVolume::Mount {
 
     // Null, with errno set, if there is none.
     InodeOwner Open(const std::string& path) const;
+    // The same by any spelling of the path; the error if there is none, or the volume cannot be mounted.
+    uint32_t Find(std::string_view path, InodeOwner& inode) const;
     // The volume counts as dirty while its change is being written.
     void MarkAsChanging() const;
     // Creates an empty file in an existing folder. Paths are normalised; errors as those of FileStore.

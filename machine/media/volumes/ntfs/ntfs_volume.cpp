@@ -1,9 +1,8 @@
 #include "machine/media/volumes/ntfs/ntfs_volume.h"
 
-#include <cerrno>
-
 #include "machine/facts/store_path.h"
 #include "machine/media/device/store_errors.h"
+#include "machine/media/volumes/ntfs/ntfs_folder.h"
 #include "machine/media/volumes/ntfs/ntfs_mount.h"
 #include "machine/media/volumes/ntfs/ntfs_record.h"
 
@@ -16,17 +15,17 @@ namespace {
 const char* AdviceFor(NtfsVolume::Condition condition) {
     switch (condition) {
         case NtfsVolume::Condition::Dirty:
-            return " is marked dirty: start Windows, let chkdsk check it, shut down, and try again";
+            return "is marked dirty: start Windows, let chkdsk check it, shut down, and try again";
         case NtfsVolume::Condition::Unreplayed:
-            return " is inconsistent, because it was not shut down: start Windows, shut it down completely "
+            return "is inconsistent, because it was not shut down: start Windows, shut it down completely "
                    "(shutdown /s /t 0), and try again";
         case NtfsVolume::Condition::Hibernated:
-            return " is hibernated: start Windows, shut it down completely (shutdown /s /t 0), and try again";
+            return "is hibernated: start Windows, shut it down completely (shutdown /s /t 0), and try again";
         case NtfsVolume::Condition::Clean:
         case NtfsVolume::Condition::Damaged:
             break;
     }
-    return " is damaged: let chkdsk repair it on a running Windows, and try again";
+    return "is damaged: let chkdsk repair it on a running Windows, and try again";
 }
 
 }  // namespace
@@ -52,12 +51,20 @@ NtfsVolume::Condition NtfsVolume::Check() {
     return *condition_;
 }
 
+bool NtfsVolume::AllowsChange(Condition condition) const {
+    return condition == Condition::Clean || (condition == Condition::Dirty && image_->ForcesDirty());
+}
+
+std::string NtfsVolume::WhyUnchangeable() {
+    const Condition condition = Check();
+    return AllowsChange(condition) ? "" : AdviceFor(condition);
+}
+
 uint32_t NtfsVolume::PrepareChange() {
     if (image_->Access() == ImageAccess::Read) return errorWriteProtect;
     const Condition condition = Check();
-    if (condition == Condition::Clean) return 0;
-    if (condition == Condition::Dirty && image_->ForcesDirty()) return 0;
-    image_->Bar(name_ + AdviceFor(condition));
+    if (AllowsChange(condition)) return 0;
+    image_->Bar(name_ + " " + AdviceFor(condition));
     return condition == Condition::Damaged ? errorFileCorrupt : errorWriteProtect;
 }
 
@@ -71,11 +78,27 @@ FileKind NtfsVolume::Find(std::string_view path) {
 
 uint32_t NtfsVolume::Read(std::string_view path, std::string& content) {
     Mount& mount = Mounted();
-    if (!mount.Volume()) return errorFileCorrupt;
-    const InodeOwner inode = mount.Open(Normalized(path));
-    if (!inode) return errno == ENOTDIR ? errorFileNotFound : PlatformError(errno);
+    InodeOwner inode;
+    if (const uint32_t error = mount.Find(path, inode); error != 0) return error;
     if (IsClosed(*inode)) return errorAccessDenied;
     return ReadContent(*inode, mount.Range(), content);
+}
+
+uint32_t NtfsVolume::ReadParts(std::string_view path, const std::function<void(std::string_view)>& take) {
+    Mount& mount = Mounted();
+    InodeOwner inode;
+    if (const uint32_t error = mount.Find(path, inode); error != 0) return error;
+    if (IsClosed(*inode)) return errorAccessDenied;
+    return machine::ReadParts(*inode, mount.Range(), mount.Range().size, take);
+}
+
+uint32_t NtfsVolume::List(std::string_view path, std::vector<FileEntry>& entries) {
+    Mount& mount = Mounted();
+    InodeOwner inode;
+    if (const uint32_t error = mount.Find(path, inode); error != 0) return error;
+    if (IsFolder(*inode)) return ListFolder(*inode, mount.Range(), entries);
+    entries.push_back({NamesOf(path).back(), FileKind::File, LengthOf(*inode)});
+    return 0;
 }
 
 uint32_t NtfsVolume::Write(std::string_view path, std::string_view content) {

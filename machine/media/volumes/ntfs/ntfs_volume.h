@@ -11,7 +11,7 @@
 
 namespace machine {
 
-class NtfsVolume : public FileStore {
+class NtfsVolume : public VolumeStore {
   public:
     // Does not read anything; the volume is mounted on first use, for writing on the first change.
     NtfsVolume(std::shared_ptr<ImageFile> image, uint64_t offset, uint64_t size);
@@ -39,10 +39,16 @@ class NtfsVolume : public FileStore {
     uint32_t Read(std::string_view path, std::string& content) override;
     uint32_t Write(std::string_view path, std::string_view content) override;
     uint32_t Remove(std::string_view path) override;
+    // Without the file system's own files, and without the second names of the days of DOS.
+    uint32_t List(std::string_view path, std::vector<FileEntry>& entries) override;
+    // Files of any length.
+    uint32_t ReadParts(std::string_view path, const std::function<void(std::string_view)>& take) override;
+    std::string WhyUnchangeable() override;
 
   private:
     class Mount;
     Mount& Mounted();
+    bool AllowsChange(Condition condition) const;
 
     std::shared_ptr<ImageFile> image_;
     uint64_t offset_;
