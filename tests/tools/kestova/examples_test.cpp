@@ -56,7 +56,9 @@ TEST_P(ExamplesOfAPage, InTheirOrder_Run_WriteWhatThePageShows) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, ExamplesOfAPage, testing::Values("docs/operations.md", "docs/hazards.md"));
+INSTANTIATE_TEST_SUITE_P(Each, ExamplesOfAPage,
+                         testing::Values("docs/operations.md", "docs/hazards.md",
+                                         "docs/recovery-partitions.md"));
 
 TEST_F(Examples, EachOperation_OnThePage_HasAnExample) {
     const std::string page = Text("docs/operations.md");
