@@ -62,7 +62,8 @@ TEST_P(ExamplesOfAPage, InTheirOrder_Run_WriteWhatThePageShows) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, ExamplesOfAPage,
-                         testing::Values("docs/operations.md", "docs/hazards.md", "docs/command-line.md"));
+                         testing::Values("docs/operations.md", "docs/hazards.md", "docs/command-line.md",
+                                         "docs/recovery-partitions.md"));
 
 TEST_F(Examples, EachOperation_OnThePage_HasAnExample) {
     const std::string page = Text("docs/operations.md");
