@@ -231,12 +231,14 @@ void KeepDiskServerStarter() {
     std::array<int, 2> ends = {};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) Fail("images");
     Descriptor ours(ends[0]);
-    Descriptor theirs(ends[1]);
+    const Descriptor theirs(ends[1]);
     const pid_t child = fork();
     if (child < 0) Fail("images");
     if (child == 0) {
-        ours = Descriptor();
-        AnswerAll(theirs.Number());
+        // A file of the program that stays open in it stays locked, too.
+        if (dup2(theirs.Number(), firstPassed) < 0 || close_range(firstPassed + 1, ~0U, 0) != 0)
+            _exit(EXIT_FAILURE);
+        AnswerAll(firstPassed);
     }
     starter = std::move(ours);
 }
