@@ -42,7 +42,7 @@ void RefuseReadOnly(int descriptor, const std::string& path) {
 }
 
 void RefuseIfUsed(int descriptor, const std::string& path) {
-    const std::string user = DiskUser(NumbersOf(descriptor));
+    const std::string user = DiskUser(NumbersOf(descriptor), path);
     if (!user.empty()) throw InUse(path, user);
 }
 
@@ -64,7 +64,8 @@ uint64_t BytesOf(int descriptor) {
 
 }  // namespace
 
-DiskDevice::DiskDevice(const std::string& path, bool forWriting) : descriptor_(OpenImage(path, false)) {
+DiskDevice::DiskDevice(const std::string& path, bool forWriting)
+    : path_(path), descriptor_(OpenImage(path, false)) {
     RefusePartition(descriptor_.Number(), path);
     if (forWriting) {
         RefuseReadOnly(descriptor_.Number(), path);
@@ -89,7 +90,7 @@ void DiskDevice::Measure(const std::string& path) {
 }
 
 std::string DiskDevice::OtherUser() const {
-    return DiskUser(NumbersOf(descriptor_.Number()));
+    return DiskUser(NumbersOf(descriptor_.Number()), path_);
 }
 
 bool DiskDevice::Read(uint64_t offset, void* buffer, size_t length) const {

@@ -27,6 +27,7 @@ class DiskDevice final : public BlockDevice {
   private:
     void Measure(const std::string& path);
 
+    std::string path_;
     Descriptor descriptor_;
     uint64_t size_ = 0;
     uint32_t sectorSize_ = 0;

@@ -30,10 +30,10 @@ Part PartOf(const fs::path& folder) {
     return {numbers, "/dev/" + folder.filename().string(), folder};
 }
 
-std::vector<Part> PartsOf(dev_t disk) {
+std::vector<Part> PartsOf(dev_t disk, const std::string& name) {
     std::error_code error;
     const fs::path folder = fs::canonical(SysfsFolder(disk), error);
-    if (error) return {};
+    if (error) return {{Numbers(disk), name, {}}};
     std::vector<Part> parts = {PartOf(folder)};
     for (const auto& entry : fs::directory_iterator(folder, error)) {
         if (fs::exists(entry.path() / "partition", error)) parts.push_back(PartOf(entry.path()));
@@ -110,8 +110,8 @@ std::string SysfsFolder(dev_t device) {
     return "/sys/dev/block/" + Numbers(device);
 }
 
-std::string DiskUser(dev_t disk) {
-    for (const Part& part : PartsOf(disk)) {
+std::string DiskUser(dev_t disk, const std::string& name) {
+    for (const Part& part : PartsOf(disk, name)) {
         for (const auto find : {MountOf, SwapOn, HolderOf}) {
             std::string user = find(part);
             if (!user.empty()) return user;

@@ -12,6 +12,7 @@ namespace machine {
 std::string SysfsFolder(dev_t device);
 
 // Who uses the disk or one of its partitions: "/dev/sdb1 is mounted on /mnt". Empty if nobody is known to.
-std::string DiskUser(dev_t disk);
+// Without sysfs only the disk itself is looked at, under the name that the user has for it.
+std::string DiskUser(dev_t disk, const std::string& name);
 
 }  // namespace machine

@@ -92,8 +92,9 @@ TEST_F(DiskOfThisComputer, AskedOnATerminal_BootRecovery_ObeysTheAnswer) {
                                 " --no-journal boot recovery\" terminal";
     const Outcome no = Shell("echo n | " + command);
     EXPECT_EQ(no.status, 1);
-    EXPECT_THAT(no.output, HasSubstr(disk_ + " (" + (Folder() / "disk.img").string() +
-                                     ", 300.0 MiB) is a disk of this computer. Change it? [y/N] "));
+    const bool isKnown = std::filesystem::exists("/sys/block");
+    EXPECT_THAT(no.output, HasSubstr(disk_ + " (" + (isKnown ? (Folder() / "disk.img").string() + ", " : "") +
+                                     "300.0 MiB) is a disk of this computer. Change it? [y/N] "));
     EXPECT_THAT(no.output, HasSubstr("kestova: " + disk_ + ": nothing was changed"));
     EXPECT_TRUE(IsAsMade());
 
