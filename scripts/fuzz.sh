@@ -36,8 +36,8 @@ fuzz_one() {
     printf '%s %s %s\n' "$target" "$status" $((SECONDS - start)) >>"$temporary/fuzz-done"
 }
 
-# fuzz_executions TARGET: how many inputs its run has tried.
-fuzz_executions() { sed -n 's/^stat::number_of_executed_units: *//p' "$temporary/fuzz-$1"; }
+# fuzz_executions TARGET: how many inputs its run has tried. One that its time limit ends says so twice.
+fuzz_executions() { sed -n 's/^stat::number_of_executed_units: *//p' "$temporary/fuzz-$1" | tail -n 1; }
 
 # fuzz_report TARGET STATUS SECONDS PRESET: a line about a run, all of it after a crash, and the figures of one that took a
 # minute or more, or ended with a crash.
