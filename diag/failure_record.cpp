@@ -2,22 +2,12 @@
 
 void RecordFailure(int level, const FailureText& failure, LONG result, DWORD lastError) {
     if (failure.text == nullptr) return;
+    const LoggedCodes codes = failure.codes;
     LogRecord record(level);
     record.Text(failure.text);
-    switch (failure.codes) {
-        case LoggedCodes::None:
-            break;
-        case LoggedCodes::Result:
-            record.Long(result);
-            break;
-        case LoggedCodes::LastError:
-            record.ULong(lastError);
-            break;
-        case LoggedCodes::LabelledLastError:
-            record.Text(failure.lastErrorLabel).ULong(lastError);
-            break;
-        case LoggedCodes::ResultAndLastError:
-            record.Long(result).Text(failure.lastErrorLabel).ULong(lastError);
-            break;
-    }
+    const bool both = codes == LoggedCodes::ResultAndLastError;
+    if (codes == LoggedCodes::Result || both) record.Long(result);
+    if (codes == LoggedCodes::LabelledLastError || both) record.Text(failure.lastErrorLabel);
+    if (codes == LoggedCodes::LastError || codes == LoggedCodes::LabelledLastError || both)
+        record.ULong(lastError);
 }

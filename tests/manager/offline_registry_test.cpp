@@ -132,7 +132,6 @@ const BatchFailure batchFailures[] = {
     {"NotConverted", "WideCharToMultiByte", 2, ERROR_INSUFFICIENT_BUFFER, false, 1, false},
     {"NotWritten", "WriteFile", 1, ERROR_DISK_FULL, false, 1, false},
     {"WrittenNotTold", "WriteFile", 1, ERROR_DISK_FULL, true, 1, false},
-    {"CutShort", "WriteFile", 1, ERROR_SUCCESS, false, 1, false},
     {"NotStarted", "ShellExecuteExW", 1, ERROR_CANCELLED, false, 1, false},
     {"WaitFails", "WaitForSingleObject", 1, WAIT_FAILED, false, 1, false},
     {"WaitFailsAtTheEnd", "WaitForSingleObject", 1, WAIT_FAILED, true, 1, true},
