@@ -64,7 +64,7 @@ mapfile -t calls < <("$linux_tool" calls --json | sed 's/{"call":"\([^"]*\)".*/\
 
 scenarios() {
     local pc call
-    printf '%s\n' --help --version operations 'operations --json' pcs 'pcs --json' calls 'calls --json' \
+    printf '%s\n' --help operations 'operations --json' pcs 'pcs --json' calls 'calls --json' \
         'call SetActiv 1' '--pc factory-mrb status' '--pc missing.json status' '--pc ../all.txt status'
     for pc in "${pcs[@]}"; do
         printf -- "--pc $pc %s\n" status '--json status' '--pe --json status' '--windows --json status' letters \

@@ -93,8 +93,10 @@ FileEntry ReadOnlyVolume::Described(const Entry& entry) const {
 uint32_t ReadOnlyVolume::List(std::string_view path, std::vector<FileEntry>& entries) {
     Item found;
     if (const uint32_t error = Look(path, found); error != 0) return error;
+    const std::vector<std::string> names = NamesOf(path);
+    if (!found.isFolder && names.empty()) return errorFileCorrupt;  // a root that is no folder
     if (!found.isFolder) {
-        entries.push_back({NamesOf(path).back(), FileKind::File, Length(found)});
+        entries.push_back({names.back(), FileKind::File, Length(found)});
         return 0;
     }
     const auto listed = Open(found) != nullptr ? List(found) : std::nullopt;

@@ -294,5 +294,16 @@ TEST_F(DiscVolumeTest, AnyDisc_FindAndRead_LeaveTheDiscUnchanged) {
     }
 }
 
+// The signature of the only descriptor is damaged.
+TEST_F(DiscVolumeTest, NoRoot_List_IsCorrupt) {
+    const std::string image = DiscOf("touch file", "");
+    PatchByte(image, uint64_t{16} * 2048 + 1, 0);
+    auto volume = Open<IsoVolume>(image);
+    VolumeStore& store = volume;
+    std::vector<FileEntry> entries;
+    EXPECT_EQ(store.List("", entries), 1392u);
+    EXPECT_TRUE(entries.empty());
+}
+
 }  // namespace
 }  // namespace machine
