@@ -6,6 +6,7 @@
 #include "manager/factory_layout.h"
 #include "manager/guard.h"
 #include "manager/kestova.h"
+#include "manager/nothing_to_do.h"
 #include "manager/system_volume_ini.h"
 #include "vds/vds_partition.h"
 
@@ -87,8 +88,7 @@ int Kestova::SetRcvprtActive() {
         }
         if (previous == noPartition) return Finish(setRcvprtActive, 2);
         if (previous == mbr_layout::recovery) {
-            LogRecord(LOG_LEVEL_TRACE)
-                .Text(TEXT("Kestova::SetRcvprtActive\tGetActivePartitionNumber PartitionNumber is 1. 0"));
+            LogRecord(LOG_LEVEL_TRACE).Text(recoveryWasActive);
             return 0;
         }
         WCHAR file[iniPathCapacity] = {};
@@ -148,7 +148,7 @@ int Kestova::SetSystemActive() {
         if (PathFileExistsW(file)) {
             if (!ReadRecordedPartition(file, target)) target = mbr_layout::system;
         } else if (current != mbr_layout::recovery) {
-            LogRecord(LOG_LEVEL_TRACE).Text(TEXT("Kestova::SetSystemActive\t\tPartitionNumber is not 1. 0"));
+            LogRecord(LOG_LEVEL_TRACE).Text(systemWasActive);
             return 0;
         }
         step = 4;

@@ -7,24 +7,31 @@ namespace machine {
 void FaultPlan::Arm(FaultRule rule) {
     counts_.clear();
     rules_.push_back(std::move(rule));
+    fired_.push_back(0);
 }
 
 void FaultPlan::Disarm() {
     rules_.clear();
     counts_.clear();
-    fired_ = 0;
+    fired_.clear();
 }
 
 const FaultRule* FaultPlan::Next(const std::string& call) {
     ++counts_[call];
     ++counts_[anyCall];
-    for (const FaultRule& rule : rules_) {
+    for (size_t i = 0; i < rules_.size(); ++i) {
+        const FaultRule& rule = rules_[i];
         if (!Applies(rule, call)) continue;
-        ++fired_;
+        ++fired_[i];
         FaultInjected(rule);
         return &rule;
     }
     return nullptr;
+}
+
+uint32_t FaultPlan::Calls(const std::string& name) const {
+    const auto found = counts_.find(name);
+    return found != counts_.end() ? found->second : 0;
 }
 
 bool FaultPlan::Applies(const FaultRule& rule, const std::string& call) {

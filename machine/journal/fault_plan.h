@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -19,16 +20,19 @@ class FaultPlan {
     void Disarm();
     // Counts the call and returns the first rule that applies to it, or null.
     const FaultRule* Next(const std::string& call);
-    // How many calls a rule has applied to.
-    int Fired() const { return fired_; }
+    // How many calls the rules have applied to; and each of them, in order.
+    int Fired() const { return std::accumulate(fired_.begin(), fired_.end(), 0); }
+    const std::vector<int>& FiredByRule() const { return fired_; }
+    // How many calls of that name there were since the last rule was added.
+    uint32_t Calls(const std::string& name) const;
 
   private:
     // Whether the rule is for the call that has just been counted.
     bool Applies(const FaultRule& rule, const std::string& call);
 
     std::vector<FaultRule> rules_;
-    std::map<std::string, uint32_t> counts_;  // of anyCall: the calls of all names
-    int fired_ = 0;
+    std::map<std::string, uint32_t> counts_;                    // of anyCall: the calls of all names
+    std::vector<int> fired_ = std::vector<int>(rules_.size());  // of each rule
 };
 
 // Called whenever a rule applies; set a breakpoint here.

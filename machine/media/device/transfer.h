@@ -2,10 +2,12 @@
 #pragma once
 
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace machine {
 
@@ -22,6 +24,14 @@ bool Through(Transfer transfer, int descriptor, uint64_t offset, Byte* bytes, si
         length -= static_cast<size_t>(done);
     }
     return true;
+}
+
+// Writes at the file's position. False, with errno set, if that fails.
+inline bool WriteAll(int descriptor, std::string_view bytes) {
+    const auto next = [](int file, const char* from, size_t length, off_t) {
+        return write(file, from, length);
+    };
+    return Through(next, descriptor, 0, bytes.data(), bytes.size());
 }
 
 }  // namespace machine

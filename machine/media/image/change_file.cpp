@@ -15,6 +15,7 @@
 #include "machine/media/device/descriptor.h"
 #include "machine/media/device/disk_identity.h"
 #include "machine/media/device/little_endian.h"
+#include "machine/media/device/transfer.h"
 
 namespace machine {
 
@@ -137,16 +138,6 @@ bool Flush(const Descriptor& file) {
     return fsync(file.Number()) == 0;
 }
 
-bool WriteAll(const Descriptor& file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t done = write(file.Number(), bytes.data(), bytes.size());
-        if (done < 0 && errno == EINTR) continue;
-        if (done <= 0) return false;
-        bytes.remove_prefix(static_cast<size_t>(done));
-    }
-    return true;
-}
-
 // A name is on the medium once its folder is.
 bool FlushFolder(const std::string& path) {
     const Descriptor folder = Open(FolderOfFile(path), O_RDONLY | O_DIRECTORY);
@@ -158,7 +149,7 @@ bool FlushFolder(const std::string& path) {
 bool WriteNewFile(const std::string& path, std::string_view bytes) {
     unlink(path.c_str());
     const Descriptor file = Open(path, O_WRONLY | O_CREAT | O_EXCL);
-    return file && WriteAll(file, bytes) && Flush(file);
+    return file && WriteAll(file.Number(), bytes) && Flush(file);
 }
 
 }  // namespace

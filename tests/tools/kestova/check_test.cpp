@@ -64,7 +64,9 @@ TEST_F(Check, GptDisk_Check_SaysThatTheSwitchIsForMbrDisks) {
     EXPECT_EQ(Kestova("--pc factory-gpt boot recovery").errors, "kestova: SetRcvprtActive: " + reason + "\n");
     EXPECT_EQ(Kestova("--pc factory-gpt boot system").errors, "kestova: SetSystemActive: " + reason + "\n");
     EXPECT_THAT(Kestova("--pc factory-gpt --json boot recovery").output,
-                EndsWith(R"(],"reasons":[{"code":"mbr","text":")" + reason + "\"}]}\n"));
+                EndsWith(R"(],"reasons":[{"code":"mbr","text":")" + reason +
+                         R"("}],"changes":[]})"
+                         "\n"));
 }
 
 TEST_F(Check, EachRecoveryFileMissing_Check_NamesIt) {

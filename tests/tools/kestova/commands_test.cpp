@@ -18,6 +18,10 @@ using Letters = ProgramTest;
 using Script = ProgramTest;
 using Lists = ProgramTest;
 
+const std::string twoActiveAsDescribed =
+    "2 partitions are active; a PC starts from a disk with one only; the description's activeFlagIsExclusive is "
+    "false, so others keep theirs";
+
 TEST_F(Status, NoPcNamed_Status_ShowsFactoryMbrAndANote) {
     const Outcome outcome = Kestova("status");
     EXPECT_EQ(outcome.status, 0);
@@ -156,7 +160,10 @@ TEST_F(Letters, NoLetterReadable_Letters_Remarks) {
     EXPECT_EQ(outcome.output, "Letter  Disk  Partition  Here\n");
     EXPECT_EQ(outcome.errors, "kestova: " + remark + "\n");
     EXPECT_EQ(Kestova("--pc winpe-media --fail RegQueryValueExW=5 --json letters").output,
-              R"({"letters":[],"remark":")" + remark + "\"}\n");
+              R"({"letters":[],"remark":")" + remark + R"(","remarks":[{"code":"noLetters","text":")" +
+                  remark +
+                  R"("}],"faultsMet":[{"fault":"RegQueryValueExW=5","met":52}]})"
+                  "\n");
 }
 
 TEST_F(Letters, WinPeMedia_Letters_ChangesNothing) {
@@ -289,30 +296,30 @@ TEST_F(Status, TwoActivePartitions_Status_Remarks) {
     EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json call SetActive 3").status, 0);
     const Outcome outcome = Kestova("--pc pc.json --json status");
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.errors, "kestova: 2 partitions are active; a PC starts from a disk with one only\n");
-    EXPECT_THAT(outcome.output,
-                EndsWith(R"(},"remark":"2 partitions are active; a PC starts from a disk with one only"})"
-                         "\n"));
+    EXPECT_EQ(outcome.errors, "kestova: " + twoActiveAsDescribed + "\n");
+    EXPECT_THAT(outcome.output, EndsWith("},\"remark\":\"" + twoActiveAsDescribed +
+                                         R"(","remarks":[{"code":"twoActiveFlags","text":")" +
+                                         twoActiveAsDescribed + "\"}]}\n"));
 }
 
 TEST_F(Boot, FactoryMbr_BootRecovery_SwitchesAndShowsTheChanges) {
     const Outcome outcome = Kestova("--pc factory-mbr boot recovery");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output,
-              "SetRcvprtActive() = 0: done, or it was active already\n"
+              "SetRcvprtActive() = 0: done\n"
               "Changed:\n"
               "  disk 0, partition 1: active now\n"
               "  disk 0, partition 1: given letter E\n"
               "  disk 0, partition 1: file SystemVolume.ini created:\n"
               "    [System]\n"
               "    Active=2\n");
-    EXPECT_EQ(outcome.errors, "kestova: 2 partitions are active; a PC starts from a disk with one only\n");
+    EXPECT_EQ(outcome.errors, "kestova: " + twoActiveAsDescribed + "\n");
 }
 
 TEST_F(Boot, FactoryMbr_BootSystem_HasNothingToDo) {
     const Outcome outcome = Kestova("--pc factory-mbr boot system");
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output, StartsWith("SetSystemActive() = 0: done, or there was nothing to do\n"));
+    EXPECT_THAT(outcome.output, StartsWith("SetSystemActive() = 0: there was nothing to do\n"));
 }
 
 TEST_F(Boot, FlagNotSet_BootRecovery_ExitsWithTheResultCode) {

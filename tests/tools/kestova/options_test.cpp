@@ -151,7 +151,8 @@ TEST_F(Trace, FactoryMbr_CallInJson_InterleavesCallsAndRecords) {
                 HasSubstr(R"(,"trace":[{"level":4,"text":"Kestova::GetDriveLetter\tStart"},)"
                           R"({"call":"GetDriveTypeW","arguments":["A:"],"result":"3","injected":true},)"
                           R"({"call":"CreateFileW","arguments":["\\\\.\\A:")"));
-    EXPECT_THAT(outcome.output, EndsWith(R"({"level":4,"text":"Kestova::GetDriveLetter\tEnd. Driver is 0"}]})"
+    EXPECT_THAT(outcome.output, EndsWith(R"({"level":4,"text":"Kestova::GetDriveLetter\tEnd. Driver is 0"}],)"
+                                         R"("faultsMet":[{"fault":"GetDriveTypeW=3","met":26}]})"
                                          "\n"));
 }
 

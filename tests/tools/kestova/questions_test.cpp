@@ -33,7 +33,7 @@ TEST_P(FailedCall, FactoryMbr_Question_KeepsItsResultAndIsAProblem) {
     const Outcome outcome = Kestova(words);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.output, HasSubstr(std::string("\"result\":") + GetParam().result + ","));
-    EXPECT_THAT(outcome.output, EndsWith(std::string(",\"problem\":\"") + GetParam().problem + "\"}\n"));
+    EXPECT_THAT(outcome.output, HasSubstr(std::string(",\"problem\":\"") + GetParam().problem + "\","));
     EXPECT_THAT(outcome.errors, EndsWith(std::string("kestova: ") + GetParam().problem + "\n"));
 }
 

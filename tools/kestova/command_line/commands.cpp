@@ -12,6 +12,7 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/reports/remarks.h"
 
 namespace {
 
@@ -24,11 +25,16 @@ void ShowMessages(const std::vector<std::string>& messages) {
         ShowMessage(message);
 }
 
+void ShowFindings(const std::string& prefix, const std::vector<Finding>& findings) {
+    for (const Finding& finding : findings)
+        ShowMessage(prefix + finding.text);
+}
+
 // Shows a report and, on standard error, what it remarks and what it could not read, which is a failure.
 template <typename Report>
 int ShowWithProblem(const CommandLine& line, const Report& report) {
     Show(line, report);
-    if constexpr (requires { report.remark; }) ShowMessage(report.remark);
+    if constexpr (requires { report.remarks; }) ShowFindings("", report.remarks);
     ShowMessage(report.problem);
     return report.problem.empty() ? Done : Failure;
 }
@@ -90,10 +96,10 @@ int BootAndShow(const CommandLine& line, Session& session, const Operation& oper
     CheckWritten(report);
     const int disk = session.Object().GetFirstInternalDriveNumber();
     if (result != 0) report.reasons = WhySwitchRefused(session, disk);
+    report.remarks = RemarksOn(session.OnPc());
     if (line.json) Show(line, report);
-    ShowMessage(ActiveFlagsRemark(disk));
-    for (const RefusalReason& reason : report.reasons)
-        ShowMessage(operation.name + ": " + reason.text);
+    ShowFindings("", report.remarks);
+    ShowFindings(operation.name + ": ", report.reasons);
     return result;
 }
 
@@ -111,12 +117,19 @@ int Boot(const CommandLine& line) {
     throw WrongUse("boot: " + UnknownWord("system to boot", line.arguments[0], names));
 }
 
-int CallAndShow(const CommandLine& line, Session& session, const PlannedCall& call) {
-    const OperationReport report = session.Call(*call.operation, call.arguments);
+struct ShownCall {
+    int status = Done;
+    std::vector<Finding> remarks = {};
+};
+
+ShownCall CallAndShow(const CommandLine& line, Session& session, const PlannedCall& call) {
+    OperationReport report = session.Call(*call.operation, call.arguments);
+    if (call.operation->changesPc) report.remarks = RemarksOn(session.OnPc());
     Show(line, report);
     CheckWritten(report);
     ShowMessage(report.problem);
-    return IsFailure(*call.operation, report.result) || !report.problem.empty() ? Failure : Done;
+    const bool hasFailed = IsFailure(*call.operation, report.result) || !report.problem.empty();
+    return {hasFailed ? Failure : Done, report.remarks};
 }
 
 int Call(const CommandLine& line) {
@@ -126,7 +139,11 @@ int Call(const CommandLine& line) {
     return RunOnPc(line, {.access = AccessFor(operation),
                           .initialize = operation.name != "Initialize",
                           .showChanges = operation.changesPc,
-                          .run = [&](Session& session) { return CallAndShow(line, session, call); }});
+                          .run = [&](Session& session) {
+                              const auto [status, remarks] = CallAndShow(line, session, call);
+                              ShowFindings("", remarks);
+                              return status;
+                          }});
 }
 
 int Run(const CommandLine& line) {
@@ -137,9 +154,13 @@ int Run(const CommandLine& line) {
                           .operations = calls.size(),
                           .run = [&](Session& session) -> int {
                               int status = Done;
+                              std::vector<Finding> remarks;  // on what the script leaves
                               for (const PlannedCall& call : calls) {
-                                  status = std::max(status, CallAndShow(line, session, call));
+                                  const ShownCall shown = CallAndShow(line, session, call);
+                                  status = std::max(status, shown.status);
+                                  if (call.operation->changesPc) remarks = shown.remarks;
                               }
+                              ShowFindings("", remarks);
                               return status;
                           }});
 }

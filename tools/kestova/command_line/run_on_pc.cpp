@@ -7,6 +7,7 @@
 #include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/reports/remarks.h"
 
 namespace {
 
@@ -34,8 +35,12 @@ class LogOutput {
     std::ofstream file_;
 };
 
-// The last object of --json --ledger.
+// The last object, where something is added to it at the end.
 std::string keptBack;
+
+bool AddsToLast(const CommandLine& line) {
+    return line.json && (line.choice.ledger || !line.choice.faults.empty());
+}
 
 void ShowKeptBack() {
     std::cout << std::exchange(keptBack, "") << std::flush;
@@ -50,13 +55,17 @@ class KeepingBack {
     KeepingBack& operator=(const KeepingBack&) = delete;
 };
 
-void ShowLedger(const CommandLine& line, const OpenedPc& pc) {
-    if (!line.choice.ledger) return;
-    if (line.json) {
-        keptBack = WithLedger(keptBack, pc.Ledger());
-    } else {
+void ShowEnd(const CommandLine& line, const OpenedPc& pc) {
+    const std::vector<FaultCount> faults = pc.FaultCounts();
+    if (AddsToLast(line)) {
+        EndReport end{.faults = faults};
+        if (line.choice.ledger) end.ledger = pc.Ledger();
+        keptBack = WithEnd(keptBack, end);
+    } else if (line.choice.ledger) {
         ShowText(line, LedgerText(pc.Ledger()));
     }
+    for (const Finding& unmet : UnmetFaults(faults))
+        std::cerr << "kestova: " << unmet.text << "\n";
 }
 
 // Construction and destruction have no result: as text they are shown only in a trace.
@@ -119,7 +128,7 @@ void ShowBackups(const CommandLine& line, const OpenedPc& pc) {
 }  // namespace
 
 void ShowText(const CommandLine& line, const std::string& text) {
-    if (!line.json || !line.choice.ledger) {
+    if (!AddsToLast(line)) {
         std::cout << text << std::flush;
         return;
     }
@@ -145,7 +154,7 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
         ShowBackups(line, pc);
         throw;
     }
-    ShowLedger(line, pc);
+    ShowEnd(line, pc);
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
     ShowBackups(line, pc);
     if (!log.Close()) {

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "base/hexadecimal.h"
+#include "machine/media/device/transfer.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/memory_device.h"
 #include "tools/kestova/common/output_place.h"
@@ -67,19 +68,9 @@ mode_t PermissionsOf(const OutputPlace& place) {
     return 0666 & ~mask;
 }
 
-bool WriteAll(const Descriptor& file, const std::string& text) {
-    for (size_t done = 0; done < text.size();) {
-        const ssize_t written = write(file.Number(), text.data() + done, text.size() - done);
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        done += static_cast<size_t>(written);
-    }
-    return true;
-}
-
 bool Finish(Descriptor& file, const std::string& text, mode_t mode) {
-    const bool written =
-        WriteAll(file, text) && fchmod(file.Number(), mode) == 0 && fsync(file.Number()) == 0;
+    const bool written = machine::WriteAll(file.Number(), text) && fchmod(file.Number(), mode) == 0 &&
+                         fsync(file.Number()) == 0;
     return file.Close() && written;
 }
 

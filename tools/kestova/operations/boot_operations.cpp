@@ -1,5 +1,6 @@
 // Choosing which partition the PC boots from.
 
+#include "manager/nothing_to_do.h"
 #include "tools/kestova/operations/operation_tables.h"
 
 namespace {
@@ -16,7 +17,9 @@ std::vector<Operation> BootOperations() {
     return {
         {.name = "SetRcvprtActive",
          .summary = "Makes the recovery partition active and records the partition that was.",
-         .results = {{0, "done, or it was active already"},
+         .results = {{.value = 0,
+                      .words = "done, or it was active already",
+                      .outcomes = {recoveryWasActive, "it was active already", "done"}},
                      noActivePartition,
                      unknownActivePartition,
                      noRecoveryPartition,
@@ -27,7 +30,9 @@ std::vector<Operation> BootOperations() {
 
         {.name = "SetSystemActive",
          .summary = "Makes the recorded partition active again, 2 without a usable record.",
-         .results = {{0, "done, or there was nothing to do"},
+         .results = {{.value = 0,
+                      .words = "done, or there was nothing to do",
+                      .outcomes = {systemWasActive, "there was nothing to do", "done"}},
                      noActivePartition,
                      unknownActivePartition,
                      noRecoveryPartition,

@@ -1,6 +1,7 @@
 // The report of one call of an operation.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,8 +9,9 @@
 #include "tools/kestova/common/trace.h"
 #include "tools/kestova/operations/operations.h"
 
-// Why an operation was refused, by the condition that it needs.
-struct RefusalReason {
+// What a report adds to a result: why it was refused, by the condition that it needs, or what the PC will not
+// do afterwards.
+struct Finding {
     std::string code;
     std::string text;
 };
@@ -18,12 +20,18 @@ struct OperationReport {
     const Operation* operation;  // never null
     Values arguments = {};
     Value result = {};
+    const char* outcome = nullptr;  // which of the outcomes with this result it was; null: it has only one
     Values outputs = {};
     std::vector<LogEntry> log = {};
     Trace trace = {};
     bool showsTrace = false;
     std::string unwritten = {};  // why the change is not on the disk image; empty if it is, or there is none
-    std::vector<std::string> backups = {};    // with which the change of images can be taken back
-    std::string problem = {};                 // why a question could not be answered; empty if it was
-    std::vector<RefusalReason> reasons = {};  // of a switch that was refused
+    std::vector<std::string> backups = {};  // with which the change of images can be taken back
+    std::string problem = {};               // why a question could not be answered; empty if it was
+    std::vector<Finding> reasons = {};      // of a switch that was refused
+    std::optional<std::vector<std::string>> changes = {};  // of the PC; nothing if they are unknown
+    std::vector<Finding> remarks = {};                     // what keeps the PC from starting afterwards
 };
+
+// The result in words: the outcome, where several have this result; empty if there are no words for it.
+std::string ResultWords(const OperationReport& report);

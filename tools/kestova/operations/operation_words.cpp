@@ -7,7 +7,7 @@
 #include "base/text_case.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/operations/operations.h"
+#include "tools/kestova/operations/operation_report.h"
 
 namespace {
 
@@ -128,4 +128,14 @@ const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Value& va
 bool IsFailure(const Operation& operation, const Value& result) {
     const Meaning* const meaning = FindMeaning(operation.results, result);
     return meaning != nullptr && meaning->failure;
+}
+
+std::string WordsOf(const Value& value, const std::vector<Meaning>& meanings, const char* otherwise) {
+    const Meaning* const meaning = FindMeaning(meanings, value);
+    return meaning != nullptr ? meaning->words : otherwise;
+}
+
+std::string ResultWords(const OperationReport& report) {
+    if (report.outcome != nullptr) return report.outcome;
+    return WordsOf(report.result, report.operation->results, report.operation->otherwise);
 }

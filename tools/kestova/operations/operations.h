@@ -13,12 +13,20 @@
 // list of objects. Arguments are of the first four kinds.
 enum class Kind { Flag, Number, Count, Letter, Text, List };
 
+// Two outcomes that have the same result: one of them leaves this record.
+struct TwoOutcomes {
+    const WCHAR* record = nullptr;  // null: there is only one
+    const char* with = "";
+    const char* without = "";
+};
+
 // A value in words.
 struct Meaning {
     Value value;
     const char* words = "";
     bool failure = false;
     bool vague = false;  // also the answer if a call failed on the way to another one
+    TwoOutcomes outcomes = {};
 };
 
 struct Parameter {
@@ -56,6 +64,9 @@ Values ReadArguments(const Operation& operation, const std::vector<std::string>&
 
 // The meaning of that value, or null.
 const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Value& value);
+
+// Its words, or those for any other value.
+std::string WordsOf(const Value& value, const std::vector<Meaning>& meanings, const char* otherwise = "");
 
 // Whether the result is a failure.
 bool IsFailure(const Operation& operation, const Value& result);

@@ -1,5 +1,7 @@
 #include "tools/kestova/operations/session.h"
 
+#include <algorithm>
+
 #include "base/com_apartment.h"
 #include "base/hexadecimal.h"
 #include "base/utf.h"
@@ -11,6 +13,14 @@ namespace {
 
 const Operation construction{.name = "Kestova", .summary = "Makes the object."};
 const Operation destruction{.name = "~Kestova", .summary = "Destroys the object."};
+
+const char* OutcomeOf(const OperationReport& report) {
+    const Meaning* const meaning = FindMeaning(report.operation->results, report.result);
+    if (meaning == nullptr || meaning->outcomes.record == nullptr) return nullptr;
+    const bool isRecorded = std::ranges::any_of(
+        report.log, [&](const LogEntry& entry) { return entry.Text() == meaning->outcomes.record; });
+    return isRecorded ? meaning->outcomes.with : meaning->outcomes.without;
+}
 
 }  // namespace
 
@@ -48,6 +58,11 @@ OperationReport Session::Call(const Operation& operation, const Values& argument
     if (operation.changesPc) {
         report.unwritten = pc_.Commit();
         report.backups = pc_.Backups();
+        report.changes = pc_.TakeChanges();
+        if (!report.unwritten.empty()) {
+            report.outcome = nullptr;
+            report.changes.reset();
+        }
     }
     return report;
 }
@@ -68,5 +83,6 @@ OperationReport Session::Report(const Operation& operation, const Values& argume
     report.log = collector_.Take();
     report.trace = pc_.TakeTrace();
     report.problem = WhyUnanswered(report);
+    report.outcome = OutcomeOf(report);
     return report;
 }

@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "tools/kestova/common/partition_words.h"
-#include "tools/kestova/pc/watched_store.h"
 
 namespace {
 
@@ -61,26 +60,28 @@ void CompareFiles(const std::string& place, const Files& before, const Files& af
     }
 }
 
-void CompareVolumeFiles(const std::string& place, const Volume& before, const Volume& after, Texts& texts) {
+void CompareVolumeFiles(const std::string& place, const Volume& before, const Volume& after, Since since,
+                        Texts& texts) {
     const auto* const watched = dynamic_cast<const WatchedStore*>(after.store.get());
     if (watched == nullptr) {
         CompareFiles(place, FilesOf(before.files), FilesOf(after.files), texts);
         return;
     }
     Files now;
-    for (const auto& [path, content] : watched->Touched())
+    for (const auto& [path, content] : watched->Touched(since))
         now[path] = watched->Content(path);
-    CompareFiles(place, watched->Touched(), now, texts);
+    CompareFiles(place, watched->Touched(since), now, texts);
 }
 
-std::string LetterChange(const std::string& before, const std::string& after) {
-    if (before.empty()) return "given letter " + after;
+// An image keeps no letters.
+std::string LetterChange(const std::string& before, const std::string& after, bool isOnImage) {
+    if (before.empty()) return "given letter " + after + (isOnImage ? " (for this run only)" : "");
     if (after.empty()) return "letter " + before + " taken away";
     return "letter " + before + " became " + after;
 }
 
-void ComparePartitions(const std::string& place, const Partition& before, const Partition& after,
-                       Texts& texts) {
+void ComparePartitions(const std::string& place, bool isOnImage, const Partition& before,
+                       const Partition& after, Since since, Texts& texts) {
     if (before.mbrType != after.mbrType) {
         texts.push_back(place + "type " + MbrTypeWords(before.mbrType) + " became " +
                         MbrTypeWords(after.mbrType));
@@ -92,9 +93,9 @@ void ComparePartitions(const std::string& place, const Partition& before, const 
     const Volume oldVolume = before.volume.value_or(Volume());
     const Volume newVolume = after.volume.value_or(Volume());
     if (oldVolume.letters != newVolume.letters) {
-        texts.push_back(place + LetterChange(oldVolume.letters, newVolume.letters));
+        texts.push_back(place + LetterChange(oldVolume.letters, newVolume.letters, isOnImage));
     }
-    CompareVolumeFiles(place, oldVolume, newVolume, texts);
+    CompareVolumeFiles(place, oldVolume, newVolume, since, texts);
 }
 
 }  // namespace
@@ -108,7 +109,17 @@ void WatchFiles(Pc& pc) {
     }
 }
 
-std::vector<std::string> Changes(const Pc& before, const Pc& after) {
+void MarkFiles(const Pc& pc) {
+    for (const Disk& disk : pc.disks) {
+        for (const Partition& partition : disk.partitions) {
+            auto* const watched =
+                partition.volume ? dynamic_cast<WatchedStore*>(partition.volume->store.get()) : nullptr;
+            if (watched != nullptr) watched->Mark();
+        }
+    }
+}
+
+std::vector<std::string> Changes(const Pc& before, const Pc& after, Since since) {
     Texts texts;
     for (size_t i = 0; i < std::min(before.disks.size(), after.disks.size()); ++i) {
         const auto& then = before.disks[i].partitions;
@@ -116,12 +127,12 @@ std::vector<std::string> Changes(const Pc& before, const Pc& after) {
         for (size_t j = 0; j < std::min(then.size(), now.size()); ++j) {
             const std::string place = "disk " + std::to_string(after.disks[i].number) + ", partition " +
                                       std::to_string(now[j].number) + ": ";
-            ComparePartitions(place, then[j], now[j], texts);
+            ComparePartitions(place, !after.disks[i].image.empty(), then[j], now[j], since, texts);
         }
     }
     for (size_t i = 0; i < std::min(before.volumes.size(), after.volumes.size()); ++i) {
         CompareVolumeFiles("volume " + after.volumes[i].letters + ": ", before.volumes[i], after.volumes[i],
-                           texts);
+                           since, texts);
     }
     CompareFiles("host program's folder: ", FilesOf(before.host.files), FilesOf(after.host.files), texts);
     return texts;

@@ -53,6 +53,13 @@ struct InputFiles {
     std::vector<std::string> journals;  // the usual ones of the images, whether they exist or not
 };
 
+// A fault of the choice, how many calls failed for it, and how many of that name there were.
+struct FaultCount {
+    std::string fault;
+    int met = 0;
+    uint32_t calls = 0;
+};
+
 // During its lifetime the platform calls of the library and of this program go to this PC, and the library is
 // loaded as by a program loader.
 class OpenedPc {
@@ -84,8 +91,17 @@ class OpenedPc {
     virtual std::string Commit() = 0;
     // The files with which the changes of disk images since it was opened can be taken back.
     virtual std::vector<std::string> Backups() const = 0;
-    // The changes since it was opened, a text each; nothing if they are unknown.
+    // The changes since it was opened, a text each; nothing if they are unknown. TakeChanges: since the last
+    // call of it.
     virtual std::optional<std::vector<std::string>> Changes() const = 0;
+    virtual std::optional<std::vector<std::string>> TakeChanges() = 0;
+    // Runs an action that only looks at the PC: it meets no fault, and no fault plan counts its calls.
+    virtual void Aside(const std::function<void()>& action) = 0;
+    // How often each fault of the choice was met.
+    virtual std::vector<FaultCount> FaultCounts() const = 0;
+    // Whether an active flag can be set while another partition of the disk keeps its own, as a description
+    // can have it.
+    virtual bool KeepsActiveFlags() const = 0;
     // Writes the PC's description. Throws Failed.
     virtual void Save(OutputFile& file) const = 0;
 };

@@ -151,8 +151,11 @@ Pc Watched(Pc pc) {
 class EmulatedOne final : public OpenedPc {
   public:
     EmulatedOne(const PcChoice& choice, Access access)
-        : before_(Watched(Choose(choice, access))), emulated_(before_) {
-        for (const std::string& fault : choice.faults)
+        : faults_(choice.faults),
+          before_(Watched(Choose(choice, access))),
+          shown_(before_),
+          emulated_(before_) {
+        for (const std::string& fault : faults_)
             emulated_.faults.Arm(ReadFault(fault));
         if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
         for (const std::string* const image : ImagesOf(before_)) {
@@ -181,14 +184,20 @@ class EmulatedOne final : public OpenedPc {
     std::string Commit() override;
     std::vector<std::string> Backups() const override;
     std::optional<std::vector<std::string>> Changes() const override {
-        return ::Changes(before_, emulated_.facts);
+        return ::Changes(before_, emulated_.facts, Since::Opening);
     }
+    std::optional<std::vector<std::string>> TakeChanges() override;
+    void Aside(const std::function<void()>& action) override;
+    std::vector<FaultCount> FaultCounts() const override;
+    bool KeepsActiveFlags() const override { return !emulated_.facts.switches.activeFlagIsExclusive; }
     void Save(OutputFile& file) const override;
 
   private:
     std::vector<std::string> notes_;
     InputFiles inputs_;
+    std::vector<std::string> faults_;
     Pc before_;
+    Pc shown_;  // when its changes were last taken
     bool hasCommitted_ = false;
     machine::EmulatedPc emulated_;
     machine::LoadedLibrary library_;
@@ -200,6 +209,28 @@ bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     action();
     emulated_.facts = kept;
     return true;
+}
+
+std::optional<std::vector<std::string>> EmulatedOne::TakeChanges() {
+    std::vector<std::string> changes = ::Changes(shown_, emulated_.facts, Since::Mark);
+    shown_ = emulated_.facts;
+    MarkFiles(shown_);
+    return changes;
+}
+
+void EmulatedOne::Aside(const std::function<void()>& action) {
+    const machine::FaultPlan kept = std::exchange(emulated_.faults, {});
+    action();
+    emulated_.faults = kept;
+}
+
+std::vector<FaultCount> EmulatedOne::FaultCounts() const {
+    std::vector<FaultCount> counts;
+    for (size_t i = 0; i < faults_.size(); ++i) {
+        counts.push_back({faults_[i], emulated_.faults.FiredByRule()[i],
+                          emulated_.faults.Calls(ReadFault(faults_[i]).call)});
+    }
+    return counts;
 }
 
 std::string EmulatedOne::Commit() {

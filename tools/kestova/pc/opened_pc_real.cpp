@@ -19,6 +19,10 @@ class RealOne final : public OpenedPc {
     std::string Commit() override { return ""; }
     std::vector<std::string> Backups() const override { return {}; }
     std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }
+    std::optional<std::vector<std::string>> TakeChanges() override { return std::nullopt; }
+    void Aside(const std::function<void()>& action) override { action(); }
+    std::vector<FaultCount> FaultCounts() const override { return {}; }
+    bool KeepsActiveFlags() const override { return false; }
     void Save(OutputFile&) const override {}
 
   private:

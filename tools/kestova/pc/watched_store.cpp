@@ -22,5 +22,7 @@ std::optional<std::string> WatchedStore::Content(const std::string& path) const 
 void WatchedStore::Remember(std::string_view path) {
     std::string name(path);
     std::replace(name.begin(), name.end(), '\\', '/');
-    touched_.try_emplace(name, Content(name));
+    const auto content = Content(name);
+    touched_.try_emplace(name, content);
+    recent_.try_emplace(name, content);
 }

@@ -8,6 +8,8 @@
 
 #include "machine/facts/file_store.h"
 
+enum class Since { Opening, Mark };
+
 // Forwards every call to the store of a volume.
 class WatchedStore final : public machine::VolumeStore {
   public:
@@ -30,11 +32,15 @@ class WatchedStore final : public machine::VolumeStore {
     // The content of a file, or a text that it cannot be read; nothing for a missing file.
     std::optional<std::string> Content(const std::string& path) const;
     // The files that were written or removed, with their former content.
-    const std::map<std::string, std::optional<std::string>>& Touched() const { return touched_; }
+    const std::map<std::string, std::optional<std::string>>& Touched(Since since) const {
+        return since == Since::Opening ? touched_ : recent_;
+    }
+    void Mark() { recent_.clear(); }
 
   private:
     void Remember(std::string_view path);
 
     std::shared_ptr<VolumeStore> store_;
-    std::map<std::string, std::optional<std::string>> touched_;
+    std::map<std::string, std::optional<std::string>> touched_;  // since it was opened
+    std::map<std::string, std::optional<std::string>> recent_;   // since the last mark
 };

@@ -1,10 +1,12 @@
 #include "tools/kestova/reports/as_json.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "base/utf.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/call_words.h"
+#include "tools/kestova/reports/remarks.h"
 
 namespace {
 
@@ -70,10 +72,22 @@ Json ToJson(const std::optional<T>& value) {
     return value ? ToJson(*value) : Json();
 }
 
+Json ToJson(const Finding& finding) {
+    return {{"code", finding.code}, {"text", finding.text}};
+}
+
+void AddRemarks(const std::vector<Finding>& remarks, Json& json) {
+    for (const Finding& remark : remarks)
+        json["remarks"].push_back(ToJson(remark));
+}
+
+// The key "remark" has the one of a code, "remarks" all.
 template <typename Report>
-void AddRemarkAndProblem(const Report& report, Json& json) {
-    if (!report.remark.empty()) json["remark"] = report.remark;
+void AddRemarksAndProblem(const Report& report, const char* code, Json& json) {
+    const auto remark = std::ranges::find(report.remarks, code, &Finding::code);
+    if (remark != report.remarks.end()) json["remark"] = remark->text;
     if (!report.problem.empty()) json["problem"] = report.problem;
+    AddRemarks(report.remarks, json);
 }
 
 // --- status and letters ---
@@ -127,9 +141,7 @@ Json ToJson(const ConditionReport& condition) {
             {"advice", isAdvised ? Json(condition.advice) : Json()}};
 }
 
-Json ToJson(const RefusalReason& reason) {
-    return {{"code", reason.code}, {"text", reason.text}};
-}
+// --- operations ---
 
 template <typename Element>
 Json ListOf(const std::vector<Element>& elements) {
@@ -138,8 +150,6 @@ Json ListOf(const std::vector<Element>& elements) {
         json.push_back(ToJson(element));
     return json;
 }
-
-// --- operations ---
 
 Json ToJson(const LogEntry& record) {
     return {{"level", record.level}, {"text", ToUtf8(record.Text())}};
@@ -250,7 +260,7 @@ std::string AsJson(const StatusReport& status) {
                  {"recoveryStick", ToJson(status.recoveryStick)},
                  {"cachePartition", status.cachePartition},
                  {"windows", ToJson(status.windows)}};
-    AddRemarkAndProblem(status, json);
+    AddRemarksAndProblem(status, "twoActiveFlags", json);
     return Line(json);
 }
 
@@ -259,7 +269,7 @@ std::string AsJson(const LettersReport& letters) {
     for (const LetterReport& letter : letters.letters)
         list.push_back(ToJson(letter));
     Json json = {{"letters", list}};
-    AddRemarkAndProblem(letters, json);
+    AddRemarksAndProblem(letters, "noLetters", json);
     return Line(json);
 }
 
@@ -296,6 +306,9 @@ std::string AsJson(const OperationReport& report) {
     if (!report.unwritten.empty()) json["written"] = false;
     if (!report.problem.empty()) json["problem"] = report.problem;
     if (!report.reasons.empty()) json["reasons"] = ListOf(report.reasons);
+    if (report.outcome != nullptr) json["outcome"] = report.outcome;
+    if (report.changes) json["changes"] = *report.changes;
+    AddRemarks(report.remarks, json);
     return Line(json);
 }
 
@@ -318,12 +331,15 @@ std::string AsJson(const UndoReport& report) {
     return Line(json);
 }
 
-std::string WithLedger(const std::string& line, const std::map<std::string, int>& ledger) {
+std::string WithEnd(const std::string& line, const EndReport& end) {
     Json json = Json::parse(line);
-    json["ledger"] = Json::object();
-    for (const auto& [kind, count] : ledger)
-        json["ledger"][kind] = count;
-    return Line(json);
+    for (const FaultCount& fault : end.faults)
+        json["faultsMet"].push_back({{"fault", fault.fault}, {"met", fault.met}});
+    AddRemarks(UnmetFaults(end.faults), json);
+    if (end.ledger) json["ledger"] = *end.ledger;
+    const bool isAscii =
+        std::ranges::all_of(line, [](char unit) { return static_cast<unsigned char>(unit) < 0x80; });
+    return Line(json, isAscii);
 }
 
 std::string AsJson(const std::vector<Operation>& operations) {

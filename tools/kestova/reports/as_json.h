@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -25,8 +26,15 @@ std::string AsJson(const OperationReport& report);
 std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const TableRepairReport& report);
 std::string AsJson(const UndoReport& report);
-// The line of an object with a last key "ledger": the number of each kind.
-std::string WithLedger(const std::string& line, const std::map<std::string, int>& ledger);
+
+// What is known only when everything is over.
+struct EndReport {
+    std::optional<std::map<std::string, int>> ledger;  // the number of each kind; nothing if nobody asked
+    std::vector<FaultCount> faults;                    // of the choice
+};
+
+// The line of an object with the keys "faultsMet", "remarks" and "ledger", as far as there is something.
+std::string WithEnd(const std::string& line, const EndReport& end);
 std::string AsJson(const std::vector<Operation>& operations);
 std::string AsJson(const std::vector<machine::NamedMachine>& machines);
 std::string AsJson(std::span<const machine::CallInfo> calls);

@@ -98,9 +98,7 @@ std::string FileSizeText(const machine::FileEntry& entry) {
 
 // --- operations ---
 
-std::string ValueText(const Value& value, const std::vector<Meaning>& meanings, const char* otherwise) {
-    const Meaning* const meaning = FindMeaning(meanings, value);
-    const std::string words = meaning != nullptr ? meaning->words : otherwise;
+std::string ValueText(const Value& value, const std::string& words) {
     return Plain(value) + (words.empty() ? "" : ": " + words);
 }
 
@@ -123,8 +121,7 @@ std::string CallText(const OperationReport& report) {
         arguments += (arguments.empty() ? "" : ", ") + Plain(value);
     std::string text = "(" + arguments + ")";
     if (IsNothing(report.result)) return text;
-    const Operation& operation = *report.operation;
-    return text + " = " + ValueText(report.result, operation.results, operation.otherwise);
+    return text + " = " + ValueText(report.result, ResultWords(report));
 }
 
 // What follows the words of an argument that may be left out.
@@ -204,8 +201,9 @@ std::string AsText(const OperationReport& report) {
     std::string text = TraceText(report) + operation.name + CallText(report) + "\n";
     for (const Parameter& parameter : operation.parameters) {
         if (!parameter.output) continue;
-        text += "  " + parameter.name + " = " +
-                ValueText(ValueOf(report.outputs, parameter.name), parameter.meanings, "") + "\n";
+        const Value output = ValueOf(report.outputs, parameter.name);
+        text +=
+            "  " + parameter.name + " = " + ValueText(output, WordsOf(output, parameter.meanings, "")) + "\n";
     }
     return text;
 }

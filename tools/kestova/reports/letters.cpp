@@ -72,7 +72,7 @@ LettersReport ReadLetters(Session& session) {
     if (IsFailure(*report.operation, report.result)) {
         letters.problem = ProblemText(report.log);
     } else if (letters.letters.empty()) {
-        letters.remark = noLetters;  // the library does not report why
+        letters.remarks = {{"noLetters", noLetters}};  // the library does not report why
     }
     if (letters.problem.empty() && IsStillLoaded()) letters.problem = stillLoaded;
     return letters;

@@ -16,8 +16,8 @@ struct LetterReport {
 
 struct LettersReport {
     std::vector<LetterReport> letters;
-    std::string remark;   // that there are none, for a reason that the library does not report; else empty
-    std::string problem;  // why not all letters could be read; else empty
+    std::vector<Finding> remarks;  // that there are none, for a reason that the library does not report
+    std::string problem;           // why not all letters could be read; else empty
 };
 
 LettersReport ReadLetters(Session& session);

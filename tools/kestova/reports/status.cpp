@@ -12,6 +12,7 @@
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/disk_layout.h"
 #include "tools/kestova/reports/partition_roles.h"
+#include "tools/kestova/reports/remarks.h"
 
 namespace {
 
@@ -112,13 +113,6 @@ std::string DiskStyle(int disk, Questions& questions) {
 
 using DiskLayout = std::optional<std::vector<PARTITION_INFORMATION_EX>>;
 
-std::string Remark(const DiskLayout& layout) {
-    if (!layout) return "";
-    const auto active = std::ranges::count_if(*layout, IsActive);
-    if (active < 2) return "";
-    return std::to_string(active) + " partitions are active; a PC starts from a disk with one only";
-}
-
 void Initialize(Questions& questions) {
     const Operation& operation = FindOperation("Initialize");
     const Value result = questions.On().Call(operation, {{"reserved", false}}).result;
@@ -150,7 +144,7 @@ void AddDisk(StatusReport& status, Questions& questions) {
     if (!layout)
         questions.AddUnread("the partitions of " + DiskName(disk) + " cannot be read", GetLastError());
     AddPartitions(disk, layout, status, questions);
-    status.remark = Remark(layout);
+    status.remarks = RemarksOn(questions.On().OnPc(), disk);
 }
 
 }  // namespace
@@ -167,8 +161,4 @@ StatusReport ReadStatus(Session& session, bool initialize) {
     AddRoles(status, questions);
     status.problem = questions.Problems();
     return status;
-}
-
-std::string ActiveFlagsRemark(int disk) {
-    return disk >= 0 ? Remark(ReadDiskLayout(disk)) : "";
 }

@@ -52,12 +52,9 @@ struct StatusReport {
     std::optional<WCHAR> recoveryStick;
     bool cachePartition = false;  // of the second internal disk
     std::optional<WindowsPlace> windows;
-    std::string remark;   // that more than one partition is active; else empty
-    std::string problem;  // what could not be read; else empty
+    std::vector<Finding> remarks;  // on the internal disk
+    std::string problem;           // what could not be read; else empty
 };
 
 // Calls Initialize first on request. Leaves the PC unchanged.
 StatusReport ReadStatus(Session& session, bool initialize);
-
-// "2 partitions are active; ..." of a disk; empty when it is one or none, or cannot be read.
-std::string ActiveFlagsRemark(int disk);

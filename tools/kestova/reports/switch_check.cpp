@@ -184,11 +184,10 @@ Answer Try(Session& session, const char* name) {
     try {
         const OperationReport report = session.Call(operation, {});
         const bool isDone = !IsFailure(operation, report.result) && report.unwritten.empty();
-        const Meaning* const meaning = FindMeaning(operation.results, report.result);
         return {isDone, !report.unwritten.empty()
                             ? report.unwritten
                             : std::string(name) + "() = " + std::to_string(std::get<int>(report.result)) +
-                                  ": " + (meaning != nullptr ? meaning->words : "")};
+                                  ": " + ResultWords(report)};
     } catch (const UnreadablePc& barred) {
         return {false, barred.what()};
     }
@@ -239,9 +238,9 @@ SwitchReport CheckSwitch(Session& session) {
     return report;
 }
 
-std::vector<RefusalReason> WhySwitchRefused(Session& session, int disk) {
+std::vector<Finding> WhySwitchRefused(Session& session, int disk) {
     Questions questions(session);
-    std::vector<RefusalReason> reasons;
+    std::vector<Finding> reasons;
     for (const ConditionReport& condition : Asked(FactsOf(questions, disk))) {
         if (condition.isMet == false) reasons.push_back({condition.code, TextOf(condition)});
     }

@@ -30,4 +30,4 @@ struct SwitchReport {
 SwitchReport CheckSwitch(Session& session);
 
 // The conditions on this disk that are not met, without a rehearsal; -1 for no disk.
-std::vector<RefusalReason> WhySwitchRefused(Session& session, int disk);
+std::vector<Finding> WhySwitchRefused(Session& session, int disk);

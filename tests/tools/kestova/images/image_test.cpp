@@ -76,7 +76,7 @@ TEST_F(Image, OversizedRecord_Boot_NeitherReadsNorOverwritesIt) {
     const Outcome system = Kestova("--image long.img boot system");
     EXPECT_EQ(system.status, 0);
     EXPECT_EQ(system.output,
-              "SetSystemActive() = 0: done, or there was nothing to do\n"
+              "SetSystemActive() = 0: done\n"
               "Changed:\n"
               "  disk 0, partition 1: file SystemVolume.ini deleted\n"
               "Backup, for kestova undo: " +
@@ -87,7 +87,7 @@ TEST_F(Image, MbrImage_BootRecovery_MovesTheFlagAndWritesTheRecord) {
     const Outcome outcome = Kestova("--image disk.img boot recovery");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output,
-              "SetRcvprtActive() = 0: done, or it was active already\n"
+              "SetRcvprtActive() = 0: done\n"
               "Changed:\n"
               "  disk 0, partition 1: active now\n"
               "  disk 0, partition 1: file SystemVolume.ini created:\n"
