@@ -6,7 +6,7 @@
 #include "manager/factory_layout.h"
 #include "manager/guard.h"
 #include "manager/kestova.h"
-#include "manager/nothing_to_do.h"
+#include "manager/result_codes.h"
 #include "manager/system_volume_ini.h"
 #include "vds/vds_partition.h"
 

@@ -2,6 +2,8 @@
 // also occur in records.
 #pragma once
 
+#include "platform/windows_api.h"
+
 enum : int {
     NO_INTERNAL_DISK = 100,
     ERROR_GET_PARTITION_TYPE = 101,  // no such partition, not GPT, or the service failed
@@ -14,3 +16,10 @@ enum : int {
     NO_SYSTEM_PARTITION_TYPE = 115,  // the GPT type of partition 3 could not be read
     NO_VOLUME_LAYER = 116,
 };
+
+// The records with which a switch of the active partition says that there was nothing to do; its result is
+// that of a switch that was made.
+inline constexpr const WCHAR* recoveryWasActive =
+    TEXT("Kestova::SetRcvprtActive\tGetActivePartitionNumber PartitionNumber is 1. 0");
+inline constexpr const WCHAR* systemWasActive =
+    TEXT("Kestova::SetSystemActive\t\tPartitionNumber is not 1. 0");

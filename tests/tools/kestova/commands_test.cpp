@@ -190,8 +190,8 @@ TEST_F(Letters, InstalledWindowsRunning_Letters_FailsWithReasons) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(
         outcome.errors,
-        "kestova: the letters of the installed Windows could not all be told: those of the running system "
-        "cannot be read; its registry could not be unloaded, which needs Windows PE\n");
+        "{\"error\":\"the letters of the installed Windows could not all be told: those of the running system "
+        "cannot be read; its registry could not be unloaded, which needs Windows PE\",\"status\":1}\n");
     EXPECT_THAT(outcome.output, StartsWith(R"({"letters":[],"problem":"the letters of )"));
 }
 
@@ -269,7 +269,7 @@ TEST_F(Status, UnreadableSystem_Status_ReportsEachPart) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(
         outcome.errors,
-        StartsWith("kestova: the start options of the running system cannot be read (error 5); "
+        StartsWith("{\"error\":\"the start options of the running system cannot be read (error 5); "
                    "the Windows directory cannot be read (error 6); "
                    "no internal disk was found, or it could not be told; "
                    "GetCurrentDiskType could not be answered: RegOpenKeyExW failed with 0x00000005; "));

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "tests/support/program/program.h"
-#include "tools/kestova/command_line/system_calls.h"
+#include "tools/kestova/process/system_calls.h"
 
 namespace {
 

@@ -97,13 +97,45 @@ const Mistake mistakes[] = {
     {"CallsOfAPc", "--pc factory-mbr calls", 2, "calls does not use --pc\n"},
     {"OperationsWithLog", "--log x operations", 2, "operations does not use --log\n"},
     {"StatusWithTrace", "--trace status", 2, "status does not use --trace\n"},
-    {"SaveFolder", "--save none/pc.json boot recovery", 2,
+    {"SaveFolder", "--pc factory-mbr --save none/pc.json boot recovery", 2,
      "--save: none/pc.json cannot be written: its folder is missing\n"},
+    {"NoPcToBoot", "boot recovery", 2,
+     "no PC was named; what is to be changed is a disk image (--image), or "},
+    {"NoPcToCall", "call SetActive 3", 2, "no PC was named; "},
     {"LogFolder", "--log /nowhere/log status", 2, "--log: /nowhere/log cannot be written\n"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Each, WrongUse, testing::ValuesIn(mistakes),
                          [](const auto& tested) { return tested.param.name; });
+
+// A script reads each of them as an object of its own line.
+TEST_F(Json, EachKindOfError_InJson_IsAnObjectWithItsStatus) {
+    const std::vector<std::pair<std::string, Outcome>> errors = {
+        {"--json --pc factory-mbr bo", {2, "", "there is no command 'bo'"}},
+        {"--json --nowhere status", {2, "", "there is no option '--nowhere'"}},
+        {"--json --pc none.json status", {3, "", "none.json: there is no such file"}},
+        {"--json --pc factory-mbr files 9",
+         {1, "", "there is no partition 9 on disk 0, which has 1, 2, 3, 4"}},
+    };
+    for (const auto& [words, expected] : errors) {
+        const Outcome outcome = Kestova(words);
+        EXPECT_EQ(outcome.status, expected.status) << words;
+        EXPECT_EQ(outcome.output, "") << words;
+        EXPECT_EQ(outcome.errors, "{\"error\":\"" + expected.errors +
+                                      "\",\"status\":" + std::to_string(expected.status) + "}\n");
+    }
+}
+
+TEST_F(Json, WordBehindTheOptions_Error_IsText) {
+    EXPECT_THAT(Kestova("-- --json").errors, StartsWith("kestova: "));
+}
+
+TEST_F(Json, OutputOrLogThatCannotBeWritten_InJson_IsAnObject) {
+    EXPECT_EQ(Shell("'" KESTOVA_PROGRAM "' --pc factory-mbr --json status >/dev/full").errors,
+              "{\"error\":\"standard output cannot be written\",\"status\":1}\n");
+    EXPECT_EQ(Kestova("--pc factory-mbr --json --log /dev/full status").errors,
+              "{\"error\":\"/dev/full: cannot be written\",\"status\":1}\n");
+}
 
 TEST_F(Json, FactoryMbr_Call_WritesTheDocumentedObject) {
     const Outcome outcome = Kestova("--pc factory-mbr --json call GetDriveLetter 0 2");

@@ -34,7 +34,8 @@ TEST_P(FailedCall, FactoryMbr_Question_KeepsItsResultAndIsAProblem) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.output, HasSubstr(std::string("\"result\":") + GetParam().result + ","));
     EXPECT_THAT(outcome.output, HasSubstr(std::string(",\"problem\":\"") + GetParam().problem + "\","));
-    EXPECT_THAT(outcome.errors, EndsWith(std::string("kestova: ") + GetParam().problem + "\n"));
+    EXPECT_THAT(outcome.errors,
+                EndsWith(std::string("{\"error\":\"") + GetParam().problem + "\",\"status\":1}\n"));
 }
 
 const Unanswered unanswered[] = {

@@ -1,5 +1,7 @@
 #include "tools/kestova/command_line/command_line.h"
 
+#include <algorithm>
+
 #include "tools/kestova/command_line/options.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
@@ -61,6 +63,11 @@ void NameImageOfBackup(CommandLine& line) {
 }
 
 }  // namespace
+
+bool WantsJson(const std::vector<std::string>& words) {
+    const auto end = std::ranges::find(words, "--");
+    return std::find(words.begin(), end, "--json") != end;
+}
 
 CommandLine ReadCommandLine(const std::vector<std::string>& words) {
     CommandLine line;

@@ -21,6 +21,9 @@ struct CommandLine {
     bool version = false;
 };
 
+// Whether the words ask for JSON; also of a command line that is wrong.
+bool WantsJson(const std::vector<std::string>& words);
+
 // The words behind the program's name. Throws WrongUse.
 CommandLine ReadCommandLine(const std::vector<std::string>& words);
 

@@ -7,6 +7,7 @@
 #include "tools/kestova/command_line/completion.h"
 #include "tools/kestova/command_line/file_argument.h"
 #include "tools/kestova/command_line/help.h"
+#include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/command_line/script.h"
 #include "tools/kestova/common/errors.h"
@@ -15,10 +16,6 @@
 #include "tools/kestova/reports/remarks.h"
 
 namespace {
-
-void ShowMessage(const std::string& message) {
-    if (!message.empty()) std::cerr << "kestova: " << message << "\n";
-}
 
 void ShowMessages(const std::vector<std::string>& messages) {
     for (const std::string& message : messages)
@@ -35,8 +32,7 @@ template <typename Report>
 int ShowWithProblem(const CommandLine& line, const Report& report) {
     Show(line, report);
     if constexpr (requires { report.remarks; }) ShowFindings("", report.remarks);
-    ShowMessage(report.problem);
-    return report.problem.empty() ? Done : Failure;
+    return ShowProblem(line, report.problem);
 }
 
 int Status(const CommandLine& line) {
@@ -127,9 +123,8 @@ ShownCall CallAndShow(const CommandLine& line, Session& session, const PlannedCa
     if (call.operation->changesPc) report.remarks = RemarksOn(session.OnPc());
     Show(line, report);
     CheckWritten(report);
-    ShowMessage(report.problem);
-    const bool hasFailed = IsFailure(*call.operation, report.result) || !report.problem.empty();
-    return {hasFailed ? Failure : Done, report.remarks};
+    const int status = ShowProblem(line, report.problem);
+    return {IsFailure(*call.operation, report.result) ? Failure : status, report.remarks};
 }
 
 int Call(const CommandLine& line) {

@@ -4,12 +4,13 @@
 
 #include "tools/kestova/command_line/command_line.h"
 #include "tools/kestova/command_line/commands.h"
-#include "tools/kestova/command_line/confinement.h"
 #include "tools/kestova/command_line/help.h"
-#include "tools/kestova/command_line/program_start.h"
+#include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/version.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/process/confinement.h"
+#include "tools/kestova/process/program_start.h"
 
 namespace {
 
@@ -25,34 +26,48 @@ int Run(const CommandLine& line) {
     return FindCommand(line).run(line);
 }
 
-int Complain(const std::exception& error, ExitStatus status) {
-    std::cerr << "kestova: " << error.what() << "\n";
+// The operation is complete, but its report is lost: the exit status must show that.
+int CheckOutput(const CommandLine& line, int status) {
+    if (std::cout.flush()) return status;
+    return ShowProblem(line, "standard output cannot be written");
+}
+
+int RunWords(const std::vector<std::string>& words) {
+    const CommandLine line = ReadCommandLine(words);
+    BeginOpening(line.choice);
+    ConfineAtStart();
+    return CheckOutput(line, Run(line));
+}
+
+int Complain(bool json, const std::string& message, ExitStatus status) {
+    ShowError(json, message, status);
     return status;
 }
 
-// The operation is complete, but its report is lost: the exit status must show that.
-int CheckOutput(int status) {
-    if (std::cout.flush()) return status;
-    std::cerr << "kestova: standard output cannot be written\n";
-    return Failure;
+// Runs the words, and maps what it throws to a message and a status.
+int RunAndComplain(const std::vector<std::string>& words) {
+    const bool json = WantsJson(words);
+    try {
+        return RunWords(words);
+    } catch (const WrongUse& error) {
+        ShowError(json, error.what(), WrongUseStatus);
+        if (!json) std::cerr << "(kestova --help tells what there is)\n";
+        return WrongUseStatus;
+    } catch (const UnreadablePc& error) {
+        return Complain(json, error.what(), UnreadablePcStatus);
+    } catch (const std::bad_alloc&) {
+        return Complain(json, "out of memory", Failure);
+    } catch (const std::exception& error) {
+        return Complain(json, error.what(), Failure);
+    }
 }
 
 }  // namespace
 
 int main(int count, char** words) {
     try {
-        const CommandLine line = ReadCommandLine(StartProgram(count, words));
-        BeginOpening(line.choice);
-        ConfineAtStart();
-        return CheckOutput(Run(line));
-    } catch (const WrongUse& error) {
-        std::cerr << "kestova: " << error.what() << "\n(kestova --help tells what there is)\n";
-        return WrongUseStatus;
-    } catch (const UnreadablePc& error) {
-        return Complain(error, UnreadablePcStatus);
-    } catch (const std::bad_alloc&) {
-        return Complain(std::runtime_error("out of memory"), Failure);
+        return RunAndComplain(StartProgram(count, words));
     } catch (const std::exception& error) {
-        return Complain(error, Failure);
+        return Complain(false, error.what(), Failure);
     }
 }

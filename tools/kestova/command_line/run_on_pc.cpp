@@ -3,10 +3,11 @@
 #include <fstream>
 #include <iostream>
 
-#include "tools/kestova/command_line/confinement.h"
+#include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/process/confinement.h"
 #include "tools/kestova/reports/remarks.h"
 
 namespace {
@@ -65,7 +66,7 @@ void ShowEnd(const CommandLine& line, const OpenedPc& pc) {
         ShowText(line, LedgerText(pc.Ledger()));
     }
     for (const Finding& unmet : UnmetFaults(faults))
-        std::cerr << "kestova: " << unmet.text << "\n";
+        ShowMessage(unmet.text);
 }
 
 // Construction and destruction have no result: as text they are shown only in a trace.
@@ -82,7 +83,7 @@ void Initialize(const CommandLine& line, const PcWork& work, Session& session) {
     if (work.showLife) Show(line, report);
     const auto& results = report.operation->results;
     if (IsFailure(*report.operation, report.result))
-        std::cerr << "kestova: Initialize: " << FindMeaning(results, report.result)->words << "\n";
+        ShowMessage("Initialize: " + std::string(FindMeaning(results, report.result)->words));
 }
 
 int RunOnObject(const CommandLine& line, const PcWork& work, Session& session) {
@@ -145,7 +146,7 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     EndOpening();
     ConfineTo(WorkOn(line, work, pc.Inputs()));
     for (const std::string& note : pc.Notes())
-        std::cerr << "kestova: " << note << "\n";
+        ShowMessage(note);
     int status = Done;
     try {
         Session session(pc, log.Stream(), line.choice.trace);
@@ -157,10 +158,7 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     ShowEnd(line, pc);
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
     ShowBackups(line, pc);
-    if (!log.Close()) {
-        std::cerr << "kestova: " << line.log << ": cannot be written\n";
-        status = Failure;
-    }
+    if (!log.Close()) status = ShowProblem(line, line.log + ": cannot be written");
     if (files.save) pc.Save(*files.save);
     return status;
 }

@@ -1,8 +1,8 @@
 #include "tools/kestova/command_line/version.h"
 
-#include "tools/kestova/command_line/system_calls.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/process/system_calls.h"
 
 std::string VersionText() {
     const std::vector<LinkedLibrary> forImages = ImageLibraries();

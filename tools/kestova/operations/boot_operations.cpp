@@ -1,6 +1,6 @@
 // Choosing which partition the PC boots from.
 
-#include "manager/nothing_to_do.h"
+#include "manager/result_codes.h"
 #include "tools/kestova/operations/operation_tables.h"
 
 namespace {

@@ -331,6 +331,10 @@ std::string AsJson(const UndoReport& report) {
     return Line(json);
 }
 
+std::string ErrorAsJson(const std::string& message, int status) {
+    return Line({{"error", message}, {"status", status}}, true);
+}
+
 std::string WithEnd(const std::string& line, const EndReport& end) {
     Json json = Json::parse(line);
     for (const FaultCount& fault : end.faults)

@@ -26,6 +26,8 @@ std::string AsJson(const OperationReport& report);
 std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const TableRepairReport& report);
 std::string AsJson(const UndoReport& report);
+// {"error", "status"}: why the program ends with that status. In ASCII.
+std::string ErrorAsJson(const std::string& message, int status);
 
 // What is known only when everything is over.
 struct EndReport {

@@ -136,7 +136,8 @@ TEST_F(Image, RecoveryVolumeOverwritten_Status_IsAProblem) {
     EXPECT_THAT(
         mbr.output,
         HasSubstr(R"(,"problem":"partition 1 is for recovery and holds no file system that can be read")"));
-    EXPECT_EQ(mbr.errors, "kestova: partition 1 is for recovery and holds no file system that can be read\n");
+    EXPECT_EQ(Kestova("--image disk.img status").errors,
+              "kestova: partition 1 is for recovery and holds no file system that can be read\n");
 
     const std::string at = Shell("cp --sparse=always " KESTOVA_TEST_IMAGES
                                  "/factory-gpt.img gpt.img; sfdisk --dump gpt.img | "

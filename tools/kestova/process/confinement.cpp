@@ -1,4 +1,4 @@
-#include "tools/kestova/command_line/confinement.h"
+#include "tools/kestova/process/confinement.h"
 
 #include <grp.h>
 #include <iconv.h>
@@ -18,8 +18,8 @@
 #include <optional>
 #include <string_view>
 
-#include "tools/kestova/command_line/system_calls.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/process/system_calls.h"
 
 namespace {
 

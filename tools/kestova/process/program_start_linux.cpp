@@ -1,6 +1,6 @@
 #include <csignal>
 
-#include "tools/kestova/command_line/program_start.h"
+#include "tools/kestova/process/program_start.h"
 
 std::vector<std::string> StartProgram(int count, char** words) {
     // A closed pipe must not end the process in the middle of an operation.

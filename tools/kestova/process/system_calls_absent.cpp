@@ -1,6 +1,6 @@
 // A build without libseccomp.
 
-#include "tools/kestova/command_line/system_calls.h"
+#include "tools/kestova/process/system_calls.h"
 
 bool FiltersSystemCalls() {
     return false;

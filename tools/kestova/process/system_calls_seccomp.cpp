@@ -12,8 +12,8 @@
 #include <memory>
 #include <string_view>
 
-#include "tools/kestova/command_line/system_calls.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/process/system_calls.h"
 
 namespace {
 

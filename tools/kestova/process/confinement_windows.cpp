@@ -1,6 +1,6 @@
-#include "tools/kestova/command_line/confinement.h"
+#include "tools/kestova/process/confinement.h"
 
-#include "tools/kestova/command_line/system_calls.h"
+#include "tools/kestova/process/system_calls.h"
 
 bool FiltersSystemCalls() {
     return false;

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "base/utf.h"
-#include "tools/kestova/command_line/program_start.h"
+#include "tools/kestova/process/program_start.h"
 
 // In text mode the C runtime writes a line feed as two bytes; its words are in the ANSI code page, which
 // lacks most characters.
