@@ -124,10 +124,13 @@ bool IsInside(const Partition& inner, const Partition& outer) {
            inner.offset + inner.size <= outer.offset + outer.size;
 }
 
+constexpr uint64_t smallestSector = 512;
+
 void Checks::Extents(const Disk& disk, const std::string& place) const {
     for (size_t index = 0; index < disk.partitions.size(); ++index) {
         const Partition& partition = disk.partitions[index];
         const std::string here = PlaceOfEntry(place, index);
+
         Require(partition.size > 0, here + ".size", "must not be 0");
         Require(partition.offset < disk.size, here + ".offset", "lies beyond the end of the disk");
         Require(partition.size <= disk.size - partition.offset, here + ".size",
@@ -139,6 +142,8 @@ void Checks::Extents(const Disk& disk, const std::string& place) const {
             if (!apart)
                 Require(false, here + ".offset", "the partition overlaps " + PlaceOfEntry(place, before));
         }
+        Require(partition.offset % smallestSector == 0, here + ".offset",
+                "must be a multiple of 512, the size of a sector");
     }
 }
 

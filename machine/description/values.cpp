@@ -28,6 +28,13 @@ std::optional<uint64_t> NumberFromText(std::string_view text) {
     return number;
 }
 
+// Where the count of "100 GiB" or "100GiB" ends; nowhere in a number without a unit.
+size_t EndOfCount(const std::string& text) {
+    const size_t blank = text.find(' ');
+    if (blank != std::string::npos || !text.ends_with('B') || text.starts_with("0x")) return blank;
+    return text.find_first_not_of("0123456789");
+}
+
 }  // namespace
 
 void Text::Read(const Node& node, std::string& text) {
@@ -94,15 +101,16 @@ void GuidValue::Write(Output out, const Guid& guid, const Guid&) {
 
 void ByteCount::Read(const Node& node, uint64_t& bytes) {
     const NumberRange range = {0, std::numeric_limits<uint64_t>::max()};
-    const size_t blank = node.IsText() ? node.Text().find(' ') : std::string::npos;
-    if (blank == std::string::npos) {
+    const size_t end = node.IsText() ? EndOfCount(node.Text()) : std::string::npos;
+    if (end == std::string::npos) {
         bytes = ReadNumber(node, range);
         return;
     }
     const std::string& text = node.Text();
-    const auto unit = std::find_if(std::begin(units), std::end(units),
-                                   [&](const Unit& row) { return text.substr(blank + 1) == row.name; });
-    const std::optional<uint64_t> count = NumberFromText(text.substr(0, blank));
+    const std::string name = text.substr(text[end] == ' ' ? end + 1 : end);
+    const auto unit =
+        std::find_if(std::begin(units), std::end(units), [&](const Unit& row) { return name == row.name; });
+    const std::optional<uint64_t> count = NumberFromText(text.substr(0, end));
     if (!count || unit == std::end(units))
         node.Fail("\"" + text +
                   "\" is no size: write 1048576, \"0x100000\" or \"1 MiB\" (KiB, MiB, GiB, TiB)");

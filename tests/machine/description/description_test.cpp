@@ -72,6 +72,10 @@ const WrongText wrongKinds[] = {
     {"NumberBeyondAll", "{\n \"disks\": [{\"number\": 1e999}]\n}", "line 2, column 23: 1e999 is too large"},
     {"SizeWithUnknownUnit", R"({"disks": [{"number": 0, "size": "15 GB"}]})",
      R"(disks[0].size: "15 GB" is no size: write 1048576, "0x100000" or "1 MiB" (KiB, MiB, GiB, TiB))"},
+    {"SizeWithUnknownUnitAndNoBlank", R"({"disks": [{"number": 0, "size": "15GB"}]})",
+     R"(disks[0].size: "15GB" is no size: write 1048576, "0x100000" or "1 MiB" (KiB, MiB, GiB, TiB))"},
+    {"OffsetInTheMiddleOfASector", WithPartitions(R"({"number": 1, "offset": 1048577, "size": "1 MiB"})"),
+     "disks[0].partitions[0].offset: must be a multiple of 512, the size of a sector"},
     {"SizeTooLarge", R"({"disks": [{"number": 0, "size": "99999999 TiB"}]})",
      R"(disks[0].size: "99999999 TiB" is too large)"},
     {"Word", R"({"firmware": {"kind": "uefy"}})",
@@ -202,7 +206,8 @@ TEST(ReadDescription, EmptyObject_IsADefaultPc) {
 }
 
 TEST(ReadDescription, NumbersAndSizes_ReadInEveryNotation) {
-    for (const char* const size : {"1048576", "\"1048576\"", "\"0x100000\"", "\"1024 KiB\"", "\"1 MiB\""}) {
+    for (const char* const size :
+         {"1048576", "\"1048576\"", "\"0x100000\"", "\"1024 KiB\"", "\"1 MiB\"", "\"1MiB\""}) {
         const Pc pc = Read(std::string(R"({"disks": [{"number": "0x0", "size": )") + size + "}]}");
         EXPECT_EQ(pc.disks.at(0).size, 1048576u) << size;
     }
@@ -286,8 +291,8 @@ TEST(ReadDescription, Shell_DefaultsAreQuickAndWorking) {
 }
 
 TEST(ReadDescription, LogicalPartitionInsideExtendedOne_IsAccepted) {
-    const Pc pc = Read(WithPartitions(R"({"number": 0, "offset": 100, "size": 100, "mbrType": "0x0F"},
-                                         {"number": 1, "offset": 110, "size": 90, "mbrType": 7})"));
+    const Pc pc = Read(WithPartitions(R"({"number": 0, "offset": 51200, "size": 102400, "mbrType": "0x0F"},
+                                         {"number": 1, "offset": 56320, "size": 512, "mbrType": 7})"));
     EXPECT_EQ(pc.disks.at(0).partitions.size(), 2u);
 }
 

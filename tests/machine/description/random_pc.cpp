@@ -55,7 +55,7 @@ class Generator {
     std::string lettersLeft_ = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 };
 
-constexpr uint64_t partitionPitch = 1000;
+constexpr uint64_t partitionPitch = 512 * 1000;
 
 std::string Generator::Text() {
     const std::string piece =
@@ -143,8 +143,8 @@ Partition Generator::MakePartition(const Disk& disk, uint32_t index) {
     number = index + 1;
     volume = ValueOrNothing<Volume>([&] { return MakeVolume(true, onImage); });
     if (onImage) return partition;
-    offset = index * partitionPitch + Below(10);
-    size = 1 + Below(partitionPitch - 10);
+    offset = index * partitionPitch + Below(10) * 512;
+    size = 1 + Below(partitionPitch - 10 * 512);
     if (disk.style == PartitionStyle::Mbr) {
         mbrType = Number<uint8_t>();
         bootIndicator = Number<uint8_t>();

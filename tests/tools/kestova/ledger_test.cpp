@@ -92,8 +92,12 @@ TEST_F(Ledger, FactoryMbr_EachCommandInJson_HasTheLastKey) {
 }
 
 TEST_F(Ledger, AnsweredAlready_SaveFails_TheObjectIsShownAllTheSame) {
-    const Outcome outcome = Kestova("--pc factory-mbr --json --ledger --save /proc/pc.json call IsDynamic");
-    EXPECT_EQ(outcome.status, 1);
+    // No file of this program can be larger than a block.
+    const Outcome outcome =
+        Shell("{ (ulimit -f 1; exec env --ignore-signal=XFSZ '" KESTOVA_PROGRAM
+              "' --pc factory-mbr --json --ledger --save pc.json call IsDynamic); echo $? >status; } | cat");
+    EXPECT_EQ(ReadFile("status"), "1\n");
+    EXPECT_EQ(outcome.errors, "{\"error\":\"pc.json: cannot be written\",\"status\":1}\n");
     EXPECT_THAT(outcome.output, HasSubstr("\"ledger\":{"));
 }
 

@@ -271,8 +271,22 @@ TEST_F(Save, SwitchedPc_BootSystem_ContinuesFromTheSavedState) {
 
 TEST_F(Save, UnwritableFile_Status_ExitsWith1) {
     const Outcome outcome = Kestova("--pc factory-mbr --save /proc/pc.json status");
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors, "kestova: /proc/pc.json: cannot be written\n");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(
+        outcome.errors,
+        StartsWith("kestova: --save: /proc/pc.json cannot be written: its folder takes no new file\n"));
+}
+
+// As a log that cannot be written: before anything is done, with the same status.
+TEST_F(Save, FolderThatTakesNoFile_BootRecovery_IsRefusedAsALogIs) {
+    EXPECT_EQ(Kestova("--pc factory-mbr --save pc.json status").status, 0);
+    const std::string before = ReadFile("pc.json");
+    for (const std::string option : {"--save /proc/new.json", "--log /proc/new.log"}) {
+        const Outcome outcome = Kestova("--pc pc.json " + option + " boot recovery");
+        EXPECT_EQ(outcome.status, 2) << option;
+        EXPECT_EQ(outcome.output, "") << option;
+    }
+    EXPECT_EQ(ReadFile("pc.json"), before);
 }
 
 TEST_F(Save, DryRun_Status_IsWrongUse) {
@@ -421,6 +435,18 @@ TEST_F(Save, OutputNamesAnInput_AnyCommand_IsWrongUse) {
     EXPECT_FALSE(std::filesystem::exists(Folder() / "new"));
 }
 
+// A pipe without a reader, as head leaves it.
+TEST_F(Help, AbandonedPipe_EachKindOfCommand_EndsWithoutAMessage) {
+    const std::string program = "env --default-signal=PIPE '" KESTOVA_PROGRAM "' ";
+    for (const std::string words :
+         {"operations", "--pc factory-mbr status", "--pc factory-mbr --json --ledger status"}) {
+        const Outcome outcome =
+            Shell("rm -f pipe; mkfifo pipe; (exec 3<>pipe 4>pipe 3<&-; " + program + words + " >&4)");
+        EXPECT_EQ(outcome.status, 141) << words;
+        EXPECT_THAT(outcome.errors, Not(HasSubstr("cannot be written"))) << words;
+    }
+}
+
 TEST_F(Help, FullStandardOutput_BootRecovery_ExitsWith1AndSaves) {
     const Outcome outcome = Shell("'" KESTOVA_PROGRAM
                                   "' --pc factory-mbr --save pc.json boot recovery "
@@ -435,7 +461,7 @@ TEST_F(Help, ClosedPipe_BootRecovery_CompletesAndSaves) {
     Shell("mkfifo pipe ended; { read line <ended; '" KESTOVA_PROGRAM
           "' --pc factory-mbr --save pc.json boot "
           "recovery; echo $? >status; } >pipe & { : <pipe; }; echo >ended; wait");
-    EXPECT_EQ(ReadFile("status"), "1\n");
+    EXPECT_EQ(ReadFile("status"), "141\n");
     EXPECT_THAT(ReadFile("pc.json"), HasSubstr("Active=2"));
 }
 

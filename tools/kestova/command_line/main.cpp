@@ -26,9 +26,11 @@ int Run(const CommandLine& line) {
     return FindCommand(line).run(line);
 }
 
-// The operation is complete, but its report is lost: the exit status must show that.
+// The operation is complete, but its report is lost: the exit status must show that. Nothing is said of a
+// reader that has seen enough, like head.
 int CheckOutput(const CommandLine& line, int status) {
     if (std::cout.flush()) return status;
+    if (IsOutputAbandoned()) return OutputAbandoned;
     return ShowProblem(line, "standard output cannot be written");
 }
 

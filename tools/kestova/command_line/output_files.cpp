@@ -29,6 +29,7 @@ void Keep(const std::vector<Kept>& kept, const std::string& option, const std::o
 void CheckSaveTarget(const OutputFile& save) {
     if (!save.CanBeReplaced()) Refuse("--save", save, " is no plain file");
     if (save.Folder().empty()) Refuse("--save", save, " cannot be written: its folder is missing");
+    if (!save.FolderTakesFiles()) Refuse("--save", save, " cannot be written: its folder takes no new file");
 }
 
 // A level and a tab begin each line.

@@ -3,7 +3,13 @@
 
 #include <stdexcept>
 
-enum ExitStatus : int { Done = 0, Failure = 1, WrongUseStatus = 2, UnreadablePcStatus = 3 };
+enum ExitStatus : int {
+    Done = 0,
+    Failure = 1,
+    WrongUseStatus = 2,
+    UnreadablePcStatus = 3,
+    OutputAbandoned = 141,  // as a shell shows a program that ended by a broken pipe
+};
 
 // The command line or a line of a script is wrong; nothing has been done.
 struct WrongUse : std::runtime_error {

@@ -111,6 +111,13 @@ bool OutputFile::Is(const OutputFile& other) const {
     return !other.place_->found && folder_ == other.folder_ && place_->name == other.place_->name;
 }
 
+bool OutputFile::FolderTakesFiles() const {
+    std::string name;
+    if (!MakeFresh(*place_, name)) return false;
+    unlinkat(place_->folder.Number(), name.c_str(), 0);
+    return true;
+}
+
 bool OutputFile::CanBeReplaced() const {
     return !place_->found || S_ISREG(place_->found->st_mode);
 }

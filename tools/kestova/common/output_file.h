@@ -24,6 +24,8 @@ class OutputFile {
     // nothing.
     bool Is(const std::string& path) const;
     bool Is(const OutputFile& other) const;
+    // Whether its folder takes a new file: makes one there, and removes it.
+    bool FolderTakesFiles() const;
     // A regular file or a new one.
     bool CanBeReplaced() const;
     // What it holds, up to that many bytes; nothing unless it is a regular file that can be read and may be

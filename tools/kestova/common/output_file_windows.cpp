@@ -58,6 +58,11 @@ bool OutputFile::Is(const OutputFile& other) const {
     return Is(other.path_);
 }
 
+bool OutputFile::FolderTakesFiles() const {
+    const fs::path fresh = MakeFresh(place_->target);
+    return !fresh.empty() && DeleteFileW(fresh.c_str());
+}
+
 bool OutputFile::CanBeReplaced() const {
     std::error_code missing;
     return !fs::exists(path_, missing) || fs::is_regular_file(path_, missing);

@@ -103,6 +103,9 @@ const std::vector<Kept>& KeptByWork() {
           {"memfd_create"},
           {"openat", Only::Reading},
           {"open", Only::Reading},
+          {"poll"},
+          {"ppoll"},
+          {"ppoll_time64"},
           {"exit"},
           {"exit_group"}}},
         // Writing images, and the journal beside them, which is made, named and deleted for each change.
@@ -134,7 +137,7 @@ const std::vector<Kept>& KeptByWork() {
         {[](const ConfinedWork& work) { return work.imageBytes > 0; },
          false,
          noCapability,
-         {{"poll"}, {"ppoll"}, {"ppoll_time64"}, {"recvfrom"}, {"recv"}, {"sendto"}, {"send"}, {"shutdown"}}},
+         {{"recvfrom"}, {"recv"}, {"sendto"}, {"send"}, {"shutdown"}}},
         // --save: a new file in a folder that is open.
         {[](const ConfinedWork& work) { return work.saves; },
          true,

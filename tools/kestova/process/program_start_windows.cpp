@@ -19,3 +19,8 @@ std::vector<std::string> StartProgram(int, char**) {
     LocalFree(wide);
     return words;
 }
+
+// Such a write fails with this error, and leaves it.
+bool IsOutputAbandoned() {
+    return GetLastError() == ERROR_NO_DATA || GetLastError() == ERROR_BROKEN_PIPE;
+}
