@@ -1,7 +1,7 @@
 // The registry hive of an installed Windows.
 #include "fuzz/patched_image.h"
 #include "machine/media/device/little_endian.h"
-#include "machine/media/hivex_reader.h"
+#include "machine/media/hive/hivex_reader.h"
 
 using namespace machine;
 

@@ -1,11 +1,12 @@
 // The SYSTEM hive of the installed Windows, read from its image and compared with hivexregedit.
-#include "machine/media/hivex_reader.h"
+#include "machine/media/hive/hivex_reader.h"
 
 #include <gmock/gmock.h>
 
 #include <fstream>
 
 #include "machine/facts/file_store.h"
+#include "machine/media/device/little_endian.h"
 #include "platform/windows_api.h"
 #include "tests/machine/media/image_fixture.h"
 
@@ -37,12 +38,6 @@ class HivexReaderTest : public ImageTest {
         return ContentOf(hive);
     }
 };
-
-uint32_t NumberAt(const std::string& bytes, size_t at) {
-    uint32_t number = 0;
-    bytes.copy(reinterpret_cast<char*>(&number), sizeof(number), at);
-    return number;
-}
 
 TEST_F(HivexReaderTest, InstalledWindows_Read_ReturnsItsLetters) {
     RegistryKeys keys;
@@ -104,7 +99,7 @@ TEST_F(HivexReaderTest, FileWithoutHive_Read_LeavesTheKeysUnchanged) {
 // Only one key is read: what the others hold costs nothing, even if they form a cycle.
 TEST_F(HivexReaderTest, OtherKeyIsTheRoot_Read_ReturnsTheLetters) {
     std::string hive = Hive();
-    const size_t list = 0x1000 + NumberAt(hive, rootKey + 4 + 0x1C) + 4;
+    const size_t list = 0x1000 + Le32(hive, rootKey + 4 + 0x1C) + 4;
     ASSERT_EQ(hive.substr(list, 2), "lh");
     hive.replace(list + 12, 4, std::string("\x20\0\0\0", 4));  // the root as its own second subkey
     RegistryKeys keys;
@@ -112,6 +107,57 @@ TEST_F(HivexReaderTest, OtherKeyIsTheRoot_Read_ReturnsTheLetters) {
     EXPECT_EQ(HivexReader().Read(hive, keys), 0u);
 
     EXPECT_EQ(keys["MountedDevices"].size(), 5u);
+}
+
+// The key "Select" is a neighbour of "MountedDevices", in the same list and the same bin.
+TEST_F(HivexReaderTest, LengthOfAnotherKeyDamaged_Read_ReturnsTheLetters) {
+    const std::string hive = Hive();
+    const size_t select = hive.find("Select") - 80;
+    ASSERT_EQ(hive.substr(select + 4, 2), "nk");
+    RegistryKeys whole;
+    ASSERT_EQ(HivexReader().Read(hive, whole), 0u);
+    for (const uint32_t length : {0u, 3u, 0xFFFFFFFDu, 0x10u, 0xFFFFFF00u, 0x7FFFFFF8u, 0x80000000u}) {
+        std::string damaged = hive;
+        PutLe32(damaged, select, length);
+        RegistryKeys keys;
+
+        EXPECT_EQ(HivexReader().Read(damaged, keys), 0u) << length;
+
+        EXPECT_EQ(keys, whole) << length;
+    }
+}
+
+TEST_F(HivexReaderTest, AnotherKeyIsNone_Read_ReturnsTheLetters) {
+    std::string hive = Hive();
+    hive.replace(hive.find("Select") - 76, 76, 76, 'X');
+    RegistryKeys keys;
+
+    EXPECT_EQ(HivexReader().Read(hive, keys), 0u);
+
+    EXPECT_EQ(keys["MountedDevices"].size(), 5u);
+}
+
+// A bin of several pages, one that follows it, and the headers of both.
+TEST_F(HivexReaderTest, HeaderOfAnotherBinDamaged_Read_ReturnsTheLetters) {
+    std::string text = "[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup]\n\"long\"=hex(3):00";
+    for (int i = 1; i < 9'000; ++i)
+        text += ",00";
+    const std::string hive =
+        With(text + "\n\n[HKEY_LOCAL_MACHINE\\SYSTEM\\Select]\n\"Last\"=dword:00000001\n");
+    const size_t last = 0x1000 + Le32(hive, 40);
+    size_t bins = 0;
+    for (size_t bin = hive.find("hbin", 0x3000); bin < last; bin = hive.find("hbin", bin + 4), ++bins) {
+        for (const size_t field : {0u, 4u, 8u}) {
+            std::string damaged = hive;
+            damaged.replace(bin + field, 4, "XXXX");
+            RegistryKeys keys;
+
+            EXPECT_EQ(HivexReader().Read(damaged, keys), 0u) << bin << " " << field;
+
+            EXPECT_EQ(keys["MountedDevices"].size(), 5u) << bin << " " << field;
+        }
+    }
+    EXPECT_GE(bins, 2u);
 }
 
 TEST_F(HivexReaderTest, NoMountedDevices_Read_ReturnsTheRootAlone) {

@@ -1,4 +1,4 @@
-#include "machine/media/hivex_reader.h"
+#include "machine/media/hive/hivex_reader.h"
 
 #include <hivex.h>
 #include <sys/mman.h>
@@ -13,6 +13,7 @@
 
 #include "base/utf.h"
 #include "machine/media/device/store_errors.h"
+#include "machine/media/hive/hive_cells.h"
 
 namespace machine {
 
@@ -88,8 +89,11 @@ bool ReadValues(hive_h* hive, hive_node_h key, size_t most, std::map<std::string
 }  // namespace
 
 uint32_t HivexReader::Read(std::string_view file, RegistryKeys& keys) {
-    const MemoryFile copy(file);
-    const HiveOwner hive(hivex_open(copy.Path().c_str(), 0));
+    std::string mended(file);
+    MendCells(mended);
+    const MemoryFile copy(mended);
+    // Unsafe: a damaged key does not hide those beside it.
+    const HiveOwner hive(hivex_open(copy.Path().c_str(), HIVEX_OPEN_UNSAFE));
     if (!hive) return errorBadHive;
     const hive_node_h root = hivex_root(hive.get());
     if (root == 0) return errorBadHive;
