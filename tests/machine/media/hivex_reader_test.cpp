@@ -137,8 +137,8 @@ TEST_F(HivexReaderTest, AnotherKeyIsNone_Read_ReturnsTheLetters) {
     EXPECT_EQ(keys["MountedDevices"].size(), 5u);
 }
 
-// A bin of several pages, one that follows it, and the headers of both.
-TEST_F(HivexReaderTest, HeaderOfAnotherBinDamaged_Read_ReturnsTheLetters) {
+// Of the bin of the root, of the letters, of several pages, and one that follows it.
+TEST_F(HivexReaderTest, HeaderOfABinDamaged_Read_ReturnsTheLetters) {
     std::string text = "[HKEY_LOCAL_MACHINE\\SYSTEM\\Setup]\n\"long\"=hex(3):00";
     for (int i = 1; i < 9'000; ++i)
         text += ",00";
@@ -146,7 +146,7 @@ TEST_F(HivexReaderTest, HeaderOfAnotherBinDamaged_Read_ReturnsTheLetters) {
         With(text + "\n\n[HKEY_LOCAL_MACHINE\\SYSTEM\\Select]\n\"Last\"=dword:00000001\n");
     const size_t last = 0x1000 + Le32(hive, 40);
     size_t bins = 0;
-    for (size_t bin = hive.find("hbin", 0x3000); bin < last; bin = hive.find("hbin", bin + 4), ++bins) {
+    for (size_t bin = hive.find("hbin", 0x1000); bin < last; bin = hive.find("hbin", bin + 4), ++bins) {
         for (const size_t field : {0u, 4u, 8u}) {
             std::string damaged = hive;
             damaged.replace(bin + field, 4, "XXXX");
@@ -157,7 +157,7 @@ TEST_F(HivexReaderTest, HeaderOfAnotherBinDamaged_Read_ReturnsTheLetters) {
             EXPECT_EQ(keys["MountedDevices"].size(), 5u) << bin << " " << field;
         }
     }
-    EXPECT_GE(bins, 2u);
+    EXPECT_GE(bins, 4u);
 }
 
 TEST_F(HivexReaderTest, NoMountedDevices_Read_ReturnsTheRootAlone) {
