@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
     base.Ask(input, [](const std::string&) {
         RegistryKeys keys;
-        HivexReader().Read(base.Bytes(), keys);
+        HivexReader().Read({std::string(base.Bytes())}, keys);
     });
     return 0;
 }

@@ -42,7 +42,7 @@ class HivexReaderTest : public ImageTest {
 TEST_F(HivexReaderTest, InstalledWindows_Read_ReturnsItsLetters) {
     RegistryKeys keys;
 
-    ASSERT_EQ(HivexReader().Read(Hive(), keys), 0u);
+    ASSERT_EQ(HivexReader().Read({Hive()}, keys), 0u);
 
     EXPECT_THAT(keys, ElementsAre(Key(""), Key("MountedDevices")));
     auto& devices = keys["MountedDevices"];
@@ -63,7 +63,7 @@ TEST_F(HivexReaderTest, ValuesOfEachKind_Read_MatchesHivexregedit) {
         "[HKEY_LOCAL_MACHINE\\SYSTEM\\MountedDevices]\n@=\"the default\"\n"
         "\"Text\"=hex(1):47,00,72,00,f6,00,df,00,65,00,00,00\n\"Number\"=dword:00000102\n\"None\"=hex(0):\n");
 
-    ASSERT_EQ(HivexReader().Read(hive, keys), 0u);
+    ASSERT_EQ(HivexReader().Read({hive}, keys), 0u);
 
     auto& devices = keys["MountedDevices"];
     EXPECT_EQ(devices[""], (RegistryValue{REG_SZ, "the default"}));
@@ -80,7 +80,7 @@ TEST_F(HivexReaderTest, ValueOfUnknownType_Read_ReturnsItsNumber) {
         With("[HKEY_LOCAL_MACHINE\\SYSTEM\\MountedDevices]\n\"odd\"=hex(3):00,01,02,03,04,05\n");
     hive.replace(hive.find("odd") - 8, 4, "ABCD");
 
-    ASSERT_EQ(HivexReader().Read(hive, keys), 0u);
+    ASSERT_EQ(HivexReader().Read({hive}, keys), 0u);
 
     EXPECT_EQ(keys["MountedDevices"]["odd"], (RegistryValue{0x44434241, std::string("\0\1\2\3\4\5", 6)}));
 }
@@ -91,7 +91,7 @@ TEST_F(HivexReaderTest, FileWithoutHive_Read_LeavesTheKeysUnchanged) {
     for (const std::string& file : {std::string(), std::string("regf"), std::string(8192, '\0'),
                                     hive.substr(0, 4096), hive.substr(0, hive.size() - 1)}) {
         RegistryKeys keys = before;
-        EXPECT_EQ(HivexReader().Read(file, keys), 1009u) << file.size();
+        EXPECT_EQ(HivexReader().Read({file}, keys), 1009u) << file.size();
         EXPECT_EQ(keys, before);
     }
 }
@@ -104,7 +104,7 @@ TEST_F(HivexReaderTest, OtherKeyIsTheRoot_Read_ReturnsTheLetters) {
     hive.replace(list + 12, 4, std::string("\x20\0\0\0", 4));  // the root as its own second subkey
     RegistryKeys keys;
 
-    EXPECT_EQ(HivexReader().Read(hive, keys), 0u);
+    EXPECT_EQ(HivexReader().Read({hive}, keys), 0u);
 
     EXPECT_EQ(keys["MountedDevices"].size(), 5u);
 }
@@ -115,13 +115,13 @@ TEST_F(HivexReaderTest, LengthOfAnotherKeyDamaged_Read_ReturnsTheLetters) {
     const size_t select = hive.find("Select") - 80;
     ASSERT_EQ(hive.substr(select + 4, 2), "nk");
     RegistryKeys whole;
-    ASSERT_EQ(HivexReader().Read(hive, whole), 0u);
+    ASSERT_EQ(HivexReader().Read({hive}, whole), 0u);
     for (const uint32_t length : {0u, 3u, 0xFFFFFFFDu, 0x10u, 0xFFFFFF00u, 0x7FFFFFF8u, 0x80000000u}) {
         std::string damaged = hive;
         PutLe32(damaged, select, length);
         RegistryKeys keys;
 
-        EXPECT_EQ(HivexReader().Read(damaged, keys), 0u) << length;
+        EXPECT_EQ(HivexReader().Read({damaged}, keys), 0u) << length;
 
         EXPECT_EQ(keys, whole) << length;
     }
@@ -132,7 +132,7 @@ TEST_F(HivexReaderTest, AnotherKeyIsNone_Read_ReturnsTheLetters) {
     hive.replace(hive.find("Select") - 76, 76, 76, 'X');
     RegistryKeys keys;
 
-    EXPECT_EQ(HivexReader().Read(hive, keys), 0u);
+    EXPECT_EQ(HivexReader().Read({hive}, keys), 0u);
 
     EXPECT_EQ(keys["MountedDevices"].size(), 5u);
 }
@@ -152,7 +152,7 @@ TEST_F(HivexReaderTest, HeaderOfABinDamaged_Read_ReturnsTheLetters) {
             damaged.replace(bin + field, 4, "XXXX");
             RegistryKeys keys;
 
-            EXPECT_EQ(HivexReader().Read(damaged, keys), 0u) << bin << " " << field;
+            EXPECT_EQ(HivexReader().Read({damaged}, keys), 0u) << bin << " " << field;
 
             EXPECT_EQ(keys["MountedDevices"].size(), 5u) << bin << " " << field;
         }
@@ -166,7 +166,7 @@ TEST_F(HivexReaderTest, NoMountedDevices_Read_ReturnsTheRootAlone) {
     hive[name] = 'X';
     RegistryKeys keys;
 
-    EXPECT_EQ(HivexReader().Read(hive, keys), 0u);
+    EXPECT_EQ(HivexReader().Read({hive}, keys), 0u);
 
     EXPECT_THAT(keys, ElementsAre(Key("")));
 }
@@ -180,13 +180,13 @@ TEST_F(HivexReaderTest, ValuesThatShareBytes_Read_IsRefused) {
         text += "\n\"share" + std::to_string(i) + "\"=hex(3):00,01,02,03,04,05,06,07";
     std::string hive = With(text + "\n");
     RegistryKeys keys;
-    ASSERT_EQ(HivexReader().Read(hive, keys), 0u);
+    ASSERT_EQ(HivexReader().Read({hive}, keys), 0u);
     // Before the name of a value are: its name's length, the length and place of its data, and eight bytes.
     const auto dataOf = [&](const std::string& name) { return hive.find(name) - 16; };
     for (int i = 10; i < 60; ++i)
         hive.replace(dataOf("share" + std::to_string(i)), 8, hive, dataOf("long"), 8);
 
-    EXPECT_EQ(HivexReader().Read(hive, keys), 1009u);
+    EXPECT_EQ(HivexReader().Read({hive}, keys), 1009u);
 }
 
 }  // namespace

@@ -92,7 +92,7 @@ void AskStick(const std::string& image) {
 
 void AskHive(const std::string& image) {
     RegistryKeys keys;
-    HivexReader().Read(ContentOf(image), keys);
+    HivexReader().Read({ContentOf(image)}, keys);
 }
 
 constexpr uint64_t KiB = 1024;

@@ -109,6 +109,11 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
         output << "  " << change << "\n";
 }
 
+void ShowNotes(const std::vector<std::string>& notes) {
+    for (const std::string& note : notes)
+        std::cerr << "kestova: " << note << "\n";
+}
+
 // In JSON each operation names them.
 void ShowBackups(const CommandLine& line, const OpenedPc& pc) {
     if (line.json) return;
@@ -135,16 +140,17 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     LogOutput log(line, files.log);
     EndOpening();
     ConfineTo(WorkOn(line, work, pc.Inputs()));
-    for (const std::string& note : pc.Notes())
-        std::cerr << "kestova: " << note << "\n";
+    ShowNotes(pc.Notes());
     int status = Done;
     try {
         Session session(pc, log.Stream(), line.choice.trace);
         status = RunOnObject(line, work, session);
     } catch (...) {
+        ShowNotes(pc.LaterNotes());
         ShowBackups(line, pc);
         throw;
     }
+    ShowNotes(pc.LaterNotes());
     ShowLedger(line, pc);
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
     ShowBackups(line, pc);
