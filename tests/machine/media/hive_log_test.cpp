@@ -4,7 +4,9 @@
 
 #include <fstream>
 
+#include "machine/api/registry/reg_tool.h"
 #include "machine/facts/file_store.h"
+#include "machine/facts/volume_files.h"
 #include "machine/media/device/little_endian.h"
 #include "machine/media/hive/hivex_reader.h"
 #include "tests/machine/media/hive_log_builder.h"
@@ -124,6 +126,22 @@ TEST_F(HiveLogTest, HiveClosed_Read_IgnoresItsLogs) {
               0u);
     EXPECT_THAT(keys["MountedDevices"], SizeIs(5));
     EXPECT_THAT(reader.Notes(), IsEmpty());
+}
+
+TEST_F(HiveLogTest, HiveOnAnImage_LoadedByReg_HasTheLettersOfTheLogBesideIt) {
+    const std::string image = MadeImage("installed-windows.img");
+    EmulatedPc pc(PcOfImages({image}, SystemKind::WindowsPe, ImageAccess::Overlay));
+    VolumeFiles files(pc.facts);
+    const std::string path = "D:\\Windows\\System32\\config\\SYSTEM";
+    ASSERT_EQ(files.Write(path, Hive()), 0u);
+    ASSERT_EQ(files.Write(path + ".LOG2", LogOf(Hive(), {Bytes(1)})), 0u);
+
+    EXPECT_EQ(RunReg(pc, {"load", "HKLM\\TEMSYSTEM", path}), 0u);
+
+    EXPECT_THAT(pc.facts.registry["HKLM\\TEMSYSTEM\\MountedDevices"], SizeIs(6));
+    EXPECT_THAT(pc.facts.hiveReader->Notes(),
+                ElementsAre(image + ": the registry of partition 2" + applied.substr(1)));
+    EXPECT_EQ(RunReg(pc, {"unload", "HKLM\\TEMSYSTEM"}), 0u);
 }
 
 TEST_F(HiveLogTest, ReadTwice_NotesOnce) {
