@@ -1,7 +1,7 @@
 // The registry hive of an installed Windows.
 #include "fuzz/patched_image.h"
 #include "machine/media/device/little_endian.h"
-#include "machine/media/hivex_reader.h"
+#include "machine/media/hive/hivex_reader.h"
 
 using namespace machine;
 
@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
     base.Ask(input, [](const std::string&) {
         RegistryKeys keys;
-        HivexReader().Read(base.Bytes(), keys);
+        HivexReader().Read({std::string(base.Bytes())}, keys);
     });
     return 0;
 }

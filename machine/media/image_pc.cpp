@@ -5,7 +5,7 @@
 #include "machine/media/disk_image.h"
 #include "machine/media/encryptable_volumes.h"
 #include "machine/media/given_images.h"
-#include "machine/media/hivex_reader.h"
+#include "machine/media/hive/hivex_reader.h"
 #include "machine/media/mounted_devices.h"
 #include "platform/partition_types.h"
 

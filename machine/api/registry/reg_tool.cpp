@@ -28,13 +28,27 @@ bool CanBeMount(const std::string& key) {
                                          [&](const char* hive) { return SameName(hive, key); });
 }
 
+// "disk.img: the registry of partition 2".
+std::string OwnerOf(const LocatedVolume& located) {
+    if (located.disk == nullptr) return located.volume->image + ": its registry";
+    return located.disk->image + ": the registry of partition " + std::to_string(located.partition->number);
+}
+
 // 0, or the error code of VolumeFiles or of the hive reader.
 uint32_t ReadHive(Pc& pc, const std::string& file, RegistryKeys& keys) {
     std::string content;
     if (const uint32_t error = VolumeFiles(pc).Read(file, content); error != ERROR_SUCCESS) return error;
     const LocatedVolume located = FindLetter(pc, file.front());
     const bool described = !located || located.volume->store == nullptr;
-    if (!described) return pc.hiveReader ? pc.hiveReader->Read(content, keys) : uint32_t{ERROR_NOT_SUPPORTED};
+    if (!described) {
+        if (!pc.hiveReader) return ERROR_NOT_SUPPORTED;
+        const auto beside = [&](std::string_view suffix) {
+            std::string log;
+            VolumeFiles(pc).Read(file + std::string(suffix), log);
+            return log;
+        };
+        return pc.hiveReader->Read({std::move(content), OwnerOf(located), beside}, keys);
+    }
     keys = pc.offlineSystemHive;
     return ERROR_SUCCESS;
 }

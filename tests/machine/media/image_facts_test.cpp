@@ -88,7 +88,7 @@ TEST_F(ImageFactsTest, ImageWithHive_HasAReader) {
     RegistryKeys keys;
 
     ASSERT_EQ(VolumeFiles(pc).Read("D:\\Windows\\System32\\Config\\SYSTEM", file), 0u);
-    EXPECT_EQ(pc.hiveReader->Read(file, keys), 0u);
+    EXPECT_EQ(pc.hiveReader->Read({file}, keys), 0u);
 
     EXPECT_TRUE(keys.contains("MountedDevices"));
 }

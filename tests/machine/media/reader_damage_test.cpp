@@ -8,7 +8,7 @@
 
 #include "machine/facts/file_store.h"
 #include "machine/media/device/little_endian.h"
-#include "machine/media/hivex_reader.h"
+#include "machine/media/hive/hivex_reader.h"
 #include "machine/media/medium_image.h"
 #include "tests/machine/media/image_fixture.h"
 
@@ -92,7 +92,7 @@ void AskStick(const std::string& image) {
 
 void AskHive(const std::string& image) {
     RegistryKeys keys;
-    HivexReader().Read(ContentOf(image), keys);
+    HivexReader().Read({ContentOf(image)}, keys);
 }
 
 constexpr uint64_t KiB = 1024;

@@ -16,6 +16,13 @@ Outcome ProgramTest::Shell(const std::string& command) {
     return {status, ReadFile(".output"), ReadFile(".errors")};
 }
 
+void ProgramTest::ChangeRecoveryVolume(const std::string& command) {
+    const std::string volume = " bs=1M count=60 status=none conv=notrunc,sparse";
+    const Outcome outcome = Shell("dd if=disk.img of=part skip=1" + volume + " && " + command +
+                                  " && dd if=part of=disk.img seek=1" + volume);
+    ASSERT_EQ(outcome.status, 0) << command << "\n" << outcome.errors;
+}
+
 void ProgramTest::WriteFile(const std::string& name, const std::string& content) {
     std::ofstream(Folder() / name, std::ios::binary) << content;
 }

@@ -23,6 +23,10 @@ class ProgramTest : public testing::Test {
     // Runs any shell command there.
     Outcome Shell(const std::string& command);
 
+    // Runs a command on the recovery volume of the factory disk "disk.img", which is then a file named part,
+    // and puts it back.
+    void ChangeRecoveryVolume(const std::string& command);
+
     void WriteFile(const std::string& name, const std::string& content);
     std::string ReadFile(const std::string& name);
     const std::filesystem::path& Folder() const { return folder_.Path(); }

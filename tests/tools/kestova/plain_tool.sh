@@ -41,6 +41,16 @@ expect 0 --image factory-gpt.img "${media[@]}" --json status
 expect 0 --image factory-gpt.img "${media[@]}" call GetRCVUFD
 # The SYSTEM hive of an installed Windows is read.
 expect 0 --image installed-windows.img letters
+# Also one that was not closed: the header's number of the last change that was begun, and its checksum, are changed.
+hive=$(LC_ALL=C grep -abo regf installed-windows.img | head -n 1 | cut -d : -f 1)
+for field in 4 508; do
+    byte=$(od -An -tu1 -N1 -j $((hive + field)) installed-windows.img)
+    # shellcheck disable=SC2059 # the byte is the format
+    printf "\\x$(printf %02x $((byte ^ 1)))" |
+        dd of=installed-windows.img bs=1 seek=$((hive + field)) conv=notrunc status=none
+done
+expect 0 --image installed-windows.img letters
+grep -q 'was not closed' output || failed=1
 expect 0 --image factory-mbr.img --save pc.json --log log.txt --trace --ledger call GetDriveLetter 0 1
 expect 0 --pc pc.json status
 expect 0 --image factory-mbr.img "${media[@]}" --hash files 1:/sources

@@ -17,11 +17,6 @@
 
 namespace {
 
-void ShowMessages(const std::vector<std::string>& messages) {
-    for (const std::string& message : messages)
-        ShowMessage(message);
-}
-
 void ShowFindings(const std::string& prefix, const std::vector<Finding>& findings) {
     for (const Finding& finding : findings)
         ShowMessage(prefix + finding.text);

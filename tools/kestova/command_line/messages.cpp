@@ -9,6 +9,11 @@ void ShowMessage(const std::string& message) {
     if (!message.empty()) std::cerr << "kestova: " << message << "\n";
 }
 
+void ShowMessages(const std::vector<std::string>& messages) {
+    for (const std::string& message : messages)
+        ShowMessage(message);
+}
+
 void ShowError(bool json, const std::string& message, int status) {
     if (json) {
         std::cerr << ErrorAsJson(message, status);

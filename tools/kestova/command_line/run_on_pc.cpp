@@ -145,16 +145,17 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     LogOutput log(line, files.log);
     EndOpening();
     ConfineTo(WorkOn(line, work, pc.Inputs()));
-    for (const std::string& note : pc.Notes())
-        ShowMessage(note);
+    ShowMessages(pc.Notes());
     int status = Done;
     try {
         Session session(pc, log.Stream(), line.choice.trace);
         status = RunOnObject(line, work, session);
     } catch (...) {
+        ShowMessages(pc.LaterNotes());
         ShowBackups(line, pc);
         throw;
     }
+    ShowMessages(pc.LaterNotes());
     ShowEnd(line, pc);
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
     ShowBackups(line, pc);

@@ -5,7 +5,7 @@
 #include "machine/media/device/disk_identity.h"
 #include "machine/media/device/disk_server.h"
 #include "machine/media/given_images.h"
-#include "machine/media/hivex_reader.h"
+#include "machine/media/hive/hivex_reader.h"
 #include "machine/media/medium_image.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"

@@ -71,6 +71,8 @@ class OpenedPc {
 
     // What the user should know about the choice, and about the state of what was chosen.
     virtual std::vector<std::string> Notes() const = 0;
+    // The same of what was found during the work.
+    virtual std::vector<std::string> LaterNotes() const = 0;
     virtual InputFiles Inputs() const = 0;
     // Platform calls and log records in order, since the last call.
     virtual Trace TakeTrace() = 0;

@@ -175,6 +175,9 @@ class EmulatedOne final : public OpenedPc {
     }
 
     std::vector<std::string> Notes() const override { return notes_; }
+    std::vector<std::string> LaterNotes() const override {
+        return before_.hiveReader ? before_.hiveReader->Notes() : std::vector<std::string>();
+    }
     InputFiles Inputs() const override { return inputs_; }
     Trace TakeTrace() override { return emulated_.journal.Take(); }
     const std::map<std::string, int>& Ledger() const override { return emulated_.ledger.Counts(); }

@@ -8,6 +8,7 @@ namespace {
 class RealOne final : public OpenedPc {
   public:
     std::vector<std::string> Notes() const override { return {}; }
+    std::vector<std::string> LaterNotes() const override { return {}; }
     InputFiles Inputs() const override { return {}; }
     Trace TakeTrace() override { return {}; }
     const std::map<std::string, int>& Ledger() const override { return unknown_; }

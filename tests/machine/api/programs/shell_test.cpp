@@ -53,12 +53,17 @@ bool IsMounted(const EmulatedPc& pc) {
 
 class HiveText final : public machine::HiveReader {
   public:
-    uint32_t Read(std::string_view file, machine::RegistryKeys& keys) override {
-        if (file != "regf") return ERROR_BADDB;
+    uint32_t Read(machine::HiveFile file, machine::RegistryKeys& keys) override {
+        if (file.content != "regf") return ERROR_BADDB;
+        notes_ = {file.owner, file.beside(".LOG1"), file.beside(".LOG2")};
         keys[""]["Root"] = {REG_SZ, "root"};
         keys["MountedDevices"]["\\DosDevices\\E:"] = {REG_BINARY, "image"};
         return ERROR_SUCCESS;
     }
+    std::vector<std::string> Notes() const override { return notes_; }
+
+  private:
+    std::vector<std::string> notes_;
 };
 
 }  // namespace
@@ -321,9 +326,12 @@ TEST(Reg, HiveOnADiskImage_Load_ReadsTheFile) {
     machine::Pc facts = PcWithBatch(load);
     machine::Volume& windows = *facts.disks[0].partitions[1].volume;
     windows.store = std::make_shared<machine::TreeStore>(windows.files);
+    ASSERT_EQ(windows.store->Write("Windows/System32/config/SYSTEM.LOG2", "log"), 0u);
+    facts.disks[0].image = "x.img";
     facts.hiveReader = std::make_shared<HiveText>();
     EmulatedPc pc(facts);
     EXPECT_THAT(RunToEnd(pc, load), ElementsAre("0"));
+    EXPECT_THAT(facts.hiveReader->Notes(), ElementsAre("x.img: the registry of partition 2", "", "log"));
     EXPECT_EQ(pc.facts.registry["HKLM\\TEMSYSTEM"]["Root"].data, "root");
     EXPECT_EQ(pc.facts.registry["HKLM\\TEMSYSTEM\\MountedDevices"]["\\DosDevices\\E:"].data, "image");
     EXPECT_THAT(RunToEnd(pc, unload), ElementsAre("0"));

@@ -15,15 +15,7 @@ class CheckOfImages : public ProgramTest {
     CheckOfImages() {
         EXPECT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
     }
-    // Changes the recovery volume, which is then a file named part.
-    void ChangeRecovery(const std::string& command) {
-        const std::string volume = " bs=1M count=60 status=none conv=notrunc,sparse";
-        ASSERT_EQ(Shell("dd if=disk.img of=part skip=1" + volume + " && " + command +
-                        " && dd if=part of=disk.img seek=1" + volume)
-                      .status,
-                  0);
-    }
-    void MakeDirty() { ChangeRecovery("ntfsfix part"); }
+    void MakeDirty() { ChangeRecoveryVolume("ntfsfix part"); }
 };
 
 TEST_F(CheckOfImages, FactoryMbr_Check_IsYesAndWritesNothing) {
@@ -62,7 +54,7 @@ TEST_F(CheckOfImages, DirtyRecoveryVolume_Check_SaysWhatHelps) {
 }
 
 TEST_F(CheckOfImages, HibernatedRecoveryVolume_Check_SaysSo) {
-    ChangeRecovery(
+    ChangeRecoveryVolume(
         "{ printf hibr; head -c 4092 /dev/zero; } >hiberfil.sys && ntfscp --force part hiberfil.sys hiberfil.sys");
     const Outcome outcome = Kestova("--image disk.img check");
     EXPECT_EQ(outcome.status, 1);
@@ -72,7 +64,7 @@ TEST_F(CheckOfImages, HibernatedRecoveryVolume_Check_SaysSo) {
 
 TEST_F(CheckOfImages, MissingFolder_CheckAndBoot_NameIt) {
     // Both the folder's own name and the one in the folder above, as UTF-16.
-    ChangeRecovery(
+    ChangeRecoveryVolume(
         "LC_ALL=C sed -i 's/\\x03\\x00i\\x00d\\x00f\\x00/\\x03\\x00i\\x00d\\x00g\\x00/g;"
         "s/\\x03\\x01i\\x00d\\x00f\\x00/\\x03\\x01i\\x00d\\x00g\\x00/g;"
         "s/\\x03\\x03i\\x00d\\x00f\\x00/\\x03\\x03i\\x00d\\x00g\\x00/g' part");
@@ -89,7 +81,7 @@ TEST_F(CheckOfImages, MissingFolder_CheckAndBoot_NameIt) {
 
 // The recovery files are on FAT, which is never written.
 TEST_F(CheckOfImages, RecoveryPartitionOnFat_Check_SaysThatItIsNotChanged) {
-    ChangeRecovery(
+    ChangeRecoveryVolume(
         "mkfs.fat part >/dev/null && mkdir -p sources/Orvo sources/data sources/idf &&"
         " printf x >sources/Qelhdrcv.ini && mcopy -s -i part sources ::");
     const Outcome outcome = Kestova("--image disk.img check");
@@ -104,7 +96,7 @@ TEST_F(CheckOfImages, RecoveryPartitionOnFat_Check_SaysThatItIsNotChanged) {
 }
 
 TEST_F(CheckOfImages, RecoveryPartitionThatCannotBeRead_Check_SaysWhy) {
-    ChangeRecovery("printf '\\340' | dd of=part bs=1 seek=68 conv=notrunc status=none");
+    ChangeRecoveryVolume("printf '\\340' | dd of=part bs=1 seek=68 conv=notrunc status=none");
     const Outcome outcome = Kestova("--image disk.img check");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(

@@ -14,9 +14,6 @@ class FilesOnImages : public ProgramTest {
     FilesOnImages() {
         EXPECT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img disk.img").status, 0);
     }
-    // The recovery partition as a file of its own, and back.
-    void CutPartition() { Dd("if=disk.img of=part skip=1"); }
-    void PastePartition() { Dd("if=part of=disk.img seek=1"); }
     std::string Output(const std::string& command) {
         const Outcome outcome = Shell(command);
         EXPECT_EQ(outcome.status, 0) << command << "\n" << outcome.errors;
@@ -27,18 +24,13 @@ class FilesOnImages : public ProgramTest {
         EXPECT_EQ(outcome.status, 0) << words << "\n" << outcome.errors;
         return outcome.output;
     }
-
-  private:
-    void Dd(const std::string& words) {
-        ASSERT_EQ(Shell("dd " + words + " bs=1M count=60 status=none conv=notrunc,sparse").status, 0);
-    }
 };
 
 // The first column, without its title, without regard to case and order.
 constexpr const char* namesOnly = " | tail -n +2 | sed 's/  .*//' | sort";
 
 TEST_F(FilesOnImages, NtfsFolder_Files_AreThoseOfNtfsls) {
-    CutPartition();
+    ChangeRecoveryVolume("true");
     const std::string theirs = Output("ntfsls --force --path /sources part | grep -vx \\. | sort");
     EXPECT_THAT(theirs, HasSubstr("Qelhdrcv.ini\n"));
     WriteFile("ours", Files("1:/sources"));
@@ -46,12 +38,9 @@ TEST_F(FilesOnImages, NtfsFolder_Files_AreThoseOfNtfsls) {
 }
 
 TEST_F(FilesOnImages, NtfsFiles_Hash_IsThatOfNtfscat) {
-    CutPartition();
-    ASSERT_EQ(Shell("head -c 3000001 /dev/zero | tr '\\0' x >long && truncate -s 5M long &&"
-                    " ntfscp --force part long 'sources/a long one.wim'")
-                  .status,
-              0);
-    PastePartition();
+    ChangeRecoveryVolume(
+        "head -c 3000001 /dev/zero | tr '\\0' x >long && truncate -s 5M long &&"
+        " ntfscp --force part long 'sources/a long one.wim'");
     const std::string whole =
         Output("ntfscat --force part 'sources/a long one.wim' | sha256sum | cut -c1-64");
     EXPECT_EQ(Files("'1:/sources/a long one.wim' --hash"),
@@ -109,10 +98,8 @@ TEST_F(FilesOnImages, LockedByBitLocker_Files_SaySo) {
 }
 
 TEST_F(FilesOnImages, DamagedVolume_Files_SaySo) {
-    CutPartition();
     // The size of an index block, as a power of two.
-    ASSERT_EQ(Shell("printf '\\340' | dd of=part bs=1 seek=68 conv=notrunc status=none").status, 0);
-    PastePartition();
+    ChangeRecoveryVolume("printf '\\340' | dd of=part bs=1 seek=68 conv=notrunc status=none");
     const Outcome outcome = Kestova("--image disk.img files 1");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors,
@@ -135,12 +122,9 @@ TEST_F(FilesOnImages, FileLongerThanItsClusters_Hash_NamesItAndGoesOn) {
 
 // Characters that NTFS allows in a name, and a terminal obeys.
 TEST_F(FilesOnImages, NtfsNameThatATerminalObeys_Files_ShowItEscaped) {
-    CutPartition();
-    ASSERT_EQ(Shell("printf x >one && ntfscp --force part one 'sources/aQ[31mb'").status, 0);
-    ASSERT_EQ(
-        Shell("LC_ALL=C sed -i 's/a\\x00Q\\x00\\[\\x003\\x00/a\\x00\\x1b\\x00[\\x003\\x00/g' part").status,
-        0);
-    PastePartition();
+    ChangeRecoveryVolume(
+        "printf x >one && ntfscp --force part one 'sources/aQ[31mb' &&"
+        " LC_ALL=C sed -i 's/a\\x00Q\\x00\\[\\x003\\x00/a\\x00\\x1b\\x00[\\x003\\x00/g' part");
     EXPECT_THAT(Files("1:/sources"), HasSubstr("\na\\u001B[31mb  1 B\n"));
 }
 

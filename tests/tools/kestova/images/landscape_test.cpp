@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "tests/support/program/program.h"
 #include "tests/support/shell/sparse_file.h"
 
@@ -116,6 +118,34 @@ TEST_F(Landscape, TwoImages_Letters_MapsThemToBothDisks) {
               "G       0     3          E\n");
     EXPECT_TRUE(IsAsMade("installed-windows.img"));
     EXPECT_TRUE(IsAsMade("factory-gpt.img"));
+}
+
+TEST_F(Landscape, HiveNotClosed_Letters_SaysThatTheyMayBeOld) {
+    Take("installed-windows.img");
+    // The number of the last change that was begun, and the checksum of the header.
+    const Outcome place = Shell("LC_ALL=C grep -abo regf installed-windows.img | head -n 1 | cut -d : -f 1");
+    std::fstream image(Folder() / "installed-windows.img", std::ios::in | std::ios::out | std::ios::binary);
+    for (const unsigned field : {4u, 508u}) {
+        const auto at = static_cast<std::streamoff>(std::stoul(place.output) + field);
+        image.seekg(at);
+        const int byte = image.get();
+        image.seekp(at);
+        image.put(static_cast<char>(byte ^ 1));
+    }
+    image.close();
+    EXPECT_EQ(Shell("cp --sparse=always installed-windows.img before.img").status, 0);
+
+    for (const char* const words : {"letters", "--json letters", "--dry-run letters"}) {
+        const Outcome outcome = Kestova("--image installed-windows.img " + std::string(words));
+
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(outcome.output, HasSubstr("D"));
+        EXPECT_EQ(outcome.errors,
+                  "kestova: installed-windows.img: the registry of partition 2 was not closed, and its "
+                  "transaction logs were not applied, because there are none: letters may be old\n");
+    }
+    EXPECT_TRUE(AreSame(Folder() / "before.img", Folder() / "installed-windows.img"));
+    EXPECT_EQ(Kestova("--image installed-windows.img status").errors, "");
 }
 
 TEST_F(Landscape, BitLockerImage_Run_FindsTheEncryptedVolume) {

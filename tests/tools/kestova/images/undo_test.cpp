@@ -115,11 +115,7 @@ TEST_F(Undo, TableChangedSince_Undo_IsRefused) {
 TEST_F(Undo, RecoveryVolumeDirtySince_Undo_IsRefusedUnlessForced) {
     ASSERT_EQ(Kestova("--image disk.img boot recovery").status, 0);
     // Bit 0 of the volume's flags, in its fourth record: what the switch wrote is elsewhere.
-    const std::string volume = " bs=1M count=60 status=none conv=notrunc,sparse";
-    ASSERT_EQ(Shell("dd if=disk.img of=part skip=1" + volume +
-                    " && ntfsfix part && dd if=part of=disk.img seek=1" + volume)
-                  .status,
-              0);
+    ChangeRecoveryVolume("ntfsfix part");
 
     ExpectRefused(
         "disk.img: partition 1 \"Recovery\" is marked dirty: start Windows, let chkdsk check it, shut down, and try "
@@ -205,11 +201,7 @@ TEST_F(Undo, NoJournalWanted_BootRecovery_LeavesNoBackupEither) {
 }
 
 TEST_F(Undo, DirtyRecoveryVolume_ScriptThatSwitches_KeepsWhatWasDoneBeforeAndItsBackup) {
-    const std::string volume = " bs=1M count=60 status=none conv=notrunc,sparse";
-    ASSERT_EQ(Shell("dd if=disk.img of=part skip=1" + volume +
-                    " && ntfsfix part && dd if=part of=disk.img seek=1" + volume)
-                  .status,
-              0);
+    ChangeRecoveryVolume("ntfsfix part");
     WriteFile("script", "SetActive 3\nSetRcvprtActive\nClearActive\n");
 
     const Outcome run = Kestova("--image disk.img run script");

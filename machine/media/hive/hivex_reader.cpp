@@ -1,9 +1,10 @@
-#include "machine/media/hivex_reader.h"
+#include "machine/media/hive/hivex_reader.h"
 
 #include <hivex.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -13,6 +14,8 @@
 
 #include "base/utf.h"
 #include "machine/media/device/store_errors.h"
+#include "machine/media/hive/hive_cells.h"
+#include "machine/media/hive/hive_log.h"
 
 namespace machine {
 
@@ -87,17 +90,36 @@ bool ReadValues(hive_h* hive, hive_node_h key, size_t most, std::map<std::string
 
 }  // namespace
 
-uint32_t HivexReader::Read(std::string_view file, RegistryKeys& keys) {
-    const MemoryFile copy(file);
-    const HiveOwner hive(hivex_open(copy.Path().c_str(), 0));
+void HivexReader::Replay(HiveFile& file) {
+    if (IsClosed(file.content)) return;
+    std::vector<std::string> logs;
+    for (const char* const suffix : {".LOG1", ".LOG2", ".LOG"})
+        logs.push_back(file.beside ? file.beside(suffix) : "");
+    const HiveReplay replay = ReplayLogs(file.content, logs);
+    std::string note = file.owner + " was not closed, and its transaction logs were ";
+    if (replay.isApplied) note += "applied to what is shown";
+    if (replay.isApplied && !replay.unapplied.empty()) note += ", but not to the end";
+    if (!replay.isApplied) note += "not applied";
+    if (!replay.unapplied.empty()) note += ", because " + replay.unapplied + ": letters may be old";
+    if (std::find(notes_.begin(), notes_.end(), note) == notes_.end()) notes_.push_back(note);
+}
+
+uint32_t HivexReader::Read(HiveFile file, RegistryKeys& keys) {
+    if (!file.content.starts_with("regf")) return errorBadHive;
+    Replay(file);
+    MendCells(file.content);
+    const MemoryFile copy(file.content);
+    // Unsafe: a damaged key does not hide those beside it.
+    const HiveOwner hive(hivex_open(copy.Path().c_str(), HIVEX_OPEN_UNSAFE));
     if (!hive) return errorBadHive;
     const hive_node_h root = hivex_root(hive.get());
     if (root == 0) return errorBadHive;
     RegistryKeys read = {{"", {}}};
     errno = 0;
     const hive_node_h devices = hivex_node_get_child(hive.get(), root, mountedDevices);
-    const bool isDamaged =
-        devices == 0 ? errno != 0 : !ReadValues(hive.get(), devices, file.size(), read[mountedDevices]);
+    const bool isDamaged = devices == 0
+                               ? errno != 0
+                               : !ReadValues(hive.get(), devices, file.content.size(), read[mountedDevices]);
     if (isDamaged) return errorBadHive;
     keys = std::move(read);
     return 0;
