@@ -3,9 +3,11 @@
 //     using Value = ...;
 //     static void Read(const Node& node, Value& value);
 //     static void Write(Output out, const Value& value, const Value& standard);
+//     static void Describe(Output out);
 //
 // Before Read, `value` holds the standard value, which applies where the description says nothing; `standard`
-// is the same value when writing. Only records need it, for the keys that they leave out.
+// is the same value when writing. Only records need it, for the keys that they leave out. Describe writes the
+// JSON Schema of what Read takes.
 #pragma once
 
 #include <optional>
@@ -13,6 +15,7 @@
 
 #include "machine/description/node.h"
 #include "machine/description/output.h"
+#include "machine/description/schema.h"
 #include "machine/facts/pc.h"
 
 namespace machine::description {
@@ -30,6 +33,11 @@ struct OrNull {
     static void Write(Output out, const Value& value, const Value& standard) {
         if (!value) return out.Null();
         Codec::Write(out, *value, standard.value_or(typename Codec::Value()));
+    }
+    static void Describe(Output out) {
+        const Output values = schema::AnyOf(out);
+        schema::Null(values.Entry());
+        Codec::Describe(values.Entry());
     }
 };
 
@@ -55,6 +63,13 @@ struct OrError {
         out.Object();
         ErrorCodec::Write(out.Key("error"), fact.error, 0);
     }
+    static void Describe(Output out) {
+        const Output values = schema::AnyOf(out);
+        Codec::Describe(values.Entry());
+        const Output error = values.Entry();
+        ErrorCodec::Describe(schema::Object(error).Key("error"));
+        schema::RequireKey(error, "error");
+    }
 };
 
 template <typename Codec>
@@ -72,6 +87,7 @@ struct ListOf {
         for (const auto& entry : list)
             Codec::Write(out.Entry(), entry, typename Codec::Value());
     }
+    static void Describe(Output out) { Codec::Describe(schema::List(out)); }
 };
 
 }  // namespace machine::description

@@ -26,4 +26,8 @@ Pc ReadDescription(const std::string& text, const std::string& fileName);
 // it (contents of files and registry values can be any bytes).
 std::string WriteDescription(const Pc& pc);
 
+// The JSON Schema of what ReadDescription takes, indented. What only the whole description shows, such as
+// partitions that overlap, it does not say.
+std::string DescriptionSchema();
+
 }  // namespace machine

@@ -108,4 +108,11 @@ void Files::Write(Output out, const FileTree& tree, const FileTree&) {
     }
 }
 
+void Files::Describe(Output out) {
+    const Output values = schema::AnyOf(schema::Map(out));
+    Text::Describe(values.Entry());
+    schema::Null(values.Entry());
+    HexBytes::DescribeObject(values.Entry());
+}
+
 }  // namespace machine::description

@@ -7,6 +7,7 @@
 
 #include "machine/description/node.h"
 #include "machine/description/output.h"
+#include "machine/description/schema.h"
 
 namespace machine::description {
 
@@ -19,6 +20,7 @@ struct Access {
     void (*read)(const Node& node, Record& record);
     void (*write)(Output out, const Record& record, const Record& standard);
     bool (*isStandard)(const Record& record, const Record& standard);
+    void (*describe)(Output out);
 };
 
 // For decltype only: the record of a member, and that of a type.
@@ -35,6 +37,7 @@ constexpr Access<Record> member = {
         Codec::Write(out, record.*pointer, standard.*pointer);
     },
     [](const Record& record, const Record& standard) { return record.*pointer == standard.*pointer; },
+    Codec::Describe,
 };
 
 // An optional key is not written when its value equals the standard.
@@ -106,6 +109,16 @@ void WriteRecord(const RecordType<Record>& type, Output out, const Record& recor
     }
 }
 
+template <typename Record>
+void DescribeRecord(const RecordType<Record>& type, Output out) {
+    const Output properties = schema::Object(out);
+    for (const Field<Record>& field : type.fields) {
+        if (type.onImage && field.suppliedByImage) continue;
+        field.access.describe(properties.Key(field.key));
+        if (field.presence == Presence::Required) schema::RequireKey(out, field.key);
+    }
+}
+
 // The codec of a record.
 template <const auto& type>
 struct RecordOf {
@@ -115,6 +128,7 @@ struct RecordOf {
     static void Write(Output out, const Value& record, const Value& standard) {
         WriteRecord(type, out, record, standard);
     }
+    static void Describe(Output out) { DescribeRecord(type, out); }
 };
 
 // The codec of a record that is on an image if its description names one.
@@ -129,6 +143,11 @@ struct RecordOrImage {
     }
     static void Write(Output out, const Value& record, const Value& standard) {
         WriteRecord(record.image.empty() ? type : typeOnImage, out, record, standard);
+    }
+    static void Describe(Output out) {
+        const Output values = schema::AnyOf(out);
+        DescribeRecord(type, values.Entry());
+        DescribeRecord(typeOnImage, values.Entry());
     }
 };
 

@@ -66,4 +66,10 @@ void Registry::Write(Output out, const RegistryKeys& keys, const RegistryKeys&) 
     }
 }
 
+void Registry::Describe(Output out) {
+    const Output values = schema::AnyOf(schema::Map(schema::Map(out)));
+    Text::Describe(values.Entry());
+    HexBytes::DescribeObject(values.Entry(), ValueType::Describe);
+}
+
 }  // namespace machine::description

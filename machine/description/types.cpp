@@ -223,6 +223,10 @@ void WritePc(Output out, const Pc& pc) {
     WriteRecord(pcType, out, pc, Pc());
 }
 
+void DescribePc(Output out) {
+    DescribeRecord(pcType, out);
+}
+
 std::vector<KeysOfObject> AllKeys() {
     return {KeysOf("PC", pcType.Keys()),
             KeysOf("firmware", firmwareType.Keys()),

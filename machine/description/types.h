@@ -13,6 +13,7 @@ namespace machine::description {
 // Before reading, `pc` holds the defaults. Throws DescriptionError.
 void ReadPc(const Node& node, Pc& pc);
 void WritePc(Output out, const Pc& pc);
+void DescribePc(Output out);
 
 // Every key that a description can hold, below the name of the object that holds it ("disk", "partition").
 struct KeysOfObject {

@@ -125,6 +125,20 @@ void ByteCount::Write(Output out, uint64_t bytes, uint64_t) {
     out.Text(std::to_string(bytes / unit->bytes) + " " + unit->name);
 }
 
+void HexBytes::DescribeObject(Output out, void (*type)(Output out)) {
+    const Output properties = schema::Object(out);
+    if (type != nullptr) {
+        type(properties.Key("type"));
+        schema::RequireKey(out, "type");
+    }
+    Describe(properties.Key("hex"));
+    schema::RequireKey(out, "hex");
+}
+
+void ByteCount::Describe(Output out) {
+    schema::Number(out, 0, std::numeric_limits<uint64_t>::max(), schema::sizeText);
+}
+
 uint64_t ReadNumber(const Node& node, NumberRange range) {
     std::optional<WholeNumber> number = node.Number();
     if (node.IsText()) {
@@ -144,6 +158,14 @@ void WriteNumber(Output out, uint64_t number, Notation notation, size_t bytes) {
     if (notation == Notation::Decimal || (notation == Notation::Code && number < leastResultCode))
         return out.Number(number);
     out.Text(Hex(number, static_cast<int>(2 * bytes)));
+}
+
+void DescribeWords(Output out, Words words) {
+    out.Object();
+    const Output values = out.Key("enum");
+    values.List();
+    for (const Named& word : words)
+        values.Entry().Text(std::string(word.name));
 }
 
 int64_t ReadWord(const Node& node, Words words) {

@@ -10,6 +10,7 @@
 
 #include "machine/description/node.h"
 #include "machine/description/output.h"
+#include "machine/description/schema.h"
 #include "machine/facts/pc.h"
 
 namespace machine::description {
@@ -18,16 +19,19 @@ struct Text {
     using Value = std::string;
     static void Read(const Node& node, std::string& text);
     static void Write(Output out, const std::string& text, const std::string& standard);
+    static void Describe(Output out) { schema::Text(out); }
 };
 
 // Upper-case letters from A to Z.
 struct Letters : Text {
     static void Read(const Node& node, std::string& letters);
+    static void Describe(Output out) { schema::Text(out, "^[A-Z]*$"); }
 };
 
 // A letter from A to Z and a colon: "C:".
 struct DriveName : Text {
     static void Read(const Node& node, std::string& name);
+    static void Describe(Output out) { schema::Text(out, "^[A-Za-z]:$"); }
 };
 
 // Bytes as pairs of hexadecimal digits; on reading, blanks are allowed between the digits.
@@ -35,18 +39,25 @@ struct HexBytes {
     using Value = std::string;
     static void Read(const Node& node, std::string& bytes);
     static void Write(Output out, const std::string& bytes, const std::string& standard);
+    static void Describe(Output out) { schema::Text(out, "^( *[0-9A-Fa-f] *[0-9A-Fa-f])* *$"); }
+    // {"hex": "ff fe"}, and in the object of the key "type", if there is one, what `type` describes.
+    static void DescribeObject(Output out, void (*type)(Output out) = nullptr);
 };
 
 struct Flag {
     using Value = bool;
     static void Read(const Node& node, bool& flag);
     static void Write(Output out, bool flag, bool standard);
+    static void Describe(Output out) { schema::Flag(out); }
 };
 
 struct GuidValue {
     using Value = Guid;
     static void Read(const Node& node, Guid& guid);
     static void Write(Output out, const Guid& guid, const Guid& standard);
+    static void Describe(Output out) {
+        schema::Text(out, "^\\{?[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}\\}?$");
+    }
 };
 
 // "15 GiB", or the bare number of bytes.
@@ -54,6 +65,7 @@ struct ByteCount {
     using Value = uint64_t;
     static void Read(const Node& node, uint64_t& bytes);
     static void Write(Output out, uint64_t bytes, uint64_t standard);
+    static void Describe(Output out);
 };
 
 // {"sources/boot.wim": "text", "sources/data/": null, "unicode.ini": {"hex": "fffe"}}.
@@ -61,6 +73,7 @@ struct Files {
     using Value = FileTree;
     static void Read(const Node& node, FileTree& tree);
     static void Write(Output out, const FileTree& tree, const FileTree& standard);
+    static void Describe(Output out);
 };
 
 // {"HKLM\\SYSTEM\\Setup": {"OOBE": "text", "Flags": {"type": "REG_DWORD", "hex": "01000000"}}}.
@@ -68,6 +81,7 @@ struct Registry {
     using Value = RegistryKeys;
     static void Read(const Node& node, RegistryKeys& keys);
     static void Write(Output out, const RegistryKeys& keys, const RegistryKeys& standard);
+    static void Describe(Output out);
 };
 
 // Numbers are JSON numbers or text, decimal or with 0x in front.
@@ -99,6 +113,10 @@ struct Number {
         }
         WriteNumber(out, static_cast<uint64_t>(number), notation, sizeof(T));
     }
+    static void Describe(Output out) {
+        using Limits = std::numeric_limits<T>;
+        schema::Number(out, Limits::min(), static_cast<uint64_t>(Limits::max()), schema::numberText);
+    }
 };
 
 using ErrorCode = Number<uint32_t, Notation::Code>;
@@ -120,6 +138,8 @@ const Named* FindValue(Words words, int64_t value);
 // Whether the value is meant as a number: anything but text, or text that begins with a digit.
 bool LooksLikeNumber(const Node& node);
 
+void DescribeWords(Output out, Words words);
+
 // One of the words in the table.
 template <typename T, const auto& words>
 struct Word {
@@ -129,6 +149,7 @@ struct Word {
     static void Write(Output out, T value, T) {
         out.Text(std::string(FindValue(words, static_cast<int64_t>(value))->name));
     }
+    static void Describe(Output out) { DescribeWords(out, words); }
 };
 
 // One of the words in the table, or a number that has none.
@@ -144,6 +165,11 @@ struct WordOrNumber {
         if (FindValue(words, static_cast<int64_t>(value)) == nullptr)
             return Number<T>::Write(out, value, standard);
         Word<T, words>::Write(out, value, standard);
+    }
+    static void Describe(Output out) {
+        const Output values = schema::AnyOf(out);
+        DescribeWords(values.Entry(), words);
+        Number<T>::Describe(values.Entry());
     }
 };
 

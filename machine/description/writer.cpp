@@ -16,4 +16,14 @@ std::string WriteDescription(const Pc& pc) {
     }
 }
 
+std::string DescriptionSchema() {
+    constexpr int indent = 2;
+    description::Json json;
+    const description::Output out(json);
+    description::DescribePc(out);
+    out.Key("$schema").Text("https://json-schema.org/draft/2020-12/schema");
+    out.Key("title").Text("The description of a PC");
+    return json.dump(indent) + "\n";
+}
+
 }  // namespace machine
