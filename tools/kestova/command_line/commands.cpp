@@ -12,11 +12,13 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/picture/columns.h"
+#include "tools/kestova/picture/status_text.h"
 
 namespace {
 
 void ShowMessage(const std::string& message) {
-    if (!message.empty()) std::cerr << "kestova: " << message << "\n";
+    if (!message.empty()) std::cerr << "kestova: " << PrintableText(message) << "\n";
 }
 
 void ShowMessages(const std::vector<std::string>& messages) {
@@ -24,18 +26,35 @@ void ShowMessages(const std::vector<std::string>& messages) {
         ShowMessage(message);
 }
 
-// Shows a report and, on standard error, what it remarks and what it could not read, which is a failure.
+StatusLook LookOf(const CommandLine& line) {
+    return {.inBytes = line.bytes,
+            .tablesOnly = line.quiet,
+            .columns = line.columns,
+            .terminal = StandardOutput()};
+}
+
+// Shows on standard error what a report remarks and what it could not read, which is a failure.
 template <typename Report>
-int ShowWithProblem(const CommandLine& line, const Report& report) {
-    Show(line, report);
-    if constexpr (requires { report.remark; }) ShowMessage(report.remark);
+int ShowProblem(const CommandLine& line, const Report& report) {
+    if constexpr (requires { report.remark; }) {
+        if (!line.quiet) ShowMessage(report.remark);
+    }
     ShowMessage(report.problem);
     return report.problem.empty() ? Done : Failure;
 }
 
+template <typename Report>
+int ShowWithProblem(const CommandLine& line, const Report& report) {
+    Show(line, report);
+    return ShowProblem(line, report);
+}
+
 int Status(const CommandLine& line) {
+    if (!line.columns.empty()) ColumnsOf(line.columns);
     return RunOnPc(line, {.initialize = false, .run = [&](Session& session) {
-                              return ShowWithProblem(line, ReadStatus(session, line.initialize));
+                              const StatusReport status = ReadStatus(session, line.initialize);
+                              ShowText(line, line.json ? AsJson(status) : StatusText(status, LookOf(line)));
+                              return ShowProblem(line, status);
                           }});
 }
 
@@ -91,7 +110,7 @@ int BootAndShow(const CommandLine& line, Session& session, const Operation& oper
     const int disk = session.Object().GetFirstInternalDriveNumber();
     if (result != 0) report.reasons = WhySwitchRefused(session, disk);
     if (line.json) Show(line, report);
-    ShowMessage(ActiveFlagsRemark(disk));
+    if (!line.quiet) ShowMessage(ActiveFlagsRemark(disk));
     for (const RefusalReason& reason : report.reasons)
         ShowMessage(operation.name + ": " + reason.text);
     return result;
@@ -169,7 +188,7 @@ int RepairTables(const CommandLine& line) {
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
     for (const std::string& image : line.choice.images) {
         const auto [problems, backup, notes] = RepairTableOf(image, use);
-        ShowMessages(notes);
+        if (!line.quiet) ShowMessages(notes);
         Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun, backup});
     }
     return Done;
@@ -183,7 +202,7 @@ int Undo(const CommandLine& line) {
     const std::string& image = line.choice.images.front();
     const auto [isUndone, ownBackup, notes] =
         UndoChange(image, backup, UseOfImages(line.choice, machine::ImageAccess::Write));
-    ShowMessages(notes);
+    if (!line.quiet) ShowMessages(notes);
     Show(line, UndoReport{image, backup, isUndone, line.choice.dryRun, ownBackup});
     return Done;
 }
@@ -242,6 +261,7 @@ bool Uses(const Command& command, const std::string& option) {
     const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
     if (option == "--dry-run" && command.run == Check) return false;
     if (option == "--hash") return command.run == Files;
+    if (option == "--bytes" || option == "--columns") return command.run == Status;
     if (option == "--ledger" && runsNoOperation) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }

@@ -9,6 +9,7 @@
 #include "tools/kestova/command_line/program_start.h"
 #include "tools/kestova/command_line/version.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
 
 namespace {
@@ -26,7 +27,7 @@ int Run(const CommandLine& line) {
 }
 
 int Complain(const std::exception& error, ExitStatus status) {
-    std::cerr << "kestova: " << error.what() << "\n";
+    std::cerr << "kestova: " << PrintableText(error.what()) << "\n";
     return status;
 }
 
@@ -46,7 +47,7 @@ int main(int count, char** words) {
         ConfineAtStart();
         return CheckOutput(Run(line));
     } catch (const WrongUse& error) {
-        std::cerr << "kestova: " << error.what() << "\n(kestova --help tells what there is)\n";
+        std::cerr << "kestova: " << PrintableText(error.what()) << "\n(kestova --help tells what there is)\n";
         return WrongUseStatus;
     } catch (const UnreadablePc& error) {
         return Complain(error, UnreadablePcStatus);

@@ -6,6 +6,7 @@
 #include "tools/kestova/command_line/confinement.h"
 #include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/printable_lines.h"
 #include "tools/kestova/pc/images.h"
 
 namespace {
@@ -15,7 +16,7 @@ namespace {
 class LogOutput {
   public:
     LogOutput(const CommandLine& line, std::optional<OutputFile>& file)
-        : name_(line.log), shown_(line.json ? std::cerr : std::cout) {
+        : name_(line.log), lines_(line.json ? std::cerr : std::cout), shown_(&lines_) {
         if (file) file_ = file->Stream();
     }
     std::ostream* Stream() {
@@ -30,7 +31,8 @@ class LogOutput {
 
   private:
     std::string name_;
-    std::ostream& shown_;
+    PrintableLines lines_;
+    std::ostream shown_;
     std::ofstream file_;
 };
 
@@ -64,7 +66,7 @@ void ShowLife(const CommandLine& line, const OperationReport& report) {
     if (line.json) {
         Show(line, report);
     } else if (line.choice.trace) {
-        std::cout << TraceText(report) << report.operation->name << "\n" << std::flush;
+        std::cout << PrintableText(TraceText(report)) << report.operation->name << "\n" << std::flush;
     }
 }
 
@@ -106,14 +108,14 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
     }
     output << (would ? "Would change:\n" : "Changed:\n");
     for (const std::string& change : *changes)
-        output << "  " << change << "\n";
+        output << "  " << PrintableText(change) << "\n";
 }
 
 // In JSON each operation names them.
 void ShowBackups(const CommandLine& line, const OpenedPc& pc) {
     if (line.json) return;
     for (const std::string& backup : pc.Backups())
-        std::cout << BackupText(backup);
+        std::cout << PrintableText(BackupText(backup));
 }
 
 }  // namespace
@@ -135,8 +137,10 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     LogOutput log(line, files.log);
     EndOpening();
     ConfineTo(WorkOn(line, work, pc.Inputs()));
-    for (const std::string& note : pc.Notes())
-        std::cerr << "kestova: " << note << "\n";
+    if (!line.quiet) {
+        for (const std::string& note : pc.Notes())
+            std::cerr << "kestova: " << PrintableText(note) << "\n";
+    }
     int status = Done;
     try {
         Session session(pc, log.Stream(), line.choice.trace);

@@ -5,6 +5,9 @@
 #include "tools/kestova/reports/questions.h"
 #include "tools/kestova/reports/status.h"
 
+// Adds the role that the type alone gives the partition.
+void AddTypeRoles(PartitionReport& partition);
+
 // Fills in the layout, the encrypted volumes, the recovery media, the cache partition and the installed
 // Windows, and of each listed partition whether it is hidden and its roles. On an emulated PC it looks into
 // the recovery partitions of a GPT disk and puts everything back; on the PC that the program runs on it gives
