@@ -1,32 +1,16 @@
 #include "manager/system_volume_ini.h"
 
 #include "base/format.h"
-#include "base/scan.h"
-#include "base/wide_string.h"
 #include "diag/failure_record.h"
 #include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "manager/recovery_media.h"
 #include "vds/vds_partition.h"
 
-namespace {
-
-constexpr const WCHAR* section = TEXT("System");
-constexpr const WCHAR* key = TEXT("Active");
-constexpr const WCHAR* noValue = TEXT("_NO_VALUE_");
-
-}  // namespace
-
 bool RecordActivePartition(const WCHAR* file, int partition) {
     WCHAR number[16];
     FormatInto(number, std::size(number), TEXT("%d"), partition);
-    return WritePrivateProfileStringW(section, key, number, file);
-}
-
-bool ReadRecordedPartition(const WCHAR* file, int& partition) {
-    WCHAR value[MAX_PATH] = {};
-    GetPrivateProfileStringW(section, key, noValue, value, MAX_PATH, file);
-    return !EqualIgnoringCase(value, noValue) && ScanNumbers(value, TEXT("%d"), {&partition}) == 1;
+    return WritePrivateProfileStringW(system_record::section, system_record::key, number, file);
 }
 
 int Kestova::GetSystemVolumeIni(WCHAR* pszFile, DWORD dwFileNumberOfElements) {

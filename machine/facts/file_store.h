@@ -34,9 +34,15 @@ struct FileEntry {
     bool operator==(const FileEntry&) const = default;
 };
 
+// How Windows left a volume. Dirty: marked to be checked. Unreplayed: changes are only in its journal.
+// Hibernated: a system that sleeps, or kept its metadata for a fast start, will go on with its own view.
+enum class VolumeCondition { Unknown, Clean, Dirty, Unreplayed, Hibernated, Damaged };
+
 // The files of a whole volume.
 class VolumeStore : public FileStore {
   public:
+    // Unknown for a file system that does not record it.
+    virtual VolumeCondition Check() { return VolumeCondition::Unknown; }
     // What is in a folder, in any order; a file is its own only entry. Error 2 if there is no such path.
     virtual uint32_t List(std::string_view path, std::vector<FileEntry>& entries) = 0;
     // Read in parts, in their order; after an error some may have been passed on. A store says if it passes

@@ -81,12 +81,13 @@ struct Volume {
 enum class PartitionStyle { Unknown, Mbr, Gpt };
 
 struct Partition {
-    uint32_t number = 0;        // as Windows counts: used entries from 1
-    uint64_t offset = 0;        // bytes
-    uint64_t size = 0;          // bytes
-    uint8_t mbrType = 0;        // on MBR disks
-    uint8_t bootIndicator = 0;  // as VDS reports it: 1 is active
-    Guid gptType;               // on GPT disks, as are the next three
+    uint32_t number = 0;           // as Windows counts: used entries from 1
+    std::optional<uint32_t> slot;  // in the table of an image, from 1; absent: described
+    uint64_t offset = 0;           // bytes
+    uint64_t size = 0;             // bytes
+    uint8_t mbrType = 0;           // on MBR disks
+    uint8_t bootIndicator = 0;     // as VDS reports it: 1 is active
+    Guid gptType;                  // on GPT disks, as are the next three
     Guid gptId;
     uint64_t attributes = 0;
     std::string name;
@@ -117,6 +118,7 @@ struct Disk {
     uint32_t deviceType = 7;             // FILE_DEVICE_DISK
     uint32_t busType = 11;               // VDS bus type; 11 is SATA
     uint64_t size = 0;                   // bytes
+    uint32_t sectorSize = 512;           // bytes; 512 unless the table of an image counts in others
     PartitionStyle style = PartitionStyle::Mbr;
     uint32_t signature = 0;  // on MBR disks
     Guid guid;               // on GPT disks

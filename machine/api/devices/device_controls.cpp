@@ -116,11 +116,30 @@ uint32_t DiskGetDriveLayoutEx(DeviceRequest& request) {
     return FillWhole(request, layout.data(), layout.size());
 }
 
+// The size of a physical disk and of its sectors; cylinders and the rest are as on every large disk. Error 1
+// for a volume, 122 for a short buffer.
+uint32_t DiskGetDriveGeometryEx(DeviceRequest& request) {
+    if (request.device.disk == nullptr || request.device.volume != nullptr) return ERROR_INVALID_FUNCTION;
+    constexpr DWORD tracks = 255;
+    constexpr DWORD sectors = 63;
+    const Disk& disk = *request.device.disk;
+    DISK_GEOMETRY_EX record{};
+    record.Geometry.MediaType = FixedMedia;
+    record.Geometry.TracksPerCylinder = tracks;
+    record.Geometry.SectorsPerTrack = sectors;
+    record.Geometry.BytesPerSector = disk.sectorSize;
+    record.Geometry.Cylinders.QuadPart =
+        static_cast<LONGLONG>(disk.size / (uint64_t{tracks} * sectors * disk.sectorSize));
+    record.DiskSize.QuadPart = static_cast<LONGLONG>(disk.size);
+    return FillWhole(request, &record, sizeof record);
+}
+
 constexpr DeviceControl controls[] = {
     {IOCTL_SCSI_GET_ADDRESS, "IOCTL_SCSI_GET_ADDRESS", ScsiGetAddress},
     {IOCTL_STORAGE_QUERY_PROPERTY, "IOCTL_STORAGE_QUERY_PROPERTY", StorageQueryProperty},
     {IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, "IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS", VolumeGetDiskExtents},
     {IOCTL_DISK_GET_PARTITION_INFO_EX, "IOCTL_DISK_GET_PARTITION_INFO_EX", DiskGetPartitionInfoEx},
+    {IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, "IOCTL_DISK_GET_DRIVE_GEOMETRY_EX", DiskGetDriveGeometryEx},
     {IOCTL_DISK_GET_DRIVE_LAYOUT_EX, "IOCTL_DISK_GET_DRIVE_LAYOUT_EX", DiskGetDriveLayoutEx},
 };
 

@@ -102,6 +102,7 @@ std::vector<GptEntry> UsedEntries(const GptCopy& copy) {
     std::vector<GptEntry> used;
     for (size_t at = 0; at < copy.entryBytes.size(); at += copy.entrySize) {
         GptEntry entry = EntryOf(std::string_view(copy.entryBytes).substr(at, copy.entrySize));
+        entry.slot = static_cast<uint32_t>(at / copy.entrySize + 1);
         if (entry.type != Guid()) used.push_back(std::move(entry));
     }
     return used;

@@ -18,6 +18,7 @@ struct GptEntry {
     uint64_t last = 0;
     uint64_t attributes = 0;
     std::string name = {};  // UTF-8
+    uint32_t slot = 0;      // in the table, from 1
 
     bool operator==(const GptEntry&) const = default;
 };

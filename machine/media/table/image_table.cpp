@@ -40,6 +40,7 @@ void CheckIndicator(const MbrEntry& entry, const std::string& name, TableFinding
 
 void AddMbrPartition(const MbrEntry& entry, Disk& disk, TableLayout& layout, TableFindings& findings) {
     Partition& partition = AddPartition(disk, entry.offset, entry.size);
+    partition.slot = entry.slot;
     partition.mbrType = entry.type;
     partition.bootIndicator = entry.IsActive() ? 1 : 0;
     const Region region = RegionOf(partition);
@@ -93,6 +94,7 @@ TableFindings ReadGpt(const ImageFile& image, Disk& disk) {
     for (const GptEntry& entry : table.used->entries) {
         const uint64_t sectors = entry.last >= entry.first ? entry.last - entry.first + 1 : 0;
         Partition& partition = AddPartition(disk, Bytes(entry.first, sectorSize), Bytes(sectors, sectorSize));
+        partition.slot = entry.slot;
         partition.gptType = entry.type;
         partition.gptId = entry.id;
         partition.attributes = entry.attributes;
@@ -123,6 +125,7 @@ bool HasTable(const ImageFile& image) {
 TableFindings ReadTable(const ImageFile& image, Disk& disk) {
     if (!HasTable(image)) throw image.Error("no partition table, so no disk image");
     disk.size = image.Size();
+    disk.sectorSize = static_cast<uint32_t>(SectorSizeOf(image));
     disk.partitions.clear();
     return IsGpt(image) ? ReadGpt(image, disk) : ReadMbr(image, disk);
 }

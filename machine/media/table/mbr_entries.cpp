@@ -44,6 +44,7 @@ std::string FollowChain(const ImageFile& image, const MbrEntry& extended, uint64
         if (sector.empty()) return "the chain of logical partitions is damaged, " + where;
         MbrEntry held = EntryOf(sector, link, 0, link, sectorSize);
         held.isLogical = true;
+        held.slot = static_cast<uint32_t>(mbrSlots + 1 + logical.size());
         if (held.type != mbrUnused) logical.push_back(held);
         const MbrEntry next = EntryOf(sector, link, 1, extended.offset, sectorSize);
         if (next.type == mbrUnused) return "";
@@ -67,7 +68,8 @@ MbrEntries MbrEntriesOf(const ImageFile& image, uint64_t sectorSize) {
     MbrEntries found;
     std::vector<MbrEntry> logical;
     for (size_t slot = 0; slot < mbrSlots; ++slot) {
-        const MbrEntry entry = EntryOf(sector, 0, slot, 0, sectorSize);
+        MbrEntry entry = EntryOf(sector, 0, slot, 0, sectorSize);
+        entry.slot = static_cast<uint32_t>(slot + 1);
         if (entry.type == mbrUnused) continue;
         found.entries.push_back(entry);
         if (!entry.IsExtended()) continue;

@@ -31,6 +31,7 @@ struct MbrEntry {
     uint8_t indicator = 0;  // 0x80 is active, 0x00 inactive
     uint8_t type = 0;
     bool isLogical = false;
+    uint32_t slot = 0;  // 1 to 4 in the MBR; logical partitions from 5, in the order of their links
 
     bool IsActive() const { return indicator == 0x80; }
     bool IsExtended() const;  // of a type that Windows knows

@@ -115,6 +115,14 @@ std::optional<ExfatVolume::Layout> ExfatVolume::ReadLayout(const VolumeBytes& by
     return layout;
 }
 
+VolumeCondition ExfatVolume::Check() {
+    constexpr size_t flagsAt = 106;
+    constexpr uint8_t dirtyOrFailing = 0x06;
+    const auto sector = Bytes().Read(0, diskSectorSize);
+    if (!layout_ || !sector || Find("") != FileKind::Folder) return VolumeCondition::Damaged;
+    return (Byte(*sector, flagsAt) & dirtyOrFailing) == 0 ? VolumeCondition::Clean : VolumeCondition::Dirty;
+}
+
 std::optional<std::string> ExfatVolume::Label() const {
     if (!layout_) return std::nullopt;
     const std::string folder = FolderBytes(Root()).value_or("");

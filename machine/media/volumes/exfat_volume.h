@@ -15,6 +15,7 @@ class ExfatVolume final : public ReadOnlyVolume {
 
     // UTF-8, or empty; nothing without the boot sector of an exFAT volume.
     std::optional<std::string> Label() const;
+    VolumeCondition Check() override;
 
   protected:
     Item Root() const override;

@@ -190,6 +190,19 @@ std::string FatVolume::Label() const {
     return label == unnamed ? "" : FromOem(label);
 }
 
+// Entry 1 of the table is no cluster's: its highest bits are set on a volume that was shut down, and without
+// errors of the medium.
+VolumeCondition FatVolume::Check() {
+    if (!layout_ || Find("") != FileKind::Folder) return VolumeCondition::Damaged;
+    if (layout_->entryBits == 12) return VolumeCondition::Unknown;
+    const uint64_t bytes = layout_->entryBits / 8;
+    const auto entry = Bytes().Read(layout_->table + bytes, bytes);
+    if (!entry) return VolumeCondition::Damaged;
+    const uint32_t marks = bytes == 4 ? 0x0C000000 : 0xC000;
+    const uint32_t value = bytes == 4 ? Le32(*entry, 0) : Le16(*entry, 0);
+    return (value & marks) == marks ? VolumeCondition::Clean : VolumeCondition::Dirty;
+}
+
 std::optional<std::string> FatVolume::Content(const Item& file) const {
     if (file.size > std::min(Bytes().Size(), longestFile)) return std::nullopt;
     return ReadChain(Bytes(), *layout_, file.place, file.size);

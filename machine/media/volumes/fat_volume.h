@@ -16,6 +16,8 @@ class FatVolume final : public ReadOnlyVolume {
 
     // That of the root folder, or else of the boot sector, in UTF-8. Empty if there is none.
     std::string Label() const;
+    // By the bits of its allocation table; FAT12 has none.
+    VolumeCondition Check() override;
 
   protected:
     Item Root() const override;

@@ -138,9 +138,10 @@ Volume Generator::MakeVolume(bool inPartition, bool onImage) {
 Partition Generator::MakePartition(const Disk& disk, uint32_t index) {
     const bool onImage = !disk.image.empty();
     Partition partition;
-    auto& [number, offset, size, mbrType, bootIndicator, gptType, gptId, attributes, name, volume] =
+    auto& [number, slot, offset, size, mbrType, bootIndicator, gptType, gptId, attributes, name, volume] =
         partition;
     number = index + 1;
+    static_cast<void>(slot);  // of an image
     volume = ValueOrNothing<Volume>([&] { return MakeVolume(true, onImage); });
     if (onImage) return partition;
     offset = index * partitionPitch + Below(10) * 512;
@@ -175,8 +176,8 @@ ScsiAddress Generator::MakeScsiAddress() {
 
 Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
     Disk disk;
-    auto& [number, vdsName, deviceType, busType, size, style, signature, guid, pack, unallocated, wmi,
-           location, scsiAddress, storageBusType, controllers, partitions, image, table, medium] = disk;
+    auto& [number, vdsName, deviceType, busType, size, sectorSize, style, signature, guid, pack, unallocated,
+           wmi, location, scsiAddress, storageBusType, controllers, partitions, image, table, medium] = disk;
     number = index;
     vdsName = ValueOrNothing<std::string>([&] { return Text(); });
     deviceType = OneOf<uint32_t>({7, 2, 0x33, 1});
@@ -191,6 +192,7 @@ Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
         controllers.push_back(Text());
     if (Sometimes()) image = "folder/disk" + std::to_string(index) + ".img";
     static_cast<void>(table);
+    static_cast<void>(sectorSize);  // of an image
     if (image.empty()) {
         size = 5 * partitionPitch + Below(uint64_t{1} << 40);
         style = OneOf({PartitionStyle::Unknown, PartitionStyle::Mbr, PartitionStyle::Gpt});

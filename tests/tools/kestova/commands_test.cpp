@@ -42,14 +42,15 @@ TEST_F(Status, NoPcNamed_Status_ShowsFactoryMbrAndANote) {
         "Recovery disc      none\n"
         "Recovery stick     none\n"
         "Cache partition    no\n"
+        "Record             none; boot system changes nothing\n"
         "\n"
-        "  #  Size       Type                    Active  Letter  Label    File system  Hide  Role: reason\n"
-        "  1  15.0 GiB   hidden recovery (0x27)  -       -       -        -            -     recovery: type\n"
-        "  2  200.0 GiB  NTFS (0x07)             active  C       Windows  NTFS         -     installed Windows: "
-        "contents\n"
-        "  3  276.0 GiB  NTFS (0x07)             -       D       Data     NTFS         -     -\n"
-        "  4  8.0 GiB    hibernation (0x84)      -       -       -        -            -     hibernation: "
-        "type\n");
+        "Disk 0: 500.0 GiB, MBR, SATA, Emulated disk; internal: SATA; the first internal disk\n"
+        "  #  Start      Size        Type                    Active  Letter  Label     File system  Condition  Hide  Role: reason\n"
+        "  1  1.0 MiB    15.0 GiB    hidden recovery (0x27)  -       -       Recovery  NTFS         -          -     recovery: type\n"
+        "  2  15.0 GiB   200.0 GiB   NTFS (0x07)             active  C       Windows   NTFS         -          -     installed Windows: contents\n"
+        "  3  215.0 GiB  276.0 GiB   NTFS (0x07)             -       D       Data      NTFS         -          -     -\n"
+        "  4  491.0 GiB  8.0 GiB     hibernation (0x84)      -       -       -         -            -          -     hibernation: type\n"
+        "     499.0 GiB  1023.0 MiB  free\n");
 }
 
 TEST_F(Status, FactoryGpt_Status_NamesTypesAndNoActivePartition) {
@@ -67,17 +68,18 @@ TEST_F(Status, FactoryGpt_Status_NamesTypesAndNoActivePartition) {
             "Recovery disc      none\n"
             "Recovery stick     none\n"
             "Cache partition    no\n"
+            "Record             -\n"
             "\n"
-            "  #  Size       Type                Active  Letter  Label    File system  Hide  Role: reason\n"
-            "  1  1.0 GiB    maker's boot        -       -       -        -            hide  maker's boot: type\n"
-            "  2  1.0 GiB    Windows recovery    -       -       -        -            -     Windows RE: type and "
-            "contents\n"
-            "  3  1.0 GiB    EFI system          -       -       -        -            hide  EFI system: type\n"
-            "  4  128.0 MiB  Microsoft reserved  -       -       -        -            hide  -\n"
-            "  5  470.0 GiB  basic data          -       C       Windows  NTFS         -     installed Windows: "
-            "contents\n"
-            "  6  25.0 GiB   Windows recovery    -       -       -        -            -     recovery: type and "
-            "contents\n"));
+            "Disk 0: 500.0 GiB, GPT, SATA, Emulated disk; internal: SATA; the first internal disk\n"
+            "  #  Start      Size        Type                Name                          Active  Letter  Label     File system  Condition  Hide  Role: reason\n"
+            "  1  1.0 MiB    1.0 GiB     maker's boot        Maker boot                    -       -       Boot      FAT32        -          hide  maker's boot: type\n"
+            "  2  1.0 GiB    1.0 GiB     Windows recovery    Windows RE                    -       -       WinRE     NTFS         -          -     Windows RE: type and contents\n"
+            "  3  2.0 GiB    1.0 GiB     EFI system          EFI system partition          -       -       SYSTEM    FAT32        -          hide  EFI system: type\n"
+            "  4  3.0 GiB    128.0 MiB   Microsoft reserved  Microsoft reserved partition  -       -       -         -            -          hide  -\n"
+            "     3.1 GiB    896.0 MiB   free\n"
+            "  5  4.0 GiB    470.0 GiB   basic data          Basic data partition          -       C       Windows   NTFS         -          -     installed Windows: contents\n"
+            "  6  474.0 GiB  25.0 GiB    Windows recovery    Recovery                      -       -       Recovery  NTFS         -          -     recovery: type and contents\n"
+            "     499.0 GiB  1023.0 MiB  free\n"));
 }
 
 TEST_F(Status, WinPe_Status_FindsMediaCacheAndEncryptedVolumes) {
@@ -86,7 +88,8 @@ TEST_F(Status, WinPe_Status_FindsMediaCacheAndEncryptedVolumes) {
                                  "Encrypted volumes  D\n"
                                  "Recovery disc      R\n"
                                  "Recovery stick     U\n"));
-    EXPECT_THAT(media, HasSubstr("D       -        -            -     encrypted: BitLocker lists it\n"));
+    EXPECT_THAT(media,
+                HasSubstr("D       -         -            BitLocker  -     encrypted: BitLocker lists it\n"));
     EXPECT_THAT(Kestova("--pc winpe-two-disks status").output, HasSubstr("Cache partition    yes\n"));
     WriteFile("none.json", R"({"encryptableVolumes": []})");
     EXPECT_THAT(Kestova("--pc none.json status").output, HasSubstr("Encrypted volumes  none\n"));
@@ -134,7 +137,8 @@ TEST_F(Status, FoundPartitionGetsNoLetterToKeep_Status_ReportsNothingOfItsConten
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(
         outcome.output,
-        HasSubstr("  6  25.0 GiB   Windows recovery    -       -       -        -            -     -\n"));
+        HasSubstr(
+            "  6  474.0 GiB  25.0 GiB    Windows recovery    Recovery                      -       -       Recovery  NTFS         -          -     -\n"));
 }
 
 TEST_F(Letters, WinPeMedia_Letters_MapsThemToPartitions) {
@@ -238,12 +242,12 @@ TEST_F(Status, WinPeTwoDisks_StatusInJson_IsOneObject) {
                            R"("roles":[{"role":"recovery","reason":"type"}]},)"));
     EXPECT_THAT(
         outcome.output,
-        EndsWith(R"("active":false,"letter":null,"label":null,"fileSystem":null,"hide":false,)"
-                 R"("roles":[{"role":"hibernation","reason":"type"}]}],"layout":4,)"
-                 R"("layoutName":"MBR, partition 2 is not labelled System Reserved","encryptedVolumes":null,)"
-                 R"("recoveryDisc":null,"recoveryStick":null,"cachePartition":true,)"
-                 R"("windows":{"disk":0,"partition":2,"letter":"D"}})"
-                 "\n"));
+        HasSubstr(
+            R"("active":false,"letter":null,"label":null,"fileSystem":null,"hide":false,)"
+            R"("roles":[{"role":"hibernation","reason":"type"}]}],"layout":4,)"
+            R"("layoutName":"MBR, partition 2 is not labelled System Reserved","encryptedVolumes":null,)"
+            R"("recoveryDisc":null,"recoveryStick":null,"cachePartition":true,)"
+            R"("windows":{"disk":0,"partition":2,"letter":"D"},"disks":[)"));
 }
 
 TEST_F(Status, UnreadableLayout_Status_ReportsTheErrorAndFails) {
@@ -275,7 +279,8 @@ TEST_F(Status, UnreadableSystem_Status_ReportsEachPart) {
                    "GetCurrentDiskType could not be answered: RegOpenKeyExW failed with 0x00000005; "));
     EXPECT_THAT(outcome.output,
                 StartsWith(R"({"firmware":"BIOS","system":"unknown","windowsDirectory":null,)"));
-    EXPECT_THAT(outcome.output, HasSubstr(R"(,"windows":null,"problem":"the start options of )"));
+    EXPECT_THAT(outcome.output, HasSubstr(R"(,"windows":null,"disks":[{"number":0,)"));
+    EXPECT_THAT(outcome.output, HasSubstr(R"(,"record":null,"problem":"the start options of )"));
 }
 
 TEST_F(Status, FirmwareErrors_Status_ShowsUefiFor998Only) {
@@ -297,7 +302,7 @@ TEST_F(Status, TwoActivePartitions_Status_Remarks) {
     const Outcome outcome = Kestova("--pc pc.json --json status");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "kestova: " + twoActiveAsDescribed + "\n");
-    EXPECT_THAT(outcome.output, EndsWith("},\"remark\":\"" + twoActiveAsDescribed +
+    EXPECT_THAT(outcome.output, EndsWith(",\"remark\":\"" + twoActiveAsDescribed +
                                          R"(","remarks":[{"code":"twoActiveFlags","text":")" +
                                          twoActiveAsDescribed + "\"}]}\n"));
 }

@@ -108,7 +108,7 @@ TEST_F(Question, HealthyPcs_EveryQuestion_HasNoProblem) {
 TEST_F(Status, LaterQuestionUnanswered_Status_ShowsTheSameAndFails) {
     const Outcome outcome = Kestova("--pc factory-mbr --fail PathFileExistsW=5 --json status");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.output, HasSubstr(R"("windows":null,"problem":)"));
+    EXPECT_THAT(outcome.output, HasSubstr(R"("windows":null,"disks":[{"number":0,)"));
     EXPECT_THAT(outcome.output,
                 HasSubstr("IsVistaOS could not be answered: PathFileExistsW failed with 0x00000005"));
     EXPECT_THAT(outcome.errors, HasSubstr("IsVistaOS could not be answered"));

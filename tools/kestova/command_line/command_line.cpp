@@ -29,6 +29,9 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
          {
              {"--json", "", "Answer in JSON", &line.json},
              {"--hash", "", "Show the SHA-256 of each file", &line.hash},
+             {"--bytes", "", "Show sizes in bytes", &line.bytes, "--json"},
+             {"--columns", "LIST", "Show these columns, separated by commas", &line.columns, "--json"},
+             {"--quiet", "", "Show no notes and remarks, and of status the disks only", &line.quiet},
              {"--log", "FILE|-", "Write the library's log; '-' shows it", &line.log},
              {"--trace", "", "Show platform calls and log records", &choice.trace},
              {"--ledger", "", "Show what the library holds of the platform in the end", &choice.ledger},

@@ -17,6 +17,9 @@ struct CommandLine {
     bool json = false;
     bool initialize = true;
     bool hash = false;
+    bool bytes = false;
+    bool quiet = false;
+    std::string columns;  // of `status`; empty: the usual ones
     bool help = false;
     bool version = false;
 };

@@ -13,26 +13,43 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/picture/columns.h"
+#include "tools/kestova/picture/status_text.h"
 #include "tools/kestova/reports/remarks.h"
 
 namespace {
 
-void ShowFindings(const std::string& prefix, const std::vector<Finding>& findings) {
-    for (const Finding& finding : findings)
-        ShowMessage(prefix + finding.text);
+void ShowRemarks(const CommandLine& line, const std::vector<Finding>& remarks) {
+    for (const Finding& remark : remarks)
+        ShowNote(line, remark.text);
 }
 
-// Shows a report and, on standard error, what it remarks and what it could not read, which is a failure.
+StatusLook LookOf(const CommandLine& line) {
+    return {.inBytes = line.bytes,
+            .tablesOnly = line.quiet,
+            .columns = line.columns,
+            .terminal = StandardOutput()};
+}
+
+// Shows on standard error what a report remarks and what it could not read, which is a failure.
 template <typename Report>
-int ShowWithProblem(const CommandLine& line, const Report& report) {
-    Show(line, report);
-    if constexpr (requires { report.remarks; }) ShowFindings("", report.remarks);
+int ShowProblem(const CommandLine& line, const Report& report) {
+    if constexpr (requires { report.remarks; }) ShowRemarks(line, report.remarks);
     return ShowProblem(line, report.problem);
 }
 
+template <typename Report>
+int ShowWithProblem(const CommandLine& line, const Report& report) {
+    Show(line, report);
+    return ShowProblem(line, report);
+}
+
 int Status(const CommandLine& line) {
+    if (!line.columns.empty()) ColumnsOf(line.columns);
     return RunOnPc(line, {.initialize = false, .run = [&](Session& session) {
-                              return ShowWithProblem(line, ReadStatus(session, line.initialize));
+                              const StatusReport status = ReadStatus(session, line.initialize);
+                              ShowText(line, line.json ? AsJson(status) : StatusText(status, LookOf(line)));
+                              return ShowProblem(line, status);
                           }});
 }
 
@@ -89,8 +106,9 @@ int BootAndShow(const CommandLine& line, Session& session, const Operation& oper
     if (result != 0) report.reasons = WhySwitchRefused(session, disk);
     report.remarks = RemarksOn(session.OnPc());
     if (line.json) Show(line, report);
-    ShowFindings("", report.remarks);
-    ShowFindings(operation.name + ": ", report.reasons);
+    ShowRemarks(line, report.remarks);
+    for (const Finding& reason : report.reasons)
+        ShowMessage(operation.name + ": " + reason.text);
     return result;
 }
 
@@ -131,7 +149,7 @@ int Call(const CommandLine& line) {
                           .showChanges = operation.changesPc,
                           .run = [&](Session& session) {
                               const auto [status, remarks] = CallAndShow(line, session, call);
-                              ShowFindings("", remarks);
+                              ShowRemarks(line, remarks);
                               return status;
                           }});
 }
@@ -150,7 +168,7 @@ int Run(const CommandLine& line) {
                                   status = std::max(status, shown.status);
                                   if (call.operation->changesPc) remarks = shown.remarks;
                               }
-                              ShowFindings("", remarks);
+                              ShowRemarks(line, remarks);
                               return status;
                           }});
 }
@@ -180,7 +198,7 @@ int RepairTables(const CommandLine& line) {
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
     for (const std::string& image : line.choice.images) {
         const auto [problems, backup, notes] = RepairTableOf(image, use);
-        ShowMessages(notes);
+        if (!line.quiet) ShowNotes(line, notes);
         Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun, backup});
     }
     return Done;
@@ -194,7 +212,7 @@ int Undo(const CommandLine& line) {
     const std::string& image = line.choice.images.front();
     const auto [isUndone, ownBackup, notes] =
         UndoChange(image, backup, UseOfImages(line.choice, machine::ImageAccess::Write));
-    ShowMessages(notes);
+    if (!line.quiet) ShowNotes(line, notes);
     Show(line, UndoReport{image, backup, isUndone, line.choice.dryRun, ownBackup});
     return Done;
 }
@@ -253,6 +271,7 @@ bool Uses(const Command& command, const std::string& option) {
     const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
     if (option == "--dry-run" && command.run == Check) return false;
     if (option == "--hash") return command.run == Files;
+    if (option == "--bytes" || option == "--columns") return command.run == Status;
     if (option == "--ledger" && runsNoOperation) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/picture/columns.h"
 
 namespace {
 
@@ -24,9 +25,11 @@ struct CommandHelp {
 const std::vector<CommandHelp>& CommandHelps() {
     static const std::vector<CommandHelp> helps = {
         {"status",
-         "Shows the firmware, the running system, the internal disk, its partitions with their roles and why they "
-         "have them, which partition is active, and the letters of recovery disc and stick. Nothing is changed.",
+         "Shows the firmware, the running system, the internal disk, which partition is active, the letters of "
+         "recovery disc and stick, and the record; then every disk with its partitions, their roles and why they "
+         "have them, in what condition their volumes are, and the free space. Nothing is changed.",
          {{"--image disk.img status", "the disk in an image"},
+          {"--image disk.img --columns number,size,label status", "three columns"},
           {"--image disk.qcow2 --json status", "the same for a script"}}},
         {"letters",
          "Shows the disk and the partition behind each letter of the installed Windows, read from its registry, and "
@@ -128,5 +131,6 @@ std::string HelpText(const Command& command) {
     const CommandHelp& help = HelpOf(command);
     return UsageLine(command) + "\n" + Wrapped(help.details, columns) + "\nExamples:\n" + ExampleLines(help) +
            OptionsText(columns, [&](const std::string& option) { return Uses(command, option); }) +
+           (std::string_view(command.name) == "status" ? "\nColumns:\n" + ColumnsHelp(columns) : "") +
            (std::string_view(command.name) == "boot" ? "\nExit status:\n" + BootStatuses(columns) : "");
 }

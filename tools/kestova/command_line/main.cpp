@@ -8,6 +8,7 @@
 #include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/version.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
 #include "tools/kestova/process/program_start.h"

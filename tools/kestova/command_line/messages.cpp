@@ -3,15 +3,20 @@
 #include <iostream>
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/as_json.h"
 
 void ShowMessage(const std::string& message) {
-    if (!message.empty()) std::cerr << "kestova: " << message << "\n";
+    if (!message.empty()) std::cerr << "kestova: " << PrintableText(message) << "\n";
 }
 
-void ShowMessages(const std::vector<std::string>& messages) {
-    for (const std::string& message : messages)
-        ShowMessage(message);
+void ShowNote(const CommandLine& line, const std::string& note) {
+    if (!line.quiet) ShowMessage(note);
+}
+
+void ShowNotes(const CommandLine& line, const std::vector<std::string>& notes) {
+    for (const std::string& note : notes)
+        ShowNote(line, note);
 }
 
 void ShowError(bool json, const std::string& message, int status) {

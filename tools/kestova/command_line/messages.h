@@ -1,4 +1,4 @@
-// What the program says on standard error.
+// What the program says on standard error. What a terminal would obey is shown instead.
 #pragma once
 
 #include <string>
@@ -6,9 +6,12 @@
 
 #include "tools/kestova/command_line/command_line.h"
 
-// A note or a remark; nothing if it is empty.
+// Nothing if it is empty.
 void ShowMessage(const std::string& message);
-void ShowMessages(const std::vector<std::string>& messages);
+
+// What is good to know, but no error: nothing with --quiet.
+void ShowNote(const CommandLine& line, const std::string& note);
+void ShowNotes(const CommandLine& line, const std::vector<std::string>& notes);
 
 // What makes the program end with that status. With --json it is an object of its own line.
 void ShowError(bool json, const std::string& message, int status);

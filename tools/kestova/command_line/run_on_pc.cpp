@@ -6,6 +6,7 @@
 #include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/printable_lines.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
 #include "tools/kestova/reports/remarks.h"
@@ -17,7 +18,7 @@ namespace {
 class LogOutput {
   public:
     LogOutput(const CommandLine& line, std::optional<OutputFile>& file)
-        : name_(line.log), shown_(line.json ? std::cerr : std::cout) {
+        : name_(line.log), lines_(line.json ? std::cerr : std::cout), shown_(&lines_) {
         if (file) file_ = file->Stream();
     }
     std::ostream* Stream() {
@@ -32,7 +33,8 @@ class LogOutput {
 
   private:
     std::string name_;
-    std::ostream& shown_;
+    PrintableLines lines_;
+    std::ostream shown_;
     std::ofstream file_;
 };
 
@@ -66,7 +68,7 @@ void ShowEnd(const CommandLine& line, const OpenedPc& pc) {
         ShowText(line, LedgerText(pc.Ledger()));
     }
     for (const Finding& unmet : UnmetFaults(faults))
-        ShowMessage(unmet.text);
+        ShowNote(line, unmet.text);
 }
 
 // Construction and destruction have no result: as text they are shown only in a trace.
@@ -74,7 +76,7 @@ void ShowLife(const CommandLine& line, const OperationReport& report) {
     if (line.json) {
         Show(line, report);
     } else if (line.choice.trace) {
-        std::cout << TraceText(report) << report.operation->name << "\n" << std::flush;
+        std::cout << PrintableText(TraceText(report)) << report.operation->name << "\n" << std::flush;
     }
 }
 
@@ -116,14 +118,14 @@ void ShowChanges(const CommandLine& line, const OpenedPc& pc) {
     }
     output << (would ? "Would change:\n" : "Changed:\n");
     for (const std::string& change : *changes)
-        output << "  " << change << "\n";
+        output << "  " << PrintableText(change) << "\n";
 }
 
 // In JSON each operation names them.
 void ShowBackups(const CommandLine& line, const OpenedPc& pc) {
     if (line.json) return;
     for (const std::string& backup : pc.Backups())
-        std::cout << BackupText(backup);
+        std::cout << PrintableText(BackupText(backup));
 }
 
 }  // namespace
@@ -145,17 +147,17 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     LogOutput log(line, files.log);
     EndOpening();
     ConfineTo(WorkOn(line, work, pc.Inputs()));
-    ShowMessages(pc.Notes());
+    ShowNotes(line, pc.Notes());
     int status = Done;
     try {
         Session session(pc, log.Stream(), line.choice.trace);
         status = RunOnObject(line, work, session);
     } catch (...) {
-        ShowMessages(pc.LaterNotes());
+        ShowNotes(line, pc.LaterNotes());
         ShowBackups(line, pc);
         throw;
     }
-    ShowMessages(pc.LaterNotes());
+    ShowNotes(line, pc.LaterNotes());
     ShowEnd(line, pc);
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
     ShowBackups(line, pc);

@@ -31,5 +31,5 @@ void ShowText(const CommandLine& line, const std::string& text);
 // Writes a report, or a list of them.
 template <typename Report>
 void Show(const CommandLine& line, const Report& report) {
-    ShowText(line, line.json ? AsJson(report) : AsText(report));
+    ShowText(line, line.json ? AsJson(report) : PrintableText(AsText(report)));
 }

@@ -1,5 +1,6 @@
 #include "tools/kestova/command_line/version.h"
 
+#include "tools/kestova/common/display_width.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/system_calls.h"
@@ -8,6 +9,7 @@ std::string VersionText() {
     const std::vector<LinkedLibrary> forImages = ImageLibraries();
     std::vector<std::vector<std::string>> libraries = {{"CLI11", "BSD-3-Clause"}, {"nlohmann-json", "MIT"}};
     if (FiltersSystemCalls()) libraries.push_back({"libseccomp", "LGPL-2.1"});
+    if (const char* const licence = DisplayWidthLicence()) libraries.push_back({"libutf8proc", licence});
     for (const LinkedLibrary& library : forImages)
         libraries.push_back({library.name, library.licence});
     const auto yesOrNo = [](bool is) { return is ? "yes" : "no"; };

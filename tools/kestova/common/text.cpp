@@ -8,25 +8,20 @@
 #include "base/hexadecimal.h"
 #include "base/nearest.h"
 #include "base/utf.h"
+#include "tools/kestova/common/display_width.h"
 
 namespace {
-
-// Characters, not bytes, of UTF-8.
-size_t Width(const std::string& text) {
-    return static_cast<size_t>(
-        std::count_if(text.begin(), text.end(), [](char unit) { return (unit & 0xC0) != 0x80; }));
-}
 
 // The text without a line break at its end, for a place that far from the left, where further lines begin
 // too.
 std::string Hanging(const std::string& text, size_t left, size_t columns) {
-    if (columns == noLimit || left + Width(text) <= columns) return text;
+    if (columns == noLimit || left + DisplayWidth(text) <= columns) return text;
     std::string hanging;
     size_t at = left;
     std::istringstream words(text);
     for (std::string word; words >> word;) {
         const bool begins = at == left;
-        if (!begins && at + 1 + Width(word) > columns) {
+        if (!begins && at + 1 + DisplayWidth(word) > columns) {
             hanging += "\n" + std::string(left, ' ');
             at = left;
         } else if (!begins) {
@@ -34,7 +29,7 @@ std::string Hanging(const std::string& text, size_t left, size_t columns) {
             ++at;
         }
         hanging += word;
-        at += Width(word);
+        at += DisplayWidth(word);
     }
     return hanging;
 }
@@ -51,6 +46,36 @@ constexpr Range obeyed[] = {{0x0000, 0x001F}, {0x007F, 0x009F}, {0x061C, 0x061C}
 bool IsObeyed(WCHAR unit) {
     return std::ranges::any_of(obeyed,
                                [&](const Range& range) { return unit >= range.first && unit <= range.last; });
+}
+
+std::string Shown(std::string_view name, std::initializer_list<WCHAR> kept) {
+    WideString text;
+    for (const WCHAR unit : ToWide(name)) {
+        if (IsObeyed(unit) && std::ranges::count(kept, unit) == 0) {
+            text += ToWide("\\u" + Hex(unit, 4).substr(2));
+        } else {
+            text += unit;
+        }
+    }
+    return ToUtf8(text);
+}
+
+// Text that is not UTF-8 becomes "?" as a whole.
+bool IsUtf8(std::string_view text) {
+    return text == "?" || ToWide(text) != TEXT("?");
+}
+
+// A path of this computer can be any bytes: those beyond ASCII are shown as `\xE9`.
+std::string WithBytesShown(std::string_view text) {
+    std::string shown;
+    for (const char unit : text) {
+        const auto byte = static_cast<unsigned char>(unit);
+        if (byte == '\t' || (byte >= 0x20 && byte < 0x7F))
+            shown += unit;
+        else
+            shown += "\\x" + Hex(byte, 2).substr(2);
+    }
+    return shown;
 }
 
 }  // namespace
@@ -80,15 +105,19 @@ std::string OneLine(std::string_view text) {
 }
 
 std::string Printable(std::string_view name) {
-    WideString text;
-    for (const WCHAR unit : ToWide(name)) {
-        if (IsObeyed(unit)) {
-            text += ToWide("\\u" + Hex(unit, 4).substr(2));
-        } else {
-            text += unit;
-        }
+    return Shown(name, {});
+}
+
+std::string PrintableText(std::string_view text) {
+    std::string shown;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find('\n', at), text.size());
+        const std::string_view line = text.substr(at, end - at);
+        shown += IsUtf8(line) ? Shown(line, {TEXT('\t')}) : WithBytesShown(line);
+        if (end < text.size()) shown += '\n';
+        at = end + 1;
     }
-    return ToUtf8(text);
+    return shown;
 }
 
 std::string Count(size_t count, std::string_view noun) {
@@ -115,17 +144,20 @@ std::string SizeText(uint64_t bytes) {
 std::string Table(const std::vector<std::vector<std::string>>& rows, const std::string& indent,
                   size_t columns) {
     std::vector<size_t> widths;
-    for (const auto& row : rows) {
+    std::vector<std::vector<std::string>> shown = rows;
+    for (auto& row : shown) {
+        for (std::string& cell : row)
+            cell = Printable(cell);
         widths.resize(std::max(widths.size(), row.size()));
         for (size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], Width(row[i]));
+            widths[i] = std::max(widths[i], DisplayWidth(row[i]));
     }
     std::string text;
-    for (const auto& row : rows) {
+    for (const auto& row : shown) {
         std::string line = indent;
         for (size_t i = 0; i + 1 < row.size(); ++i)
-            line += row[i] + std::string(widths[i] - Width(row[i]) + 2, ' ');
-        if (!row.empty()) line += Hanging(row.back(), Width(line), columns);
+            line += row[i] + std::string(widths[i] - DisplayWidth(row[i]) + 2, ' ');
+        if (!row.empty()) line += Hanging(row.back(), DisplayWidth(line), columns);
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + "\n";
     }

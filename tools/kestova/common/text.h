@@ -20,6 +20,9 @@ std::string OneLine(std::string_view text);
 // `\u202E`. A name that is not UTF-8 becomes "?".
 std::string Printable(std::string_view name);
 
+// The same of a whole text: its line feeds and tabs stay, and bytes that are not UTF-8 are shown as `\xE9`.
+std::string PrintableText(std::string_view text);
+
 // "1 argument", "2 arguments".
 std::string Count(size_t count, std::string_view noun);
 

@@ -28,6 +28,14 @@ std::vector<LinkedLibrary> ImageLibraries();
 // Whether an image is a disk of this computer; false if this build has no image part.
 bool IsDiskOfComputer(const std::string& image);
 
+// How the kernel knows a disk of this computer; empty where it does not.
+struct ComputerDisk {
+    std::string model = {};
+    std::string serial = {};
+};
+
+ComputerDisk IdentityOfDisk(const std::string& image);
+
 // Asks the user, on a terminal, whether each disk of this computer among the images is to be changed. False
 // if there is nobody to ask. Throws Failed if the answer is no.
 bool ConfirmDisks(const std::vector<std::string>& images);

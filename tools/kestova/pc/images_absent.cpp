@@ -31,6 +31,10 @@ bool IsDiskOfComputer(const std::string&) {
     return false;
 }
 
+ComputerDisk IdentityOfDisk(const std::string&) {
+    return {};
+}
+
 bool ConfirmDisks(const std::vector<std::string>&) {
     return false;
 }

@@ -62,6 +62,11 @@ bool IsDiskOfComputer(const std::string& image) {
     return machine::IsDisk(image);
 }
 
+ComputerDisk IdentityOfDisk(const std::string& image) {
+    const machine::DiskIdentity disk = machine::IdentityOf(image);
+    return {disk.model, disk.serial};
+}
+
 bool ConfirmDisks(const std::vector<std::string>& images) {
     if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return false;
     for (const std::string& image : images) {

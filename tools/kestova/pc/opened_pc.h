@@ -11,6 +11,7 @@
 
 #include "tools/kestova/common/output_file.h"
 #include "tools/kestova/common/trace.h"
+#include "tools/kestova/pc/disk_facts.h"
 #include "tools/kestova/pc/volume_place.h"
 
 // The options that choose and prepare a PC.
@@ -87,6 +88,11 @@ class OpenedPc {
     // The volume at that place, for looking into it. Throws Failed, with what is there instead,
     // and NotLookedInto for any volume of the PC that the program runs on.
     virtual FoundVolume VolumeAt(const VolumePlace& place) = 0;
+    // Of a disk, what no published call answers; nothing of the PC that the program runs on.
+    virtual DiskFacts FactsOf(int disk) const = 0;
+    // Runs an action during which that partition has a letter, and takes the letter back. False without
+    // running it if none can be given so, as on the PC that the program runs on.
+    virtual bool LendLetter(const VolumePlace& place, const std::function<void(char letter)>& action) = 0;
     // Writes what was changed to the disk images, each as a whole or not at all. Returns what is wrong, empty
     // if nothing is. The first time it throws UnreadablePc, with nothing written, for a change of a volume
     // that is in no condition to be changed.

@@ -1,5 +1,6 @@
 // The PC is an emulated one: disk images, a description, or a machine that comes with the tool.
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <utility>
@@ -7,6 +8,7 @@
 #include "machine/description/description.h"
 #include "machine/entry/loaded_library.h"
 #include "machine/facts/commit.h"
+#include "machine/facts/find_disk.h"
 #include "machine/facts/letters.h"
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
@@ -148,6 +150,16 @@ Pc Watched(Pc pc) {
     return pc;
 }
 
+// Null for a partition that does not exist, or holds no volume.
+machine::Volume* FindVolumeAt(Pc& pc, const VolumePlace& place) {
+    machine::Disk* const disk = machine::FindDisk(pc, static_cast<uint32_t>(place.disk));
+    if (disk == nullptr) return nullptr;
+    const auto partition = std::ranges::find(disk->partitions, static_cast<uint32_t>(place.partition),
+                                             &machine::Partition::number);
+    const bool holdsVolume = partition != disk->partitions.end() && partition->volume;
+    return holdsVolume ? &*partition->volume : nullptr;
+}
+
 class EmulatedOne final : public OpenedPc {
   public:
     EmulatedOne(const PcChoice& choice, Access access)
@@ -164,6 +176,11 @@ class EmulatedOne final : public OpenedPc {
             inputs_.haveDisks = inputs_.haveDisks || IsDiskOfComputer(*image);
         }
         inputs_.imageBytes = ImageBytes(before_);
+        areImagesOfOption_ = !choice.images.empty();
+        for (const machine::Disk& disk : before_.disks) {
+            if (IsDiskOfComputer(disk.image))
+                identities_[static_cast<int>(disk.number)] = IdentityOfDisk(disk.image);
+        }
         if (choice.images.empty() && choice.pc.empty()) {
             notes_.push_back("no PC was named: this is " + before_.name +
                              ", a machine in memory that comes with the tool");
@@ -184,6 +201,8 @@ class EmulatedOne final : public OpenedPc {
     bool Rehearse(const std::function<void()>& action) override;
     bool LacksFileSystem(int disk, int partition) const override;
     FoundVolume VolumeAt(const VolumePlace& place) override { return FindVolume(emulated_.facts, place); }
+    DiskFacts FactsOf(int disk) const override;
+    bool LendLetter(const VolumePlace& place, const std::function<void(char)>& action) override;
     std::string Commit() override;
     std::vector<std::string> Backups() const override;
     std::optional<std::vector<std::string>> Changes() const override {
@@ -201,6 +220,8 @@ class EmulatedOne final : public OpenedPc {
     std::vector<std::string> faults_;
     Pc before_;
     Pc shown_;  // when its changes were last taken
+    bool areImagesOfOption_ = false;
+    std::map<int, ComputerDisk> identities_;  // by disk number; asked before rights are given up
     bool hasCommitted_ = false;
     machine::EmulatedPc emulated_;
     machine::LoadedLibrary library_;
@@ -234,6 +255,31 @@ std::vector<FaultCount> EmulatedOne::FaultCounts() const {
                           emulated_.faults.Calls(ReadFault(faults_[i]).call)});
     }
     return counts;
+}
+
+DiskFacts EmulatedOne::FactsOf(int disk) const {
+    DiskFacts facts{.countsAsSata = areImagesOfOption_,
+                    .partitions = PartitionFactsOf(emulated_.facts, disk)};
+    if (const auto identity = identities_.find(disk); identity != identities_.end()) {
+        facts.model = identity->second.model;
+        facts.serial = identity->second.serial;
+    }
+    return facts;
+}
+
+bool EmulatedOne::LendLetter(const VolumePlace& place, const std::function<void(char letter)>& action) {
+    const std::string letters = "CDEFGHIJKLMNOPQRSTUVWXYZ";
+    const size_t free = letters.find_first_not_of(machine::UsedLetters(emulated_.facts));
+    if (free == std::string::npos) return false;
+    bool isLent = false;
+    Rehearse([&] {
+        machine::Volume* const volume = FindVolumeAt(emulated_.facts, place);
+        isLent = volume != nullptr;
+        if (!isLent) return;
+        volume->letters = letters.substr(free, 1);
+        action(letters[free]);
+    });
+    return isLent;
 }
 
 std::string EmulatedOne::Commit() {

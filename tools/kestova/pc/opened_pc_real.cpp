@@ -17,6 +17,8 @@ class RealOne final : public OpenedPc {
     FoundVolume VolumeAt(const VolumePlace&) override {
         throw NotLookedInto("for the PC that the program runs on use dir, and certutil -hashfile");
     }
+    DiskFacts FactsOf(int) const override { return {}; }
+    bool LendLetter(const VolumePlace&, const std::function<void(char)>&) override { return false; }
     std::string Commit() override { return ""; }
     std::vector<std::string> Backups() const override { return {}; }
     std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }

@@ -25,6 +25,7 @@ class WatchedStore final : public machine::VolumeStore {
     uint32_t ReadParts(std::string_view path, const std::function<void(std::string_view)>& take) override {
         return store_->ReadParts(path, take);
     }
+    machine::VolumeCondition Check() override { return store_->Check(); }
     std::string WhyUnchangeable() override { return store_->WhyUnchangeable(); }
     uint32_t Write(std::string_view path, std::string_view content) override;
     uint32_t Remove(std::string_view path) override;

@@ -67,7 +67,7 @@ std::vector<scmp_arg_cmp> Conditions(int call, Only only) {
         case Only::WithoutCode:
             return {Without(2, PROT_EXEC)};
         case Only::AskingTerminal:
-            return {With(1, TCGETS), With(1, TCGETS2)};
+            return {With(1, TCGETS), With(1, TCGETS2), With(1, TIOCGWINSZ)};
         case Only::RereadingTable:
             return {With(1, BLKRRPART)};
         case Only::OwnProcess:

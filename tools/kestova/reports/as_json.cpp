@@ -13,8 +13,18 @@ namespace {
 // Keys keep the order in which they were written.
 using Json = nlohmann::ordered_json;
 
+std::string Dump(const Json& json, bool inAscii) {
+    return json.dump(-1, ' ', inAscii, Json::error_handler_t::replace);
+}
+
 std::string Line(const Json& json, bool inAscii = false) {
-    return json.dump(-1, ' ', inAscii, Json::error_handler_t::replace) + "\n";
+    return Dump(json, inAscii) + "\n";
+}
+
+// The line of an object with further keys at its end, each object in its own encoding.
+std::string LineWith(const std::string& line, const Json& further, bool inAscii) {
+    if (further.empty()) return line;
+    return line.substr(0, line.rfind('}')) + "," + Dump(further, inAscii).substr(1) + "\n";
 }
 
 // --- values ---
@@ -32,6 +42,10 @@ Json ToJson(int number) {
 }
 
 Json ToJson(uint64_t number) {
+    return number;
+}
+
+Json ToJson(int64_t number) {
     return number;
 }
 
@@ -65,6 +79,14 @@ Json ToJson(const Values& values) {
 
 Json ToJson(const WindowsPlace& place) {
     return {{"disk", place.disk}, {"partition", place.partition}, {"letter", ToJson(place.letter)}};
+}
+
+Json ToJson(const RecordReport& record) {
+    return {{"partition", record.partition},
+            {"exists", record.exists},
+            {"recorded", record.recorded ? Json(*record.recorded) : Json()},
+            {"bootSystem", record.bootSystem ? Json(*record.bootSystem) : Json()},
+            {"words", record.words}};
 }
 
 template <typename T>
@@ -107,6 +129,40 @@ Json ToJson(const PartitionReport& partition) {
             {"fileSystem", ToJson(partition.fileSystem)},
             {"hide", partition.hide},
             {"roles", roles}};
+}
+
+// Of the picture: with what is known of a partition whether it has a letter or not.
+Json WholePartition(const PartitionReport& partition) {
+    Json json = ToJson(partition);
+    json["slot"] = ToJson(partition.slot);
+    json["name"] = ToJson(partition.gptName);
+    json["hidden"] = partition.hidden;
+    json["condition"] = ToJson(partition.condition);
+    return json;
+}
+
+Json ToJson(const Gap& gap) {
+    return {{"offset", gap.offset}, {"size", gap.size}};
+}
+
+Json ToJson(const DiskReport& disk) {
+    Json partitions = Json::array();
+    for (const PartitionReport& partition : disk.partitions)
+        partitions.push_back(WholePartition(partition));
+    Json gaps = Json::array();
+    for (const Gap& gap : disk.gaps)
+        gaps.push_back(ToJson(gap));
+    return {{"number", disk.number},
+            {"bus", ToJson(disk.bus)},
+            {"model", ToJson(disk.model)},
+            {"serial", ToJson(disk.serial)},
+            {"size", ToJson(disk.size)},
+            {"sectorSize", ToJson(disk.sectorSize)},
+            {"style", ToJson(disk.style)},
+            {"isInternal", ToJson(disk.isInternal)},
+            {"reason", disk.reason},
+            {"partitions", partitions},
+            {"gaps", gaps}};
 }
 
 Json ToJson(const LetterReport& letter) {
@@ -260,8 +316,14 @@ std::string AsJson(const StatusReport& status) {
                  {"recoveryStick", ToJson(status.recoveryStick)},
                  {"cachePartition", status.cachePartition},
                  {"windows", ToJson(status.windows)}};
-    AddRemarksAndProblem(status, "twoActiveFlags", json);
-    return Line(json);
+    Json disks = Json::array();
+    for (const DiskReport& disk : status.disks)
+        disks.push_back(ToJson(disk));
+    const Json picture = {{"disks", disks}, {"record", ToJson(status.record)}};
+    Json last = Json::object();
+    AddRemarksAndProblem(status, "twoActiveFlags", last);
+    // In ASCII, as below: names of partitions are from a medium, too.
+    return LineWith(LineWith(Line(json), picture, true), last, false);
 }
 
 std::string AsJson(const LettersReport& letters) {
@@ -335,15 +397,14 @@ std::string ErrorAsJson(const std::string& message, int status) {
     return Line({{"error", message}, {"status", status}}, true);
 }
 
+// In ASCII: what the line has in it is from a medium, too.
 std::string WithEnd(const std::string& line, const EndReport& end) {
     Json json = Json::parse(line);
     for (const FaultCount& fault : end.faults)
         json["faultsMet"].push_back({{"fault", fault.fault}, {"met", fault.met}});
     AddRemarks(UnmetFaults(end.faults), json);
     if (end.ledger) json["ledger"] = *end.ledger;
-    const bool isAscii =
-        std::ranges::all_of(line, [](char unit) { return static_cast<unsigned char>(unit) < 0x80; });
-    return Line(json, isAscii);
+    return Line(json, true);
 }
 
 std::string AsJson(const std::vector<Operation>& operations) {

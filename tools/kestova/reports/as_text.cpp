@@ -52,43 +52,6 @@ std::string Or(const std::optional<WCHAR>& letter, const char* none) {
     return letter ? LetterText(*letter) : none;
 }
 
-// --- status and letters ---
-
-// "Windows RE: type and contents"; "-" without a role.
-std::string RolesText(const std::vector<Role>& roles) {
-    std::string text;
-    for (const Role& role : roles)
-        text += (text.empty() ? "" : "; ") + std::string(role.role) + ": " + role.reason;
-    return text.empty() ? "-" : text;
-}
-
-std::vector<std::string> PartitionRow(const PartitionReport& partition) {
-    return {std::to_string(partition.number),
-            SizeText(static_cast<uint64_t>(partition.size)),
-            partition.typeName,
-            partition.active ? "active" : "-",
-            Or(partition.letter, "-"),
-            Or(partition.label, "-"),
-            Or(partition.fileSystem, "-"),
-            partition.hide ? "hide" : "-",
-            RolesText(partition.roles)};
-}
-
-std::string WindowsText(const std::optional<WindowsPlace>& windows) {
-    if (!windows) return "not found";
-    return LetterText(windows->letter) + ": disk " + std::to_string(windows->disk) + ", partition " +
-           std::to_string(windows->partition);
-}
-
-std::string EncryptedText(const std::optional<std::string>& letters) {
-    return letters == "" ? "none" : Or(letters, "BitLocker cannot be asked");
-}
-
-const char* NoActivePartition(const StatusReport& status) {
-    if (!status.internalDisk) return "-";
-    return status.isAllRead ? "none" : "unknown";
-}
-
 // --- files ---
 
 std::string FileSizeText(const machine::FileEntry& entry) {
@@ -147,27 +110,6 @@ std::string OperationText(const Operation& operation) {
 }
 
 }  // namespace
-
-std::string AsText(const StatusReport& status) {
-    std::string text = Table({{"Firmware", status.firmware},
-                              {"Running system", status.system},
-                              {"Windows directory", Or(status.windowsDirectory, "unknown")},
-                              {"Internal disk", Or(status.internalDisk, "unknown")},
-                              {"Partition style", Or(status.style, "-")},
-                              {"Active partition", Or(status.activePartition, NoActivePartition(status))},
-                              {"Layout", status.layoutName},
-                              {"Installed Windows", WindowsText(status.windows)},
-                              {"Encrypted volumes", EncryptedText(status.encryptedVolumes)},
-                              {"Recovery disc", Or(status.recoveryDisc, "none")},
-                              {"Recovery stick", Or(status.recoveryStick, "none")},
-                              {"Cache partition", status.cachePartition ? "yes" : "no"}},
-                             "");
-    if (status.partitions.empty()) return text;
-    Rows rows = {{"#", "Size", "Type", "Active", "Letter", "Label", "File system", "Hide", "Role: reason"}};
-    for (const PartitionReport& partition : status.partitions)
-        rows.push_back(PartitionRow(partition));
-    return text + "\n" + Table(rows, "  ");
-}
 
 std::string AsText(const LettersReport& letters) {
     Rows rows = {{"Letter", "Disk", "Partition", "Here"}};

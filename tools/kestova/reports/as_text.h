@@ -12,13 +12,11 @@
 #include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
-#include "tools/kestova/reports/status.h"
 #include "tools/kestova/reports/switch_check.h"
 #include "tools/kestova/reports/table_repair.h"
 #include "tools/kestova/reports/undo.h"
 
 // Remark and problem are left out: they belong on standard error.
-std::string AsText(const StatusReport& status);
 std::string AsText(const LettersReport& letters);
 std::string AsText(const FilesReport& report);
 std::string AsText(const SwitchReport& report);

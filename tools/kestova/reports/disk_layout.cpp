@@ -23,9 +23,15 @@ std::optional<std::vector<BYTE>> ReadLayout(HANDLE disk) {
     return std::nullopt;
 }
 
+template <typename Field>
+Field At(const std::vector<BYTE>& layout, size_t offset) {
+    Field field;
+    std::memcpy(&field, layout.data() + offset, sizeof field);
+    return field;
+}
+
 std::vector<PARTITION_INFORMATION_EX> UsedEntries(const std::vector<BYTE>& layout) {
-    DWORD count = 0;
-    std::memcpy(&count, layout.data() + offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionCount), sizeof count);
+    auto count = At<DWORD>(layout, offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionCount));
     const BYTE* entry = layout.data() + offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionEntry);
     const BYTE* const end = layout.data() + layout.size();
     std::vector<PARTITION_INFORMATION_EX> used;
@@ -44,10 +50,32 @@ bool IsActive(const PARTITION_INFORMATION_EX& entry) {
     return entry.PartitionStyle == PARTITION_STYLE_MBR && entry.Mbr.BootIndicator != 0;
 }
 
-std::optional<std::vector<PARTITION_INFORMATION_EX>> ReadDiskLayout(int disk) {
+HANDLE OpenDisk(int disk) {
     const auto name = ToWide("\\\\.\\PHYSICALDRIVE" + std::to_string(disk));
-    const HANDLE handle = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+std::optional<DiskTable> ReadDiskTable(HANDLE disk, int64_t size, int64_t sectorSize) {
+    const auto layout = ReadLayout(disk);
+    if (!layout) return std::nullopt;
+    DiskTable table;
+    table.style = At<DWORD>(*layout, offsetof(DRIVE_LAYOUT_INFORMATION_EX, PartitionStyle));
+    table.entries = UsedEntries(*layout);
+    if (table.style == PARTITION_STYLE_MBR) {
+        table.usable = sectorSize;
+        table.usableEnd = size;
+    } else if (table.style == PARTITION_STYLE_GPT) {
+        const auto gpt =
+            At<DRIVE_LAYOUT_INFORMATION_GPT>(*layout, offsetof(DRIVE_LAYOUT_INFORMATION_EX, Gpt));
+        table.usable = gpt.StartingUsableOffset.QuadPart;
+        table.usableEnd = table.usable + gpt.UsableLength.QuadPart;
+    }
+    return table;
+}
+
+std::optional<std::vector<PARTITION_INFORMATION_EX>> ReadDiskLayout(int disk) {
+    const HANDLE handle = OpenDisk(disk);
     if (handle == INVALID_HANDLE_VALUE) return std::nullopt;
     const auto layout = ReadLayout(handle);
     const DWORD error = GetLastError();

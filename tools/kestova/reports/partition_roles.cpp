@@ -59,8 +59,7 @@ bool IsForRecovery(const PartitionReport& partition) {
 void AddPartitionRoles(const StatusReport& status, PartitionReport& partition, Questions& questions) {
     const Values place = {{"disk", *status.internalDisk}, {"partition", partition.number}};
     partition.hide = questions.IsYes("IsNeedHidePartition", place);
-    AddTypeRole(partition, mbrPartitionTypes);
-    AddTypeRole(partition, gptPartitionTypes);
+    AddTypeRoles(partition);
     if (IsForRecovery(partition) &&
         questions.On().OnPc().LacksFileSystem(*status.internalDisk, partition.number)) {
         questions.AddUnread("partition " + std::to_string(partition.number) +
@@ -134,6 +133,11 @@ void AddLayout(StatusReport& status, Questions& questions) {
 }
 
 }  // namespace
+
+void AddTypeRoles(PartitionReport& partition) {
+    AddTypeRole(partition, mbrPartitionTypes);
+    AddTypeRole(partition, gptPartitionTypes);
+}
 
 void AddRoles(StatusReport& status, Questions& questions) {
     AddLayout(status, questions);

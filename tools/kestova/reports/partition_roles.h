@@ -2,8 +2,11 @@
 // public operations of the class only.
 #pragma once
 
-#include "tools/kestova/reports/questions.h"
+#include "tools/kestova/operations/questions.h"
 #include "tools/kestova/reports/status.h"
+
+// Adds the role that the type alone gives the partition.
+void AddTypeRoles(PartitionReport& partition);
 
 // Fills in the layout, the encrypted volumes, the recovery media, the cache partition and the installed
 // Windows, and of each listed partition whether it is hidden and its roles. On an emulated PC it looks into

@@ -1,16 +1,21 @@
 #include "tools/kestova/reports/status.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/guid.h"
 #include "base/hexadecimal.h"
 #include "base/utf.h"
 #include "base/wide_string.h"
 #include "machine/facts/letters.h"
+#include "platform/partition_types.h"
 #include "platform/start_options.h"
 #include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/pc/disk_facts.h"
+#include "tools/kestova/reports/boot_record.h"
 #include "tools/kestova/reports/disk_layout.h"
+#include "tools/kestova/reports/disk_picture.h"
 #include "tools/kestova/reports/partition_roles.h"
 #include "tools/kestova/reports/remarks.h"
 
@@ -61,12 +66,31 @@ std::optional<std::string> WindowsDirectory(Questions& questions) {
     return std::nullopt;
 }
 
+// Of the partitions that Windows gets to see, and of the recovery partition that it does not.
+bool IsHiddenMbrType(BYTE type) {
+    constexpr BYTE hiddenBit = 0x10;
+    constexpr BYTE visible[] = {0x01, 0x04, 0x06, 0x07, 0x0B, 0x0C, 0x0E};
+    return type == MBR_ID_HIDDEN_RECOVERY ||
+           ((type & hiddenBit) != 0 &&
+            std::ranges::count(visible, static_cast<BYTE>(type & ~hiddenBit)) != 0);
+}
+
+constexpr DWORD64 gptHidden = 0x4000000000000000;
+
+// The field is not terminated if the name fills it.
+std::string NameOf(const PARTITION_INFORMATION_EX& entry) {
+    const WCHAR* const end = std::find(std::begin(entry.Gpt.Name), std::end(entry.Gpt.Name), WCHAR{0});
+    return ToUtf8(
+        WideView(std::begin(entry.Gpt.Name), static_cast<size_t>(end - std::begin(entry.Gpt.Name))));
+}
+
 // A volume without a file system, or one that BitLocker keeps locked, is as it should be.
 bool IsOrdinary(DWORD error) {
     return error == ERROR_UNRECOGNIZED_VOLUME || error == machine::errorLockedVolume;
 }
 
-// Letter, label and file system.
+}  // namespace
+
 void AddVolume(int disk, PartitionReport& partition, Questions& questions) {
     partition.letter =
         questions.AskLetter("GetDriveLetter", {{"disk", disk}, {"partition", partition.number}});
@@ -77,6 +101,8 @@ void AddVolume(int disk, PartitionReport& partition, Questions& questions) {
     if (!GetVolumeInformationW(root, label, MAX_PATH + 1, nullptr, nullptr, nullptr, fileSystem,
                                MAX_PATH + 1)) {
         const DWORD error = GetLastError();
+        if (error == ERROR_UNRECOGNIZED_VOLUME) partition.condition = volume_condition::unreadable;
+        if (error == machine::errorLockedVolume) partition.condition = volume_condition::encrypted;
         if (!IsOrdinary(error))
             questions.AddUnread("the volume " + LetterText(*partition.letter) + ": cannot be read", error);
         return;
@@ -85,7 +111,7 @@ void AddVolume(int disk, PartitionReport& partition, Questions& questions) {
     partition.fileSystem = ToUtf8(fileSystem);
 }
 
-PartitionReport ReadPartition(int disk, const PARTITION_INFORMATION_EX& entry, Questions& questions) {
+PartitionReport PartitionOf(const PARTITION_INFORMATION_EX& entry) {
     const bool mbr = entry.PartitionStyle == PARTITION_STYLE_MBR;
     PartitionReport partition;
     partition.number = static_cast<int>(entry.PartitionNumber);
@@ -94,9 +120,13 @@ PartitionReport ReadPartition(int disk, const PARTITION_INFORMATION_EX& entry, Q
     partition.type = mbr ? Hex(entry.Mbr.PartitionType, 2) : GuidText(entry.Gpt.PartitionType);
     partition.typeName = mbr ? MbrTypeWords(entry.Mbr.PartitionType) : GptTypeWords(entry.Gpt.PartitionType);
     partition.active = IsActive(entry);
-    AddVolume(disk, partition, questions);
+    partition.hidden =
+        mbr ? IsHiddenMbrType(entry.Mbr.PartitionType) : (entry.Gpt.Attributes & gptHidden) != 0;
+    if (!mbr) partition.gptName = NameOf(entry);
     return partition;
 }
+
+namespace {
 
 std::string DiskName(int disk) {
     return "disk " + std::to_string(disk);
@@ -128,8 +158,10 @@ void AddPartitions(int disk, const DiskLayout& layout, StatusReport& status, Que
     const bool isKnown = active >= 0 || (layout && std::ranges::none_of(*layout, IsActive));
     if (!isKnown) questions.AddUnread("the active partition of " + DiskName(disk) + " could not be told");
     if (!layout) return;
-    for (const PARTITION_INFORMATION_EX& entry : *layout)
-        status.partitions.push_back(ReadPartition(disk, entry, questions));
+    for (const PARTITION_INFORMATION_EX& entry : *layout) {
+        status.partitions.push_back(PartitionOf(entry));
+        AddVolume(disk, status.partitions.back(), questions);
+    }
 }
 
 void AddDisk(StatusReport& status, Questions& questions) {
@@ -159,6 +191,8 @@ StatusReport ReadStatus(Session& session, bool initialize) {
     AddDisk(status, questions);
     status.isAllRead = questions.HasReadAll();
     AddRoles(status, questions);
+    status.disks = ReadDisks(status, questions);
+    status.record = ReadRecord(status, questions.On());
     status.problem = questions.Problems();
     return status;
 }

@@ -8,6 +8,8 @@
 
 #include "tools/kestova/operations/session.h"
 
+class Questions;
+
 // The purpose of a partition, and how it was recognised.
 struct Role {
     const char* role;
@@ -26,6 +28,40 @@ struct PartitionReport {
     std::optional<std::string> fileSystem;  // the same
     bool hide = false;                      // not for the user's eyes
     std::vector<Role> roles;
+    std::optional<int> slot;  // in the table of an image
+    std::optional<std::string> gptName;
+    bool hidden = false;                   // by an MBR type with the hidden bit, or the attribute of a GPT
+    std::optional<std::string> condition;  // of its volume, one of volume_condition; nothing if unknown
+};
+
+// Space of a disk that is no partition's.
+struct Gap {
+    int64_t offset = 0;  // bytes
+    int64_t size = 0;    // bytes
+};
+
+struct DiskReport {
+    int number = 0;
+    std::optional<std::string> bus;  // in words
+    std::optional<std::string> model;
+    std::optional<std::string> serial;
+    std::optional<int64_t> size;        // bytes
+    std::optional<int64_t> sectorSize;  // bytes
+    std::optional<std::string> style;   // "MBR", "GPT", "none"
+    std::optional<bool> isInternal;  // by its bus, as the service's list counts; nothing if that is unknown
+    std::string reason;              // why, in words
+    std::vector<PartitionReport> partitions;  // in table order; label, file system also without a letter
+    std::vector<Gap> gaps;                    // in their order on the disk
+};
+
+// The record of the partition that was active before the recovery partition.
+struct RecordReport {
+    int partition = 0;  // that holds it, or would
+    bool exists = false;
+    std::optional<int> recorded;  // nothing without a number in it
+    std::optional<int>
+        bootSystem;     // the partition that `boot system` makes active; nothing if it changes none
+    std::string words;  // what it holds, and where `boot system` would go
 };
 
 // Where the installed Windows is.
@@ -52,9 +88,17 @@ struct StatusReport {
     std::optional<WCHAR> recoveryStick;
     bool cachePartition = false;  // of the second internal disk
     std::optional<WindowsPlace> windows;
+    std::vector<DiskReport> disks;  // all, in the order of their numbers
+    std::optional<RecordReport> record;
     std::vector<Finding> remarks;  // on the internal disk
     std::string problem;           // what could not be read; else empty
 };
+
+// An entry of a table, without its volume.
+PartitionReport PartitionOf(const PARTITION_INFORMATION_EX& entry);
+
+// Adds letter, label and file system; of an unreadable or locked volume the condition.
+void AddVolume(int disk, PartitionReport& partition, Questions& questions);
 
 // Calls Initialize first on request. Leaves the PC unchanged.
 StatusReport ReadStatus(Session& session, bool initialize);

@@ -10,8 +10,8 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/operations/questions.h"
 #include "tools/kestova/reports/disk_layout.h"
-#include "tools/kestova/reports/questions.h"
 
 namespace {
 

@@ -14,6 +14,7 @@ extern "C" {
 #include <ntfs-3g/dir.h>
 #include <ntfs-3g/inode.h>
 #include <ntfs-3g/layout.h>
+#include <ntfs-3g/logfile.h>
 #include <ntfs-3g/logging.h>
 #include <ntfs-3g/types.h>
 #include <ntfs-3g/unistr.h>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <new>
 
 #include "machine/facts/store_path.h"
@@ -57,6 +58,24 @@ bool DemandsHugeRecords(const ImageRange& range) {
     return std::max(SizeOf(Byte(boot, 0x40), cluster), SizeOf(Byte(boot, 0x44), cluster)) > largestRecord;
 }
 
+// A volume that is mounted for reading only was not asked for its journal and its hibernation file, as one is
+// that is mounted for writing. Returns the errno with which that fails; 0 if it would not.
+int WhyNotForWriting(ntfs_volume& volume) {
+    const InodeOwner journal(ntfs_inode_open(&volume, FILE_LogFile));
+    ntfs_attr* const content = journal ? ntfs_attr_open(journal.get(), AT_DATA, AT_UNNAMED, 0) : nullptr;
+    if (content == nullptr) return EIO;
+    RESTART_PAGE_HEADER* page = nullptr;
+    const bool isClean = ntfs_check_logfile(content, &page) && ntfs_is_logfile_clean(content, page);
+    // Version 2.0: Windows has kept the metadata in its memory, for a fast start.
+    const bool isKept =
+        page != nullptr && sle16_to_cpu(page->major_ver) == 2 && sle16_to_cpu(page->minor_ver) == 0;
+    std::free(page);
+    ntfs_attr_close(content);
+    if (isKept) return EPERM;
+    if (!isClean) return EOPNOTSUPP;
+    return ntfs_volume_check_hiberfile(&volume, 0) < 0 && errno == EPERM ? EPERM : 0;
+}
+
 // What an operation may read beside the content of a file: a path leads through a few folders, each with a
 // tree of a few levels; the allocation of clusters reads the bitmap, which is as long as the volume demands.
 uint64_t ReadsFor(uint64_t volumeSize) {
@@ -90,9 +109,10 @@ NtfsVolume::Condition NtfsVolume::Mount::FoundCondition() const {
     if (range_.isUsedUp) return Condition::Damaged;
     // The errors of mounting for writing with a hibernation file (or metadata that Windows keeps across a
     // fast start), and with a journal that has not been replayed.
-    if (error_ == EPERM) return Condition::Hibernated;
-    if (error_ == EOPNOTSUPP) return Condition::Unreplayed;
-    if (!volume_) return Condition::Damaged;
+    const int error = volume_ && NVolReadOnly(volume_) ? WhyNotForWriting(*volume_) : error_;
+    if (error == EPERM) return Condition::Hibernated;
+    if (error == EOPNOTSUPP) return Condition::Unreplayed;
+    if (!volume_ || range_.isUsedUp) return Condition::Damaged;
     for (const ntfs_inode* const inode : {volume_->mft_ni, volume_->mftmirr_ni, volume_->lcnbmp_ni}) {
         if (!IsSound(*inode)) return Condition::Damaged;
     }

@@ -21,6 +21,7 @@ const char* AdviceFor(NtfsVolume::Condition condition) {
                    "(shutdown /s /t 0), and try again";
         case NtfsVolume::Condition::Hibernated:
             return "is hibernated: start Windows, shut it down completely (shutdown /s /t 0), and try again";
+        case NtfsVolume::Condition::Unknown:
         case NtfsVolume::Condition::Clean:
         case NtfsVolume::Condition::Damaged:
             break;

@@ -20,11 +20,8 @@ class NtfsVolume : public VolumeStore {
     // How the volume is called in messages.
     void SetName(const std::string& name) { name_ = name; }
 
-    // How Windows left the volume. Dirty: marked to be checked. Unreplayed: changes are only in its journal.
-    // Hibernated: a system that sleeps, or kept its metadata for a fast start, will go on with its own view.
-    // On an image that is open for reading only the mark alone is seen.
-    enum class Condition { Clean, Dirty, Unreplayed, Hibernated, Damaged };
-    Condition Check();
+    using Condition = VolumeCondition;
+    Condition Check() override;
     // 0 if its condition allows a change; otherwise the error of Write, with the image barred.
     uint32_t PrepareChange();
 

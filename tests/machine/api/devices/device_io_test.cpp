@@ -251,6 +251,26 @@ TEST(DriveLayout, VolumeOrShortBuffer_Fails) {
                   ERROR_INSUFFICIENT_BUFFER);
 }
 
+TEST(DriveGeometry, PhysicalDisk_ReturnsItsSizeAndSectors) {
+    EmulatedPc pc(machine::FactoryMbr());
+    pc.facts.disks[0].sectorSize = 4096;
+    const Reply reply =
+        Control(TEXT("\\\\.\\PHYSICALDRIVE0"), IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, sizeof(DISK_GEOMETRY_EX));
+    ExpectSuccess(reply, sizeof(DISK_GEOMETRY_EX));
+    const auto geometry = reply.As<DISK_GEOMETRY_EX>();
+    EXPECT_EQ(geometry.DiskSize.QuadPart, int64_t{500} << 30);
+    EXPECT_EQ(geometry.Geometry.BytesPerSector, 4096u);
+    EXPECT_EQ(geometry.Geometry.MediaType, FixedMedia);
+}
+
+TEST(DriveGeometry, VolumeOrShortBuffer_Fails) {
+    EmulatedPc pc(machine::FactoryMbr());
+    ExpectFailure(Control(TEXT("\\\\.\\C:"), IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, 1024), ERROR_INVALID_FUNCTION);
+    ExpectFailure(Control(TEXT("\\\\.\\PHYSICALDRIVE0"), IOCTL_DISK_GET_DRIVE_GEOMETRY_EX,
+                          sizeof(DISK_GEOMETRY_EX) - 1),
+                  ERROR_INSUFFICIENT_BUFFER);
+}
+
 TEST(DeviceIoControl, UnknownControlFileOrClosedHandle_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     ExpectFailure(Control(TEXT("\\\\.\\C:"), 0x12345678, 8), ERROR_INVALID_FUNCTION);

@@ -43,12 +43,15 @@ TEST_F(Image, MbrImage_Status_RunsWindowsPeAndWritesNothing) {
         "Recovery disc      none\n"
         "Recovery stick     none\n"
         "Cache partition    no\n"
+        "Record             none; boot system changes nothing\n"
         "\n"
-        "  #  Size       Type                    Active  Letter  Label     File system  Hide  Role: reason\n"
-        "  1  60.0 MiB   hidden recovery (0x27)  -       C       Recovery  NTFS         -     recovery: type\n"
-        "  2  120.0 MiB  NTFS (0x07)             active  D       Windows   NTFS         -     installed Windows: contents\n"
-        "  3  90.0 MiB   NTFS (0x07)             -       E       Data      NTFS         -     -\n"
-        "  4  28.0 MiB   hibernation (0x84)      -       -       -         -            -     hibernation: type\n");
+        "Disk 0: 300.0 MiB, MBR, SATA, Emulated disk; internal: an image counts as SATA; the first internal disk\n"
+        "  #  Start      Size       Type                    Active  Letter  Label     File system  Condition  Hide  Role: reason\n"
+        "  1  1.0 MiB    60.0 MiB   hidden recovery (0x27)  -       C       Recovery  NTFS         clean      -     recovery: type\n"
+        "  2  61.0 MiB   120.0 MiB  NTFS (0x07)             active  D       Windows   NTFS         clean      -     installed Windows: contents\n"
+        "  3  181.0 MiB  90.0 MiB   NTFS (0x07)             -       E       Data      NTFS         clean      -     -\n"
+        "  4  271.0 MiB  28.0 MiB   hibernation (0x84)      -       -       -         -            -          -     hibernation: type\n"
+        "     299.0 MiB  1.0 MiB    free\n");
     EXPECT_TRUE(IsAsItWas());
 }
 

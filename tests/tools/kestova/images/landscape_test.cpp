@@ -41,14 +41,17 @@ TEST_F(Landscape, GptImage_Status_ShowsEveryRole) {
         "Recovery disc      none\n"
         "Recovery stick     none\n"
         "Cache partition    no\n"
+        "Record             -\n"
         "\n"
-        "  #  Size       Type                Active  Letter  Label     File system  Hide  Role: reason\n"
-        "  1  40.0 MiB   maker's boot        -       -       -         -            hide  maker's boot: type\n"
-        "  2  40.0 MiB   Windows recovery    -       C       WinRE     NTFS         -     Windows RE: type and contents\n"
-        "  3  40.0 MiB   EFI system          -       -       -         -            hide  EFI system: type\n"
-        "  4  16.0 MiB   Microsoft reserved  -       -       -         -            hide  -\n"
-        "  5  180.0 MiB  basic data          -       D       Windows   NTFS         -     installed Windows: contents\n"
-        "  6  80.0 MiB   Windows recovery    -       E       Recovery  NTFS         -     recovery: type and contents\n");
+        "Disk 0: 400.0 MiB, GPT, SATA, Emulated disk; internal: an image counts as SATA; the first internal disk\n"
+        "  #  Start      Size       Type                Name                          Active  Letter  Label     File system  Condition  Hide  Role: reason\n"
+        "  1  1.0 MiB    40.0 MiB   maker's boot        Maker boot                    -       -       BOOT      FAT32        clean      hide  maker's boot: type\n"
+        "  2  41.0 MiB   40.0 MiB   Windows recovery    Windows RE                    -       C       WinRE     NTFS         clean      -     Windows RE: type and contents\n"
+        "  3  81.0 MiB   40.0 MiB   EFI system          EFI system partition          -       -       SYSTEM    FAT32        clean      hide  EFI system: type\n"
+        "  4  121.0 MiB  16.0 MiB   Microsoft reserved  Microsoft reserved partition  -       -       -         -            -          hide  -\n"
+        "  5  137.0 MiB  180.0 MiB  basic data          Basic data partition          -       D       Windows   NTFS         clean      -     installed Windows: contents\n"
+        "  6  317.0 MiB  80.0 MiB   Windows recovery    Recovery                      -       E       Recovery  NTFS         clean      -     recovery: type and contents\n"
+        "     397.0 MiB  3.0 MiB    free\n");
     EXPECT_TRUE(IsAsMade("factory-gpt.img"));
 }
 

@@ -1,4 +1,4 @@
-#include "tools/kestova/reports/questions.h"
+#include "tools/kestova/operations/questions.h"
 
 #include <algorithm>
 

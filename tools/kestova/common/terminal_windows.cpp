@@ -1,0 +1,14 @@
+#include "platform/windows_api.h"
+#include "tools/kestova/common/terminal.h"
+
+// A console shows colours only if it can be made to obey escape sequences.
+Terminal StandardOutput() {
+    const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    CONSOLE_SCREEN_BUFFER_INFO buffer = {};
+    if (!GetConsoleMode(console, &mode) || !GetConsoleScreenBufferInfo(console, &buffer)) return {};
+    constexpr DWORD obeysSequences = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
+    const bool showsColour = AllowsColour() && SetConsoleMode(console, mode | obeysSequences);
+    return {.columns = static_cast<size_t>(buffer.srWindow.Right - buffer.srWindow.Left + 1),
+            .showsColour = showsColour};
+}

@@ -1,0 +1,163 @@
+#include "tools/kestova/picture/status_text.h"
+
+#include <algorithm>
+
+#include "tools/kestova/picture/columns.h"
+
+namespace {
+
+std::string Or(const std::optional<std::string>& text, const char* none) {
+    return text.value_or(none);
+}
+
+std::string Or(const std::optional<int>& number, const char* none) {
+    return number ? std::to_string(*number) : none;
+}
+
+std::string Or(const std::optional<WCHAR>& letter, const char* none) {
+    return letter ? LetterText(*letter) : none;
+}
+
+std::string WindowsText(const std::optional<WindowsPlace>& windows) {
+    if (!windows) return "not found";
+    return LetterText(windows->letter) + ": disk " + std::to_string(windows->disk) + ", partition " +
+           std::to_string(windows->partition);
+}
+
+std::string EncryptedText(const std::optional<std::string>& letters) {
+    return letters == "" ? "none" : Or(letters, "BitLocker cannot be asked");
+}
+
+const char* NoActivePartition(const StatusReport& status) {
+    if (!status.internalDisk) return "-";
+    return status.isAllRead ? "none" : "unknown";
+}
+
+std::string RecordText(const std::optional<RecordReport>& record) {
+    return record ? record->words : "-";
+}
+
+// --- the disks ---
+
+bool HasName(const DiskReport& disk) {
+    return std::ranges::any_of(disk.partitions,
+                               [](const auto& partition) { return !partition.gptName.value_or("").empty(); });
+}
+
+bool HasOtherSlots(const DiskReport& disk) {
+    return std::ranges::any_of(disk.partitions, [](const PartitionReport& partition) {
+        return partition.slot && *partition.slot != partition.number;
+    });
+}
+
+bool SaysSomething(const Column& column, const DiskReport& disk) {
+    if (column.name == "name") return HasName(disk);
+    if (column.name == "slot") return HasOtherSlots(disk);
+    return true;
+}
+
+using Chosen = std::vector<const Column*>;
+
+std::vector<TableColumn> LooksOf(const Chosen& columns) {
+    std::vector<TableColumn> looks;
+    for (const Column* const column : columns)
+        looks.push_back(column->look);
+    return looks;
+}
+
+// Partitions and free space in the order of the disk.
+std::vector<std::vector<Cell>> RowsOf(const DiskReport& disk, const Chosen& columns, bool inBytes) {
+    struct Placed {
+        int64_t offset;
+        std::vector<Cell> row;
+    };
+    std::vector<Placed> placed;
+    for (const PartitionReport& partition : disk.partitions) {
+        placed.push_back({partition.offset, {}});
+        for (const Column* const column : columns)
+            placed.back().row.push_back(column->cell(partition, inBytes));
+    }
+    // Without the column that says so, nothing would show that the space is free.
+    const bool showsGaps =
+        std::ranges::any_of(columns, [](const Column* column) { return column->name == "type"; });
+    for (const Gap& gap : showsGaps ? disk.gaps : std::vector<Gap>()) {
+        placed.push_back({gap.offset, {}});
+        for (const Column* const column : columns)
+            placed.back().row.push_back({column->gap != nullptr ? column->gap(gap, inBytes) : ""});
+    }
+    std::ranges::stable_sort(placed, {}, &Placed::offset);
+    std::vector<std::vector<Cell>> rows;
+    for (Placed& each : placed)
+        rows.push_back(std::move(each.row));
+    return rows;
+}
+
+// Without --columns, those that say something; where the terminal is too narrow, fewer.
+Chosen ColumnsFor(const DiskReport& disk, const StatusLook& look) {
+    if (!look.columns.empty()) return ColumnsOf(look.columns);
+    Chosen chosen;
+    for (const Column& column : Columns()) {
+        if (column.isUsual && SaysSomething(column, disk)) chosen.push_back(&column);
+    }
+    const auto fits = [&] {
+        return LeastWidth(LooksOf(chosen), RowsOf(disk, chosen, look.inBytes)) <= look.terminal.columns;
+    };
+    for (size_t left = chosen.size(); left > 0 && !fits(); --left) {
+        const auto last = chosen.begin() + static_cast<std::ptrdiff_t>(left - 1);
+        if ((*last)->isDropped) chosen.erase(last);
+    }
+    return chosen;
+}
+
+std::string DiskText(const StatusReport& status, const DiskReport& disk, const StatusLook& look) {
+    const Cell name = {"Disk " + std::to_string(disk.number),
+                       status.internalDisk == disk.number ? Meant::Chosen : Meant::Plain};
+    const std::string line = ": " + Printable(DiskWords(disk, look.inBytes)) + "; " + InternalWords(disk);
+    std::string text = Coloured(name, look.terminal);
+    const std::string wrapped = Wrapped(name.text + line, look.terminal.columns);
+    text += wrapped.substr(name.text.size());
+    const Chosen columns = ColumnsFor(disk, look);
+    const auto rows = RowsOf(disk, columns, look.inBytes);
+    return rows.empty() ? text : text + FittedTable(LooksOf(columns), rows, look.terminal);
+}
+
+}  // namespace
+
+std::vector<std::vector<std::string>> HeadRows(const StatusReport& status) {
+    return {{"Firmware", status.firmware},
+            {"Running system", status.system},
+            {"Windows directory", Or(status.windowsDirectory, "unknown")},
+            {"Internal disk", Or(status.internalDisk, "unknown")},
+            {"Partition style", Or(status.style, "-")},
+            {"Active partition", Or(status.activePartition, NoActivePartition(status))},
+            {"Layout", status.layoutName},
+            {"Installed Windows", WindowsText(status.windows)},
+            {"Encrypted volumes", EncryptedText(status.encryptedVolumes)},
+            {"Recovery disc", Or(status.recoveryDisc, "none")},
+            {"Recovery stick", Or(status.recoveryStick, "none")},
+            {"Cache partition", status.cachePartition ? "yes" : "no"},
+            {"Record", RecordText(status.record)}};
+}
+
+std::string DiskWords(const DiskReport& disk, bool inBytes) {
+    std::string words = disk.size ? SizeWords(*disk.size, inBytes) : "of unknown size";
+    if (disk.sectorSize && *disk.sectorSize != 512)
+        words += " in sectors of " + std::to_string(*disk.sectorSize) + " bytes";
+    words += ", " + (disk.style == "none" ? "no partition table" : Or(disk.style, "unknown style"));
+    if (disk.bus) words += ", " + *disk.bus;
+    if (disk.model) words += ", " + *disk.model;
+    if (disk.serial) words += ", serial number " + *disk.serial;
+    return words;
+}
+
+std::string InternalWords(const DiskReport& disk) {
+    if (!disk.isInternal) return disk.reason;
+    return (*disk.isInternal ? "internal: " : "not internal: ") + disk.reason;
+}
+
+std::string StatusText(const StatusReport& status, const StatusLook& look) {
+    std::string text = look.tablesOnly ? "" : Table(HeadRows(status), "", look.terminal.columns);
+    for (const DiskReport& disk : status.disks)
+        text += (text.empty() ? "" : "\n") + DiskText(status, disk, look);
+    return text;
+}
