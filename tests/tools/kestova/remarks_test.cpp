@@ -119,6 +119,33 @@ TEST_F(Remarks, HiddenPartition_CallSetActive_RemarksThatItsWindowsDoesNotStart)
     EXPECT_THAT(Codes(Objects("--pc hidden.json status").back()), ElementsAre("hiddenActive"));
 }
 
+// An active hibernation partition is what the record then names.
+TEST_F(Remarks, HibernationPartitionActive_BootRecovery_RemarksOnTheRecord) {
+    json pc = Exclusive();
+    pc["disks"][0]["partitions"][1]["bootIndicator"] = 0;
+    pc["disks"][0]["partitions"][3]["bootIndicator"] = 1;
+    WriteFile("pc.json", pc.dump());
+    const Outcome outcome = Kestova("--pc pc.json --save pc.json boot recovery");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(
+        outcome.errors,
+        "kestova: SystemVolume.ini names partition 4, which is for hibernation; boot system makes that active\n");
+    EXPECT_THAT(Codes(Objects("--pc pc.json status").back()), ElementsAre("recordAtHibernation"));
+}
+
+TEST_F(Remarks, LogicalPartition_CallSetActive_RemarksThatNoPcStartsFromIt) {
+    json pc = Exclusive();
+    json& partitions = pc["disks"][0]["partitions"];
+    const json data = partitions[2];
+    partitions[2] = {{"number", 0}, {"offset", data["offset"]}, {"size", data["size"]}, {"mbrType", "0x0F"}};
+    partitions.push_back({{"number", 3}, {"offset", "216 GiB"}, {"size", "10 GiB"}, {"mbrType", 7}});
+    WriteFile("pc.json", pc.dump());
+    const Outcome outcome = Kestova("--pc pc.json call SetActive 3");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors,
+              "kestova: partition 3 is active and a logical one; a PC starts from primary partitions only\n");
+}
+
 TEST_F(Remarks, SecondDisk_TwoActiveFlags_NamesTheDisk) {
     ASSERT_EQ(Kestova("--pc winpe-two-disks --save two.json status").status, 0);
     json pc = json::parse(ReadFile("two.json"));

@@ -28,3 +28,10 @@ std::optional<DiskTable> ReadDiskTable(HANDLE disk, int64_t size, int64_t sector
 
 // Whether the entry has the active flag of an MBR.
 bool IsActive(const PARTITION_INFORMATION_EX& entry);
+
+// Whether an MBR type is that of a partition which Windows gets to see, with the bit that hides it.
+bool HasHiddenBit(BYTE type);
+
+// The numbers of an MBR disk's partitions that are inside an extended one, as far as the driver lists that.
+// Calls what ReadDiskLayout calls.
+std::vector<int> LogicalPartitions(int disk);

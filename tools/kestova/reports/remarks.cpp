@@ -1,17 +1,19 @@
 #include "tools/kestova/reports/remarks.h"
 
 #include <algorithm>
-#include <array>
 
+#include "base/utf.h"
+#include "manager/factory_layout.h"
+#include "manager/system_volume_ini.h"
+#include "platform/partition_types.h"
 #include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/reports/disk_layout.h"
 
 namespace {
 
-using Layout = std::vector<PARTITION_INFORMATION_EX>;
+constexpr int mostPrimaries = 4;
 
-// FAT and NTFS types with the bit that hides them.
-constexpr std::array<BYTE, 7> hiddenTypes = {0x11, 0x14, 0x16, 0x17, 0x1B, 0x1C, 0x1E};
+using Layout = std::vector<PARTITION_INFORMATION_EX>;
 
 void AddActiveFlags(const OpenedPc& pc, const Layout& layout, std::vector<Finding>& remarks) {
     const auto active = std::ranges::count_if(layout, IsActive);
@@ -26,11 +28,47 @@ void AddActiveFlags(const OpenedPc& pc, const Layout& layout, std::vector<Findin
 
 void AddHidden(const Layout& layout, std::vector<Finding>& remarks) {
     for (const PARTITION_INFORMATION_EX& entry : layout) {
-        if (!IsActive(entry) || std::ranges::count(hiddenTypes, entry.Mbr.PartitionType) == 0) continue;
+        if (!IsActive(entry) || !HasHiddenBit(entry.Mbr.PartitionType)) continue;
         remarks.push_back({"hiddenActive",
                            "partition " + std::to_string(entry.PartitionNumber) + " is active and hidden (" +
                                MbrTypeWords(entry.Mbr.PartitionType) + "); a Windows on it does not start"});
     }
+}
+
+// On an image the slot shows it.
+bool IsLogical(const OpenedPc& pc, int disk, int partition) {
+    const std::vector<PartitionFacts> facts = pc.FactsOf(disk).partitions;
+    const auto found = std::ranges::find(facts, partition, &PartitionFacts::number);
+    if (found != facts.end() && found->slot) return *found->slot > mostPrimaries;
+    return std::ranges::count(LogicalPartitions(disk), partition) != 0;
+}
+
+void AddLogical(const OpenedPc& pc, int disk, const Layout& layout, std::vector<Finding>& remarks) {
+    for (const PARTITION_INFORMATION_EX& entry : layout) {
+        const int number = static_cast<int>(entry.PartitionNumber);
+        if (!IsActive(entry) || !IsLogical(pc, disk, number)) continue;
+        remarks.push_back(
+            {"logicalActive", "partition " + std::to_string(number) +
+                                  " is active and a logical one; a PC starts from primary partitions only"});
+    }
+}
+
+void AddRecord(OpenedPc& pc, int disk, const Layout& layout, std::vector<Finding>& remarks) {
+    int recorded = 0;
+    bool isRecorded = false;
+    pc.LendLetter({.disk = disk, .partition = mbr_layout::recovery}, [&](char letter) {
+        const WideString file = WideString(1, static_cast<WCHAR>(letter)) + TEXT(":\\") + systemVolumeIni;
+        isRecorded = ReadRecordedPartition(file.c_str(), recorded);
+    });
+    if (!isRecorded) return;
+    const auto target =
+        std::ranges::find(layout, static_cast<DWORD>(recorded), &PARTITION_INFORMATION_EX::PartitionNumber);
+    if (target == layout.end() || target->PartitionStyle != PARTITION_STYLE_MBR ||
+        target->Mbr.PartitionType != MBR_ID_BIOS_HIBERNATION)
+        return;
+    remarks.push_back(
+        {"recordAtHibernation", ToUtf8(systemVolumeIni) + " names partition " + std::to_string(recorded) +
+                                    ", which is for hibernation; boot system makes that active"});
 }
 
 }  // namespace
@@ -42,6 +80,8 @@ std::vector<Finding> RemarksOn(OpenedPc& pc, int disk) {
         if (!layout) return;
         AddActiveFlags(pc, *layout, remarks);
         AddHidden(*layout, remarks);
+        AddLogical(pc, disk, *layout, remarks);
+        AddRecord(pc, disk, *layout, remarks);
     });
     return remarks;
 }

@@ -66,13 +66,8 @@ std::optional<std::string> WindowsDirectory(Questions& questions) {
     return std::nullopt;
 }
 
-// Of the partitions that Windows gets to see, and of the recovery partition that it does not.
 bool IsHiddenMbrType(BYTE type) {
-    constexpr BYTE hiddenBit = 0x10;
-    constexpr BYTE visible[] = {0x01, 0x04, 0x06, 0x07, 0x0B, 0x0C, 0x0E};
-    return type == MBR_ID_HIDDEN_RECOVERY ||
-           ((type & hiddenBit) != 0 &&
-            std::ranges::count(visible, static_cast<BYTE>(type & ~hiddenBit)) != 0);
+    return type == MBR_ID_HIDDEN_RECOVERY || HasHiddenBit(type);
 }
 
 constexpr DWORD64 gptHidden = 0x4000000000000000;
@@ -176,7 +171,6 @@ void AddDisk(StatusReport& status, Questions& questions) {
     if (!layout)
         questions.AddUnread("the partitions of " + DiskName(disk) + " cannot be read", GetLastError());
     AddPartitions(disk, layout, status, questions);
-    status.remarks = RemarksOn(questions.On().OnPc(), disk);
 }
 
 }  // namespace
@@ -193,6 +187,7 @@ StatusReport ReadStatus(Session& session, bool initialize) {
     AddRoles(status, questions);
     status.disks = ReadDisks(status, questions);
     status.record = ReadRecord(status, questions.On());
+    if (status.internalDisk) status.remarks = RemarksOn(questions.On().OnPc(), *status.internalDisk);
     status.problem = questions.Problems();
     return status;
 }

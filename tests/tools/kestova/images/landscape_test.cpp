@@ -212,4 +212,14 @@ constexpr Medium media[] = {
 INSTANTIATE_TEST_SUITE_P(Every, RecoveryMedium, testing::ValuesIn(media),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
+// With one primary partition the first logical one is number 2.
+TEST_F(Landscape, LogicalPartitionActive_Status_RemarksThatNoPcStartsFromIt) {
+    ASSERT_EQ(Shell("truncate -s 64M disk.img && printf 'label: dos\\n1: size=16MiB, type=7\\n"
+                    "2: size=40MiB, type=f\\n5: size=16MiB, type=7, bootable\\n' | sfdisk --quiet disk.img")
+                  .status,
+              0);
+    EXPECT_EQ(Kestova("--image disk.img status").errors,
+              "kestova: partition 2 is active and a logical one; a PC starts from primary partitions only\n");
+}
+
 }  // namespace
