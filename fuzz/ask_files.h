@@ -8,6 +8,7 @@
 inline void AskFiles(machine::VolumeStore& store) {
     std::string content;
     std::vector<machine::FileEntry> entries;
+    store.Check();
     store.Find("");
     store.List("", entries);
     store.List("sources", entries);

@@ -58,6 +58,10 @@ expect 0 --image factory-mbr.img "${media[@]}" --json --hash files F:/sources
 expect 0 --image factory-mbr.img check
 expect 1 --image factory-gpt.img check
 expect 1 --image factory-gpt.img boot recovery
+expect 0 --image factory-mbr.img --columns number,size,label --bytes status
+expect 0 --image factory-mbr.img report -o page.html
+expect 0 --image factory-gpt.img report -o page.html
+expect 0 --image factory-gpt.img --format markdown report
 
 expect 0 --image factory-mbr.img --dry-run boot recovery
 expect 0 --image factory-mbr.img boot recovery

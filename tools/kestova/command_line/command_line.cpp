@@ -29,6 +29,8 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
          {
              {"--json", "", "Answer in JSON", &line.json},
              {"--hash", "", "Show the SHA-256 of each file", &line.hash},
+             {"--output,-o", "FILE|-", "Write the report there; '-' shows it", &line.output},
+             {"--format", "html|markdown", "Of the report", &line.format},
              {"--bytes", "", "Show sizes in bytes", &line.bytes, "--json"},
              {"--columns", "LIST", "Show these columns, separated by commas", &line.columns, "--json"},
              {"--quiet", "", "Show no notes and remarks, and of status the disks only", &line.quiet},
@@ -50,7 +52,7 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
              {"--fail", "NAME[#N][+]=CODE",
               "Let a platform call fail: every one, the Nth, or the Nth and all later ones", &choice.faults},
              {"--save", "FILE", "Write the PC afterwards, as a description", &choice.save, "--dry-run"},
-             {"--overwrite", "", "Let --log and --save replace a file of any kind", &line.overwrite},
+             {"--overwrite", "", "Let --log, --save and -o replace a file of any kind", &line.overwrite},
              {"!--no-initialize", "", "Do not call Initialize first", &line.initialize},
              {"--help,-h", "", "Show this", &line.help},
              {"--version", "", "Show the version", &line.version},

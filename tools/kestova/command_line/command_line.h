@@ -17,6 +17,8 @@ struct CommandLine {
     bool json = false;
     bool initialize = true;
     bool hash = false;
+    std::string output;  // of `report`: a file, or "-"
+    std::string format;  // of `report`
     bool bytes = false;
     bool quiet = false;
     std::string columns;  // of `status`; empty: the usual ones

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "base/utf.h"
 #include "tools/kestova/command_line/completion.h"
 #include "tools/kestova/command_line/file_argument.h"
 #include "tools/kestova/command_line/help.h"
@@ -14,6 +15,7 @@
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/picture/columns.h"
+#include "tools/kestova/picture/report.h"
 #include "tools/kestova/picture/status_text.h"
 #include "tools/kestova/reports/remarks.h"
 
@@ -71,6 +73,52 @@ int Check(const CommandLine& line) {
                               const int status = ShowWithProblem(line, report);
                               return report.isPossible ? status : int{Failure};
                           }});
+}
+
+struct Format {
+    const char* name;
+    std::string (*text)(const PcReport& report);
+    bool isForTerminal;
+};
+
+constexpr Format formats[] = {{"html", HtmlPage, false}, {"markdown", MarkdownText, true}};
+
+const Format& FormatOf(const CommandLine& line) {
+    std::vector<std::string> names;
+    for (const Format& format : formats) {
+        if (line.format.empty() || line.format == format.name) return format;
+        names.emplace_back(format.name);
+    }
+    throw WrongUse("--format: " + UnknownWord("format", line.format, names));
+}
+
+std::vector<LoggedLine> Logged(LogCollector& collector) {
+    std::vector<LoggedLine> lines;
+    for (const LogEntry& entry : collector.Take()) {
+        std::string text = OneLine(ToUtf8(entry.Text()));
+        std::ranges::replace(text, '\t', ' ');
+        lines.push_back({entry.level, text});
+    }
+    return lines;
+}
+
+int Report(const CommandLine& line) {
+    const Format& format = FormatOf(line);
+    if (line.output.empty() && !format.isForTerminal)
+        throw WrongUse("report: name the file with --output, or standard output with --output -");
+    LogCollector collector(nullptr);
+    std::string page;
+    return RunOnPc(
+        line,
+        {.access = Access::Rehearse, .initialize = false, .output = &page, .run = [&](Session& session) {
+             PcReport report{.maker = "kestova " KESTOVA_VERSION};
+             report.status = ReadStatus(session, line.initialize);
+             report.check = CheckSwitch(session);
+             report.notes = session.OnPc().Notes();
+             report.log = Logged(collector);
+             page = format.text(report);
+             return ShowProblem(line, report.status);
+         }});
 }
 
 const std::vector<std::pair<std::string, std::string>>& BootTargets() {
@@ -267,12 +315,13 @@ std::string BootStatuses(size_t columns) {
 bool Uses(const Command& command, const std::string& option) {
     if (option == "--help" || option == "--version") return true;
     if (command.run == Help || command.run == Completion) return false;
-    if (option == "--json") return true;
+    if (option == "--output" || option == "--format") return command.run == Report;
+    if (option == "--json") return command.run != Report;
     const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
-    if (option == "--dry-run" && command.run == Check) return false;
+    if (option == "--dry-run" && (command.run == Check || command.run == Report)) return false;
     if (option == "--hash") return command.run == Files;
     if (option == "--bytes" || option == "--columns") return command.run == Status;
-    if (option == "--ledger" && runsNoOperation) return false;
+    if (option == "--ledger" && (runsNoOperation || command.run == Report)) return false;
     return command.usesPc && (command.traces || option != "--trace");
 }
 
@@ -285,6 +334,7 @@ const std::vector<Command>& Commands() {
          true, false, Files},
         {"check", "", "Whether this PC can boot its recovery partition and come back", 0, 0, true, false,
          Check},
+        {"report", "", "All of that and the log as a page to attach to a ticket", 0, 0, true, false, Report},
         {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},

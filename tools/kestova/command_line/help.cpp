@@ -48,6 +48,12 @@ const std::vector<CommandHelp>& CommandHelps() {
          "both switches in memory. Nothing is changed. Ends with 0 if the switch is possible, else with 1.",
          {{"--image disk.img check", "the disk in an image"},
           {"--image disk.img --json check", "the same for a script"}}},
+        {"report",
+         "Makes one page of what `status` and `check` show, with every disk drawn to scale and the log of the session: to "
+         "attach to a ticket, to print, or as Markdown for a chat. Nothing is changed, and the status is that of "
+         "`status`.",
+         {{"--image disk.img report -o report.html", "a page, whole in itself"},
+          {"--image disk.img --format markdown report", "for a chat"}}},
         {"boot",
          "Makes the recovery partition active and records the one that was active before (recovery), or makes the "
          "recorded one active again (system). For MBR disks.\n\n"

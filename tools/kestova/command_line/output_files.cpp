@@ -1,8 +1,12 @@
 #include "tools/kestova/command_line/output_files.h"
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/picture/report.h"
 
 namespace {
+
+// Bytes in which a report can be known by its beginning.
+constexpr size_t reportMark = 64;
 
 struct Kept {
     std::string path;
@@ -26,10 +30,10 @@ void Keep(const std::vector<Kept>& kept, const std::string& option, const std::o
 }
 
 // Otherwise this would fail only after the PC has been changed.
-void CheckSaveTarget(const OutputFile& save) {
-    if (!save.CanBeReplaced()) Refuse("--save", save, " is no plain file");
-    if (save.Folder().empty()) Refuse("--save", save, " cannot be written: its folder is missing");
-    if (!save.FolderTakesFiles()) Refuse("--save", save, " cannot be written: its folder takes no new file");
+void CheckTarget(const std::string& option, const OutputFile& file) {
+    if (!file.CanBeReplaced()) Refuse(option, file, " is no plain file");
+    if (file.Folder().empty()) Refuse(option, file, " cannot be written: its folder is missing");
+    if (!file.FolderTakesFiles()) Refuse(option, file, " cannot be written: its folder takes no new file");
 }
 
 // A level and a tab begin each line.
@@ -46,10 +50,23 @@ void CheckReplaces(const std::string& option, const OutputFile& output) {
         Refuse(option, output, " is neither empty nor a description nor a log; --overwrite replaces it");
 }
 
+// The same for a report, which replaces reports alone.
+void CheckReplacesReport(const OutputFile& output) {
+    const std::optional<std::string> text = output.Beginning(reportMark);
+    if (text && !text->empty() && !IsReport(*text))
+        Refuse("--output", output, " is neither empty nor a report; --overwrite replaces it");
+}
+
+void KeepApart(const std::string& option, const std::optional<OutputFile>& one,
+               const std::string& otherOption, const std::optional<OutputFile>& other) {
+    if (one && other && one->Is(*other)) Refuse(option, *one, " is the file that " + otherOption + " writes");
+}
+
 }  // namespace
 
 OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script) {
-    OutputFiles files{Find("--log", line.log == "-" ? "" : line.log), Find("--save", line.choice.save)};
+    OutputFiles files{Find("--log", line.log == "-" ? "" : line.log), Find("--save", line.choice.save),
+                      Find("--output", line.output == "-" ? "" : line.output)};
     std::vector<Kept> kept;
     for (const std::string& image : inputs.images)
         kept.push_back({image, "an image of this PC"});
@@ -61,10 +78,15 @@ OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, c
     Keep(kept, "--log", files.log);
     Keep({{inputs.description, "the description that --pc reads"}}, "--log", files.log);
     Keep(kept, "--save", files.save);
-    if (files.log && files.save && files.log->Is(*files.save))
-        Refuse("--log", *files.log, " is the file that --save writes");
-    if (files.save) CheckSaveTarget(*files.save);
+    Keep(kept, "--output", files.output);
+    Keep({{inputs.description, "the description that --pc reads"}}, "--output", files.output);
+    KeepApart("--log", files.log, "--save", files.save);
+    KeepApart("--log", files.log, "--output", files.output);
+    KeepApart("--save", files.save, "--output", files.output);
+    if (files.save) CheckTarget("--save", *files.save);
+    if (files.output) CheckTarget("--output", *files.output);
     if (files.save && !line.overwrite) CheckReplaces("--save", *files.save);
     if (files.log && !line.overwrite) CheckReplaces("--log", *files.log);
+    if (files.output && !line.overwrite) CheckReplacesReport(*files.output);
     return files;
 }

@@ -12,9 +12,10 @@
 struct OutputFiles {
     std::optional<OutputFile> log;
     std::optional<OutputFile> save;
+    std::optional<OutputFile> output;
 };
 
-// Changes nothing. Throws WrongUse when --log or --save names an image or its journal, the script, or each
-// other, when --log names the description, and when --save names something other than a plain file, or a
-// folder that does not exist. `script` may be empty.
+// Changes nothing. Throws WrongUse when one of them names an image or its journal, the script, or another of
+// them, when --log or --output names the description, and when --save or --output names something other than
+// a plain file, or a folder that does not exist. `script` may be empty.
 OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script);

@@ -102,7 +102,7 @@ ConfinedWork WorkOn(const CommandLine& line, const PcWork& work, const InputFile
     const bool writesImages = work.access == Access::Change && !line.choice.dryRun && !inputs.images.empty();
     return {.writesImages = writesImages,
             .writesDisks = writesImages && inputs.haveDisks,
-            .saves = !line.choice.save.empty(),
+            .saves = !line.choice.save.empty() || (!line.output.empty() && line.output != "-"),
             .imageBytes = inputs.imageBytes,
             .operations = work.operations};
 }
@@ -126,6 +126,14 @@ void ShowBackups(const CommandLine& line, const OpenedPc& pc) {
     if (line.json) return;
     for (const std::string& backup : pc.Backups())
         std::cout << PrintableText(BackupText(backup));
+}
+
+void WriteOutput(const std::string& text, OutputFiles& files) {
+    if (!files.output) {
+        std::cout << text << std::flush;
+    } else if (!files.output->Replace(text)) {
+        throw Failed(files.output->Path() + ": cannot be written");
+    }
 }
 
 }  // namespace
@@ -163,5 +171,6 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     ShowBackups(line, pc);
     if (!log.Close()) status = ShowProblem(line, line.log + ": cannot be written");
     if (files.save) pc.Save(*files.save);
+    if (work.output != nullptr) WriteOutput(*work.output, files);
     return status;
 }

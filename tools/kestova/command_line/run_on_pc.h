@@ -18,6 +18,8 @@ struct PcWork {
     bool showChanges = false;  // also without --dry-run
     std::string script = {};   // the file that the work was read from
     size_t operations = 1;
+    // What `run` makes for the file of --output, or for standard output; null: nothing.
+    const std::string* output = nullptr;
     std::function<int(Session& session)> run;  // returns the exit status
 };
 

@@ -42,26 +42,27 @@ struct Gap {
 
 struct DiskReport {
     int number = 0;
-    std::optional<std::string> bus;  // in words
-    std::optional<std::string> model;
-    std::optional<std::string> serial;
-    std::optional<int64_t> size;        // bytes
-    std::optional<int64_t> sectorSize;  // bytes
-    std::optional<std::string> style;   // "MBR", "GPT", "none"
-    std::optional<bool> isInternal;  // by its bus, as the service's list counts; nothing if that is unknown
-    std::string reason;              // why, in words
-    std::vector<PartitionReport> partitions;  // in table order; label, file system also without a letter
-    std::vector<Gap> gaps;                    // in their order on the disk
+    std::optional<std::string> bus = {};  // in words
+    std::optional<std::string> model = {};
+    std::optional<std::string> serial = {};
+    std::optional<int64_t> size = {};        // bytes
+    std::optional<int64_t> sectorSize = {};  // bytes
+    std::optional<std::string> style = {};   // "MBR", "GPT", "none"
+    // By its bus, as the service's list counts; nothing if that is unknown.
+    std::optional<bool> isInternal = {};
+    std::string reason = {};                       // why, in words
+    std::vector<PartitionReport> partitions = {};  // in table order; label, file system also without a letter
+    std::vector<Gap> gaps = {};                    // in their order on the disk
 };
 
 // The record of the partition that was active before the recovery partition.
 struct RecordReport {
     int partition = 0;  // that holds it, or would
     bool exists = false;
-    std::optional<int> recorded;  // nothing without a number in it
-    std::optional<int>
-        bootSystem;     // the partition that `boot system` makes active; nothing if it changes none
-    std::string words;  // what it holds, and where `boot system` would go
+    std::optional<int> recorded = {};  // nothing without a number in it
+    // The partition that `boot system` makes active; nothing if it changes none.
+    std::optional<int> bootSystem = {};
+    std::string words = {};  // what it holds, and where `boot system` would go
 };
 
 // Where the installed Windows is.

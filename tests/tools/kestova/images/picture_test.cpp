@@ -166,7 +166,8 @@ TEST_F(PictureOfImages, HibernatedNtfs_Status_SaysSo) {
 
 TEST_F(PictureOfImages, DamagedAndEncryptedVolumes_Status_SaysSo) {
     Take("factory-mbr.img");
-    Change(181, 90, "dd if=/dev/zero of=part bs=4096 seek=4 count=16 conv=notrunc status=none");
+    // The record of the root folder.
+    Change(181, 90, "dd if=/dev/zero of=part bs=1024 seek=21 count=1 conv=notrunc status=none");
     EXPECT_EQ(Condition(3), "damaged");
     Take("bitlocker.img");
     EXPECT_EQ(Condition(2), "BitLocker");
@@ -205,13 +206,11 @@ TEST_F(PictureOfImages, TwoImages_Status_ShowsBothInTheirOrder) {
 }
 
 TEST_F(PictureOfImages, SectorsOf4096Bytes_Status_SaysSo) {
-    ASSERT_EQ(Shell("truncate -s 300M disk.img && sfdisk --quiet --sector-size 4096 disk.img <<'END'\n"
-                    "label: gpt\nstart=1MiB, size=40MiB, type=EBD0A0A2-B9E5-4433-87C0-68B6B72699C7\nEND\n")
-                  .status,
-              0);
-    EXPECT_EQ(Disk()["sectorSize"], 4096);
-    EXPECT_THAT(Kestova("--image disk.img status").output,
-                HasSubstr("300.0 MiB in sectors of 4096 bytes, GPT"));
+    MakeDisk("label: dos\nstart=256, size=512, type=7\n");
+    EXPECT_EQ(Disk()["sectorSize"], 512);
+    EXPECT_EQ(Disk("--sector-size 4096")["sectorSize"], 4096);
+    EXPECT_THAT(Kestova("--image disk.img --sector-size 4096 status").output,
+                HasSubstr("300.0 MiB in sectors of 4096 bytes, MBR"));
 }
 
 }  // namespace

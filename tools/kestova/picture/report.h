@@ -1,0 +1,59 @@
+// Everything about a PC that somebody who helps from afar wants to see, for a page or a message.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/kestova/reports/status.h"
+#include "tools/kestova/reports/switch_check.h"
+
+struct LoggedLine {
+    int level = 0;
+    std::string text = {};  // UTF-8, on one line, without tabs
+
+    bool IsError() const { return level == 1; }
+};
+
+struct PcReport {
+    std::string maker = {};  // the program, with its version
+    StatusReport status = {};
+    SwitchReport check = {};
+    std::vector<std::string> notes = {};  // of the PC that was opened
+    std::vector<LoggedLine> log = {};     // of the session
+};
+
+// Problems, remarks and notes in this order, the problems marked.
+struct Remark {
+    std::string text;
+    bool isProblem;
+};
+std::vector<Remark> RemarksOf(const PcReport& report);
+
+// A partition or free space, in the order of the disk.
+struct Piece {
+    int64_t offset = 0;                          // bytes
+    int64_t size = 0;                            // bytes
+    const PartitionReport* partition = nullptr;  // null: free
+};
+std::vector<Piece> PiecesOf(const DiskReport& disk);
+
+// "partition 2: NTFS (0x07), 200.0 GiB, C, Windows, active, installed Windows".
+std::string PieceWords(const Piece& piece);
+
+// Whether a condition is one that bars a change.
+bool IsBarring(const PartitionReport& partition);
+
+// The table of a disk's partitions: its titles, and a row for each piece.
+std::vector<std::string> PieceTitles();
+std::vector<std::string> PieceRow(const Piece& piece);
+
+// "yes", "no", or "-" for a condition that was not looked at.
+const char* AnswerWord(const ConditionReport& condition);
+
+// The page, whole in itself: no script, nothing from elsewhere.
+std::string HtmlPage(const PcReport& report);
+// The same for a chat.
+std::string MarkdownText(const PcReport& report);
+
+// How a page or a text of this program begins, whatever its version.
+bool IsReport(const std::string& text);
