@@ -1,6 +1,7 @@
 #include "tools/kestova/common/terminal.h"
 
 #include <cstdlib>
+#include <iostream>
 #include <string_view>
 
 size_t ColumnsOfEnvironment() {
@@ -14,4 +15,13 @@ bool AllowsColour() {
     const char* const kind = std::getenv("TERM");
     const bool isDumb = kind != nullptr && std::string_view(kind) == "dumb";
     return (noColour == nullptr || *noColour == '\0') && !isDumb;
+}
+
+std::optional<bool> AskOnTerminal(const std::string& question) {
+    if (!CanAsk()) return std::nullopt;
+    std::cerr << PrintableText(question) << " [y/N] ";
+    std::string answer;
+    std::getline(std::cin, answer);
+    if (answer.ends_with('\r')) answer.pop_back();
+    return answer == "y" || answer == "yes";
 }

@@ -1,5 +1,8 @@
-// The terminal that standard output is, if it is one.
+// The terminal that standard output is, if it is one; and the one on which a question can be asked.
 #pragma once
+
+#include <optional>
+#include <string>
 
 #include "tools/kestova/common/text.h"
 
@@ -10,6 +13,13 @@ struct Terminal {
 
 // The width is the terminal's own, else that of COLUMNS.
 Terminal StandardOutput();
+
+// Asks on standard error and reads the answer from standard input: whether it is "y" or "yes". Nothing, and
+// no question, unless both are a terminal.
+std::optional<bool> AskOnTerminal(const std::string& question);
+
+// Whether both are one.
+bool CanAsk();
 
 // What both systems have in common: a width from COLUMNS, and whether NO_COLOR allows colour.
 size_t ColumnsOfEnvironment();

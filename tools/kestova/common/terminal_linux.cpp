@@ -9,3 +9,7 @@ Terminal StandardOutput() {
     const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
     return {.columns = isKnown ? size.ws_col : ColumnsOfEnvironment(), .showsColour = AllowsColour()};
 }
+
+bool CanAsk() {
+    return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
+}

@@ -12,3 +12,9 @@ Terminal StandardOutput() {
     return {.columns = static_cast<size_t>(buffer.srWindow.Right - buffer.srWindow.Left + 1),
             .showsColour = showsColour};
 }
+
+bool CanAsk() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) &&
+           GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode);
+}

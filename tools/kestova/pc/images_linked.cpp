@@ -1,13 +1,10 @@
-#include <unistd.h>
-
-#include <iostream>
-
 #include "machine/media/device/disk_identity.h"
 #include "machine/media/device/disk_server.h"
 #include "machine/media/given_images.h"
 #include "machine/media/hive/hivex_reader.h"
 #include "machine/media/medium_image.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/terminal.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
 
@@ -68,15 +65,14 @@ ComputerDisk IdentityOfDisk(const std::string& image) {
 }
 
 bool ConfirmDisks(const std::vector<std::string>& images) {
-    if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return false;
+    bool isConfirmed = false;
     for (const std::string& image : images) {
         if (!machine::IsDisk(image)) continue;
-        std::cerr << DiskText(image) << " is a disk of this computer. Change it? [y/N] ";
-        std::string answer;
-        std::getline(std::cin, answer);
-        if (answer != "y" && answer != "yes") throw Failed(image + ": nothing was changed");
+        const auto answer = AskOnTerminal(DiskText(image) + " is a disk of this computer. Change it?");
+        if (answer == false) throw Failed(image + ": nothing was changed");
+        isConfirmed = answer.has_value();
     }
-    return true;
+    return isConfirmed;
 }
 
 machine::Recovery RecoverChange(const std::string& path, const machine::ImageUse& use) {

@@ -1,6 +1,7 @@
 // A build for Windows: the real PC, unless the command line names an emulated one.
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/terminal.h"
 #include "tools/kestova/pc/opened_pc.h"
 
 namespace {
@@ -19,6 +20,12 @@ void RefuseOnRealPc(bool given, const char* option) {
                    "program runs on");
 }
 
+// A script is not asked.
+void Confirm() {
+    if (AskOnTerminal("This changes the PC that the program runs on. Go on?") == false)
+        throw Failed("nothing was changed");
+}
+
 }  // namespace
 
 std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access) {
@@ -33,5 +40,6 @@ std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access) {
     RefuseOnRealPc(choice.ledger, "--ledger");
     RefuseOnRealPc(!choice.faults.empty(), "--fail");
     RefuseOnRealPc(!choice.save.empty(), "--save");
+    if (access == Access::Change && !choice.yes) Confirm();
     return OpenRealPc();
 }
