@@ -31,8 +31,9 @@ std::string ErrorAsJson(const std::string& message, int status);
 
 // What is known only when everything is over.
 struct EndReport {
-    std::optional<std::map<std::string, int>> ledger;  // the number of each kind; nothing if nobody asked
-    std::vector<FaultCount> faults;                    // of the choice
+    std::optional<std::map<std::string, int>> ledger =
+        {};                               // the number of each kind; nothing if nobody asked
+    std::vector<FaultCount> faults = {};  // of the choice
 };
 
 // The line of an object with the keys "faultsMet", "remarks" and "ledger", as far as there is something.
