@@ -40,8 +40,8 @@ hibernation), which letters they have, and makes the PC boot its recovery
 partition or Windows again: on disk images, virtual disks and disks of this
 computer. What it changes is whole or not there, and can be taken back.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Opens virtual disks.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS qemu-utils)
+# They open virtual disks and E01 images; the program says which of them an image needs.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qemu-utils, libnbd0, libewf2")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_VERBATIM_VARIABLES ON)

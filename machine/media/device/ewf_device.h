@@ -10,6 +10,9 @@
 
 namespace machine {
 
+// Loads the library that reads the format, as the first device does otherwise. Throws LibraryMissing.
+void LoadEwf();
+
 class EwfDevice final : public BlockDevice {
   public:
     // Of the first segment; the others are beside it. Throws ImageError if one is missing or damaged.
@@ -22,7 +25,7 @@ class EwfDevice final : public BlockDevice {
 
   private:
     struct Freeing {
-        void operator()(libewf_handle_t* handle) const { libewf_handle_free(&handle, nullptr); }
+        void operator()(libewf_handle_t* handle) const;
     };
     std::unique_ptr<libewf_handle_t, Freeing> handle_;
     uint64_t size_ = 0;

@@ -222,16 +222,27 @@ bool HasBootSignature(const OpenedFile& file) {
     return file.Bytes(510, 2) == "\x55\xAA"sv;
 }
 
+// Null of a raw disk.
+const Row* FindRow(const OpenedFile& file) {
+    if (HasBootSignature(file)) return nullptr;
+    const Row* const row = std::find_if(std::begin(rows), std::end(rows), [&](const Row& candidate) {
+        return file.Bytes(candidate.at, candidate.signature.size()) == candidate.signature;
+    });
+    return row != std::end(rows) ? row : nullptr;
+}
+
 }  // namespace
+
+OpenedBy SignedFor(const std::string& path) {
+    const Row* const row = FindRow(OpenedFile(path));
+    return row != nullptr ? row->device : OpenedBy::File;
+}
 
 ImageFormat FormatOf(const std::string& path) {
     const OpenedFile file(path);
     if (IsFixedVhd(file)) return {.bytesAfterDisk = footerLength};
-    if (HasBootSignature(file)) return {};
-    const Row* const row = std::find_if(std::begin(rows), std::end(rows), [&](const Row& candidate) {
-        return file.Bytes(candidate.at, candidate.signature.size()) == candidate.signature;
-    });
-    if (row == std::end(rows)) return {};
+    const Row* const row = FindRow(file);
+    if (row == nullptr) return {};
     const std::string reason = WhyNot(*row, file);
     if (!reason.empty()) throw ImageError(path + ": " + reason);
     return {.device = row->device, .server = row->server != nullptr ? row->server : ""};

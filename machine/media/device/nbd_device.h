@@ -10,6 +10,9 @@ struct nbd_handle;
 
 namespace machine {
 
+// Loads the library that speaks with the server, as the first device does otherwise. Throws LibraryMissing.
+void LoadNbd();
+
 class NbdDevice final : public BlockDevice {
   public:
     // `format` as qemu names it. For writing, locks the file against other users as long as this object

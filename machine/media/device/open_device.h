@@ -3,10 +3,17 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "machine/media/device/block_device.h"
 
 namespace machine {
+
+// Before the program gives up starting others and loading code: starts and loads what the formats of these
+// files need, or what any format needs. A library that is missing is reported by what opens the image. Throws
+// ImageError if the process for virtual disks cannot be started.
+void PrepareToOpen(const std::vector<std::string>& paths);
+void PrepareToOpenAny();
 
 // By what the file is. Throws ImageError; also for writing to a disk of this computer unless the user has
 // confirmed that.

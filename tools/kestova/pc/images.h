@@ -8,8 +8,9 @@
 #include "machine/media/disk_image.h"
 #include "tools/kestova/pc/opened_pc.h"
 
-// Before the program gives up starting others, and when all images are open: virtual disks are opened by
-// another program. Does nothing where none of the options names an image or a description. Throws Failed.
+// Before the program gives up starting others and loading code, and when all images are open: virtual disks
+// are opened by another program, and these and E01 images by libraries that other images do without. Throws
+// Failed.
 void BeginOpening(const PcChoice& choice);
 void EndOpening();
 
@@ -22,8 +23,9 @@ struct LinkedLibrary {
     const char* licence;
 };
 
-// What the image part links; nothing if this build has none.
+// What the image part links, and what it loads for the images that need it; nothing if this build has none.
 std::vector<LinkedLibrary> ImageLibraries();
+std::vector<LinkedLibrary> LateImageLibraries();
 
 // Whether an image is a disk of this computer; false if this build has no image part.
 bool IsDiskOfComputer(const std::string& image);

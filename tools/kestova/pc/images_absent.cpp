@@ -27,6 +27,10 @@ std::vector<LinkedLibrary> ImageLibraries() {
     return {};
 }
 
+std::vector<LinkedLibrary> LateImageLibraries() {
+    return {};
+}
+
 bool IsDiskOfComputer(const std::string&) {
     return false;
 }

@@ -1,5 +1,6 @@
 #include "machine/media/device/disk_identity.h"
 #include "machine/media/device/disk_server.h"
+#include "machine/media/device/open_device.h"
 #include "machine/media/given_images.h"
 #include "machine/media/hive/hivex_reader.h"
 #include "machine/media/medium_image.h"
@@ -22,9 +23,11 @@ std::string DiskText(const std::string& path) {
 }  // namespace
 
 void BeginOpening(const PcChoice& choice) {
-    if (choice.images.empty() && choice.discs.empty() && choice.sticks.empty() && choice.pc.empty()) return;
     try {
-        machine::KeepDiskServerStarter();
+        for (const auto* paths : {&choice.images, &choice.discs, &choice.sticks})
+            machine::PrepareToOpen(*paths);
+        // A description can name images of any format.
+        if (!choice.pc.empty() && !IsMachine(choice.pc)) machine::PrepareToOpenAny();
     } catch (const machine::ImageError& error) {
         throw Failed(error.what());
     }
@@ -48,11 +51,11 @@ std::string UsualJournal(const std::string& image) {
 }
 
 std::vector<LinkedLibrary> ImageLibraries() {
-    return {{"libntfs-3g", "GPL-2.0-or-later"},
-            {"libhivex", "LGPL-2.1"},
-            {"libnbd", "LGPL-2.1-or-later"},
-            {"libewf", "LGPL-3.0-or-later"},
-            {"zlib", "zlib"}};
+    return {{"libntfs-3g", "GPL-2.0-or-later"}, {"libhivex", "LGPL-2.1"}, {"zlib", "zlib"}};
+}
+
+std::vector<LinkedLibrary> LateImageLibraries() {
+    return {{"libnbd", "LGPL-2.1-or-later"}, {"libewf", "LGPL-3.0-or-later"}};
 }
 
 bool IsDiskOfComputer(const std::string& image) {

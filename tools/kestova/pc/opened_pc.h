@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/kestova/common/output_file.h"
@@ -41,6 +42,9 @@ enum class Access { Ask, Rehearse, Change };
 
 // A description is small; a larger file is some other file.
 inline constexpr size_t largestDescription = size_t{16} << 20;
+
+// Whether a machine of that name comes with the tool.
+bool IsMachine(std::string_view name);
 
 // Whether the text describes a PC.
 bool IsDescription(const std::string& text);

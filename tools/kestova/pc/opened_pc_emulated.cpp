@@ -325,6 +325,10 @@ void EmulatedOne::Save(OutputFile& file) const {
 
 }  // namespace
 
+bool IsMachine(std::string_view name) {
+    return FindMachine(name) != nullptr;
+}
+
 bool IsDescription(const std::string& text) {
     try {
         machine::ReadDescription(text, "");
