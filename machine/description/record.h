@@ -146,7 +146,9 @@ struct RecordOrImage {
     }
     static void Describe(Output out) {
         const Output values = schema::AnyOf(out);
-        DescribeRecord(type, values.Entry());
+        const Output described = values.Entry();
+        DescribeRecord(type, described);
+        schema::ForbidKey(described, "image");
         DescribeRecord(typeOnImage, values.Entry());
     }
 };

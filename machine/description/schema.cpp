@@ -49,6 +49,14 @@ void RequireKey(Output out, std::string_view key) {
     out.Key("required").Entry().Text(std::string(key));
 }
 
+void ForbidKey(Output out, std::string_view key) {
+    const Output forbidden = out.Key("not");
+    forbidden.Object();
+    const Output keys = forbidden.Key("required");
+    keys.List();
+    keys.Entry().Text(std::string(key));
+}
+
 Output Map(Output out) {
     out.Object();
     out.Key("type").Text("object");

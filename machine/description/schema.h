@@ -22,6 +22,7 @@ inline constexpr std::string_view sizeText = "^([0-9]+|0[xX][0-9A-Fa-f]+)( ?[KMG
 // An object with no other keys than those that the caller describes in what is returned.
 Output Object(Output out);
 void RequireKey(Output out, std::string_view key);
+void ForbidKey(Output out, std::string_view key);
 
 // An object with any keys, each of which has the value that the caller describes in what is returned.
 Output Map(Output out);

@@ -108,6 +108,30 @@ const Mistake mistakes[] = {
 INSTANTIATE_TEST_SUITE_P(Each, WrongUse, testing::ValuesIn(mistakes),
                          [](const auto& tested) { return tested.param.name; });
 
+TEST_F(Json, Schema_EachNamedMachine_IsValid) {
+    WriteFile("schema.json", Kestova("--schema").output);
+    std::istringstream machines(Shell("'" KESTOVA_PROGRAM "' pcs | cut -d ' ' -f 1").output);
+    int count = 0;
+    for (std::string name; machines >> name; ++count) {
+        ASSERT_EQ(Kestova("--save pc.json --overwrite status --pc " + name).status, 0) << name;
+        EXPECT_EQ(Shell("jsonschema -i pc.json schema.json").output, "") << name;
+        EXPECT_EQ(Shell("jsonschema -i pc.json schema.json").status, 0) << name;
+    }
+    EXPECT_GT(count, 3);
+}
+
+TEST_F(Json, Schema_DescriptionWithAMistake_IsInvalid) {
+    WriteFile("schema.json", Kestova("--schema").output);
+    for (const std::string mistake :
+         {R"({"nmae": "x"})", R"({"disks": [{"busType": "sata"}]})",
+          R"({"disks": [{"number": 0, "size": "15GB"}]})", R"({"firmware": {"kind": "uefy"}})",
+          R"({"volumes": [{"letters": "c"}]})",
+          R"({"disks": [{"number": 0, "image": "x.img", "size": 512}]})"}) {
+        WriteFile("pc.json", mistake);
+        EXPECT_NE(Shell("jsonschema -i pc.json schema.json").status, 0) << mistake;
+    }
+}
+
 // A script reads each of them as an object of its own line.
 TEST_F(Json, EachKindOfError_InJson_IsAnObjectWithItsStatus) {
     const std::vector<std::pair<std::string, Outcome>> errors = {

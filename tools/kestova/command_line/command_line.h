@@ -24,6 +24,7 @@ struct CommandLine {
     std::string columns;  // of `status`; empty: the usual ones
     bool help = false;
     bool version = false;
+    bool schema = false;
 };
 
 // Whether the words ask for JSON; also of a command line that is wrong.

@@ -314,6 +314,7 @@ std::string BootStatuses(size_t columns) {
 
 bool Uses(const Command& command, const std::string& option) {
     if (option == "--help" || option == "--version") return true;
+    if (option == "--schema") return false;
     if (command.run == Help || command.run == Completion) return false;
     if (option == "--output" || option == "--format") return command.run == Report;
     if (option == "--json") return command.run != Report;

@@ -24,6 +24,10 @@ int Run(const CommandLine& line) {
         std::cout << VersionText();
         return Done;
     }
+    if (line.schema && line.command.empty()) {
+        std::cout << DescriptionSchema();
+        return Done;
+    }
     return FindCommand(line).run(line);
 }
 

@@ -49,6 +49,9 @@ bool IsMachine(std::string_view name);
 // Whether the text describes a PC.
 bool IsDescription(const std::string& text);
 
+// The JSON Schema of a description.
+std::string DescriptionSchema();
+
 // The files that a PC is read from.
 struct InputFiles {
     std::string description;  // empty without one

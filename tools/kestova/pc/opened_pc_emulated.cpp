@@ -338,6 +338,10 @@ bool IsDescription(const std::string& text) {
     }
 }
 
+std::string DescriptionSchema() {
+    return machine::DescriptionSchema();
+}
+
 std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access) {
     return std::make_unique<EmulatedOne>(choice, access);
 }
