@@ -112,10 +112,12 @@ void WriteRecord(const RecordType<Record>& type, Output out, const Record& recor
 template <typename Record>
 void DescribeRecord(const RecordType<Record>& type, Output out) {
     const Output properties = schema::Object(out);
+    const auto isSupplied = [&](const Field<Record>& field) { return type.onImage && field.suppliedByImage; };
     for (const Field<Record>& field : type.fields) {
-        if (type.onImage && field.suppliedByImage) continue;
-        field.access.describe(properties.Key(field.key));
-        if (field.presence == Presence::Required) schema::RequireKey(out, field.key);
+        if (!isSupplied(field)) field.access.describe(properties.Key(field.key));
+    }
+    for (const Field<Record>& field : type.fields) {
+        if (!isSupplied(field) && field.presence == Presence::Required) schema::RequireKey(out, field.key);
     }
 }
 
