@@ -6,7 +6,12 @@
 set -euo pipefail
 tool=$1 images=$2
 folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+disk=
+clean_up() {
+    [ -z "$disk" ] || losetup --detach "$disk"
+    rm -rf "$folder"
+}
+trap clean_up EXIT
 for image in factory-mbr.img factory-gpt.img installed-windows.img disc-iso.iso disc-udf.iso stick-fat32.img stick-ntfs.img; do
     cp --sparse=always "$images/$image" "$folder"
 done
@@ -92,6 +97,17 @@ expect 0 --image factory-gpt.img repair-table
 expect 0 undo factory-gpt.img.kestova-backup-1
 expect 0 --image factory-gpt.img repair-table
 expect 0 --image factory-gpt.img call DisableOrvoBootPartition
+
+# A disk of this computer, where one can be made.
+cp --sparse=always "$images/factory-mbr.img" loop.img
+if disk=$(losetup --show --find loop.img 2>/dev/null); then
+    expect 0 --image "$disk" status
+    expect 0 --image "$disk" --yes --journal loop.journal --backup loop.backup boot recovery
+    expect 0 --image "$disk" --yes --journal loop.journal --no-backup undo loop.backup
+else
+    disk=
+    printf 'skipped: no loop device can be set up here\n'
+fi
 
 [ "$failed" -eq 0 ] || exit 1
 printf '%s commands of the plain tool\n' "$number"
