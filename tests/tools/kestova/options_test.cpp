@@ -132,6 +132,46 @@ TEST_F(Json, Schema_DescriptionWithAMistake_IsInvalid) {
     }
 }
 
+// What each command writes, with as many of its keys as it can have.
+TEST_F(Json, Schema_EachCommand_IsThatOfItsOutput) {
+    const std::vector<std::pair<std::string, std::string>> commands = {
+        {"status", "--pc factory-gpt --ledger --fail DeleteFileW=5 status"},
+        {"status", "--pc two.json status"},
+        {"letters", "--pc winpe-media letters"},
+        {"letters", "--pc winpe-media --fail RegQueryValueExW=5 letters"},
+        {"files", "--pc factory-mbr --hash files 'C:\\Windows'"},
+        {"check", "--pc factory-mbr check"},
+        {"boot", "--pc factory-gpt boot recovery"},
+        {"boot", "--pc factory-mbr --trace --fail GetDriveTypeW#1=3 boot recovery"},
+        {"call", "--pc factory-mbr call GetDriveLetter 0 9"},
+        {"call", "--pc factory-mbr --fail PathFileExistsW=5 call IsVistaOS C"},
+        {"run", "--pc factory-mbr run script"},
+        {"operations", "operations"},
+        {"pcs", "pcs"},
+        {"calls", "calls"},
+    };
+    WriteFile("script", "SetActive 3\nGetWinDriveLetters\n");
+    ASSERT_EQ(Kestova("--pc factory-mbr --save two.json call SetActive 3").status, 0);
+    for (const auto& [command, words] : commands) {
+        WriteFile("schema.json", Kestova(command + " --schema").output);
+        std::istringstream lines(Kestova("--json " + words).output);
+        std::string instances;
+        int number = 0;
+        for (std::string line; std::getline(lines, line); ++number) {
+            WriteFile("line" + std::to_string(number), line);
+            instances += " -i line" + std::to_string(number);
+        }
+        EXPECT_GT(number, 0) << words;
+        const Outcome outcome = Shell("jsonschema" + instances + " schema.json");
+        EXPECT_EQ(outcome.status, 0) << words << outcome.errors << outcome.output;
+    }
+}
+
+TEST_F(Json, Schema_CommandWithoutJson_IsWrongUse) {
+    EXPECT_EQ(Kestova("help --schema").errors,
+              "kestova: help writes no JSON\n(kestova --help tells what there is)\n");
+}
+
 // A script reads each of them as an object of its own line.
 TEST_F(Json, EachKindOfError_InJson_IsAnObjectWithItsStatus) {
     const std::vector<std::pair<std::string, Outcome>> errors = {

@@ -57,7 +57,8 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
              {"!--no-initialize", "", "Do not call Initialize first", &line.initialize},
              {"--help,-h", "", "Show this", &line.help},
              {"--version", "", "Show the version", &line.version},
-             {"--schema", "", "Show the JSON Schema of a description of a PC", &line.schema},
+             {"--schema", "", "Show the JSON Schema of what a command writes; of a description without one",
+              &line.schema},
          }},
     };
 }

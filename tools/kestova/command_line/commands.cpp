@@ -18,6 +18,7 @@
 #include "tools/kestova/picture/report.h"
 #include "tools/kestova/picture/status_text.h"
 #include "tools/kestova/reports/remarks.h"
+#include "tools/kestova/schema/output_keys.h"
 
 namespace {
 
@@ -314,7 +315,7 @@ std::string BootStatuses(size_t columns) {
 
 bool Uses(const Command& command, const std::string& option) {
     if (option == "--help" || option == "--version") return true;
-    if (option == "--schema") return false;
+    if (option == "--schema") return FindOutput(command.name) != nullptr;
     if (command.run == Help || command.run == Completion) return false;
     if (option == "--output" || option == "--format") return command.run == Report;
     if (option == "--json") return command.run != Report;

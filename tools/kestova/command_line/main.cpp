@@ -12,8 +12,15 @@
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
 #include "tools/kestova/process/program_start.h"
+#include "tools/kestova/schema/output_schema.h"
 
 namespace {
+
+std::string SchemaOf(const Command& command) {
+    const CommandOutput* const output = FindOutput(command.name);
+    if (output == nullptr) throw WrongUse(std::string(command.name) + " writes no JSON");
+    return OutputSchema(*output);
+}
 
 int Run(const CommandLine& line) {
     if (line.help) {
@@ -24,8 +31,8 @@ int Run(const CommandLine& line) {
         std::cout << VersionText();
         return Done;
     }
-    if (line.schema && line.command.empty()) {
-        std::cout << DescriptionSchema();
+    if (line.schema) {
+        std::cout << (line.command.empty() ? DescriptionSchema() : SchemaOf(CommandOfName(line.command)));
         return Done;
     }
     return FindCommand(line).run(line);

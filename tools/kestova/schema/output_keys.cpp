@@ -1,0 +1,218 @@
+#include "tools/kestova/schema/output_keys.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr OutputKey statusKeys[] = {
+    {"firmware", "string", "BIOS or UEFI"},
+    {"system", "string", "that is running: Windows, Windows PE, or unknown"},
+    {"windowsDirectory", "string|null", "of the running system"},
+    {"internalDisk", "integer|null", "number of the first internal disk"},
+    {"style", "string|null", "of its table: MBR, GPT, or unknown"},
+    {"activePartition", "integer|null", "its number"},
+    {"partitions[].number", "integer", "as Windows counts"},
+    {"partitions[].offset", "integer", "in bytes"},
+    {"partitions[].size", "integer", "in bytes"},
+    {"partitions[].type", "string", "MBR ID or GUID"},
+    {"partitions[].typeName", "string", "the type in words"},
+    {"partitions[].active", "boolean", "whether it has the active flag"},
+    {"partitions[].letter", "string|null", "in the running system"},
+    {"partitions[].label", "string|null", "of a volume with a letter"},
+    {"partitions[].fileSystem", "string|null", "of a volume with a letter"},
+    {"partitions[].hide", "boolean", "whether it is not for the user's eyes"},
+    {"partitions[].roles[].role", "string", "its purpose"},
+    {"partitions[].roles[].reason", "string", "how that was recognised"},
+    {"layout", "integer", "number of the layout"},
+    {"layoutName", "string", "the layout in words"},
+    {"encryptedVolumes", "string|null", "their letters; null if BitLocker cannot be asked"},
+    {"recoveryDisc", "string|null", "its letter"},
+    {"recoveryStick", "string|null", "its letter"},
+    {"cachePartition", "boolean", "whether the second internal disk has one"},
+    {"windows.disk", "integer", "of the installed Windows"},
+    {"windows.partition", "integer", "of the installed Windows"},
+    {"windows.letter", "string", "of the installed Windows, in the running system"},
+    {"disks[].number", "integer", "as Windows counts"},
+    {"disks[].bus", "string|null", "SATA, USB, ..."},
+    {"disks[].model", "string|null", "of the device"},
+    {"disks[].serial", "string|null", "of the device"},
+    {"disks[].size", "integer|null", "in bytes"},
+    {"disks[].sectorSize", "integer|null", "in bytes"},
+    {"disks[].style", "string|null", "MBR, GPT or none"},
+    {"disks[].isInternal", "boolean|null", "by its bus, as the service counts"},
+    {"disks[].reason", "string", "why it is internal, or not"},
+    {"disks[].partitions[].number", "integer", "as Windows counts"},
+    {"disks[].partitions[].offset", "integer", "in bytes"},
+    {"disks[].partitions[].size", "integer", "in bytes"},
+    {"disks[].partitions[].type", "string", "MBR ID or GUID"},
+    {"disks[].partitions[].typeName", "string", "the type in words"},
+    {"disks[].partitions[].active", "boolean", "whether it has the active flag"},
+    {"disks[].partitions[].letter", "string|null", "in the running system"},
+    {"disks[].partitions[].label", "string|null", "of its volume, also without a letter"},
+    {"disks[].partitions[].fileSystem", "string|null", "of its volume, also without a letter"},
+    {"disks[].partitions[].hide", "boolean", "whether it is not for the user's eyes"},
+    {"disks[].partitions[].roles[].role", "string", "its purpose"},
+    {"disks[].partitions[].roles[].reason", "string", "how that was recognised"},
+    {"disks[].partitions[].slot", "integer|null", "in the table of an image"},
+    {"disks[].partitions[].name", "string|null", "in a GPT"},
+    {"disks[].partitions[].hidden", "boolean", "by its MBR type or its GPT attribute"},
+    {"disks[].partitions[].condition", "string|null", "of its volume"},
+    {"disks[].gaps[].offset", "integer", "of space that is no partition's, in bytes"},
+    {"disks[].gaps[].size", "integer", "in bytes"},
+    {"record.partition", "integer", "that holds the record, or would"},
+    {"record.exists", "boolean", "whether there is one"},
+    {"record.recorded", "integer|null", "the partition that it names"},
+    {"record.bootSystem", "integer|null", "the partition that `boot system` makes active"},
+    {"record.words", "string", "the same in words"},
+};
+
+constexpr OutputKey remarkKey[] = {
+    {"remark?", "string", "the remark of two active flags, or of missing letters"},
+};
+
+constexpr OutputKey problemKey[] = {
+    {"problem?", "string", "what could not be read or answered"},
+};
+
+constexpr OutputKey remarksKeys[] = {
+    {"remarks?[].code", "string", "which remark it is"},
+    {"remarks?[].text", "string", "the remark in words"},
+};
+
+// With --fail and --ledger.
+constexpr OutputKey endKeys[] = {
+    {"faultsMet?[].fault", "string", "as --fail gave it"},
+    {"faultsMet?[].met", "integer", "how many calls failed for it"},
+    {"ledger?", "object", "how many of each kind the library holds in the end"},
+};
+
+constexpr OutputKey lettersKeys[] = {
+    {"letters[].letter", "string", "of the installed Windows"},
+    {"letters[].disk", "integer|null", "behind it"},
+    {"letters[].partition", "integer|null", "behind it"},
+    {"letters[].here", "string|null", "its letter in the running system"},
+};
+
+constexpr OutputKey filesKeys[] = {
+    {"path", "string", "below the root of the volume"},
+    {"kind", "string", "folder or file"},
+    {"disk", "integer|null", "null for a disc or a stick"},
+    {"partition", "integer|null", "null for a disc or a stick"},
+    {"letter", "string|null", "of the volume"},
+    {"entries[].name", "string", "of a file or a folder"},
+    {"entries[].kind", "string", "folder or file"},
+    {"entries[].bytes", "integer|null", "length of a file"},
+    {"entries[].sha256?", "string|null", "with --hash"},
+};
+
+constexpr OutputKey checkKeys[] = {
+    {"possible", "boolean", "whether the switch is"},
+    {"conditions[].code", "string", "which condition it is"},
+    {"conditions[].question", "string", "the condition in words"},
+    {"conditions[].met", "boolean|null", "null: not looked at"},
+    {"conditions[].found", "string", "what was found"},
+    {"conditions[].advice", "string|null", "what to do"},
+};
+
+constexpr OutputKey operationKeys[] = {
+    {"operation", "string", "its name"},
+    {"arguments", "object", "by name"},
+    {"result", "integer|string|null", "a letter is a text of one character"},
+    {"outputs", "object", "by name"},
+    {"log[].level", "integer", "of a record"},
+    {"log[].text", "string", "of a record"},
+    {"trace?[].level?", "integer", "of a record"},
+    {"trace?[].text?", "string", "of a record"},
+    {"trace?[].call?", "string", "a platform call"},
+    {"trace?[].arguments?", "array", "of the call"},
+    {"trace?[].result?", "string", "of the call"},
+    {"trace?[].injected?", "boolean", "whether a fault produced the result"},
+    {"backups?", "array", "with which `undo` takes the changes back"},
+    {"written?", "boolean", "false: the change is not on the disk image"},
+};
+
+constexpr OutputKey afterProblemKeys[] = {
+    {"reasons?[].code", "string", "the condition that is not met"},
+    {"reasons?[].text", "string", "the same in words"},
+    {"outcome?", "string", "which of two outcomes with this result it was"},
+    {"changes?", "array", "of the PC, in words"},
+};
+
+constexpr OutputKey recoverKeys[] = {
+    {"image", "string", "as it was named"},
+    {"change", "string|null", "finished or takenBack; null: there was none"},
+    {"recovered?", "boolean", "false with --dry-run"},
+};
+
+constexpr OutputKey repairTableKeys[] = {
+    {"image", "string", "as it was named"},
+    {"problems", "array", "in words"},
+    {"repaired", "boolean", "whether the table was written"},
+};
+
+constexpr OutputKey undoKeys[] = {
+    {"image", "string", "as it was named"},
+    {"file", "string", "the backup"},
+    {"undone", "boolean", "whether the change was taken back"},
+};
+
+constexpr OutputKey backupsKey[] = {
+    {"backups?", "array", "with which `undo` takes this change back"},
+};
+
+constexpr OutputKey operationsKeys[] = {
+    {"operation", "string", "its name"},
+    {"summary", "string", "what it does"},
+    {"parameters[].name", "string", "of the parameter"},
+    {"parameters[].kind", "string", "flag, number, letter, text or list"},
+    {"parameters[].direction", "string", "in or out"},
+    {"parameters[].words", "string", "what it is"},
+    {"parameters[].values[].value", "integer|string|boolean", "that has a meaning"},
+    {"parameters[].values[].words", "string", "its meaning"},
+    {"parameters[].values[].failure", "boolean", "whether it is a failure"},
+    {"parameters[].default?", "integer|string|boolean", "when it is left out"},
+    {"results[].value", "integer|string|boolean", "that has a meaning"},
+    {"results[].words", "string", "its meaning"},
+    {"results[].failure", "boolean", "whether it is a failure"},
+    {"otherwise", "string", "any other result in words"},
+    {"changesPc", "boolean", "whether it can change the PC"},
+};
+
+constexpr OutputKey pcsKeys[] = {
+    {"name", "string", "for --pc"},
+    {"summary", "string", "what the machine is"},
+};
+
+constexpr OutputKey callsKeys[] = {
+    {"call", "string", "for --fail"},
+    {"failsWith", "string", "how it reports a failure"},
+    {"changesPc", "boolean", "whether it changes the PC"},
+};
+
+const std::vector<CommandOutput>& Outputs() {
+    const std::vector<OutputKeys> operation = {operationKeys, problemKey, afterProblemKeys, remarksKeys,
+                                               endKeys};
+    static const std::vector<CommandOutput> outputs = {
+        {"status", {statusKeys, remarkKey, problemKey, remarksKeys, endKeys}},
+        {"letters", {lettersKeys, remarkKey, problemKey, remarksKeys, endKeys}},
+        {"files", {filesKeys, problemKey, remarksKeys, endKeys}},
+        {"check", {checkKeys, problemKey, remarksKeys, endKeys}},
+        {"boot", operation},
+        {"call", operation},
+        {"run", operation},
+        {"recover", {recoverKeys}},
+        {"repair-table", {repairTableKeys, backupsKey}},
+        {"undo", {undoKeys, backupsKey}},
+        {"operations", {operationsKeys}},
+        {"pcs", {pcsKeys}},
+        {"calls", {callsKeys}},
+    };
+    return outputs;
+}
+
+}  // namespace
+
+const CommandOutput* FindOutput(std::string_view command) {
+    const auto found = std::ranges::find(Outputs(), command, &CommandOutput::command);
+    return found != Outputs().end() ? &*found : nullptr;
+}

@@ -1,0 +1,9 @@
+// What a command writes with --json, as a JSON Schema.
+#pragma once
+
+#include <string>
+
+#include "tools/kestova/schema/output_keys.h"
+
+// Of one object, indented (draft 2020-12).
+std::string OutputSchema(const CommandOutput& output);
