@@ -81,10 +81,19 @@ std::vector<std::string*> ImagesOf(Pc& pc) {
     return images;
 }
 
+// What can be in a disk: a virtual one claims any size, but its file holds little more than what was
+// compressed.
+uint64_t BytesOnDisk(const machine::Disk& disk) {
+    constexpr uint64_t bestCompression = 64;
+    std::error_code error;
+    const uintmax_t size = fs::file_size(disk.image, error);  // a disk of this computer has none
+    return error || size > disk.size / bestCompression ? disk.size : size * bestCompression;
+}
+
 uint64_t ImageBytes(const Pc& pc) {
     uint64_t bytes = 0;
     for (const machine::Disk& disk : pc.disks)
-        bytes += disk.image.empty() ? 0 : disk.size;
+        bytes += disk.image.empty() ? 0 : BytesOnDisk(disk);
     for (const machine::Volume& volume : pc.volumes) {
         std::error_code error;
         const uintmax_t size = fs::file_size(volume.image, error);

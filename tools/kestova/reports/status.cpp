@@ -127,12 +127,11 @@ std::string DiskName(int disk) {
     return "disk " + std::to_string(disk);
 }
 
-std::string DiskStyle(int disk, Questions& questions) {
+std::string DiskStyle(Questions& questions) {
     THardDiskType style = HARD_DISK_UNKNOWN;
     questions.Object().GetDiskStyle(style);
     if (style == HARD_DISK_MBR) return "MBR";
     if (style == HARD_DISK_GPT) return "GPT";
-    questions.AddUnread("the partition style of " + DiskName(disk) + " could not be told");
     return "unknown";
 }
 
@@ -166,10 +165,13 @@ void AddDisk(StatusReport& status, Questions& questions) {
         return;
     }
     status.internalDisk = disk;
-    status.style = DiskStyle(disk, questions);
+    status.style = DiskStyle(questions);
     const DiskLayout layout = ReadDiskLayout(disk);
-    if (!layout)
-        questions.AddUnread("the partitions of " + DiskName(disk) + " cannot be read", GetLastError());
+    const DWORD error = GetLastError();
+    // Of a disk without partitions the library has no style.
+    if (status.style == "unknown" && (!layout || !layout->empty()))
+        questions.AddUnread("the partition style of " + DiskName(disk) + " could not be told");
+    if (!layout) questions.AddUnread("the partitions of " + DiskName(disk) + " cannot be read", error);
     AddPartitions(disk, layout, status, questions);
 }
 

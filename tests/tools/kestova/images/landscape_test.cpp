@@ -222,4 +222,22 @@ TEST_F(Landscape, LogicalPartitionActive_Status_RemarksThatNoPcStartsFromIt) {
               "kestova: partition 2 is active and a logical one; a PC starts from primary partitions only\n");
 }
 
+TEST_F(Landscape, InitialisedDiskWithoutPartitions_EachQuestion_IsAnsweredWithoutAProblem) {
+    for (const std::string label : {"dos", "gpt"}) {
+        SCOPED_TRACE(label);
+        ASSERT_EQ(Shell("rm -f disk.img; truncate -s 64M disk.img && echo label: " + label +
+                        " | sfdisk --quiet disk.img")
+                      .status,
+                  0);
+        for (const std::string words :
+             {"status", "call GetCurrentDiskType", "call GetActivePartitionNumber"}) {
+            const Outcome outcome = Kestova("--image disk.img " + words);
+            EXPECT_EQ(outcome.errors, "") << words;
+        }
+        const Outcome status = Kestova("--image disk.img status");
+        EXPECT_EQ(status.status, 0);
+        EXPECT_THAT(status.output, HasSubstr("Active partition   none\n"));
+    }
+}
+
 }  // namespace
