@@ -31,7 +31,8 @@ std::optional<uint64_t> NumberFromText(std::string_view text) {
 // Where the count of "100 GiB" or "100GiB" ends; nowhere in a number without a unit.
 size_t EndOfCount(const std::string& text) {
     const size_t blank = text.find(' ');
-    if (blank != std::string::npos || !text.ends_with('B') || text.starts_with("0x")) return blank;
+    const bool isHex = text.starts_with("0x") || text.starts_with("0X");
+    if (blank != std::string::npos || !text.ends_with('B') || isHex) return blank;
     return text.find_first_not_of("0123456789");
 }
 

@@ -22,7 +22,8 @@ constexpr const char* twoDisks = R"({
   "disks": [
     {"number": 0, "size": "100 GiB", "partitions": [
       {"number": 1, "offset": "1 MiB", "size": "10 GiB", "mbrType": "0x27",
-       "volume": {"label": "Recovery", "files": {"SystemVolume.ini": "[System]\r\nActive=3\r\n"}}},
+       "volume": {"label": "Recovery", "files": {"SystemVolume.ini": "[System]\r\nActive=3\r\n",
+         "sources/Qelhdrcv.ini": "", "sources/Orvo/": null, "sources/data/": null, "sources/idf/": null}}},
       {"number": 2, "offset": "20 GiB", "size": "80 GiB", "mbrType": "0x07", "bootIndicator": 1,
        "volume": {"letters": "C", "label": "Windows", "files": {"Windows/System32/Winload.exe": "MZ"}}}]},
     {"number": 4, "busType": "usb", "size": "8 GiB", "style": "gpt", "partitions": [
@@ -129,6 +130,17 @@ TEST_F(Picture, Record_Status_SaysWhereBootSystemGoes) {
     EXPECT_EQ(words("--pc there.json"), "none; boot system makes partition 2 active");
 }
 
+// The switch back looks at the recovery partition before it looks at the record.
+TEST_F(Picture, RecoveryFileMissing_Status_SaysThatBootSystemIsRefusedAsItIs) {
+    ASSERT_EQ(Shell("sed 's/sources.idf/sources\\/other/' pc.json >missing.json").status, 0);
+    const json record = Status("--pc missing.json")["record"];
+    EXPECT_EQ(record["recorded"], 3);
+    EXPECT_EQ(record["bootSystem"], nullptr);
+    EXPECT_THAT(record["words"],
+                StartsWith("partition 3; boot system is refused: sources\\idf is missing on partition 1"));
+    EXPECT_EQ(Kestova("--pc missing.json boot system").status, 3);
+}
+
 // --- what a disk does not answer ---
 
 TEST_F(Picture, DiskThatCannotBeAsked_Status_ShowsTheRestAndFails) {
@@ -146,6 +158,19 @@ TEST_F(Picture, DisksThatCannotBeOpened_Status_SaysSoOnce) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(json::parse(outcome.output)["disks"], json::array());
     EXPECT_THAT(outcome.errors, HasSubstr("the disks from 0 on cannot be opened (error 5)"));
+}
+
+TEST_F(Picture, UnreadableVolumeOfAStick_Status_ShowsItAndSucceeds) {
+    ASSERT_EQ(Kestova("--pc factory-mbr --save usb.json status").status, 0);
+    json pc = json::parse(ReadFile("usb.json"));
+    pc["disks"].push_back(json::parse(R"({"number": 1, "busType": "usb", "size": "8 GiB", "style": "mbr",
+      "partitions": [{"number": 1, "offset": "1 MiB", "size": "1 GiB", "mbrType": 7,
+                      "volume": {"letters": "U", "label": {"error": 21}}}]})"));
+    WriteFile("usb.json", pc.dump());
+    const Outcome outcome = Kestova("--pc usb.json --json status");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(json::parse(outcome.output)["disks"][1]["partitions"][0]["letter"], "U");
 }
 
 // --- what the user wants to see ---

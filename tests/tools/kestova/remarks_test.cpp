@@ -115,7 +115,7 @@ TEST_F(Remarks, HiddenPartition_CallSetActive_RemarksThatItsWindowsDoesNotStart)
     const Outcome outcome = Kestova("--pc hidden.json --save hidden.json call SetActive 3");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors,
-              "kestova: partition 3 is active and hidden (unknown (0x17)); a Windows on it does not start\n");
+              "kestova: partition 3 is active and hidden (type 0x17); a Windows on it does not start\n");
     EXPECT_THAT(Codes(Objects("--pc hidden.json status").back()), ElementsAre("hiddenActive"));
 }
 
@@ -131,6 +131,18 @@ TEST_F(Remarks, HibernationPartitionActive_BootRecovery_RemarksOnTheRecord) {
         outcome.errors,
         "kestova: SystemVolume.ini names partition 4, which is for hibernation; boot system makes that active\n");
     EXPECT_THAT(Codes(Objects("--pc pc.json status").back()), ElementsAre("recordAtHibernation"));
+}
+
+TEST_F(Remarks, RecordOfTheHibernationPartition_BootSystem_RemarksThatNothingStartsFromIt) {
+    json pc = Exclusive();
+    pc["disks"][0]["partitions"][1]["bootIndicator"] = 0;
+    pc["disks"][0]["partitions"][3]["bootIndicator"] = 1;
+    WriteFile("pc.json", pc.dump());
+    ASSERT_EQ(Kestova("--pc pc.json --save pc.json boot recovery").status, 0);
+    const Outcome outcome = Kestova("--pc pc.json boot system");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors,
+              "kestova: partition 4 is active and for hibernation; no system starts from it\n");
 }
 
 TEST_F(Remarks, LogicalPartition_CallSetActive_RemarksThatNoPcStartsFromIt) {
@@ -160,7 +172,7 @@ TEST_F(Remarks, SecondDisk_TwoActiveFlags_NamesTheDisk) {
     WriteFile("two.json", pc.dump());
     const json object = Objects("--pc two.json call SetActive 1").back();
     ASSERT_THAT(Codes(object), ElementsAre("twoActiveFlags", "twoActiveFlags"));
-    EXPECT_THAT(object["remarks"][0]["text"], testing::StartsWith("2 partitions are active; "));
+    EXPECT_THAT(object["remarks"][0]["text"], testing::StartsWith("disk 0: 2 partitions are active; "));
     EXPECT_THAT(object["remarks"][1]["text"], testing::StartsWith("disk 1: 2 partitions are active; "));
 }
 

@@ -42,7 +42,7 @@ int Run(const CommandLine& line) {
 // reader that has seen enough, like head.
 int CheckOutput(const CommandLine& line, int status) {
     if (std::cout.flush()) return status;
-    if (IsOutputAbandoned()) return OutputAbandoned;
+    if (IsOutputAbandoned()) return status == Done ? int{OutputAbandoned} : status;
     return ShowProblem(line, "standard output cannot be written");
 }
 

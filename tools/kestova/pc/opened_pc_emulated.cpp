@@ -169,6 +169,20 @@ machine::Volume* FindVolumeAt(Pc& pc, const VolumePlace& place) {
     return holdsVolume ? &*partition->volume : nullptr;
 }
 
+// Puts a value back as it was, also if something throws.
+template <typename Value>
+class Restoring {
+  public:
+    explicit Restoring(Value& value) : value_(value), kept_(value) {}
+    ~Restoring() { value_ = std::move(kept_); }
+    Restoring(const Restoring&) = delete;
+    Restoring& operator=(const Restoring&) = delete;
+
+  private:
+    Value& value_;
+    Value kept_;
+};
+
 class EmulatedOne final : public OpenedPc {
   public:
     EmulatedOne(const PcChoice& choice, Access access)
@@ -238,9 +252,8 @@ class EmulatedOne final : public OpenedPc {
 
 // Letters are facts of the PC, for volumes on images too.
 bool EmulatedOne::Rehearse(const std::function<void()>& action) {
-    const Pc kept = emulated_.facts;
+    const Restoring facts(emulated_.facts);
     action();
-    emulated_.facts = kept;
     return true;
 }
 
@@ -252,9 +265,9 @@ std::optional<std::vector<std::string>> EmulatedOne::TakeChanges() {
 }
 
 void EmulatedOne::Aside(const std::function<void()>& action) {
-    const machine::FaultPlan kept = std::exchange(emulated_.faults, {});
+    const Restoring faults(emulated_.faults);
+    emulated_.faults = {};
     action();
-    emulated_.faults = kept;
 }
 
 std::vector<FaultCount> EmulatedOne::FaultCounts() const {

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr int mostDisks = 128;  // numbers that are tried
 constexpr int64_t leastGap = 1 << 20;
 
 // --- the bus ---
@@ -143,6 +142,7 @@ std::vector<Gap> GapsOf(const DiskTable& table) {
     std::vector<Gap> gaps;
     int64_t free = table.usable;
     const auto add = [&](int64_t end) {
+        end = std::min(end, table.usableEnd);  // a damaged table names sectors behind the disk
         // The first sectors belong to the table, so the partition that begins at 1 MiB has none before it.
         if (end - free >= leastGap) gaps.push_back({free, end - free});
     };
@@ -200,19 +200,23 @@ DiskReport ReadDisk(HANDLE handle, int number, const StatusReport& status, Quest
 
 }  // namespace
 
+// What cannot be read of a stick, or of an empty card reader, is no problem of the PC.
 std::vector<DiskReport> ReadDisks(const StatusReport& status, Questions& questions) {
+    Questions ofOthers(questions.On());
     std::vector<DiskReport> disks;
     for (int number = 0; number < mostDisks; ++number) {
         const HANDLE handle = OpenDisk(number);
-        if (handle != INVALID_HANDLE_VALUE) {
-            disks.push_back(ReadDisk(handle, number, status, questions));
+        const DWORD error = GetLastError();
+        const bool isOther = status.internalDisk && status.internalDisk != number;
+        Questions& asked = isOther ? ofOthers : questions;
+        if (handle == INVALID_HANDLE_VALUE) {
+            // One that the system refuses is like the next ones.
+            if (error != ERROR_FILE_NOT_FOUND)
+                asked.AddUnread("the disks from " + std::to_string(number) + " on cannot be opened", error);
+            if (error != ERROR_FILE_NOT_FOUND && !isOther) break;
             continue;
         }
-        const DWORD error = GetLastError();
-        if (error == ERROR_FILE_NOT_FOUND) continue;
-        // One that the system refuses is like the next ones.
-        questions.AddUnread("the disks from " + std::to_string(number) + " on cannot be opened", error);
-        break;
+        disks.push_back(ReadDisk(handle, number, status, asked));
     }
     return disks;
 }

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "base/hexadecimal.h"
 #include "base/utf.h"
 #include "manager/factory_layout.h"
 #include "manager/system_volume_ini.h"
 #include "platform/partition_types.h"
-#include "tools/kestova/common/partition_words.h"
 #include "tools/kestova/reports/disk_layout.h"
 
 namespace {
@@ -29,9 +29,19 @@ void AddActiveFlags(const OpenedPc& pc, const Layout& layout, std::vector<Findin
 void AddHidden(const Layout& layout, std::vector<Finding>& remarks) {
     for (const PARTITION_INFORMATION_EX& entry : layout) {
         if (!IsActive(entry) || !HasHiddenBit(entry.Mbr.PartitionType)) continue;
-        remarks.push_back({"hiddenActive",
-                           "partition " + std::to_string(entry.PartitionNumber) + " is active and hidden (" +
-                               MbrTypeWords(entry.Mbr.PartitionType) + "); a Windows on it does not start"});
+        remarks.push_back({"hiddenActive", "partition " + std::to_string(entry.PartitionNumber) +
+                                               " is active and hidden (type " +
+                                               Hex(entry.Mbr.PartitionType, 2) +
+                                               "); a Windows on it does not start"});
+    }
+}
+
+void AddHibernation(const Layout& layout, std::vector<Finding>& remarks) {
+    for (const PARTITION_INFORMATION_EX& entry : layout) {
+        if (!IsActive(entry) || entry.Mbr.PartitionType != MBR_ID_BIOS_HIBERNATION) continue;
+        remarks.push_back(
+            {"hibernationActive", "partition " + std::to_string(entry.PartitionNumber) +
+                                      " is active and for hibernation; no system starts from it"});
     }
 }
 
@@ -80,6 +90,7 @@ std::vector<Finding> RemarksOn(OpenedPc& pc, int disk) {
         if (!layout) return;
         AddActiveFlags(pc, *layout, remarks);
         AddHidden(*layout, remarks);
+        AddHibernation(*layout, remarks);
         AddLogical(pc, disk, *layout, remarks);
         AddRecord(pc, disk, *layout, remarks);
     });
@@ -87,13 +98,17 @@ std::vector<Finding> RemarksOn(OpenedPc& pc, int disk) {
 }
 
 std::vector<Finding> RemarksOn(OpenedPc& pc) {
-    constexpr int mostDisks = 32;
-    std::vector<Finding> all;
+    std::vector<std::pair<int, Finding>> found;
+    int disks = 0;
     for (int disk = 0; disk < mostDisks; ++disk) {
-        for (Finding& remark : RemarksOn(pc, disk)) {
-            if (disk > 0) remark.text = "disk " + std::to_string(disk) + ": " + remark.text;
-            all.push_back(std::move(remark));
-        }
+        pc.Aside([&] { disks += ReadDiskLayout(disk) ? 1 : 0; });
+        for (Finding& remark : RemarksOn(pc, disk))
+            found.emplace_back(disk, std::move(remark));
+    }
+    std::vector<Finding> all;
+    for (auto& [disk, remark] : found) {
+        if (disks > 1) remark.text = "disk " + std::to_string(disk) + ": " + remark.text;
+        all.push_back(std::move(remark));
     }
     return all;
 }
