@@ -263,6 +263,19 @@ TEST_F(Picture, WideLabel_Status_KeepsTheColumnsStraight) {
                           "  Résumé  NTFS\n"));
 }
 
+TEST_F(Picture, ControlCharactersInALabel_JsonStatus_HasThemEscapedAndReadsTheSame) {
+    ASSERT_EQ(Kestova("--pc factory-mbr --save evil.json status").status, 0);
+    json pc = json::parse(ReadFile("evil.json"));
+    const std::string rightToLeft = {'\xE2', '\x80', '\xAE'};
+    const std::string label = std::string("\xC2\x9B") + "31m\x7F" + rightToLeft;
+    pc["disks"][0]["partitions"][1]["volume"]["label"] = label;
+    WriteFile("evil.json", pc.dump());
+    const std::string line = Kestova("--pc evil.json --json status").output;
+    for (const std::string& obeyed : {std::string("\x7F"), std::string("\xC2\x9B"), rightToLeft})
+        EXPECT_EQ(line.find(obeyed), std::string::npos);
+    EXPECT_EQ(json::parse(line)["partitions"][1]["label"], label);
+}
+
 TEST_F(Picture, ControlCharactersInNames_StatusAndLog_ReachNoTerminal) {
     WriteFile("evil.json", R"({"disks": [{"number": 0, "size": "8 GiB", "style": "gpt", "partitions": [
       {"number": 1, "offset": "1 MiB", "size": "1 GiB", "gptType": "ebd0a0a2-b9e5-4433-87c0-68b6b72699c7",

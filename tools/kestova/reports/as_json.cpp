@@ -13,8 +13,9 @@ namespace {
 // Keys keep the order in which they were written.
 using Json = nlohmann::ordered_json;
 
+// What a terminal would obey is escaped as JSON does it, which reads as the same text.
 std::string Dump(const Json& json, bool inAscii) {
-    return json.dump(-1, ' ', inAscii, Json::error_handler_t::replace);
+    return Printable(json.dump(-1, ' ', inAscii, Json::error_handler_t::replace));
 }
 
 std::string Line(const Json& json, bool inAscii = false) {
