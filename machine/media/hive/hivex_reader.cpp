@@ -2,8 +2,6 @@
 
 #include <hivex.h>
 #include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -13,7 +11,9 @@
 #include <string>
 
 #include "base/utf.h"
+#include "machine/media/device/descriptor.h"
 #include "machine/media/device/store_errors.h"
+#include "machine/media/device/transfer.h"
 #include "machine/media/hive/hive_cells.h"
 #include "machine/media/hive/hive_log.h"
 
@@ -36,28 +36,11 @@ using HiveOwner = std::unique_ptr<hive_h, HiveClose>;
 template <typename T>
 using HivexMemory = std::unique_ptr<T, Release>;
 
-// A file in memory, because libhivex opens hives by path.
-class MemoryFile {
-  public:
-    explicit MemoryFile(std::string_view content) : descriptor_(memfd_create("hive", MFD_CLOEXEC)) {
-        while (!content.empty()) {
-            const ssize_t done = write(descriptor_, content.data(), content.size());
-            if (done <= 0) break;  // the truncated hive is rejected as damaged
-            content.remove_prefix(static_cast<size_t>(done));
-        }
-    }
-    ~MemoryFile() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    std::string Path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
-  private:
-    int descriptor_;
-};
-
+// A file in memory, because libhivex opens hives by path. None if there is no memory for it.
+Descriptor InMemory(std::string_view content) {
+    Descriptor file(memfd_create("hive", MFD_CLOEXEC));
+    return file && WriteAll(file.Number(), content) ? std::move(file) : Descriptor();
+}
 // Text is stored with a terminator, which is not part of it.
 std::string TextOf(std::string_view stored) {
     std::u16string text(stored.size() / sizeof(char16_t), u'\0');
@@ -108,9 +91,10 @@ uint32_t HivexReader::Read(HiveFile file, RegistryKeys& keys) {
     if (!file.content.starts_with("regf")) return errorBadHive;
     Replay(file);
     MendCells(file.content);
-    const MemoryFile copy(file.content);
+    const Descriptor copy = InMemory(file.content);
+    const std::string path = "/proc/self/fd/" + std::to_string(copy.Number());
     // Unsafe: a damaged key does not hide those beside it.
-    const HiveOwner hive(hivex_open(copy.Path().c_str(), HIVEX_OPEN_UNSAFE));
+    const HiveOwner hive(hivex_open(path.c_str(), HIVEX_OPEN_UNSAFE));
     if (!hive) return errorBadHive;
     const hive_node_h root = hivex_root(hive.get());
     if (root == 0) return errorBadHive;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
+#include <span>
 
 #include "base/utf.h"
 #include "tools/kestova/command_line/completion.h"
@@ -13,12 +15,12 @@
 #include "tools/kestova/command_line/script.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/json/output_keys.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/picture/columns.h"
 #include "tools/kestova/picture/report.h"
 #include "tools/kestova/picture/status_text.h"
 #include "tools/kestova/reports/remarks.h"
-#include "tools/kestova/schema/output_keys.h"
 
 namespace {
 
@@ -116,6 +118,7 @@ int Report(const CommandLine& line) {
              report.status = ReadStatus(session, line.initialize);
              report.check = CheckSwitch(session);
              report.notes = session.OnPc().Notes();
+             std::ranges::copy(session.OnPc().LaterNotes(), std::back_inserter(report.notes));
              report.log = Logged(collector);
              page = format.text(report);
              return ShowProblem(line, report.status);
@@ -247,7 +250,7 @@ int RepairTables(const CommandLine& line) {
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
     for (const std::string& image : line.choice.images) {
         const auto [problems, backup, notes] = RepairTableOf(image, use);
-        if (!line.quiet) ShowNotes(line, notes);
+        ShowNotes(line, notes);
         Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun, backup});
     }
     return Done;
@@ -261,7 +264,7 @@ int Undo(const CommandLine& line) {
     const std::string& image = line.choice.images.front();
     const auto [isUndone, ownBackup, notes] =
         UndoChange(image, backup, UseOfImages(line.choice, machine::ImageAccess::Write));
-    if (!line.quiet) ShowNotes(line, notes);
+    ShowNotes(line, notes);
     Show(line, UndoReport{image, backup, isUndone, line.choice.dryRun, ownBackup});
     return Done;
 }
@@ -297,6 +300,26 @@ int Completion(const CommandLine& line) {
     return Done;
 }
 
+struct OptionUser {
+    std::string_view option;
+    int (*command)(const CommandLine& line);
+};
+
+constexpr OptionUser usedByFew[] = {{"--output", Report},
+                                    {"--format", Report},
+                                    {"--hash", Files},
+                                    {"--bytes", Status},
+                                    {"--columns", Status}};
+
+constexpr OptionUser notUsedBy[] = {{"--json", Report},    {"--dry-run", Check},       {"--dry-run", Report},
+                                    {"--ledger", Recover}, {"--ledger", RepairTables}, {"--ledger", Undo},
+                                    {"--ledger", Report}};
+
+bool IsIn(std::span<const OptionUser> table, const Command& command, const std::string& option) {
+    return std::ranges::any_of(
+        table, [&](const OptionUser& row) { return row.option == option && row.command == command.run; });
+}
+
 // Whether the first word is a file, so that the option before it was forgotten.
 bool IsFile(const std::string& word) {
     std::error_code error;
@@ -317,13 +340,10 @@ bool Uses(const Command& command, const std::string& option) {
     if (option == "--help" || option == "--version") return true;
     if (option == "--schema") return FindOutput(command.name) != nullptr;
     if (command.run == Help || command.run == Completion) return false;
-    if (option == "--output" || option == "--format") return command.run == Report;
-    if (option == "--json") return command.run != Report;
-    const bool runsNoOperation = command.run == Recover || command.run == RepairTables || command.run == Undo;
-    if (option == "--dry-run" && (command.run == Check || command.run == Report)) return false;
-    if (option == "--hash") return command.run == Files;
-    if (option == "--bytes" || option == "--columns") return command.run == Status;
-    if (option == "--ledger" && (runsNoOperation || command.run == Report)) return false;
+    if (IsIn(notUsedBy, command, option)) return false;
+    if (std::ranges::count(usedByFew, option, &OptionUser::option) != 0)
+        return IsIn(usedByFew, command, option);
+    if (option == "--json") return true;
     return command.usesPc && (command.traces || option != "--trace");
 }
 

@@ -9,10 +9,10 @@
 #include "tools/kestova/command_line/version.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/json/output_schema.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
 #include "tools/kestova/process/program_start.h"
-#include "tools/kestova/schema/output_schema.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/reports/as_json.h"
+#include "tools/kestova/json/as_json.h"
 
 void ShowMessage(const std::string& message) {
     if (!message.empty()) std::cerr << "kestova: " << PrintableText(message) << "\n";

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "tools/kestova/command_line/command_line.h"
+#include "tools/kestova/json/as_json.h"
 #include "tools/kestova/operations/session.h"
-#include "tools/kestova/reports/as_json.h"
 #include "tools/kestova/reports/as_text.h"
 
 struct PcWork {

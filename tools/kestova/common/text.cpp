@@ -124,6 +124,18 @@ std::string Count(size_t count, std::string_view noun) {
     return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }
 
+std::string TextOr(const std::optional<std::string>& text, const char* none) {
+    return text.value_or(none);
+}
+
+std::string TextOr(const std::optional<int>& number, const char* none) {
+    return number ? std::to_string(*number) : none;
+}
+
+std::string TextOr(const std::optional<WCHAR>& letter, const char* none) {
+    return letter ? LetterText(*letter) : none;
+}
+
 std::string UnknownWord(std::string_view what, std::string_view name, const std::vector<std::string>& known) {
     const std::string nearest = Nearest(name, known);
     return "there is no " + std::string(what) + " '" + std::string(name) + "'" +

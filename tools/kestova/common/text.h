@@ -2,8 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/windows_api.h"
@@ -22,6 +25,23 @@ std::string Printable(std::string_view name);
 
 // The same of a whole text: its line feeds and tabs stay, and bytes that are not UTF-8 are shown as `\xE9`.
 std::string PrintableText(std::string_view text);
+
+// The elements' texts with the separator between them; an element's text is itself unless `text` says
+// otherwise.
+template <typename List, typename Text = std::identity>
+std::string Joined(const List& list, std::string_view separator, Text text = {}) {
+    std::string joined;
+    for (bool isFirst = true; const auto& element : list) {
+        if (!std::exchange(isFirst, false)) joined += separator;
+        joined += std::invoke(text, element);
+    }
+    return joined;
+}
+
+// The value's text; without one, what stands for none.
+std::string TextOr(const std::optional<std::string>& text, const char* none);
+std::string TextOr(const std::optional<int>& number, const char* none);
+std::string TextOr(const std::optional<WCHAR>& letter, const char* none);
 
 // "1 argument", "2 arguments".
 std::string Count(size_t count, std::string_view noun);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tools/kestova/common/text.h"
 OperationReport Questions::Ask(const char* operation, const Values& arguments) {
     OperationReport report = session_.Call(FindOperation(operation), arguments);
     if (!report.problem.empty()) AddUndetermined(report.problem);
@@ -31,8 +32,5 @@ void Questions::AddUndetermined(const std::string& problem) {
 }
 
 std::string Questions::Problems() const {
-    std::string text;
-    for (const std::string& problem : problems_)
-        text += (text.empty() ? "" : "; ") + problem;
-    return text;
+    return Joined(problems_, "; ");
 }

@@ -4,25 +4,17 @@
 
 #include "machine/facts/file_stores.h"
 #include "machine/facts/letters.h"
+#include "tools/kestova/common/text.h"
 
 namespace {
 
 using machine::LocatedVolume;
 
-// "1, 2, 3".
-template <typename List, typename Text>
-std::string Listed(const List& list, Text text) {
-    std::string listed;
-    for (const auto& element : list)
-        listed += (listed.empty() ? "" : ", ") + text(element);
-    return listed;
-}
-
 LocatedVolume OfLetter(machine::Pc& pc, char letter) {
     const LocatedVolume located = machine::FindLetter(pc, letter);
     if (located) return located;
     throw Failed(std::string("no volume has the letter ") + letter + "; there are " +
-                 Listed(machine::UsedLetters(pc), [](char used) { return std::string(1, used); }));
+                 Joined(machine::UsedLetters(pc), ", ", [](char used) { return std::string(1, used); }));
 }
 
 machine::Disk& DiskOf(machine::Pc& pc, int number) {
@@ -36,8 +28,9 @@ LocatedVolume OfPartition(machine::Pc& pc, const VolumePlace& place) {
     const auto partition = std::ranges::find(disk.partitions, static_cast<uint32_t>(place.partition),
                                              &machine::Partition::number);
     if (partition == disk.partitions.end()) {
-        const std::string numbers = Listed(
-            disk.partitions, [](const machine::Partition& known) { return std::to_string(known.number); });
+        const std::string numbers = Joined(disk.partitions, ", ", [](const machine::Partition& known) {
+            return std::to_string(known.number);
+        });
         throw Failed("there is no partition " + std::to_string(place.partition) + " on disk " +
                      std::to_string(place.disk) + ", which has " + (numbers.empty() ? "none" : numbers));
     }

@@ -4,26 +4,21 @@
 #include <sstream>
 
 #include "tools/kestova/common/errors.h"
-#include "tools/kestova/pc/disk_facts.h"
 
 namespace {
 
 constexpr size_t whole = noLimit;
 constexpr const char* none = "-";
 
-std::string NumberText(const std::optional<int>& number) {
-    return number ? std::to_string(*number) : none;
+// An empty name is none.
+std::string NameText(const std::optional<std::string>& name) {
+    return name && !name->empty() ? *name : none;
 }
-
-std::string TextOr(const std::optional<std::string>& text) {
-    return text && !text->empty() ? *text : none;
-}
-
 Cell NumberCell(const PartitionReport& partition, bool) {
     return {std::to_string(partition.number)};
 }
 Cell SlotCell(const PartitionReport& partition, bool) {
-    return {NumberText(partition.slot)};
+    return {TextOr(partition.slot, none)};
 }
 Cell StartCell(const PartitionReport& partition, bool inBytes) {
     return {SizeWords(partition.offset, inBytes)};
@@ -35,7 +30,7 @@ Cell TypeCell(const PartitionReport& partition, bool) {
     return {partition.typeName};
 }
 Cell NameCell(const PartitionReport& partition, bool) {
-    return {TextOr(partition.gptName)};
+    return {NameText(partition.gptName)};
 }
 Cell ActiveCell(const PartitionReport& partition, bool) {
     return partition.active ? Cell{"active", Meant::Good} : Cell{none};
@@ -44,18 +39,16 @@ Cell HiddenCell(const PartitionReport& partition, bool) {
     return {partition.hidden ? "hidden" : none};
 }
 Cell LetterCell(const PartitionReport& partition, bool) {
-    return {partition.letter ? LetterText(*partition.letter) : none};
+    return {TextOr(partition.letter, none)};
 }
 Cell LabelCell(const PartitionReport& partition, bool) {
-    return {TextOr(partition.label)};
+    return {NameText(partition.label)};
 }
 Cell FileSystemCell(const PartitionReport& partition, bool) {
-    return {TextOr(partition.fileSystem)};
+    return {NameText(partition.fileSystem)};
 }
 Cell ConditionCell(const PartitionReport& partition, bool) {
-    if (!partition.condition) return {none};
-    return {*partition.condition,
-            *partition.condition == volume_condition::clean ? Meant::Plain : Meant::Barring};
+    return {TextOr(partition.condition, none), IsBarring(partition) ? Meant::Barring : Meant::Plain};
 }
 Cell HideCell(const PartitionReport& partition, bool) {
     return {partition.hide ? "hide" : none};
@@ -63,27 +56,23 @@ Cell HideCell(const PartitionReport& partition, bool) {
 
 // "Windows RE: type and contents"; "-" without a role.
 Cell RoleCell(const PartitionReport& partition, bool) {
-    std::string text;
-    for (const Role& role : partition.roles)
-        text += (text.empty() ? "" : "; ") + std::string(role.role) + ": " + role.reason;
-    return {text.empty() ? none : text};
+    if (partition.roles.empty()) return {none};
+    return {Joined(partition.roles, "; ",
+                   [](const Role& role) { return std::string(role.role) + ": " + role.reason; })};
 }
 
-std::string GapStart(const Gap& gap, bool inBytes) {
-    return SizeWords(gap.offset, inBytes);
+std::string FreeStart(const Piece& piece, bool inBytes) {
+    return SizeWords(piece.offset, inBytes);
 }
-std::string GapSize(const Gap& gap, bool inBytes) {
-    return SizeWords(gap.size, inBytes);
+std::string FreeSize(const Piece& piece, bool inBytes) {
+    return SizeWords(piece.size, inBytes);
 }
-std::string GapWord(const Gap&, bool) {
+std::string FreeWord(const Piece&, bool) {
     return "free";
 }
 
 std::string Names() {
-    std::string names;
-    for (const Column& column : Columns())
-        names += (names.empty() ? "" : ", ") + std::string(column.name);
-    return names;
+    return Joined(Columns(), ", ", &Column::name);
 }
 
 }  // namespace
@@ -92,9 +81,9 @@ const std::vector<Column>& Columns() {
     static const std::vector<Column> columns = {
         {"number", {"#", whole}, "as Windows counts partitions", true, false, NumberCell, nullptr},
         {"slot", {"Slot", whole}, "as the table counts its entries", true, false, SlotCell, nullptr},
-        {"start", {"Start", whole}, "from the beginning of the disk", true, true, StartCell, GapStart},
-        {"size", {"Size", whole}, "", true, false, SizeCell, GapSize},
-        {"type", {"Type", 8}, "in words", true, false, TypeCell, GapWord},
+        {"start", {"Start", whole}, "from the beginning of the disk", true, true, StartCell, FreeStart},
+        {"size", {"Size", whole}, "", true, false, SizeCell, FreeSize},
+        {"type", {"Type", 8}, "in words", true, false, TypeCell, FreeWord},
         {"name", {"Name", 6}, "in the entry of a GUID partition table", true, true, NameCell, nullptr},
         {"active", {"Active", 6}, "an MBR's flag", true, false, ActiveCell, nullptr},
         {"hidden", {"Hidden", 6}, "by the type or attribute of the entry", false, false, HiddenCell, nullptr},
@@ -131,6 +120,17 @@ std::vector<const Column*> ColumnsOf(const std::string& list) {
     }
     if (chosen.empty()) throw WrongUse("--columns: name one of " + Names());
     return chosen;
+}
+
+std::vector<Cell> CellsOf(const Piece& piece, const std::vector<const Column*>& columns, bool inBytes) {
+    std::vector<Cell> cells;
+    for (const Column* const column : columns) {
+        if (piece.partition != nullptr)
+            cells.push_back(column->cell(*piece.partition, inBytes));
+        else
+            cells.push_back({column->free != nullptr ? column->free(piece, inBytes) : ""});
+    }
+    return cells;
 }
 
 std::string SizeWords(int64_t bytes, bool inBytes) {

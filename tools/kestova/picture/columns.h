@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tools/kestova/common/fitted_table.h"
-#include "tools/kestova/reports/status.h"
+#include "tools/kestova/picture/pieces.h"
 
 struct Column {
     std::string_view name;  // as --columns has it
@@ -15,15 +15,18 @@ struct Column {
     bool isUsual;            // shown without --columns
     bool isDropped;          // first, where a terminal is too narrow; only without --columns
     // `inBytes`: sizes are not rounded.
-    Cell (*cell)(const PartitionReport& partition, bool inBytes);
-    // What is in the column of free space; null: nothing.
-    std::string (*gap)(const Gap& gap, bool inBytes);
+    Cell (*cell)(const PartitionReport& partition,
+                 bool inBytes);  // What is in the column of free space; null: nothing.
+    std::string (*free)(const Piece& piece, bool inBytes);
 };
 
 const std::vector<Column>& Columns();
 
 // Those of a list such as "number,size". Throws WrongUse with the names for an unknown one, and for none.
 std::vector<const Column*> ColumnsOf(const std::string& list);
+
+// A piece's row of the table.
+std::vector<Cell> CellsOf(const Piece& piece, const std::vector<const Column*>& columns, bool inBytes);
 
 // A size as the user wants it.
 std::string SizeWords(int64_t bytes, bool inBytes);

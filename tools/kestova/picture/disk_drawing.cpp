@@ -82,9 +82,7 @@ std::string DiskDrawing(const DiskReport& disk) {
     const std::vector<Piece> pieces = PiecesOf(disk);
     if (pieces.empty()) return "";
     const std::string id = "disk" + std::to_string(disk.number);
-    std::string description;
-    for (const Piece& piece : pieces)
-        description += (description.empty() ? "" : "; ") + PieceWords(piece);
+    const std::string description = Joined(pieces, "; ", PieceWords);
     std::string svg = "<svg class=\"disk\" role=\"img\" aria-labelledby=\"" + id + "-title " + id +
                       "-words\" width=\"100%\" height=\"72\">\n<title id=\"" + id + "-title\">Disk " +
                       std::to_string(disk.number) + " to scale</title>\n<desc id=\"" + id + "-words\">" +

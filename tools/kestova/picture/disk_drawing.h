@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/kestova/picture/report.h"
+#include "tools/kestova/picture/pieces.h"
 
 // Each piece is as wide as its share of the disk, but at least so wide that it can be seen. With a title and
 // a description for those who do not see it.

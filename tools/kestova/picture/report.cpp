@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "tools/kestova/pc/disk_facts.h"
 #include "tools/kestova/picture/columns.h"
 
 namespace {
@@ -10,10 +9,6 @@ namespace {
 // What the report shows of a partition.
 std::vector<const Column*> Shown() {
     return ColumnsOf("number,slot,start,size,type,name,active,hidden,letter,label,filesystem,condition,role");
-}
-
-void Add(std::string& words, const std::optional<std::string>& more) {
-    if (more && !more->empty()) words += ", " + *more;
 }
 
 }  // namespace
@@ -31,35 +26,6 @@ std::vector<Remark> RemarksOf(const PcReport& report) {
     return remarks;
 }
 
-std::vector<Piece> PiecesOf(const DiskReport& disk) {
-    std::vector<Piece> pieces;
-    for (const PartitionReport& partition : disk.partitions)
-        pieces.push_back({partition.offset, partition.size, &partition});
-    for (const Gap& gap : disk.gaps)
-        pieces.push_back({gap.offset, gap.size});
-    std::ranges::stable_sort(pieces, {}, &Piece::offset);
-    return pieces;
-}
-
-bool IsBarring(const PartitionReport& partition) {
-    return partition.condition && *partition.condition != volume_condition::clean;
-}
-
-std::string PieceWords(const Piece& piece) {
-    const std::string size = SizeWords(piece.size, false);
-    if (piece.partition == nullptr) return "free: " + size;
-    const PartitionReport& partition = *piece.partition;
-    std::string words =
-        "partition " + std::to_string(partition.number) + ": " + partition.typeName + ", " + size;
-    if (partition.letter) words += ", " + LetterText(*partition.letter) + ":";
-    Add(words, partition.label);
-    if (partition.active) words += ", active";
-    if (IsBarring(partition)) Add(words, partition.condition);
-    for (const Role& role : partition.roles)
-        words += std::string(", ") + role.role;
-    return words;
-}
-
 std::vector<std::string> PieceTitles() {
     std::vector<std::string> titles;
     for (const Column* const column : Shown())
@@ -69,15 +35,7 @@ std::vector<std::string> PieceTitles() {
 
 std::vector<std::string> PieceRow(const Piece& piece) {
     std::vector<std::string> row;
-    for (const Column* const column : Shown()) {
-        if (piece.partition != nullptr)
-            row.push_back(column->cell(*piece.partition, false).text);
-        else
-            row.push_back(column->gap != nullptr ? column->gap({piece.offset, piece.size}, false) : "");
-    }
+    for (const Cell& cell : CellsOf(piece, Shown(), false))
+        row.push_back(cell.text);
     return row;
-}
-
-const char* AnswerWord(const ConditionReport& condition) {
-    return !condition.isMet ? "-" : *condition.isMet ? "yes" : "no";
 }

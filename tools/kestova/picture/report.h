@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/kestova/reports/status.h"
+#include "tools/kestova/picture/pieces.h"
 #include "tools/kestova/reports/switch_check.h"
 
 struct LoggedLine {
@@ -29,26 +29,9 @@ struct Remark {
 };
 std::vector<Remark> RemarksOf(const PcReport& report);
 
-// A partition or free space, in the order of the disk.
-struct Piece {
-    int64_t offset = 0;                          // bytes
-    int64_t size = 0;                            // bytes
-    const PartitionReport* partition = nullptr;  // null: free
-};
-std::vector<Piece> PiecesOf(const DiskReport& disk);
-
-// "partition 2: NTFS (0x07), 200.0 GiB, C, Windows, active, installed Windows".
-std::string PieceWords(const Piece& piece);
-
-// Whether a condition is one that bars a change.
-bool IsBarring(const PartitionReport& partition);
-
 // The table of a disk's partitions: its titles, and a row for each piece.
 std::vector<std::string> PieceTitles();
 std::vector<std::string> PieceRow(const Piece& piece);
-
-// "yes", "no", or "-" for a condition that was not looked at.
-const char* AnswerWord(const ConditionReport& condition);
 
 // The page, whole in itself: no script, nothing from elsewhere.
 std::string HtmlPage(const PcReport& report);

@@ -6,18 +6,6 @@
 
 namespace {
 
-std::string Or(const std::optional<std::string>& text, const char* none) {
-    return text.value_or(none);
-}
-
-std::string Or(const std::optional<int>& number, const char* none) {
-    return number ? std::to_string(*number) : none;
-}
-
-std::string Or(const std::optional<WCHAR>& letter, const char* none) {
-    return letter ? LetterText(*letter) : none;
-}
-
 std::string WindowsText(const std::optional<WindowsPlace>& windows) {
     if (!windows) return "not found";
     return LetterText(windows->letter) + ": disk " + std::to_string(windows->disk) + ", partition " +
@@ -25,7 +13,7 @@ std::string WindowsText(const std::optional<WindowsPlace>& windows) {
 }
 
 std::string EncryptedText(const std::optional<std::string>& letters) {
-    return letters == "" ? "none" : Or(letters, "BitLocker cannot be asked");
+    return letters == "" ? "none" : TextOr(letters, "BitLocker cannot be asked");
 }
 
 const char* NoActivePartition(const StatusReport& status) {
@@ -65,30 +53,13 @@ std::vector<TableColumn> LooksOf(const Chosen& columns) {
     return looks;
 }
 
-// Partitions and free space in the order of the disk.
+// Without the column that says so nothing would show that space is free; then it is left out.
 std::vector<std::vector<Cell>> RowsOf(const DiskReport& disk, const Chosen& columns, bool inBytes) {
-    struct Placed {
-        int64_t offset;
-        std::vector<Cell> row;
-    };
-    std::vector<Placed> placed;
-    for (const PartitionReport& partition : disk.partitions) {
-        placed.push_back({partition.offset, {}});
-        for (const Column* const column : columns)
-            placed.back().row.push_back(column->cell(partition, inBytes));
-    }
-    // Without the column that says so, nothing would show that the space is free.
-    const bool showsGaps =
-        std::ranges::any_of(columns, [](const Column* column) { return column->name == "type"; });
-    for (const Gap& gap : showsGaps ? disk.gaps : std::vector<Gap>()) {
-        placed.push_back({gap.offset, {}});
-        for (const Column* const column : columns)
-            placed.back().row.push_back({column->gap != nullptr ? column->gap(gap, inBytes) : ""});
-    }
-    std::ranges::stable_sort(placed, {}, &Placed::offset);
+    const bool showsFree = std::ranges::count(columns, "type", &Column::name) != 0;
     std::vector<std::vector<Cell>> rows;
-    for (Placed& each : placed)
-        rows.push_back(std::move(each.row));
+    for (const Piece& piece : PiecesOf(disk)) {
+        if (piece.partition != nullptr || showsFree) rows.push_back(CellsOf(piece, columns, inBytes));
+    }
     return rows;
 }
 
@@ -126,15 +97,15 @@ std::string DiskText(const StatusReport& status, const DiskReport& disk, const S
 std::vector<std::vector<std::string>> HeadRows(const StatusReport& status) {
     return {{"Firmware", status.firmware},
             {"Running system", status.system},
-            {"Windows directory", Or(status.windowsDirectory, "unknown")},
-            {"Internal disk", Or(status.internalDisk, "unknown")},
-            {"Partition style", Or(status.style, "-")},
-            {"Active partition", Or(status.activePartition, NoActivePartition(status))},
+            {"Windows directory", TextOr(status.windowsDirectory, "unknown")},
+            {"Internal disk", TextOr(status.internalDisk, "unknown")},
+            {"Partition style", TextOr(status.style, "-")},
+            {"Active partition", TextOr(status.activePartition, NoActivePartition(status))},
             {"Layout", status.layoutName},
             {"Installed Windows", WindowsText(status.windows)},
             {"Encrypted volumes", EncryptedText(status.encryptedVolumes)},
-            {"Recovery disc", Or(status.recoveryDisc, "none")},
-            {"Recovery stick", Or(status.recoveryStick, "none")},
+            {"Recovery disc", TextOr(status.recoveryDisc, "none")},
+            {"Recovery stick", TextOr(status.recoveryStick, "none")},
             {"Cache partition", status.cachePartition ? "yes" : "no"},
             {"Record", RecordText(status.record)}};
 }
@@ -143,7 +114,7 @@ std::string DiskWords(const DiskReport& disk, bool inBytes) {
     std::string words = disk.size ? SizeWords(*disk.size, inBytes) : "of unknown size";
     if (disk.sectorSize && *disk.sectorSize != 512)
         words += " in sectors of " + std::to_string(*disk.sectorSize) + " bytes";
-    words += ", " + (disk.style == "none" ? "no partition table" : Or(disk.style, "unknown style"));
+    words += ", " + (disk.style == "none" ? "no partition table" : TextOr(disk.style, "unknown style"));
     if (disk.bus) words += ", " + *disk.bus;
     if (disk.model) words += ", " + *disk.model;
     if (disk.serial) words += ", serial number " + *disk.serial;

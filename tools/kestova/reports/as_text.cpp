@@ -28,28 +28,15 @@ std::string Plain(const std::string& text) {
 
 // "C: disk 0, partition 2; D: disk 0, partition 3".
 std::string Plain(const std::vector<DriveRecord>& records) {
-    std::string text;
-    for (const DriveRecord& record : records) {
-        text += (text.empty() ? "" : "; ") + record.letter + ": disk " + std::to_string(record.disk) +
-                ", partition " + std::to_string(record.partition);
-    }
-    return text.empty() ? "none" : text;
+    if (records.empty()) return "none";
+    return Joined(records, "; ", [](const DriveRecord& record) {
+        return record.letter + ": disk " + std::to_string(record.disk) + ", partition " +
+               std::to_string(record.partition);
+    });
 }
 
 std::string Plain(const Value& value) {
     return std::visit([](const auto& held) { return Plain(held); }, value);
-}
-
-std::string Or(const std::optional<std::string>& text, const char* none) {
-    return text.value_or(none);
-}
-
-std::string Or(const std::optional<int>& number, const char* none) {
-    return number ? std::to_string(*number) : none;
-}
-
-std::string Or(const std::optional<WCHAR>& letter, const char* none) {
-    return letter ? LetterText(*letter) : none;
 }
 
 // --- files ---
@@ -70,19 +57,17 @@ std::string TraceLine(const LogEntry& record) {
 }
 
 std::string TraceLine(const machine::CallRecord& call) {
-    std::string arguments;
-    for (const std::string& argument : call.arguments)
-        arguments += (arguments.empty() ? "" : ", ") + Plain(argument);
+    const std::string arguments =
+        Joined(call.arguments, ", ", [](const std::string& argument) { return Plain(argument); });
     return "  " + call.call + "(" + OneLine(arguments) + ") = " + call.result +
            (call.injected ? "  (injected)" : "") + "\n";
 }
 
 // "(0, 2) = C: its letter"; an operation without a result has nothing after its arguments.
 std::string CallText(const OperationReport& report) {
-    std::string arguments;
-    for (const auto& [name, value] : report.arguments)
-        arguments += (arguments.empty() ? "" : ", ") + Plain(value);
-    std::string text = "(" + arguments + ")";
+    const std::string arguments =
+        Joined(report.arguments, ", ", [](const auto& argument) { return Plain(argument.second); });
+    const std::string text = "(" + arguments + ")";
     if (IsNothing(report.result)) return text;
     return text + " = " + ValueText(report.result, ResultWords(report));
 }
@@ -114,8 +99,8 @@ std::string OperationText(const Operation& operation) {
 std::string AsText(const LettersReport& letters) {
     Rows rows = {{"Letter", "Disk", "Partition", "Here"}};
     for (const LetterReport& letter : letters.letters)
-        rows.push_back(
-            {letter.letter, Or(letter.disk, "-"), Or(letter.partition, "-"), Or(letter.here, "-")});
+        rows.push_back({letter.letter, TextOr(letter.disk, "-"), TextOr(letter.partition, "-"),
+                        TextOr(letter.here, "-")});
     return Table(rows, "");
 }
 
@@ -124,7 +109,7 @@ std::string AsText(const FilesReport& report) {
     if (report.hasHashes) rows.front().emplace_back("SHA-256");
     for (const ListedFile& file : report.files) {
         rows.push_back({Printable(file.entry.name), FileSizeText(file.entry)});
-        if (report.hasHashes) rows.back().push_back(Or(file.sha256, "-"));
+        if (report.hasHashes) rows.back().push_back(TextOr(file.sha256, "-"));
     }
     return Table(rows, "");
 }
@@ -132,8 +117,7 @@ std::string AsText(const FilesReport& report) {
 std::string AsText(const SwitchReport& report) {
     Rows rows;
     for (const ConditionReport& condition : report.conditions) {
-        const char* const answer = !condition.isMet ? "-" : *condition.isMet ? "yes" : "no";
-        rows.push_back({condition.question, answer, TextOf(condition)});
+        rows.push_back({condition.question, AnswerWord(condition), TextOf(condition)});
     }
     return Table(rows, "");
 }

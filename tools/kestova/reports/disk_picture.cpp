@@ -208,15 +208,13 @@ std::vector<DiskReport> ReadDisks(const StatusReport& status, Questions& questio
         const HANDLE handle = OpenDisk(number);
         const DWORD error = GetLastError();
         const bool isOther = status.internalDisk && status.internalDisk != number;
-        Questions& asked = isOther ? ofOthers : questions;
-        if (handle == INVALID_HANDLE_VALUE) {
+        if (handle != INVALID_HANDLE_VALUE) {
+            disks.push_back(ReadDisk(handle, number, status, isOther ? ofOthers : questions));
+        } else if (error != ERROR_FILE_NOT_FOUND && !isOther) {
             // One that the system refuses is like the next ones.
-            if (error != ERROR_FILE_NOT_FOUND)
-                asked.AddUnread("the disks from " + std::to_string(number) + " on cannot be opened", error);
-            if (error != ERROR_FILE_NOT_FOUND && !isOther) break;
-            continue;
+            questions.AddUnread("the disks from " + std::to_string(number) + " on cannot be opened", error);
+            break;
         }
-        disks.push_back(ReadDisk(handle, number, status, asked));
     }
     return disks;
 }

@@ -86,13 +86,13 @@ Answer Style(const Facts& facts) {
 
 Answer ActivePartition(const Facts& facts) {
     if (!IsMbr(facts)) return {};
-    std::string numbers;
+    std::vector<std::string> numbers;
     for (const PARTITION_INFORMATION_EX& entry : facts.partitions) {
-        if (IsActive(entry)) numbers += (numbers.empty() ? "" : ", ") + std::to_string(entry.PartitionNumber);
+        if (IsActive(entry)) numbers.push_back(std::to_string(entry.PartitionNumber));
     }
-    const auto count = std::ranges::count_if(facts.partitions, IsActive);
-    if (count == 0) return {false, "none"};
-    return {count == 1, (count == 1 ? "partition " : "partitions ") + numbers};
+    if (numbers.empty()) return {false, "none"};
+    const bool isOne = numbers.size() == 1;
+    return {isOne, (isOne ? "partition " : "partitions ") + Joined(numbers, ", ")};
 }
 
 Answer RecoveryPartition(const Facts& facts) {
@@ -217,6 +217,11 @@ Rehearsed Rehearse(Session& session, int disk) {
 }
 
 }  // namespace
+
+const char* AnswerWord(const ConditionReport& condition) {
+    if (!condition.isMet) return "-";
+    return *condition.isMet ? "yes" : "no";
+}
 
 std::string TextOf(const ConditionReport& condition) {
     const bool isAdvised = condition.isMet == false && *condition.advice != '\0';

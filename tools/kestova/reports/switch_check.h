@@ -16,6 +16,9 @@ struct ConditionReport {
     const char* advice;  // if it is not met; may be empty
 };
 
+// "yes", "no", or "-" for a condition that was not asked.
+const char* AnswerWord(const ConditionReport& condition);
+
 // What was found, and what to do if that is not as it should be.
 std::string TextOf(const ConditionReport& condition);
 

@@ -1,4 +1,4 @@
-#include "tools/kestova/schema/output_keys.h"
+#include "tools/kestova/json/output_keys.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/kestova/schema/output_keys.h"
+#include "tools/kestova/json/output_keys.h"
 
 // Of one object, indented (draft 2020-12).
 std::string OutputSchema(const CommandOutput& output);

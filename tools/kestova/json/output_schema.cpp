@@ -1,4 +1,4 @@
-#include "tools/kestova/schema/output_schema.h"
+#include "tools/kestova/json/output_schema.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,0 +1,143 @@
+// Operations with their log and trace, what the tool and the emulated PC come with, and what ends a command.
+
+#include "base/utf.h"
+#include "tools/kestova/json/as_json.h"
+#include "tools/kestova/json/json_values.h"
+#include "tools/kestova/reports/call_words.h"
+#include "tools/kestova/reports/remarks.h"
+
+static Json ToJson(std::monostate) {
+    return nullptr;
+}
+
+static Json ToJson(const DriveRecord& record) {
+    return {{"iDiskNum", record.disk}, {"iPartNum", record.partition}, {"cDriveLetter", record.letter}};
+}
+
+static Json ToJson(const std::vector<DriveRecord>& records) {
+    return ListOf(records);
+}
+
+static Json ToJson(const Value& value) {
+    return std::visit([](const auto& held) { return ToJson(held); }, value);
+}
+
+static Json ToJson(const Values& values) {
+    Json json = Json::object();
+    for (const auto& [name, value] : values)
+        json[name] = ToJson(value);
+    return json;
+}
+
+static Json ToJson(const LogEntry& record) {
+    return {{"level", record.level}, {"text", ToUtf8(record.Text())}};
+}
+
+static Json ToJson(const machine::CallRecord& call) {
+    Json json = {{"call", call.call}, {"arguments", call.arguments}, {"result", call.result}};
+    if (call.injected) json["injected"] = true;
+    return json;
+}
+
+static Json ToJson(const Trace& trace) {
+    Json json = Json::array();
+    for (const machine::JournalEntry& entry : trace)
+        json.push_back(std::visit([](const auto& happened) { return ToJson(happened); }, entry));
+    return json;
+}
+
+static Json ToJson(const Meaning& meaning) {
+    return {{"value", ToJson(meaning.value)}, {"words", meaning.words}, {"failure", meaning.failure}};
+}
+
+static const char* KindName(Kind kind) {
+    switch (kind) {
+        case Kind::Flag:
+            return "flag";
+        case Kind::Letter:
+            return "letter";
+        case Kind::Text:
+            return "text";
+        case Kind::List:
+            return "list";
+        default:
+            return "number";
+    }
+}
+
+static Json ToJson(const Parameter& parameter) {
+    Json json = {{"name", parameter.name},
+                 {"kind", KindName(parameter.kind)},
+                 {"direction", parameter.output ? "out" : "in"},
+                 {"words", parameter.words},
+                 {"values", ListOf(parameter.meanings)}};
+    if (!IsNothing(parameter.standard)) json["default"] = ToJson(parameter.standard);
+    return json;
+}
+
+static Json ToJson(const Operation& operation) {
+    return {{"operation", operation.name},
+            {"summary", operation.summary},
+            {"parameters", ListOf(operation.parameters)},
+            {"results", ListOf(operation.results)},
+            {"otherwise", operation.otherwise},
+            {"changesPc", operation.changesPc}};
+}
+
+static Json ToJson(const machine::NamedMachine& machine) {
+    return {{"name", machine.name}, {"summary", machine.summary}};
+}
+
+static Json ToJson(const machine::CallInfo& call) {
+    return {{"call", call.name}, {"failsWith", FailureWords(call.failsWith)}, {"changesPc", call.changesPc}};
+}
+
+template <typename List>
+static std::string Lines(const List& list) {
+    std::string lines;
+    for (const auto& element : list)
+        lines += Line(ToJson(element));
+    return lines;
+}
+
+std::string AsJson(const OperationReport& report) {
+    Json json = {{"operation", report.operation->name},
+                 {"arguments", ToJson(report.arguments)},
+                 {"result", ToJson(report.result)},
+                 {"outputs", ToJson(report.outputs)},
+                 {"log", ListOf(report.log)}};
+    if (report.showsTrace) json["trace"] = ToJson(report.trace);
+    if (!report.backups.empty()) json["backups"] = report.backups;
+    if (!report.unwritten.empty()) json["written"] = false;
+    AddProblem(report.problem, json);
+    if (!report.reasons.empty()) json["reasons"] = ListOf(report.reasons);
+    if (report.outcome != nullptr) json["outcome"] = report.outcome;
+    if (report.changes) json["changes"] = *report.changes;
+    AddRemarks(report.remarks, json);
+    return Line(json);
+}
+
+std::string ErrorAsJson(const std::string& message, int status) {
+    return Line({{"error", message}, {"status", status}}, true);
+}
+
+std::string WithEnd(const std::string& line, const EndReport& end) {
+    Json json = Json::parse(line);
+    for (const FaultCount& fault : end.faults)
+        json["faultsMet"].push_back({{"fault", fault.fault}, {"met", fault.met}});
+    AddRemarks(UnmetFaults(end.faults), json);
+    if (end.ledger) json["ledger"] = *end.ledger;
+    return Line(json);
+}
+
+std::string AsJson(const std::vector<Operation>& operations) {
+    return Lines(operations);
+}
+
+std::string AsJson(const std::vector<machine::NamedMachine>& machines) {
+    return Lines(machines);
+}
+
+std::string AsJson(std::span<const machine::CallInfo> calls) {
+    return Lines(calls);
+}
