@@ -287,8 +287,8 @@ TEST_F(Picture, ControlCharactersInNames_StatusAndLog_ReachNoTerminal) {
     const std::string rightToLeft = {'\xE2', '\x80', '\xAE'};
     EXPECT_THAT(outcome.output, Not(HasSubstr(rightToLeft)));
     const std::string json = Kestova("--pc evil.json --json status").output;
-    EXPECT_THAT(json.substr(json.find("\"disks\"")), HasSubstr(R"("label":"E\u001b[31mvil\u009b")"));
-    EXPECT_THAT(json, HasSubstr(R"("name":"a\u202eb")"));
+    EXPECT_THAT(json.substr(json.find("\"disks\"")), HasSubstr(R"("label":"E\u001b[31mvil\u009B")"));
+    EXPECT_THAT(json, HasSubstr(R"("name":"a\u202Eb")"));
     // In a file the log is as the library writes it.
     ASSERT_EQ(Kestova("--pc evil.json --log log status").status, outcome.status);
     EXPECT_THAT(ReadFile("log"), Not(HasSubstr("\\u")));
