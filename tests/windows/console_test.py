@@ -60,10 +60,27 @@ class ConsoleTest(unittest.TestCase):
         self.assertIn(b"SetRcvprtActive()=", shown)
 
     def test_yes_is_given_or_nothing_changes_asks_nothing(self):
-        for words in (["--no-initialize", "--yes", "boot", "recovery"], ["--no-initialize", "call", "GetDiskStyle"], ["--pc", "factory-mbr", "boot", "recovery"]):
+        for words in (
+            ["--no-initialize", "--yes", "boot", "recovery"],
+            ["--no-initialize", "--dry-run", "boot", "recovery"],
+            ["--no-initialize", "call", "GetDiskStyle"],
+            ["--pc", "factory-mbr", "boot", "recovery"],
+        ):
             shown, _ = run_on_console(words, b"n")
             self.assertNotIn(QUESTION, shown, words)
             self.assertIn(b"()=", shown, words)
+
+    def test_dry_run_ends_before_the_first_change(self):
+        boot_loader = pathlib.Path(os.environ["WINEPREFIX"]) / "drive_c/windows/system32/winload.exe"
+        boot_loader.touch()
+        self.addCleanup(boot_loader.unlink)
+        words = ["--no-initialize", "--dry-run", "call", "GetWinDriveLetters", "1"]
+        shown, status = run_on_console(words, b"n")
+        self.assertRegex(shown, rb"GetWinDriveLetters\(.*\):wouldfirstcreatethefile[A-Z]:.LoadRegistry.bat;")
+        self.assertEqual(status, 0)
+        shown, status = run_on_console(["--json", *words], b"n")
+        self.assertRegex(shown, rb'"result":null,"outputs":{},.*"stoppedBefore":"createthefile')
+        self.assertEqual(status, 0)
 
 
 if __name__ == "__main__":

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "base/text_case.h"
-#include "machine/entry/windows/answered_calls.h"
 
 namespace machine {
 
@@ -51,9 +50,8 @@ std::vector<Import> ImportsOf(HMODULE module) {
     return imports;
 }
 
-// The emulated PC's function of that name, or 0.
-ULONG_PTR Emulated(std::string_view name) {
-    const auto calls = AnsweredCalls();
+// The function that is given for a call of that name, or 0.
+ULONG_PTR Given(std::span<const AnsweredCall> calls, std::string_view name) {
     const auto found = std::ranges::lower_bound(calls, name, {}, &AnsweredCall::name);
     return found != calls.end() && found->name == name ? reinterpret_cast<ULONG_PTR>(found->function) : 0;
 }
@@ -74,28 +72,20 @@ void Write(ULONG_PTR* address, ULONG_PTR function) {
 
 }  // namespace
 
-// The product and the C runtime inside the module share some imports: CloseHandle, GetCurrentProcess,
-// GetLastError, SetLastError, Sleep, WaitForSingleObject, WideCharToMultiByte. The emulated PC answers them
-// for both and never forwards to Windows: a handle of one may have the same value as a handle of the other,
-// so a handle that the product closes twice must never reach Windows. This is safe for the runtime because
-// all calls come from one thread and the imports are restored before the module is unloaded. The runtime's
-// remaining uses have the same effect either way: it preserves the last error around an access to
-// thread-local storage, and names the process by a constant pseudo handle. It closes, waits and sleeps only
-// for other threads and contended locks, and converts text only for narrow output, which the product does
-// not use.
-ImportTable::ImportTable(HMODULE module) {
+ImportTable::ImportTable(HMODULE module, std::span<const AnsweredCall> calls, OtherImports others) {
+    if (module == nullptr) throw std::runtime_error("Kestova.dll is not loaded");
     std::string unanswered;
     for (const Import& import : ImportsOf(module)) {
-        if (const ULONG_PTR emulated = Emulated(import.name); emulated != 0) {
-            entries_.push_back({import.address, *import.address, emulated});
-        } else if (!StaysWithWindows(import)) {
+        if (const ULONG_PTR given = Given(calls, import.name); given != 0) {
+            entries_.push_back({import.address, *import.address, given});
+        } else if (others == OtherImports::Refuse && !StaysWithWindows(import)) {
             unanswered.append(" ").append(import.library).append(":").append(import.name);
         }
     }
     if (!unanswered.empty())
         throw std::runtime_error("the library imports what no emulated PC answers:" + unanswered);
     for (const Entry& entry : entries_)
-        Write(entry.address, entry.emulated);
+        Write(entry.address, entry.given);
 }
 
 ImportTable::~ImportTable() {

@@ -151,6 +151,10 @@ Access AccessFor(const std::vector<PlannedCall>& calls) {
 // it.
 int BootAndShow(const CommandLine& line, Session& session, const Operation& operation) {
     OperationReport report = session.Call(operation, {});
+    if (report.stoppedBefore) {
+        Show(line, report);
+        return Done;
+    }
     const int result = std::get<int>(report.result);
     if (!line.json || !report.unwritten.empty()) Show(line, report);
     CheckWritten(report);
@@ -185,8 +189,9 @@ struct ShownCall {
 
 ShownCall CallAndShow(const CommandLine& line, Session& session, const PlannedCall& call) {
     OperationReport report = session.Call(*call.operation, call.arguments);
-    if (call.operation->changesPc) report.remarks = RemarksOn(session.OnPc());
+    if (call.operation->changesPc && !report.stoppedBefore) report.remarks = RemarksOn(session.OnPc());
     Show(line, report);
+    if (report.stoppedBefore) return {};
     CheckWritten(report);
     const int status = ShowProblem(line, report.problem);
     return {IsFailure(*call.operation, report.result) ? Failure : status, report.remarks};

@@ -103,8 +103,8 @@ static std::string Lines(const List& list) {
 std::string AsJson(const OperationReport& report) {
     Json json = {{"operation", report.operation->name},
                  {"arguments", ToJson(report.arguments)},
-                 {"result", ToJson(report.result)},
-                 {"outputs", ToJson(report.outputs)},
+                 {"result", report.stoppedBefore ? Json() : ToJson(report.result)},
+                 {"outputs", report.stoppedBefore ? Json::object() : ToJson(report.outputs)},
                  {"log", ListOf(report.log)}};
     if (report.showsTrace) json["trace"] = ToJson(report.trace);
     if (!report.backups.empty()) json["backups"] = report.backups;
@@ -114,6 +114,7 @@ std::string AsJson(const OperationReport& report) {
     if (report.outcome != nullptr) json["outcome"] = report.outcome;
     if (report.changes) json["changes"] = *report.changes;
     AddRemarks(report.remarks, json);
+    if (report.stoppedBefore) json["stoppedBefore"] = *report.stoppedBefore;
     return Line(json);
 }
 

@@ -138,6 +138,11 @@ constexpr OutputKey afterProblemKeys[] = {
     {"changes?", "array", "of the PC, in words"},
 };
 
+constexpr OutputKey stopKey[] = {
+    {"stoppedBefore?", "string",
+     "the change before which a dry run of this PC stopped; there is no result then"},
+};
+
 constexpr OutputKey recoverKeys[] = {
     {"image", "string", "as it was named"},
     {"change", "string|null", "finished or takenBack; null: there was none"},
@@ -190,8 +195,8 @@ constexpr OutputKey callsKeys[] = {
 };
 
 const std::vector<CommandOutput>& Outputs() {
-    const std::vector<OutputKeys> operation = {operationKeys, problemKey, afterProblemKeys, remarksKeys,
-                                               endKeys};
+    const std::vector<OutputKeys> operation = {operationKeys, problemKey, afterProblemKeys,
+                                               remarksKeys,   stopKey,    endKeys};
     static const std::vector<CommandOutput> outputs = {
         {"status", {statusKeys, remarkKey, problemKey, remarksKeys, endKeys}},
         {"letters", {lettersKeys, remarkKey, problemKey, remarksKeys, endKeys}},

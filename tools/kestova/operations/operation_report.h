@@ -22,6 +22,9 @@ struct OperationReport {
     Value result = {};
     const char* outcome = nullptr;  // which of the outcomes with this result it was; null: it has only one
     Values outputs = {};
+    // The change before which it was stopped, so that result and outputs mean nothing; nothing if it came to
+    // its end.
+    std::optional<std::string> stoppedBefore = {};
     std::vector<LogEntry> log = {};
     Trace trace = {};
     bool showsTrace = false;
@@ -35,3 +38,6 @@ struct OperationReport {
 
 // The result in words: the outcome, where several have this result; empty if there are no words for it.
 std::string ResultWords(const OperationReport& report);
+
+// "would first delete …": what an operation that was stopped has come to.
+std::string StopWords(const OperationReport& report);

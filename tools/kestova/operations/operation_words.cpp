@@ -135,6 +135,10 @@ std::string WordsOf(const Value& value, const std::vector<Meaning>& meanings, co
     return meaning != nullptr ? meaning->words : otherwise;
 }
 
+std::string StopWords(const OperationReport& report) {
+    return "would first " + *report.stoppedBefore + "; this was not done, and what follows it is unknown";
+}
+
 std::string ResultWords(const OperationReport& report) {
     if (report.outcome != nullptr) return report.outcome;
     return WordsOf(report.result, report.operation->results, report.operation->otherwise);

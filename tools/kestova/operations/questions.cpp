@@ -6,6 +6,7 @@
 OperationReport Questions::Ask(const char* operation, const Values& arguments) {
     OperationReport report = session_.Call(FindOperation(operation), arguments);
     if (!report.problem.empty()) AddUndetermined(report.problem);
+    if (report.stoppedBefore) AddUndetermined(report.operation->name + " " + StopWords(report));
     return report;
 }
 

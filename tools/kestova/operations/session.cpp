@@ -78,10 +78,13 @@ OperationReport Session::Report(const Operation& operation, const Values& argume
                                 const std::function<Value(Values& outputs)>& action) {
     collector_.Take();
     pc_.TakeTrace();
+    pc_.TakeStop();
     OperationReport report{.operation = &operation, .arguments = arguments, .showsTrace = traced_};
     report.result = action(report.outputs);
     report.log = collector_.Take();
     report.trace = pc_.TakeTrace();
+    report.stoppedBefore = pc_.TakeStop();
+    if (report.stoppedBefore) return report;
     report.problem = WhyUnanswered(report);
     report.outcome = OutcomeOf(report);
     return report;

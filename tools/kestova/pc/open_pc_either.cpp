@@ -35,11 +35,10 @@ std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access) {
     if (!choice.pc.empty()) return OpenEmulatedPc(choice, access);
     RefuseOnRealPc(choice.windows, "--windows");
     RefuseOnRealPc(choice.windowsPe, "--pe");
-    RefuseOnRealPc(choice.dryRun, "--dry-run");
     RefuseOnRealPc(choice.trace, "--trace");
     RefuseOnRealPc(choice.ledger, "--ledger");
     RefuseOnRealPc(!choice.faults.empty(), "--fail");
     RefuseOnRealPc(!choice.save.empty(), "--save");
-    if (access == Access::Change && !choice.yes) Confirm();
-    return OpenRealPc();
+    if (access == Access::Change && !choice.yes && !choice.dryRun) Confirm();
+    return OpenRealPc(choice.dryRun);
 }

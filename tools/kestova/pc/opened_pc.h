@@ -110,6 +110,9 @@ class OpenedPc {
     // call of it.
     virtual std::optional<std::vector<std::string>> Changes() const = 0;
     virtual std::optional<std::vector<std::string>> TakeChanges() = 0;
+    // The change before which the last operation was stopped, in words, as a dry run on the PC that the
+    // program runs on does; nothing if it came to its end.
+    virtual std::optional<std::string> TakeStop() = 0;
     // Runs an action that only looks at the PC: it meets no fault, and no fault plan counts its calls.
     virtual void Aside(const std::function<void()>& action) = 0;
     // How often each fault of the choice was met.
@@ -127,4 +130,5 @@ std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access);
 
 // The two kinds; a build has the first or both of them.
 std::unique_ptr<OpenedPc> OpenEmulatedPc(const PcChoice& choice, Access access);
-std::unique_ptr<OpenedPc> OpenRealPc();
+// With `dryRun` the library is stopped before each change.
+std::unique_ptr<OpenedPc> OpenRealPc(bool dryRun);

@@ -232,6 +232,7 @@ class EmulatedOne final : public OpenedPc {
         return ::Changes(before_, emulated_.facts, Since::Opening);
     }
     std::optional<std::vector<std::string>> TakeChanges() override;
+    std::optional<std::string> TakeStop() override { return std::nullopt; }
     void Aside(const std::function<void()>& action) override;
     std::vector<FaultCount> FaultCounts() const override;
     bool KeepsActiveFlags() const override { return !emulated_.facts.switches.activeFlagIsExclusive; }

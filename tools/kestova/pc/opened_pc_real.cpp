@@ -1,12 +1,17 @@
 // The PC that the program runs on. Windows loads the library and executes its calls.
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/passage/stopped_library.h"
 #include "tools/kestova/pc/opened_pc.h"
 
 namespace {
 
 class RealOne final : public OpenedPc {
   public:
+    explicit RealOne(bool dryRun) {
+        if (dryRun) stopped_.emplace();
+    }
+
     std::vector<std::string> Notes() const override { return {}; }
     std::vector<std::string> LaterNotes() const override { return {}; }
     InputFiles Inputs() const override { return {}; }
@@ -23,6 +28,9 @@ class RealOne final : public OpenedPc {
     std::vector<std::string> Backups() const override { return {}; }
     std::optional<std::vector<std::string>> Changes() const override { return std::nullopt; }
     std::optional<std::vector<std::string>> TakeChanges() override { return std::nullopt; }
+    std::optional<std::string> TakeStop() override {
+        return stopped_ ? stopped_->Stop().TakeFirst() : std::nullopt;
+    }
     void Aside(const std::function<void()>& action) override { action(); }
     std::vector<FaultCount> FaultCounts() const override { return {}; }
     bool KeepsActiveFlags() const override { return false; }
@@ -30,10 +38,11 @@ class RealOne final : public OpenedPc {
 
   private:
     std::map<std::string, int> unknown_;
+    std::optional<StoppedLibrary> stopped_;
 };
 
 }  // namespace
 
-std::unique_ptr<OpenedPc> OpenRealPc() {
-    return std::make_unique<RealOne>();
+std::unique_ptr<OpenedPc> OpenRealPc(bool dryRun) {
+    return std::make_unique<RealOne>(dryRun);
 }

@@ -68,6 +68,7 @@ std::string CallText(const OperationReport& report) {
     const std::string arguments =
         Joined(report.arguments, ", ", [](const auto& argument) { return Plain(argument.second); });
     const std::string text = "(" + arguments + ")";
+    if (report.stoppedBefore) return text + ": " + StopWords(report);
     if (IsNothing(report.result)) return text;
     return text + " = " + ValueText(report.result, ResultWords(report));
 }
@@ -126,7 +127,7 @@ std::string AsText(const OperationReport& report) {
     const Operation& operation = *report.operation;
     std::string text = TraceText(report) + operation.name + CallText(report) + "\n";
     for (const Parameter& parameter : operation.parameters) {
-        if (!parameter.output) continue;
+        if (!parameter.output || report.stoppedBefore) continue;
         const Value output = ValueOf(report.outputs, parameter.name);
         text +=
             "  " + parameter.name + " = " + ValueText(output, WordsOf(output, parameter.meanings, "")) + "\n";
