@@ -449,8 +449,9 @@ TEST_F(SharedFolder, AnotherUsersFileAsLog_AnyCommand_IsWrongUse) {
 TEST_F(Save, FileOfAnotherKind_LogAndSave_NeedOverwrite) {
     ASSERT_EQ(Kestova("--pc factory-mbr --save pc.json --log log status").status, 0);
     const std::string long_ = "{" + std::string((size_t{16} << 20) + 1, ' ') + "}";
-    for (const std::string& content : {std::string("a shopping list\n"), std::string("{\"name\": 1}"),
-                                       std::string("KESTOVA BACKUP 1\n"), std::string("4"), long_}) {
+    for (const std::string& content :
+         {std::string("a shopping list\n"), std::string("{\"name\": 1}"), std::string("KESTOVA BACKUP 1\n"),
+          std::string("1\t2\n2\t4\n"), std::string("4"), long_}) {
         for (const std::string option : {"--save", "--log"}) {
             WriteFile("file", content);
             const Outcome outcome = Kestova("--pc factory-mbr " + option + " file status");

@@ -83,15 +83,15 @@ TEST_F(Report, TinyPartition_Drawing_IsWideEnoughAndTheWholeFits) {
 }
 
 TEST_F(Report, TextsOfAMedium_PageAndMarkdown_MeanNothing) {
-    Describe("<script>alert('1')</script>\\u001b", "a|b `c` <b>\\\"&_");
+    Describe("<script>alert('1')</script>\\u001b", "a|b `c` <b>\\\"&_@all");
     const std::string page = Page("--pc pc.json");
     EXPECT_THAT(page, Not(HasSubstr("<script")));
     EXPECT_THAT(page, HasSubstr("<td>&lt;script&gt;alert(&#39;1&#39;)&lt;/script&gt;\\u001B</td>"));
-    EXPECT_THAT(page, HasSubstr("<td>a|b `c` &lt;b&gt;&quot;&amp;_</td>"));
+    EXPECT_THAT(page, HasSubstr("<td>a|b `c` &lt;b&gt;&quot;&amp;_@all</td>"));
     WriteFile("page.html", page);
     ExpectWellFormed(Shell("tidy -quiet -errors page.html").errors);
     EXPECT_THAT(Kestova("--pc pc.json --format markdown report").output,
-                HasSubstr("| a\\|b \\`c\\` \\<b\\>\"\\&\\_ | "));
+                HasSubstr("| a\\|b \\`c\\` \\<b\\>\"\\&\\_@\u200Ball | "));
 }
 
 TEST_F(Report, Markdown_Report_HasTablesOnStandardOutput) {

@@ -36,10 +36,10 @@ void CheckTarget(const std::string& option, const OutputFile& file) {
     if (!file.FolderTakesFiles()) Refuse(option, file, " cannot be written: its folder takes no new file");
 }
 
-// A level and a tab begin each line.
+// It begins with the level of a record, a tab, and what each text of the library begins with.
 bool IsLog(const std::string& text) {
-    const size_t level = text.find_first_not_of("0123456789");
-    return level != 0 && level != std::string::npos && text[level] == '\t';
+    return text.size() > 1 && text[0] >= '0' && text[0] <= '9' &&
+           std::string_view(text).substr(1).starts_with("\tKestova");
 }
 
 // A name that is mistyped must not cost a file of another kind.

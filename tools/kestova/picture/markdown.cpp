@@ -7,13 +7,14 @@ namespace {
 
 constexpr const char* heading = "# Kestova report";
 
-// No character of the text means anything: a backslash takes the meaning of punctuation. No text begins a
-// line.
+// No character of the text means anything: a backslash takes the meaning of punctuation, and after a space
+// without width an "@all" names nobody. No text begins a line.
 std::string Literal(std::string_view text) {
     std::string literal;
     for (const char unit : Printable(text)) {
         if (std::string_view("\\`*_[]<>|~&").find(unit) != std::string_view::npos) literal += '\\';
         literal += unit;
+        if (unit == '@') literal += "\u200B";
     }
     return literal;
 }
