@@ -4,16 +4,15 @@
 
 #include "machine/api/com/object.h"
 #include "machine/api/vds/objects.h"
-#include "platform/vds.h"
+#include "platform/vds_uncalled.h"
 
 namespace machine {
 
 // Every method returns VDS_E_OBJECT_DELETED after the PC has lost the disk; methods on one partition return
-// VDS_E_OBJECT_NOT_FOUND if none begins at the offset. Methods without a comment return
-// VDS_E_NOT_SUPPORTED.
+// VDS_E_OBJECT_NOT_FOUND if none begins at the offset.
 class VdsDisk final : public ComObject,
-                      public ComInterface<IVdsDisk>,
-                      public ComInterface<IVdsAdvancedDisk>,
+                      public ComInterface<Uncalled<IVdsDisk>>,
+                      public ComInterface<Uncalled<IVdsAdvancedDisk>>,
                       public ComInterface<IVdsAdvancedDisk2> {
   public:
     VdsDisk(uint32_t number, const Guid& id);
@@ -63,32 +62,9 @@ class VdsDisk final : public ComObject,
     HRESULT STDMETHODCALLTYPE ChangePartitionType(ULONGLONG offset, BOOL force,
                                                   CHANGE_PARTITION_TYPE_PARAMETERS* parameters) override;
 
-    // --- not supported ---
-
-    HRESULT STDMETHODCALLTYPE GetPack(IVdsPack**) override { return VDS_E_NOT_SUPPORTED; }
-    HRESULT STDMETHODCALLTYPE GetIdentificationData(VDS_LUN_INFORMATION*) override {
-        return VDS_E_NOT_SUPPORTED;
-    }
-    HRESULT STDMETHODCALLTYPE ConvertStyle(VDS_PARTITION_STYLE) override { return VDS_E_NOT_SUPPORTED; }
-    HRESULT STDMETHODCALLTYPE SetFlags(ULONG) override { return VDS_E_NOT_SUPPORTED; }
-    HRESULT STDMETHODCALLTYPE ClearFlags(ULONG) override { return VDS_E_NOT_SUPPORTED; }
-    HRESULT STDMETHODCALLTYPE GetPartitionProperties(ULONGLONG, VDS_PARTITION_PROP*) override {
-        return VDS_E_NOT_SUPPORTED;
-    }
-    HRESULT STDMETHODCALLTYPE CreatePartition(ULONGLONG, ULONGLONG, CREATE_PARTITION_PARAMETERS*,
-                                              IVdsAsync**) override {
-        return VDS_E_NOT_SUPPORTED;
-    }
-    HRESULT STDMETHODCALLTYPE DeletePartition(ULONGLONG, BOOL, BOOL) override { return VDS_E_NOT_SUPPORTED; }
-    HRESULT STDMETHODCALLTYPE FormatPartition(ULONGLONG, VDS_FILE_SYSTEM_TYPE, LPWSTR, DWORD, BOOL, BOOL,
-                                              BOOL, IVdsAsync**) override {
-        return VDS_E_NOT_SUPPORTED;
-    }
-    HRESULT STDMETHODCALLTYPE Clean(BOOL, BOOL, BOOL, IVdsAsync**) override { return VDS_E_NOT_SUPPORTED; }
-
   private:
-    using AsDisk = ComInterface<IVdsDisk>;
-    using AsAdvancedDisk = ComInterface<IVdsAdvancedDisk>;
+    using AsDisk = ComInterface<Uncalled<IVdsDisk>>;
+    using AsAdvancedDisk = ComInterface<Uncalled<IVdsAdvancedDisk>>;
     using AsAdvancedDisk2 = ComInterface<IVdsAdvancedDisk2>;
 
     const uint32_t number_;

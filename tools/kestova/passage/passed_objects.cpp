@@ -6,6 +6,7 @@
 
 #include "base/guid.h"
 #include "base/hexadecimal.h"
+#include "platform/vds_uncalled.h"
 #include "tools/kestova/common/text.h"
 
 namespace {
@@ -13,7 +14,7 @@ namespace {
 // --- what every object has ---
 
 template <typename Interface>
-class Passed : public Interface {
+class Passed : public Uncalled<Interface> {
   public:
     Passed(Interface* object, ChangeStop& stop) : object_(object), stop_(stop) {}
     virtual ~Passed() { object_->Release(); }
@@ -79,23 +80,6 @@ class PassedService final : public Passed<IVdsService> {
     HRESULT STDMETHODCALLTYPE GetObject(VDS_OBJECT_ID id, VDS_OBJECT_TYPE type, IUnknown** object) override {
         return Pass(Object().GetObject(id, type, object), IID_IUnknown, object);
     }
-
-    HRESULT STDMETHODCALLTYPE GetProperties(VDS_SERVICE_PROP*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryMaskedDisks(IEnumVdsObject**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryDriveLetters(WCHAR, DWORD, VDS_DRIVE_LETTER_PROP*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE QueryFileSystemTypes(VDS_FILE_SYSTEM_TYPE_PROP**, LONG*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Reenumerate() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Refresh() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE CleanupObsoleteMountPoints() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Advise(IVdsAdviseSink*, DWORD*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Unadvise(DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reboot() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE SetFlags(ULONG) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE ClearFlags(ULONG) override { return E_NOTIMPL; }
 };
 
 class PassedList final : public Passed<IEnumVdsObject> {
@@ -110,10 +94,6 @@ class PassedList final : public Passed<IEnumVdsObject> {
         }
         return answer;
     }
-
-    HRESULT STDMETHODCALLTYPE Skip(ULONG) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reset() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Clone(IEnumVdsObject**) override { return E_NOTIMPL; }
 };
 
 class PassedProvider final : public Passed<IVdsSwProvider> {
@@ -122,8 +102,6 @@ class PassedProvider final : public Passed<IVdsSwProvider> {
     HRESULT STDMETHODCALLTYPE QueryPacks(IEnumVdsObject** list) override {
         return Pass(Object().QueryPacks(list), IID_IEnumVdsObject, list);
     }
-
-    HRESULT STDMETHODCALLTYPE CreatePack(IVdsPack**) override { return E_NOTIMPL; }
 };
 
 class PassedPack final : public Passed<IVdsPack> {
@@ -135,23 +113,6 @@ class PassedPack final : public Passed<IVdsPack> {
     HRESULT STDMETHODCALLTYPE QueryDisks(IEnumVdsObject** list) override {
         return Pass(Object().QueryDisks(list), IID_IEnumVdsObject, list);
     }
-
-    HRESULT STDMETHODCALLTYPE GetProvider(IVdsProvider**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryVolumes(IEnumVdsObject**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE CreateVolume(VDS_VOLUME_TYPE, VDS_INPUT_DISK*, LONG, ULONG,
-                                           IVdsAsync**) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE AddDisk(VDS_OBJECT_ID, VDS_PARTITION_STYLE, BOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE MigrateDisks(VDS_OBJECT_ID*, LONG, VDS_OBJECT_ID, BOOL, BOOL, HRESULT*,
-                                           BOOL*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE ReplaceDisk(VDS_OBJECT_ID, VDS_OBJECT_ID, IVdsAsync**) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE RemoveMissingDisk(VDS_OBJECT_ID) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Recover(IVdsAsync**) override { return E_NOTIMPL; }
 };
 
 // --- disks and volumes ---
@@ -165,12 +126,6 @@ class PassedDisk final : public Passed<IVdsDisk> {
     HRESULT STDMETHODCALLTYPE QueryExtents(VDS_DISK_EXTENT** extents, LONG* count) override {
         return Object().QueryExtents(extents, count);
     }
-
-    HRESULT STDMETHODCALLTYPE GetPack(IVdsPack**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIdentificationData(VDS_LUN_INFORMATION*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE ConvertStyle(VDS_PARTITION_STYLE) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE SetFlags(ULONG) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE ClearFlags(ULONG) override { return E_NOTIMPL; }
 };
 
 std::string PartitionAt(ULONGLONG offset) {
@@ -208,20 +163,6 @@ class PassedAdvancedDisk final : public Passed<IVdsAdvancedDisk> {
     HRESULT STDMETHODCALLTYPE DeleteDriveLetter(ULONGLONG offset, WCHAR letter) override {
         return Refuse("take the letter " + LetterText(letter) + " from " + PartitionAt(offset));
     }
-
-    HRESULT STDMETHODCALLTYPE GetPartitionProperties(ULONGLONG, VDS_PARTITION_PROP*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE CreatePartition(ULONGLONG, ULONGLONG, CREATE_PARTITION_PARAMETERS*,
-                                              IVdsAsync**) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE DeletePartition(ULONGLONG, BOOL, BOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE FormatPartition(ULONGLONG, VDS_FILE_SYSTEM_TYPE, LPWSTR, DWORD, BOOL, BOOL,
-                                              BOOL, IVdsAsync**) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Clean(BOOL, BOOL, BOOL, IVdsAsync**) override { return E_NOTIMPL; }
 };
 
 class PassedAdvancedDisk2 final : public Passed<IVdsAdvancedDisk2> {
@@ -239,21 +180,6 @@ class PassedVolume final : public Passed<IVdsVolumeMF> {
     HRESULT STDMETHODCALLTYPE GetFileSystemProperties(VDS_FILE_SYSTEM_PROP* properties) override {
         return Object().GetFileSystemProperties(properties);
     }
-
-    HRESULT STDMETHODCALLTYPE Format(VDS_FILE_SYSTEM_TYPE, LPWSTR, DWORD, BOOL, BOOL, BOOL,
-                                     IVdsAsync**) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE AddAccessPath(LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryAccessPaths(LPWSTR**, LONG*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryReparsePoints(VDS_REPARSE_POINT_PROP**, LONG*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE DeleteAccessPath(LPWSTR, BOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Mount() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Dismount(BOOL, BOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE SetFileSystemFlags(ULONG) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE ClearFileSystemFlags(ULONG) override { return E_NOTIMPL; }
 };
 
 // --- which object for which interface ---

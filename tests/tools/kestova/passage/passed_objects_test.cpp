@@ -131,12 +131,12 @@ TEST_F(Passage, SecondChange_TheFirstIsKept) {
 }
 
 TEST_F(Passage, MethodThatTheLibraryDoesNotCall_IsNotPassedOn) {
-    EXPECT_EQ(service->Reboot(), E_NOTIMPL);
-    EXPECT_EQ(service->CleanupObsoleteMountPoints(), E_NOTIMPL);
-    EXPECT_EQ(OpenedDisk<IVdsDisk>(IID_IVdsDisk)->ConvertStyle(VDS_PST_GPT), E_NOTIMPL);
+    EXPECT_EQ(service->Reboot(), VDS_E_NOT_SUPPORTED);
+    EXPECT_EQ(service->CleanupObsoleteMountPoints(), VDS_E_NOT_SUPPORTED);
+    EXPECT_EQ(OpenedDisk<IVdsDisk>(IID_IVdsDisk)->ConvertStyle(VDS_PST_GPT), VDS_E_NOT_SUPPORTED);
     EXPECT_EQ(
         OpenedDisk<IVdsAdvancedDisk>(IID_IVdsAdvancedDisk)->DeletePartition(Partition(0).offset, TRUE, TRUE),
-        E_NOTIMPL);
+        VDS_E_NOT_SUPPORTED);
 }
 
 TEST_F(Passage, FailureOfTheService_IsPassedOn) {
