@@ -400,7 +400,7 @@ TEST_F(Log, PipeOrFolder_AnyCommand_IsWrongUseAndMakesNothing) {
 }
 
 TEST_F(Log, ExistingLogThroughLinks_Call_IsEmptiedFirst) {
-    WriteFile("log", "4\t" + std::string(100000, 'x'));
+    WriteFile("log", "4\tKestova\t" + std::string(100000, 'x'));
     EXPECT_EQ(Shell("mkdir folder && ln -s ../log folder/link && ln -s folder other").status, 0);
     EXPECT_EQ(Kestova("--pc factory-mbr --no-initialize --log other/link call IsDynamic").status, 0);
     EXPECT_THAT(ReadFile("log"), StartsWith("4\tKestova::Kestova\tStart\n"));
