@@ -98,8 +98,10 @@ NtfsVolume::Mount::Mount(ImageFile& image, uint64_t offset, uint64_t size, bool 
     if (!volume_) {
         error_ = errno;
         ntfs_device_free(device);
-    } else if (ntfs_set_ignore_case(volume_) != 0) {
-        throw std::bad_alloc();
+    } else {
+        // Not by ntfs_set_ignore_case, which also makes a table of lower case, for names that are never asked
+        // for.
+        NVolClearCaseSensitive(volume_);
     }
 }
 NtfsVolume::Mount::~Mount() {
