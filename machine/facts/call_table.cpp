@@ -1,6 +1,7 @@
 #include "machine/facts/call_table.h"
 
 #include <algorithm>
+#include <array>
 
 namespace machine {
 
@@ -82,6 +83,12 @@ constexpr CallInfo calls[] = {
     {"IWbemServices::GetObject", FailsWith::Hresult, false},
 };
 
+constexpr auto callsByName = [] {
+    auto sorted = std::to_array(calls);
+    std::ranges::sort(sorted, {}, &CallInfo::name);
+    return sorted;
+}();
+
 }  // namespace
 
 std::span<const CallInfo> AllCalls() {
@@ -89,9 +96,8 @@ std::span<const CallInfo> AllCalls() {
 }
 
 const CallInfo* FindCall(std::string_view name) {
-    const auto found = std::find_if(std::begin(calls), std::end(calls),
-                                    [&](const CallInfo& call) { return call.name == name; });
-    return found != std::end(calls) ? found : nullptr;
+    const auto found = std::ranges::lower_bound(callsByName, name, {}, &CallInfo::name);
+    return found != callsByName.end() && found->name == name ? &*found : nullptr;
 }
 
 }  // namespace machine

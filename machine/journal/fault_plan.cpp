@@ -6,6 +6,7 @@ namespace machine {
 
 void FaultPlan::Arm(FaultRule rule) {
     counts_.clear();
+    all_ = 0;
     rules_.push_back(std::move(rule));
     fired_.push_back(0);
 }
@@ -13,12 +14,15 @@ void FaultPlan::Arm(FaultRule rule) {
 void FaultPlan::Disarm() {
     rules_.clear();
     counts_.clear();
+    all_ = 0;
     fired_.clear();
 }
 
-const FaultRule* FaultPlan::Next(const std::string& call) {
-    ++counts_[call];
-    ++counts_[anyCall];
+const FaultRule* FaultPlan::Next(std::string_view call) {
+    auto counted = counts_.find(call);
+    if (counted == counts_.end()) counted = counts_.emplace(call, 0).first;
+    ++counted->second;
+    ++all_;
     for (size_t i = 0; i < rules_.size(); ++i) {
         const FaultRule& rule = rules_[i];
         if (!Applies(rule, call)) continue;
@@ -30,18 +34,19 @@ const FaultRule* FaultPlan::Next(const std::string& call) {
 }
 
 uint32_t FaultPlan::Calls(const std::string& name) const {
+    if (name == anyCall) return all_;
     const auto found = counts_.find(name);
     return found != counts_.end() ? found->second : 0;
 }
 
-bool FaultPlan::Applies(const FaultRule& rule, const std::string& call) {
+bool FaultPlan::Applies(const FaultRule& rule, std::string_view call) const {
     if (rule.call == anyCall) {
         const CallInfo* const info = FindCall(call);
         if (info != nullptr && info->failsWith == FailsWith::Value) return false;
     } else if (rule.call != call) {
         return false;
     }
-    const uint32_t count = counts_[rule.call];
+    const uint32_t count = Calls(rule.call);
     return rule.nth == 0 || count == rule.nth || (rule.onwards && count > rule.nth);
 }
 

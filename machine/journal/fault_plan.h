@@ -1,9 +1,11 @@
 // Decides which calls fail: counts the calls of each name and finds the rule that applies.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <numeric>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "machine/facts/fault_rule.h"
@@ -19,7 +21,7 @@ class FaultPlan {
     void Arm(FaultRule rule);
     void Disarm();
     // Counts the call and returns the first rule that applies to it, or null.
-    const FaultRule* Next(const std::string& call);
+    const FaultRule* Next(std::string_view call);
     // How many calls the rules have applied to; and each of them, in order.
     int Fired() const { return std::accumulate(fired_.begin(), fired_.end(), 0); }
     const std::vector<int>& FiredByRule() const { return fired_; }
@@ -28,10 +30,11 @@ class FaultPlan {
 
   private:
     // Whether the rule is for the call that has just been counted.
-    bool Applies(const FaultRule& rule, const std::string& call);
+    bool Applies(const FaultRule& rule, std::string_view call) const;
 
     std::vector<FaultRule> rules_;
-    std::map<std::string, uint32_t> counts_;                    // of anyCall: the calls of all names
+    std::map<std::string, uint32_t, std::less<>> counts_;       // by name
+    uint32_t all_ = 0;                                          // of all names
     std::vector<int> fired_ = std::vector<int>(rules_.size());  // of each rule
 };
 

@@ -35,7 +35,7 @@ std::vector<std::vector<std::string>> Journal::Unshown(const std::string& call) 
 }
 
 void Journal::AddUnshown(const std::string& call, std::vector<std::string> arguments) {
-    unshown_[call].push_back(std::move(arguments));
+    if (keepsUnshown_) unshown_[call].push_back(std::move(arguments));
 }
 
 }  // namespace machine

@@ -3,18 +3,23 @@
 namespace machine {
 
 void Ledger::GiveBack(const std::string& kind) {
-    if (counts_[kind] == 0) {
-        Violation(kind + " given back too often");
+    GiveBack(FindKind(kind));
+}
+
+void Ledger::GiveBack(Kind kind) {
+    if (kind->second == 0) {
+        Violation(kind->first + " given back too often");
         return;
     }
-    --counts_[kind];
+    --kind->second;
 }
 
 void* Ledger::Lend(const std::string& allocator, const std::string& kind, size_t size) {
     auto bytes = std::make_unique<char[]>(size > 0 ? size : 1);
     void* const address = bytes.get();
-    blocks_[address] = {allocator, kind, std::move(bytes)};
-    Take(kind);
+    const Kind counted = FindKind(kind);
+    blocks_[address] = {allocator, counted, std::move(bytes)};
+    ++counted->second;
     return address;
 }
 
@@ -26,7 +31,8 @@ bool Ledger::Return(const std::string& allocator, void* address) {
         return false;
     }
     if (block->second.allocator != allocator) {
-        Violation(block->second.kind + " freed with " + allocator + " instead of " + block->second.allocator);
+        Violation(block->second.kind->first + " freed with " + allocator + " instead of " +
+                  block->second.allocator);
     }
     GiveBack(block->second.kind);
     blocks_.erase(block);

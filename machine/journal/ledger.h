@@ -32,9 +32,15 @@ class Ledger {
     void Violation(std::string what) { violations_.push_back(std::move(what)); }
 
   private:
+    // The count of a kind, by its name.
+    using Kind = std::map<std::string, int>::iterator;
+
+    Kind FindKind(const std::string& kind) { return counts_.try_emplace(kind).first; }
+    void GiveBack(Kind kind);
+
     struct Block {
         std::string allocator;
-        std::string kind;
+        Kind kind;
         std::unique_ptr<char[]> bytes;
     };
 

@@ -1,11 +1,18 @@
 #include "machine/api/call/call.h"
 
-#include "base/hexadecimal.h"
+#include <array>
+#include <charconv>
 
 namespace machine {
 
 std::string Hex(uint64_t value) {
-    return ::Hex(value, 8, HexDigits::Lower);
+    constexpr size_t fewest = 8;
+    std::array<char, 2 * sizeof value> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr;
+    const std::string_view shown(digits.data(), static_cast<size_t>(end - digits.data()));
+    std::string text = "0x";
+    text.append(fewest - std::min(fewest, shown.size()), '0') += shown;
+    return text;
 }
 
 void NoteUnshown(const std::string& call, std::vector<std::string> arguments) {

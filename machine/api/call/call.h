@@ -87,7 +87,7 @@ R Answer(std::string_view name, std::vector<std::string> arguments, Body body) {
     const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     const CallInfo& info = *FindCall(name);
-    const FaultRule* const fault = pc.faults.Next(std::string(name));
+    const FaultRule* const fault = pc.faults.Next(name);
     const uint32_t code = fault != nullptr ? fault->code : 0;
     R result{};
     if (fault == nullptr || HasEffect(info, *fault)) result = body(pc);

@@ -40,13 +40,13 @@ ULONG ComReferences::Add() {
 
 ULONG ComReferences::GiveBack() {
     const Turn turn;
-    Ledger& ledger = EmulatedPc::Current().ledger;
+    EmulatedPc& pc = EmulatedPc::Current();
     if (count_ == 0) {
-        ledger.Violation(std::string(name_) + " released too often");
+        pc.ledger.Violation(std::string(name_) + " released too often");
         return 0;
     }
-    ledger.GiveBack(name_);
-    NoteUnshown("IUnknown::Release", {name_, LastCall()});
+    pc.ledger.GiveBack(name_);
+    if (pc.journal.KeepsUnshown()) NoteUnshown("IUnknown::Release", {name_, LastCall()});
     return --count_;
 }
 

@@ -190,6 +190,7 @@ class EmulatedOne final : public OpenedPc {
           before_(Watched(Choose(choice, access))),
           shown_(before_),
           emulated_(before_) {
+        emulated_.journal.LeaveOutUnshown();
         for (const std::string& fault : faults_)
             emulated_.faults.Arm(ReadFault(fault));
         if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
