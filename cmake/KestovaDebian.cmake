@@ -40,6 +40,8 @@ hibernation), which letters they have, and makes the PC boot its recovery
 partition or Windows again: on disk images, virtual disks and disks of this
 computer. What it changes is whole or not there, and can be taken back.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Loaded for registry hives and hashes.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libhivex0, libnettle8")
 # They open virtual disks and E01 images; the program says which of them an image needs.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qemu-utils, libnbd0, libewf2")
 set(CPACK_STRIP_FILES ON)

@@ -1,8 +1,10 @@
 #include "machine/media/hive/hivex_reader.h"
 
 #include <hivex.h>
+#include <iconv.h>
 #include <sys/mman.h>
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +14,7 @@
 
 #include "base/utf.h"
 #include "machine/media/device/descriptor.h"
+#include "machine/media/device/late_library.h"
 #include "machine/media/device/store_errors.h"
 #include "machine/media/device/transfer.h"
 #include "machine/media/hive/hive_cells.h"
@@ -23,8 +26,29 @@ namespace {
 
 constexpr const char* mountedDevices = "MountedDevices";
 
+// The functions in use of libhivex. The C library loads the code for the texts of a hive when it first meets
+// one, and keeps it as long as a conversion is open.
+struct LibHivex {
+    LateLibrary library{"libhivex.so.0", "libhivex0"};
+    decltype(&hivex_open) open = library.Function("hivex_open");
+    decltype(&hivex_close) close = library.Function("hivex_close");
+    decltype(&hivex_root) root = library.Function("hivex_root");
+    decltype(&hivex_node_get_child) node_get_child = library.Function("hivex_node_get_child");
+    decltype(&hivex_node_values) node_values = library.Function("hivex_node_values");
+    decltype(&hivex_value_type) value_type = library.Function("hivex_value_type");
+    decltype(&hivex_value_key) value_key = library.Function("hivex_value_key");
+    decltype(&hivex_value_value) value_value = library.Function("hivex_value_value");
+    std::array<iconv_t, 4> conversions = {iconv_open("UTF-8", "UTF-16LE"), iconv_open("UTF-16LE", "UTF-8"),
+                                          iconv_open("UTF-8", "LATIN1"), iconv_open("LATIN1", "UTF-8")};
+};
+
+const LibHivex& Hivex() {
+    static const LibHivex loaded;
+    return loaded;
+}
+
 struct HiveClose {
-    void operator()(hive_h* hive) const { hivex_close(hive); }
+    void operator()(hive_h* hive) const { Hivex().close(hive); }
 };
 struct Release {
     template <typename T>
@@ -52,15 +76,15 @@ std::string TextOf(std::string_view stored) {
 // Reads the values of a key; false if it is damaged. Several values can claim the same bytes of the hive: no
 // more is read than the hive is long.
 bool ReadValues(hive_h* hive, hive_node_h key, size_t most, std::map<std::string, RegistryValue>& values) {
-    const HivexMemory<hive_value_h> handles(hivex_node_values(hive, key));
+    const HivexMemory<hive_value_h> handles(Hivex().node_values(hive, key));
     if (!handles) return false;
     for (const hive_value_h* handle = handles.get(); *handle != 0; ++handle) {
         hive_type type = hive_t_none;
         size_t length = 0;
-        if (hivex_value_type(hive, *handle, &type, &length) != 0 || length > most) return false;
+        if (Hivex().value_type(hive, *handle, &type, &length) != 0 || length > most) return false;
         most -= length;
-        const HivexMemory<char> name(hivex_value_key(hive, *handle));
-        const HivexMemory<char> data(hivex_value_value(hive, *handle, &type, &length));
+        const HivexMemory<char> name(Hivex().value_key(hive, *handle));
+        const HivexMemory<char> data(Hivex().value_value(hive, *handle, &type, &length));
         if (!name || !data) return false;
         const std::string_view stored(data.get(), length);
         // A hive can hold any number, which is no value of the enumeration then.
@@ -72,6 +96,10 @@ bool ReadValues(hive_h* hive, hive_node_h key, size_t most, std::map<std::string
 }
 
 }  // namespace
+
+void LoadHivex() {
+    Hivex();
+}
 
 void HivexReader::Replay(HiveFile& file) {
     if (IsClosed(file.content)) return;
@@ -94,13 +122,13 @@ uint32_t HivexReader::Read(HiveFile file, RegistryKeys& keys) {
     const Descriptor copy = InMemory(file.content);
     const std::string path = "/proc/self/fd/" + std::to_string(copy.Number());
     // Unsafe: a damaged key does not hide those beside it.
-    const HiveOwner hive(hivex_open(path.c_str(), HIVEX_OPEN_UNSAFE));
+    const HiveOwner hive(Hivex().open(path.c_str(), HIVEX_OPEN_UNSAFE));
     if (!hive) return errorBadHive;
-    const hive_node_h root = hivex_root(hive.get());
+    const hive_node_h root = Hivex().root(hive.get());
     if (root == 0) return errorBadHive;
     RegistryKeys read = {{"", {}}};
     errno = 0;
-    const hive_node_h devices = hivex_node_get_child(hive.get(), root, mountedDevices);
+    const hive_node_h devices = Hivex().node_get_child(hive.get(), root, mountedDevices);
     const bool isDamaged = devices == 0
                                ? errno != 0
                                : !ReadValues(hive.get(), devices, file.content.size(), read[mountedDevices]);

@@ -382,6 +382,15 @@ const std::vector<Command>& Commands() {
     return commands;
 }
 
+bool ReadsHives(const CommandLine& line) {
+    const auto command = std::ranges::find(Commands(), line.command, &Command::name);
+    if (command == Commands().end()) return false;
+    // The only operation that does.
+    if (command->run == Call)
+        return !line.arguments.empty() && line.arguments.front() == "GetWinDriveLetters";
+    return command->run == Letters || command->run == Run;
+}
+
 const Command& CommandOfName(const std::string& name) {
     if (name.empty()) throw WrongUse("no command was given");
     std::vector<std::string> names;

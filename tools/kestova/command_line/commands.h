@@ -25,6 +25,9 @@ std::string BootStatuses(size_t columns);
 // Whether an option has an effect on the command.
 bool Uses(const Command& command, const std::string& option);
 
+// Whether the command can read a registry hive.
+bool ReadsHives(const CommandLine& line);
+
 // Throws WrongUse for an unknown command, or none.
 const Command& CommandOfName(const std::string& name);
 

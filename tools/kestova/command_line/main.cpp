@@ -48,7 +48,7 @@ int CheckOutput(const CommandLine& line, int status) {
 
 int RunWords(const std::vector<std::string>& words) {
     const CommandLine line = ReadCommandLine(words);
-    BeginOpening(line.choice);
+    BeginOpening(line.choice, {.readsHives = ReadsHives(line), .hashesFiles = line.hash});
     ConfineAtStart();
     return CheckOutput(line, Run(line));
 }

@@ -32,7 +32,6 @@ std::string VersionText() {
            "Linked:\n" + Table(WithLibraries(libraries, forImages), "  ") +
            (forImages.empty()
                 ? ""
-                : "Loaded for virtual disks and E01 images:\n" +
-                      Table(WithLibraries({}, LateImageLibraries()), "  ") +
+                : "Loaded when they are needed:\n" + Table(WithLibraries({}, LateImageLibraries()), "  ") +
                       "A program with libntfs-3g may be passed on only under the terms of the GPL, version 3.\n");
 }

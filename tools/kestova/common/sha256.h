@@ -5,6 +5,10 @@
 #include <string>
 #include <string_view>
 
+// Loads the library for it, for a program that can load no code later; only in a build that has it. Throws
+// machine::LibraryMissing.
+void LoadSha256();
+
 class Sha256 {
   public:
     // Throws WrongUse if this build does not have it.

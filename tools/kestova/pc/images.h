@@ -8,10 +8,16 @@
 #include "machine/media/disk_image.h"
 #include "tools/kestova/pc/opened_pc.h"
 
+// What a command does beyond what every command does.
+struct UnusualWork {
+    bool readsHives = false;  // of the registry, on images
+    bool hashesFiles = false;
+};
+
 // Before the program gives up starting others and loading code, and when all images are open: virtual disks
-// are opened by another program, and these and E01 images by libraries that other images do without. Throws
-// Failed.
-void BeginOpening(const PcChoice& choice);
+// are opened by another program, and these and E01 images by libraries that other images do without; so is
+// unusual work done. Throws Failed, also if a library is missing that the work needs.
+void BeginOpening(const PcChoice& choice, const UnusualWork& work);
 void EndOpening();
 
 // As machine::PcOfImages. Throws UnreadablePc; WrongUse if this build has no image part.

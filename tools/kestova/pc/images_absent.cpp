@@ -11,7 +11,7 @@ namespace {
 
 }  // namespace
 
-void BeginOpening(const PcChoice&) {}
+void BeginOpening(const PcChoice&, const UnusualWork&) {}
 
 void EndOpening() {}
 

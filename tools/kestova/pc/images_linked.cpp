@@ -1,12 +1,15 @@
 #include "machine/media/device/disk_identity.h"
 #include "machine/media/device/disk_server.h"
+#include "machine/media/device/late_library.h"
 #include "machine/media/device/open_device.h"
 #include "machine/media/given_images.h"
 #include "machine/media/hive/hivex_reader.h"
 #include "machine/media/medium_image.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/sha256.h"
 #include "tools/kestova/common/terminal.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/pc/described_images.h"
 #include "tools/kestova/pc/images.h"
 
 namespace {
@@ -20,14 +23,32 @@ std::string DiskText(const std::string& path) {
     return text + SizeText(disk.bytes) + ")";
 }
 
+using Paths = std::vector<std::string>;
+
+// Of disks, discs and sticks; nothing if a description does not show which.
+std::optional<Paths> ImagesOf(const PcChoice& choice) {
+    std::optional<Paths> images = Paths();
+    if (!choice.pc.empty() && !IsMachine(choice.pc)) images = DescribedImages(choice.pc);
+    if (!images) return std::nullopt;
+    for (const Paths* const paths : {&choice.images, &choice.discs, &choice.sticks})
+        images->insert(images->end(), paths->begin(), paths->end());
+    return images;
+}
+
 }  // namespace
 
-void BeginOpening(const PcChoice& choice) {
+void BeginOpening(const PcChoice& choice, const UnusualWork& work) {
     try {
-        for (const auto* paths : {&choice.images, &choice.discs, &choice.sticks})
-            machine::PrepareToOpen(*paths);
-        // A description can name images of any format.
-        if (!choice.pc.empty() && !IsMachine(choice.pc)) machine::PrepareToOpenAny();
+        const std::optional<Paths> images = ImagesOf(choice);
+        if (images) {
+            machine::PrepareToOpen(*images);
+        } else {
+            machine::PrepareToOpenAny();
+        }
+        if (work.readsHives && (!images || !images->empty())) machine::LoadHivex();
+        if (work.hashesFiles) LoadSha256();
+    } catch (const machine::LibraryMissing& missing) {
+        throw Failed(missing.what());
     } catch (const machine::ImageError& error) {
         throw Failed(error.what());
     }
@@ -51,11 +72,14 @@ std::string UsualJournal(const std::string& image) {
 }
 
 std::vector<LinkedLibrary> ImageLibraries() {
-    return {{"libntfs-3g", "GPL-2.0-or-later"}, {"libhivex", "LGPL-2.1"}, {"zlib", "zlib"}};
+    return {{"libntfs-3g", "GPL-2.0-or-later"}, {"zlib", "zlib"}};
 }
 
 std::vector<LinkedLibrary> LateImageLibraries() {
-    return {{"libnbd", "LGPL-2.1-or-later"}, {"libewf", "LGPL-3.0-or-later"}};
+    return {{"libnbd", "LGPL-2.1-or-later"},
+            {"libewf", "LGPL-3.0-or-later"},
+            {"libhivex", "LGPL-2.1"},
+            {"libnettle", "LGPL-3.0-or-later"}};
 }
 
 bool IsDiskOfComputer(const std::string& image) {

@@ -1,7 +1,6 @@
 #include "tools/kestova/process/confinement.h"
 
 #include <grp.h>
-#include <iconv.h>
 #include <linux/capability.h>
 #include <signal.h>
 #include <sys/prctl.h>
@@ -10,7 +9,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -282,18 +280,9 @@ void LimitTimeAndMemory(const ConfinedWork& work) {
 #endif
 }
 
-// The C library loads the code for the texts of a registry hive when it first meets one, which is too late:
-// no code can be loaded by then. It stays loaded while a conversion is open, which is until the program ends.
-void LoadConversions() {
-    static const std::array conversions = {iconv_open("UTF-8", "UTF-16LE"), iconv_open("UTF-16LE", "UTF-8"),
-                                           iconv_open("UTF-8", "LATIN1"), iconv_open("LATIN1", "UTF-8")};
-    static_cast<void>(conversions);
-}
-
 }  // namespace
 
 void ConfineAtStart() {
-    LoadConversions();
     Check(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0, "new privileges");
     // The second is for systems on which a program receives the dumps.
     Limit(RLIMIT_CORE, 0, 0);
