@@ -19,6 +19,7 @@ void FaultPlan::Disarm() {
 }
 
 const FaultRule* FaultPlan::Next(std::string_view call) {
+    if (rules_.empty()) return nullptr;
     auto counted = counts_.find(call);
     if (counted == counts_.end()) counted = counts_.emplace(call, 0).first;
     ++counted->second;

@@ -20,7 +20,7 @@ class FaultPlan {
     // Adds a rule and restarts all counts.
     void Arm(FaultRule rule);
     void Disarm();
-    // Counts the call and returns the first rule that applies to it, or null.
+    // Counts the call, if there are rules, and returns the first one that applies to it, or null.
     const FaultRule* Next(std::string_view call);
     // How many calls the rules have applied to; and each of them, in order.
     int Fired() const { return std::accumulate(fired_.begin(), fired_.end(), 0); }

@@ -42,15 +42,19 @@ class Journal {
     // What the entries leave out, because their text is what people read and scripts parse: sizes, flags and
     // credentials that no answer depends on, and the order of releases. One element for each call of that
     // name, in order; none for a call of which the entries show everything. "IUnknown::Release" has the
-    // interface, and the call before it. Only tests ask for it; who does not can leave it out from the
-    // beginning.
+    // interface, and the call before it. Only tests ask for it.
     std::vector<std::vector<std::string>> Unshown(const std::string& call) const;
     void AddUnshown(const std::string& call, std::vector<std::string> arguments);
+
+    // From now on the journal is without that, because nobody will ask for it.
+    void LeaveOutRecords() { keepsRecords_ = false; }
     void LeaveOutUnshown() { keepsUnshown_ = false; }
+    bool KeepsRecords() const { return keepsRecords_; }
     bool KeepsUnshown() const { return keepsUnshown_; }
 
   private:
     std::vector<JournalEntry> entries_;
+    bool keepsRecords_ = true;
     bool keepsUnshown_ = true;
     std::map<std::string, std::vector<std::vector<std::string>>> unshown_;
 };

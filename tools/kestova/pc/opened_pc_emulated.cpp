@@ -191,6 +191,7 @@ class EmulatedOne final : public OpenedPc {
           shown_(before_),
           emulated_(before_) {
         emulated_.journal.LeaveOutUnshown();
+        if (!choice.trace) emulated_.journal.LeaveOutRecords();
         for (const std::string& fault : faults_)
             emulated_.faults.Arm(ReadFault(fault));
         if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
