@@ -1,7 +1,6 @@
 #include "machine/facts/call_table.h"
 
-#include <algorithm>
-#include <array>
+#include <unordered_map>
 
 namespace machine {
 
@@ -83,12 +82,6 @@ constexpr CallInfo calls[] = {
     {"IWbemServices::GetObject", FailsWith::Hresult, false},
 };
 
-constexpr auto callsByName = [] {
-    auto sorted = std::to_array(calls);
-    std::ranges::sort(sorted, {}, &CallInfo::name);
-    return sorted;
-}();
-
 }  // namespace
 
 std::span<const CallInfo> AllCalls() {
@@ -96,8 +89,14 @@ std::span<const CallInfo> AllCalls() {
 }
 
 const CallInfo* FindCall(std::string_view name) {
-    const auto found = std::ranges::lower_bound(callsByName, name, {}, &CallInfo::name);
-    return found != callsByName.end() && found->name == name ? &*found : nullptr;
+    static const auto byName = [] {
+        std::unordered_map<std::string_view, const CallInfo*> rows;
+        for (const CallInfo& call : calls)
+            rows.emplace(call.name, &call);
+        return rows;
+    }();
+    const auto found = byName.find(name);
+    return found != byName.end() ? found->second : nullptr;
 }
 
 }  // namespace machine
