@@ -48,6 +48,7 @@ ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& pat
       access_(use.access),
       forceDirty_(use.forceDirty),
       sectorSize_(use.sectorSize ? use.sectorSize : device->SectorSize()),
+      beforeWriting_(use.beforeWriting),
       device_(std::move(device)),
       journal_(path, use.journal),
       backup_(path, use.backup) {
@@ -177,6 +178,7 @@ ChangeState ImageFile::StateOnDevice(const ImageChange& change) const {
 }
 
 std::string ImageFile::Written(const ImageChange& change) {
+    beforeWriting_();
     const SignalsWait wait;
     if (StateOnDevice(change) != ChangeState::Before)
         return path_ + ": was changed by another program meanwhile; nothing was written";
@@ -224,6 +226,7 @@ void ImageFile::Settle(const ChangeJournal& journal) {
             (isWhole ? "finished it" : "taken it back"));
         return;
     }
+    beforeWriting_();
     const SignalsWait wait;
     if (!(isWhole ? WriteChange(*device_, *change) : TakeBackChange(*device_, *change)) || !journal.Drop()) {
         throw Error(std::string("a change was interrupted, and cannot be ") +

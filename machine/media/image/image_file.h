@@ -90,6 +90,7 @@ class ImageFile final : public Medium {
     ImageAccess access_;
     bool forceDirty_;
     std::optional<uint32_t> sectorSize_;
+    std::function<void()> beforeWriting_;
     std::unique_ptr<BlockDevice> device_;
     ChangeJournal journal_;
     ChangeBackup backup_;

@@ -20,6 +20,7 @@
 #include "tools/kestova/picture/columns.h"
 #include "tools/kestova/picture/report.h"
 #include "tools/kestova/picture/status_text.h"
+#include "tools/kestova/process/interruption.h"
 #include "tools/kestova/reports/remarks.h"
 
 namespace {
@@ -221,6 +222,7 @@ int Run(const CommandLine& line) {
                               int status = Done;
                               std::vector<Finding> remarks;  // on what the script leaves
                               for (const PlannedCall& call : calls) {
+                                  StopIfInterrupted();
                                   const ShownCall shown = CallAndShow(line, session, call);
                                   status = std::max(status, shown.status);
                                   if (call.operation->changesPc) remarks = shown.remarks;
@@ -245,8 +247,10 @@ std::optional<std::string> ChangeWord(machine::Recovery recovery) {
 int Recover(const CommandLine& line) {
     if (line.choice.images.empty()) throw WrongUse("recover: name the disk image with --image");
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
-    for (const std::string& image : line.choice.images)
+    for (const std::string& image : line.choice.images) {
+        StopIfInterrupted();
         Show(line, RecoveryReport{image, ChangeWord(RecoverChange(image, use)), line.choice.dryRun});
+    }
     return Done;
 }
 
@@ -254,6 +258,7 @@ int RepairTables(const CommandLine& line) {
     if (line.choice.images.empty()) throw WrongUse("repair-table: name the disk image with --image");
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
     for (const std::string& image : line.choice.images) {
+        StopIfInterrupted();
         const auto [problems, backup, notes] = RepairTableOf(image, use);
         ShowNotes(line, notes);
         Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun, backup});

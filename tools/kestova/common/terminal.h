@@ -14,6 +14,10 @@ struct Terminal {
 // The width is the terminal's own, else that of COLUMNS.
 Terminal StandardOutput();
 
+// Whether standard error is a terminal whose last line can be replaced, as by clearLine.
+bool RewritesErrors();
+inline constexpr const char* clearLine = "\r\033[K";
+
 // Asks on standard error and reads the answer from standard input: whether it is "y" or "yes". Nothing, and
 // no question, unless both are a terminal.
 std::optional<bool> AskOnTerminal(const std::string& question);
@@ -21,6 +25,8 @@ std::optional<bool> AskOnTerminal(const std::string& question);
 // Whether both are one.
 bool CanAsk();
 
-// What both systems have in common: a width from COLUMNS, and whether NO_COLOR allows colour.
+// What both systems have in common: a width from COLUMNS, whether NO_COLOR allows colour, and a terminal that
+// obeys nothing.
 size_t ColumnsOfEnvironment();
 bool AllowsColour();
+bool IsDumbTerminal();

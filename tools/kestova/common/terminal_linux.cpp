@@ -10,6 +10,10 @@ Terminal StandardOutput() {
     return {.columns = isKnown ? size.ws_col : ColumnsOfEnvironment(), .showsColour = AllowsColour()};
 }
 
+bool RewritesErrors() {
+    return isatty(STDERR_FILENO) != 0 && !IsDumbTerminal();
+}
+
 bool CanAsk() {
     return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
 }

@@ -13,6 +13,11 @@ Terminal StandardOutput() {
             .showsColour = showsColour};
 }
 
+// Nothing is rewritten there.
+bool RewritesErrors() {
+    return false;
+}
+
 bool CanAsk() {
     DWORD mode = 0;
     return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) &&
