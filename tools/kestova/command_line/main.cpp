@@ -50,7 +50,7 @@ int CheckOutput(const CommandLine& line, int status) {
 
 // Over what is on the line already: progress, or a terminal's ^C.
 std::string LastWordsOnTerminal(bool json, const std::string& message, int status) {
-    return (RewritesErrors() ? std::string(clearLine) : "") + ErrorText(json, message, status);
+    return (StandardError().isRewritten ? std::string(clearLine) : "") + ErrorText(json, message, status);
 }
 
 int RunWords(const std::vector<std::string>& words, const LastWords& lastWords) {

@@ -9,14 +9,14 @@
 struct Terminal {
     size_t columns = noLimit;
     bool showsColour = false;  // never with NO_COLOR
+    bool isRewritten = false;  // its last line can be replaced, as by clearLine
 };
+
+inline constexpr const char* clearLine = "\r\033[K";
 
 // The width is the terminal's own, else that of COLUMNS.
 Terminal StandardOutput();
-
-// Whether standard error is a terminal whose last line can be replaced, as by clearLine.
-bool RewritesErrors();
-inline constexpr const char* clearLine = "\r\033[K";
+Terminal StandardError();
 
 // Asks on standard error and reads the answer from standard input: whether it is "y" or "yes". Nothing, and
 // no question, unless both are a terminal.

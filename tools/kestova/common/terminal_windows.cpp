@@ -13,9 +13,9 @@ Terminal StandardOutput() {
             .showsColour = showsColour};
 }
 
-// Nothing is rewritten there.
-bool RewritesErrors() {
-    return false;
+// Nothing is shown there that would have to fit.
+Terminal StandardError() {
+    return {};
 }
 
 bool CanAsk() {
