@@ -37,6 +37,8 @@ struct ImageUse {
     bool changesDisks = false;
     // In bytes, 512 or 4096; absent: what the device says, or the table shows.
     std::optional<uint32_t> sectorSize = std::nullopt;
+    // Whether a disk with a damaged table is opened for changes of other disks; those of itself are refused.
+    bool mayBeDamaged = false;
     // Called before a change is written to the image, or one that was interrupted is ended on it.
     std::function<void()> beforeWriting = [] {};
 };

@@ -81,6 +81,10 @@ bool ImageFile::Read(uint64_t offset, void* buffer, size_t length) const {
 
 bool ImageFile::Write(uint64_t offset, const void* bytes, size_t length) {
     if (access_ == ImageAccess::Read) return false;
+    if (!whyUnwritable_.empty()) {
+        Bar(whyUnwritable_);
+        return false;
+    }
     if (WriteBlocks(offset, static_cast<const char*>(bytes), length)) return true;
     Refuse("cannot be read where it would be changed; nothing was written");
     return false;
