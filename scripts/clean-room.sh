@@ -28,18 +28,30 @@ in_root() {
             exec chroot "$0" env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 "$@"' "$@"
 }
 
-# try_package: the Debian package in a fresh root, from its installation to a PC that was switched and switched back.
+# try_package: the Debian package in a fresh root, from its installation to a PC that was switched and switched back; this PC
+# is started from its disk as it was at each of these times.
 try_package() {
     [ "$(id -u)" -eq 0 ] || fail "try-package: must be started by root, to enter another root folder"
-    need "to make a clean root and a virtual disk for it" clean-room image
+    need "to make a clean root, and a virtual disk from which a PC starts" clean-room image start
     package_deb
     local root=$temporary/root
     make_root "$root"
     mkdir "$root/try"
-    tests/images/make-factory-mbr "$temporary/disk.img" >/dev/null 2>&1 || fail "the image could not be made"
+    tests/images/make-startable-mbr "$temporary/disk.img" >/dev/null 2>&1 || fail "the image could not be made"
     qemu-img convert -O qcow2 "$temporary/disk.img" "$root/try/pc.qcow2"
     cp build/deb/kestova_*.deb tests/package/try "$root/try"
     in_root "$root" bash /try/try
+    start_expecting "Recovery starts" "$root/try/switched.qcow2"
+    start_expecting "Windows starts" "$root/try/back.qcow2"
+    start_expecting "Windows starts" "$root/try/pc.qcow2"
+}
+
+# start_expecting WORDS FILE: what a PC has to say that is started from this disk.
+start_expecting() {
+    local words
+    words=$(tests/images/start qcow2 "$2") || fail "a PC with ${2##*/} does not start"
+    [ "$words" = "$1" ] || fail "a PC with ${2##*/} says: $words"
+    say "try-package: a PC with ${2##*/} says: $words"
 }
 
 packages_in() { find "$1/var/lib/dpkg/info" -name '*.list' | wc -l; }

@@ -75,10 +75,13 @@ void NameVolumes(const Disk& disk) {
     }
 }
 
-void CheckMayChangeTable(const ImageFile& image, const TableFindings& findings) {
+void CheckMayChangeTable(ImageFile& image, const TableFindings& findings, bool mayBeDamaged) {
     if (findings.problems.empty()) return;
-    throw image.Error(findings.problems.front() +
-                      (findings.canBeRepaired ? "; run `kestova repair-table` before it is changed" : ""));
+    const std::string problem =
+        findings.problems.front() +
+        (findings.canBeRepaired ? "; run `kestova repair-table` before it is changed" : "");
+    if (!mayBeDamaged) throw image.Error(problem);
+    image.BarWrites(problem);
 }
 
 // The first sector of a volume has the same signature as a partition table.
@@ -122,7 +125,7 @@ void AttachImage(Disk& disk, const ImageUse& use) {
     CheckIsWholeDisk(image);
     Disk attached = disk;
     const TableFindings findings = ReadTable(*image, attached);
-    if (use.access != ImageAccess::Read) CheckMayChangeTable(*image, findings);
+    if (use.access != ImageAccess::Read) CheckMayChangeTable(*image, findings, use.mayBeDamaged);
     for (const std::vector<std::string>* const sentences : {&findings.problems, &findings.remarks}) {
         for (const std::string& sentence : *sentences)
             image->AddNote(sentence);

@@ -16,7 +16,8 @@ namespace machine {
 // Partitions described in advance are matched by number: offsets and contents come from the image; letters,
 // drive type and whatever else an image does not contain come from the description.
 //
-// Throws ImageError with the disk and the file unchanged. Write and Overlay refuse a damaged table; an NTFS
+// Throws ImageError with the disk and the file unchanged. Write and Overlay refuse a damaged table, or with
+// mayBeDamaged a change of that disk; an NTFS
 // volume in a wrong condition bars only changes of itself. Write locks the file as long as the disk or a copy
 // of it exists.
 void AttachImage(Disk& disk, const ImageUse& use);

@@ -88,12 +88,16 @@ Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, const Im
     // The platform does not document what happens to the other flags. With two of them a disk does not
     // boot.
     pc.switches.activeFlagIsExclusive = true;
+    // The operations change the first disk alone: what is wrong with another, such as a stick, bars only
+    // that.
+    ImageUse further = use;
+    further.mayBeDamaged = true;
     for (const std::string& path : paths) {
         CheckIsNew(pc, path);
         const auto number = static_cast<uint32_t>(pc.disks.size());
         Disk disk = SataDisk(number, 0, "IMAGE___________________________________", sataController);
         disk.image = path;
-        AttachImage(disk, use);
+        AttachImage(disk, pc.disks.empty() ? use : further);
         pc.disks.push_back(std::move(disk));
     }
     const bool isUefi = !pc.disks.empty() && pc.disks.front().style == PartitionStyle::Gpt;

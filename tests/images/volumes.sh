@@ -17,17 +17,22 @@ fail() {
   exit 1
 }
 
-# begin_image FILE MIB: an empty disk, and a folder for the parts it is put together from.
+# begin_image FILE MIB: an empty disk.
 begin_image() {
-  image=$1
-  [[ ! -e $image ]] || fail "$image: is there already; nothing done"
+  [[ ! -e $1 ]] || fail "$1: is there already; nothing done"
   for tool in sfdisk mkntfs mkfs.fat mkfs.exfat wimcapture wimapply mcopy genisoimage; do
     command -v "$tool" >/dev/null || fail "$tool is missing; see packages.txt"
   done
+  begin_parts "$1"
+  truncate -s "$2M" "$image" || fail "$image: cannot be made"
+}
+
+# begin_parts FILE: a folder for the parts that are put into the image, which is removed unless end_image is reached.
+begin_parts() {
+  image=$1
   parts=$(mktemp -d)
   finished=
   trap 'rm -rf "$parts"; [[ $finished ]] || rm -f "$image"' EXIT
-  truncate -s "$2M" "$image" || fail "$image: cannot be made"
 }
 
 end_image() {

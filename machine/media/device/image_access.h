@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -36,6 +37,10 @@ struct ImageUse {
     bool changesDisks = false;
     // In bytes, 512 or 4096; absent: what the device says, or the table shows.
     std::optional<uint32_t> sectorSize = std::nullopt;
+    // Whether a disk with a damaged table is opened for changes of other disks; those of itself are refused.
+    bool mayBeDamaged = false;
+    // Called before a change is written to the image, or one that was interrupted is ended on it.
+    std::function<void()> beforeWriting = [] {};
 };
 
 // The image file cannot be used. what() reads "FILE: what is wrong[, where]".

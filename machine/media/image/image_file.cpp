@@ -48,6 +48,7 @@ ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& pat
       access_(use.access),
       forceDirty_(use.forceDirty),
       sectorSize_(use.sectorSize ? use.sectorSize : device->SectorSize()),
+      beforeWriting_(use.beforeWriting),
       device_(std::move(device)),
       journal_(path, use.journal),
       backup_(path, use.backup) {
@@ -80,6 +81,10 @@ bool ImageFile::Read(uint64_t offset, void* buffer, size_t length) const {
 
 bool ImageFile::Write(uint64_t offset, const void* bytes, size_t length) {
     if (access_ == ImageAccess::Read) return false;
+    if (!whyUnwritable_.empty()) {
+        Bar(whyUnwritable_);
+        return false;
+    }
     if (WriteBlocks(offset, static_cast<const char*>(bytes), length)) return true;
     Refuse("cannot be read where it would be changed; nothing was written");
     return false;
@@ -177,6 +182,7 @@ ChangeState ImageFile::StateOnDevice(const ImageChange& change) const {
 }
 
 std::string ImageFile::Written(const ImageChange& change) {
+    beforeWriting_();
     const SignalsWait wait;
     if (StateOnDevice(change) != ChangeState::Before)
         return path_ + ": was changed by another program meanwhile; nothing was written";
@@ -224,6 +230,7 @@ void ImageFile::Settle(const ChangeJournal& journal) {
             (isWhole ? "finished it" : "taken it back"));
         return;
     }
+    beforeWriting_();
     const SignalsWait wait;
     if (!(isWhole ? WriteChange(*device_, *change) : TakeBackChange(*device_, *change)) || !journal.Drop()) {
         throw Error(std::string("a change was interrupted, and cannot be ") +

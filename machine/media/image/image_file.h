@@ -51,6 +51,8 @@ class ImageFile final : public Medium {
     void Refuse(const std::string& whatIsWrong);
     // The same for a change of something that is in no condition to be changed.
     void Bar(const std::string& whatIsWrong);
+    // Bars every write from here on.
+    void BarWrites(const std::string& whatIsWrong) { whyUnwritable_ = whatIsWrong; }
     // Whether the user takes responsibility for a volume that is marked dirty.
     bool ForcesDirty() const { return forceDirty_; }
 
@@ -90,6 +92,7 @@ class ImageFile final : public Medium {
     ImageAccess access_;
     bool forceDirty_;
     std::optional<uint32_t> sectorSize_;
+    std::function<void()> beforeWriting_;
     std::unique_ptr<BlockDevice> device_;
     ChangeJournal journal_;
     ChangeBackup backup_;
@@ -97,6 +100,7 @@ class ImageFile final : public Medium {
     std::map<uint64_t, std::string> marks_;  // sectors by offset
     std::string problem_;                    // of an earlier write or commit
     std::string barred_;
+    std::string whyUnwritable_;
     std::vector<std::string> notes_;
     Recovery recovered_ = Recovery::None;
 };

@@ -1,6 +1,7 @@
 #include "tools/kestova/command_line/commands.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
@@ -14,12 +15,15 @@
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/command_line/script.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/progress.h"
+#include "tools/kestova/common/terminal.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/json/output_keys.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/picture/columns.h"
 #include "tools/kestova/picture/report.h"
 #include "tools/kestova/picture/status_text.h"
+#include "tools/kestova/process/interruption.h"
 #include "tools/kestova/reports/remarks.h"
 
 namespace {
@@ -58,10 +62,21 @@ int Status(const CommandLine& line) {
                           }});
 }
 
+// Standard error, if that is a terminal and for people.
+ProgressPlace PlaceOfProgress(const CommandLine& line) {
+    const Terminal terminal = StandardError();
+    if (line.quiet || line.json || !terminal.isRewritten) return {};
+    return {.terminal = &std::cerr, .columns = terminal.columns, .now = [] {
+                return std::chrono::duration_cast<std::chrono::milliseconds>(
+                    std::chrono::steady_clock::now().time_since_epoch());
+            }};
+}
+
 int Files(const CommandLine& line) {
     const FilePlace place = ReadFilePlace(line.arguments[0]);
     return RunOnPc(line, {.run = [&](Session& session) {
-                       return ShowWithProblem(line, ReadFiles(session, place, line.hash));
+                       return ShowWithProblem(line,
+                                              ReadFiles(session, place, line.hash, PlaceOfProgress(line)));
                    }});
 }
 
@@ -187,14 +202,26 @@ struct ShownCall {
     std::vector<Finding> remarks = {};
 };
 
-ShownCall CallAndShow(const CommandLine& line, Session& session, const PlannedCall& call) {
+ShownCall CallAndShow(const CommandLine& line, Session& session, const PlannedCall& call,
+                      Progress& progress) {
     OperationReport report = session.Call(*call.operation, call.arguments);
     if (call.operation->changesPc && !report.stoppedBefore) report.remarks = RemarksOn(session.OnPc());
     Show(line, report);
     if (report.stoppedBefore) return {};
     CheckWritten(report);
+    if (!report.problem.empty()) progress.Hide();
     const int status = ShowProblem(line, report.problem);
+    progress.Add(1);
     return {IsFailure(*call.operation, report.result) ? Failure : status, report.remarks};
+}
+
+std::string CallsText(uint64_t count) {
+    return std::to_string(count);
+}
+
+// Where the results are not on the same terminal.
+ProgressPlace PlaceOfScript(const CommandLine& line) {
+    return StandardOutput().isRewritten ? ProgressPlace() : PlaceOfProgress(line);
 }
 
 int Call(const CommandLine& line) {
@@ -205,10 +232,24 @@ int Call(const CommandLine& line) {
                           .initialize = operation.name != "Initialize",
                           .showChanges = operation.changesPc,
                           .run = [&](Session& session) {
-                              const auto [status, remarks] = CallAndShow(line, session, call);
+                              Progress notShown({}, "", 1, CallsText);
+                              const auto [status, remarks] = CallAndShow(line, session, call, notShown);
                               ShowRemarks(line, remarks);
                               return status;
                           }});
+}
+
+// With the worst status, and the remarks on what the script leaves.
+ShownCall RunScript(const CommandLine& line, Session& session, const std::vector<PlannedCall>& calls) {
+    Progress progress(PlaceOfScript(line), "Running", calls.size(), CallsText);
+    ShownCall all;
+    for (const PlannedCall& call : calls) {
+        StopIfInterrupted();
+        const ShownCall shown = CallAndShow(line, session, call, progress);
+        all.status = std::max(all.status, shown.status);
+        if (call.operation->changesPc) all.remarks = shown.remarks;
+    }
+    return all;
 }
 
 int Run(const CommandLine& line) {
@@ -217,14 +258,8 @@ int Run(const CommandLine& line) {
                           .showLife = true,
                           .script = line.arguments[0],
                           .operations = calls.size(),
-                          .run = [&](Session& session) -> int {
-                              int status = Done;
-                              std::vector<Finding> remarks;  // on what the script leaves
-                              for (const PlannedCall& call : calls) {
-                                  const ShownCall shown = CallAndShow(line, session, call);
-                                  status = std::max(status, shown.status);
-                                  if (call.operation->changesPc) remarks = shown.remarks;
-                              }
+                          .run = [&](Session& session) {
+                              const auto [status, remarks] = RunScript(line, session, calls);
                               ShowRemarks(line, remarks);
                               return status;
                           }});
@@ -245,8 +280,10 @@ std::optional<std::string> ChangeWord(machine::Recovery recovery) {
 int Recover(const CommandLine& line) {
     if (line.choice.images.empty()) throw WrongUse("recover: name the disk image with --image");
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
-    for (const std::string& image : line.choice.images)
+    for (const std::string& image : line.choice.images) {
+        StopIfInterrupted();
         Show(line, RecoveryReport{image, ChangeWord(RecoverChange(image, use)), line.choice.dryRun});
+    }
     return Done;
 }
 
@@ -254,6 +291,7 @@ int RepairTables(const CommandLine& line) {
     if (line.choice.images.empty()) throw WrongUse("repair-table: name the disk image with --image");
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
     for (const std::string& image : line.choice.images) {
+        StopIfInterrupted();
         const auto [problems, backup, notes] = RepairTableOf(image, use);
         ShowNotes(line, notes);
         Show(line, TableRepairReport{image, problems, !problems.empty() && !line.choice.dryRun, backup});

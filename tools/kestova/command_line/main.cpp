@@ -8,10 +8,12 @@
 #include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/version.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/terminal.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/json/output_schema.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
+#include "tools/kestova/process/interruption.h"
 #include "tools/kestova/process/program_start.h"
 
 namespace {
@@ -46,9 +48,15 @@ int CheckOutput(const CommandLine& line, int status) {
     return ShowProblem(line, "standard output cannot be written");
 }
 
-int RunWords(const std::vector<std::string>& words) {
+// Over what is on the line already: progress, or a terminal's ^C.
+std::string LastWordsOnTerminal(bool json, const std::string& message, int status) {
+    return (StandardError().isRewritten ? std::string(clearLine) : "") + ErrorText(json, message, status);
+}
+
+int RunWords(const std::vector<std::string>& words, const LastWords& lastWords) {
     const CommandLine line = ReadCommandLine(words);
     BeginOpening(line.choice, {.readsHives = ReadsHives(line), .hashesFiles = line.hash});
+    ExpectInterruption(lastWords);  // the process that opens virtual disks goes on without it
     ConfineAtStart();
     return CheckOutput(line, Run(line));
 }
@@ -59,10 +67,11 @@ int Complain(bool json, const std::string& message, ExitStatus status) {
 }
 
 // Runs the words, and maps what it throws to a message and a status.
-int RunAndComplain(const std::vector<std::string>& words) {
-    const bool json = WantsJson(words);
+int RunAndComplain(const std::vector<std::string>& words, bool json, const LastWords& lastWords) {
     try {
-        return RunWords(words);
+        return RunWords(words, lastWords);
+    } catch (const Interrupted&) {
+        return Failure;
     } catch (const WrongUse& error) {
         ShowError(json, error.what(), WrongUseStatus);
         if (!json) std::cerr << "(kestova --help tells what there is)\n";
@@ -80,7 +89,14 @@ int RunAndComplain(const std::vector<std::string>& words) {
 
 int main(int count, char** words) {
     try {
-        return RunAndComplain(StartProgram(count, words));
+        const std::vector<std::string> typed = StartProgram(count, words);
+        const bool json = WantsJson(typed);
+        const auto lastWords = [json](const std::string& message, int status) {
+            return LastWordsOnTerminal(json, message, status);
+        };
+        const int status = RunAndComplain(typed, json, lastWords);
+        EndIfInterrupted(lastWords);
+        return status;
     } catch (const std::exception& error) {
         return Complain(false, error.what(), Failure);
     }

@@ -6,8 +6,16 @@
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/json/as_json.h"
 
+namespace {
+
+std::string MessageText(const std::string& message) {
+    return "kestova: " + PrintableText(message) + "\n";
+}
+
+}  // namespace
+
 void ShowMessage(const std::string& message) {
-    if (!message.empty()) std::cerr << "kestova: " << PrintableText(message) << "\n";
+    if (!message.empty()) std::cerr << MessageText(message);
 }
 
 void ShowNote(const CommandLine& line, const std::string& note) {
@@ -20,11 +28,11 @@ void ShowNotes(const CommandLine& line, const std::vector<std::string>& notes) {
 }
 
 void ShowError(bool json, const std::string& message, int status) {
-    if (json) {
-        std::cerr << ErrorAsJson(message, status);
-    } else {
-        ShowMessage(message);
-    }
+    std::cerr << ErrorText(json, message, status);
+}
+
+std::string ErrorText(bool json, const std::string& message, int status) {
+    return json ? ErrorAsJson(message, status) : MessageText(message);
 }
 
 int ShowProblem(const CommandLine& line, const std::string& problem) {

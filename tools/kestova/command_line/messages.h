@@ -15,6 +15,7 @@ void ShowNotes(const CommandLine& line, const std::vector<std::string>& notes);
 
 // What makes the program end with that status. With --json it is an object of its own line.
 void ShowError(bool json, const std::string& message, int status);
+std::string ErrorText(bool json, const std::string& message, int status);
 
 // The same for what could not be found out; Done if `problem` is empty, else Failure.
 int ShowProblem(const CommandLine& line, const std::string& problem);

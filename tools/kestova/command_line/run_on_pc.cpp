@@ -9,6 +9,7 @@
 #include "tools/kestova/common/printable_lines.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
+#include "tools/kestova/process/interruption.h"
 #include "tools/kestova/reports/remarks.h"
 
 namespace {
@@ -170,6 +171,7 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
     ShowBackups(line, pc);
     if (!log.Close()) status = ShowProblem(line, line.log + ": cannot be written");
+    if (files.save || files.output) HoldInterruption();
     if (files.save) pc.Save(*files.save);
     if (work.output != nullptr) WriteOutput(*work.output, files);
     return status;

@@ -12,9 +12,12 @@ size_t ColumnsOfEnvironment() {
 
 bool AllowsColour() {
     const char* const noColour = std::getenv("NO_COLOR");
+    return (noColour == nullptr || *noColour == '\0') && !IsDumbTerminal();
+}
+
+bool IsDumbTerminal() {
     const char* const kind = std::getenv("TERM");
-    const bool isDumb = kind != nullptr && std::string_view(kind) == "dumb";
-    return (noColour == nullptr || *noColour == '\0') && !isDumb;
+    return kind != nullptr && std::string_view(kind) == "dumb";
 }
 
 std::optional<bool> AskOnTerminal(const std::string& question) {

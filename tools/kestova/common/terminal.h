@@ -9,10 +9,14 @@
 struct Terminal {
     size_t columns = noLimit;
     bool showsColour = false;  // never with NO_COLOR
+    bool isRewritten = false;  // its last line can be replaced, as by clearLine
 };
+
+inline constexpr const char* clearLine = "\r\033[K";
 
 // The width is the terminal's own, else that of COLUMNS.
 Terminal StandardOutput();
+Terminal StandardError();
 
 // Asks on standard error and reads the answer from standard input: whether it is "y" or "yes". Nothing, and
 // no question, unless both are a terminal.
@@ -21,6 +25,8 @@ std::optional<bool> AskOnTerminal(const std::string& question);
 // Whether both are one.
 bool CanAsk();
 
-// What both systems have in common: a width from COLUMNS, and whether NO_COLOR allows colour.
+// What both systems have in common: a width from COLUMNS, whether NO_COLOR allows colour, and a terminal that
+// obeys nothing.
 size_t ColumnsOfEnvironment();
 bool AllowsColour();
+bool IsDumbTerminal();

@@ -3,11 +3,25 @@
 
 #include "tools/kestova/common/terminal.h"
 
-Terminal StandardOutput() {
-    if (isatty(STDOUT_FILENO) == 0) return {};
+namespace {
+
+Terminal TerminalAt(int descriptor) {
+    if (isatty(descriptor) == 0) return {};
     winsize size = {};
-    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
-    return {.columns = isKnown ? size.ws_col : ColumnsOfEnvironment(), .showsColour = AllowsColour()};
+    const bool isKnown = ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+    return {.columns = isKnown ? size.ws_col : ColumnsOfEnvironment(),
+            .showsColour = AllowsColour(),
+            .isRewritten = !IsDumbTerminal()};
+}
+
+}  // namespace
+
+Terminal StandardOutput() {
+    return TerminalAt(STDOUT_FILENO);
+}
+
+Terminal StandardError() {
+    return TerminalAt(STDERR_FILENO);
 }
 
 bool CanAsk() {

@@ -13,6 +13,11 @@ Terminal StandardOutput() {
             .showsColour = showsColour};
 }
 
+// Nothing is shown there that would have to fit.
+Terminal StandardError() {
+    return {};
+}
+
 bool CanAsk() {
     DWORD mode = 0;
     return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) &&

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "logging/logging.h"
-#include "tools/kestova/common/trace.h"
 #include "tools/kestova/operations/operations.h"
+#include "tools/kestova/pc/trace.h"
 
 // What a report adds to a result: why it was refused, by the condition that it needs, or what the PC will not
 // do afterwards.

@@ -1,5 +1,6 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/process/interruption.h"
 
 namespace {
 
@@ -28,6 +29,7 @@ machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess acces
     if (!choice.backup.empty() && choice.backup == choice.journal)
         throw WrongUse("--backup: " + choice.backup + " is the journal of the image");
     use.forceDirty = choice.forceDirty;
+    use.beforeWriting = HoldInterruption;
     use.changesDisks =
         choice.yes || (use.access == machine::ImageAccess::Write && ConfirmDisks(choice.images));
     if (choice.sectorSize.empty()) return use;

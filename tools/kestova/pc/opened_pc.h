@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "tools/kestova/common/output_file.h"
-#include "tools/kestova/common/trace.h"
 #include "tools/kestova/pc/disk_facts.h"
+#include "tools/kestova/pc/trace.h"
 #include "tools/kestova/pc/volume_place.h"
 
 // The options that choose and prepare a PC.

@@ -74,6 +74,7 @@ const std::vector<Kept>& KeptByWork() {
           {"futex_time64"},
           {"rt_sigaction"},
           {"rt_sigprocmask"},
+          {"rt_sigpending"},
           {"rt_sigreturn"},
           {"sigreturn"},
           {"clock_gettime"},

@@ -56,9 +56,13 @@ std::vector<FileEntry> Listed(machine::VolumeStore& files, const FilePlace& plac
 }
 
 // Adds the hash of a file, or the problem that it cannot be read.
-void AddHash(machine::VolumeStore& files, const std::string& path, ListedFile& file, std::string& problem) {
+void AddHash(machine::VolumeStore& files, const std::string& path, ListedFile& file, Progress& progress,
+             std::string& problem) {
     Sha256 hash;
-    const uint32_t error = files.ReadParts(path, [&](std::string_view part) { hash.Add(part); });
+    const uint32_t error = files.ReadParts(path, [&](std::string_view part) {
+        hash.Add(part);
+        progress.Add(part.size());
+    });
     if (error == ERROR_SUCCESS) {
         file.sha256 = hash.Text();
     } else {
@@ -66,18 +70,27 @@ void AddHash(machine::VolumeStore& files, const std::string& path, ListedFile& f
     }
 }
 
+uint64_t BytesOf(const std::vector<FileEntry>& files) {
+    uint64_t bytes = 0;
+    for (const FileEntry& file : files)
+        bytes += file.bytes.value_or(0);
+    return bytes;
+}
+
 }  // namespace
 
-FilesReport ReadFiles(Session& session, const FilePlace& place, bool hash) {
+FilesReport ReadFiles(Session& session, const FilePlace& place, bool hash, const ProgressPlace& shown) {
     FilesReport report{
         .place = place, .volume = session.OnPc().VolumeAt(PlaceOf(session, place)), .hasHashes = hash};
     machine::VolumeStore& files = *report.volume.files;
     report.isFolder = files.Find(place.path) == FileKind::Folder;
-    for (const FileEntry& entry : Listed(files, place)) {
+    const std::vector<FileEntry> entries = Listed(files, place);
+    Progress progress(shown, "Hashing", BytesOf(entries), SizeText);
+    for (const FileEntry& entry : entries) {
         ListedFile& file = report.files.emplace_back(ListedFile{entry});
         if (!hash || entry.kind != FileKind::File) continue;
         const std::string below = place.path.empty() ? entry.name : place.path + "\\" + entry.name;
-        AddHash(files, report.isFolder ? below : place.path, file, report.problem);
+        AddHash(files, report.isFolder ? below : place.path, file, progress, report.problem);
     }
     return report;
 }

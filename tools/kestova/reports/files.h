@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/kestova/common/progress.h"
 #include "tools/kestova/operations/session.h"
 #include "tools/kestova/pc/volume_place.h"
 
@@ -30,6 +31,6 @@ struct FilesReport {
     std::string problem = {};            // which files cannot be read; else empty
 };
 
-// `hash` reads every file that is listed. Throws Failed, with the reason, if there is no such path, or the
-// volume cannot be read.
-FilesReport ReadFiles(Session& session, const FilePlace& place, bool hash);
+// `hash` reads every file that is listed, and shows how far it is there. Throws Failed, with the reason, if
+// there is no such path, or the volume cannot be read.
+FilesReport ReadFiles(Session& session, const FilePlace& place, bool hash, const ProgressPlace& shown);

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <set>
 
-#include "tools/kestova/common/trace.h"
+#include "tools/kestova/pc/trace.h"
 
 // Offsets of the partitions that one operation wanted to give a letter and that never got one.
 std::set<int64_t> RefusedLetters(const Trace& trace);

@@ -11,6 +11,7 @@
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class Landscape : public ProgramTest {
   protected:
@@ -220,6 +221,56 @@ TEST_F(Landscape, LogicalPartitionActive_Status_RemarksThatNoPcStartsFromIt) {
               0);
     EXPECT_EQ(Kestova("--image disk.img status").errors,
               "kestova: partition 2 is active and a logical one; a PC starts from primary partitions only\n");
+}
+
+// A stick made of a disc's image has an MBR before the file system of the disc, with an active partition from
+// sector 0.
+TEST_F(Landscape, StickMadeOfADiscBesideTheInternalDisk_BarsOnlyItself) {
+    Take("factory-mbr.img");
+    Take("disc-joliet.iso");
+    ASSERT_EQ(Shell("mv disc-joliet.iso stick.iso && truncate -s 1M stick.iso && "
+                    "printf '\\200\\0\\1\\0\\27\\077\\040\\0\\0\\0\\0\\0\\0\\010\\0\\0' | "
+                    "dd of=stick.iso bs=1 seek=446 conv=notrunc status=none && "
+                    "printf '\\125\\252' | dd of=stick.iso bs=1 seek=510 conv=notrunc status=none && "
+                    "cp stick.iso before.iso")
+                  .status,
+              0);
+    ASSERT_THAT(Shell("sfdisk --dump stick.iso").output,
+                HasSubstr("stick.iso1 : start=           0, size=        2048, type=17, bootable\n"));
+    const std::string note = "kestova: stick.iso: partition 1 lies on the partition table\n";
+
+    const Outcome status = Kestova("--image factory-mbr.img --image stick.iso status");
+    EXPECT_EQ(status.status, 0);
+    EXPECT_EQ(status.errors, note);
+    EXPECT_THAT(status.output, HasSubstr("  1  0 B    1.0 MiB  unknown (0x17)  active"));
+
+    const Outcome boot = Kestova("--image factory-mbr.img --image stick.iso boot recovery");
+    EXPECT_EQ(boot.status, 0);
+    EXPECT_THAT(boot.errors, StartsWith(note));
+    EXPECT_THAT(Shell("sfdisk --dump factory-mbr.img | grep bootable").output, HasSubstr("type=27"));
+    EXPECT_EQ(Shell("cmp stick.iso before.iso").status, 0);
+
+    const Outcome itself = Kestova("--image stick.iso --image factory-mbr.img call SetActive 1");
+    EXPECT_EQ(itself.status, 3);
+    EXPECT_EQ(itself.errors, note);
+    EXPECT_EQ(Shell("cmp stick.iso before.iso").status, 0);
+}
+
+TEST_F(Landscape, LinuxExtendedPartitionOnASecondDisk_BarsNothing) {
+    Take("factory-mbr.img");
+    ASSERT_EQ(Shell("truncate -s 64M linux.img && printf 'label: dos\\n1: size=16MiB, type=7\\n"
+                    "2: size=40MiB, type=85\\n5: size=16MiB, type=83\\n' | sfdisk --quiet linux.img")
+                  .status,
+              0);
+    const std::string pc = "--image factory-mbr.img --image linux.img ";
+    const std::string note =
+        "kestova: linux.img: an extended partition of type 0x85, which Windows does not know\n";
+
+    for (const std::string words : {"status", "boot recovery", "boot system"}) {
+        const Outcome outcome = Kestova(pc + words);
+        EXPECT_EQ(outcome.status, 0) << words;
+        EXPECT_EQ(outcome.errors, note) << words;
+    }
 }
 
 TEST_F(Landscape, InitialisedDiskWithoutPartitions_EachQuestion_IsAnsweredWithoutAProblem) {

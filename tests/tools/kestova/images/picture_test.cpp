@@ -213,4 +213,25 @@ TEST_F(PictureOfImages, SectorsOf4096Bytes_Status_SaysSo) {
                 HasSubstr("300.0 MiB in sectors of 4096 bytes, MBR"));
 }
 
+// A copy that ended early: with the first bytes of the last partition, without them, and in the space before.
+TEST_F(PictureOfImages, TruncatedImage_Status_ShowsNoFreeSpaceBehindItsEnd) {
+    constexpr int64_t mebibyte = 1 << 20;
+    for (const std::string label : {"dos", "gpt"}) {
+        for (const int64_t size : {150, 100, 80}) {
+            SCOPED_TRACE(label + " " + std::to_string(size));
+            MakeDisk("label: " + label + "\nstart=1MiB, size=50MiB\nstart=100MiB, size=100MiB\n");
+            ASSERT_EQ(Shell("truncate -s " + std::to_string(size) + "M disk.img").status, 0);
+
+            const json gaps = Disk()["gaps"];
+
+            ASSERT_EQ(gaps.size(), 1u);
+            EXPECT_EQ(gaps[0]["offset"], 51 * mebibyte);
+            // The last sectors of a GPT disk belong to its table.
+            const int64_t end = 51 * mebibyte + gaps[0]["size"].get<int64_t>();
+            EXPECT_LE(end, std::min<int64_t>(size, 100) * mebibyte);
+            EXPECT_GT(end, std::min<int64_t>(size, 100) * mebibyte - mebibyte / 8);
+        }
+    }
+}
+
 }  // namespace
