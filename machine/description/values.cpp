@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "base/hexadecimal.h"
-#include "machine/facts/result_codes.h"
+#include "machine/calls/result_codes.h"
 
 namespace machine::description {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "machine/facts/fault_rule.h"
+#include "machine/calls/fault_rule.h"
 
 namespace machine {
 

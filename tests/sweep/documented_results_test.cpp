@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/facts/call_table.h"
-#include "machine/facts/documented_results.h"
+#include "machine/calls/call_table.h"
+#include "machine/calls/documented_results.h"
 #include "tests/sweep/engine/fault_series.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <map>
 
 #include "base/hexadecimal.h"
-#include "machine/facts/call_table.h"
-#include "machine/facts/documented_results.h"
+#include "machine/calls/call_table.h"
+#include "machine/calls/documented_results.h"
 #include "platform/windows_api.h"
 
 namespace sweep {

@@ -1,8 +1,8 @@
 // Operations with their log and trace, what the tool and the emulated PC come with, and what ends a command.
 
 #include "base/utf.h"
-#include "machine/facts/documented_results.h"
-#include "machine/facts/result_codes.h"
+#include "machine/calls/documented_results.h"
+#include "machine/calls/result_codes.h"
 #include "tools/kestova/json/as_json.h"
 #include "tools/kestova/json/json_values.h"
 #include "tools/kestova/reports/call_words.h"

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "machine/facts/call_table.h"
-#include "machine/facts/result_codes.h"
+#include "machine/calls/call_table.h"
+#include "machine/calls/result_codes.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 

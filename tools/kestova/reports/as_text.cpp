@@ -1,8 +1,8 @@
 #include "tools/kestova/reports/as_text.h"
 
 #include "base/utf.h"
-#include "machine/facts/documented_results.h"
-#include "machine/facts/result_codes.h"
+#include "machine/calls/documented_results.h"
+#include "machine/calls/result_codes.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/call_words.h"
 

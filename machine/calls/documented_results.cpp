@@ -1,4 +1,4 @@
-#include "machine/facts/documented_results.h"
+#include "machine/calls/documented_results.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 
 namespace machine {
 

@@ -1,4 +1,4 @@
-#include "machine/facts/result_codes.h"
+#include "machine/calls/result_codes.h"
 
 #include <algorithm>
 #include <vector>
@@ -74,6 +74,7 @@ constexpr NamedCode errors[] = {
     NAMED(ERROR_ACCESS_DENIED),
     NAMED(ERROR_INVALID_HANDLE),
     NAMED(ERROR_NOT_ENOUGH_MEMORY),
+    NAMED(ERROR_INVALID_DATA),
     NAMED(ERROR_WRITE_PROTECT),
     NAMED(ERROR_NOT_READY),
     NAMED(ERROR_CRC),
@@ -82,7 +83,6 @@ constexpr NamedCode errors[] = {
     NAMED(ERROR_INVALID_PARAMETER),
     NAMED(ERROR_BUFFER_OVERFLOW),
     NAMED(ERROR_DISK_FULL),
-    NAMED(ERROR_INVALID_DATA),
     NAMED(ERROR_INSUFFICIENT_BUFFER),
     NAMED(ERROR_MOD_NOT_FOUND),
     NAMED(ERROR_MORE_DATA),
