@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <map>
 
+#include "machine/calls/call_table.h"
 #include "machine/description/description.h"
 #include "machine/description/node.h"
-#include "machine/facts/call_table.h"
 #include "platform/partition_types.h"
 
 namespace machine::description {

@@ -17,6 +17,8 @@ void Number(Output out, int64_t least, uint64_t most, std::string_view pattern);
 // A number that a description has as text, decimal or with 0x in front.
 inline constexpr std::string_view numberText = "^([0-9]+|0[xX][0-9A-Fa-f]+)$";
 // The same with a unit behind it.
+// The same, or the name of a code.
+inline constexpr std::string_view codeText = "^([0-9]+|0[xX][0-9A-Fa-f]+|[A-Z][A-Z0-9_]+)$";
 inline constexpr std::string_view sizeText = "^([0-9]+( ?[KMGT]iB)?|0[xX][0-9A-Fa-f]+( [KMGT]iB)?)$";
 
 // An object with no other keys than those that the caller describes in what is returned.

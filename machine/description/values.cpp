@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "base/hexadecimal.h"
+#include "machine/calls/result_codes.h"
 
 namespace machine::description {
 
@@ -159,6 +160,32 @@ void WriteNumber(Output out, uint64_t number, Notation notation, size_t bytes) {
     if (notation == Notation::Decimal || (notation == Notation::Code && number < leastResultCode))
         return out.Number(number);
     out.Text(Hex(number, static_cast<int>(2 * bytes)));
+}
+
+namespace {
+
+constexpr NumberRange codeRange = {std::numeric_limits<int32_t>::min(), std::numeric_limits<uint32_t>::max()};
+
+}  // namespace
+
+void ErrorCode::Read(const Node& node, uint32_t& code) {
+    if (node.IsText()) {
+        if (const std::optional<uint32_t> named = CodeOfName(node.Text())) {
+            code = *named;
+            return;
+        }
+        if (const std::string similar = NearestCodeName(node.Text()); !similar.empty())
+            node.Fail("there is no code \"" + node.Text() + "\"; did you mean \"" + similar + "\"?");
+    }
+    code = static_cast<uint32_t>(ReadNumber(node, codeRange));
+}
+
+void ErrorCode::Write(Output out, uint32_t code, uint32_t) {
+    WriteNumber(out, code, Notation::Code, sizeof code);
+}
+
+void ErrorCode::Describe(Output out) {
+    schema::Number(out, codeRange.least, codeRange.most, schema::codeText);
 }
 
 void DescribeWords(Output out, Words words) {

@@ -88,7 +88,7 @@ struct Registry {
 enum class Notation {
     Decimal,  // 39
     Hex,      // "0x27", at least as many digits as the type holds
-    Code,     // 13, "0x80004005": result codes and last errors
+    Code,     // 13, "0x80004005"
 };
 
 struct NumberRange {
@@ -119,7 +119,15 @@ struct Number {
     }
 };
 
-using ErrorCode = Number<uint32_t, Notation::Code>;
+// A result code or a last error: a number, a negative one too, as some tools write an HRESULT; or its
+// published name.
+struct ErrorCode {
+    using Value = uint32_t;
+
+    static void Read(const Node& node, uint32_t& code);
+    static void Write(Output out, uint32_t code, uint32_t);
+    static void Describe(Output out);
+};
 
 // A row in a table of values with names: numbers or enumerators.
 struct Named {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "base/guid.h"
-#include "machine/facts/fault_rule.h"
+#include "machine/calls/fault_rule.h"
 #include "machine/facts/file_store.h"
 #include "machine/facts/file_tree.h"
 #include "machine/facts/hive_reader.h"

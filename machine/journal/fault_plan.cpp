@@ -1,6 +1,6 @@
 #include "machine/journal/fault_plan.h"
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 
 namespace machine {
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "machine/facts/fault_rule.h"
+#include "machine/calls/fault_rule.h"
 
 namespace machine {
 

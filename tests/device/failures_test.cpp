@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "device/disk_drive.h"
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 #include "tests/device/hosted_pc.h"
 #include "tests/support/fault_walk.h"
 

@@ -9,7 +9,7 @@
 #include <functional>
 #include <optional>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
 #include "tests/support/application/application.h"
 #include "tests/support/fault_walk.h"

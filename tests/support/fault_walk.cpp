@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 #include "platform/windows_api.h"
 
 using machine::FailsWith;

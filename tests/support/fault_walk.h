@@ -4,8 +4,8 @@
 #include <functional>
 #include <string>
 
-#include "machine/facts/call_table.h"
-#include "machine/facts/fault_rule.h"
+#include "machine/calls/call_table.h"
+#include "machine/calls/fault_rule.h"
 #include "machine/journal/journal.h"
 
 // Visits one rule after another, of each call in the journal of an undisturbed run that can fail: it fails

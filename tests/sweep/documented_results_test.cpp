@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "machine/facts/call_table.h"
-#include "tests/sweep/engine/documented_results.h"
+#include "machine/calls/call_table.h"
+#include "machine/calls/documented_results.h"
 #include "tests/sweep/engine/fault_series.h"
 
 namespace {
@@ -19,17 +19,17 @@ size_t CountWay(const std::vector<Disturbance>& all, Way way) {
 }  // namespace
 
 TEST(DocumentedResults, EveryCallOfTheTable_HasOneRowWithFailures) {
-    EXPECT_EQ(sweep::AllDocumentedResults().size(), machine::AllCalls().size());
+    EXPECT_EQ(machine::AllDocumentedResults().size(), machine::AllCalls().size());
     for (const machine::CallInfo& call : machine::AllCalls())
-        EXPECT_FALSE(sweep::ResultsOf(call.name).failures.empty()) << call.name;
+        EXPECT_FALSE(machine::ResultsOf(call.name).failures.empty()) << call.name;
 }
 
 TEST(DocumentedResults, FailuresOfResultCalls_AreFailures) {
     for (const machine::CallInfo& call : machine::AllCalls()) {
         if (call.failsWith != machine::FailsWith::Hresult) continue;
-        for (const uint32_t code : sweep::ResultsOf(call.name).failures)
+        for (const uint32_t code : machine::ResultsOf(call.name).failures)
             EXPECT_GE(code, 0x80000000U) << call.name;
-        for (const uint32_t code : sweep::ResultsOf(call.name).successes)
+        for (const uint32_t code : machine::ResultsOf(call.name).successes)
             EXPECT_LT(code, 0x80000000U) << call.name;
     }
 }
@@ -37,7 +37,7 @@ TEST(DocumentedResults, FailuresOfResultCalls_AreFailures) {
 TEST(FaultSeries, CallThatChangesThePc_FailsInEveryWay) {
     const std::string call = "IVdsAdvancedDisk::ChangeAttributes";
     const auto all = sweep::AllDisturbances({{}, {call}});
-    const size_t codes = sweep::ResultsOf(call).failures.size();
+    const size_t codes = machine::ResultsOf(call).failures.size();
     EXPECT_EQ(CountWay(all, Way::Fails), codes);
     EXPECT_EQ(CountWay(all, Way::FailsOnwards), codes);
     EXPECT_EQ(CountWay(all, Way::FailsAfterEffect), codes);
@@ -58,7 +58,7 @@ TEST(FaultSeries, CallsOfThePreparation_AreCountedAndNotDisturbed) {
 TEST(FaultSeries, CodeThatAnswers_IsAnotherValueAndNoFailure) {
     const std::string call = "CoInitializeSecurity";
     const auto all = sweep::AllDisturbances({{}, {call}});
-    EXPECT_EQ(CountWay(all, Way::Fails), sweep::ResultsOf(call).failures.size());
+    EXPECT_EQ(CountWay(all, Way::Fails), machine::ResultsOf(call).failures.size());
     EXPECT_EQ(CountWay(all, Way::OtherValue), 2U);
 }
 

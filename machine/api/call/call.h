@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/utf.h"
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 #include "machine/journal/emulated_pc.h"
 
 namespace machine {

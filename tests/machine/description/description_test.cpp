@@ -174,6 +174,10 @@ const WrongText contradictions[] = {
     {"LetterOfTwoEncryptableVolumes",
      R"({"encryptableVolumes": [{"driveLetter": "C:"}, {"driveLetter": "C:"}]})",
      "encryptableVolumes[1].driveLetter: C: is taken by encryptableVolumes[0].driveLetter"},
+    {"UnknownCode", R"({"faults": [{"call": "CreateFileW", "code": "E_FIAL"}]})",
+     R"(faults[0].code: there is no code "E_FIAL"; did you mean "E_FAIL"?)"},
+    {"CodeBelowAll", R"({"faults": [{"call": "CreateFileW", "code": -2147483649}]})",
+     "faults[0].code: -2147483649 is out of range: -2147483648 to 4294967295"},
     {"UnknownCall", R"({"faults": [{"call": "CreateFile", "code": 5}]})",
      R"(faults[0].call: unknown call "CreateFile" (did you mean "CreateFileW"?))"},
     {"CallWithoutInterface", R"({"faults": [{"call": "ChangeAttributes", "code": 5}]})",
@@ -281,6 +285,16 @@ TEST(ReadDescription, EncryptableVolumes_CanBeAbsentEmptyOrListed) {
 TEST(ReadDescription, EncryptableVolume_KeepsTheCaseOfItsLetter) {
     const Pc pc = Read(R"({"encryptableVolumes": [{"driveLetter": "d:"}]})");
     EXPECT_EQ(pc.encryptableVolumes.value().at(0).driveLetter, "d:");
+}
+
+TEST(ReadDescription, CodesOfFaults_AreNumbersOrNames) {
+    const machine::Pc pc = Read(R"({"faults": [{"call": "CreateFileW", "code": "ERROR_ACCESS_DENIED"},
+      {"call": "CoInitializeEx", "code": "E_FAIL"}, {"call": "CoInitializeEx", "code": -2147467259},
+      {"call": "CoInitializeEx", "code": "0x80004005"}]})");
+    std::vector<uint32_t> codes;
+    for (const machine::FaultRule& rule : pc.faults)
+        codes.push_back(rule.code);
+    EXPECT_EQ(codes, (std::vector<uint32_t>{5, 0x80004005, 0x80004005, 0x80004005}));
 }
 
 TEST(ReadDescription, Shell_DefaultsAreQuickAndWorking) {

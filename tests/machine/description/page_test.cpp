@@ -6,9 +6,9 @@
 #include <map>
 #include <sstream>
 
+#include "machine/calls/call_table.h"
 #include "machine/description/description.h"
 #include "machine/description/types.h"
-#include "machine/facts/call_table.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <map>
 
 #include "base/hexadecimal.h"
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
+#include "machine/calls/documented_results.h"
 #include "platform/windows_api.h"
-#include "tests/sweep/engine/documented_results.h"
 
 namespace sweep {
 
@@ -20,7 +20,7 @@ constexpr uint32_t codesOfAllCalls[] = {0x80070005, 0x800706BA};
 void AddFailures(const machine::CallInfo& info, uint32_t nth, std::vector<Disturbance>& all) {
     const std::string call(info.name);
     const bool fails = info.failsWith != FailsWith::Value;
-    for (const uint32_t code : ResultsOf(call).failures) {
+    for (const uint32_t code : machine::ResultsOf(call).failures) {
         all.push_back(
             {call, fails ? Way::Fails : Way::OtherValue, {{.call = call, .nth = nth, .code = code}}});
         all.push_back({call,
@@ -34,7 +34,7 @@ void AddFailures(const machine::CallInfo& info, uint32_t nth, std::vector<Distur
 }
 
 void AddAnswers(const std::string& call, uint32_t nth, std::vector<Disturbance>& all) {
-    for (const uint32_t code : ResultsOf(call).answers) {
+    for (const uint32_t code : machine::ResultsOf(call).answers) {
         for (const bool onwards : {false, true}) {
             all.push_back(
                 {call, Way::OtherValue, {{.call = call, .nth = nth, .onwards = onwards, .code = code}}});
@@ -54,9 +54,9 @@ void AddSuccesses(const machine::CallInfo& info, uint32_t nth, std::vector<Distu
         all.push_back(
             {call, Way::EmptySuccess, {{.call = call, .nth = nth, .onwards = onwards, .code = S_FALSE}}});
     }
-    for (const uint32_t code : ResultsOf(call).emptySuccesses)
+    for (const uint32_t code : machine::ResultsOf(call).emptySuccesses)
         all.push_back({call, Way::EmptySuccess, {{.call = call, .nth = nth, .code = code}}});
-    for (const uint32_t code : ResultsOf(call).successes) {
+    for (const uint32_t code : machine::ResultsOf(call).successes) {
         all.push_back(
             {call, Way::OtherSuccess, {{.call = call, .nth = nth, .afterEffect = true, .code = code}}});
     }
@@ -144,7 +144,7 @@ std::vector<Disturbance> FaultsOfRollBack(const Disturbance& disturbance, const 
         const machine::CallInfo* const info = machine::FindCall(call);
         if (position <= first || info == nullptr || info->failsWith == FailsWith::Value) continue;
         Disturbance both{disturbance.call, way, disturbance.rules};
-        both.rules.push_back({.call = call, .nth = nth, .code = ResultsOf(call).failures.front()});
+        both.rules.push_back({.call = call, .nth = nth, .code = machine::ResultsOf(call).failures.front()});
         all.push_back(std::move(both));
     }
     return all;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "machine/facts/fault_rule.h"
+#include "machine/calls/fault_rule.h"
 #include "machine/journal/journal.h"
 
 namespace sweep {

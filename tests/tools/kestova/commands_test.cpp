@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 #include "tests/support/program/program.h"
 
 namespace {
@@ -548,29 +548,35 @@ TEST_F(Lists, Calls_InJson_NameEveryCallOfTheEmulatedPc) {
     std::string expected;
     for (const machine::CallInfo& call : machine::AllCalls())
         expected += std::string(call.name) + (call.changesPc ? " true\n" : " false\n");
-    EXPECT_EQ(Shell("'" KESTOVA_PROGRAM
-                    "' calls --json | sed -E 's/.*\"call\":\"([^\"]*)\",.*\"changesPc\":([a-z]*)}/\\1 \\2/'")
-                  .output,
-              expected);
+    EXPECT_EQ(
+        Shell("'" KESTOVA_PROGRAM
+              "' calls --json | sed -E 's/.*\"call\":\"([^\"]*)\",.*\"changesPc\":([a-z]*),.*/\\1 \\2/'")
+            .output,
+        expected);
 }
 
 TEST_F(Lists, Calls_EachKindOfFailure_HasItsWords) {
     const Outcome outcome = Kestova("calls --json");
     EXPECT_EQ(outcome.status, 0);
     for (const char* const line :
-         {R"({"call":"CoCreateInstance","failsWith":"HRESULT","changesPc":false})",
-          R"({"call":"RegCloseKey","failsWith":"status","changesPc":true})",
-          R"({"call":"DeviceIoControl","failsWith":"FALSE and last error","changesPc":false})",
-          R"({"call":"GetWindowsDirectoryW","failsWith":"0 and last error","changesPc":false})",
-          R"({"call":"GlobalAlloc","failsWith":"null and last error","changesPc":false})",
-          R"({"call":"CreateFileW","failsWith":"INVALID_HANDLE_VALUE and last error","changesPc":true})",
-          R"({"call":"GetDriveTypeW","failsWith":"value","changesPc":false})"})
-        EXPECT_THAT(outcome.output, HasSubstr(std::string(line) + "\n"));
+         {R"({"call":"CoCreateInstance","failsWith":"HRESULT","changesPc":false,)",
+          R"({"call":"RegCloseKey","failsWith":"status","changesPc":true,)",
+          R"({"call":"DeviceIoControl","failsWith":"FALSE and last error","changesPc":false,)",
+          R"({"call":"GetWindowsDirectoryW","failsWith":"0 and last error","changesPc":false,)",
+          R"({"call":"GlobalAlloc","failsWith":"null and last error","changesPc":false,)",
+          R"({"call":"CreateFileW","failsWith":"INVALID_HANDLE_VALUE and last error","changesPc":true,)",
+          R"({"call":"GetDriveTypeW","failsWith":"value","changesPc":false,)"})
+        EXPECT_THAT(outcome.output, HasSubstr(line));
     EXPECT_THAT(
-        Kestova("calls").output,
-        StartsWith("Call                                    Fails with                           "
-                   "Changes the PC\n"
-                   "CloseHandle                             FALSE and last error                 yes\n"));
+        outcome.output,
+        HasSubstr(
+            R"("codes":[{"name":"E_ACCESSDENIED","code":2147942405},{"name":"0x800706BA","code":2147944122}]})"
+            "\n"));
+    EXPECT_THAT(Kestova("calls").output,
+                StartsWith("Call                                    Fails with                           "
+                           "Changes the PC  Documented codes\n"
+                           "CloseHandle                             FALSE and last error                 "
+                           "yes             ERROR_INVALID_HANDLE\n"));
 }
 
 }  // namespace

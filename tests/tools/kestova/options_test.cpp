@@ -83,6 +83,10 @@ const Mistake mistakes[] = {
     {"FaultWithoutCode", "--fail CreateFileW status", 2, "--fail 'CreateFileW': no '=CODE'\n"},
     {"FaultCode", "--fail CreateFileW=0x1ffffffff status", 2,
      "--fail 'CreateFileW=0x1ffffffff': '0x1ffffffff' is not a code of 32 bits\n"},
+    {"FaultCodeMisspelt", "--fail CreateFileW=ERROR_ACCES_DENIED status", 2,
+     "--fail 'CreateFileW=ERROR_ACCES_DENIED': 'ERROR_ACCES_DENIED' is not a code of 32 bits; did you mean ERROR_ACCESS_DENIED?\n"},
+    {"FaultCodeBelowAll", "--fail CreateFileW=-2147483649 status", 2,
+     "--fail 'CreateFileW=-2147483649': '-2147483649' is not a code of 32 bits\n"},
     {"FaultNumber", "--fail 'CreateFileW#0=1' status", 2,
      "--fail 'CreateFileW#0=1': after '#' comes the number of the call, from 1\n"},
     {"TwoPcs", "--pc factory-mbr --image x status", 2, "--image and --pc cannot be given together\n"},
@@ -120,12 +124,20 @@ TEST_F(Json, Schema_EachNamedMachine_IsValid) {
     EXPECT_GT(count, 3);
 }
 
+TEST_F(Json, Schema_CodesAsNameAndNegative_AreValid) {
+    WriteFile("schema.json", Kestova("--schema").output);
+    WriteFile("pc.json", R"({"faults": [{"call": "DeleteFileW", "code": "ERROR_ACCESS_DENIED"},
+      {"call": "IWbemServices::ExecMethod", "code": -2147467259}]})");
+    EXPECT_EQ(Shell("jsonschema -i pc.json schema.json").output, "");
+    EXPECT_EQ(Kestova("--pc pc.json --quiet call GetDiskStyle").errors, "");
+}
+
 TEST_F(Json, Schema_DescriptionWithAMistake_IsInvalid) {
     WriteFile("schema.json", Kestova("--schema").output);
     for (const std::string mistake :
          {R"({"nmae": "x"})", R"({"disks": [{"busType": "sata"}]})",
           R"({"disks": [{"number": 0, "size": "15GB"}]})", R"({"firmware": {"kind": "uefy"}})",
-          R"({"volumes": [{"letters": "c"}]})",
+          R"({"volumes": [{"letters": "c"}]})", R"({"faults": [{"call": "CreateFileW", "code": "e_fail"}]})",
           R"({"disks": [{"number": 0, "image": "x.img", "size": 512}]})"}) {
         WriteFile("pc.json", mistake);
         EXPECT_NE(Shell("jsonschema -i pc.json schema.json").status, 0) << mistake;

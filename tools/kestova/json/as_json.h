@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
 #include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"

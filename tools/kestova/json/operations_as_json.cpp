@@ -1,6 +1,8 @@
 // Operations with their log and trace, what the tool and the emulated PC come with, and what ends a command.
 
 #include "base/utf.h"
+#include "machine/calls/documented_results.h"
+#include "machine/calls/result_codes.h"
 #include "tools/kestova/json/as_json.h"
 #include "tools/kestova/json/json_values.h"
 #include "tools/kestova/reports/call_words.h"
@@ -89,7 +91,13 @@ static Json ToJson(const machine::NamedMachine& machine) {
 }
 
 static Json ToJson(const machine::CallInfo& call) {
-    return {{"call", call.name}, {"failsWith", FailureWords(call.failsWith)}, {"changesPc", call.changesPc}};
+    Json codes = Json::array();
+    for (const uint32_t code : machine::ResultsOf(call.name).failures)
+        codes.push_back({{"name", machine::CodeText(code, call.failsWith)}, {"code", code}});
+    return {{"call", call.name},
+            {"failsWith", FailureWords(call.failsWith)},
+            {"changesPc", call.changesPc},
+            {"codes", codes}};
 }
 
 template <typename List>

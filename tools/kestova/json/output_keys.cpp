@@ -192,6 +192,8 @@ constexpr OutputKey callsKeys[] = {
     {"call", "string", "for --fail"},
     {"failsWith", "string", "how it reports a failure"},
     {"changesPc", "boolean", "whether it changes the PC"},
+    {"codes[].name", "string", "of a documented result; its number if it has no name here"},
+    {"codes[].code", "integer", "the same as a number"},
 };
 
 const std::vector<CommandOutput>& Outputs() {

@@ -4,22 +4,34 @@
 #include <optional>
 #include <vector>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
+#include "machine/calls/result_codes.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 
 namespace {
 
-std::optional<uint32_t> ReadNumber(std::string_view text, int base) {
-    uint32_t number = 0;
+template <typename Number>
+std::optional<Number> ReadNumber(std::string_view text, int base) {
+    Number number = 0;
     const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
     if (error != std::errc() || rest != text.data() + text.size()) return std::nullopt;
     return number;
 }
 
+// A name, a number, or an HRESULT as a negative number.
 std::optional<uint32_t> ReadCode(std::string_view text) {
-    const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-    return hexadecimal ? ReadNumber(text.substr(2), 16) : ReadNumber(text, 10);
+    if (const std::optional<uint32_t> named = machine::CodeOfName(text)) return named;
+    if (text.starts_with("0x") || text.starts_with("0X")) return ReadNumber<uint32_t>(text.substr(2), 16);
+    if (!text.starts_with('-')) return ReadNumber<uint32_t>(text, 10);
+    const std::optional<int32_t> negative = ReadNumber<int32_t>(text, 10);
+    return negative ? std::optional(static_cast<uint32_t>(*negative)) : std::nullopt;
+}
+
+std::string WrongCode(const std::string& text) {
+    const std::string similar = machine::NearestCodeName(text);
+    return "'" + text + "' is not a code of 32 bits" +
+           (similar.empty() ? "" : "; did you mean " + similar + "?");
 }
 
 std::vector<std::string> CallNames() {
@@ -37,8 +49,9 @@ machine::FaultRule ReadFault(const std::string& text) {
     if (equals == std::string::npos) throw wrong("no '=CODE'");
 
     machine::FaultRule rule;
-    const std::optional<uint32_t> code = ReadCode(std::string_view(text).substr(equals + 1));
-    if (!code) throw wrong("'" + text.substr(equals + 1) + "' is not a code of 32 bits");
+    const std::string word = text.substr(equals + 1);
+    const std::optional<uint32_t> code = ReadCode(word);
+    if (!code) throw wrong(WrongCode(word));
     rule.code = *code;
 
     rule.call = text.substr(0, equals);
@@ -47,7 +60,8 @@ machine::FaultRule ReadFault(const std::string& text) {
         rule.call.pop_back();
     }
     if (const size_t sharp = rule.call.find('#'); sharp != std::string::npos) {
-        const std::optional<uint32_t> nth = ReadNumber(std::string_view(rule.call).substr(sharp + 1), 10);
+        const std::optional<uint32_t> nth =
+            ReadNumber<uint32_t>(std::string_view(rule.call).substr(sharp + 1), 10);
         if (!nth || *nth == 0) throw wrong("after '#' comes the number of the call, from 1");
         rule.nth = *nth;
         rule.call.resize(sharp);

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "machine/facts/fault_rule.h"
+#include "machine/calls/fault_rule.h"
 
 // Parses "NAME[#N][+]=CODE": the Nth call of that name fails with the code, with "+" all later ones too,
 // without "#N" every call. The name "*" is for the calls of all names, counted together. The code is decimal

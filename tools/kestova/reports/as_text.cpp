@@ -1,6 +1,8 @@
 #include "tools/kestova/reports/as_text.h"
 
 #include "base/utf.h"
+#include "machine/calls/documented_results.h"
+#include "machine/calls/result_codes.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/call_words.h"
 
@@ -175,9 +177,14 @@ std::string AsText(const std::vector<machine::NamedMachine>& machines) {
 }
 
 std::string AsText(std::span<const machine::CallInfo> calls) {
-    Rows rows = {{"Call", "Fails with", "Changes the PC"}};
-    for (const machine::CallInfo& call : calls)
-        rows.push_back({std::string(call.name), FailureWords(call.failsWith), call.changesPc ? "yes" : "no"});
+    Rows rows = {{"Call", "Fails with", "Changes the PC", "Documented codes"}};
+    for (const machine::CallInfo& call : calls) {
+        const std::string codes = Joined(machine::ResultsOf(call.name).failures, ", ", [&](uint32_t code) {
+            return machine::CodeText(code, call.failsWith);
+        });
+        rows.push_back(
+            {std::string(call.name), FailureWords(call.failsWith), call.changesPc ? "yes" : "no", codes});
+    }
     return Table(rows, "");
 }
 

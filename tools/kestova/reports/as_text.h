@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/files.h"

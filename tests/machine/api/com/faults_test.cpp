@@ -2,7 +2,7 @@
 // success: the code is returned, every output is cleared, and nothing is handed out.
 #include <functional>
 
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
 #include "tests/machine/api/com/com_client.h"
 

@@ -1,4 +1,4 @@
-#include "tests/sweep/engine/documented_results.h"
+#include "machine/calls/documented_results.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -7,7 +7,7 @@
 #include "platform/vds.h"
 #include "platform/windows_api.h"
 
-namespace sweep {
+namespace machine {
 
 namespace {
 
@@ -155,4 +155,4 @@ const DocumentedResults& ResultsOf(std::string_view call) {
     return *found;
 }
 
-}  // namespace sweep
+}  // namespace machine

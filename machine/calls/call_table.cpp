@@ -1,4 +1,4 @@
-#include "machine/facts/call_table.h"
+#include "machine/calls/call_table.h"
 
 #include <unordered_map>
 

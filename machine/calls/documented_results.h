@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace sweep {
+namespace machine {
 
 // What a call can end with: failure codes as result or last error, or, of a call that cannot fail, the values
 // that it returns.
@@ -22,4 +22,4 @@ const std::vector<DocumentedResults>& AllDocumentedResults();
 // The row of a call of the call table.
 const DocumentedResults& ResultsOf(std::string_view call);
 
-}  // namespace sweep
+}  // namespace machine
