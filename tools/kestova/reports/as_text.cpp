@@ -69,7 +69,7 @@ std::string TraceLine(const machine::CallRecord& call) {
 std::string CallText(const OperationReport& report) {
     const std::string arguments =
         Joined(report.arguments, ", ", [](const auto& argument) { return Plain(argument.second); });
-    const std::string text = "(" + arguments + ")";
+    std::string text = "(" + arguments + ")";
     if (report.stoppedBefore) return text + ": " + StopWords(report);
     if (IsNothing(report.result)) return text;
     return text + " = " + ValueText(report.result, ResultWords(report));
