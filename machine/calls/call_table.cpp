@@ -1,6 +1,8 @@
 #include "machine/calls/call_table.h"
 
-#include <unordered_map>
+#include <algorithm>
+#include <array>
+#include <iterator>
 
 namespace machine {
 
@@ -82,6 +84,16 @@ constexpr CallInfo calls[] = {
     {"IWbemServices::GetObject", FailsWith::Hresult, false},
 };
 
+// Found by name at each call, and without memory, which tests make scarce.
+constexpr auto byName = [] {
+    std::array<const CallInfo*, std::size(calls)> rows{};
+    std::transform(std::begin(calls), std::end(calls), rows.begin(),
+                   [](const CallInfo& call) { return &call; });
+    std::sort(rows.begin(), rows.end(),
+              [](const CallInfo* one, const CallInfo* other) { return one->name < other->name; });
+    return rows;
+}();
+
 }  // namespace
 
 std::span<const CallInfo> AllCalls() {
@@ -89,14 +101,10 @@ std::span<const CallInfo> AllCalls() {
 }
 
 const CallInfo* FindCall(std::string_view name) {
-    static const auto byName = [] {
-        std::unordered_map<std::string_view, const CallInfo*> rows;
-        for (const CallInfo& call : calls)
-            rows.emplace(call.name, &call);
-        return rows;
-    }();
-    const auto found = byName.find(name);
-    return found != byName.end() ? found->second : nullptr;
+    const auto found =
+        std::lower_bound(byName.begin(), byName.end(), name,
+                         [](const CallInfo* call, std::string_view wanted) { return call->name < wanted; });
+    return found != byName.end() && (*found)->name == name ? *found : nullptr;
 }
 
 }  // namespace machine

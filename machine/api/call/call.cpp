@@ -1,7 +1,9 @@
 #include "machine/api/call/call.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <string_view>
 
 namespace machine {
 
