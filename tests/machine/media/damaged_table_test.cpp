@@ -196,6 +196,27 @@ TEST_F(DamagedTableTest, InvalidBootIndicator_Attach_IsShownAsInactive) {
                      "damaged"});
 }
 
+TEST_F(DamagedTableTest, DamagedDiskBesideTheOneToChange_Change_IsBarredAndNothingIsWritten) {
+    const std::string image = PartitionedImage(40, "label: dos\\n1: start=2048,size=4096,type=7,bootable\\n");
+    std::filesystem::resize_file(image, 3 * MiB / 2);
+    CopySparse(image, image + ".before");
+    Disk disk;
+    disk.image = image;
+    ImageUse use = ImageAccess::Write;
+    use.mayBeDamaged = true;
+
+    AttachImage(disk, use);
+
+    EXPECT_EQ(disk.medium->Commit(), "");
+    EXPECT_NE(disk.table->SetActive(disk.partitions[0].offset, false, OtherFlags::Clear), 0u);
+    const std::string problem = image +
+                                ": partition 1 ends 1572864 bytes beyond the end of the file; the image is "
+                                "truncated, or its table damaged";
+    EXPECT_EQ(disk.medium->WhyBarred(), problem);
+    EXPECT_EQ(disk.medium->Commit(), problem);
+    EXPECT_TRUE(AreSame(image, image + ".before"));
+}
+
 TEST_F(DamagedTableTest, ExtendedPartitionOfLinux_Attach_BarsOnlyItself) {
     const std::string image = PartitionedImage(
         40,
