@@ -18,15 +18,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view suffix = ".kestova-backup-";
 
-std::string FreeName(const std::string& image) {
-    const std::string start = BesideImage(image, suffix);
-    std::error_code error;
-    int number = 1;
-    while (fs::exists(start + std::to_string(number), error))
-        ++number;
-    return start + std::to_string(number);
-}
-
 using Sectors = std::map<uint64_t, ChangedRun>;  // of one sector each, by offset
 
 void AddSectors(const ImageChange& change, Sectors& sectors) {
@@ -45,6 +36,15 @@ void AddSectors(const ImageChange& change, Sectors& sectors) {
 }
 
 }  // namespace
+
+std::string BackupBeside(const std::string& image) {
+    const std::string start = BesideImage(image, suffix);
+    std::error_code error;
+    int number = 1;
+    while (fs::exists(start + std::to_string(number), error))
+        ++number;
+    return start + std::to_string(number);
+}
 
 ImageChange Joined(const ImageChange& first, const ImageChange& second) {
     Sectors sectors;
@@ -85,14 +85,14 @@ void ChangeBackup::CheckPlace() const {
         !path_.empty() && fs::weakly_canonical(fs::absolute(path_), error) == JournalBeside(image_);
     if (isJournal) throw ImageError(path_ + ": is the place of the journal" + advice);
     if (!path_.empty() && fs::exists(path_, error)) throw ImageError(path_ + ": exists already" + advice);
-    if (access(FolderOfFile(path_.empty() ? FreeName(image_) : path_).c_str(), W_OK) == 0) return;
+    if (access(FolderOfFile(path_.empty() ? BackupBeside(image_) : path_).c_str(), W_OK) == 0) return;
     throw ImageError(image_ + ": a backup of what changes cannot be written: " + std::strerror(errno) +
                      advice);
 }
 
 std::string ChangeBackup::Add(const ImageChange& change, uint64_t imageSize) {
     if (place_.kind == JournalPlace::Kind::None) return "";
-    if (path_.empty()) path_ = FreeName(image_);
+    if (path_.empty()) path_ = BackupBeside(image_);
     if (changes_.size() == 2) changes_ = {Joined(changes_[0], changes_[1])};
     changes_.push_back(change);
     if (WriteChangeFile(path_, backupMagic, {imageSize, changes_})) return "";

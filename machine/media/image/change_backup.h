@@ -11,8 +11,7 @@ namespace machine {
 
 class ChangeBackup {
   public:
-    // Beside the image it is the first file IMAGE.kestova-backup-1, -2, ... that is free when a change is
-    // made.
+    // Beside the image it is what BackupBeside says when a change is made.
     ChangeBackup(const std::string& image, const JournalPlace& place);
 
     // Throws ImageError for a named file that exists, or whose folder cannot be written.
@@ -38,6 +37,9 @@ ImageChange Joined(const ImageChange& first, const ImageChange& second);
 // killed while it was being written. Throws ImageError for a file that cannot be read, is no backup or is
 // damaged.
 ChangesOfImage ReadBackup(const std::string& path);
+
+// The file beside the image that its next backup is: the first free one of IMAGE.kestova-backup-1, -2, ...
+std::string BackupBeside(const std::string& image);
 
 // The image of a backup that is named after it; empty if it is not.
 std::string ImageOfBackup(const std::string& backup);

@@ -73,6 +73,8 @@ OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, c
     kept.push_back({script == "-" ? "/dev/stdin" : script, "the script"});
     for (const std::string& journal : inputs.journals)
         kept.push_back({journal, "the journal of an image"});
+    for (const std::string& backup : inputs.backups)
+        kept.push_back({backup, "the backup of an image"});
     kept.push_back({line.choice.journal, "the journal of the image"});
     kept.push_back({line.choice.backup, "the backup of the image"});
     Keep(kept, "--log", files.log);

@@ -82,6 +82,16 @@ void SynchroniseFolder(const Descriptor& folder) {
 
 }  // namespace
 
+namespace {
+
+std::filesystem::path FolderOf(const OutputPlace& place) {
+    std::error_code error;
+    return place.folder ? std::filesystem::read_symlink(PathOf(place.folder), error)
+                        : std::filesystem::path();
+}
+
+}  // namespace
+
 struct OutputFile::Place : OutputPlace {
     explicit Place(const std::string& path) : OutputPlace(FindPlace(path)) {}
 };
@@ -92,8 +102,7 @@ OutputFile::OutputFile(const std::string& option, const std::string& path)
         throw WrongUse(option + ": " + path + " leads through the link " + place_->foreignLink +
                        ", which another user has put into a folder that all users share");
     }
-    std::error_code error;
-    if (place_->folder) folder_ = std::filesystem::read_symlink(PathOf(place_->folder), error);
+    folder_ = FolderOf(*place_);
 }
 
 OutputFile::~OutputFile() = default;
@@ -102,13 +111,15 @@ OutputFile& OutputFile::operator=(OutputFile&&) noexcept = default;
 
 bool OutputFile::Is(const std::string& path) const {
     struct stat other = {};
-    return place_->found && !S_ISCHR(place_->found->st_mode) && stat(path.c_str(), &other) == 0 &&
-           IsSame(*place_->found, other);
+    if (stat(path.c_str(), &other) == 0)
+        return place_->found && !S_ISCHR(place_->found->st_mode) && IsSame(*place_->found, other);
+    if (place_->found) return false;
+    const OutputPlace place = FindPlace(path);
+    return !folder_.empty() && folder_ == FolderOf(place) && place_->name == place.name;
 }
 
 bool OutputFile::Is(const OutputFile& other) const {
-    if (place_->found) return other.place_->found && Is(other.path_);
-    return !other.place_->found && folder_ == other.folder_ && place_->name == other.place_->name;
+    return Is(other.path_);
 }
 
 bool OutputFile::FolderTakesFiles() const {

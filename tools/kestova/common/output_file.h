@@ -20,8 +20,8 @@ class OutputFile {
     const std::string& Path() const { return path_; }
     // The folder that it is in, without links; empty if that does not exist.
     const std::filesystem::path& Folder() const { return folder_; }
-    // The same file by any name or link. A character device is never the same: writing to it overwrites
-    // nothing.
+    // The same file by any name or link, also where there is none yet. A character device is never the same:
+    // writing to it overwrites nothing.
     bool Is(const std::string& path) const;
     bool Is(const OutputFile& other) const;
     // Whether its folder takes a new file: makes one there, and removes it.

@@ -57,6 +57,8 @@ machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess acces
 
 // The usual journal of an image; empty if this build has no image part.
 std::string UsualJournal(const std::string& image);
+// The same of its next backup.
+std::string UsualBackup(const std::string& image);
 
 // Finishes or takes back a change of the image that was interrupted. Throws as OpenImages.
 machine::Recovery RecoverChange(const std::string& path, const machine::ImageUse& use);

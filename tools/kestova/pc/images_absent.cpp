@@ -23,6 +23,10 @@ std::string UsualJournal(const std::string&) {
     return {};
 }
 
+std::string UsualBackup(const std::string&) {
+    return {};
+}
+
 std::vector<LinkedLibrary> ImageLibraries() {
     return {};
 }

@@ -71,6 +71,10 @@ std::string UsualJournal(const std::string& image) {
     return machine::JournalBeside(image);
 }
 
+std::string UsualBackup(const std::string& image) {
+    return machine::BackupBeside(image);
+}
+
 std::vector<LinkedLibrary> ImageLibraries() {
     return {{"libntfs-3g", "GPL-2.0-or-later"}, {"zlib", "zlib"}};
 }

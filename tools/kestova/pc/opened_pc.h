@@ -59,6 +59,7 @@ struct InputFiles {
     uint64_t imageBytes = 0;            // of the disks and media in them together
     bool haveDisks = false;             // of this computer, among the images
     std::vector<std::string> journals;  // the usual ones of the images, whether they exist or not
+    std::vector<std::string> backups;   // those that are made beside the images
 };
 
 // A fault of the choice, how many calls failed for it, and how many of that name there were.

@@ -198,6 +198,7 @@ class EmulatedOne final : public OpenedPc {
         for (const std::string* const image : ImagesOf(before_)) {
             inputs_.images.push_back(*image);
             inputs_.journals.push_back(UsualJournal(*image));
+            inputs_.backups.push_back(UsualBackup(*image));
             inputs_.haveDisks = inputs_.haveDisks || IsDiskOfComputer(*image);
         }
         inputs_.imageBytes = ImageBytes(before_);

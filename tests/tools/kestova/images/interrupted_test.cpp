@@ -149,6 +149,18 @@ TEST_F(Interrupted, PendingJournalAsLogOrDescription_Status_IsWrongUse) {
     }
 }
 
+// What the switch would write there is what takes it back.
+TEST_F(Interrupted, JournalOrBackupToBeAsLogOrDescription_BootRecovery_IsWrongUse) {
+    for (const char* const file : {"disk.img.kestova-journal", "./disk.img.kestova-backup-1", "jj", "./bk"}) {
+        for (const std::string option : {"--log", "--save"}) {
+            const Outcome outcome =
+                Kestova("--image disk.img --journal jj --backup bk boot recovery " + option + " " + file);
+            EXPECT_EQ(outcome.status, 2) << option << " " << file;
+        }
+    }
+    EXPECT_TRUE(IsAsItWas());
+}
+
 TEST_F(Interrupted, NamedJournal_BootRecovery_KeepsItThereAndRecoverFindsIt) {
     Shell("ulimit -f 200; " KESTOVA_PROGRAM " --image disk.img --journal kept boot recovery");
     EXPECT_FALSE(HasJournal());
