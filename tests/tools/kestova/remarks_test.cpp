@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <sstream>
 
 #include "tests/support/program/program.h"
@@ -14,6 +15,7 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 using Texts = std::vector<std::string>;
 
 class Remarks : public ProgramTest {
@@ -131,6 +133,37 @@ TEST_F(Remarks, HibernationPartitionActive_BootRecovery_RemarksOnTheRecord) {
         outcome.errors,
         "kestova: SystemVolume.ini names partition 4, which is for hibernation; boot system makes that active\n");
     EXPECT_THAT(Codes(Objects("--pc pc.json status").back()), ElementsAre("recordAtHibernation"));
+}
+
+// What was recorded at the switch is a number that anybody can write anew.
+TEST_F(Remarks, RecordThatNamesAWrongPartition_Check_SaysNoAndWhatHelps) {
+    WriteFile("pc.json", Exclusive().dump());
+    ASSERT_EQ(Kestova("--pc pc.json --save pc.json boot recovery").status, 0);
+    ASSERT_EQ(Kestova("--pc pc.json check").status, 0);
+    const std::string made = ReadFile("pc.json");
+    for (const auto& [number, what] :
+         {std::pair("1", "the recovery partition itself"), {"4", "which is for hibernation"}}) {
+        WriteFile("pc.json",
+                  std::regex_replace(made, std::regex("Active=2"), std::string("Active=") + number));
+        const Outcome outcome = Kestova("--pc pc.json check");
+        EXPECT_EQ(outcome.status, 1) << number;
+        EXPECT_THAT(
+            outcome.output,
+            HasSubstr(
+                std::string("boot system (tried)    no   makes partition ") + number + " active, " + what +
+                ", because SystemVolume.ini names it: delete the file SystemVolume.ini on partition 1\n"));
+    }
+}
+
+TEST_F(Remarks, RecordOfTheRecoveryPartition_BootSystem_RemarksThatRecoveryStartsAgain) {
+    WriteFile("pc.json", Exclusive().dump());
+    ASSERT_EQ(Kestova("--pc pc.json --save pc.json boot recovery").status, 0);
+    WriteFile("pc.json", std::regex_replace(ReadFile("pc.json"), std::regex("Active=2"), "Active=1"));
+    const json result = Objects("--pc pc.json boot system").back();
+    EXPECT_EQ(result["result"], 0);
+    EXPECT_THAT(Codes(result), ElementsAre("recoveryStaysActive"));
+    EXPECT_THAT(Kestova("--pc pc.json boot system").errors,
+                StartsWith("kestova: partition 1 is active still, so this PC starts its recovery again"));
 }
 
 TEST_F(Remarks, RecordOfTheHibernationPartition_BootSystem_RemarksThatNothingStartsFromIt) {

@@ -176,6 +176,9 @@ int BootAndShow(const CommandLine& line, Session& session, const Operation& oper
     const int disk = session.Object().GetFirstInternalDriveNumber();
     if (result != 0) report.reasons = WhySwitchRefused(session, disk);
     report.remarks = RemarksOn(session.OnPc());
+    if (operation.name == "SetSystemActive" && result == 0) {
+        if (const auto still = StillRecovery(session.OnPc(), disk)) report.remarks.push_back(*still);
+    }
     if (line.json) Show(line, report);
     ShowRemarks(line, report.remarks);
     for (const Finding& reason : report.reasons)

@@ -72,7 +72,8 @@ std::string CallText(const OperationReport& report) {
     std::string text = "(" + arguments + ")";
     if (report.stoppedBefore) return text + ": " + StopWords(report);
     if (IsNothing(report.result)) return text;
-    return text + " = " + ValueText(report.result, ResultWords(report));
+    return text + " = " + ValueText(report.result, ResultWords(report)) +
+           (report.unwritten.empty() ? "" : "; but it is not written");
 }
 
 // What follows the words of an argument that may be left out.

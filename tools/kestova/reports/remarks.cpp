@@ -113,6 +113,19 @@ std::vector<Finding> RemarksOn(OpenedPc& pc) {
     return all;
 }
 
+std::optional<Finding> StillRecovery(OpenedPc& pc, int disk) {
+    std::optional<Finding> remark;
+    pc.Aside([&] {
+        const Layout layout = ReadDiskLayout(disk).value_or(Layout());
+        const auto active = std::ranges::find_if(layout, IsActive);
+        if (active == layout.end() || active->PartitionNumber != mbr_layout::recovery) return;
+        remark = {"recoveryStaysActive", "partition " + std::to_string(mbr_layout::recovery) +
+                                             " is active still, so this PC starts its recovery again; " +
+                                             ToUtf8(systemVolumeIni) + " named it"};
+    });
+    return remark;
+}
+
 std::vector<Finding> UnmetFaults(const std::vector<FaultCount>& faults) {
     std::vector<Finding> remarks;
     for (const FaultCount& fault : faults) {

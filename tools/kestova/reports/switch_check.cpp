@@ -194,14 +194,23 @@ Answer Try(Session& session, const char* name) {
 }
 
 // Where a platform leaves the flag of the recovery partition set, the other one is meant.
-std::string ActiveAfterwards(int disk) {
+Answer BackTo(int disk) {
     const auto layout = ReadDiskLayout(disk);
     int active = recovery;
+    bool isForHibernation = false;
     for (const PARTITION_INFORMATION_EX& entry : layout.value_or(std::vector<PARTITION_INFORMATION_EX>())) {
-        if (IsActive(entry) && static_cast<int>(entry.PartitionNumber) != recovery)
-            active = static_cast<int>(entry.PartitionNumber);
+        if (!IsActive(entry) || static_cast<int>(entry.PartitionNumber) == recovery) continue;
+        active = static_cast<int>(entry.PartitionNumber);
+        isForHibernation = entry.Mbr.PartitionType == MBR_ID_BIOS_HIBERNATION;
     }
-    return "makes partition " + std::to_string(active) + " active";
+    const std::string made = "makes partition " + std::to_string(active) + " active";
+    const char* const what = active == recovery ? ", the recovery partition itself"
+                             : isForHibernation ? ", which is for hibernation"
+                                                : nullptr;
+    if (what == nullptr) return {true, made};
+    const std::string file = ToUtf8(systemVolumeIni);
+    return {false, made + what + ", because " + file + " names it: delete the file " + file +
+                       " on partition " + std::to_string(recovery)};
 }
 
 Rehearsed Rehearse(Session& session, int disk) {
@@ -210,7 +219,7 @@ Rehearsed Rehearse(Session& session, int disk) {
         rehearsed.there = Try(session, "SetRcvprtActive");
         if (rehearsed.there.isMet != true) return;
         rehearsed.back = Try(session, "SetSystemActive");
-        if (rehearsed.back.isMet == true) rehearsed.back.found = ActiveAfterwards(disk);
+        if (rehearsed.back.isMet == true) rehearsed.back = BackTo(disk);
     });
     if (!isTried) rehearsed.there.found = rehearsed.back.found = "not on the PC that the program runs on";
     return rehearsed;
