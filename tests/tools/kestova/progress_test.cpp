@@ -11,7 +11,6 @@ namespace {
 
 using std::chrono::milliseconds;
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr uint64_t mebibyte = uint64_t{1} << 20;
 
@@ -27,7 +26,7 @@ class ProgressOnATerminal : public testing::Test {
     void Wait(int time) { now_ += milliseconds(time); }
     // What was written since the last call.
     std::string Written() {
-        const std::string written = terminal_.str();
+        std::string written = terminal_.str();
         terminal_.str("");
         return written;
     }
