@@ -58,9 +58,10 @@ TableFindings ReadMbr(const ImageFile& image, Disk& disk) {
     layout.diskSize = disk.size;
     layout.space = {"", sectorSize, disk.size - sectorSize};
     for (const MbrEntry& entry : table.entries) {
-        if (entry.type == mbrExtendedLinux) {
+        // Windows takes it for any other partition, and looks for none inside.
+        if (entry.type == mbrExtendedLinux)
             findings.remarks.emplace_back("an extended partition of type 0x85, which Windows does not know");
-        } else if (entry.IsExtended()) {
+        if (entry.IsExtended()) {
             layout.extended.push_back({"the extended partition", entry.offset, entry.size});
             CheckIndicator(entry, layout.extended.back().name, findings);
         } else {

@@ -225,7 +225,10 @@ TEST_F(DamagedTableTest, ExtendedPartitionOfLinux_Attach_BarsOnlyItself) {
 
     const Disk disk = Attach(image, ImageAccess::Write);
 
-    EXPECT_EQ(disk.partitions.size(), 1u);
+    ASSERT_EQ(disk.partitions.size(), 2u);
+    EXPECT_EQ(disk.partitions[1].mbrType, 0x85);
+    EXPECT_EQ(disk.partitions[1].size, 20 * MiB);
+    EXPECT_EQ(disk.partitions[1].volume, std::nullopt);
     EXPECT_THAT(disk.medium->Notes(),
                 ElementsAre(image + ": an extended partition of type 0x85, which Windows does not know"));
     EXPECT_EQ(disk.table->SetActive(disk.partitions[0].offset, false, OtherFlags::Clear), 0u);

@@ -271,6 +271,9 @@ TEST_F(Landscape, LinuxExtendedPartitionOnASecondDisk_BarsNothing) {
         EXPECT_EQ(outcome.status, 0) << words;
         EXPECT_EQ(outcome.errors, note) << words;
     }
+    EXPECT_THAT(
+        Kestova("--image linux.img --columns number,slot,start,size,type status").output,
+        AllOf(HasSubstr("17.0 MiB  40.0 MiB  unknown (0x85)\n"), HasSubstr("57.0 MiB  7.0 MiB   free\n")));
 }
 
 TEST_F(Landscape, InitialisedDiskWithoutPartitions_EachQuestion_IsAnsweredWithoutAProblem) {
