@@ -58,6 +58,12 @@ TEST_P(WrongUse, CommandLine_Run_FailsWithAMessageOnStandardErrorOnly) {
 const Mistake mistakes[] = {
     {"NoCommand", "", 2, "no command was given\n"},
     {"Command", "stauts", 2, "there is no command 'stauts'; did you mean status?\n"},
+    {"OptionWithoutAQuestion", "--yess status", 2, "there is no option '--yess'\n"},
+    {"OptionForDirtyVolumes", "--force-dity status", 2, "there is no option '--force-dity'\n"},
+    {"OptionWithoutAJournal", "--no-journl status", 2,
+     "there is no option '--no-journl'; did you mean --journal?\n"},
+    {"CommandThatWritesATable", "repair-tabel", 2, "there is no command 'repair-tabel'\n"},
+    {"CommandNearOnesThatWrite", "recover-table", 2, "there is no command 'recover-table'\n"},
     {"Option", "--imgae=x status", 2, "there is no option '--imgae'; did you mean --image?\n"},
     {"Operation", "call GetDriveLeter 0 1", 2,
      "there is no operation 'GetDriveLeter'; did you mean GetDriveLetter?\n"},

@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr bool risky = true;
+
 std::vector<OptionGroup> OptionGroups(CommandLine& line) {
     PcChoice& choice = line.choice;
     return {
@@ -42,18 +44,20 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
               "Where a change of the image is kept until it is whole; beside the image unless given",
               &choice.journal},
              {"--no-journal", "", "Keep it nowhere: a power cut can leave the image half changed",
-              &choice.noJournal, "--journal"},
-             {"--force-dirty", "", "Change an NTFS volume that is merely marked dirty", &choice.forceDirty},
+              &choice.noJournal, "--journal", risky},
+             {"--force-dirty", "", "Change an NTFS volume that is merely marked dirty", &choice.forceDirty,
+              nullptr, risky},
              {"--backup", "FILE",
               "Where a backup of what changes on the image stays; beside the image unless given",
               &choice.backup},
-             {"--no-backup", "", "Keep none", &choice.noBackup, "--backup"},
+             {"--no-backup", "", "Keep none", &choice.noBackup, "--backup", risky},
              {"--yes", "", "Change a disk of this computer, or on Windows the PC itself, without a question",
-              &choice.yes},
+              &choice.yes, nullptr, risky},
              {"--fail", "NAME[#N][+]=CODE",
               "Let a platform call fail: every one, the Nth, or the Nth and all later ones", &choice.faults},
              {"--save", "FILE", "Write the PC afterwards, as a description", &choice.save, "--dry-run"},
-             {"--overwrite", "", "Let --log, --save and -o replace a file of any kind", &line.overwrite},
+             {"--overwrite", "", "Let --log, --save and -o replace a file of any kind", &line.overwrite,
+              nullptr, risky},
              {"!--no-initialize", "", "Do not call Initialize first", &line.initialize},
              {"--help,-h", "", "Show this", &line.help},
              {"--version", "", "Show the version", &line.version},

@@ -437,7 +437,9 @@ const Command& CommandOfName(const std::string& name) {
     std::vector<std::string> names;
     for (const Command& command : Commands()) {
         if (name == command.name) return command;
-        names.emplace_back(command.name);
+        // Those that write to images by themselves are not suggested.
+        if (command.run != Recover && command.run != RepairTables && command.run != Undo)
+            names.emplace_back(command.name);
     }
     if (IsFile(name)) throw WrongUse("there is no command '" + name + "'; an image is named with --image");
     throw WrongUse(UnknownWord("command", name, names));

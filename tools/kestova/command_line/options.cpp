@@ -43,11 +43,14 @@ std::string Message(const CLI::ParseError& error) {
     return text.substr(0, text.find(':')) + (missing ? " needs a value" : " can be given only once");
 }
 
-std::vector<std::string> Names(const std::vector<OptionGroup>& groups) {
+enum class Which { All, WithoutRisk };
+
+std::vector<std::string> Names(const std::vector<OptionGroup>& groups, Which which) {
     std::vector<std::string> names;
     for (const OptionGroup& group : groups) {
-        for (const Option& row : group.options)
-            names.push_back(LongName(row));
+        for (const Option& row : group.options) {
+            if (which == Which::All || !row.isRisky) names.push_back(LongName(row));
+        }
     }
     return names;
 }
@@ -86,11 +89,11 @@ ReadWords ReadOptions(const std::vector<OptionGroup>& groups, const std::vector<
     } catch (const CLI::ParseError& error) {
         throw WrongUse(Message(error));
     }
-    const std::vector<std::string> names = Names(groups);
     for (const std::string& unknown : app.remaining(true)) {
         if (unknown == "--") continue;  // what follows it is no option
-        throw WrongUse(UnknownWord("option", unknown.substr(0, unknown.find('=')), names));
+        throw WrongUse(
+            UnknownWord("option", unknown.substr(0, unknown.find('=')), Names(groups, Which::WithoutRisk)));
     }
-    read.options = GivenOptions(app, names);
+    read.options = GivenOptions(app, Names(groups, Which::All));
     return read;
 }

@@ -12,6 +12,7 @@ struct Option {
     // Where the value goes; a list takes one value each time that the option is given.
     std::variant<bool*, std::string*, std::vector<std::string>*> target;
     const char* excludes = nullptr;  // an option that cannot be given with this one
+    bool isRisky = false;            // takes away a protection, so it is not suggested for a misspelt one
 };
 
 struct OptionGroup {
