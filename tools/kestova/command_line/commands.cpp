@@ -293,6 +293,11 @@ int Recover(const CommandLine& line) {
 int RepairTables(const CommandLine& line) {
     if (line.choice.images.empty()) throw WrongUse("repair-table: name the disk image with --image");
     const machine::ImageUse use = UseOfImages(line.choice, machine::ImageAccess::Write);
+    // One that cannot be repaired ends the command before any is written.
+    machine::ImageUse looking = use;
+    looking.access = machine::ImageAccess::Overlay;
+    for (const std::string& image : line.choice.images)
+        RepairTableOf(image, looking);
     for (const std::string& image : line.choice.images) {
         StopIfInterrupted();
         const auto [problems, backup, notes] = RepairTableOf(image, use);

@@ -109,6 +109,16 @@ TEST_F(RepairTable, MbrDiskOrNoImage_RepairTable_IsRefused) {
 }
 
 // The backup, which is at the end of the disk, cannot be written.
+TEST_F(RepairTable, MbrDiskBehindADamagedTable_RepairTable_WritesNeither) {
+    Damage();
+    ASSERT_EQ(Shell("cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-mbr.img mbr.img").status, 0);
+    const Outcome outcome = Kestova("--image disk.img --image mbr.img repair-table");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, StartsWith("kestova: mbr.img: "));
+    EXPECT_TRUE(IsAsDamaged());
+}
+
 TEST_F(RepairTable, FailingMedium_RepairTable_IsTakenBackOnceTheMediumCanBeWritten) {
     EXPECT_EQ(Shell("truncate -s 500M disk.img && cp --sparse=always disk.img damaged.img").status, 0);
     const Outcome outcome = Shell("ulimit -f 200; " KESTOVA_PROGRAM " --image disk.img repair-table");
