@@ -1,7 +1,9 @@
 #include "machine/media/device/disk_user.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -104,6 +106,52 @@ std::string HolderOf(const Part& part) {
     return "";
 }
 
+std::string FirstLine(const fs::path& file) {
+    std::string line;
+    std::ifstream stream(file);
+    std::getline(stream, line);
+    return line;
+}
+
+// On a part of the disk as on any file.
+std::string LoopOn(const Part& part) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator("/sys/block", error)) {
+        const std::string backing = FirstLine(entry.path() / "loop" / "backing_file");
+        if (!backing.empty() && IsNodeOf(part, backing))
+            return "the loop device /dev/" + entry.path().filename().string() + " is on " + part.node;
+    }
+    return "";
+}
+
+// "flags:	0100002", octal; the last two bits are zero for reading only.
+bool IsForWriting(const fs::path& descriptorInfo) {
+    std::ifstream lines(descriptorInfo);
+    for (std::string key; lines >> key;) {
+        unsigned long flags = 0;
+        if (key == "flags:" && lines >> std::oct >> flags) return (flags & O_ACCMODE) != O_RDONLY;
+    }
+    return false;
+}
+
+// Another process that could write under a change: a virtual machine, an editor, dd. Those of other users are
+// seen by root only.
+std::string WriterOf(const Part& part) {
+    std::error_code error;
+    const std::string self = std::to_string(getpid());
+    for (const auto& process : fs::directory_iterator("/proc", error)) {
+        const std::string number = process.path().filename();
+        if (number.find_first_not_of("0123456789") != std::string::npos || number == self) continue;
+        for (const auto& descriptor : fs::directory_iterator(process.path() / "fd", error)) {
+            if (IsNodeOf(part, descriptor.path()) &&
+                IsForWriting(process.path() / "fdinfo" / descriptor.path().filename()))
+                return FirstLine(process.path() / "comm") + " (process " + number + ") has " + part.node +
+                       " open for writing";
+        }
+    }
+    return "";
+}
+
 }  // namespace
 
 std::string SysfsFolder(dev_t device) {
@@ -112,7 +160,7 @@ std::string SysfsFolder(dev_t device) {
 
 std::string DiskUser(dev_t disk, const std::string& name) {
     for (const Part& part : PartsOf(disk, name)) {
-        for (const auto find : {MountOf, SwapOn, HolderOf}) {
+        for (const auto find : {MountOf, SwapOn, HolderOf, LoopOn, WriterOf}) {
             std::string user = find(part);
             if (!user.empty()) return user;
         }

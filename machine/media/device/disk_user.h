@@ -12,7 +12,8 @@ namespace machine {
 std::string SysfsFolder(dev_t device);
 
 // Who uses the disk or one of its partitions: "/dev/sdb1 is mounted on /mnt". Empty if nobody is known to.
-// Without sysfs only the disk itself is looked at, under the name that the user has for it.
+// A loop device on it and a process that has it open for writing are users, too. Without sysfs only the disk
+// itself is looked at, under the name that the user has for it.
 std::string DiskUser(dev_t disk, const std::string& name);
 
 }  // namespace machine

@@ -105,7 +105,7 @@ TEST_F(DiskOfThisComputer, AskedOnATerminal_BootRecovery_ObeysTheAnswer) {
 }
 
 TEST_F(DiskOfThisComputer, ClaimedByAnother_BootRecovery_IsRefused) {
-    const machine::Descriptor other(open(disk_.c_str(), O_RDWR | O_EXCL | O_CLOEXEC));
+    const machine::Descriptor other(open(disk_.c_str(), O_RDONLY | O_EXCL | O_CLOEXEC));
     ASSERT_TRUE(other);
     ExpectRefused("--yes --no-journal boot recovery",
                   "in use: another program has claimed it or a partition of it");
@@ -130,6 +130,30 @@ TEST_F(DiskOfThisComputer, Mounted_BootRecovery_IsRefusedAndStatusSaysSo) {
     EXPECT_EQ(change.status, 3);
     EXPECT_EQ(change.errors, "kestova: " + disk_ + ": " + user + "\n");
     EXPECT_THAT(question.errors, HasSubstr(user));
+}
+
+// As a volume is mounted from a rescue system that does not know the table.
+TEST_F(DiskOfThisComputer, LoopDeviceOnIt_BootRecovery_IsRefused) {
+    const std::string on =
+        Shell("losetup --show --find --offset 1048576 --sizelimit 62914560 " + disk_).output;
+    const std::string loop = on.substr(0, on.find('\n'));
+    ASSERT_THAT(loop, testing::StartsWith("/dev/loop"));
+    ExpectRefused("--yes --no-journal --no-backup boot recovery",
+                  "in use: the loop device " + loop + " is on " + disk_);
+    Shell("losetup --detach " + loop);
+}
+
+TEST_F(DiskOfThisComputer, OpenForWritingElsewhere_BootRecovery_IsRefusedUntilItIsClosed) {
+    {
+        const machine::Descriptor writer(open(disk_.c_str(), O_RDWR | O_CLOEXEC));
+        ASSERT_TRUE(writer);
+        ExpectRefused("--yes --no-journal --no-backup boot recovery",
+                      "in use: " + Shell("tr -d '\\n' </proc/" + std::to_string(getpid()) + "/comm").output +
+                          " (process " + std::to_string(getpid()) + ") has " + disk_ + " open for writing");
+    }
+    const machine::Descriptor reader(open(disk_.c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_TRUE(reader);
+    EXPECT_EQ(Kestova("--image " + disk_ + " --yes --no-journal --no-backup boot recovery").status, 0);
 }
 
 TEST_F(DiskOfThisComputer, ReadOnly_BootRecovery_IsRefused) {
