@@ -24,9 +24,10 @@ std::string OpenProblem(int error, bool forWriting) {
             return "a folder, not a disk image";
         case ENOMEDIUM:
             return "there is no medium in it";
+        case EROFS:
+            return "on a read-only medium";
         case EACCES:
         case EPERM:
-        case EROFS:
             return forWriting ? "no permission to write to it" : "no permission to read it";
         default:
             return std::string("cannot be opened: ") + std::strerror(error);

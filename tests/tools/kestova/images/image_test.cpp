@@ -56,6 +56,20 @@ TEST_F(Image, MbrImage_Status_RunsWindowsPeAndWritesNothing) {
 }
 
 // The record is a line or two; a larger file of that name is never read.
+// The rescue stick itself, or a disk that was mounted so after an error.
+TEST_F(Image, FileOnAReadOnlyMedium_EachChange_IsCalledThat) {
+    if (Shell("mkdir there && mount -t tmpfs none there").status != 0)
+        GTEST_SKIP() << "nothing can be mounted here";
+    EXPECT_EQ(Shell("cp --sparse=always disk.img there && mount -o remount,ro there").status, 0);
+    for (const std::string words : {"boot recovery", "recover"}) {
+        const Outcome outcome = Kestova("--image there/disk.img --no-journal --no-backup " + words);
+        EXPECT_EQ(outcome.status, 3) << words;
+        EXPECT_EQ(outcome.errors, "kestova: there/disk.img: on a read-only medium\n") << words;
+    }
+    EXPECT_EQ(Kestova("--image there/disk.img --quiet status").status, 0);
+    Shell("umount there");
+}
+
 TEST_F(Image, OversizedRecord_Boot_NeitherReadsNorOverwritesIt) {
     WriteFile("make",
               "set -e\n"
