@@ -73,7 +73,7 @@ std::string CallText(const OperationReport& report) {
     if (report.stoppedBefore) return text + ": " + StopWords(report);
     if (IsNothing(report.result)) return text;
     return text + " = " + ValueText(report.result, ResultWords(report)) +
-           (report.unwritten.empty() ? "" : "; but it is not written");
+           (report.unwritten.empty() ? "" : "; but it could not be written");
 }
 
 // What follows the words of an argument that may be left out.

@@ -35,9 +35,10 @@ class Interrupted : public ProgramTest {
 TEST_F(Interrupted, FailingMedium_BootRecovery_AnswersAndSaysThatNothingIsWritten) {
     const Outcome outcome = Interrupt();
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.output,
-              "SetRcvprtActive() = 0: done, or it was active already\nBackup, for kestova undo: " +
-                  (Folder() / "disk.img.kestova-backup-1\n").string());
+    EXPECT_EQ(
+        outcome.output,
+        "SetRcvprtActive() = 0: done, or it was active already; but it could not be written\nBackup, for kestova undo: " +
+            (Folder() / "disk.img.kestova-backup-1\n").string());
     EXPECT_EQ(
         outcome.errors,
         "kestova: disk.img: cannot be written: File too large; what had been written could not be taken back either: run `kestova recover` once the medium can be written\n");
