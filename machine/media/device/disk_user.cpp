@@ -1,6 +1,8 @@
 #include "machine/media/device/disk_user.h"
 
 #include <fcntl.h>
+#include <linux/loop.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -8,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+
+#include "machine/media/device/descriptor.h"
 
 namespace machine {
 
@@ -113,13 +117,17 @@ std::string FirstLine(const fs::path& file) {
     return line;
 }
 
-// On a part of the disk as on any file.
+// On a part of the disk as on any file. The devices are asked themselves, since a rescue system can lack
+// sysfs.
 std::string LoopOn(const Part& part) {
     std::error_code error;
-    for (const auto& entry : fs::directory_iterator("/sys/block", error)) {
-        const std::string backing = FirstLine(entry.path() / "loop" / "backing_file");
-        if (!backing.empty() && IsNodeOf(part, backing))
-            return "the loop device /dev/" + entry.path().filename().string() + " is on " + part.node;
+    for (const auto& entry : fs::directory_iterator("/dev", error)) {
+        if (!entry.path().filename().string().starts_with("loop") || !entry.is_block_file(error)) continue;
+        const Descriptor loop(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        loop_info64 info = {};
+        if (loop && ioctl(loop.Number(), LOOP_GET_STATUS64, &info) == 0 &&
+            Numbers(info.lo_rdevice) == part.numbers)
+            return "the loop device " + entry.path().string() + " is on " + part.node;
     }
     return "";
 }
