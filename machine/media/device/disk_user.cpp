@@ -12,6 +12,7 @@
 #include <sstream>
 
 #include "machine/media/device/descriptor.h"
+#include "machine/media/device/first_line.h"
 
 namespace machine {
 
@@ -108,13 +109,6 @@ std::string HolderOf(const Part& part) {
                (name.empty() ? "" : " (" + name + ")");
     }
     return "";
-}
-
-std::string FirstLine(const fs::path& file) {
-    std::string line;
-    std::ifstream stream(file);
-    std::getline(stream, line);
-    return line;
 }
 
 // On a part of the disk as on any file. The devices are asked themselves, since a rescue system can lack

@@ -11,9 +11,9 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 
 #include "machine/media/device/descriptor.h"
+#include "machine/media/device/first_line.h"
 #include "machine/media/device/image_access.h"
 
 namespace machine {
@@ -23,13 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* hasWriter = "another program has opened it for writing";
-
-std::string FirstLine(const fs::path& file) {
-    std::string line;
-    std::ifstream stream(file);
-    std::getline(stream, line);
-    return line;
-}
 
 bool IsSameFile(const struct stat& left, const struct stat& right) {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;

@@ -1,8 +1,10 @@
 #include "tools/kestova/command_line/messages.h"
 
+#include <chrono>
 #include <iostream>
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/terminal.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/json/as_json.h"
 
@@ -39,4 +41,18 @@ int ShowProblem(const CommandLine& line, const std::string& problem) {
     if (problem.empty()) return Done;
     ShowError(line.json, problem, Failure);
     return Failure;
+}
+
+void ShowRemarks(const CommandLine& line, const std::vector<Finding>& remarks) {
+    for (const Finding& remark : remarks)
+        ShowNote(line, remark.text);
+}
+
+ProgressPlace PlaceOfProgress(const CommandLine& line) {
+    const Terminal terminal = StandardError();
+    if (line.quiet || line.json || !terminal.isRewritten) return {};
+    return {.terminal = &std::cerr, .columns = terminal.columns, .now = [] {
+                return std::chrono::duration_cast<std::chrono::milliseconds>(
+                    std::chrono::steady_clock::now().time_since_epoch());
+            }};
 }

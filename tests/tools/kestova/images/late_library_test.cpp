@@ -86,22 +86,23 @@ TEST_F(LateLibrary, DiskImage_LettersAndHashes_LoadWhatTheyNeed) {
 }
 
 TEST_F(LateLibrary, NotInstalled_AsksForItsPackageOnlyWhereItIsNeeded) {
-    const auto needs = [](const std::string& library, const std::string& package) {
-        return "needs " + library + " (package " + package +
-               "), which is not installed or cannot be loaded\n";
+    struct Needed {
+        std::string library;
+        std::string package;
+        std::string words;
+        int status;
+        std::string where;
     };
-    const Outcome nbd = Without("libnbd.so.0", "--image disk.qcow2 status");
-    EXPECT_EQ(nbd.status, 3);
-    EXPECT_EQ(nbd.errors, "kestova: disk.qcow2: " + needs("libnbd.so.0", "libnbd0"));
-    const Outcome ewf = Without("libewf.so.2", "--image disk.E01 status");
-    EXPECT_EQ(ewf.status, 3);
-    EXPECT_EQ(ewf.errors, "kestova: disk.E01: " + needs("libewf.so.2", "libewf2"));
-    const Outcome hivex = Without("libhivex.so.0", "--image disk.img letters");
-    EXPECT_EQ(hivex.status, 1);
-    EXPECT_EQ(hivex.errors, "kestova: " + needs("libhivex.so.0", "libhivex0"));
-    const Outcome nettle = Without("libnettle.so.8", "--image disk.img --hash files 1:/sources");
-    EXPECT_EQ(nettle.status, 1);
-    EXPECT_EQ(nettle.errors, "kestova: " + needs("libnettle.so.8", "libnettle8"));
+    for (const Needed& needed :
+         {Needed{"libnbd.so.0", "libnbd0", "--image disk.qcow2 status", 3, "disk.qcow2: "},
+          Needed{"libewf.so.2", "libewf2", "--image disk.E01 status", 3, "disk.E01: "},
+          Needed{"libhivex.so.0", "libhivex0", "--image disk.img letters", 1, ""},
+          Needed{"libnettle.so.8", "libnettle8", "--image disk.img --hash files 1:/sources", 1, ""}}) {
+        const Outcome outcome = Without(needed.library, needed.words);
+        EXPECT_EQ(outcome.status, needed.status) << needed.library;
+        EXPECT_EQ(outcome.errors, "kestova: " + needed.where + "needs " + needed.library + " (package " +
+                                      needed.package + "), which is not installed or cannot be loaded\n");
+    }
 
     // All four are hidden by now.
     EXPECT_EQ(Without("libnbd.so.0", "--image disk.img status").status, 0);

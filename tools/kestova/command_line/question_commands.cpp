@@ -1,0 +1,121 @@
+// The commands that ask about a PC.
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/utf.h"
+#include "tools/kestova/command_line/command_functions.h"
+#include "tools/kestova/command_line/file_argument.h"
+#include "tools/kestova/command_line/messages.h"
+#include "tools/kestova/command_line/run_on_pc.h"
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/terminal.h"
+#include "tools/kestova/common/text.h"
+#include "tools/kestova/picture/columns.h"
+#include "tools/kestova/picture/report.h"
+#include "tools/kestova/picture/status_text.h"
+
+namespace {
+
+StatusLook LookOf(const CommandLine& line) {
+    return {.inBytes = line.bytes,
+            .tablesOnly = line.quiet,
+            .columns = line.columns,
+            .terminal = StandardOutput()};
+}
+
+// Shows on standard error what a report remarks and what it could not read, which is a failure.
+template <typename Report>
+int ShowProblem(const CommandLine& line, const Report& report) {
+    if constexpr (requires { report.remarks; }) ShowRemarks(line, report.remarks);
+    return ShowProblem(line, report.problem);
+}
+
+template <typename Report>
+int ShowWithProblem(const CommandLine& line, const Report& report) {
+    Show(line, report);
+    return ShowProblem(line, report);
+}
+
+struct Format {
+    const char* name;
+    std::string (*text)(const PcReport& report);
+    bool isForTerminal;
+};
+
+constexpr Format formats[] = {{"html", HtmlPage, false}, {"markdown", MarkdownText, true}};
+
+const Format& FormatOf(const CommandLine& line) {
+    std::vector<std::string> names;
+    for (const Format& format : formats) {
+        if (line.format.empty() || line.format == format.name) return format;
+        names.emplace_back(format.name);
+    }
+    throw WrongUse("--format: " + UnknownWord("format", line.format, names));
+}
+
+std::vector<LoggedLine> Logged(LogCollector& collector) {
+    std::vector<LoggedLine> lines;
+    for (const LogEntry& entry : collector.Take()) {
+        std::string text = OneLine(ToUtf8(entry.Text()));
+        std::ranges::replace(text, '\t', ' ');
+        lines.push_back({entry.level, text});
+    }
+    return lines;
+}
+
+}  // namespace
+
+namespace commands {
+
+int Status(const CommandLine& line) {
+    if (!line.columns.empty()) ColumnsOf(line.columns);
+    return RunOnPc(line, {.initialize = false, .run = [&](Session& session) {
+                              const StatusReport status = ReadStatus(session, line.initialize);
+                              ShowText(line, line.json ? AsJson(status) : StatusText(status, LookOf(line)));
+                              return ShowProblem(line, status);
+                          }});
+}
+
+int Files(const CommandLine& line) {
+    const FilePlace place = ReadFilePlace(line.arguments[0]);
+    return RunOnPc(line, {.run = [&](Session& session) {
+                       return ShowWithProblem(line,
+                                              ReadFiles(session, place, line.hash, PlaceOfProgress(line)));
+                   }});
+}
+
+int Letters(const CommandLine& line) {
+    return RunOnPc(line,
+                   {.run = [&](Session& session) { return ShowWithProblem(line, ReadLetters(session)); }});
+}
+
+int Check(const CommandLine& line) {
+    return RunOnPc(line, {.access = Access::Rehearse, .run = [&](Session& session) {
+                              const SwitchReport report = CheckSwitch(session);
+                              const int status = ShowWithProblem(line, report);
+                              return report.isPossible ? status : int{Failure};
+                          }});
+}
+
+int Report(const CommandLine& line) {
+    const Format& format = FormatOf(line);
+    if (line.output.empty() && !format.isForTerminal)
+        throw WrongUse("report: name the file with --output, or standard output with --output -");
+    LogCollector collector(nullptr);
+    std::string page;
+    return RunOnPc(
+        line,
+        {.access = Access::Rehearse, .initialize = false, .output = &page, .run = [&](Session& session) {
+             PcReport report{.maker = "kestova " KESTOVA_VERSION};
+             report.status = ReadStatus(session, line.initialize);
+             report.check = CheckSwitch(session);
+             report.notes = session.OnPc().Notes();
+             std::ranges::copy(session.OnPc().LaterNotes(), std::back_inserter(report.notes));
+             report.log = Logged(collector);
+             page = format.text(report);
+             return ShowProblem(line, report.status);
+         }});
+}
+
+}  // namespace commands
