@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "tests/support/program/program.h"
+#include "tools/kestova/filters/filter_program.h"
 #include "tools/kestova/process/system_calls.h"
 
 namespace {
@@ -81,7 +82,7 @@ TEST_F(Confinement, ScriptOnAPipe_Run_IsConfinedBeforeItReads) {
 TEST(SystemCalls, OneThatIsNotAllowed_EndsTheProgramWithAMessage) {
     EXPECT_EXIT(
         {
-            AllowOnly({{"write"}, {"exit_group"}, {"sigaltstack"}});
+            AllowOnly(FilterProgram(std::vector<AllowedCall>{{"write"}, {"exit_group"}, {"sigaltstack"}}));
             static_cast<void>(getppid());
             _exit(0);
         },
@@ -92,11 +93,43 @@ TEST(SystemCalls, OneThatIsNotAllowed_EndsTheProgramWithAMessage) {
 TEST(SystemCalls, ReadingOnly_OpeningForWriting_IsRefused) {
     EXPECT_EXIT(
         {
-            AllowOnly({{"write"}, {"exit_group"}, {"sigaltstack"}, {"openat", Only::Reading}});
+            AllowOnly(FilterProgram(std::vector<AllowedCall>{
+                {"write"}, {"exit_group"}, {"sigaltstack"}, {"openat", Only::Reading}}));
             if (open("/dev/null", O_RDONLY) < 0) _exit(2);
             _exit(open("/dev/null", O_WRONLY) < 0 ? 3 : 0);
         },
         testing::ExitedWithCode(1), "has given up");
+}
+
+// It is made when the program is built, with a number that stands for the process.
+TEST(SystemCalls, OwnProcessOnly_SignalToAnother_IsRefused) {
+    const std::vector<AllowedCall> calls = {{"write"},  {"exit_group"}, {"sigaltstack"},
+                                            {"gettid"}, {"getppid"},    {"tgkill", Only::OwnProcess}};
+    const pid_t own = getpid();
+    EXPECT_EXIT(
+        {
+            const pid_t child = getpid();
+            AllowOnly(FilterProgram(calls));
+            if (tgkill(child, gettid(), 0) != 0) _exit(2);
+            _exit(tgkill(own, own, 0) == 0 ? 3 : 4);
+        },
+        testing::ExitedWithCode(1), "has given up");
+}
+
+TEST(SystemCalls, EveryWork_HasAFilterOfItsOwn) {
+    for (int bits = 0; bits < 16; ++bits) {
+        const ConfinedWork work = {.writesImages = (bits & 1) != 0,
+                                   .writesDisks = (bits & 2) != 0,
+                                   .saves = (bits & 4) != 0,
+                                   .imageBytes = (bits & 8) != 0 ? uint64_t{512} : 0};
+        EXPECT_FALSE(SystemCallFilter(RowsOf(work)).empty()) << bits;
+    }
+    EXPECT_FALSE(SystemCallFilter(RowsAtStart()).empty());
+}
+
+// A work that nobody thought of is not done without a filter.
+TEST(SystemCalls, NoFilter_AllowOnly_Throws) {
+    EXPECT_THROW(AllowOnly({}), Failed);
 }
 
 }  // namespace

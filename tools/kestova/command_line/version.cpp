@@ -20,7 +20,6 @@ Rows WithLibraries(Rows rows, const std::vector<LinkedLibrary>& libraries) {
 std::string VersionText() {
     const std::vector<LinkedLibrary> forImages = ImageLibraries();
     Rows libraries = {{"CLI11", "BSD-3-Clause"}, {"nlohmann-json", "MIT"}};
-    if (FiltersSystemCalls()) libraries.push_back({"libseccomp", "LGPL-2.1"});
     if (const char* const licence = DisplayWidthLicence()) libraries.push_back({"libutf8proc", licence});
     const auto yesOrNo = [](bool is) { return is ? "yes" : "no"; };
     return "kestova " KESTOVA_VERSION "\n" +

@@ -17,201 +17,15 @@
 #include <string_view>
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/process/kept_calls.h"
 #include "tools/kestova/process/system_calls.h"
 
 namespace {
-
-// --- what each kind of work keeps ---
-
-constexpr uint64_t noCapability = 0;
-// To make and rename files in folders of any owner, as the one that the program is started by may.
-constexpr uint64_t fileCapabilities =
-    uint64_t{1} << CAP_DAC_OVERRIDE | uint64_t{1} << CAP_DAC_READ_SEARCH | uint64_t{1} << CAP_FOWNER;
-
-struct Kept {
-    bool (*applies)(const ConfinedWork& work);  // null: only until the files are open
-    bool keepsUser;                             // started by sudo, it stays root
-    uint64_t capabilities;                      // of root
-    std::vector<AllowedCall> calls;
-};
-
-const std::vector<Kept>& KeptByWork() {
-    static const std::vector<Kept> rows = {
-        // All work: reading what is open, memory, time, output, the end.
-        {[](const ConfinedWork&) { return true; },
-         false,
-         noCapability,
-         {{"read"},
-          {"readv"},
-          {"pread64"},
-          {"preadv"},
-          {"write"},
-          {"writev"},
-          {"lseek"},
-          {"_llseek"},
-          {"close"},
-          {"fstat"},
-          {"fstat64"},
-          {"newfstatat"},
-          {"fstatat64"},
-          {"stat"},
-          {"stat64"},
-          {"lstat"},
-          {"lstat64"},
-          {"statx"},
-          {"fadvise64"},
-          {"fcntl"},
-          {"fcntl64"},
-          {"ioctl", Only::AskingTerminal},
-          {"brk"},
-          {"mmap", Only::WithoutCode},
-          {"mmap2", Only::WithoutCode},
-          {"mprotect", Only::WithoutCode},
-          {"mremap"},
-          {"munmap"},
-          {"madvise"},
-          {"futex"},
-          {"futex_time64"},
-          {"rt_sigaction"},
-          {"rt_sigprocmask"},
-          {"rt_sigpending"},
-          {"rt_sigreturn"},
-          {"sigreturn"},
-          {"clock_gettime"},
-          {"clock_gettime64"},
-          {"clock_getres"},
-          {"gettimeofday"},
-          {"time"},
-          {"getrandom"},
-          {"getpid"},
-          {"gettid"},
-          {"getuid"},
-          {"geteuid"},
-          {"getgid"},
-          {"getegid"},
-          {"tgkill", Only::OwnProcess},
-          {"sched_yield"},
-          {"restart_syscall"},
-          {"uname"},
-          {"sysinfo"},
-          {"prlimit64", Only::OwnProcess},
-          {"getrlimit"},
-          {"getcwd"},
-          {"readlink"},
-          {"readlinkat"},
-          {"memfd_create"},
-          {"openat", Only::Reading},
-          {"open", Only::Reading},
-          {"poll"},
-          {"ppoll"},
-          {"ppoll_time64"},
-          {"exit"},
-          {"exit_group"}}},
-        // Writing images, and the journal beside them, which is made, named and deleted for each change.
-        {[](const ConfinedWork& work) { return work.writesImages; },
-         true,
-         fileCapabilities,
-         {{"pwrite64"},
-          {"pwritev"},
-          {"fsync"},
-          {"fdatasync"},
-          {"openat"},
-          {"open"},
-          {"rename"},
-          {"renameat"},
-          {"renameat2"},
-          {"unlink"},
-          {"unlinkat"},
-          {"access"},
-          {"faccessat"},
-          {"faccessat2"},
-          {"statfs"},
-          {"fstatfs"}}},
-        // Disks of this computer, whose table the kernel then reads again, for those who administer it.
-        {[](const ConfinedWork& work) { return work.writesDisks; },
-         true,
-         uint64_t{1} << CAP_SYS_ADMIN,
-         {{"ioctl", Only::RereadingTable}}},
-        // Virtual disks, over the connection to the program that opens them.
-        {[](const ConfinedWork& work) { return work.imageBytes > 0; },
-         false,
-         noCapability,
-         {{"recvfrom"}, {"recv"}, {"sendto"}, {"send"}, {"shutdown"}}},
-        // --save: a new file in a folder that is open.
-        {[](const ConfinedWork& work) { return work.saves; },
-         true,
-         fileCapabilities,
-         {{"fsync"}, {"openat"}, {"renameat"}, {"renameat2"}, {"unlinkat"}, {"fchmod"}, {"umask"}}},
-        // Until the files are open.
-        {nullptr, true, ~noCapability, {{"ioctl"},     {"openat"},     {"open"},       {"access"},
-                                        {"faccessat"}, {"faccessat2"}, {"flock"},      {"statfs"},
-                                        {"fstatfs"},   {"ftruncate"},  {"getdents64"}, {"setresuid"},
-                                        {"setresgid"}, {"setgroups"},  {"setuid"},     {"setgid"},
-                                        {"capget"},    {"capset"},     {"prctl"},      {"seccomp"},
-                                        {"setrlimit"}, {"sendmsg"},    {"recvmsg"},    {"getsockopt"}}},
-#ifdef KESTOVA_INSTRUMENTED
-        // What sanitizers and the measurement of coverage do in the end.
-        {[](const ConfinedWork&) { return true; },
-         false,
-         noCapability,
-         {{"openat"},
-          {"open"},
-          {"readlink"},
-          {"mkdir"},
-          {"access"},
-          {"getdents64"},
-          {"clone"},
-          {"clone3"},
-          {"ptrace"},
-          {"wait4"},
-          {"prctl"},
-          {"process_vm_readv"},
-          {"getppid"},
-          {"getdents"},
-          {"dup2"},
-          {"pipe"},
-          {"nanosleep"},
-          {"clock_nanosleep"},
-          {"sched_getaffinity"},
-          {"sigaltstack"},
-          {"set_robust_list"},
-          {"rseq"},
-          {"kill"},
-          {"tkill"},
-          {"mincore"},
-          {"pipe2"},
-          {"ftruncate"},
-          {"mmap"},
-          {"mprotect"},
-          {"dup"},
-          {"socket"}}},
-#endif
-    };
-    return rows;
-}
 
 // --- giving up ---
 
 void Check(bool done, const char* what) {
     if (!done) throw Failed(std::string(what) + " cannot be given up: " + std::strerror(errno));
-}
-
-struct Sums {
-    bool keepsUser = false;
-    uint64_t capabilities = noCapability;
-    std::vector<AllowedCall> calls;
-};
-
-template <typename Applies>
-Sums KeptBy(Applies applies) {
-    Sums sums;
-    for (const Kept& row : KeptByWork()) {
-        if (!applies(row)) continue;
-        sums.keepsUser = sums.keepsUser || row.keepsUser;
-        sums.capabilities |= row.capabilities;
-        sums.calls.insert(sums.calls.end(), row.calls.begin(), row.calls.end());
-    }
-    return sums;
 }
 
 std::optional<id_t> Id(const char* variable) {
@@ -288,13 +102,19 @@ void ConfineAtStart() {
     // The second is for systems on which a program receives the dumps.
     Limit(RLIMIT_CORE, 0, 0);
     Check(prctl(PR_SET_DUMPABLE, 0, 0, 0, 0) == 0, "core dumps");
-    AllowOnly(KeptBy([](const Kept&) { return true; }).calls);
+    AllowOnly(SystemCallFilter(RowsAtStart()));
 }
 
 void ConfineTo(const ConfinedWork& work) {
     LimitTimeAndMemory(work);
-    const Sums kept = KeptBy([&](const Kept& row) { return row.applies != nullptr && row.applies(work); });
-    if (!kept.keepsUser) BecomeSudoUser();
-    KeepCapabilities(kept.capabilities);
-    AllowOnly(kept.calls);
+    const KeptRows rows = RowsOf(work);
+    bool keepsUser = false;
+    uint64_t capabilities = 0;
+    ForEachRow(rows, [&](const Kept& row) {
+        keepsUser = keepsUser || row.keepsUser;
+        capabilities |= row.capabilities;
+    });
+    if (!keepsUser) BecomeSudoUser();
+    KeepCapabilities(capabilities);
+    AllowOnly(SystemCallFilter(rows));
 }

@@ -1,22 +1,23 @@
 // The system calls that the kernel lets this process make.
 #pragma once
 
-#include <vector>
+#include <linux/filter.h>
 
-// The arguments with which a call is allowed: any; those that open no file for writing; those that map no
-// memory that can be executed; those that ask what a terminal is set to; those that have the kernel read a
-// disk's table again; those for this process itself.
-enum class Only { Any, Reading, WithoutCode, AskingTerminal, RereadingTable, OwnProcess };
+#include <span>
 
-struct AllowedCall {
-    const char* name;
-    Only only = Only::Any;
-};
+#include "tools/kestova/process/kept_calls.h"
+
+// A program for the kernel that allows the calls of these rows and answers every other by SIGSYS, made with
+// libseccomp when this program is built. Empty in a build without libseccomp.
+std::span<const sock_filter> SystemCallFilter(KeptRows rows);
+
+// Stands in a filter for the number of the process, which is known only when it runs.
+constexpr uint32_t anyProcess = 0x7E57FACE;
 
 // Whether this build filters them.
 bool FiltersSystemCalls();
 
-// From here on every other call ends the program with status 1 and a message; there is no way back, and a
-// second list can only be shorter. Calls that this architecture lacks are left out. Does nothing where the
-// kernel has no filters, and in a build without libseccomp. Throws Failed.
-void AllowOnly(const std::vector<AllowedCall>& calls);
+// From here on every call that the filter does not allow ends the program with status 1 and a message; there
+// is no way back, and a second filter can only allow less. Does nothing where the kernel has no filters, and
+// in a build without them. Throws Failed, also for an empty filter in a build with them.
+void AllowOnly(std::span<const sock_filter> filter);

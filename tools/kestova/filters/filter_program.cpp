@@ -1,51 +1,26 @@
+#include "tools/kestova/filters/filter_program.h"
+
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <seccomp.h>
-#include <signal.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
+#include <cstdio>
 #include <memory>
-#include <string_view>
+#include <system_error>
 
-#include "tools/kestova/common/errors.h"
 #include "tools/kestova/process/system_calls.h"
 
 namespace {
 
 using Filter = std::unique_ptr<void, decltype(&seccomp_release)>;
 
-// Functions that a signal handler may call, only.
-void Say(std::string_view text) {
-    if (write(STDERR_FILENO, text.data(), text.size()) < 0) return;
-}
-
-void SayNumber(unsigned number) {
-    char digits[10];
-    size_t at = sizeof digits;
-    do {
-        digits[--at] = static_cast<char>('0' + number % 10);
-        number /= 10;
-    } while (number != 0);
-    Say({digits + at, sizeof digits - at});
-}
-
-void RefuseCall(int, siginfo_t* info, void*) {
-    Say("kestova: ended, because it was about to make a system call that it has given up (number ");
-    SayNumber(static_cast<unsigned>(info->si_syscall));
-    Say(")\n");
-    _exit(Failure);
-}
-
-void HandleRefusals() {
-    struct sigaction action = {};
-    action.sa_sigaction = RefuseCall;
-    action.sa_flags = SA_SIGINFO;
-    sigaction(SIGSYS, &action, nullptr);
+// libseccomp answers with negative numbers of errors.
+void Check(int answer) {
+    if (answer < 0) throw std::system_error(-answer, std::generic_category(), "the filter of system calls");
 }
 
 // Whether none of these bits is set in an argument.
@@ -72,7 +47,7 @@ std::vector<scmp_arg_cmp> Conditions(int call, Only only) {
             return {With(1, BLKRRPART)};
         case Only::OwnProcess:
             // prlimit64 has 0 for it.
-            return {With(0, call == SCMP_SYS(prlimit64) ? 0 : static_cast<scmp_datum_t>(getpid()))};
+            return {With(0, call == SCMP_SYS(prlimit64) ? 0 : anyProcess)};
     }
     return {};
 }
@@ -93,31 +68,28 @@ int Allow(scmp_filter_ctx filter, int call, Only only) {
     return 0;
 }
 
-// Kernels and sandboxes without filters.
-bool AreFiltersMissing(int error) {
-    return error == -EINVAL || error == -ENOSYS || error == -EFAULT || error == -EOPNOTSUPP;
+// What libseccomp writes into a file.
+std::vector<sock_filter> Instructions(scmp_filter_ctx filter) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::tmpfile(), std::fclose);
+    if (!file) Check(-errno);
+    Check(seccomp_export_bpf(filter, fileno(file.get())));
+    std::rewind(file.get());
+    std::vector<sock_filter> instructions;
+    for (sock_filter one = {}; std::fread(&one, sizeof one, 1, file.get()) == 1;)
+        instructions.push_back(one);
+    return instructions;
 }
 
 }  // namespace
 
-bool FiltersSystemCalls() {
-    return true;
-}
-
-void AllowOnly(const std::vector<AllowedCall>& calls) {
-    const auto check = [](int error) {
-        if (error != 0)
-            throw Failed(std::string("system calls cannot be given up: ") + std::strerror(-error));
-    };
+std::vector<sock_filter> FilterProgram(std::span<const AllowedCall> calls) {
     const Filter filter(seccomp_init(SCMP_ACT_TRAP), seccomp_release);
-    if (!filter) check(-ENOMEM);
-    // The kernel's own error, which says whether it has filters at all.
-    check(seccomp_attr_set(filter.get(), SCMP_FLTATR_API_SYSRAWRC, 1));
+    if (!filter) Check(-ENOMEM);
+    // A search by halves instead of one call after the other.
+    Check(seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_OPTIMIZE, 2));
     for (const AllowedCall& allowed : calls) {
         const int call = seccomp_syscall_resolve_name(allowed.name);
-        if (call >= 0) check(Allow(filter.get(), call, allowed.only));
+        if (call >= 0) Check(Allow(filter.get(), call, allowed.only));
     }
-    HandleRefusals();
-    const int error = seccomp_load(filter.get());
-    if (!AreFiltersMissing(error)) check(error);
+    return Instructions(filter.get());
 }
