@@ -46,15 +46,16 @@ class Journal {
     std::vector<std::vector<std::string>> Unshown(const std::string& call) const;
     void AddUnshown(const std::string& call, std::vector<std::string> arguments);
 
-    // From now on the journal is without that, because nobody will ask for it.
-    void LeaveOutRecords() { keepsRecords_ = false; }
+    // From now on the journal is without log records and calls that succeeded; without what the entries leave
+    // out: because nobody will ask for them.
+    void LeaveOutSuccesses() { keepsSuccesses_ = false; }
     void LeaveOutUnshown() { keepsUnshown_ = false; }
-    bool KeepsRecords() const { return keepsRecords_; }
+    bool KeepsSuccesses() const { return keepsSuccesses_; }
     bool KeepsUnshown() const { return keepsUnshown_; }
 
   private:
     std::vector<JournalEntry> entries_;
-    bool keepsRecords_ = true;
+    bool keepsSuccesses_ = true;
     bool keepsUnshown_ = true;
     std::map<std::string, std::vector<std::vector<std::string>>> unshown_;
 };

@@ -83,17 +83,20 @@ inline bool HasEffect(const CallInfo& info, const FaultRule& rule) {
 // Performs one call. `body` takes the PC and returns the result; a body that fails calls Failure itself.
 // The caller clears the outputs first, because an injected failure does not run the body.
 template <typename R, typename Body>
-R Answer(std::string_view name, std::vector<std::string> arguments, Body body) {
+R Answer(CallName call, std::vector<std::string> arguments, Body body) {
     const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
-    const CallInfo& info = *FindCall(name);
-    const FaultRule* const fault = pc.faults.Next(name);
+    const CallInfo& info = call.Info();
+    const FaultRule* const fault = pc.faults.Next(info.name);
     const uint32_t code = fault != nullptr ? fault->code : 0;
     R result{};
     if (fault == nullptr || HasEffect(info, *fault)) result = body(pc);
     if (fault != nullptr) result = Failure<R>(pc, info.failsWith, code);
-    pc.journal.Add(CallRecord{std::string(name), std::move(arguments), ResultText(info.failsWith, result),
-                              fault != nullptr, ResultCode(pc, info.failsWith, result)});
+    const uint32_t reported = ResultCode(pc, info.failsWith, result);
+    const bool hasSucceeded = reported == 0 && info.failsWith != FailsWith::Value;
+    if (!hasSucceeded || pc.journal.KeepsSuccesses())
+        pc.journal.Add(CallRecord{std::string(info.name), std::move(arguments),
+                                  ResultText(info.failsWith, result), fault != nullptr, reported});
     return result;
 }
 

@@ -54,9 +54,9 @@ class ComInterface : public Interface {
   protected:
     // Answers a method under its published name. The caller clears the outputs first.
     template <typename Body>
-    HRESULT Call(std::string_view name, std::vector<std::string> arguments, Body body) const {
-        references_.ExpectHeld(name);
-        return Answer<HRESULT>(name, std::move(arguments), body);
+    HRESULT Call(CallName call, std::vector<std::string> arguments, Body body) const {
+        references_.ExpectHeld(call.Info().name);
+        return Answer<HRESULT>(call, std::move(arguments), body);
     }
 
   private:

@@ -3,6 +3,7 @@
 #include "tools/kestova/command_line/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
@@ -21,12 +22,26 @@ CLI::Option* Add(CLI::App& app, const Option& row, std::vector<std::string>* val
     return app.add_option(row.names, *values)->allow_extra_args(false);
 }
 
-void AddOptions(CLI::App& app, const std::vector<OptionGroup>& groups) {
+// Whether a word can be that option, or holds it among letters behind one hyphen.
+bool CanBeGiven(const Option& row, const std::vector<std::string>& words) {
+    const std::string name = LongName(row);
+    const bool hasLetter = row.names != name;
+    return std::ranges::any_of(words, [&](const std::string& word) {
+        return word.starts_with(name) || (hasLetter && word.starts_with('-') && !word.starts_with("--"));
+    });
+}
+
+// Those that can be given: CLI11 takes longer to learn an option than to read the words.
+void AddOptions(CLI::App& app, const std::vector<OptionGroup>& groups,
+                const std::vector<std::string>& words) {
     for (const OptionGroup& group : groups) {
         for (const Option& row : group.options) {
+            if (!CanBeGiven(row, words)) continue;
             CLI::Option* const option =
                 std::visit([&](auto* target) { return Add(app, row, target); }, row.target);
-            if (row.excludes != nullptr) option->excludes(app.get_option(row.excludes));
+            CLI::Option* const excluded =
+                row.excludes != nullptr ? app.get_option_no_throw(row.excludes) : nullptr;
+            if (excluded != nullptr) option->excludes(excluded);
         }
     }
 }
@@ -58,10 +73,10 @@ std::vector<std::string> Names(const std::vector<OptionGroup>& groups, Which whi
 std::vector<std::string> GivenOptions(const CLI::App& app, const std::vector<std::string>& names) {
     std::vector<std::string> given;
     for (const std::string& name : names) {
-        const CLI::Option& option = *app.get_option(name);
-        if (option.count() == 0) continue;
+        const CLI::Option* const option = app.get_option_no_throw(name);
+        if (option == nullptr || option->count() == 0) continue;
         given.push_back(name);
-        for (const std::string& value : option.results()) {
+        for (const std::string& value : option->results()) {
             if (value.empty()) throw WrongUse(name + ": the value is empty");
         }
     }
@@ -82,7 +97,7 @@ ReadWords ReadOptions(const std::vector<OptionGroup>& groups, const std::vector<
     app.set_help_flag();
     app.allow_windows_style_options(false);
     app.allow_extras();
-    AddOptions(app, groups);
+    AddOptions(app, groups, words);
     app.add_option("command", read.positional);
     try {
         app.parse(std::vector<std::string>(words.rbegin(), words.rend()));

@@ -4,7 +4,7 @@
 
 #include "tools/kestova/common/text.h"
 OperationReport Questions::Ask(const char* operation, const Values& arguments) {
-    OperationReport report = session_.Call(FindOperation(operation), arguments);
+    OperationReport report = session_.Ask(FindOperation(operation), arguments);
     if (!report.problem.empty()) AddUndetermined(report.problem);
     if (report.stoppedBefore) AddUndetermined(report.operation->name + " " + StopWords(report));
     return report;

@@ -25,7 +25,7 @@ const char* OutcomeOf(const OperationReport& report) {
 }  // namespace
 
 void LogCollector::Write(const LogEntry& entry) {
-    records_.push_back(entry);
+    if (collects_) records_.push_back(entry);
     if (file_ != nullptr) *file_ << entry.level << '\t' << OneLine(ToUtf8(entry.Text())) << '\n';
 }
 
@@ -64,6 +64,13 @@ OperationReport Session::Call(const Operation& operation, const Values& argument
             report.changes.reset();
         }
     }
+    return report;
+}
+
+OperationReport Session::Ask(const Operation& operation, const Values& arguments) {
+    collector_.Collect(false);
+    OperationReport report = Call(operation, arguments);
+    collector_.Collect(true);
     return report;
 }
 

@@ -25,11 +25,14 @@ class LogCollector final : public ILogSink {
     LogCollector& operator=(const LogCollector&) = delete;
 
     void Write(const LogEntry& entry) override;
+    // From now on the records of an operation are collected, or left out.
+    void Collect(bool collects) { collects_ = collects; }
     // The records since the last call.
     std::vector<LogEntry> Take();
 
   private:
     std::ostream* file_;
+    bool collects_ = true;
     std::vector<LogEntry> records_;
 };
 
@@ -42,6 +45,8 @@ class Session {
     // Construct comes first, Destroy last.
     OperationReport Construct();
     OperationReport Call(const Operation& operation, const Values& arguments);
+    // The same for a question, in a report without log records.
+    OperationReport Ask(const Operation& operation, const Values& arguments);
     OperationReport Destroy();
 
     Kestova& Object() { return *object_; }

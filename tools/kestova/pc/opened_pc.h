@@ -71,6 +71,9 @@ struct FaultCount {
 
 // During its lifetime the platform calls of the library and of this program go to this PC, and the library is
 // loaded as by a program loader.
+// Windows numbers disks from 0; more of them are not looked for.
+inline constexpr int mostDisks = 128;
+
 class OpenedPc {
   public:
     OpenedPc() = default;
@@ -93,6 +96,8 @@ class OpenedPc {
     // Whether a partition of a disk image holds no file system that can be read; false if that is unknown,
     // and for a damaged volume with a letter, which reports its error when it is read.
     virtual bool LacksFileSystem(int disk, int partition) const = 0;
+    // Its disks have numbers from 0 to below this.
+    virtual int DiskNumbersEnd() const = 0;
     // The volume at that place, for looking into it. Throws Failed, with what is there instead,
     // and NotLookedInto for any volume of the PC that the program runs on.
     virtual FoundVolume VolumeAt(const VolumePlace& place) = 0;

@@ -191,7 +191,7 @@ class EmulatedOne final : public OpenedPc {
           shown_(before_),
           emulated_(before_) {
         emulated_.journal.LeaveOutUnshown();
-        if (!choice.trace) emulated_.journal.LeaveOutRecords();
+        if (!choice.trace) emulated_.journal.LeaveOutSuccesses();
         for (const std::string& fault : faults_)
             emulated_.faults.Arm(ReadFault(fault));
         if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
@@ -226,6 +226,7 @@ class EmulatedOne final : public OpenedPc {
     const std::map<std::string, int>& Ledger() const override { return emulated_.ledger.Counts(); }
     bool Rehearse(const std::function<void()>& action) override;
     bool LacksFileSystem(int disk, int partition) const override;
+    int DiskNumbersEnd() const override;
     FoundVolume VolumeAt(const VolumePlace& place) override { return FindVolume(emulated_.facts, place); }
     DiskFacts FactsOf(int disk) const override;
     bool LendLetter(const VolumePlace& place, const std::function<void(char)>& action) override;
@@ -253,6 +254,13 @@ class EmulatedOne final : public OpenedPc {
     machine::EmulatedPc emulated_;
     machine::LoadedLibrary library_;
 };
+
+int EmulatedOne::DiskNumbersEnd() const {
+    int end = 0;
+    for (const machine::Disk& disk : emulated_.facts.disks)
+        if (disk.number < mostDisks) end = std::max(end, static_cast<int>(disk.number) + 1);
+    return end;
+}
 
 // Letters are facts of the PC, for volumes on images too.
 bool EmulatedOne::Rehearse(const std::function<void()>& action) {

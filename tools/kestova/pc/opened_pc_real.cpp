@@ -19,6 +19,7 @@ class RealOne final : public OpenedPc {
     const std::map<std::string, int>& Ledger() const override { return unknown_; }
     bool Rehearse(const std::function<void()>&) override { return false; }
     bool LacksFileSystem(int, int) const override { return false; }
+    int DiskNumbersEnd() const override { return mostDisks; }
     FoundVolume VolumeAt(const VolumePlace&) override {
         throw NotLookedInto("for the PC that the program runs on use dir, and certutil -hashfile");
     }

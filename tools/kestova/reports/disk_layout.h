@@ -7,9 +7,6 @@
 
 #include "platform/windows_api.h"
 
-// Windows numbers disks from 0; more of them are not looked for.
-inline constexpr int mostDisks = 128;
-
 // The used entries in table order; nothing, and a last error, if the disk or its table cannot be read. Calls
 // CreateFileW and DeviceIoControl with IOCTL_DISK_GET_DRIVE_LAYOUT_EX.
 std::optional<std::vector<PARTITION_INFORMATION_EX>> ReadDiskLayout(int disk);

@@ -204,7 +204,7 @@ DiskReport ReadDisk(HANDLE handle, int number, const StatusReport& status, Quest
 std::vector<DiskReport> ReadDisks(const StatusReport& status, Questions& questions) {
     Questions ofOthers(questions.On());
     std::vector<DiskReport> disks;
-    for (int number = 0; number < mostDisks; ++number) {
+    for (int number = 0; number < questions.On().OnPc().DiskNumbersEnd(); ++number) {
         const HANDLE handle = OpenDisk(number);
         const DWORD error = GetLastError();
         const bool isOther = status.internalDisk && status.internalDisk != number;

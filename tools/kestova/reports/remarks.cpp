@@ -100,7 +100,7 @@ std::vector<Finding> RemarksOn(OpenedPc& pc, int disk) {
 std::vector<Finding> RemarksOn(OpenedPc& pc) {
     std::vector<std::pair<int, Finding>> found;
     int disks = 0;
-    for (int disk = 0; disk < mostDisks; ++disk) {
+    for (int disk = 0; disk < pc.DiskNumbersEnd(); ++disk) {
         pc.Aside([&] { disks += ReadDiskLayout(disk) ? 1 : 0; });
         for (Finding& remark : RemarksOn(pc, disk))
             found.emplace_back(disk, std::move(remark));
