@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "tests/support/program/program.h"
+#include "tools/kestova/common/errors.h"
 #include "tools/kestova/filters/filter_program.h"
 #include "tools/kestova/process/system_calls.h"
 

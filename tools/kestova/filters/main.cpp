@@ -14,7 +14,7 @@ std::set<KeptRows> SetsOfRows() {
     for (const bool writesImages : {false, true})
         for (const bool writesDisks : {false, true})
             for (const bool saves : {false, true})
-                for (const uint64_t imageBytes : {0, 1})
+                for (const uint64_t imageBytes : {uint64_t{0}, uint64_t{1}})
                     sets.insert(RowsOf({.writesImages = writesImages,
                                         .writesDisks = writesDisks,
                                         .saves = saves,
