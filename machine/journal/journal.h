@@ -46,9 +46,9 @@ class Journal {
     std::vector<std::vector<std::string>> Unshown(const std::string& call) const;
     void AddUnshown(const std::string& call, std::vector<std::string> arguments);
 
-    // From now on the journal is without log records and calls that succeeded; without what the entries leave
-    // out: because nobody will ask for them.
-    void LeaveOutSuccesses() { keepsSuccesses_ = false; }
+    // Whether the journal has log records and calls that succeeded, and what the entries leave out. Who will
+    // not ask for them saves the time.
+    void KeepSuccesses(bool keeps) { keepsSuccesses_ = keeps; }
     void LeaveOutUnshown() { keepsUnshown_ = false; }
     bool KeepsSuccesses() const { return keepsSuccesses_; }
     bool KeepsUnshown() const { return keepsUnshown_; }

@@ -86,7 +86,8 @@ class OpenedPc {
     // The same of what was found during the work.
     virtual std::vector<std::string> LaterNotes() const = 0;
     virtual InputFiles Inputs() const = 0;
-    // Platform calls and log records in order, since the last call.
+    // Platform calls and log records in order, since the last call: all of them if the choice has the trace,
+    // and while an action is rehearsed; else only calls that can have failed.
     virtual Trace TakeTrace() = 0;
     // What the platform has handed out and not got back: the number of each kind of handle, object, memory.
     virtual const std::map<std::string, int>& Ledger() const = 0;

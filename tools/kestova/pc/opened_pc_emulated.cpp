@@ -191,7 +191,7 @@ class EmulatedOne final : public OpenedPc {
           shown_(before_),
           emulated_(before_) {
         emulated_.journal.LeaveOutUnshown();
-        if (!choice.trace) emulated_.journal.LeaveOutSuccesses();
+        emulated_.journal.KeepSuccesses(choice.trace);
         for (const std::string& fault : faults_)
             emulated_.faults.Arm(ReadFault(fault));
         if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
@@ -265,7 +265,10 @@ int EmulatedOne::DiskNumbersEnd() const {
 // Letters are facts of the PC, for volumes on images too.
 bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     const Restoring facts(emulated_.facts);
+    const bool kept = emulated_.journal.KeepsSuccesses();
+    emulated_.journal.KeepSuccesses(true);
     action();
+    emulated_.journal.KeepSuccesses(kept);
     return true;
 }
 
