@@ -4,7 +4,6 @@
 #include <map>
 
 #include "machine/calls/call_table.h"
-#include "machine/description/description.h"
 #include "machine/description/node.h"
 #include "platform/partition_types.h"
 
@@ -18,7 +17,7 @@ using Places = std::map<Value, std::string>;
 
 class Checks {
   public:
-    Checks(const Pc& pc, const std::string& file) : pc_(pc), file_(file) {}
+    Checks(const Pc& pc, const Source& source) : pc_(pc), source_(source) {}
 
     void Packs() const;
     void Disks();
@@ -29,7 +28,7 @@ class Checks {
 
   private:
     void Require(bool holds, const std::string& place, const std::string& otherwise) const {
-        if (!holds) throw DescriptionError(file_, place, otherwise);
+        if (!holds) source_.Report(place, otherwise);
     }
     template <typename Value>
     void Once(Places<Value>& places, const Value& value, const std::string& what,
@@ -41,7 +40,7 @@ class Checks {
     void Letters(const Volume& volume, const std::string& place);
 
     const Pc& pc_;
-    const std::string& file_;
+    const Source& source_;
     Places<std::string> letters_;
 };
 
@@ -80,7 +79,8 @@ void Checks::Disks() {
 
 void Checks::PackOf(const Disk& disk, const std::string& place) const {
     const auto isNamed = [&](const Pack& pack) { return pack.name == disk.pack; };
-    if (disk.pack.empty() || std::any_of(pc_.packs.begin(), pc_.packs.end(), isNamed)) return;
+    if (disk.pack.empty() || source_.IsFlawed("packs")) return;
+    if (std::any_of(pc_.packs.begin(), pc_.packs.end(), isNamed)) return;
     std::vector<std::string> names;
     for (const Pack& pack : pc_.packs)
         names.push_back(pack.name);
@@ -158,6 +158,7 @@ void Checks::Letters(const Volume& volume, const std::string& place) {
 }
 
 void Checks::WmiOrder() const {
+    if (source_.IsFlawed("disks")) return;
     Places<uint32_t> numbers;
     for (size_t index = 0; index < pc_.wmiOrder.size(); ++index) {
         const std::string place = PlaceOfEntry("wmiOrder", index);
@@ -195,8 +196,8 @@ void Checks::Faults() const {
 
 }  // namespace
 
-void CheckDescription(const Pc& pc, const std::string& file) {
-    Checks checks(pc, file);
+void CheckDescription(const Pc& pc, const Source& source) {
+    Checks checks(pc, source);
     checks.Packs();
     checks.Disks();
     checks.VolumesWithoutDisk();

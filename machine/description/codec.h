@@ -80,7 +80,7 @@ struct ListOf {
         node.ExpectList();
         list.clear();
         for (size_t index = 0; index < node.Size(); ++index)
-            Codec::Read(node.Entry(index), list.emplace_back());
+            node.Try([&] { Codec::Read(node.Entry(index), list.emplace_back()); });
     }
     static void Write(Output out, const Value& list, const Value&) {
         out.List();

@@ -1,8 +1,10 @@
 // Reads and writes an emulated PC as JSON text; docs/pc-description.md documents every key.
 #pragma once
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "machine/facts/pc.h"
 
@@ -16,10 +18,22 @@ class DescriptionError : public std::runtime_error {
         : std::runtime_error(file + ": " + place + ": " + what) {}
 };
 
+struct Mistake {
+    size_t line;  // from 1, as the column, which counts bytes
+    size_t column;
+    std::string place;  // "disks[0].partitions[1].offset"; empty for text that is not JSON
+    std::string what;
+};
+
 // Throws DescriptionError, with `fileName` as the file, for text that does not describe a PC. Image paths
 // are kept as written, and no image is opened: a disk on an image has no size or table yet, and its
 // partitions contain only what the description adds to the image.
 Pc ReadDescription(const std::string& text, const std::string& fileName);
+
+// Everything for which ReadDescription would refuse the text, in the order of the text; nothing for one that
+// it takes. What follows only from another mistake is left out: text that is not JSON has one mistake, and
+// values that contradict each other are named where each of them is right by itself.
+std::vector<Mistake> FindMistakes(const std::string& text);
 
 // Indented JSON that reads back as the same PC. Values equal to their defaults are left out, as are values
 // supplied by an image. Throws DescriptionError if text in the PC is not UTF-8, since JSON cannot contain

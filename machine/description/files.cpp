@@ -59,6 +59,18 @@ void WriteContent(Output out, const std::string& content) {
     HexBytes::Write(out.Key("hex"), content, {});
 }
 
+void ReadFile(FileTree& tree, const std::string& path, const Node& file) {
+    ExpectFits(tree, path, file);
+    const size_t before = tree.Entries().size();
+    if (!IsFolderPath(path)) {
+        tree.PutFile(path, ReadContent(file));
+    } else {
+        if (!file.IsNull()) file.Fail("must be null, since the path is a folder's");
+        tree.PutFolder(path);
+    }
+    file.Count(tree.Entries().size() - before);
+}
+
 // The folders that need a key of their own: the empty ones, and those that a path below spells differently.
 // All others follow from the paths below them.
 std::set<std::string> FoldersToWrite(const FileTree& tree) {
@@ -83,17 +95,8 @@ std::set<std::string> FoldersToWrite(const FileTree& tree) {
 void Files::Read(const Node& node, FileTree& tree) {
     node.ExpectObject();
     tree = {};
-    for (const auto& [path, file] : node.Members()) {
-        ExpectFits(tree, path, file);
-        const size_t before = tree.Entries().size();
-        if (!IsFolderPath(path)) {
-            tree.PutFile(path, ReadContent(file));
-        } else {
-            if (!file.IsNull()) file.Fail("must be null, since the path is a folder's");
-            tree.PutFolder(path);
-        }
-        file.Count(tree.Entries().size() - before);
-    }
+    for (const auto& [path, file] : node.Members())
+        node.Try([&tree, &path = path, &file = file] { ReadFile(tree, path, file); });
 }
 
 void Files::Write(Output out, const FileTree& tree, const FileTree&) {

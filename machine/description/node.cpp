@@ -5,6 +5,7 @@
 
 #include "base/nearest.h"
 #include "machine/description/description.h"
+#include "machine/description/positions.h"
 
 namespace machine::description {
 
@@ -34,16 +35,62 @@ std::string Kind(const Json& value) {
     }
 }
 
+// What people write who know disks, but not this description.
+struct UsualMistake {
+    const char* word;
+    const char* key;
+    const char* example;
+};
+
+constexpr UsualMistake usualMistakes[] = {
+    {"active", "bootIndicator", ": 128"},
+    {"bootable", "bootIndicator", ": 128"},
+    {"boot", "bootIndicator", ": 128"},
+    {"type", "mbrType", ": \"0x07\", or \"gptType\""},
+    {"id", "gptId", ""},
+    {"uuid", "gptId", ""},
+    {"partuuid", "gptId", ""},
+    {"start", "offset", ""},
+    {"length", "size", ""},
+    {"letter", "letters", ": \"C\""},
+    {"drive", "letters", ": \"C\""},
+    {"driveLetter", "letters", ": \"C\""},
+    {"bus", "busType", ""},
+    {"path", "image", ""},
+    {"file", "image", ""},
+    {"table", "style", ": \"mbr\" or \"gpt\""},
+    {"diskSignature", "signature", ""},
+    {"uefi", "firmware", ": {\"kind\": \"uefi\"}"},
+    {"os", "system", ": {\"kind\": \"windows\"}"},
+};
+
 }  // namespace
 
 bool Source::Count(size_t values) {
-    constexpr size_t most = 10000;
     counted_ += values;
-    return counted_ <= most;
+    return counted_ <= mostValues;
 }
 
 void Source::Fail(const std::string& place, const std::string& what) const {
+    if (flaws_ != nullptr) throw Failure{{place, what}};
     throw DescriptionError(file_, place.empty() ? "top level" : place, what);
+}
+
+void Source::FailIn(const std::string& text, size_t offset, const std::string& what) const {
+    if (flaws_ != nullptr) throw Failure{{"", what, offset}};
+    const auto [line, column] = PositionOf(text, offset);
+    throw DescriptionError(file_, "line " + std::to_string(line) + ", column " + std::to_string(column),
+                           what);
+}
+
+void Source::Report(const std::string& place, const std::string& what) const {
+    if (flaws_ == nullptr) Fail(place, what);
+    flaws_->push_back({place, what});
+}
+
+bool Source::IsFlawed(std::string_view place) const {
+    return flaws_ != nullptr && std::any_of(flaws_->begin(), flaws_->end(),
+                                            [&](const Flaw& flaw) { return flaw.place.starts_with(place); });
 }
 
 bool Node::IsNull() const {
@@ -126,7 +173,7 @@ void Node::ExpectList() const {
 void Node::ExpectKeys(const std::vector<std::string>& known) const {
     for (const std::string& key : Keys()) {
         if (std::find(known.begin(), known.end(), key) == known.end())
-            Key(key).Fail("unknown key " + Unknown(key, known));
+            Key(key).Report("unknown key " + Unknown(key, known));
     }
 }
 
@@ -140,8 +187,12 @@ std::string PlaceOfEntry(const std::string& place, size_t index) {
 }
 
 std::string Unknown(const std::string& word, const std::vector<std::string>& known) {
-    const std::string nearest = Nearest(word, known);
     const std::string quoted = "\"" + word + "\"";
+    for (const UsualMistake& usual : usualMistakes) {
+        if (word == usual.word && std::find(known.begin(), known.end(), usual.key) != known.end())
+            return quoted + " (did you mean \"" + usual.key + "\"" + usual.example + "?)";
+    }
+    const std::string nearest = Nearest(word, known);
     return nearest.empty() ? quoted : quoted + " (did you mean \"" + nearest + "\"?)";
 }
 

@@ -19,17 +19,61 @@ struct WholeNumber {
     bool negative;
 };
 
+// What is wrong at a place: "disks[0].offset", or nothing for the outermost value.
+struct Flaw {
+    std::string place;
+    std::string what;
+    std::optional<size_t> offset = std::nullopt;  // in the text, if it is not JSON there
+};
+
 // The file of a description, and how much more it may hold: a few bytes can stand for much more memory.
 class Source {
   public:
     explicit Source(const std::string& file) : file_(file) {}
+    // Collects what is wrong, as far as it can go on from there, instead of failing at once.
+    Source(const std::string& file, std::vector<Flaw>& flaws) : file_(file), flaws_(&flaws) {}
 
     // Counts values of the file, and what follows from them; false if they are too many.
     bool Count(size_t values);
+    // What cannot be read any further; Try above it goes on behind.
     [[noreturn]] void Fail(const std::string& place, const std::string& what) const;
+    // What is no JSON at that offset of the text.
+    [[noreturn]] void FailIn(const std::string& text, size_t offset, const std::string& what) const;
+    // What is wrong without keeping anything from being read.
+    void Report(const std::string& place, const std::string& what) const;
+    // Reads a part, of which others do not depend.
+    template <typename Part>
+    void Try(Part part) const {
+        if (flaws_ == nullptr) return part();
+        try {
+            part();
+        } catch (Failure& failure) {
+            if (!std::exchange(failure.isCollected, true)) flaws_->push_back(failure.flaw);
+            if (counted_ > mostValues) throw;
+        }
+    }
+    // The whole, of a source that collects.
+    template <typename Whole>
+    void TryAll(Whole whole) const {
+        try {
+            Try(whole);
+        } catch (const Failure&) {  // collected by then
+            return;
+        }
+    }
+    // Whether something below that place is wrong.
+    bool IsFlawed(std::string_view place) const;
 
   private:
+    struct Failure {
+        Flaw flaw;
+        bool isCollected = false;
+    };
+
+    static constexpr size_t mostValues = 10000;
+
     const std::string& file_;
+    std::vector<Flaw>* const flaws_ = nullptr;
     size_t counted_ = 0;
 };
 
@@ -70,13 +114,18 @@ class Node {
     // Fail unless the value is of that kind.
     void ExpectObject() const;
     void ExpectList() const;
-    // Fails unless each key of the object is one of these.
+    // Reports each key of the object that is none of these.
     void ExpectKeys(const std::vector<std::string>& known) const;
     // Counts what follows from this value, beside the value itself.
     void Count(size_t values) const {
         if (!source_.Count(values)) Fail(tooManyValues);
     }
     [[noreturn]] void Fail(const std::string& what) const { source_.Fail(place_, what); }
+    void Report(const std::string& what) const { source_.Report(place_, what); }
+    template <typename Part>
+    void Try(Part part) const {
+        source_.Try(part);
+    }
 
   private:
     Node(const Json& value, Source& source, std::string place)
@@ -93,7 +142,8 @@ std::string PlaceOfKey(const std::string& place, const std::string& key);
 // "disks[0]".
 std::string PlaceOfEntry(const std::string& place, size_t index);
 
-// A word in quotes with the nearest known one: "ofset" (did you mean "offset"?).
+// A word in quotes with the known one that was meant: "ofset" (did you mean "offset"?), "active" (did you
+// mean "bootIndicator": 128?).
 std::string Unknown(const std::string& word, const std::vector<std::string>& known);
 
 }  // namespace machine::description

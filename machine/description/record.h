@@ -52,8 +52,8 @@ struct Key {
     bool suppliedByImage;
 };
 
-// Fails unless the value is an object with these keys only, none of them supplied by an image and no required
-// one missing.
+// Fails unless the value is an object; reports keys other than these, those supplied by an image, and
+// required ones that are missing.
 void ExpectKeys(const std::vector<Key>& keys, bool onImage, const Node& node);
 
 template <typename Record>
@@ -92,7 +92,8 @@ void ReadRecord(const RecordType<Record>& type, const Node& node, Record& record
     for (size_t index = 0; index < type.fields.size(); ++index) {
         if (index == type.leading && type.standard != nullptr) record = type.standard(record);
         const Field<Record>& field = type.fields[index];
-        if (node.Has(field.key)) field.access.read(node.Key(field.key), record);
+        if (!node.Has(field.key)) continue;
+        node.Try([&] { field.access.read(node.Key(field.key), record); });
     }
 }
 

@@ -43,8 +43,8 @@ std::map<std::string, Entry> ReadByName(const Node& node, Read read) {
     std::map<std::string, std::string> names;  // by upper-case name
     for (const auto& [key, entry] : node.Members()) {
         const auto [known, isNew] = names.try_emplace(UpperCase(key), key);
-        if (!isNew) entry.Fail("stands here already as \"" + known->second + "\"");
-        entries[key] = read(entry);
+        if (!isNew) entry.Report("stands here already as \"" + known->second + "\"");
+        node.Try([&, &key = key, &entry = entry] { entries[key] = read(entry); });
     }
     return entries;
 }

@@ -100,6 +100,7 @@ TEST(ReadDescription, TruncatedText_IsRefused) {
     const size_t whole = example.rfind('}') + 1;
     for (size_t length = 0; length < whole; ++length)
         EXPECT_THROW(ReadDescription(example.substr(0, length), "example.json"), DescriptionError) << length;
+    EXPECT_EQ(FindMistakes(example.substr(0, whole / 2)).size(), 1u);
 }
 
 // Changes one byte at a time: the text is either refused or read.
@@ -110,9 +111,12 @@ TEST(ReadDescription, DamagedText_IsReadOrRefused) {
     for (size_t at = 0; at < example.size(); ++at) {
         std::string damaged = example;
         damaged[at] = damage[at % damage.size()];
+        const bool isRight = FindMistakes(damaged).empty();
         try {
             ReadDescription(damaged, "example.json");
+            EXPECT_TRUE(isRight) << at;
         } catch (const DescriptionError&) {
+            EXPECT_FALSE(isRight) << at;
             ++refused;
         }
     }

@@ -23,6 +23,9 @@ int Recover(const CommandLine& line);
 int RepairTables(const CommandLine& line);
 int Undo(const CommandLine& line);
 
+// Descriptions of PCs.
+int Validate(const CommandLine& line);
+
 // What the program and its emulated PC come with.
 int ListOperations(const CommandLine& line);
 int ListPcs(const CommandLine& line);

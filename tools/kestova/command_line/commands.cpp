@@ -71,6 +71,7 @@ const std::vector<Command>& Commands() {
         {"undo", "BACKUP", "Take back what was changed on an image", 1, 1, true, false, Undo},
         {"repair-table", "", "Write a damaged GUID partition table anew from its good copy", 0, 0, true,
          false, RepairTables},
+        {"validate", "FILE...", "All mistakes in descriptions of PCs", 1, any, false, false, Validate},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},

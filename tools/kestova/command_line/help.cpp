@@ -82,6 +82,10 @@ const std::vector<CommandHelp>& CommandHelps() {
          "Writes both copies of a damaged GUID partition table anew from the good one, and its protective MBR.",
          {{"--image disk.img --dry-run repair-table", "what is wrong"},
           {"--image disk.img repair-table", "repair it"}}},
+        {"validate",
+         "Names everything that is wrong in files that describe a PC: file, line, column, place. Opens no image that "
+         "they name. Values that contradict each other are named where each of them is right by itself.",
+         {{"validate pc.json", ""}, {"validate *.json", "several, in one run"}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},
         {"calls",

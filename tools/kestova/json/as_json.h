@@ -17,6 +17,7 @@
 #include "tools/kestova/reports/switch_check.h"
 #include "tools/kestova/reports/table_repair.h"
 #include "tools/kestova/reports/undo.h"
+#include "tools/kestova/reports/validation.h"
 
 std::string AsJson(const StatusReport& status);
 std::string AsJson(const LettersReport& letters);
@@ -26,6 +27,7 @@ std::string AsJson(const OperationReport& report);
 std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const TableRepairReport& report);
 std::string AsJson(const UndoReport& report);
+std::string AsJson(const std::vector<ValidationReport>& reports);
 // {"error", "status"}: why the program ends with that status. In ASCII.
 std::string ErrorAsJson(const std::string& message, int status);
 

@@ -100,6 +100,18 @@ static Json ToJson(const machine::CallInfo& call) {
             {"codes", codes}};
 }
 
+static Json ToJson(const ValidationReport& report) {
+    Json mistakes = Json::array();
+    for (const machine::Mistake& mistake : report.mistakes)
+        mistakes.push_back({{"line", mistake.line},
+                            {"column", mistake.column},
+                            {"place", mistake.place},
+                            {"text", mistake.what}});
+    return {{"file", report.file},
+            {"problem", report.problem ? Json(*report.problem) : Json()},
+            {"mistakes", mistakes}};
+}
+
 template <typename List>
 static std::string Lines(const List& list) {
     std::string lines;
@@ -145,6 +157,10 @@ std::string AsJson(const std::vector<Operation>& operations) {
 
 std::string AsJson(const std::vector<machine::NamedMachine>& machines) {
     return Lines(machines);
+}
+
+std::string AsJson(const std::vector<ValidationReport>& reports) {
+    return Lines(reports);
 }
 
 std::string AsJson(std::span<const machine::CallInfo> calls) {

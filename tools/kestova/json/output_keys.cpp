@@ -188,6 +188,15 @@ constexpr OutputKey pcsKeys[] = {
     {"summary", "string", "what the machine is"},
 };
 
+constexpr OutputKey validateKeys[] = {
+    {"file", "string", "as it was named"},
+    {"problem", "string|null", "with which it cannot be read at all"},
+    {"mistakes[].line", "integer", "from 1"},
+    {"mistakes[].column", "integer", "from 1, in bytes"},
+    {"mistakes[].place", "string", "of the value; empty in text that is no JSON"},
+    {"mistakes[].text", "string", "what is wrong"},
+};
+
 constexpr OutputKey callsKeys[] = {
     {"call", "string", "for --fail"},
     {"failsWith", "string", "how it reports a failure"},
@@ -213,6 +222,7 @@ const std::vector<CommandOutput>& Outputs() {
         {"operations", {operationsKeys}},
         {"pcs", {pcsKeys}},
         {"calls", {callsKeys}},
+        {"validate", {validateKeys}},
     };
     return outputs;
 }

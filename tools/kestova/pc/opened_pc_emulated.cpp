@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <utility>
 
 #include "machine/description/description.h"
@@ -13,9 +12,9 @@
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
 #include "tools/kestova/common/errors.h"
-#include "tools/kestova/common/input_file.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/changes.h"
+#include "tools/kestova/pc/description_text.h"
 #include "tools/kestova/pc/fault_option.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/pc/opened_pc.h"
@@ -47,26 +46,6 @@ const NamedMachine* FindMachine(std::string_view name) {
     for (const NamedMachine& named : machine::NamedMachines())
         names.emplace_back(named.name);
     throw WrongUse("--pc: " + UnknownWord("machine or file", nameOrFile, names));
-}
-
-std::string ReadDescriptionText(const std::string& name) {
-    std::error_code error;
-    if (!fs::exists(name, error)) RefuseMissing(name);
-    std::ifstream file = OpenInput(name);
-    std::string text(largestDescription + 1, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (fs::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
-        throw UnreadablePc(name + ": cannot be read");
-    }
-    text.resize(static_cast<size_t>(file.gcount()));
-    if (text.size() > largestDescription) {
-        throw UnreadablePc(name + ": larger than 16 MiB, so no description; name a disk image with --image");
-    }
-    if (text.empty()) throw UnreadablePc(name + ": the description is empty");
-    if (text.find('\0') != std::string::npos) {
-        throw UnreadablePc(name + ": not UTF-8 text, so no description; name a disk image with --image");
-    }
-    return text;
 }
 
 // The paths of all images of the PC.
@@ -104,6 +83,8 @@ uint64_t ImageBytes(const Pc& pc) {
 
 // Image paths in a description are relative to its file.
 Pc ReadDescriptionFile(const std::string& name, const ImageUse& use) {
+    std::error_code error;
+    if (!fs::exists(name, error)) RefuseMissing(name);
     try {
         Pc pc = machine::ReadDescription(ReadDescriptionText(name), name);
         for (std::string* const image : ImagesOf(pc))

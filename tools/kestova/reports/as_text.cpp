@@ -177,6 +177,22 @@ std::string AsText(const std::vector<machine::NamedMachine>& machines) {
     return Table(rows, "");
 }
 
+static std::string MistakeText(const std::string& file, const machine::Mistake& mistake) {
+    return file + ":" + std::to_string(mistake.line) + ":" + std::to_string(mistake.column) + ": " +
+           (mistake.place.empty() ? "" : mistake.place + ": ") + mistake.what + "\n";
+}
+
+std::string AsText(const std::vector<ValidationReport>& reports) {
+    std::string text;
+    for (const ValidationReport& report : reports) {
+        if (report.IsValid()) text += report.file + ": no mistakes\n";
+        if (report.problem) text += *report.problem + "\n";
+        for (const machine::Mistake& mistake : report.mistakes)
+            text += MistakeText(report.file, mistake);
+    }
+    return text;
+}
+
 std::string AsText(std::span<const machine::CallInfo> calls) {
     Rows rows = {{"Call", "Fails with", "Changes the PC", "Documented codes"}};
     for (const machine::CallInfo& call : calls) {

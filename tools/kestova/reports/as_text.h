@@ -15,6 +15,7 @@
 #include "tools/kestova/reports/switch_check.h"
 #include "tools/kestova/reports/table_repair.h"
 #include "tools/kestova/reports/undo.h"
+#include "tools/kestova/reports/validation.h"
 
 // Remark and problem are left out: they belong on standard error.
 std::string AsText(const LettersReport& letters);
@@ -25,6 +26,7 @@ std::string AsText(const SwitchReport& report);
 std::string AsText(const OperationReport& report);
 std::string AsText(const RecoveryReport& report);
 std::string AsText(const TableRepairReport& report);
+std::string AsText(const std::vector<ValidationReport>& reports);
 std::string AsText(const UndoReport& report);
 // The line that names a backup.
 std::string BackupText(const std::string& file);

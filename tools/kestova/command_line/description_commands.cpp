@@ -1,0 +1,20 @@
+// The commands that work on descriptions of PCs as files.
+
+#include <algorithm>
+
+#include "tools/kestova/command_line/command_functions.h"
+#include "tools/kestova/command_line/run_on_pc.h"
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/reports/validation.h"
+
+namespace commands {
+
+int Validate(const CommandLine& line) {
+    std::vector<ValidationReport> reports;
+    for (const std::string& file : line.arguments)
+        reports.push_back(::Validate(file));
+    Show(line, reports);
+    return std::ranges::all_of(reports, &ValidationReport::IsValid) ? Done : UnreadablePcStatus;
+}
+
+}  // namespace commands

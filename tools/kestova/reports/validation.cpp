@@ -1,0 +1,15 @@
+#include "tools/kestova/reports/validation.h"
+
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/pc/description_text.h"
+#include "tools/kestova/pc/opened_pc.h"
+
+ValidationReport Validate(const std::string& file) {
+    ValidationReport report{.file = file};
+    try {
+        report.mistakes = machine::FindMistakes(ReadDescriptionText(file));
+    } catch (const UnreadablePc& problem) {
+        report.problem = problem.what();
+    }
+    return report;
+}
