@@ -150,8 +150,10 @@ void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
 void AttachImages(machine::Pc& pc, const machine::ImageUse& use) {
     try {
         machine::CheckEachIsNew(pc);
+        machine::ImageUse eachUse = use;
+        eachUse.mayBeBlank = pc.disks.size() > 1;
         for (machine::Disk& disk : pc.disks) {
-            if (!disk.image.empty()) machine::AttachImage(disk, use);
+            if (!disk.image.empty()) machine::AttachImage(disk, eachUse);
         }
         for (machine::Volume& volume : pc.volumes) {
             if (!volume.image.empty()) machine::AttachMedium(volume);
