@@ -52,6 +52,10 @@ ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& pat
       device_(std::move(device)),
       journal_(path, use.journal),
       backup_(path, use.backup) {
+    if (!Flaw().empty()) {
+        if (access_ != ImageAccess::Read) throw Error(Flaw());
+        AddNote(Flaw());
+    }
     if (access_ == ImageAccess::Write) {
         journal_.CheckPlace();
         backup_.CheckPlace();

@@ -125,6 +125,7 @@ bool HasTable(const ImageFile& image) {
 }
 
 std::string WhyNoDisk(const ImageFile& image) {
+    if (!image.Flaw().empty()) return image.Flaw();
     return IsDisk(image.Path()) ? "no partition table, so no partitioned disk"
                                 : "no partition table, so no disk image";
 }

@@ -83,6 +83,8 @@ TEST_F(ImageRefusalTest, FileWithoutDisk_Attach_IsRefused) {
     ExpectRefused(File("empty", ""), "an empty file, no disk image");
     ExpectRefused(File("text", "Dear customer,\n"),
                   "not a whole number of 512-byte sectors, so no disk image, or a truncated one");
+    ExpectRefused(File("letter", std::string(2000, 'x')),
+                  "not a whole number of 512-byte sectors, so no disk image, or a truncated one");
     ExpectRefused(File("zeros", std::string(1024 * 1024, '\0')), "no partition table, so no disk image");
     ExpectRefused(File("sector", std::string(512, 'x')), "no partition table, so no disk image");
 }

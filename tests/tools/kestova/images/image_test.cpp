@@ -199,6 +199,36 @@ TEST_F(Image, MissingOrShortImage_BootRecovery_IsRefused) {
     }
 }
 
+// A copy that ended in the middle of a sector.
+TEST_F(Image, TruncatedDump_Status_ShowsWhatIsThereAndChangesAreRefused) {
+    EXPECT_EQ(
+        Shell("truncate -s $((200 * 1024 * 1024 + 100)) disk.img && cp --sparse=always disk.img before.img")
+            .status,
+        0);
+    const std::string flaw =
+        "kestova: disk.img: not a whole number of 512-byte sectors, so no disk image, or a truncated one\n";
+
+    const Outcome status = Kestova("--image disk.img status");
+    EXPECT_EQ(status.status, 1);
+    EXPECT_EQ(
+        status.errors,
+        flaw +
+            "kestova: disk.img: partition 3 ends 74448896 bytes beyond the end of the file; the image is "
+            "truncated, or its table damaged\n"
+            "kestova: disk.img: partition 4 ends 103809024 bytes beyond the end of the file; the image is "
+            "truncated, or its table damaged\n"
+            "kestova: the volume E: cannot be read (error 1392)\n");
+    EXPECT_THAT(status.output, HasSubstr("Disk 0: 200.0 MiB, MBR, "));
+    EXPECT_THAT(status.output, HasSubstr(" Windows   NTFS         clean "));
+
+    for (const std::string words : {"boot recovery", "--dry-run boot recovery", "check", "recover"}) {
+        const Outcome refused = Kestova("--image disk.img " + words);
+        EXPECT_EQ(refused.status, 3) << words;
+        EXPECT_EQ(refused.errors, flaw) << words;
+        EXPECT_TRUE(AreSame(Folder() / "before.img", Folder() / "disk.img")) << words;
+    }
+}
+
 // A new disk in a PC, or a medium that was wiped.
 TEST_F(Image, BlankDiskBesideAnother_StatusAndBoot_WorkOnTheOther) {
     EXPECT_EQ(Shell("truncate -s 10M blank.img").status, 0);
