@@ -11,6 +11,7 @@
 namespace {
 
 using testing::Contains;
+using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
@@ -621,6 +622,8 @@ TEST_F(Help, NoPc_Version_NamesEachLibraryThatIsLinkedAndNoOther) {
         EXPECT_THAT(version.substr(version.find("Loaded when they are needed:")), HasSubstr(library));
         EXPECT_THAT(Shell("ldd '" KESTOVA_PROGRAM "'").output, Not(HasSubstr(library)));
     }
+    EXPECT_THAT(version, ContainsRegex("libstdc\\+\\+, libgcc +GPL-3.0-or-later WITH GCC-exception-3.1\n"));
+    EXPECT_THAT(version, ContainsRegex("libc +LGPL-2.1-or-later\n"));
     EXPECT_THAT(version, HasSubstr("CLI11"));
     EXPECT_THAT(version, HasSubstr("nlohmann-json"));
 }
