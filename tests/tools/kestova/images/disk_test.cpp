@@ -85,7 +85,9 @@ TEST_F(DiskOfThisComputer, WithoutTable_Status_IsNotCalledAnImage) {
 }
 
 TEST_F(DiskOfThisComputer, NobodyConfirms_BootRecovery_IsRefused) {
-    ExpectRefused("boot recovery", "a disk of this computer; --yes confirms that it is to be changed");
+    // The kernel's name of a loop device is the file that it is on.
+    ExpectRefused("boot recovery", "a disk of this computer; --yes confirms that it is to be changed (" +
+                                       (Folder() / "disk.img").string() + ", 300.0 MiB)");
     EXPECT_EQ(Kestova("--image " + disk_ + " --dry-run boot recovery").status, 0);
 }
 
