@@ -136,6 +136,15 @@ TEST_F(RepairTable, SectorSizeOfOtherDisks_Status_IsRefused) {
     EXPECT_THAT(outcome.errors, StartsWith("kestova: --sector-size: 512 or 4096, not 1024\n"));
 }
 
+TEST_F(RepairTable, SectorSizeWithoutImage_Status_IsRefused) {
+    for (const std::string pc : {"--pc factory-mbr", ""}) {
+        const Outcome outcome = Kestova(pc + " --sector-size 4096 status");
+        EXPECT_EQ(outcome.status, 2) << pc;
+        EXPECT_THAT(outcome.errors,
+                    StartsWith("kestova: --sector-size: it is for --image, and there is none\n"));
+    }
+}
+
 TEST_F(RepairTable, SectorSizeGiven_Status_CountsInIt) {
     EXPECT_EQ(
         Shell("truncate -s 40M large.img && echo 'start=256,size=512,type=7' | sfdisk --quiet large.img")
