@@ -5,6 +5,7 @@
 
 #include "machine/facts/extent_type.h"
 #include "machine/media/device/disk_identity.h"
+#include "machine/media/device/shell_word.h"
 #include "machine/media/image/image_file.h"
 #include "machine/media/table/gpt_repair.h"
 #include "machine/media/table/image_table.h"
@@ -80,7 +81,9 @@ void CheckMayChangeTable(ImageFile& image, const TableFindings& findings, bool m
     if (findings.problems.empty()) return;
     const std::string problem =
         findings.problems.front() +
-        (findings.canBeRepaired ? "; run `kestova repair-table` before it is changed" : "");
+        (findings.canBeRepaired
+             ? "; run `kestova --image " + ShellWord(image.Path()) + " repair-table` before it is changed"
+             : "");
     if (!mayBeDamaged) throw image.Error(problem);
     image.BarWrites(problem);
 }

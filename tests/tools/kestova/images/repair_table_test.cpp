@@ -45,7 +45,7 @@ TEST_F(RepairTable, DamagedTable_Change_IsRefusedUntilItIsRepaired) {
     const Outcome refused = Kestova("--image disk.img call DisableOrvoBootPartition");
     EXPECT_EQ(refused.status, 3);
     EXPECT_EQ(refused.errors, std::string("kestova: disk.img: ") + damage +
-                                  "; run `kestova repair-table` before it is changed\n");
+                                  "; run `kestova --image disk.img repair-table` before it is changed\n");
     EXPECT_TRUE(IsAsDamaged());
 
     EXPECT_EQ(Kestova("--image disk.img repair-table").status, 0);
