@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/picture/type_words.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ Cell SizeCell(const PartitionReport& partition, bool inBytes) {
     return {SizeWords(partition.size, inBytes)};
 }
 Cell TypeCell(const PartitionReport& partition, bool) {
-    return {partition.typeName};
+    return {TypeWords(partition)};
 }
 Cell NameCell(const PartitionReport& partition, bool) {
     return {NameText(partition.gptName)};
