@@ -4,6 +4,8 @@
 #include <memory>
 
 #include "machine/facts/extent_type.h"
+#include "machine/media/device/disk_identity.h"
+#include "machine/media/device/shell_word.h"
 #include "machine/media/image/image_file.h"
 #include "machine/media/table/gpt_repair.h"
 #include "machine/media/table/image_table.h"
@@ -79,17 +81,40 @@ void CheckMayChangeTable(ImageFile& image, const TableFindings& findings, bool m
     if (findings.problems.empty()) return;
     const std::string problem =
         findings.problems.front() +
-        (findings.canBeRepaired ? "; run `kestova repair-table` before it is changed" : "");
+        (findings.canBeRepaired
+             ? "; run `kestova --image " + ShellWord(image.Path()) + " repair-table` before it is changed"
+             : "");
     if (!mayBeDamaged) throw image.Error(problem);
     image.BarWrites(problem);
 }
 
+// A volume that an image consists of.
+struct SingleVolume {
+    std::string kind;    // "NTFS", "ISO 9660"
+    std::string option;  // which takes such a file; empty if none does
+};
+
+// Nothing for a medium with a table beside the volume, such as a stick that starts a rescue system.
+std::optional<SingleVolume> SingleVolumeOn(const std::shared_ptr<ImageFile>& image) {
+    const VolumeBytes whole(image, 0, image->Size());
+    const auto volume = FileSystemOf(whole, MediumKind::Disk);
+    if (volume && (volume->kind != "UDF" || !HasTable(*image))) {
+        const bool isRead = VolumeAt(image, *volume, 0, image->Size()).store != nullptr;
+        return SingleVolume{volume->kind, isRead ? "--stick" : ""};
+    }
+    if (HasTable(*image)) return std::nullopt;
+    const auto disc = FileSystemOf(whole, MediumKind::Disc);
+    if (!disc) return std::nullopt;
+    return SingleVolume{disc->kind == "CDFS" ? "ISO 9660" : disc->kind, "--disc"};
+}
+
 // The first sector of a volume has the same signature as a partition table.
 void CheckIsWholeDisk(const std::shared_ptr<ImageFile>& image) {
-    const auto fileSystem = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disk);
-    if (fileSystem)
-        throw image->Error("no partition table, so no disk image: the file holds a single " +
-                           fileSystem->kind + " volume");
+    const auto volume = SingleVolumeOn(image);
+    if (!volume) return;
+    const std::string what = IsDisk(image->Path()) ? ": the disk holds" : ": the file holds";
+    const std::string hint = volume->option.empty() ? "" : "; " + volume->option + " opens it";
+    throw image->Error(WhyNoDisk(*image) + what + " a single " + volume->kind + " volume" + hint);
 }
 
 bool Touches(const ImageChange& change, const Partition& partition) {
@@ -124,7 +149,12 @@ void AttachImage(Disk& disk, const ImageUse& use) {
     const auto image = std::make_shared<ImageFile>(disk.image, use);
     CheckIsWholeDisk(image);
     Disk attached = disk;
-    const TableFindings findings = ReadTable(*image, attached);
+    TableFindings findings;
+    if (use.mayBeBlank && !HasTable(*image)) {
+        ReadBlank(*image, attached);
+    } else {
+        findings = ReadTable(*image, attached);
+    }
     if (use.access != ImageAccess::Read) CheckMayChangeTable(*image, findings, use.mayBeDamaged);
     for (const std::vector<std::string>* const sentences : {&findings.problems, &findings.remarks}) {
         for (const std::string& sentence : *sentences)

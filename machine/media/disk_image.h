@@ -17,7 +17,7 @@ namespace machine {
 // drive type and whatever else an image does not contain come from the description.
 //
 // Throws ImageError with the disk and the file unchanged. Write and Overlay refuse a damaged table, or with
-// mayBeDamaged a change of that disk; an NTFS
+// mayBeDamaged a change of that disk; a disk without a table is refused unless mayBeBlank; an NTFS
 // volume in a wrong condition bars only changes of itself. Write locks the file as long as the disk or a copy
 // of it exists.
 void AttachImage(Disk& disk, const ImageUse& use);

@@ -1,4 +1,6 @@
 // Builds a PC from images only, and assigns the letters of its running system.
+#include <algorithm>
+
 #include "machine/facts/extent_type.h"
 #include "machine/facts/letters.h"
 #include "machine/facts/machines.h"
@@ -89,18 +91,21 @@ Pc PcOfImages(const std::vector<std::string>& paths, SystemKind system, const Im
     // boot.
     pc.switches.activeFlagIsExclusive = true;
     // The operations change the first disk alone: what is wrong with another, such as a stick, bars only
-    // that.
-    ImageUse further = use;
+    // that. So does a blank one, which alone would be a PC without anything to look at.
+    ImageUse first = use;
+    first.mayBeBlank = paths.size() > 1;
+    ImageUse further = first;
     further.mayBeDamaged = true;
     for (const std::string& path : paths) {
         CheckIsNew(pc, path);
         const auto number = static_cast<uint32_t>(pc.disks.size());
         Disk disk = SataDisk(number, 0, "IMAGE___________________________________", sataController);
         disk.image = path;
-        AttachImage(disk, pc.disks.empty() ? use : further);
+        AttachImage(disk, pc.disks.empty() ? first : further);
         pc.disks.push_back(std::move(disk));
     }
-    const bool isUefi = !pc.disks.empty() && pc.disks.front().style == PartitionStyle::Gpt;
+    const auto used = std::ranges::find_if(pc.disks, [](const Disk& disk) { return HasTable(disk); });
+    const bool isUefi = used != pc.disks.end() && used->style == PartitionStyle::Gpt;
     pc.firmware.kind = isUefi ? FirmwareKind::Uefi : FirmwareKind::Bios;
     AssignLetters(pc);
     pc.registry["HKLM\\SYSTEM\\MountedDevices"] = MountedDevicesOf(pc);

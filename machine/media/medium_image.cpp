@@ -6,6 +6,7 @@
 #include "machine/media/given_images.h"
 #include "machine/media/image/volume_bytes.h"
 #include "machine/media/table/image_table.h"
+#include "machine/media/table/mbr_entries.h"
 #include "machine/media/volumes/volume_image.h"
 
 namespace machine {
@@ -89,7 +90,7 @@ Volume StickOn(const SharedImage& image) {
         CheckIsReadable(image, volume, 0, image->Size());
         return volume;
     }
-    if (!HasTable(*image)) {
+    if (!HasTable(*image) || NamesWholeMedium(MbrSector(*image))) {
         const auto disc = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disc);
         throw image->Error(disc ? "a disc, not a stick" : noStick);
     }

@@ -14,7 +14,7 @@ folder=$(readlink -f "$folder")
 profile=$(mktemp -d)
 trap 'rm -rf "$profile"' EXIT
 
-"$tool" --quiet --pc winpe-media --overwrite report -o "$folder/page.html"
+SOURCE_DATE_EPOCH=1700000000 "$tool" --quiet --pc winpe-media --overwrite report -o "$folder/page.html"
 # A window is never as narrow as a phone, but a frame in it is.
 printf '%s\n' '<!DOCTYPE html><body style="margin:0"><iframe src="page.html" style="border:0;width:390px;height:1700px">' \
     '</iframe></body>' >"$folder/phone.html"

@@ -22,6 +22,8 @@ class BlockDevice {
     // Who else has it attached or locked, in words; empty if nobody is known to. Asked by those who only
     // read.
     virtual std::string OtherUser() const { return ""; }
+    // What is wrong with it as a whole, so that it may be read but not changed; empty if nothing is.
+    virtual std::string Flaw() const { return ""; }
     // All of the bytes, or false with errno set; false also for a range beyond the end.
     virtual bool Read(uint64_t offset, void* buffer, size_t length) const = 0;
     virtual bool Write(uint64_t offset, const void* bytes, size_t length) = 0;

@@ -1,8 +1,6 @@
 #include "machine/media/device/disk_user.h"
 
 #include <fcntl.h>
-#include <linux/loop.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -11,8 +9,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "machine/media/device/descriptor.h"
 #include "machine/media/device/first_line.h"
+#include "machine/media/device/in_use.h"
 
 namespace machine {
 
@@ -111,19 +109,12 @@ std::string HolderOf(const Part& part) {
     return "";
 }
 
-// On a part of the disk as on any file. The devices are asked themselves, since a rescue system can lack
-// sysfs.
+// On a part of the disk as on any file.
 std::string LoopOn(const Part& part) {
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator("/dev", error)) {
-        if (!entry.path().filename().string().starts_with("loop") || !entry.is_block_file(error)) continue;
-        const Descriptor loop(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-        loop_info64 info = {};
-        if (loop && ioctl(loop.Number(), LOOP_GET_STATUS64, &info) == 0 &&
-            Numbers(info.lo_rdevice) == part.numbers)
-            return "the loop device " + entry.path().string() + " is on " + part.node;
-    }
-    return "";
+    struct stat status = {};
+    if (stat(part.node.c_str(), &status) != 0) return "";
+    const std::string loop = LoopDeviceOn(status);
+    return loop.empty() ? "" : "the loop device " + loop + " is on " + part.node;
 }
 
 // "flags:	0100002", octal; the last two bits are zero for reading only.

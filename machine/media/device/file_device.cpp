@@ -58,10 +58,13 @@ void FileDevice::Check(const std::string& path, uint64_t bytesAfterDisk) {
     if (!S_ISREG(status.st_mode)) throw ImageError(path + ": not a regular file");
     size_ = static_cast<uint64_t>(status.st_size) - bytesAfterDisk;
     if (size_ == 0) throw ImageError(path + ": an empty file, no disk image");
-    if (size_ % diskSectorSize != 0) {
-        throw ImageError(path +
-                         ": not a whole number of 512-byte sectors, so no disk image, or a truncated one");
-    }
+    isWhole_ = size_ % diskSectorSize == 0;
+    size_ -= size_ % diskSectorSize;
+    if (size_ == 0) throw ImageError(path + ": " + Flaw());
+}
+
+std::string FileDevice::Flaw() const {
+    return isWhole_ ? "" : "not a whole number of 512-byte sectors, so no disk image, or a truncated one";
 }
 
 bool FileDevice::Read(uint64_t offset, void* buffer, size_t length) const {

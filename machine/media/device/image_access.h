@@ -39,6 +39,8 @@ struct ImageUse {
     std::optional<uint32_t> sectorSize = std::nullopt;
     // Whether a disk with a damaged table is opened for changes of other disks; those of itself are refused.
     bool mayBeDamaged = false;
+    // Whether a disk without a partition table is opened, as one beside others.
+    bool mayBeBlank = false;
     // Called before a change is written to the image, or one that was interrupted is ended on it.
     std::function<void()> beforeWriting = [] {};
 };

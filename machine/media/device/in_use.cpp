@@ -24,30 +24,25 @@ namespace fs = std::filesystem;
 
 constexpr const char* hasWriter = "another program has opened it for writing";
 
-bool IsSameFile(const struct stat& left, const struct stat& right) {
+bool IsSame(const struct stat& left, const struct stat& right) {
+    if (S_ISBLK(left.st_mode)) return S_ISBLK(right.st_mode) && left.st_rdev == right.st_rdev;
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
-// By the path that the kernel shows everybody, or, where the path means nothing here, by what it answers
-// those who may open the device.
-bool IsBehind(const struct stat& file, const std::string& name, const std::string& backing) {
-    struct stat status = {};
-    if (stat(backing.c_str(), &status) == 0 && IsSameFile(status, file)) return true;
-    const Descriptor loop(open(("/dev/" + name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    loop_info64 info = {};
-    return loop && ioctl(loop.Number(), LOOP_GET_STATUS64, &info) == 0 && info.lo_device == file.st_dev &&
-           info.lo_inode == file.st_ino;
+bool IsSame(const struct stat& backing, const loop_info64& info) {
+    if (S_ISBLK(backing.st_mode)) return info.lo_rdevice == backing.st_rdev;
+    return info.lo_device == backing.st_dev && info.lo_inode == backing.st_ino;
 }
 
-std::string LoopDevice(const struct stat& file) {
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator("/sys/block", error)) {
-        const std::string name = entry.path().filename();
-        const std::string backing = FirstLine(entry.path() / "loop" / "backing_file");
-        if (!backing.empty() && IsBehind(file, name, backing))
-            return "the loop device /dev/" + name + " is on it";
-    }
-    return "";
+// By the path that the kernel shows everybody, or, where that means nothing here or there is no sysfs, by
+// what it answers those who may open the device.
+bool IsBehind(const struct stat& backing, const std::string& name) {
+    const std::string path = FirstLine(fs::path("/sys/block") / name / "loop" / "backing_file");
+    struct stat status = {};
+    if (!path.empty() && stat(path.c_str(), &status) == 0 && IsSame(backing, status)) return true;
+    const Descriptor loop(open(("/dev/" + name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    loop_info64 info = {};
+    return loop && ioctl(loop.Number(), LOOP_GET_STATUS64, &info) == 0 && IsSame(backing, info);
 }
 
 struct flock WholeFile(short kind) {
@@ -83,11 +78,22 @@ ImageError InUse(const std::string& path, const std::string& user) {
     return ImageError(path + ": in use: " + user);
 }
 
+std::string LoopDeviceOn(const struct stat& backing) {
+    std::error_code error;
+    for (const char* const folder : {"/sys/block", "/dev"}) {
+        for (const auto& entry : fs::directory_iterator(folder, error)) {
+            const std::string name = entry.path().filename();
+            if (name.starts_with("loop") && IsBehind(backing, name)) return "/dev/" + name;
+        }
+    }
+    return "";
+}
+
 std::string KnownUser(int descriptor) {
     struct stat status = {};
     if (fstat(descriptor, &status) != 0) return "";
-    const std::string loop = LoopDevice(status);
-    return loop.empty() ? HolderOfLock(descriptor) : loop;
+    const std::string loop = LoopDeviceOn(status);
+    return loop.empty() ? HolderOfLock(descriptor) : "the loop device " + loop + " is on it";
 }
 
 void RefuseIfInUse(int descriptor, const std::string& path) {

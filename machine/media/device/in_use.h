@@ -1,6 +1,8 @@
 // Who else uses an image file, as far as the kernel shows it.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <string>
 
 #include "machine/media/device/image_access.h"
@@ -9,6 +11,9 @@ namespace machine {
 
 // The error of an image that has such a user.
 ImageError InUse(const std::string& path, const std::string& user);
+
+// The loop device that is on the file or disk: "/dev/loop3". Empty if none is known.
+std::string LoopDeviceOn(const struct stat& backing);
 
 // Who has attached or locked the file: "the loop device /dev/loop3 is on it". Empty if nobody is known to.
 // Disturbs nobody. The descriptor may be open for reading only.

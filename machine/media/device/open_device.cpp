@@ -49,10 +49,13 @@ void PrepareToOpenAny() {
     PrepareEwf();
 }
 
+std::string NotConfirmed(const std::string& path) {
+    return path + ": a disk of this computer; --yes confirms that it is to be changed";
+}
+
 std::unique_ptr<BlockDevice> OpenDevice(const std::string& path, bool forWriting, bool changesDisks) try {
     if (IsDisk(path)) {
-        if (forWriting && !changesDisks)
-            throw ImageError(path + ": a disk of this computer; --yes confirms that it is to be changed");
+        if (forWriting && !changesDisks) throw ImageError(NotConfirmed(path));
         return std::make_unique<DiskDevice>(path, forWriting);
     }
     const ImageFormat format = FormatOf(path);

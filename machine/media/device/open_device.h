@@ -15,6 +15,9 @@ namespace machine {
 void PrepareToOpen(const std::vector<std::string>& paths);
 void PrepareToOpenAny();
 
+// The error of a disk of this computer that is to be changed, which nobody has confirmed.
+std::string NotConfirmed(const std::string& path);
+
 // By what the file is. Throws ImageError; also for writing to a disk of this computer unless the user has
 // confirmed that.
 std::unique_ptr<BlockDevice> OpenDevice(const std::string& path, bool forWriting, bool changesDisks);

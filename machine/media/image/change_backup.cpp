@@ -63,7 +63,11 @@ std::string ImageOfBackup(const std::string& backup) {
 
 ChangesOfImage ReadBackup(const std::string& path) {
     ReadChanges read = ReadChangeFile(path, backupMagic);
-    if (read.state == ChangeFileState::Unreadable) throw ImageError(path + ": cannot be read");
+    if (read.state == ChangeFileState::Unreadable) {
+        std::error_code error;
+        throw ImageError(path + (fs::exists(path, error) ? ": cannot be read"
+                                                         : ": cannot be read: there is no such file"));
+    }
     if (read.state == ChangeFileState::Damaged || read.content.changes.size() > 2)
         throw ImageError(path + ": no backup of a change, or a damaged one");
     return std::move(read.content);

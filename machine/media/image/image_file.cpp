@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "machine/media/device/open_device.h"
+#include "machine/media/device/shell_word.h"
 
 namespace machine {
 
@@ -38,6 +39,13 @@ class SignalsWait {
     struct sigaction lengthLimit_ = {};
 };
 
+// The command that ends a change which that journal keeps.
+std::string RecoverCommand(const std::string& image, const std::string& journal) {
+    const bool isUsual = journal == JournalBeside(image);
+    return "kestova --image " + ShellWord(image) + (isUsual ? "" : " --journal " + ShellWord(journal)) +
+           " recover";
+}
+
 }  // namespace
 
 ImageFile::ImageFile(const std::string& path, const ImageUse& use)
@@ -52,6 +60,10 @@ ImageFile::ImageFile(std::unique_ptr<BlockDevice> device, const std::string& pat
       device_(std::move(device)),
       journal_(path, use.journal),
       backup_(path, use.backup) {
+    if (!Flaw().empty()) {
+        if (access_ != ImageAccess::Read) throw Error(Flaw());
+        AddNote(Flaw());
+    }
     if (access_ == ImageAccess::Write) {
         journal_.CheckPlace();
         backup_.CheckPlace();
@@ -206,9 +218,8 @@ std::string ImageFile::Written(const ImageChange& change) {
     }
     if (journal_.Path().empty())
         return problem + "; what had been written could not be taken back either: the image is damaged";
-    return problem +
-           "; what had been written could not be taken back either: run `kestova recover` once the medium can be "
-           "written";
+    return problem + "; what had been written could not be taken back either: run `" +
+           RecoverCommand(path_, journal_.Path()) + "` once the medium can be written";
 }
 
 // What a program before this one left half written.
@@ -224,10 +235,9 @@ void ImageFile::Settle(const ChangeJournal& journal) {
     recovered_ = isWhole ? Recovery::Finished : Recovery::TakenBack;
     if (access_ != ImageAccess::Write) {
         Show(*change, isWhole ? &ChangedRun::after : &ChangedRun::before);
-        AddNote(
-            std::string(
-                "a change was interrupted; the image is shown as it will be once `kestova recover` has ") +
-            (isWhole ? "finished it" : "taken it back"));
+        AddNote("a change was interrupted; the image is shown as it will be once `" +
+                RecoverCommand(path_, journal.Path()) + "` has " +
+                (isWhole ? "finished it" : "taken it back"));
         return;
     }
     beforeWriting_();

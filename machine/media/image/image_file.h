@@ -35,6 +35,8 @@ class ImageFile final : public Medium {
     const std::string& Path() const { return path_; }
     ImageAccess Access() const { return access_; }
     uint64_t Size() const { return device_->Size(); }  // bytes
+    // Why it is not changed, as a whole; empty if it may be.
+    std::string Flaw() const { return device_->Flaw(); }
     // What the user or the device says; nothing if neither does.
     std::optional<uint32_t> SectorSize() const { return sectorSize_; }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "machine/media/device/disk_identity.h"
 #include "machine/media/device/little_endian.h"
 #include "machine/media/device/store_errors.h"
 #include "machine/media/table/gpt_table.h"
@@ -123,11 +124,22 @@ bool HasTable(const ImageFile& image) {
     return !MbrSector(image).empty() || IsGpt(image);
 }
 
-TableFindings ReadTable(const ImageFile& image, Disk& disk) {
-    if (!HasTable(image)) throw image.Error("no partition table, so no disk image");
+std::string WhyNoDisk(const ImageFile& image) {
+    if (!image.Flaw().empty()) return image.Flaw();
+    return IsDisk(image.Path()) ? "no partition table, so no partitioned disk"
+                                : "no partition table, so no disk image";
+}
+
+void ReadBlank(const ImageFile& image, Disk& disk) {
     disk.size = image.Size();
     disk.sectorSize = static_cast<uint32_t>(SectorSizeOf(image));
+    disk.style = PartitionStyle::Unknown;
     disk.partitions.clear();
+}
+
+TableFindings ReadTable(const ImageFile& image, Disk& disk) {
+    if (!HasTable(image)) throw image.Error(WhyNoDisk(image));
+    ReadBlank(image, disk);
     return IsGpt(image) ? ReadGpt(image, disk) : ReadMbr(image, disk);
 }
 

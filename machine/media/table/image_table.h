@@ -26,6 +26,12 @@ struct TableFindings {
 // Whether the image has a partition table that Windows knows, valid or not.
 bool HasTable(const ImageFile& image);
 
+// Why an image without one is not taken for a disk, without a full stop.
+std::string WhyNoDisk(const ImageFile& image);
+
+// Sets the facts of a disk without a partition table: its size and that of its sectors.
+void ReadBlank(const ImageFile& image, Disk& disk);
+
 // Sets the disk's size, style, signature or GUID, and its partitions without their volumes. They are
 // numbered as in Windows: used entries from 1, logical partitions after the primary ones, without the
 // extended partition. A table that is damaged in part is read as far as it can be. Throws ImageError if there

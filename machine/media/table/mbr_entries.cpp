@@ -63,6 +63,14 @@ std::string MbrSector(const ImageFile& image) {
     return TableSectorAt(image, 0);
 }
 
+bool NamesWholeMedium(const std::string& mbrSector) {
+    for (size_t slot = 0; slot < mbrSlots && !mbrSector.empty(); ++slot) {
+        const MbrEntry entry = EntryOf(mbrSector, 0, slot, 0, diskSectorSize);
+        if (entry.type != mbrUnused && entry.offset == 0) return true;
+    }
+    return false;
+}
+
 MbrEntries MbrEntriesOf(const ImageFile& image, uint64_t sectorSize) {
     const std::string sector = MbrSector(image);
     MbrEntries found;

@@ -50,6 +50,10 @@ struct MbrEntries {
 // The first sector of the image; empty if that is not an MBR, or cannot be read.
 std::string MbrSector(const ImageFile& image);
 
+// Whether the MBR has an entry that begins with the medium itself. Writers of UDF and of bootable discs put
+// such a table before a volume of the whole medium, for systems that expect one.
+bool NamesWholeMedium(const std::string& mbrSector);
+
 // None without an MBR. The table counts in sectors of that size.
 MbrEntries MbrEntriesOf(const ImageFile& image, uint64_t sectorSize);
 

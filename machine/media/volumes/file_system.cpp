@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "machine/api/text/oem_code_page.h"
+#include "machine/media/table/mbr_entries.h"
 #include "machine/media/volumes/exfat_volume.h"
 #include "machine/media/volumes/fat_volume.h"
 #include "machine/media/volumes/iso_volume.h"
@@ -60,10 +61,11 @@ Label UdfLabel(const VolumeBytes& bytes) {
 }
 
 // Its blocks are the sectors of the disk, which are never those of a disc. Behind a partition table it is
-// left over from an earlier use of the disk.
+// left over from an earlier use of the disk, unless the table is of the whole medium.
 Label UdfOnDiskLabel(const VolumeBytes& bytes) {
     const auto sector = bytes.Read(0, diskSectorSize);
-    if (!sector || Le16(*sector, 510) == 0xAA55 || !IsNamedUdf(bytes)) return std::nullopt;
+    if (!sector || !IsNamedUdf(bytes)) return std::nullopt;
+    if (Le16(*sector, 510) == 0xAA55 && !NamesWholeMedium(*sector)) return std::nullopt;
     const UdfVolume volume(bytes);
     return volume.BlockSize() == 512 || volume.BlockSize() == 4096 ? volume.Label() : std::nullopt;
 }

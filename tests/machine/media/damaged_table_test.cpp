@@ -51,8 +51,8 @@ class DamagedTableTest : public ImageTest {
     // The same of a GUID partition table, of which a good copy is there; then mends it, and expects that
     // other programs find nothing wrong and the same partitions as on the disk that it was copied from.
     void ExpectShownAndMended(const std::string& image, const std::vector<std::string>& problems) {
-        const Disk shown =
-            ExpectShownOnly(image, problems, "; run `kestova repair-table` before it is changed");
+        const Disk shown = ExpectShownOnly(
+            image, problems, "; run `kestova --image " + image + " repair-table` before it is changed");
         const Disk whole = Attach(FactoryGptImage("whole.img"));
         EXPECT_EQ(PartitionsWithoutVolumes(shown), PartitionsWithoutVolumes(whole));
 

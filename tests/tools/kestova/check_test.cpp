@@ -78,7 +78,7 @@ TEST_F(Check, EachRecoveryFileMissing_Check_NamesIt) {
         ExpectRefused(
             "Recovery files         no   " + found, 3,
             found +
-                "of the factory's recovery partition to it; `kestova files 1:\\sources` lists what is "
+                "of the factory's recovery partition to it; `kestova --pc pc.json files 1:/sources` lists what is "
                 "there");
         EXPECT_THAT(
             Kestova("--pc pc.json check").output,

@@ -36,6 +36,25 @@ TEST_F(Completion, BeginningOfAWord_IsOfferedWhatFitsItsPlace) {
     EXPECT_EQ(Words("--journ"), "--journal\n");
 }
 
+TEST_F(Completion, ListOfColumns_IsOfferedThoseThatItLacks) {
+    EXPECT_EQ(Words("status --columns s"), "slot start size\n");
+    EXPECT_EQ(Words("status --columns label,s"), "label,slot label,start label,size\n");
+    EXPECT_EQ(Words("status --columns size,slot,s"), "size,slot,start\n");
+    EXPECT_EQ(Words("status --columns nonsense,z"), "\n");
+}
+
+// bash makes three words of it.
+TEST_F(Completion, ValueBehindEquals_IsOfferedAsBehindABlank) {
+    EXPECT_EQ(Words("report --format ''"), "html markdown\n");
+    EXPECT_EQ(Words("report --format=m"), "--format=markdown\n");
+    EXPECT_EQ(Words("report --format="), "--format=html --format=markdown\n");
+    EXPECT_EQ(Words("status --columns=size,hid"), "--columns=size,hidden --columns=size,hide\n");
+    EXPECT_EQ(Words("report --format ="), "html markdown\n");
+    EXPECT_EQ(Words("report --format = m"), "markdown\n");
+    EXPECT_EQ(Words("--pc = factory-mbr boot r"), "recovery\n");
+    EXPECT_EQ(Words("--image="), "\n");
+}
+
 // The shell offers files instead, or has nothing to offer.
 TEST_F(Completion, FileOrNumber_IsOfferedNothing) {
     for (const std::string words : {"--image ''", "undo ''", "call GetDriveLetter ''", "boot recovery ''",
@@ -64,6 +83,12 @@ TEST_F(Completion, Bash_CompletesWordsAndFiles) {
                                  "_kestova kestova r boot\necho \"${COMPREPLY[@]}\"\n")
                   .output,
               "recovery\n");
+    EXPECT_EQ(In("bash", begin + "COMP_WORDS=(kestova report --format = m) COMP_CWORD=4\n"
+                                 "_kestova kestova m =\necho \"${COMPREPLY[@]}\"\n"
+                                 "COMP_WORDS=(kestova report --format =) COMP_CWORD=3\n"
+                                 "_kestova kestova '' --format\necho \"${COMPREPLY[@]}\"\n")
+                  .output,
+              "markdown\nhtml markdown\n");
     EXPECT_EQ(In("bash", begin + "complete -p kestova\n").output,
               "complete -o bashdefault -o default -F _kestova kestova\n");
 }
@@ -71,12 +96,14 @@ TEST_F(Completion, Bash_CompletesWordsAndFiles) {
 // As its completion system calls the function, which cannot be without a terminal.
 TEST_F(Completion, Zsh_CompletesWordsAndFiles) {
     const std::string begin =
-        "compdef() { print \"$@\" }\n_describe() { print -l \"${(@P)2}\" }\n_files() { print files }\n"
+        "compdef() { print \"$@\" }\n_describe() { print -rl -- \"${(@P)2}\" }\n_files() { print files }\n"
         "eval \"$(kestova completion zsh)\"\n";
     EXPECT_EQ(In("zsh", begin + "words=(kestova boot sys) CURRENT=3\n_kestova\n").output,
               "_kestova kestova\nsystem:\n");
     EXPECT_EQ(In("zsh", begin + "words=(kestova stat) CURRENT=2\n_kestova\n").output,
               "_kestova kestova\nstatus:What this PC is\n");
+    EXPECT_EQ(In("zsh", begin + "words=(kestova report --format=m) CURRENT=3\n_kestova\n").output,
+              "_kestova kestova\n--format=markdown:\n");
     EXPECT_EQ(In("zsh", begin + "words=(kestova --image '') CURRENT=3\n_kestova\n").output,
               "_kestova kestova\nfiles\n");
 }
@@ -85,6 +112,8 @@ TEST_F(Completion, Fish_CompletesWordsAndFiles) {
     const std::string begin = "kestova completion fish | source\n";
     EXPECT_EQ(In("fish", begin + "complete --do-complete 'kestova --pc factory-mbr stat'\n").output,
               "status\tWhat this PC is\n");
+    EXPECT_EQ(In("fish", begin + "complete --do-complete 'kestova report --format=m'\n").output,
+              "--format=markdown\n");
     EXPECT_THAT(In("fish", begin + "complete --do-complete 'kestova --image fi'\n").output,
                 HasSubstr("file.img"));
     EXPECT_THAT(In("fish", begin + "complete --do-complete 'kestova boot '\n").output,

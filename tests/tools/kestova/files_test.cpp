@@ -51,6 +51,13 @@ TEST_F(Files, EverySpellingOfAPlace_Files_AreTheSame) {
     EXPECT_EQ(Kestova("--pc winpe-two-disks files 1:").output, root);
 }
 
+TEST_F(Files, FileTypedInOtherCase_Files_HasTheNameThatIsStored) {
+    EXPECT_EQ(Kestova("--pc factory-mbr --hash files 1:/SOURCES/qelhdrcv.INI").output,
+              Kestova("--pc factory-mbr --hash files 1:/sources/Qelhdrcv.ini").output);
+    EXPECT_THAT(Kestova("--pc factory-mbr --json files 1:/sources/BOOT.WIM").output,
+                HasSubstr(R"("entries":[{"name":"boot.wim",)"));
+}
+
 TEST_F(Files, PartOfThePathMissing_Files_NameTheFirst) {
     ExpectMessage("1:\\sources\\nix\\x", "there is no \"nix\" in 1:\\sources");
     ExpectMessage("C:\\nix", "there is no \"nix\" in C:\\");

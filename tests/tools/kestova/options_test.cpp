@@ -11,6 +11,7 @@
 namespace {
 
 using testing::Contains;
+using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
@@ -102,6 +103,10 @@ const Mistake mistakes[] = {
     {"SaveEmpty", "--save '' status", 2, "--save: the value is empty\n"},
     {"ImageEmpty", "--image '' status", 2, "--image: the value is empty\n"},
     {"PcTwice", "--pc a --pc b status", 2, "--pc can be given only once\n"},
+    {"PcWithNothingBehindEquals", "--pc= factory-mbr status", 2, "--pc= needs a value\n"},
+    {"ImageWithNothingBehindEquals", "--image= disk.img status", 2, "--image= needs a value\n"},
+    {"SaveWithNothingBehindEquals", "status --save= --quiet", 2, "--save= needs a value\n"},
+    {"FormatWithNothingBehindEquals", "report --format=", 2, "--format= needs a value\n"},
     {"PcWithoutValue", "status --pc", 2, "--pc needs a value\n"},
     {"PcsOfAPc", "--pc factory-mbr pcs", 2, "pcs does not use --pc\n"},
     {"CallsOfAPc", "--pc factory-mbr calls", 2, "calls does not use --pc\n"},
@@ -622,6 +627,8 @@ TEST_F(Help, NoPc_Version_NamesEachLibraryThatIsLinkedAndNoOther) {
         EXPECT_THAT(version.substr(version.find("Loaded when they are needed:")), HasSubstr(library));
         EXPECT_THAT(Shell("ldd '" KESTOVA_PROGRAM "'").output, Not(HasSubstr(library)));
     }
+    EXPECT_THAT(version, ContainsRegex("libstdc\\+\\+, libgcc +GPL-3.0-or-later WITH GCC-exception-3.1\n"));
+    EXPECT_THAT(version, ContainsRegex("libc +LGPL-2.1-or-later\n"));
     EXPECT_THAT(version, HasSubstr("CLI11"));
     EXPECT_THAT(version, HasSubstr("nlohmann-json"));
 }
@@ -651,6 +658,20 @@ TEST_F(Help, Boot_Help_HasItsResultsAndOnlyOptionsWithAnEffect) {
     EXPECT_THAT(status, Not(HasSubstr("--trace")));
     EXPECT_THAT(status, HasSubstr("  --image FILE "));
     EXPECT_THAT(Kestova("help pcs").output, Not(HasSubstr("--image")));
+}
+
+// Those that only a change obeys are for other commands; check and report try a change.
+TEST_F(Help, Questions_Help_HasNoOptionsOfChanges) {
+    for (const std::string command : {"status", "letters", "files", "check", "report"}) {
+        const std::string help = Kestova("help " + command).output;
+        for (const std::string option : {"--backup", "--no-backup", "--no-journal", "--yes"})
+            EXPECT_THAT(help, Not(HasSubstr("  " + option + " "))) << command;
+        EXPECT_THAT(help, HasSubstr("  --journal FILE "));
+        EXPECT_EQ(help.find("  --force-dirty ") != std::string::npos,
+                  command == "check" || command == "report");
+    }
+    EXPECT_THAT(Kestova("help boot").output, HasSubstr("  --no-backup "));
+    EXPECT_EQ(Kestova("--pc factory-mbr --yes status").status, 0);
 }
 
 TEST_F(Help, UnknownCommand_Help_SuggestsTheNearest) {

@@ -228,12 +228,15 @@ std::vector<std::string> PlainLines(const std::string& shown) {
 }
 
 TEST_F(Picture, TerminalOfAnyWidth_Status_FitsAndCutsNoNumber) {
-    for (const size_t columns : {70U, 80U, 100U, 132U, 200U}) {
+    for (const size_t columns : {40U, 60U, 70U, 80U, 100U, 132U, 200U}) {
         std::string text;
         for (const std::string& line : PlainLines(OnTerminal(columns, "--pc pc.json status"))) {
             EXPECT_LE(DisplayWidth(line), columns) << line;
             text += line + "\n";
         }
+        EXPECT_THAT(text, HasSubstr(" Condition  ")) << columns;
+        EXPECT_THAT(text, HasSubstr(" BitLocker  ")) << columns;
+        if (columns < 60) continue;
         for (const char* const number : {"100.0 GiB", "10.0 GiB", "80.0 GiB", "1023.0 MiB"})
             EXPECT_THAT(text, HasSubstr(number)) << columns;
     }

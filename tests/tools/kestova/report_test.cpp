@@ -10,6 +10,7 @@
 
 namespace {
 
+using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
@@ -17,6 +18,10 @@ using testing::StartsWith;
 
 class Report : public ProgramTest {
   protected:
+    // At the same time, what is made of the same PC is the same.
+    Report() { setenv("SOURCE_DATE_EPOCH", "1700000000", 1); }
+    ~Report() override { unsetenv("SOURCE_DATE_EPOCH"); }
+
     std::string Page(const std::string& words) {
         const Outcome outcome = Kestova(words + " report -o -");
         EXPECT_EQ(outcome.errors, "");
@@ -64,6 +69,34 @@ TEST_F(Report, FactoryMbr_Page_NeedsNothingFromElsewhereAndCanBeReadAloud) {
          "<li>Kestova::Kestova Start</li>"})
         EXPECT_THAT(page, HasSubstr(part));
     EXPECT_THAT(page, EndsWith("</html>\n"));
+}
+
+TEST_F(Report, ImagesInFolders_Report_HasTheirNamesAndTheTimeOfMaking) {
+    Shell("mkdir cases");
+    Describe("Windows", "Windows");
+    EXPECT_EQ(Shell("mv pc.json cases/pc-of-a-customer.json").status, 0);
+    const std::string made = "Made by kestova " KESTOVA_VERSION " at " +
+                             Shell("date --utc --date=@1700000000 +%Y-%m-%dT%H:%M:%SZ | tr -d '\n'").output;
+
+    EXPECT_THAT(Kestova("--pc cases/pc-of-a-customer.json report -o -").output,
+                HasSubstr("<p>" + made + " of pc-of-a-customer.json. Nothing was changed.</p>\n"));
+    EXPECT_THAT(
+        Kestova("--pc cases/pc-of-a-customer.json --format markdown report").output,
+        StartsWith("# Kestova report\n\n" + made + " of pc-of-a-customer.json. Nothing was changed.\n"));
+    EXPECT_THAT(Kestova("report -o -").output, HasSubstr("<p>" + made + ". Nothing was changed.</p>\n"));
+    unsetenv("SOURCE_DATE_EPOCH");
+    EXPECT_THAT(Kestova("report -o -").output,
+                ContainsRegex("Made by kestova [0-9.]+ at 20[0-9-]+T[0-9:]+Z\\. "));
+}
+
+TEST_F(Report, NoTimeOfMaking_Report_IsWrongUse) {
+    for (const std::string time : {"yesterday", "-1", "1 ", "253402300800", "99999999999999999999"}) {
+        const Outcome outcome = Shell("SOURCE_DATE_EPOCH='" + time + "' '" KESTOVA_PROGRAM "' report -o -");
+        EXPECT_EQ(outcome.status, 2) << time;
+        EXPECT_THAT(
+            outcome.errors,
+            StartsWith("kestova: SOURCE_DATE_EPOCH: a number of seconds since 1970, not " + time + "\n"));
+    }
 }
 
 TEST_F(Report, TinyPartition_Drawing_IsWideEnoughAndTheWholeFits) {

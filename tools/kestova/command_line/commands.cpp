@@ -28,6 +28,11 @@ constexpr OptionUser notUsedBy[] = {{"--json", Report},    {"--dry-run", Check},
                                     {"--ledger", Recover}, {"--ledger", RepairTables}, {"--ledger", Undo},
                                     {"--ledger", Report}};
 
+constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
+                                           "--force-dirty"};
+
+constexpr OptionUser rehearsedBy[] = {{"--force-dirty", Check}, {"--force-dirty", Report}};
+
 bool IsIn(std::span<const OptionUser> table, const Command& command, const std::string& option) {
     return std::ranges::any_of(
         table, [&](const OptionUser& row) { return row.option == option && row.command == command.run; });
@@ -50,6 +55,13 @@ bool Uses(const Command& command, const std::string& option) {
         return IsIn(usedByFew, command, option);
     if (option == "--json") return true;
     return command.usesPc && (command.traces || option != "--trace");
+}
+
+bool Concerns(const Command& command, const std::string& option) {
+    if (!Uses(command, option)) return false;
+    const auto questions = {Status, Letters, Files, Check, Report};
+    const bool asks = std::ranges::count(questions, command.run) != 0;
+    return !asks || std::ranges::count(forChanges, option) == 0 || IsIn(rehearsedBy, command, option);
 }
 
 const std::vector<Command>& Commands() {

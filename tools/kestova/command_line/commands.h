@@ -25,6 +25,10 @@ std::string BootStatuses(size_t columns);
 // Whether an option has an effect on the command.
 bool Uses(const Command& command, const std::string& option);
 
+// Whether help and completion name the option for the command: not those that the command accepts, as scripts
+// give them to every command, while only one that changes the PC obeys them.
+bool Concerns(const Command& command, const std::string& option);
+
 // Whether the command can read a registry hive.
 bool ReadsHives(const CommandLine& line);
 

@@ -9,6 +9,7 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/operations/operations.h"
+#include "tools/kestova/picture/columns.h"
 #include "tools/kestova/reports/as_text.h"
 
 namespace {
@@ -110,6 +111,25 @@ std::vector<Candidate> ValuesOf(const std::string& text) {
     return candidates;
 }
 
+// Of a list, what can follow its last comma, behind what is there.
+std::vector<Candidate> ColumnLists(const std::string& list) {
+    const std::string chosen = list.substr(0, list.rfind(',') + 1);
+    const auto isChosen = [&](std::string_view name) {
+        return ("," + chosen).find("," + std::string(name) + ",") != std::string::npos;
+    };
+    std::vector<Candidate> candidates;
+    for (const Column& column : Columns()) {
+        if (!isChosen(column.name))
+            candidates.push_back({chosen + std::string(column.name), std::string(column.words)});
+    }
+    return candidates;
+}
+
+// What the value of an option can become; `value` is how help shows it.
+std::vector<Candidate> OptionValues(const std::string& value, const std::string& last) {
+    return value == "LIST" ? ColumnLists(last) : ValuesOf(value);
+}
+
 // The command's first argument; only some have more, and those are numbers and letters.
 std::vector<Candidate> ArgumentsOf(const Command& command) {
     std::string first = command.arguments;
@@ -128,7 +148,7 @@ const Command* CommandNamed(const std::string& name) {
 std::vector<Candidate> OptionsOf(const Command* command) {
     std::vector<Candidate> candidates;
     for (const OptionWords& option : KnownOptions()) {
-        if (command == nullptr || Uses(*command, option.name))
+        if (command == nullptr || Concerns(*command, option.name))
             candidates.push_back({option.name, option.words});
     }
     return candidates;
@@ -140,6 +160,25 @@ std::string ValueAfter(const std::string& word) {
         if (option.name == word) return option.value;
     }
     return "";
+}
+
+// Of "--format=m", each value behind the option that it is for.
+std::vector<Candidate> WithOption(const std::string& option, const std::string& last) {
+    std::vector<Candidate> candidates = OptionValues(ValueAfter(option), last.substr(option.size() + 1));
+    for (Candidate& candidate : candidates)
+        candidate.word.insert(0, option + "=");
+    return candidates;
+}
+
+// A shell can make three words of "--format=m"; without the middle one, which is empty while the value is.
+std::vector<std::string> WithoutEquals(const std::vector<std::string>& words) {
+    std::vector<std::string> plain;
+    for (const std::string& word : words) {
+        const bool isBehindOption = word == "=" && !plain.empty() && !ValueAfter(plain.back()).empty();
+        if (!isBehindOption) plain.push_back(word);
+    }
+    if (words.back() == "=" && plain.back() != "=") plain.emplace_back();
+    return plain;
 }
 
 // The words that are neither options nor their values.
@@ -157,7 +196,10 @@ std::vector<std::string> Positional(const std::vector<std::string>& words) {
 
 std::vector<Candidate> AllCandidates(const std::vector<std::string>& before, const std::string& last) {
     const std::string value = before.empty() ? "" : ValueAfter(before.back());
-    if (!value.empty()) return ValuesOf(value);
+    if (!value.empty()) return OptionValues(value, last);
+    const size_t equals = last.find('=');
+    if (last.starts_with("--") && equals != std::string::npos)
+        return WithOption(last.substr(0, equals), last);
     const std::vector<std::string> positional = Positional(before);
     const Command* const command = positional.empty() ? nullptr : CommandNamed(positional.front());
     if (last.starts_with("-")) return OptionsOf(command);
@@ -178,8 +220,9 @@ std::string CompletionScript(const std::string& shell) {
 
 std::vector<Candidate> Complete(const std::vector<std::string>& words) {
     if (words.empty()) return {};
-    const std::string& last = words.back();
-    std::vector<Candidate> candidates = AllCandidates({words.begin(), words.end() - 1}, last);
+    const std::vector<std::string> plain = WithoutEquals(words);
+    const std::string& last = plain.back();
+    std::vector<Candidate> candidates = AllCandidates({plain.begin(), plain.end() - 1}, last);
     std::erase_if(candidates, [&](const Candidate& candidate) { return !candidate.word.starts_with(last); });
     return candidates;
 }

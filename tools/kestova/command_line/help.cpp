@@ -140,7 +140,7 @@ std::string HelpText() {
 std::string HelpText(const Command& command) {
     const CommandHelp& help = HelpOf(command);
     return UsageLine(command) + "\n" + Wrapped(help.details, columns) + "\nExamples:\n" + ExampleLines(help) +
-           OptionsText(columns, [&](const std::string& option) { return Uses(command, option); }) +
+           OptionsText(columns, [&](const std::string& option) { return Concerns(command, option); }) +
            (std::string_view(command.name) == "status" ? "\nColumns:\n" + ColumnsHelp(columns) : "") +
            (std::string_view(command.name) == "boot" ? "\nExit status:\n" + BootStatuses(columns) : "");
 }

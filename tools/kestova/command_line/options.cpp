@@ -5,6 +5,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include <algorithm>
+
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 
@@ -70,6 +72,17 @@ std::vector<std::string> Names(const std::vector<OptionGroup>& groups, Which whi
     return names;
 }
 
+// CLI11 takes the next word for the value of "--image=".
+void CheckHaveValues(const std::vector<OptionGroup>& groups, const std::vector<std::string>& words) {
+    const std::vector<std::string> names = Names(groups, Which::All);
+    for (const std::string& word : words) {
+        if (word == "--") return;
+        const std::string name = word.substr(0, word.find('='));
+        if (word == name + "=" && std::ranges::count(names, name) != 0)
+            throw WrongUse(name + "= needs a value");
+    }
+}
+
 std::vector<std::string> GivenOptions(const CLI::App& app, const std::vector<std::string>& names) {
     std::vector<std::string> given;
     for (const std::string& name : names) {
@@ -92,6 +105,7 @@ std::string LongName(const Option& option) {
 }
 
 ReadWords ReadOptions(const std::vector<OptionGroup>& groups, const std::vector<std::string>& words) {
+    CheckHaveValues(groups, words);
     ReadWords read;
     CLI::App app;
     app.set_help_flag();

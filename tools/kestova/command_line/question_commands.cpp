@@ -12,6 +12,7 @@
 #include "tools/kestova/common/terminal.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/picture/columns.h"
+#include "tools/kestova/picture/making_time.h"
 #include "tools/kestova/picture/report.h"
 #include "tools/kestova/picture/status_text.h"
 
@@ -52,6 +53,18 @@ const Format& FormatOf(const CommandLine& line) {
         names.emplace_back(format.name);
     }
     throw WrongUse("--format: " + UnknownWord("format", line.format, names));
+}
+
+// Without their folders, which are nobody's business where a report is attached.
+std::vector<std::string> NamesOfImages(const PcChoice& choice) {
+    std::vector<std::string> paths;
+    for (const auto* const given : {&choice.images, &choice.discs, &choice.sticks})
+        paths.insert(paths.end(), given->begin(), given->end());
+    if (!choice.pc.empty()) paths.push_back(choice.pc);
+    std::vector<std::string> names;
+    for (const std::string& path : paths)
+        names.push_back(path.substr(path.find_last_of("/\\") + 1));
+    return names;
 }
 
 std::vector<LoggedLine> Logged(LogCollector& collector) {
@@ -102,12 +115,14 @@ int Report(const CommandLine& line) {
     const Format& format = FormatOf(line);
     if (line.output.empty() && !format.isForTerminal)
         throw WrongUse("report: name the file with --output, or standard output with --output -");
+    const std::string time = MakingTime();
+    const std::vector<std::string> images = NamesOfImages(line.choice);
     LogCollector collector(nullptr);
     std::string page;
     return RunOnPc(
         line,
         {.access = Access::Rehearse, .initialize = false, .output = &page, .run = [&](Session& session) {
-             PcReport report{.maker = "kestova " KESTOVA_VERSION};
+             PcReport report{.maker = "kestova " KESTOVA_VERSION, .time = time, .images = images};
              report.status = ReadStatus(session, line.initialize);
              report.check = CheckSwitch(session);
              report.notes = session.OnPc().Notes();

@@ -9,6 +9,21 @@ namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
 
+// Those of the compiler and of the system: in the program, or loaded with it.
+std::vector<LinkedLibrary> RuntimeLibraries() {
+    return {
+#ifdef __GLIBCXX__
+        {"libstdc++, libgcc", "GPL-3.0-or-later WITH GCC-exception-3.1"},
+#endif
+#ifdef __GLIBC__
+        {"libc", "LGPL-2.1-or-later"},
+#endif
+#ifdef __MINGW32__
+        {"winpthreads, mingw-w64 runtime", "MIT, BSD and similar"},
+#endif
+    };
+}
+
 Rows WithLibraries(Rows rows, const std::vector<LinkedLibrary>& libraries) {
     for (const LinkedLibrary& library : libraries)
         rows.push_back({library.name, library.licence});
@@ -28,7 +43,7 @@ std::string VersionText() {
                   {"opens disk images and disks", yesOrNo(!forImages.empty())},
                   {"gives up system calls", yesOrNo(FiltersSystemCalls())}},
                  "  ") +
-           "Linked:\n" + Table(WithLibraries(libraries, forImages), "  ") +
+           "Linked:\n" + Table(WithLibraries(WithLibraries(libraries, forImages), RuntimeLibraries()), "  ") +
            (forImages.empty()
                 ? ""
                 : "Loaded when they are needed:\n" + Table(WithLibraries({}, LateImageLibraries()), "  ") +

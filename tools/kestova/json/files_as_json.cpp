@@ -16,7 +16,7 @@ static Json ToJson(const ListedFile& file, bool hasHash) {
 }
 
 static Json ToJson(const ConditionReport& condition) {
-    const bool isAdvised = condition.isMet == false && *condition.advice != '\0';
+    const bool isAdvised = condition.isMet == false && !condition.advice.empty();
     return {{"code", condition.code},
             {"question", condition.question},
             {"met", ToJson(condition.isMet)},

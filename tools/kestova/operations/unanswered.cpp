@@ -36,8 +36,8 @@ const std::vector<Ordinary>& OrdinaryCodes() {
         {"IEnumWbemClassObject::Next", {S_FALSE}},
         // A partition without a letter.
         {"IVdsAdvancedDisk::GetDriveLetter", {static_cast<uint32_t>(VDS_E_OBJECT_NOT_FOUND)}},
-        // A disk without partitions.
-        {"IVdsAdvancedDisk::QueryPartitions", {S_FALSE}},
+        // A disk without partitions, or without a table.
+        {"IVdsAdvancedDisk::QueryPartitions", {S_FALSE, static_cast<uint32_t>(VDS_E_DISK_NOT_INITIALIZED)}},
         {"IVdsVolumeMF::GetFileSystemProperties", {unrecognizedVolume, lockedVolume}},
         // A Windows without BitLocker.
         {"IWbemLocator::ConnectServer", {static_cast<uint32_t>(WBEM_E_INVALID_NAMESPACE)}},

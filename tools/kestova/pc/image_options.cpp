@@ -33,6 +33,7 @@ machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess acces
     use.changesDisks =
         choice.yes || (use.access == machine::ImageAccess::Write && ConfirmDisks(choice.images));
     if (choice.sectorSize.empty()) return use;
+    if (choice.images.empty()) throw WrongUse("--sector-size: it is for --image, and there is none");
     for (const uint32_t size : {512U, 4096U}) {
         if (choice.sectorSize == std::to_string(size)) use.sectorSize = size;
     }

@@ -45,7 +45,7 @@ struct ComputerDisk {
 ComputerDisk IdentityOfDisk(const std::string& image);
 
 // Asks the user, on a terminal, whether each disk of this computer among the images is to be changed. False
-// if there is nobody to ask. Throws Failed if the answer is no.
+// if there is none. Throws Failed if the answer is no, UnreadablePc if there is nobody to ask.
 bool ConfirmDisks(const std::vector<std::string>& images);
 
 // Where the user wants the journal of changes. Throws WrongUse for one file and several images.

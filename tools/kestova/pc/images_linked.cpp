@@ -14,10 +14,10 @@
 
 namespace {
 
-// "/dev/sdb (MODEL, serial number S, 465.8 GiB)".
-std::string DiskText(const std::string& path) {
+// "(MODEL, serial number S, 465.8 GiB)".
+std::string WhichDisk(const std::string& path) {
     const machine::DiskIdentity disk = machine::IdentityOf(path);
-    std::string text = path + " (";
+    std::string text = "(";
     if (!disk.model.empty()) text += disk.model + ", ";
     if (!disk.serial.empty()) text += "serial number " + disk.serial + ", ";
     return text + SizeText(disk.bytes) + ")";
@@ -99,9 +99,11 @@ bool ConfirmDisks(const std::vector<std::string>& images) {
     bool isConfirmed = false;
     for (const std::string& image : images) {
         if (!machine::IsDisk(image)) continue;
-        const auto answer = AskOnTerminal(DiskText(image) + " is a disk of this computer. Change it?");
-        if (answer == false) throw Failed(image + ": nothing was changed");
-        isConfirmed = answer.has_value();
+        const std::string which = WhichDisk(image);
+        const auto answer = AskOnTerminal(image + " " + which + " is a disk of this computer. Change it?");
+        if (!answer) throw UnreadablePc(machine::NotConfirmed(image) + " " + which);
+        if (!*answer) throw Failed(image + ": nothing was changed");
+        isConfirmed = true;
     }
     return isConfirmed;
 }
@@ -150,8 +152,10 @@ void InsertMedia(machine::Pc& pc, const std::vector<std::string>& discs,
 void AttachImages(machine::Pc& pc, const machine::ImageUse& use) {
     try {
         machine::CheckEachIsNew(pc);
+        machine::ImageUse eachUse = use;
+        eachUse.mayBeBlank = pc.disks.size() > 1;
         for (machine::Disk& disk : pc.disks) {
-            if (!disk.image.empty()) machine::AttachImage(disk, use);
+            if (!disk.image.empty()) machine::AttachImage(disk, eachUse);
         }
         for (machine::Volume& volume : pc.volumes) {
             if (!volume.image.empty()) machine::AttachMedium(volume);

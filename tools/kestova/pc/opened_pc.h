@@ -86,6 +86,9 @@ class OpenedPc {
     // The same of what was found during the work.
     virtual std::vector<std::string> LaterNotes() const = 0;
     virtual InputFiles Inputs() const = 0;
+    // The options that choose this PC, as they are typed before a command: "--image disk.img ". Empty where
+    // none is needed.
+    virtual std::string ChoosingOptions() const = 0;
     // Platform calls and log records in order, since the last call: all of them if the choice has the trace,
     // and while an action is rehearsed; else only calls that can have failed.
     virtual Trace TakeTrace() = 0;

@@ -11,6 +11,7 @@
 #include "machine/facts/letters.h"
 #include "machine/facts/machines.h"
 #include "machine/journal/emulated_pc.h"
+#include "machine/media/device/shell_word.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/changes.h"
@@ -150,6 +151,14 @@ machine::Volume* FindVolumeAt(Pc& pc, const VolumePlace& place) {
     return holdsVolume ? &*partition->volume : nullptr;
 }
 
+std::string TypedOptions(const PcChoice& choice) {
+    std::string words;
+    for (const std::string& image : choice.images)
+        words += "--image " + machine::ShellWord(image) + " ";
+    if (!choice.pc.empty()) words += "--pc " + machine::ShellWord(choice.pc) + " ";
+    return words;
+}
+
 // Puts a value back as it was, also if something throws.
 template <typename Value>
 class Restoring {
@@ -167,7 +176,8 @@ class Restoring {
 class EmulatedOne final : public OpenedPc {
   public:
     EmulatedOne(const PcChoice& choice, Access access)
-        : faults_(choice.faults),
+        : options_(TypedOptions(choice)),
+          faults_(choice.faults),
           before_(Watched(Choose(choice, access))),
           shown_(before_),
           emulated_(before_) {
@@ -203,6 +213,7 @@ class EmulatedOne final : public OpenedPc {
         return before_.hiveReader ? before_.hiveReader->Notes() : std::vector<std::string>();
     }
     InputFiles Inputs() const override { return inputs_; }
+    std::string ChoosingOptions() const override { return options_; }
     Trace TakeTrace() override { return emulated_.journal.Take(); }
     const std::map<std::string, int>& Ledger() const override { return emulated_.ledger.Counts(); }
     bool Rehearse(const std::function<void()>& action) override;
@@ -226,6 +237,7 @@ class EmulatedOne final : public OpenedPc {
   private:
     std::vector<std::string> notes_;
     InputFiles inputs_;
+    std::string options_;
     std::vector<std::string> faults_;
     Pc before_;
     Pc shown_;  // when its changes were last taken

@@ -15,6 +15,7 @@ class RealOne final : public OpenedPc {
     std::vector<std::string> Notes() const override { return {}; }
     std::vector<std::string> LaterNotes() const override { return {}; }
     InputFiles Inputs() const override { return {}; }
+    std::string ChoosingOptions() const override { return ""; }
     Trace TakeTrace() override { return {}; }
     const std::map<std::string, int>& Ledger() const override { return unknown_; }
     bool Rehearse(const std::function<void()>&) override { return false; }

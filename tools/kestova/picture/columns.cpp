@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/picture/type_words.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ Cell SizeCell(const PartitionReport& partition, bool inBytes) {
     return {SizeWords(partition.size, inBytes)};
 }
 Cell TypeCell(const PartitionReport& partition, bool) {
-    return {partition.typeName};
+    return {TypeWords(partition)};
 }
 Cell NameCell(const PartitionReport& partition, bool) {
     return {NameText(partition.gptName)};
@@ -79,30 +80,23 @@ std::string Names() {
 
 const std::vector<Column>& Columns() {
     static const std::vector<Column> columns = {
-        {"number", {"#", whole}, "as Windows counts partitions", true, false, NumberCell, nullptr},
-        {"slot", {"Slot", whole}, "as the table counts its entries", true, false, SlotCell, nullptr},
-        {"start", {"Start", whole}, "from the beginning of the disk", true, true, StartCell, FreeStart},
-        {"size", {"Size", whole}, "", true, false, SizeCell, FreeSize},
-        {"type", {"Type", 8}, "in words", true, false, TypeCell, FreeWord},
-        {"name", {"Name", 6}, "in the entry of a GUID partition table", true, true, NameCell, nullptr},
-        {"active", {"Active", 6}, "an MBR's flag", true, false, ActiveCell, nullptr},
-        {"hidden", {"Hidden", 6}, "by the type or attribute of the entry", false, false, HiddenCell, nullptr},
-        {"letter", {"Letter", 6}, "in the running system", true, false, LetterCell, nullptr},
-        {"label", {"Label", 6}, "of the volume", true, false, LabelCell, nullptr},
-        {"filesystem", {"File system", 5}, "of the volume", true, true, FileSystemCell, nullptr},
-        {"condition",
-         {"Condition", 6},
-         "in which Windows left the volume",
-         true,
-         false,
-         ConditionCell,
-         nullptr},
-        {"hide", {"Hide", 4}, "whether the maker hides it", true, true, HideCell, nullptr},
+        {"number", {"#", whole}, "as Windows counts partitions", true, NumberCell, nullptr},
+        {"slot", {"Slot", whole}, "as the table counts its entries", true, SlotCell, nullptr},
+        {"start", {"Start", whole}, "from the beginning of the disk", true, StartCell, FreeStart},
+        {"size", {"Size", whole}, "", true, SizeCell, FreeSize},
+        {"type", {"Type", 8}, "in words", true, TypeCell, FreeWord},
+        {"name", {"Name", 6}, "in the entry of a GUID partition table", true, NameCell, nullptr},
+        {"active", {"Active", 6}, "an MBR's flag", true, ActiveCell, nullptr},
+        {"hidden", {"Hidden", 6}, "by the type or attribute of the entry", false, HiddenCell, nullptr},
+        {"letter", {"Letter", 6}, "in the running system", true, LetterCell, nullptr},
+        {"label", {"Label", 6}, "of the volume", true, LabelCell, nullptr},
+        {"filesystem", {"File system", 5}, "of the volume", true, FileSystemCell, nullptr},
+        {"condition", {"Condition", whole}, "in which Windows left the volume", true, ConditionCell, nullptr},
+        {"hide", {"Hide", 4}, "whether the maker hides it", true, HideCell, nullptr},
         {"role",
          {"Role: reason", 10},
          "what it is for, and how that was recognised",
          true,
-         false,
          RoleCell,
          nullptr},
     };

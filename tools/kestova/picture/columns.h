@@ -13,7 +13,6 @@ struct Column {
     TableColumn look;
     std::string_view words;  // for help
     bool isUsual;            // shown without --columns
-    bool isDropped;          // first, where a terminal is too narrow; only without --columns
     // `inBytes`: sizes are not rounded.
     Cell (*cell)(const PartitionReport& partition,
                  bool inBytes);  // What is in the column of free space; null: nothing.

@@ -133,7 +133,7 @@ std::string HtmlPage(const PcReport& report) {
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
            "<title>Kestova report</title>\n<style>" +
            std::string(style) + "</style>\n</head>\n<body>\n<header>\n<h1>Kestova report</h1>\n" +
-           Tagged("p", "Made by " + report.maker + ". Nothing was changed.") + "\n</header>\n<main>\n" +
-           Remarks(report) + Head(report.status) + disks + Check(report.check) + Log(report.log) +
+           Tagged("p", MakingWords(report)) + "\n</header>\n<main>\n" + Remarks(report) +
+           Head(report.status) + disks + Check(report.check) + Log(report.log) +
            "</main>\n</body>\n</html>\n";
 }

@@ -70,8 +70,8 @@ std::string Errors(const std::vector<LoggedLine>& log) {
 }  // namespace
 
 std::string MarkdownText(const PcReport& report) {
-    std::string text = std::string(heading) + "\n\nMade by " + Literal(report.maker) +
-                       ". Nothing was changed.\n" + Remarks(report) + "\n" + TitleRow({"This PC", ""});
+    std::string text = std::string(heading) + "\n\n" + Literal(MakingWords(report)) + "\n" + Remarks(report) +
+                       "\n" + TitleRow({"This PC", ""});
     for (const std::vector<std::string>& row : HeadRows(report.status))
         text += Row(row);
     for (const DiskReport& disk : report.status.disks)

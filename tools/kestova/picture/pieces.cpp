@@ -4,6 +4,7 @@
 
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/disk_facts.h"
+#include "tools/kestova/picture/type_words.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ std::string PieceWords(const Piece& piece) {
     if (piece.partition == nullptr) return "free: " + size;
     const PartitionReport& partition = *piece.partition;
     std::string words =
-        "partition " + std::to_string(partition.number) + ": " + partition.typeName + ", " + size;
+        "partition " + std::to_string(partition.number) + ": " + TypeWords(partition) + ", " + size;
     if (partition.letter) words += ", " + LetterText(*partition.letter) + ":";
     Add(words, partition.label);
     if (partition.active) words += ", active";

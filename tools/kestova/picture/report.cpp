@@ -13,6 +13,12 @@ std::vector<const Column*> Shown() {
 
 }  // namespace
 
+std::string MakingWords(const PcReport& report) {
+    const std::string names = Joined(report.images, ", ", [](const std::string& name) { return name; });
+    return "Made by " + report.maker + " at " + report.time + (names.empty() ? "" : " of " + names) +
+           ". Nothing was changed.";
+}
+
 std::vector<Remark> RemarksOf(const PcReport& report) {
     std::vector<Remark> remarks;
     for (const std::string& problem : {report.status.problem, report.check.problem}) {

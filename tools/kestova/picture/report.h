@@ -15,12 +15,17 @@ struct LoggedLine {
 };
 
 struct PcReport {
-    std::string maker = {};  // the program, with its version
+    std::string maker = {};                // the program, with its version
+    std::string time = {};                 // of making
+    std::vector<std::string> images = {};  // their names; or that of the PC, where one was named
     StatusReport status = {};
     SwitchReport check = {};
     std::vector<std::string> notes = {};  // of the PC that was opened
     std::vector<LoggedLine> log = {};     // of the session
 };
+
+// "Made by MAKER at TIME of disk.img. Nothing was changed."
+std::string MakingWords(const PcReport& report);
 
 // Problems, remarks and notes in this order, the problems marked.
 struct Remark {

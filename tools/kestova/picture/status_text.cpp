@@ -63,6 +63,10 @@ std::vector<std::vector<Cell>> RowsOf(const DiskReport& disk, const Chosen& colu
     return rows;
 }
 
+// In this order, where a terminal is too narrow.
+constexpr const char* droppedFirst[] = {"hide",   "filesystem", "name",   "start", "label",
+                                        "letter", "size",       "active", "slot"};
+
 // Without --columns, those that say something; where the terminal is too narrow, fewer.
 Chosen ColumnsFor(const DiskReport& disk, const StatusLook& look) {
     if (!look.columns.empty()) return ColumnsOf(look.columns);
@@ -73,9 +77,9 @@ Chosen ColumnsFor(const DiskReport& disk, const StatusLook& look) {
     const auto fits = [&] {
         return LeastWidth(LooksOf(chosen), RowsOf(disk, chosen, look.inBytes)) <= look.terminal.columns;
     };
-    for (size_t left = chosen.size(); left > 0 && !fits(); --left) {
-        const auto last = chosen.begin() + static_cast<std::ptrdiff_t>(left - 1);
-        if ((*last)->isDropped) chosen.erase(last);
+    for (const char* const name : droppedFirst) {
+        if (fits()) break;
+        std::erase_if(chosen, [&](const Column* column) { return column->name == name; });
     }
     return chosen;
 }

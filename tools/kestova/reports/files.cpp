@@ -55,6 +55,17 @@ std::vector<FileEntry> Listed(machine::VolumeStore& files, const FilePlace& plac
     return entries;
 }
 
+// The name of a file as the volume keeps it, in whatever case it was typed; that of a short name, which no
+// folder lists, as it was typed.
+std::string StoredName(machine::VolumeStore& files, const std::string& path, const std::string& typed) {
+    const size_t end = path.rfind('\\');
+    std::vector<FileEntry> siblings;
+    files.List(end == std::string::npos ? "" : path.substr(0, end), siblings);
+    const auto stored = std::ranges::find_if(
+        siblings, [&](const FileEntry& entry) { return UpperCase(entry.name) == UpperCase(typed); });
+    return stored != siblings.end() ? stored->name : typed;
+}
+
 // Adds the hash of a file, or the problem that it cannot be read.
 void AddHash(machine::VolumeStore& files, const std::string& path, ListedFile& file, Progress& progress,
              std::string& problem) {
@@ -84,7 +95,8 @@ FilesReport ReadFiles(Session& session, const FilePlace& place, bool hash, const
         .place = place, .volume = session.OnPc().VolumeAt(PlaceOf(session, place)), .hasHashes = hash};
     machine::VolumeStore& files = *report.volume.files;
     report.isFolder = files.Find(place.path) == FileKind::Folder;
-    const std::vector<FileEntry> entries = Listed(files, place);
+    std::vector<FileEntry> entries = Listed(files, place);
+    if (!report.isFolder) entries.front().name = StoredName(files, place.path, entries.front().name);
     Progress progress(shown, "Hashing", BytesOf(entries), SizeText);
     for (const FileEntry& entry : entries) {
         ListedFile& file = report.files.emplace_back(ListedFile{entry});

@@ -157,16 +157,23 @@ constexpr Condition conditions[] = {
      "it is the first one of the table, of type 0x27, 0x12 or 0x07"},
     {"recoveryLetter", "Its letter", RecoveryLetter, "give it one, or the type 0x27"},
     {"recoveryFiles", "Recovery files", RecoveryFiles,
-     "copy the files of the factory's recovery partition to it; `kestova files 1:\\sources` lists what is there"},
+     "copy the files of the factory's recovery partition to it; `kestova [PC] files 1:/sources` lists what is there"},
     {"record", "Record", Record, ""},
 };
 
-std::vector<ConditionReport> Asked(const Facts& facts) {
+// With the options that choose this PC, so that a command in it can be typed as it is.
+std::string AdviceFor(const OpenedPc& pc, std::string advice) {
+    constexpr std::string_view place = "[PC] ";
+    const size_t at = advice.find(place);
+    return at == std::string::npos ? advice : advice.replace(at, place.size(), pc.ChoosingOptions());
+}
+
+std::vector<ConditionReport> Asked(const OpenedPc& pc, const Facts& facts) {
     std::vector<ConditionReport> reports;
     for (const Condition& condition : conditions) {
         Answer answer = condition.answer(facts);
-        reports.push_back(
-            {condition.code, condition.question, answer.isMet, std::move(answer.found), condition.advice});
+        reports.push_back({condition.code, condition.question, answer.isMet, std::move(answer.found),
+                           AdviceFor(pc, condition.advice)});
     }
     return reports;
 }
@@ -233,14 +240,14 @@ const char* AnswerWord(const ConditionReport& condition) {
 }
 
 std::string TextOf(const ConditionReport& condition) {
-    const bool isAdvised = condition.isMet == false && *condition.advice != '\0';
-    return condition.found + (isAdvised ? std::string(": ") + condition.advice : "");
+    const bool isAdvised = condition.isMet == false && !condition.advice.empty();
+    return condition.found + (isAdvised ? ": " + condition.advice : "");
 }
 
 SwitchReport CheckSwitch(Session& session) {
     Questions questions(session);
     const int disk = std::get<int>(questions.Ask("GetFirstInternalDriveNumber").result);
-    SwitchReport report{.conditions = Asked(FactsOf(questions, disk))};
+    SwitchReport report{.conditions = Asked(session.OnPc(), FactsOf(questions, disk))};
     const Rehearsed rehearsed = Rehearse(session, disk);
     report.conditions.push_back(
         {"bootRecovery", "boot recovery (tried)", rehearsed.there.isMet, rehearsed.there.found, ""});
@@ -255,7 +262,7 @@ SwitchReport CheckSwitch(Session& session) {
 std::vector<Finding> WhySwitchRefused(Session& session, int disk) {
     Questions questions(session);
     std::vector<Finding> reasons;
-    for (const ConditionReport& condition : Asked(FactsOf(questions, disk))) {
+    for (const ConditionReport& condition : Asked(session.OnPc(), FactsOf(questions, disk))) {
         if (condition.isMet == false) reasons.push_back({condition.code, TextOf(condition)});
     }
     return reasons;

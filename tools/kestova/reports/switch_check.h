@@ -13,7 +13,7 @@ struct ConditionReport {
     const char* question;
     std::optional<bool> isMet = {};  // nothing: not asked, because another one is not met, or not tried
     std::string found = {};
-    const char* advice;  // if it is not met; may be empty
+    std::string advice = {};  // if it is not met; may be empty
 };
 
 // "yes", "no", or "-" for a condition that was not asked.

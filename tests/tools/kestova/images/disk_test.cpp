@@ -72,8 +72,22 @@ TEST_F(DiskOfThisComputer, BootRecoveryAndUndo_ChangeItAndRestoreIt) {
     EXPECT_FALSE(std::filesystem::exists(Folder() / "journal"));
 }
 
+TEST_F(DiskOfThisComputer, WithoutTable_Status_IsNotCalledAnImage) {
+    ASSERT_EQ(Shell("dd if=/dev/zero of=disk.img bs=512 count=1 conv=notrunc status=none").status, 0);
+    EXPECT_EQ(Kestova("--image " + disk_ + " status").errors,
+              "kestova: " + disk_ + ": no partition table, so no partitioned disk\n");
+    ASSERT_EQ(Shell("cp " KESTOVA_TEST_IMAGES "/stick-fat16.img disk.img").status, 0);
+    Attach("");
+    EXPECT_EQ(
+        Kestova("--image " + disk_ + " status").errors,
+        "kestova: " + disk_ +
+            ": no partition table, so no partitioned disk: the disk holds a single FAT volume; --stick opens it\n");
+}
+
 TEST_F(DiskOfThisComputer, NobodyConfirms_BootRecovery_IsRefused) {
-    ExpectRefused("boot recovery", "a disk of this computer; --yes confirms that it is to be changed");
+    // The kernel's name of a loop device is the file that it is on.
+    ExpectRefused("boot recovery", "a disk of this computer; --yes confirms that it is to be changed (" +
+                                       (Folder() / "disk.img").string() + ", 300.0 MiB)");
     EXPECT_EQ(Kestova("--image " + disk_ + " --dry-run boot recovery").status, 0);
 }
 

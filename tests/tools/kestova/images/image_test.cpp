@@ -199,6 +199,72 @@ TEST_F(Image, MissingOrShortImage_BootRecovery_IsRefused) {
     }
 }
 
+// A copy that ended in the middle of a sector.
+TEST_F(Image, TruncatedDump_Status_ShowsWhatIsThereAndChangesAreRefused) {
+    EXPECT_EQ(
+        Shell("truncate -s $((200 * 1024 * 1024 + 100)) disk.img && cp --sparse=always disk.img before.img")
+            .status,
+        0);
+    const std::string flaw =
+        "kestova: disk.img: not a whole number of 512-byte sectors, so no disk image, or a truncated one\n";
+
+    const Outcome status = Kestova("--image disk.img status");
+    EXPECT_EQ(status.status, 1);
+    EXPECT_EQ(
+        status.errors,
+        flaw +
+            "kestova: disk.img: partition 3 ends 74448896 bytes beyond the end of the file; the image is "
+            "truncated, or its table damaged\n"
+            "kestova: disk.img: partition 4 ends 103809024 bytes beyond the end of the file; the image is "
+            "truncated, or its table damaged\n"
+            "kestova: the volume E: cannot be read (error 1392)\n");
+    EXPECT_THAT(status.output, HasSubstr("Disk 0: 200.0 MiB, MBR, "));
+    EXPECT_THAT(status.output, HasSubstr(" Windows   NTFS         clean "));
+
+    for (const std::string words : {"boot recovery", "--dry-run boot recovery", "check", "recover"}) {
+        const Outcome refused = Kestova("--image disk.img " + words);
+        EXPECT_EQ(refused.status, 3) << words;
+        EXPECT_EQ(refused.errors, flaw) << words;
+        EXPECT_TRUE(AreSame(Folder() / "before.img", Folder() / "disk.img")) << words;
+    }
+}
+
+// A new disk in a PC, or a medium that was wiped.
+TEST_F(Image, BlankDiskBesideAnother_StatusAndBoot_WorkOnTheOther) {
+    EXPECT_EQ(Shell("truncate -s 10M blank.img").status, 0);
+    const Outcome status = Kestova("--image disk.img --image blank.img --quiet status");
+    EXPECT_EQ(status.status, 0) << status.errors;
+    EXPECT_THAT(status.output, HasSubstr("Disk 1: 10.0 MiB, no partition table, "));
+
+    EXPECT_EQ(Kestova("--image disk.img --image blank.img --no-backup boot recovery").status, 0);
+    EXPECT_THAT(Table(), HasSubstr("size=      122880, type=27, bootable\n"));
+    EXPECT_EQ(Shell("cmp blank.img /dev/zero 2>&1").output,
+              "cmp: EOF on blank.img after byte 10485760, in line 1\n");
+}
+
+TEST_F(Image, BlankDiskFirst_Status_ShowsBoth) {
+    EXPECT_EQ(
+        Shell("truncate -s 10M blank.img && cp --sparse=always " KESTOVA_TEST_IMAGES "/factory-gpt.img .")
+            .status,
+        0);
+    const Outcome status = Kestova("--image blank.img --image factory-gpt.img status");
+    EXPECT_THAT(status.output, StartsWith("Firmware           UEFI\n"));
+    EXPECT_THAT(status.output, HasSubstr("\nDisk 0: 10.0 MiB, no partition table, "));
+    EXPECT_THAT(status.output, HasSubstr("\nDisk 1: 400.0 MiB, GPT, "));
+
+    EXPECT_EQ(Kestova("--image blank.img --image factory-gpt.img --save pc.json status").status, 0);
+    const Outcome saved = Kestova("--pc pc.json status");
+    EXPECT_THAT(saved.output, HasSubstr("\nDisk 0: 10.0 MiB, no partition table, "));
+    EXPECT_THAT(saved.output, HasSubstr("\nDisk 1: 400.0 MiB, GPT, "));
+}
+
+TEST_F(Image, BlankDiskAlone_Status_IsRefused) {
+    EXPECT_EQ(Shell("truncate -s 10M blank.img").status, 0);
+    const Outcome status = Kestova("--image blank.img status");
+    EXPECT_EQ(status.status, 3);
+    EXPECT_EQ(status.errors, "kestova: blank.img: no partition table, so no disk image\n");
+}
+
 TEST_F(Image, ImageNamedTwice_Status_IsRefused) {
     EXPECT_EQ(Shell("ln disk.img hard.img").status, 0);
     WriteFile("disks.json",

@@ -41,7 +41,7 @@ TEST_F(Interrupted, FailingMedium_BootRecovery_AnswersAndSaysThatNothingIsWritte
             (Folder() / "disk.img.kestova-backup-1\n").string());
     EXPECT_EQ(
         outcome.errors,
-        "kestova: disk.img: cannot be written: File too large; what had been written could not be taken back either: run `kestova recover` once the medium can be written\n");
+        "kestova: disk.img: cannot be written: File too large; what had been written could not be taken back either: run `kestova --image disk.img recover` once the medium can be written\n");
     EXPECT_TRUE(HasJournal());
 }
 
@@ -77,8 +77,20 @@ TEST_F(Interrupted, PendingJournal_Status_ReadsThroughItAndSaysSo) {
     EXPECT_THAT(status.output, HasSubstr(R"("activePartition":2)"));
     EXPECT_EQ(
         status.errors,
-        "kestova: disk.img: a change was interrupted; the image is shown as it will be once `kestova recover` has taken it back\n");
+        "kestova: disk.img: a change was interrupted; the image is shown as it will be once `kestova --image disk.img recover` has taken it back\n");
     EXPECT_TRUE(HasJournal());
+}
+
+// The command can be typed as it is shown.
+TEST_F(Interrupted, ImageOfAWildNameAndItsOwnJournal_Status_AdvisesThatCommand) {
+    Interrupt();
+    ASSERT_EQ(Shell("mv disk.img \"it's a disk.img\" && mv disk.img.kestova-journal 'the journal'").status,
+              0);
+    const Outcome status = Kestova("--image \"it's a disk.img\" --journal 'the journal' status");
+    const std::string advice = "kestova --image 'it'\\''s a disk.img' --journal 'the journal' recover";
+    EXPECT_THAT(status.errors, HasSubstr("shown as it will be once `" + advice + "` has taken it back"));
+    EXPECT_EQ(Shell("ln -s '" KESTOVA_PROGRAM "' kestova && PATH=$PWD:$PATH && " + advice).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(Folder() / "the journal"));
 }
 
 TEST_F(Interrupted, PendingJournal_Recover_TakesTheChangeBack) {

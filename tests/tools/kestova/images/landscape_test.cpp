@@ -242,7 +242,7 @@ TEST_F(Landscape, StickMadeOfADiscBesideTheInternalDisk_BarsOnlyItself) {
     const Outcome status = Kestova("--image factory-mbr.img --image stick.iso status");
     EXPECT_EQ(status.status, 0);
     EXPECT_EQ(status.errors, note);
-    EXPECT_THAT(status.output, HasSubstr("  1  0 B    1.0 MiB  unknown (0x17)  active"));
+    EXPECT_THAT(status.output, HasSubstr("  1  0 B    1.0 MiB  hidden NTFS (0x17)  active"));
 
     const Outcome boot = Kestova("--image factory-mbr.img --image stick.iso boot recovery");
     EXPECT_EQ(boot.status, 0);
@@ -271,9 +271,9 @@ TEST_F(Landscape, LinuxExtendedPartitionOnASecondDisk_BarsNothing) {
         EXPECT_EQ(outcome.status, 0) << words;
         EXPECT_EQ(outcome.errors, note) << words;
     }
-    EXPECT_THAT(
-        Kestova("--image linux.img --columns number,slot,start,size,type status").output,
-        AllOf(HasSubstr("17.0 MiB  40.0 MiB  unknown (0x85)\n"), HasSubstr("57.0 MiB  7.0 MiB   free\n")));
+    EXPECT_THAT(Kestova("--image linux.img --columns number,slot,start,size,type status").output,
+                AllOf(HasSubstr("17.0 MiB  40.0 MiB  Linux extended (0x85)\n"),
+                      HasSubstr("57.0 MiB  7.0 MiB   free\n")));
 }
 
 TEST_F(Landscape, InitialisedDiskWithoutPartitions_EachQuestion_IsAnsweredWithoutAProblem) {

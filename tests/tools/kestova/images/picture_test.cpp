@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "tests/support/program/program.h"
 
@@ -203,6 +204,23 @@ TEST_F(PictureOfImages, TwoImages_Status_ShowsBothInTheirOrder) {
                           "the first internal disk\n"));
     EXPECT_THAT(text, HasSubstr("\nDisk 1: "));
     EXPECT_THAT(text, HasSubstr(", GPT, SATA, Emulated disk; internal: an image counts as SATA\n"));
+}
+
+// The words of sfdisk, but for what it says of Windows 95.
+TEST_F(PictureOfImages, TypesOfOtherSystems_Status_NamesThem) {
+    MakeDisk("label: dos\nsize=1MiB,type=c\nsize=1MiB,type=82\nsize=1MiB,type=83\nsize=1MiB,type=8e\n");
+    const std::string mbr = Kestova("--image disk.img --columns type status").output;
+    for (const char* const type :
+         {"  FAT32 (0x0C)\n", "  Linux swap (0x82)\n", "  Linux (0x83)\n", "  Linux LVM (0x8E)\n"})
+        EXPECT_THAT(mbr, HasSubstr(type));
+    EXPECT_EQ(Disk()["partitions"][2]["typeName"], "unknown (0x83)");
+
+    MakeDisk("label: gpt\nsize=1MiB,type=L\nsize=1MiB,type=S\nsize=1MiB,type=V\nsize=1MiB,type=R\n");
+    const std::string gpt = Kestova("--image disk.img --columns type status").output;
+    EXPECT_THAT(gpt, HasSubstr("  Linux filesystem\n"));
+    std::istringstream types(Shell("sfdisk --quiet --list --output type disk.img | tail -n +2").output);
+    for (std::string type; std::getline(types, type);)
+        EXPECT_THAT(gpt, HasSubstr("  " + type + "\n"));
 }
 
 TEST_F(PictureOfImages, SectorsOf4096Bytes_Status_SaysSo) {

@@ -45,7 +45,7 @@ TEST_F(RepairTable, DamagedTable_Change_IsRefusedUntilItIsRepaired) {
     const Outcome refused = Kestova("--image disk.img call DisableOrvoBootPartition");
     EXPECT_EQ(refused.status, 3);
     EXPECT_EQ(refused.errors, std::string("kestova: disk.img: ") + damage +
-                                  "; run `kestova repair-table` before it is changed\n");
+                                  "; run `kestova --image disk.img repair-table` before it is changed\n");
     EXPECT_TRUE(IsAsDamaged());
 
     EXPECT_EQ(Kestova("--image disk.img repair-table").status, 0);
@@ -134,6 +134,15 @@ TEST_F(RepairTable, SectorSizeOfOtherDisks_Status_IsRefused) {
     const Outcome outcome = Kestova("--image disk.img --sector-size 1024 status");
     EXPECT_EQ(outcome.status, 2);
     EXPECT_THAT(outcome.errors, StartsWith("kestova: --sector-size: 512 or 4096, not 1024\n"));
+}
+
+TEST_F(RepairTable, SectorSizeWithoutImage_Status_IsRefused) {
+    for (const std::string pc : {"--pc factory-mbr", ""}) {
+        const Outcome outcome = Kestova(pc + " --sector-size 4096 status");
+        EXPECT_EQ(outcome.status, 2) << pc;
+        EXPECT_THAT(outcome.errors,
+                    StartsWith("kestova: --sector-size: it is for --image, and there is none\n"));
+    }
 }
 
 TEST_F(RepairTable, SectorSizeGiven_Status_CountsInIt) {

@@ -138,7 +138,7 @@ TEST_F(Undo, DamagedOrMissingBackup_Undo_IsRefused) {
 
     const Outcome missing = Kestova("undo disk.img.kestova-backup-7");
     EXPECT_EQ(missing.status, 3);
-    EXPECT_EQ(missing.errors, "kestova: disk.img.kestova-backup-7: cannot be read\n");
+    EXPECT_EQ(missing.errors, "kestova: disk.img.kestova-backup-7: cannot be read: there is no such file\n");
 }
 
 TEST_F(Undo, BackupWithANameOfItsOwn_Undo_WantsTheImage) {
