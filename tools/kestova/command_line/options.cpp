@@ -5,8 +5,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include <algorithm>
-
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 
