@@ -37,6 +37,13 @@ TEST_F(FilesOnImages, NtfsFolder_Files_AreThoseOfNtfsls) {
     EXPECT_EQ(Output(std::string("cat ours") + namesOnly), theirs);
 }
 
+TEST_F(FilesOnImages, FileTypedInOtherCase_Files_HasTheNameThatIsStored) {
+    ChangeRecoveryVolume("true");
+    const std::string stored = Output("ntfsls --force --path /sources part | grep -ix qelhdrcv.ini");
+    EXPECT_THAT(Files("1:/SOURCES/qelhdrcv.INI --hash"),
+                HasSubstr("\n" + stored.substr(0, stored.find('\n')) + "  "));
+}
+
 TEST_F(FilesOnImages, NtfsFiles_Hash_IsThatOfNtfscat) {
     ChangeRecoveryVolume(
         "head -c 3000001 /dev/zero | tr '\\0' x >long && truncate -s 5M long &&"
