@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -39,6 +40,18 @@ std::vector<Mistake> FindMistakes(const std::string& text);
 // supplied by an image. Throws DescriptionError if text in the PC is not UTF-8, since JSON cannot contain
 // it (contents of files and registry values can be any bytes).
 std::string WriteDescription(const Pc& pc);
+
+// Where two PCs differ: "disk 0, partition 2, bootIndicator", and what each has there, as their descriptions
+// write it; nothing for what only the other one has.
+struct Difference {
+    std::string place;
+    std::optional<std::string> left;
+    std::optional<std::string> right;
+};
+
+// All differences, in the order of a description. Disks, partitions, packs and letters are compared with
+// those of the same number, name or letter. Of an image only its path is compared.
+std::vector<Difference> Compare(const Pc& left, const Pc& right);
 
 // The JSON Schema of what ReadDescription takes, indented. What only the whole description shows, such as
 // partitions that overlap, it does not say.

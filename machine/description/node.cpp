@@ -43,9 +43,9 @@ struct UsualMistake {
 };
 
 constexpr UsualMistake usualMistakes[] = {
-    {"active", "bootIndicator", ": 128"},
-    {"bootable", "bootIndicator", ": 128"},
-    {"boot", "bootIndicator", ": 128"},
+    {"active", "bootIndicator", ": 1"},
+    {"bootable", "bootIndicator", ": 1"},
+    {"boot", "bootIndicator", ": 1"},
     {"type", "mbrType", ": \"0x07\", or \"gptType\""},
     {"id", "gptId", ""},
     {"uuid", "gptId", ""},

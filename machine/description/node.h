@@ -143,7 +143,7 @@ std::string PlaceOfKey(const std::string& place, const std::string& key);
 std::string PlaceOfEntry(const std::string& place, size_t index);
 
 // A word in quotes with the known one that was meant: "ofset" (did you mean "offset"?), "active" (did you
-// mean "bootIndicator": 128?).
+// mean "bootIndicator": 1?).
 std::string Unknown(const std::string& word, const std::vector<std::string>& known);
 
 }  // namespace machine::description

@@ -29,7 +29,7 @@ void Output::Object() const {
 }
 
 Output Output::Key(std::string_view key) const {
-    return Output((*value_)[std::string(key)]);
+    return Output((*value_)[std::string(key)], whole_);
 }
 
 void Output::List() const {
@@ -38,7 +38,7 @@ void Output::List() const {
 
 Output Output::Entry() const {
     value_->push_back(nullptr);
-    return Output(value_->back());
+    return Output(value_->back(), whole_);
 }
 
 bool IsJsonText(const std::string& text) {

@@ -13,7 +13,10 @@ namespace machine::description {
 // until the next one is taken from the same object or list.
 class Output {
   public:
-    explicit Output(Json& value) : value_(&value) {}
+    // `whole`: with the keys that could be left out because they have their standard values.
+    explicit Output(Json& value, bool whole = false) : value_(&value), whole_(whole) {}
+
+    bool IsWhole() const { return whole_; }
 
     void Null() const;
     void Text(const std::string& text) const;
@@ -29,6 +32,7 @@ class Output {
 
   private:
     Json* value_;
+    bool whole_;
 };
 
 // Whether JSON can hold the text, which must be UTF-8.

@@ -104,8 +104,8 @@ void WriteRecord(const RecordType<Record>& type, Output out, const Record& recor
         if (index == type.leading && type.standard != nullptr) standard = type.standard(record);
         const Field<Record>& field = type.fields[index];
         const bool supplied = type.onImage && field.suppliedByImage;
-        const bool leftOut =
-            field.presence == Presence::Optional && field.access.isStandard(record, standard);
+        const bool leftOut = !out.IsWhole() && field.presence == Presence::Optional &&
+                             field.access.isStandard(record, standard);
         if (!supplied && !leftOut) field.access.write(out.Key(field.key), record, standard);
     }
 }

@@ -41,7 +41,7 @@ TEST(FindMistakes, SeveralMistakes_NamesEachWithItsPlaceInTheOrderOfTheText) {
                     "5:9 disks[0].partitions[0]: the key \"offset\" is missing",
                     "5:23 disks[0].partitions[0].ofset: unknown key \"ofset\" (did you mean \"offset\"?)",
                     "5:54 disks[0].partitions[0].active: unknown key \"active\" (did you mean "
-                    "\"bootIndicator\": 128?)",
+                    "\"bootIndicator\": 1?)",
                     "6:10 disks[0].partitions[1].number: must be a whole number, like 39 or \"0x27\"",
                     "7:16 faults[0]: the key \"call\" is missing"));
 }

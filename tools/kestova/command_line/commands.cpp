@@ -84,6 +84,7 @@ const std::vector<Command>& Commands() {
         {"repair-table", "", "Write a damaged GUID partition table anew from its good copy", 0, 0, true,
          false, RepairTables},
         {"validate", "FILE...", "All mistakes in descriptions of PCs", 1, any, false, false, Validate},
+        {"compare", "PC PC", "Where two described PCs differ", 2, 2, false, false, Compare},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},

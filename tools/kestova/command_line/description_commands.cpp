@@ -5,6 +5,7 @@
 #include "tools/kestova/command_line/command_functions.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/reports/comparison.h"
 #include "tools/kestova/reports/validation.h"
 
 namespace commands {
@@ -15,6 +16,12 @@ int Validate(const CommandLine& line) {
         reports.push_back(::Validate(file));
     Show(line, reports);
     return std::ranges::all_of(reports, &ValidationReport::IsValid) ? Done : UnreadablePcStatus;
+}
+
+int Compare(const CommandLine& line) {
+    const ComparisonReport report = ComparePcs(line.arguments[0], line.arguments[1]);
+    Show(line, report);
+    return report.differences.empty() ? Done : Failure;
 }
 
 }  // namespace commands

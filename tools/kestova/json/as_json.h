@@ -10,6 +10,7 @@
 
 #include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
+#include "tools/kestova/reports/comparison.h"
 #include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
@@ -28,6 +29,7 @@ std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const TableRepairReport& report);
 std::string AsJson(const UndoReport& report);
 std::string AsJson(const std::vector<ValidationReport>& reports);
+std::string AsJson(const ComparisonReport& report);
 // {"error", "status"}: why the program ends with that status. In ASCII.
 std::string ErrorAsJson(const std::string& message, int status);
 

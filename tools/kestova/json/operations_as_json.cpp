@@ -159,6 +159,16 @@ std::string AsJson(const std::vector<machine::NamedMachine>& machines) {
     return Lines(machines);
 }
 
+std::string AsJson(const ComparisonReport& report) {
+    const auto side = [](const std::optional<std::string>& value) { return value ? Json(*value) : Json(); };
+    Json differences = Json::array();
+    for (const machine::Difference& difference : report.differences)
+        differences.push_back({{"place", difference.place},
+                               {"left", side(difference.left)},
+                               {"right", side(difference.right)}});
+    return Line({{"left", report.left}, {"right", report.right}, {"differences", differences}});
+}
+
 std::string AsJson(const std::vector<ValidationReport>& reports) {
     return Lines(reports);
 }

@@ -197,6 +197,14 @@ constexpr OutputKey validateKeys[] = {
     {"mistakes[].text", "string", "what is wrong"},
 };
 
+constexpr OutputKey compareKeys[] = {
+    {"left", "string", "the first PC, as it was named"},
+    {"right", "string", "the second"},
+    {"differences[].place", "string", "of the fact"},
+    {"differences[].left", "string|null", "what the first has there, as JSON; null if it has nothing"},
+    {"differences[].right", "string|null", "the same of the second"},
+};
+
 constexpr OutputKey callsKeys[] = {
     {"call", "string", "for --fail"},
     {"failsWith", "string", "how it reports a failure"},
@@ -223,6 +231,7 @@ const std::vector<CommandOutput>& Outputs() {
         {"pcs", {pcsKeys}},
         {"calls", {callsKeys}},
         {"validate", {validateKeys}},
+        {"compare", {compareKeys}},
     };
     return outputs;
 }

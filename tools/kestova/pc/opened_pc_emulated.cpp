@@ -15,7 +15,7 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/changes.h"
-#include "tools/kestova/pc/description_text.h"
+#include "tools/kestova/pc/described_pc.h"
 #include "tools/kestova/pc/fault_option.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/pc/opened_pc.h"
@@ -30,24 +30,6 @@ using machine::Pc;
 using machine::SystemKind;
 
 constexpr std::string_view standardMachine = "factory-mbr";
-
-const NamedMachine* FindMachine(std::string_view name) {
-    for (const NamedMachine& named : machine::NamedMachines()) {
-        if (named.name == name) return &named;
-    }
-    return nullptr;
-}
-
-// A word without a dot or a slash is the name of a machine; an unknown one is wrong use.
-[[noreturn]] void RefuseMissing(const std::string& nameOrFile) {
-    if (nameOrFile.find_first_of("./\\") != std::string::npos) {
-        throw UnreadablePc(nameOrFile + ": there is no such file");
-    }
-    std::vector<std::string> names;
-    for (const NamedMachine& named : machine::NamedMachines())
-        names.emplace_back(named.name);
-    throw WrongUse("--pc: " + UnknownWord("machine or file", nameOrFile, names));
-}
 
 // The paths of all images of the PC.
 std::vector<std::string*> ImagesOf(Pc& pc) {
@@ -84,10 +66,8 @@ uint64_t ImageBytes(const Pc& pc) {
 
 // Image paths in a description are relative to its file.
 Pc ReadDescriptionFile(const std::string& name, const ImageUse& use) {
-    std::error_code error;
-    if (!fs::exists(name, error)) RefuseMissing(name);
+    Pc pc = DescribedPc(name, "--pc");
     try {
-        Pc pc = machine::ReadDescription(ReadDescriptionText(name), name);
         for (std::string* const image : ImagesOf(pc))
             *image = (fs::path(name).parent_path() / *image).string();
         AttachImages(pc, use);

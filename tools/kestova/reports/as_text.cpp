@@ -193,6 +193,22 @@ std::string AsText(const std::vector<ValidationReport>& reports) {
     return text;
 }
 
+std::string AsText(const ComparisonReport& report) {
+    if (report.differences.empty()) return "no differences\n";
+    constexpr size_t longest = 60;
+    std::string text;
+    for (const auto& [place, left, right] : report.differences) {
+        text += place + ": ";
+        if (!left || !right) {
+            text += "only in " + (left ? report.left : report.right) + "\n";
+        } else {
+            text += CutToWidth(*left, longest) + " in " + report.left + ", " + CutToWidth(*right, longest) +
+                    " in " + report.right + "\n";
+        }
+    }
+    return text;
+}
+
 std::string AsText(std::span<const machine::CallInfo> calls) {
     Rows rows = {{"Call", "Fails with", "Changes the PC", "Documented codes"}};
     for (const machine::CallInfo& call : calls) {

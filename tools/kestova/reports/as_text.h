@@ -9,6 +9,7 @@
 #include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/reports/comparison.h"
 #include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
@@ -27,6 +28,7 @@ std::string AsText(const OperationReport& report);
 std::string AsText(const RecoveryReport& report);
 std::string AsText(const TableRepairReport& report);
 std::string AsText(const std::vector<ValidationReport>& reports);
+std::string AsText(const ComparisonReport& report);
 std::string AsText(const UndoReport& report);
 // The line that names a backup.
 std::string BackupText(const std::string& file);

@@ -1,7 +1,7 @@
 #include "tools/kestova/reports/validation.h"
 
 #include "tools/kestova/common/errors.h"
-#include "tools/kestova/pc/description_text.h"
+#include "tools/kestova/pc/described_pc.h"
 #include "tools/kestova/pc/opened_pc.h"
 
 ValidationReport Validate(const std::string& file) {

@@ -1,0 +1,113 @@
+// Compares two PCs by their descriptions, so that each fact that a description can hold is compared.
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "machine/description/description.h"
+#include "machine/description/types.h"
+
+namespace machine {
+
+namespace {
+
+using description::Json;
+
+// A list of things that are known by a key of theirs, and what one is called.
+struct Kind {
+    std::string_view list;
+    std::string_view word;
+    const char* key;
+};
+
+constexpr Kind kinds[] = {{"packs", "pack", "name"},
+                          {"disks", "disk", "number"},
+                          {"partitions", "partition", "number"},
+                          {"volumes", "volume", "letters"},
+                          {"encryptableVolumes", "encryptable volume", "driveLetter"}};
+
+std::string TextOf(const Json& value) {
+    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+// Both sides of a place; null for what one does not have.
+using Sides = std::pair<const Json*, const Json*>;
+
+class Comparison {
+  public:
+    void Values(const std::string& place, Sides sides) {
+        const auto [left, right] = sides;
+        if (left != nullptr && right != nullptr && *left == *right) return;
+        if (AreBoth(sides, &Json::is_object)) {
+            Objects(place, *left, *right);
+        } else if (const Kind* const kind = KindOf(place);
+                   kind != nullptr && AreBoth(sides, &Json::is_array)) {
+            Lists(place.substr(0, place.size() - kind->list.size()), *kind, *left, *right);
+        } else {
+            const auto text = [](const Json* value) {
+                return value != nullptr ? std::optional(TextOf(*value)) : std::nullopt;
+            };
+            found.push_back({place, text(left), text(right)});
+        }
+    }
+
+    std::vector<Difference> found;
+
+  private:
+    static bool AreBoth(Sides sides, bool (Json::*is)() const noexcept) {
+        return sides.first != nullptr && sides.second != nullptr && (sides.first->*is)() &&
+               (sides.second->*is)();
+    }
+
+    static const Kind* KindOf(const std::string& place) {
+        const auto kind = std::ranges::find_if(kinds, [&](const Kind& row) {
+            return place == row.list || place.ends_with(", " + std::string(row.list));
+        });
+        return kind != std::end(kinds) ? kind : nullptr;
+    }
+
+    void Objects(const std::string& place, const Json& left, const Json& right) {
+        const std::string before = place.empty() ? "" : place + ", ";
+        const auto side = [](const Json& object, const std::string& key) {
+            return object.contains(key) ? &object.at(key) : nullptr;
+        };
+        for (const auto& [key, value] : left.items())
+            Values(before + key, {&value, side(right, key)});
+        for (const auto& [key, value] : right.items())
+            if (!left.contains(key)) Values(before + key, {nullptr, &value});
+    }
+
+    void Lists(const std::string& before, const Kind& kind, const Json& left, const Json& right) {
+        const auto find = [&](const Json& list, const Json& wanted) -> const Json* {
+            const auto entry = std::ranges::find_if(
+                list, [&](const Json& other) { return other.at(kind.key) == wanted.at(kind.key); });
+            return entry != list.end() ? &*entry : nullptr;
+        };
+        const auto place = [&](const Json& entry) {
+            const Json& key = entry.at(kind.key);
+            return before + std::string(kind.word) + " " +
+                   (key.is_string() ? key.get<std::string>() : TextOf(key));
+        };
+        for (const Json& entry : left)
+            Values(place(entry), {&entry, find(right, entry)});
+        for (const Json& entry : right)
+            if (find(left, entry) == nullptr) Values(place(entry), {nullptr, &entry});
+    }
+};
+
+Json Whole(const Pc& pc) {
+    Json json;
+    description::WritePc(description::Output(json, true), pc);
+    return json;
+}
+
+}  // namespace
+
+std::vector<Difference> Compare(const Pc& left, const Pc& right) {
+    const Json ofLeft = Whole(left);
+    const Json ofRight = Whole(right);
+    Comparison comparison;
+    comparison.Values("", {&ofLeft, &ofRight});
+    return comparison.found;
+}
+
+}  // namespace machine

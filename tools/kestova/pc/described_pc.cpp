@@ -1,0 +1,65 @@
+#include "tools/kestova/pc/described_pc.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include "machine/description/description.h"
+#include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/input_file.h"
+#include "tools/kestova/common/text.h"
+#include "tools/kestova/pc/opened_pc.h"
+
+using machine::NamedMachine;
+
+const NamedMachine* FindMachine(std::string_view name) {
+    for (const NamedMachine& named : machine::NamedMachines()) {
+        if (named.name == name) return &named;
+    }
+    return nullptr;
+}
+
+namespace {
+
+// A word without a dot or a slash is the name of a machine; an unknown one is wrong use.
+[[noreturn]] void RefuseMissing(const std::string& nameOrFile, const std::string& asker) {
+    if (nameOrFile.find_first_of("./\\") != std::string::npos) {
+        throw UnreadablePc(nameOrFile + ": there is no such file");
+    }
+    std::vector<std::string> names;
+    for (const NamedMachine& named : machine::NamedMachines())
+        names.emplace_back(named.name);
+    throw WrongUse(asker + ": " + UnknownWord("machine or file", nameOrFile, names));
+}
+
+}  // namespace
+
+std::string ReadDescriptionText(const std::string& name) {
+    std::error_code error;
+    if (!std::filesystem::exists(name, error)) throw UnreadablePc(name + ": there is no such file");
+    std::ifstream file = OpenInput(name);
+    std::string text(largestDescription + 1, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (std::filesystem::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
+        throw UnreadablePc(name + ": cannot be read");
+    }
+    text.resize(static_cast<size_t>(file.gcount()));
+    if (text.size() > largestDescription) {
+        throw UnreadablePc(name + ": larger than 16 MiB, so no description; name a disk image with --image");
+    }
+    if (text.empty()) throw UnreadablePc(name + ": the description is empty");
+    if (text.find('\0') != std::string::npos) {
+        throw UnreadablePc(name + ": not UTF-8 text, so no description; name a disk image with --image");
+    }
+    return text;
+}
+
+machine::Pc DescribedPc(const std::string& nameOrFile, const std::string& asker) {
+    if (const NamedMachine* const named = FindMachine(nameOrFile)) return named->make();
+    std::error_code error;
+    if (!std::filesystem::exists(nameOrFile, error)) RefuseMissing(nameOrFile, asker);
+    try {
+        return machine::ReadDescription(ReadDescriptionText(nameOrFile), nameOrFile);
+    } catch (const machine::DescriptionError& what) {
+        throw UnreadablePc(what.what());
+    }
+}
