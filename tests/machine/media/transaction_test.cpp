@@ -483,8 +483,8 @@ TEST_F(PowerCuts, Interrupted_OpenToAskOrToChange_SaysWhatBecameOfIt) {
     EXPECT_THAT(
         Attach(image_).medium->Notes(),
         testing::ElementsAre(
-            image_ +
-            ": a change was interrupted; the image is shown as it will be once `kestova recover` has taken it back"));
+            image_ + ": a change was interrupted; the image is shown as it will be once `kestova --image " +
+            image_ + " recover` has taken it back"));
     EXPECT_TRUE(HasJournal()) << "who only asks changes nothing";
     EXPECT_THAT(Attach(image_, ImageAccess::Write).medium->Notes(),
                 testing::ElementsAre(image_ + ": a change that had been interrupted was taken back"));
