@@ -1,4 +1,5 @@
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/pc/described_pc.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/interruption.h"
 
@@ -33,7 +34,9 @@ machine::ImageUse UseOfImages(const PcChoice& choice, machine::ImageAccess acces
     use.changesDisks =
         choice.yes || (use.access == machine::ImageAccess::Write && ConfirmDisks(choice.images));
     if (choice.sectorSize.empty()) return use;
-    if (choice.images.empty()) throw WrongUse("--sector-size: it is for --image, and there is none");
+    // A description can name images.
+    if (choice.images.empty() && (choice.pc.empty() || FindMachine(choice.pc) != nullptr))
+        throw WrongUse("--sector-size: it is for --image, and there is none");
     for (const uint32_t size : {512U, 4096U}) {
         if (choice.sectorSize == std::to_string(size)) use.sectorSize = size;
     }

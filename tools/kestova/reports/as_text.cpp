@@ -1,4 +1,5 @@
 #include "tools/kestova/reports/as_text.h"
+#include "tools/kestova/common/display_width.h"
 
 #include "base/utf.h"
 #include "machine/calls/documented_results.h"
