@@ -48,6 +48,7 @@ constexpr bool fromImage = true;
 
 struct Key {
     std::string_view name;
+    std::string_view words;
     Presence presence;
     bool suppliedByImage;
 };
@@ -59,6 +60,7 @@ void ExpectKeys(const std::vector<Key>& keys, bool onImage, const Node& node);
 template <typename Record>
 struct Field {
     std::string_view key;
+    std::string_view words;  // what it means, for the schema
     Presence presence;
     Access<Record> access;
     bool suppliedByImage = false;
@@ -81,7 +83,7 @@ struct RecordType {
     std::vector<Key> Keys() const {
         std::vector<Key> keys;
         for (const Field<Record>& field : fields)
-            keys.push_back({field.key, field.presence, field.suppliedByImage});
+            keys.push_back({field.key, field.words, field.presence, field.suppliedByImage});
         return keys;
     }
 };
@@ -115,7 +117,10 @@ void DescribeRecord(const RecordType<Record>& type, Output out) {
     const Output properties = schema::Object(out);
     const auto isSupplied = [&](const Field<Record>& field) { return type.onImage && field.suppliedByImage; };
     for (const Field<Record>& field : type.fields) {
-        if (!isSupplied(field)) field.access.describe(properties.Key(field.key));
+        if (isSupplied(field)) continue;
+        const Output described = properties.Key(field.key);
+        field.access.describe(described);
+        described.Key("description").Text(std::string(field.words));
     }
     for (const Field<Record>& field : type.fields) {
         if (!isSupplied(field) && field.presence == Presence::Required) schema::RequireKey(out, field.key);

@@ -34,22 +34,29 @@ constexpr Named encryptionMethods[] = {{"none", 0},        {"aes-128-diffuser", 
 constexpr Named packStatuses[] = {{"unknown", 0}, {"online", 1}, {"offline", 4}};
 
 constexpr Field<Extent> extentFields[] = {
-    {"disk", Required, member<&Extent::disk, Number<uint32_t>>},
-    {"offset", Required, member<&Extent::offset, ByteCount>},
-    {"size", Required, member<&Extent::size, ByteCount>},
+    {"disk", "number of the disk", Required, member<&Extent::disk, Number<uint32_t>>},
+    {"offset", "from the beginning of that disk", Required, member<&Extent::offset, ByteCount>},
+    {"size", "of the extent", Required, member<&Extent::size, ByteCount>},
 };
 constexpr RecordType<Extent> extentType = {extentFields};
 
 constexpr Field<Volume> volumeFields[] = {
-    {"letters", Optional, member<&Volume::letters, Letters>},
-    {"fileSystem", Optional, member<&Volume::fileSystem, Text>, fromImage},
-    {"label", Optional, member<&Volume::label, OrError<Text, ErrorCode>>, fromImage},
-    {"driveType", Optional, member<&Volume::driveType, Word<DriveType, driveTypes>>},
-    {"furtherExtents", Optional, member<&Volume::furtherExtents, ListOf<RecordOf<extentType>>>},
-    {"openError", Optional, member<&Volume::openError, ErrorCode>},
-    {"extentType", Optional, member<&Volume::extentType, OrNull<WordOrNumber<int, extentTypes>>>},
-    {"files", Optional, member<&Volume::files, Files>, fromImage},
-    {"image", Required, member<&Volume::image, Text>},
+    {"letters", "the current letters of the volume; there can be several", Optional,
+     member<&Volume::letters, Letters>},
+    {"fileSystem", "as GetVolumeInformationW reports it; RAW if unreadable, BitLocker if locked", Optional,
+     member<&Volume::fileSystem, Text>, fromImage},
+    {"label", "the label, or the error of reading it", Optional,
+     member<&Volume::label, OrError<Text, ErrorCode>>, fromImage},
+    {"driveType", "as GetDriveTypeW returns it", Optional,
+     member<&Volume::driveType, Word<DriveType, driveTypes>>},
+    {"furtherExtents", "the extents of the volume besides its partition", Optional,
+     member<&Volume::furtherExtents, ListOf<RecordOf<extentType>>>},
+    {"openError", "the error of CreateFileW on \\\\.\\X:; 0: it succeeds", Optional,
+     member<&Volume::openError, ErrorCode>},
+    {"extentType", "as VDS reports the extent", Optional,
+     member<&Volume::extentType, OrNull<WordOrNumber<int, extentTypes>>>},
+    {"files", "the files of the volume", Optional, member<&Volume::files, Files>, fromImage},
+    {"image", "only under volumes: the image of a disc or stick", Required, member<&Volume::image, Text>},
 };
 // Only a volume without a disk has an image of its own.
 constexpr RecordType<Volume> volumeType = {std::span(volumeFields).first<std::size(volumeFields) - 1>()};
@@ -58,33 +65,41 @@ constexpr RecordType<Volume> mediumType = RecordType<Volume>{volumeFields}.OnIma
 
 template <const auto& typeOfVolume>
 constexpr Field<Partition> partitionFields[] = {
-    {"number", Required, member<&Partition::number, Number<uint32_t>>},
-    {"offset", Required, member<&Partition::offset, ByteCount>, fromImage},
-    {"size", Required, member<&Partition::size, ByteCount>, fromImage},
-    {"mbrType", Optional, member<&Partition::mbrType, Number<uint8_t, Notation::Hex>>, fromImage},
-    {"bootIndicator", Optional, member<&Partition::bootIndicator, Number<uint8_t>>, fromImage},
-    {"gptType", Optional, member<&Partition::gptType, GuidValue>, fromImage},
-    {"gptId", Optional, member<&Partition::gptId, GuidValue>, fromImage},
-    {"attributes", Optional, member<&Partition::attributes, Number<uint64_t, Notation::Hex>>, fromImage},
-    {"name", Optional, member<&Partition::name, Text>, fromImage},
-    {"volume", Optional, member<&Partition::volume, OrNull<RecordOf<typeOfVolume>>>},
+    {"number",
+     "as in Windows: used entries from 1, and 0 for an extended partition itself; unique on its disk",
+     Required, member<&Partition::number, Number<uint32_t>>},
+    {"offset", "from the beginning of the disk, a multiple of 512", Required,
+     member<&Partition::offset, ByteCount>, fromImage},
+    {"size", "more than 0", Required, member<&Partition::size, ByteCount>, fromImage},
+    {"mbrType", "on MBR disks: the type's ID, 0 to 0xFF", Optional,
+     member<&Partition::mbrType, Number<uint8_t, Notation::Hex>>, fromImage},
+    {"bootIndicator", "on MBR disks, as VDS reports it: 1 is active; 0 to 255", Optional,
+     member<&Partition::bootIndicator, Number<uint8_t>>, fromImage},
+    {"gptType", "on GPT disks: the type", Optional, member<&Partition::gptType, GuidValue>, fromImage},
+    {"gptId", "on GPT disks: the partition's own GUID", Optional, member<&Partition::gptId, GuidValue>,
+     fromImage},
+    {"attributes", "on GPT disks; 64 bits", Optional,
+     member<&Partition::attributes, Number<uint64_t, Notation::Hex>>, fromImage},
+    {"name", "on GPT disks", Optional, member<&Partition::name, Text>, fromImage},
+    {"volume", "the contents, with or without a letter", Optional,
+     member<&Partition::volume, OrNull<RecordOf<typeOfVolume>>>},
 };
 constexpr RecordType<Partition> partitionType = {partitionFields<volumeType>};
 constexpr RecordType<Partition> partitionOfImageType =
     RecordType<Partition>{partitionFields<volumeOfImageType>}.OnImage();
 
 constexpr Field<ScsiAddress> scsiAddressFields[] = {
-    {"port", Optional, member<&ScsiAddress::port, Number<uint8_t>>},
-    {"path", Optional, member<&ScsiAddress::path, Number<uint8_t>>},
-    {"target", Optional, member<&ScsiAddress::target, Number<uint8_t>>},
-    {"lun", Optional, member<&ScsiAddress::lun, Number<uint8_t>>},
+    {"port", "the adapter", Optional, member<&ScsiAddress::port, Number<uint8_t>>},
+    {"path", "bus or channel", Optional, member<&ScsiAddress::path, Number<uint8_t>>},
+    {"target", "target id", Optional, member<&ScsiAddress::target, Number<uint8_t>>},
+    {"lun", "logical unit", Optional, member<&ScsiAddress::lun, Number<uint8_t>>},
 };
 constexpr RecordType<ScsiAddress> scsiAddressType = {scsiAddressFields};
 
 constexpr Field<WmiDisk> wmiDiskFields[] = {
-    {"deviceId", Optional, member<&WmiDisk::deviceId, OrNull<Text>>},
-    {"pnpDeviceId", Optional, member<&WmiDisk::pnpDeviceId, OrNull<Text>>},
-    {"interfaceType", Optional, member<&WmiDisk::interfaceType, OrNull<Text>>},
+    {"deviceId", "property DeviceID", Optional, member<&WmiDisk::deviceId, OrNull<Text>>},
+    {"pnpDeviceId", "property PNPDeviceID", Optional, member<&WmiDisk::pnpDeviceId, OrNull<Text>>},
+    {"interfaceType", "property InterfaceType", Optional, member<&WmiDisk::interfaceType, OrNull<Text>>},
 };
 constexpr RecordType<WmiDisk> wmiDiskType = {wmiDiskFields};
 
@@ -95,24 +110,33 @@ Disk StandardDiskOf(const Disk& leading) {
 
 template <const auto& typeOfPartition>
 constexpr Field<Disk> diskFields[] = {
-    {"number", Required, member<&Disk::number, Number<uint32_t>>},
-    {"busType", Optional, member<&Disk::busType, WordOrNumber<uint32_t, busTypes>>},
-    {"image", Optional, member<&Disk::image, Text>},
-    {"vdsName", Optional, member<&Disk::vdsName, OrNull<Text>>},
-    {"deviceType", Optional, member<&Disk::deviceType, WordOrNumber<uint32_t, deviceTypes>>},
-    {"size", Optional, member<&Disk::size, ByteCount>, fromImage},
-    {"style", Optional, member<&Disk::style, Word<PartitionStyle, partitionStyles>>, fromImage},
-    {"signature", Optional, member<&Disk::signature, Number<uint32_t, Notation::Hex>>, fromImage},
-    {"guid", Optional, member<&Disk::guid, GuidValue>, fromImage},
-    {"pack", Optional, member<&Disk::pack, Text>},
-    {"unallocated", Optional, member<&Disk::unallocated, Flag>},
-    {"wmi", Optional, member<&Disk::wmi, OrNull<RecordOf<wmiDiskType>>>},
-    {"location", Optional, member<&Disk::location, OrError<Text, ErrorCode>>},
-    {"scsiAddress", Optional, member<&Disk::scsiAddress, OrError<RecordOf<scsiAddressType>, ErrorCode>>},
-    {"storageBusType", Optional,
+    {"number", "as in PhysicalDriveN; unique", Required, member<&Disk::number, Number<uint32_t>>},
+    {"busType", "as VDS reports it", Optional, member<&Disk::busType, WordOrNumber<uint32_t, busTypes>>},
+    {"image", "a raw image file", Optional, member<&Disk::image, Text>},
+    {"vdsName", "as VDS reports it; null: no name", Optional, member<&Disk::vdsName, OrNull<Text>>},
+    {"deviceType", "type of the medium", Optional,
+     member<&Disk::deviceType, WordOrNumber<uint32_t, deviceTypes>>},
+    {"size", "of the whole disk", Optional, member<&Disk::size, ByteCount>, fromImage},
+    {"style", "of the partition table", Optional, member<&Disk::style, Word<PartitionStyle, partitionStyles>>,
+     fromImage},
+    {"signature", "on MBR disks; 0 to 0xFFFFFFFF", Optional,
+     member<&Disk::signature, Number<uint32_t, Notation::Hex>>, fromImage},
+    {"guid", "on GPT disks", Optional, member<&Disk::guid, GuidValue>, fromImage},
+    {"pack", "name of a pack under packs", Optional, member<&Disk::pack, Text>},
+    {"unallocated", "listed as unallocated; then in a pack only if pack names one", Optional,
+     member<&Disk::unallocated, Flag>},
+    {"wmi", "the instance of Win32_DiskDrive; null: WMI does not list the disk", Optional,
+     member<&Disk::wmi, OrNull<RecordOf<wmiDiskType>>>},
+    {"location", "location text of device set-up; error 13: no such property", Optional,
+     member<&Disk::location, OrError<Text, ErrorCode>>},
+    {"scsiAddress", "result of IOCTL_SCSI_GET_ADDRESS", Optional,
+     member<&Disk::scsiAddress, OrError<RecordOf<scsiAddressType>, ErrorCode>>},
+    {"storageBusType", "result of IOCTL_STORAGE_QUERY_PROPERTY, with the words of busType", Optional,
      member<&Disk::storageBusType, OrError<WordOrNumber<uint32_t, busTypes>, ErrorCode>>},
-    {"controllers", Optional, member<&Disk::controllers, ListOf<Text>>},
-    {"partitions", Optional, member<&Disk::partitions, ListOf<RecordOf<typeOfPartition>>>},
+    {"controllers", "PNP device ids of the disk's controllers, nearest first", Optional,
+     member<&Disk::controllers, ListOf<Text>>},
+    {"partitions", "in the order of VDS", Optional,
+     member<&Disk::partitions, ListOf<RecordOf<typeOfPartition>>>},
 };
 constexpr RecordType<Disk> diskType = {
     .fields = diskFields<partitionType>, .leading = 2, .standard = StandardDiskOf};
@@ -120,15 +144,18 @@ constexpr RecordType<Disk> diskOfImageType = {
     .fields = diskFields<partitionOfImageType>, .onImage = true, .leading = 2, .standard = StandardDiskOf};
 
 constexpr Field<Pack> packFields[] = {
-    {"name", Required, member<&Pack::name, Text>},
-    {"status", Optional, member<&Pack::status, WordOrNumber<int, packStatuses>>},
-    {"dynamic", Optional, member<&Pack::dynamic, Flag>},
+    {"name", "used by disks; unique and not empty", Required, member<&Pack::name, Text>},
+    {"status", "as VDS reports it", Optional, member<&Pack::status, WordOrNumber<int, packStatuses>>},
+    {"dynamic", "listed by the dynamic provider, not by the basic one", Optional,
+     member<&Pack::dynamic, Flag>},
 };
 constexpr RecordType<Pack> packType = {packFields};
 
 constexpr Field<Firmware> firmwareFields[] = {
-    {"kind", Optional, member<&Firmware::kind, Word<FirmwareKind, firmwareKinds>>},
-    {"error", Optional, member<&Firmware::error, OrNull<ErrorCode>>},
+    {"kind", "of the firmware", Optional, member<&Firmware::kind, Word<FirmwareKind, firmwareKinds>>},
+    {"error",
+     "the last error of GetFirmwareEnvironmentVariableW; 0: it succeeds; null: 1 on BIOS, 998 on UEFI",
+     Optional, member<&Firmware::error, OrNull<ErrorCode>>},
 };
 constexpr RecordType<Firmware> firmwareType = {firmwareFields};
 
@@ -138,78 +165,112 @@ RunningSystem StandardSystem(const RunningSystem& leading) {
 }
 
 constexpr Field<RunningSystem> systemFields[] = {
-    {"kind", Optional, member<&RunningSystem::kind, Word<SystemKind, systemKinds>>},
-    {"windowsDirectory", Optional, member<&RunningSystem::windowsDirectory, Text>},
-    {"startOptions", Optional, member<&RunningSystem::startOptions, OrNull<Text>>},
-    {"emulates32Bit", Optional, member<&RunningSystem::emulates32Bit, Flag>},
+    {"kind", "of the running system", Optional, member<&RunningSystem::kind, Word<SystemKind, systemKinds>>},
+    {"windowsDirectory", "as GetWindowsDirectoryW returns it", Optional,
+     member<&RunningSystem::windowsDirectory, Text>},
+    {"startOptions",
+     "the registry value SystemStartOptions; null: the one that registry describes, if it does", Optional,
+     member<&RunningSystem::startOptions, OrNull<Text>>},
+    {"emulates32Bit",
+     "the host application is a 32-bit program on a 64-bit system: System32 below the Windows directory is redirected to SysWOW64, unless it disables the redirection",
+     Optional, member<&RunningSystem::emulates32Bit, Flag>},
 };
 constexpr RecordType<RunningSystem> systemType = {
     .fields = systemFields, .leading = 1, .standard = StandardSystem};
 
 constexpr Field<HostApplication> hostFields[] = {
-    {"path", Optional, member<&HostApplication::path, Text>},
-    {"files", Optional, member<&HostApplication::files, Files>},
+    {"path", "full path of the host application", Optional, member<&HostApplication::path, Text>},
+    {"files", "files in its folder, such as IDE.INI, which exist whatever the volumes contain", Optional,
+     member<&HostApplication::files, Files>},
 };
 constexpr RecordType<HostApplication> hostType = {hostFields};
 
 constexpr Field<Shell> shellFields[] = {
-    {"milliseconds", Optional, member<&Shell::milliseconds, Number<uint32_t>>},
-    {"regFails", Optional, member<&Shell::regFails, Flag>},
-    {"tellsProcess", Optional, member<&Shell::returnsProcess, Flag>},
+    {"milliseconds", "duration of a batch file, on the clock of the described PC; nothing really waits",
+     Optional, member<&Shell::milliseconds, Number<uint32_t>>},
+    {"regFails", "reg does nothing and returns an error", Optional, member<&Shell::regFails, Flag>},
+    {"tellsProcess", "false: a batch file starts without a process handle", Optional,
+     member<&Shell::returnsProcess, Flag>},
 };
 constexpr RecordType<Shell> shellType = {shellFields};
 
 constexpr Field<EncryptableVolume> encryptableVolumeFields[] = {
-    {"deviceId", Optional, member<&EncryptableVolume::deviceId, OrNull<Text>>},
-    {"persistentVolumeId", Optional, member<&EncryptableVolume::persistentVolumeId, OrNull<Text>>},
-    {"driveLetter", Optional, member<&EncryptableVolume::driveLetter, OrNull<DriveName>>},
-    {"returnValue", Optional, member<&EncryptableVolume::returnValue, ErrorCode>},
-    {"encryptionMethod", Optional,
+    {"deviceId", "property DeviceID, \\\\?\\Volume{...}\\; unique", Optional,
+     member<&EncryptableVolume::deviceId, OrNull<Text>>},
+    {"persistentVolumeId", "property PersistentVolumeID", Optional,
+     member<&EncryptableVolume::persistentVolumeId, OrNull<Text>>},
+    {"driveLetter", "property DriveLetter, C:, in the case in which it is returned; unique", Optional,
+     member<&EncryptableVolume::driveLetter, OrNull<DriveName>>},
+    {"returnValue", "what the method GetEncryptionMethod returns", Optional,
+     member<&EncryptableVolume::returnValue, ErrorCode>},
+    {"encryptionMethod", "the method that it outputs", Optional,
      member<&EncryptableVolume::encryptionMethod, WordOrNumber<uint32_t, encryptionMethods>>},
 };
 constexpr RecordType<EncryptableVolume> encryptableVolumeType = {encryptableVolumeFields};
 
 constexpr Field<Switches> switchesFields[] = {
-    {"activeFlagIsExclusive", Optional, member<&Switches::activeFlagIsExclusive, Flag>},
-    {"letterless", Optional, member<&Switches::letterless, Word<Switches::Letterless, letterlessAnswers>>},
-    {"volumesRefuseLetterCalls", Optional, member<&Switches::volumesRefuseLetterCalls, Flag>},
-    {"hidingRemovesVolume", Optional, member<&Switches::hidingRemovesVolume, Flag>},
-    {"profilesSkipUtf8Mark", Optional, member<&Switches::profilesSkipUtf8Mark, Flag>},
+    {"activeFlagIsExclusive",
+     "true: setting the active flag of one partition clears those of the others on the disk. false: it changes one flag only",
+     Optional, member<&Switches::activeFlagIsExclusive, Flag>},
+    {"letterless",
+     "what IVdsAdvancedDisk::GetDriveLetter returns for a partition without a letter: fails (failure), nul (S_OK with NUL), zero (S_OK with the digit 0)",
+     Optional, member<&Switches::letterless, Word<Switches::Letterless, letterlessAnswers>>},
+    {"volumesRefuseLetterCalls",
+     "true: the letter calls of IVdsAdvancedDisk fail for a partition with a volume, as documented", Optional,
+     member<&Switches::volumesRefuseLetterCalls, Flag>},
+    {"hidingRemovesVolume",
+     "true: changing a partition to a type that Windows does not recognise removes its letters and label",
+     Optional, member<&Switches::hidingRemovesVolume, Flag>},
+    {"profilesSkipUtf8Mark", "true: a UTF-8 byte order mark does not spoil the first line of an INI file",
+     Optional, member<&Switches::profilesSkipUtf8Mark, Flag>},
 };
 constexpr RecordType<Switches> switchesType = {switchesFields};
 
 constexpr Field<FaultRule> faultFields[] = {
-    {"call", Required, member<&FaultRule::call, Text>},
-    {"nth", Optional, member<&FaultRule::nth, Number<uint32_t>>},
-    {"onwards", Optional, member<&FaultRule::onwards, Flag>},
-    {"afterEffect", Optional, member<&FaultRule::afterEffect, Flag>},
-    {"code", Required, member<&FaultRule::code, ErrorCode>},
+    {"call", "the published name of the call, from the list below; *: every call that can fail", Required,
+     member<&FaultRule::call, Text>},
+    {"nth", "which call of that name fails, from 1; 0: every call; with * the calls of all names are counted",
+     Optional, member<&FaultRule::nth, Number<uint32_t>>},
+    {"onwards", "also all later calls", Optional, member<&FaultRule::onwards, Flag>},
+    {"afterEffect",
+     "the call does its work first and then returns the code; matters only to calls marked *, and to every HRESULT if the code is a success other than 0, like 1 (S_FALSE)",
+     Optional, member<&FaultRule::afterEffect, Flag>},
+    {"code", "what the call returns, by its kind", Required, member<&FaultRule::code, ErrorCode>},
 };
 constexpr RecordType<FaultRule> faultType = {faultFields};
 
 constexpr Field<Pc> pcFields[] = {
-    {"name", Optional, member<&Pc::name, Text>},
-    {"firmware", Optional, member<&Pc::firmware, RecordOf<firmwareType>>},
-    {"system", Optional, member<&Pc::system, RecordOf<systemType>>},
-    {"host", Optional, member<&Pc::host, RecordOf<hostType>>},
-    {"packs", Optional, member<&Pc::packs, ListOf<RecordOf<packType>>>},
-    {"disks", Optional, member<&Pc::disks, ListOf<RecordOrImage<diskType, diskOfImageType>>>},
-    {"wmiOrder", Optional, member<&Pc::wmiOrder, ListOf<Number<uint32_t>>>},
-    {"volumes", Optional, member<&Pc::volumes, ListOf<RecordOrImage<volumeType, mediumType>>>},
-    {"registry", Optional, member<&Pc::registry, Registry>},
-    {"offlineSystemHive", Optional, member<&Pc::offlineSystemHive, Registry>},
-    {"shell", Optional, member<&Pc::shell, RecordOf<shellType>>},
-    {"encryptableVolumes", Optional,
-     member<&Pc::encryptableVolumes, OrNull<ListOf<RecordOf<encryptableVolumeType>>>>},
-    {"switches", Optional, member<&Pc::switches, RecordOf<switchesType>>},
-    {"faults", Optional, member<&Pc::faults, ListOf<RecordOf<faultType>>>},
+    {"name", "what the tool calls the PC", Optional, member<&Pc::name, Text>},
+    {"firmware", "BIOS or UEFI", Optional, member<&Pc::firmware, RecordOf<firmwareType>>},
+    {"system", "the running system", Optional, member<&Pc::system, RecordOf<systemType>>},
+    {"host", "the host application, which loads the library", Optional,
+     member<&Pc::host, RecordOf<hostType>>},
+    {"packs", "VDS packs to which disks refer", Optional, member<&Pc::packs, ListOf<RecordOf<packType>>>},
+    {"disks", "the disks, in the order of VDS", Optional,
+     member<&Pc::disks, ListOf<RecordOrImage<diskType, diskOfImageType>>>},
+    {"wmiOrder", "disk numbers in the order of WMI; unlisted disks follow in the order of VDS", Optional,
+     member<&Pc::wmiOrder, ListOf<Number<uint32_t>>>},
+    {"volumes", "volumes without a disk: discs, sticks, network drives, the RAM drive of Windows PE",
+     Optional, member<&Pc::volumes, ListOf<RecordOrImage<volumeType, mediumType>>>},
+    {"registry", "keys with their full path, HKLM\\SYSTEM\\...", Optional, member<&Pc::registry, Registry>},
+    {"offlineSystemHive",
+     "the contents of a SYSTEM hive file on a described volume, keys below its root; on an image the file itself is read",
+     Optional, member<&Pc::offlineSystemHive, Registry>},
+    {"shell", "how the command interpreter runs a batch file", Optional,
+     member<&Pc::shell, RecordOf<shellType>>},
+    {"encryptableVolumes",
+     "the instances of BitLocker's provider, in its order; null: there is no provider, as in plain Windows PE",
+     Optional, member<&Pc::encryptableVolumes, OrNull<ListOf<RecordOf<encryptableVolumeType>>>>},
+    {"switches", "behaviour that documents leave open", Optional,
+     member<&Pc::switches, RecordOf<switchesType>>},
+    {"faults", "calls that fail", Optional, member<&Pc::faults, ListOf<RecordOf<faultType>>>},
 };
 constexpr RecordType<Pc> pcType = {pcFields};
 
 KeysOfObject KeysOf(const char* object, const std::vector<Key>& keys) {
     KeysOfObject named = {object, {}};
     for (const Key& key : keys)
-        named.keys.emplace_back(key.name);
+        named.keys.push_back({std::string(key.name), std::string(key.words)});
     return named;
 }
 

@@ -15,10 +15,15 @@ void ReadPc(const Node& node, Pc& pc);
 void WritePc(Output out, const Pc& pc);
 void DescribePc(Output out);
 
+struct DescribedKey {
+    std::string name;
+    std::string words;
+};
+
 // Every key that a description can hold, below the name of the object that holds it ("disk", "partition").
 struct KeysOfObject {
     std::string object;
-    std::vector<std::string> keys;
+    std::vector<DescribedKey> keys;
 };
 std::vector<KeysOfObject> AllKeys();
 
