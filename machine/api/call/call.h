@@ -16,6 +16,10 @@ namespace machine {
 // Arguments and results are written to the journal in decimal, codes and flags in hexadecimal.
 std::string Hex(uint64_t value);
 
+// For a pointer of which only matters whether there is one: "null" or "given". For text: "null" or the text.
+std::string Presence(const void* pointer);
+std::string TextOrNull(const WCHAR* text);
+
 // Adds what the journal does not show of a call.
 void NoteUnshown(const std::string& call, std::vector<std::string> arguments);
 

@@ -11,6 +11,8 @@ namespace machine {
 
 namespace {
 
+constexpr LONG maximumWait = 0x80;  // WBEM_FLAG_CONNECT_USE_MAX_WAIT, which not every toolchain has
+
 constexpr HRESULT Code(WBEMSTATUS status) {
     return static_cast<HRESULT>(status);
 }
@@ -42,13 +44,16 @@ HRESULT Locate(EmulatedPc& pc, const std::string& space, const std::string& path
 }  // namespace
 
 HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR user, const BSTR password,
-                                  const BSTR locale, LONG flags, const BSTR authority, IWbemContext*,
+                                  const BSTR locale, LONG flags, const BSTR authority, IWbemContext* context,
                                   IWbemServices** services) {
     Empty(services);
     NoteUnshown("IWbemLocator::ConnectServer",
-                {ToUtf8(user), ToUtf8(password), ToUtf8(locale), std::to_string(flags), ToUtf8(authority)});
+                {TextOrNull(user), TextOrNull(password), TextOrNull(locale), std::to_string(flags),
+                 TextOrNull(authority), Presence(context)});
     return Call("IWbemLocator::ConnectServer", {ToUtf8(resource)}, [&](EmulatedPc& pc) {
-        if (resource == nullptr || services == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
+        if (resource == nullptr || services == nullptr || (flags & ~maximumWait) != 0)
+            return Code(WBEM_E_INVALID_PARAMETER);
+        if (user != nullptr || password != nullptr) return Code(WBEM_E_LOCAL_CREDENTIALS);
         const std::optional<std::string> space = NamespaceOf(ToUtf8(resource));
         if (!space || !WmiRepository::Of(pc).HasNamespace(pc.facts, *space))
             return Code(WBEM_E_INVALID_NAMESPACE);
@@ -56,9 +61,10 @@ HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR user, const BS
     });
 }
 
-HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext*, IWbemClassObject** object,
-                               IWbemCallResult**) {
+HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext* context, IWbemClassObject** object,
+                               IWbemCallResult** callResult) {
     Empty(object);
+    NoteUnshown("IWbemServices::GetObject", {Presence(context), Presence(callResult)});
     return Call("IWbemServices::GetObject", {ToUtf8(path)}, [&](EmulatedPc& pc) {
         if (object == nullptr || flags != 0) return Code(WBEM_E_INVALID_PARAMETER);
         Located located;
@@ -70,9 +76,10 @@ HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext*, IWbem
     });
 }
 
-HRESULT WmiServices::CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext*,
+HRESULT WmiServices::CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext* context,
                                         IEnumWbemClassObject** enumerator) {
     Empty(enumerator);
+    NoteUnshown("IWbemServices::CreateInstanceEnum", {Presence(context)});
     return Call(
         "IWbemServices::CreateInstanceEnum", {ToUtf8(className), std::to_string(flags)}, [&](EmulatedPc& pc) {
             if (enumerator == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
@@ -83,9 +90,11 @@ HRESULT WmiServices::CreateInstanceEnum(const BSTR className, LONG flags, IWbemC
         });
 }
 
-HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG flags, IWbemContext*,
-                                IWbemClassObject* inputs, IWbemClassObject** outputs, IWbemCallResult**) {
+HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG flags, IWbemContext* context,
+                                IWbemClassObject* inputs, IWbemClassObject** outputs,
+                                IWbemCallResult** callResult) {
     Empty(outputs);
+    NoteUnshown("IWbemServices::ExecMethod", {Presence(context), Presence(inputs), Presence(callResult)});
     return Call("IWbemServices::ExecMethod", {ToUtf8(path), ToUtf8(method)}, [&](EmulatedPc& pc) {
         if (flags != 0) return Code(WBEM_E_INVALID_PARAMETER);
         Located located;

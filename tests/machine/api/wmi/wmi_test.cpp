@@ -72,13 +72,14 @@ class LampClient : public ComClient {
     ComPtr<IWbemServices> services;
 };
 
-HRESULT Connect(const std::string& space) {
+HRESULT Connect(const std::string& space, const BSTR user = nullptr, const BSTR password = nullptr,
+                LONG flags = 0) {
     ComPtr<IWbemLocator> locator;
     EXPECT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
                                reinterpret_cast<void**>(locator.Put())),
               S_OK);
     IWbemServices* services = reinterpret_cast<IWbemServices*>(1);
-    const HRESULT result = locator->ConnectServer(SystemString(space).Get(), nullptr, nullptr, nullptr, 0,
+    const HRESULT result = locator->ConnectServer(SystemString(space).Get(), user, password, nullptr, flags,
                                                   nullptr, nullptr, &services);
     EXPECT_EQ(services != nullptr, result == S_OK);
     if (services != nullptr) services->Release();
@@ -115,6 +116,16 @@ TEST(ConnectServer, EncryptionNamespace_OpensOnlyIfThePcHasIt) {
     client.pc.facts.encryptableVolumes.emplace();
     EXPECT_EQ(Connect(space), S_OK) << "even without a volume";
     EXPECT_EQ(client.OnLoan(), Loans());
+}
+
+TEST(ConnectServer, CredentialsOrUnknownFlagsForThisPc_Fail) {
+    ComClient client(machine::FactoryMbr());
+    const SystemString name("");
+    EXPECT_EQ(Connect("root\\cimv2", name.Get()), Code(WBEM_E_LOCAL_CREDENTIALS));
+    EXPECT_EQ(Connect("root\\cimv2", nullptr, name.Get()), Code(WBEM_E_LOCAL_CREDENTIALS));
+    EXPECT_EQ(Connect("root\\cimv2", nullptr, nullptr, 1), Code(WBEM_E_INVALID_PARAMETER));
+    constexpr LONG maximumWait = 0x80;
+    EXPECT_EQ(Connect("root\\cimv2", nullptr, nullptr, maximumWait), S_OK);
 }
 
 TEST(DiskDrives, SeveralDisks_AreListedInWmiOrder) {
