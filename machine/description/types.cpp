@@ -23,6 +23,9 @@ constexpr Named driveTypes[] = {{"unknown", DriveType::Unknown},     {"no-root",
 constexpr Named letterlessAnswers[] = {{"fails", Switches::Letterless::Fails},
                                        {"nul", Switches::Letterless::Nul},
                                        {"zero", Switches::Letterless::Zero}};
+constexpr Named shortDescriptorAnswers[] = {{"fills", Switches::ShortDescriptor::Fills},
+                                            {"more-data", Switches::ShortDescriptor::MoreData},
+                                            {"fails", Switches::ShortDescriptor::Fails}};
 constexpr Named busTypes[] = {{"unknown", 0}, {"scsi", 1}, {"atapi", 2}, {"ata", 3},   {"firewire", 4},
                               {"usb", 7},     {"raid", 8}, {"sas", 10},  {"sata", 11}, {"nvme", 17}};
 constexpr Named deviceTypes[] = {{"cd-rom", 2}, {"disk", 7}, {"dvd", 0x33}};
@@ -111,6 +114,7 @@ constexpr Field<Disk> diskFields[] = {
     {"scsiAddress", Optional, member<&Disk::scsiAddress, OrError<RecordOf<scsiAddressType>, ErrorCode>>},
     {"storageBusType", Optional,
      member<&Disk::storageBusType, OrError<WordOrNumber<uint32_t, busTypes>, ErrorCode>>},
+    {"storageDescriptorSize", Optional, member<&Disk::storageDescriptorSize, OrNull<Number<uint32_t>>>},
     {"controllers", Optional, member<&Disk::controllers, ListOf<Text>>},
     {"partitions", Optional, member<&Disk::partitions, ListOf<RecordOf<typeOfPartition>>>},
 };
@@ -175,6 +179,10 @@ constexpr Field<Switches> switchesFields[] = {
     {"volumesRefuseLetterCalls", Optional, member<&Switches::volumesRefuseLetterCalls, Flag>},
     {"hidingRemovesVolume", Optional, member<&Switches::hidingRemovesVolume, Flag>},
     {"profilesSkipUtf8Mark", Optional, member<&Switches::profilesSkipUtf8Mark, Flag>},
+    {"emptyTableLendsArray", Optional, member<&Switches::emptyTableLendsArray, Flag>},
+    {"absentClassFailsLate", Optional, member<&Switches::absentClassFailsLate, Flag>},
+    {"shortDescriptor", Optional,
+     member<&Switches::shortDescriptor, Word<Switches::ShortDescriptor, shortDescriptorAnswers>>},
 };
 constexpr RecordType<Switches> switchesType = {switchesFields};
 
@@ -184,6 +192,8 @@ constexpr Field<FaultRule> faultFields[] = {
     {"onwards", Optional, member<&FaultRule::onwards, Flag>},
     {"afterEffect", Optional, member<&FaultRule::afterEffect, Flag>},
     {"code", Required, member<&FaultRule::code, ErrorCode>},
+    {"withOutputs", Optional, member<&FaultRule::withOutputs, Flag>},
+    {"count", Optional, member<&FaultRule::count, OrNull<Number<uint32_t>>>},
 };
 constexpr RecordType<FaultRule> faultType = {faultFields};
 
@@ -201,6 +211,7 @@ constexpr Field<Pc> pcFields[] = {
     {"shell", Optional, member<&Pc::shell, RecordOf<shellType>>},
     {"encryptableVolumes", Optional,
      member<&Pc::encryptableVolumes, OrNull<ListOf<RecordOf<encryptableVolumeType>>>>},
+    {"absentWmiClasses", Optional, member<&Pc::absentWmiClasses, ListOf<Text>>},
     {"switches", Optional, member<&Pc::switches, RecordOf<switchesType>>},
     {"faults", Optional, member<&Pc::faults, ListOf<RecordOf<faultType>>>},
 };

@@ -54,9 +54,10 @@ class ComInterface : public Interface {
   protected:
     // Answers a method under its published name. The caller clears the outputs first.
     template <typename Body>
-    HRESULT Call(std::string_view name, std::vector<std::string> arguments, Body body) const {
+    HRESULT Call(std::string_view name, std::vector<std::string> arguments, Body body,
+                 ULONG* count = nullptr) const {
         references_.ExpectHeld(name);
-        return Answer<HRESULT>(name, std::move(arguments), body);
+        return Answer<HRESULT>(name, std::move(arguments), body, count);
     }
 
   private:

@@ -27,7 +27,7 @@ HRESULT Locate(EmulatedPc& pc, const std::string& space, const std::string& path
     const std::optional<WmiPath> read = ReadWmiPath(path);
     if (!read || (!read->space.empty() && !SameName(read->space, space)))
         return Code(WBEM_E_INVALID_OBJECT_PATH);
-    found.definition = WmiRepository::Of(pc).FindClass(space, read->className);
+    found.definition = WmiRepository::Of(pc).FindClass(pc.facts, space, read->className);
     if (found.definition == nullptr) return Code(WBEM_E_NOT_FOUND);
     if (!read->value) return S_OK;
     const std::string& key = found.definition->properties.front();
@@ -83,10 +83,15 @@ HRESULT WmiServices::CreateInstanceEnum(const BSTR className, LONG flags, IWbemC
     return Call(
         "IWbemServices::CreateInstanceEnum", {ToUtf8(className), std::to_string(flags)}, [&](EmulatedPc& pc) {
             if (enumerator == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
-            const WmiClass* const definition = WmiRepository::Of(pc).FindClass(space_, ToUtf8(className));
-            if (definition == nullptr) return Code(WBEM_E_INVALID_CLASS);
-            return HandOut<IEnumWbemClassObject>(
-                MakeObject<WmiEnumerator>(pc, InstancesOf(pc.facts, *definition)), enumerator);
+            const WmiClass* const definition =
+                WmiRepository::Of(pc).FindClass(pc.facts, space_, ToUtf8(className));
+            const bool failsLate =
+                pc.facts.switches.absentClassFailsLate && (flags & WBEM_FLAG_RETURN_IMMEDIATELY) != 0;
+            if (definition == nullptr && !failsLate) return Code(WBEM_E_INVALID_CLASS);
+            WmiEnumerator& made = definition != nullptr
+                                      ? MakeObject<WmiEnumerator>(pc, InstancesOf(pc.facts, *definition))
+                                      : MakeObject<WmiEnumerator>(pc, Code(WBEM_E_INVALID_CLASS));
+            return HandOut<IEnumWbemClassObject>(made, enumerator);
         });
 }
 
@@ -117,15 +122,18 @@ HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG flags, 
 HRESULT WmiEnumerator::Next(LONG timeout, ULONG count, IWbemClassObject** objects, ULONG* returned) {
     if (objects != nullptr) std::fill_n(objects, count, nullptr);
     Empty(returned);
-    return Call("IEnumWbemClassObject::Next", {std::to_string(timeout), std::to_string(count)},
-                [&](EmulatedPc& pc) {
-                    if (objects == nullptr || returned == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
-                    while (*returned < count && position_ < instances_.size()) {
-                        HandOut<IWbemClassObject>(MakeObject<WmiObject>(pc, instances_[position_++]),
-                                                  &objects[(*returned)++]);
-                    }
-                    return *returned == count ? S_OK : Code(WBEM_S_FALSE);
-                });
+    return Call(
+        "IEnumWbemClassObject::Next", {std::to_string(timeout), std::to_string(count)},
+        [&](EmulatedPc& pc) {
+            if (objects == nullptr || returned == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
+            if (FAILED(failure_)) return failure_;
+            while (*returned < count && position_ < instances_.size()) {
+                HandOut<IWbemClassObject>(MakeObject<WmiObject>(pc, instances_[position_++]),
+                                          &objects[(*returned)++]);
+            }
+            return *returned == count ? S_OK : Code(WBEM_S_FALSE);
+        },
+        returned);
 }
 
 }  // namespace machine

@@ -179,6 +179,30 @@ TEST(CreateInstanceEnum, UnknownClass_Fails) {
               Code(WBEM_E_INVALID_PARAMETER));
 }
 
+TEST(CreateInstanceEnum, ClassThatThePcLacks_FailsAtOnceOrAtTheFirstObject) {
+    ComClient client(machine::FactoryMbr());
+    const ComPtr<IWbemServices> services = ConnectWmi();
+    client.pc.facts.absentWmiClasses = {"WIN32_DiskDrive"};
+    const SystemString name("Win32_DiskDrive");
+    constexpr LONG immediately = WBEM_FLAG_RETURN_IMMEDIATELY;
+    ComPtr<IEnumWbemClassObject> list;
+    EXPECT_EQ(services->CreateInstanceEnum(name.Get(), immediately, nullptr, list.Put()),
+              Code(WBEM_E_INVALID_CLASS));
+    client.pc.facts.switches.absentClassFailsLate = true;
+    EXPECT_EQ(services->CreateInstanceEnum(name.Get(), 0, nullptr, list.Put()), Code(WBEM_E_INVALID_CLASS));
+    EXPECT_FALSE(list);
+    EXPECT_EQ(services->CreateInstanceEnum(name.Get(), immediately, nullptr, list.Put()), S_OK);
+    for (int time = 0; time < 2; ++time) {
+        ComPtr<IWbemClassObject> object;
+        ULONG returned = 9;
+        EXPECT_EQ(list->Next(0, 1, object.Put(), &returned), Code(WBEM_E_INVALID_CLASS));
+        EXPECT_FALSE(object);
+        EXPECT_EQ(returned, 0u);
+    }
+    ComPtr<IWbemClassObject> object;
+    EXPECT_EQ(services->GetObject(name.Get(), 0, nullptr, object.Put(), nullptr), Code(WBEM_E_NOT_FOUND));
+}
+
 TEST(WmiEnumerator, ListChangedLater_KeepsItsListAndEndsEveryTime) {
     ComClient client(machine::WinPeTwoDisks());
     const ComPtr<IWbemServices> services = ConnectWmi();
