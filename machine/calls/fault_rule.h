@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace machine {
@@ -16,6 +17,8 @@ struct FaultRule {
     bool onwards = false;      // and all later ones
     bool afterEffect = false;  // after its work; matters to calls that change the PC and to success codes
     uint32_t code = 0;         // a result code, a last error, or the returned value itself
+    bool withOutputs = false;  // after its work, with its outputs; the caller releases what they hold
+    std::optional<uint32_t> count = {};  // of an enumerator's Next: the number that it reports
 
     bool operator==(const FaultRule&) const = default;
 };

@@ -61,6 +61,10 @@ void Checks::Packs() const {
     }
 }
 
+// A descriptor begins with its version and size. No device has nearly as many as the most.
+constexpr uint32_t fewestDescriptorBytes = 8;
+constexpr uint32_t mostDescriptorBytes = 65536;
+
 void Checks::Disks() {
     Places<uint32_t> numbers;
     for (size_t index = 0; index < pc_.disks.size(); ++index) {
@@ -68,6 +72,9 @@ void Checks::Disks() {
         const std::string place = PlaceOfEntry("disks", index);
         Once(numbers, disk.number, std::to_string(disk.number), place + ".number");
         PackOf(disk, place + ".pack");
+        const uint32_t descriptor = disk.storageDescriptorSize.value_or(fewestDescriptorBytes);
+        Require(descriptor >= fewestDescriptorBytes && descriptor <= mostDescriptorBytes,
+                place + ".storageDescriptorSize", "must be from 8 to 65536 bytes");
         Require(disk.style == PartitionStyle::Gpt || disk.guid == Guid(), place + ".guid",
                 "is for disks of style \"gpt\"");
         Require(disk.style == PartitionStyle::Mbr || disk.signature == 0, place + ".signature",
@@ -189,8 +196,11 @@ void Checks::Faults() const {
         names.emplace_back(call.name);
     for (size_t index = 0; index < pc_.faults.size(); ++index) {
         const std::string& call = pc_.faults[index].call;
+        const std::string place = PlaceOfEntry("faults", index);
+        Require(!pc_.faults[index].count || call.ends_with("::Next"), place + ".count",
+                "is for the Next of an enumerator");
         if (call != anyCall && FindCall(call) == nullptr)
-            Require(false, PlaceOfEntry("faults", index) + ".call", "unknown call " + Unknown(call, names));
+            Require(false, place + ".call", "unknown call " + Unknown(call, names));
     }
 }
 

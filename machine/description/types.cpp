@@ -23,6 +23,9 @@ constexpr Named driveTypes[] = {{"unknown", DriveType::Unknown},     {"no-root",
 constexpr Named letterlessAnswers[] = {{"fails", Switches::Letterless::Fails},
                                        {"nul", Switches::Letterless::Nul},
                                        {"zero", Switches::Letterless::Zero}};
+constexpr Named shortDescriptorAnswers[] = {{"fills", Switches::ShortDescriptor::Fills},
+                                            {"more-data", Switches::ShortDescriptor::MoreData},
+                                            {"fails", Switches::ShortDescriptor::Fails}};
 constexpr Named busTypes[] = {{"unknown", 0}, {"scsi", 1}, {"atapi", 2}, {"ata", 3},   {"firewire", 4},
                               {"usb", 7},     {"raid", 8}, {"sas", 10},  {"sata", 11}, {"nvme", 17}};
 constexpr Named deviceTypes[] = {{"cd-rom", 2}, {"disk", 7}, {"dvd", 0x33}};
@@ -65,9 +68,8 @@ constexpr RecordType<Volume> mediumType = RecordType<Volume>{volumeFields}.OnIma
 
 template <const auto& typeOfVolume>
 constexpr Field<Partition> partitionFields[] = {
-    {"number",
-     "as in Windows: used entries from 1, and 0 for an extended partition itself; unique on its disk",
-     Required, member<&Partition::number, Number<uint32_t>>},
+    {"number", "as in Windows: used entries from 1, and 0 for an extended partition itself", Required,
+     member<&Partition::number, Number<uint32_t>>},
     {"offset", "from the beginning of the disk, a multiple of 512", Required,
      member<&Partition::offset, ByteCount>, fromImage},
     {"size", "more than 0", Required, member<&Partition::size, ByteCount>, fromImage},
@@ -133,6 +135,8 @@ constexpr Field<Disk> diskFields[] = {
      member<&Disk::scsiAddress, OrError<RecordOf<scsiAddressType>, ErrorCode>>},
     {"storageBusType", "result of IOCTL_STORAGE_QUERY_PROPERTY, with the words of busType", Optional,
      member<&Disk::storageBusType, OrError<WordOrNumber<uint32_t, busTypes>, ErrorCode>>},
+    {"storageDescriptorSize", "how many bytes that control has to answer, 8 to 65536", Optional,
+     member<&Disk::storageDescriptorSize, OrNull<Number<uint32_t>>>},
     {"controllers", "PNP device ids of the disk's controllers, nearest first", Optional,
      member<&Disk::controllers, ListOf<Text>>},
     {"partitions", "in the order of VDS", Optional,
@@ -153,9 +157,8 @@ constexpr RecordType<Pack> packType = {packFields};
 
 constexpr Field<Firmware> firmwareFields[] = {
     {"kind", "of the firmware", Optional, member<&Firmware::kind, Word<FirmwareKind, firmwareKinds>>},
-    {"error",
-     "the last error of GetFirmwareEnvironmentVariableW; 0: it succeeds; null: 1 on BIOS, 998 on UEFI",
-     Optional, member<&Firmware::error, OrNull<ErrorCode>>},
+    {"error", "the last error of GetFirmwareEnvironmentVariableW; 0: it succeeds; null: 1 on BIOS", Optional,
+     member<&Firmware::error, OrNull<ErrorCode>>},
 };
 constexpr RecordType<Firmware> firmwareType = {firmwareFields};
 
@@ -171,9 +174,8 @@ constexpr Field<RunningSystem> systemFields[] = {
     {"startOptions",
      "the registry value SystemStartOptions; null: the one that registry describes, if it does", Optional,
      member<&RunningSystem::startOptions, OrNull<Text>>},
-    {"emulates32Bit",
-     "the host application is a 32-bit program on a 64-bit system: System32 below the Windows directory is redirected to SysWOW64, unless it disables the redirection",
-     Optional, member<&RunningSystem::emulates32Bit, Flag>},
+    {"emulates32Bit", "the host application is a 32-bit program on a 64-bit system", Optional,
+     member<&RunningSystem::emulates32Bit, Flag>},
 };
 constexpr RecordType<RunningSystem> systemType = {
     .fields = systemFields, .leading = 1, .standard = StandardSystem};
@@ -210,32 +212,36 @@ constexpr RecordType<EncryptableVolume> encryptableVolumeType = {encryptableVolu
 
 constexpr Field<Switches> switchesFields[] = {
     {"activeFlagIsExclusive",
-     "true: setting the active flag of one partition clears those of the others on the disk. false: it changes one flag only",
-     Optional, member<&Switches::activeFlagIsExclusive, Flag>},
-    {"letterless",
-     "what IVdsAdvancedDisk::GetDriveLetter returns for a partition without a letter: fails (failure), nul (S_OK with NUL), zero (S_OK with the digit 0)",
-     Optional, member<&Switches::letterless, Word<Switches::Letterless, letterlessAnswers>>},
+     "true: setting the active flag of one partition clears those of the others on the disk", Optional,
+     member<&Switches::activeFlagIsExclusive, Flag>},
+    {"letterless", "what IVdsAdvancedDisk::GetDriveLetter returns for a partition without a letter", Optional,
+     member<&Switches::letterless, Word<Switches::Letterless, letterlessAnswers>>},
     {"volumesRefuseLetterCalls",
-     "true: the letter calls of IVdsAdvancedDisk fail for a partition with a volume, as documented", Optional,
+     "true: the letter calls of IVdsAdvancedDisk fail for a partition with a volume", Optional,
      member<&Switches::volumesRefuseLetterCalls, Flag>},
-    {"hidingRemovesVolume",
-     "true: changing a partition to a type that Windows does not recognise removes its letters and label",
-     Optional, member<&Switches::hidingRemovesVolume, Flag>},
+    {"hidingRemovesVolume", "true", Optional, member<&Switches::hidingRemovesVolume, Flag>},
     {"profilesSkipUtf8Mark", "true: a UTF-8 byte order mark does not spoil the first line of an INI file",
      Optional, member<&Switches::profilesSkipUtf8Mark, Flag>},
+    {"emptyTableLendsArray", "true", Optional, member<&Switches::emptyTableLendsArray, Flag>},
+    {"absentClassFailsLate", "true", Optional, member<&Switches::absentClassFailsLate, Flag>},
+    {"shortDescriptor", "what IOCTL_STORAGE_QUERY_PROPERTY does with a buffer for 8 bytes or more", Optional,
+     member<&Switches::shortDescriptor, Word<Switches::ShortDescriptor, shortDescriptorAnswers>>},
 };
 constexpr RecordType<Switches> switchesType = {switchesFields};
 
 constexpr Field<FaultRule> faultFields[] = {
     {"call", "the published name of the call, from the list below; *: every call that can fail", Required,
      member<&FaultRule::call, Text>},
-    {"nth", "which call of that name fails, from 1; 0: every call; with * the calls of all names are counted",
-     Optional, member<&FaultRule::nth, Number<uint32_t>>},
+    {"nth", "which call of that name fails, from 1; 0: every call", Optional,
+     member<&FaultRule::nth, Number<uint32_t>>},
     {"onwards", "also all later calls", Optional, member<&FaultRule::onwards, Flag>},
-    {"afterEffect",
-     "the call does its work first and then returns the code; matters only to calls marked *, and to every HRESULT if the code is a success other than 0, like 1 (S_FALSE)",
+    {"afterEffect", "the call does its work first and then returns the code; matters only to calls marked *",
      Optional, member<&FaultRule::afterEffect, Flag>},
     {"code", "what the call returns, by its kind", Required, member<&FaultRule::code, ErrorCode>},
+    {"withOutputs", "the call does its work, fills its outputs as for a success, and then returns the code",
+     Optional, member<&FaultRule::withOutputs, Flag>},
+    {"count", "only for the Next of an enumerator: the number of objects that it says it returned", Optional,
+     member<&FaultRule::count, OrNull<Number<uint32_t>>>},
 };
 constexpr RecordType<FaultRule> faultType = {faultFields};
 
@@ -253,14 +259,15 @@ constexpr Field<Pc> pcFields[] = {
     {"volumes", "volumes without a disk: discs, sticks, network drives, the RAM drive of Windows PE",
      Optional, member<&Pc::volumes, ListOf<RecordOrImage<volumeType, mediumType>>>},
     {"registry", "keys with their full path, HKLM\\SYSTEM\\...", Optional, member<&Pc::registry, Registry>},
-    {"offlineSystemHive",
-     "the contents of a SYSTEM hive file on a described volume, keys below its root; on an image the file itself is read",
+    {"offlineSystemHive", "the contents of a SYSTEM hive file on a described volume, keys below its root",
      Optional, member<&Pc::offlineSystemHive, Registry>},
     {"shell", "how the command interpreter runs a batch file", Optional,
      member<&Pc::shell, RecordOf<shellType>>},
-    {"encryptableVolumes",
-     "the instances of BitLocker's provider, in its order; null: there is no provider, as in plain Windows PE",
+    {"encryptableVolumes", "the instances of BitLocker's provider, in its order; null: there is no provider",
      Optional, member<&Pc::encryptableVolumes, OrNull<ListOf<RecordOf<encryptableVolumeType>>>>},
+    {"absentWmiClasses",
+     "WMI classes that the PC lacks, by name: they are unknown, and enumerating them fails", Optional,
+     member<&Pc::absentWmiClasses, ListOf<Text>>},
     {"switches", "behaviour that documents leave open", Optional,
      member<&Pc::switches, RecordOf<switchesType>>},
     {"faults", "calls that fail", Optional, member<&Pc::faults, ListOf<RecordOf<faultType>>>},

@@ -46,10 +46,12 @@ bool IsInitialized(EmulatedPc& pc) {
 
 }  // namespace
 
-// S_FALSE: already initialised; RPC_E_CHANGED_MODE: with another model, and not counted. Each success
-// requires one CoUninitialize; until then the ledger lists a "COM initialization".
-extern "C" HRESULT WINAPI CoInitializeEx(LPVOID, DWORD model) {
+// S_FALSE: already initialised; RPC_E_CHANGED_MODE: with another model, and not counted; E_INVALIDARG: a
+// reserved argument other than null. Each success requires one CoUninitialize; until then the ledger lists a
+// "COM initialization".
+extern "C" HRESULT WINAPI CoInitializeEx(LPVOID reserved, DWORD model) {
     return Answer<HRESULT>("CoInitializeEx", {Hex(model)}, [&](EmulatedPc& pc) {
+        if (reserved != nullptr) return E_INVALIDARG;
         ComRuntime& runtime = pc.State<ComRuntime>();
         const DWORD apartment = model & COINIT_APARTMENTTHREADED;
         if (runtime.initializations > 0 && runtime.model != apartment) return RPC_E_CHANGED_MODE;
@@ -69,14 +71,19 @@ extern "C" void WINAPI CoUninitialize() {
     pc.journal.Add(CallRecord{"CoUninitialize", {}, "", false});
 }
 
-// CO_E_NOTINITIALIZED: before CoInitializeEx; RPC_E_TOO_LATE: all calls after the first.
-extern "C" HRESULT WINAPI CoInitializeSecurity(PSECURITY_DESCRIPTOR, LONG services,
-                                               SOLE_AUTHENTICATION_SERVICE*, void*, DWORD authentication,
-                                               DWORD impersonation, void*, DWORD capabilities, void*) {
+// E_INVALIDARG: a reserved argument other than null, or a list of services beside the request to choose them
+// (-1); CO_E_NOTINITIALIZED: before CoInitializeEx; RPC_E_TOO_LATE: all calls after the first.
+extern "C" HRESULT WINAPI CoInitializeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG services,
+                                               SOLE_AUTHENTICATION_SERVICE* serviceList, void* reserved1,
+                                               DWORD authentication, DWORD impersonation, void* identities,
+                                               DWORD capabilities, void* reserved3) {
+    NoteUnshown("CoInitializeSecurity", {Presence(descriptor), Presence(serviceList), Presence(identities)});
     return Answer<HRESULT>("CoInitializeSecurity",
                            {std::to_string(services), std::to_string(authentication),
                             std::to_string(impersonation), Hex(capabilities)},
                            [&](EmulatedPc& pc) {
+                               if (reserved1 != nullptr || reserved3 != nullptr) return E_INVALIDARG;
+                               if (services == -1 && serviceList != nullptr) return E_INVALIDARG;
                                if (!IsInitialized(pc)) return CO_E_NOTINITIALIZED;
                                bool& set = pc.State<ComRuntime>().securitySet;
                                return std::exchange(set, true) ? RPC_E_TOO_LATE : S_OK;
@@ -105,8 +112,9 @@ extern "C" HRESULT WINAPI CoCreateInstance(REFCLSID clsid, LPUNKNOWN outer, DWOR
 
 // E_INVALIDARG: a null proxy; E_NOINTERFACE: an object of this process, which has no proxy.
 extern "C" HRESULT WINAPI CoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWORD authorization,
-                                            OLECHAR*, DWORD level, DWORD impersonation,
-                                            RPC_AUTH_IDENTITY_HANDLE, DWORD capabilities) {
+                                            OLECHAR* principal, DWORD level, DWORD impersonation,
+                                            RPC_AUTH_IDENTITY_HANDLE identity, DWORD capabilities) {
+    NoteUnshown("CoSetProxyBlanket", {Presence(principal), Presence(identity)});
     return Answer<HRESULT>("CoSetProxyBlanket",
                            {std::to_string(authentication), std::to_string(authorization),
                             std::to_string(level), std::to_string(impersonation), Hex(capabilities)},

@@ -9,7 +9,6 @@ namespace machine {
 // What a change of one active flag does to the disk's other flags.
 enum class OtherFlags { Keep, Clear };
 
-// An entry other than an extended partition's.
 struct TableEntry {
     uint64_t offset = 0;  // bytes
     bool isActive = false;

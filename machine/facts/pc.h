@@ -128,6 +128,7 @@ struct Disk {
     Fact<std::string> location = std::string();     // SetupAPI location text; error 13: no such property
     Fact<ScsiAddress> scsiAddress = ScsiAddress();  // IOCTL_SCSI_GET_ADDRESS
     Fact<uint32_t> storageBusType = uint32_t{11};   // IOCTL_STORAGE_QUERY_PROPERTY
+    std::optional<uint32_t> storageDescriptorSize;  // bytes, of the same control; absent: as most devices
     std::vector<std::string> controllers;           // PNP device ids of its controllers, nearest first
     std::vector<Partition> partitions;              // in the order in which VDS lists them
     std::string image;                              // path of the image file; empty: a described disk
@@ -204,6 +205,10 @@ struct Switches {
     bool volumesRefuseLetterCalls = true;  // letter calls fail for a partition with a volume
     bool hidingRemovesVolume = true;       // an unrecognised type removes letters and label
     bool profilesSkipUtf8Mark = false;     // a UTF-8 mark does not spoil the first line of an INI file
+    bool emptyTableLendsArray = false;     // QueryPartitions lends an array even without partitions
+    bool absentClassFailsLate = false;     // enumerating an unknown WMI class fails at the first object
+    enum class ShortDescriptor { Fills, MoreData, Fails };  // a storage descriptor for a smaller buffer
+    ShortDescriptor shortDescriptor = ShortDescriptor::Fills;
     bool operator==(const Switches&) const = default;
 };
 
@@ -222,6 +227,7 @@ struct Pc {
     Shell shell;
     // The instances of BitLocker's provider, in its order; absent: there is no provider.
     std::optional<std::vector<EncryptableVolume>> encryptableVolumes;
+    std::vector<std::string> absentWmiClasses;  // that WMI lacks, by name
     Switches switches;
     std::vector<FaultRule> faults;
 

@@ -39,10 +39,10 @@ class Journal {
     std::vector<CallRecord> Calls() const;
     std::vector<CallRecord> Calls(const std::string& name) const;
     std::vector<LogEntry> Records() const;
-    // What the entries leave out, because their text is what people read and scripts parse: sizes, flags and
-    // credentials that no answer depends on, and the order of releases. One element for each call of that
-    // name, in order; none for a call of which the entries show everything. "IUnknown::Release" has the
-    // interface, and the call before it. Only tests ask for it.
+    // What the entries leave out, because their text is what people read and scripts parse: arguments that no
+    // answer depends on (sizes, flags, credentials, optional records), and the order of releases. One element
+    // for each call of that name, in order; none for a call of which the entries show everything.
+    // "IUnknown::Release" has the interface, and the call before it. Only tests ask for it.
     std::vector<std::vector<std::string>> Unshown(const std::string& call) const;
     void AddUnshown(const std::string& call, std::vector<std::string> arguments);
 

@@ -29,6 +29,7 @@ std::string NameOf(const Partition& partition) {
 // a volume.
 std::optional<Volume> ReadVolume(const std::shared_ptr<ImageFile>& image, PartitionStyle style,
                                  const Partition& partition) {
+    if (IsExtended(style, partition)) return std::nullopt;
     const auto fileSystem =
         FileSystemOf(VolumeBytes(image, partition.offset, partition.size), MediumKind::Disk);
     if (!fileSystem && ExtentTypeOf(style, partition) != VDS_DET_DATA) return std::nullopt;

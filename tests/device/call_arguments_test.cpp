@@ -2,12 +2,14 @@
 #include "base/utf.h"
 #include "device/device_handle.h"
 #include "device/disk_drive.h"
+#include "device/encrypt_volume.h"
 #include "device/ide_ini.h"
 #include "device/wmi_ex.h"
 #include "tests/device/hosted_pc.h"
 
 namespace {
 
+using testing::Each;
 using testing::ElementsAre;
 
 using Arguments = std::vector<std::string>;
@@ -23,6 +25,9 @@ machine::Pc OneDisk() {
     return PcWithDisks({disk});
 }
 
+// Flags, security, template.
+const Arguments ordinaryFile = {"0x00000080", "null", "null"};
+
 const WideString diskPath = TEXT("\\\\.\\PHYSICALDRIVE0");
 
 }  // namespace
@@ -31,9 +36,9 @@ TEST(DeviceCalls, ScsiAddress_IsReadIntoItsRecord) {
     HostedPc pc(OneDisk());
     SCSI_ADDRESS address = {};
     CDiskDrive().GetScsiAddress(diskPath, address);
-    EXPECT_THAT(pc.emulated.journal.Unshown("CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("CreateFileW"), ElementsAre(ordinaryFile));
     EXPECT_THAT(pc.emulated.journal.Unshown("DeviceIoControl"),
-                ElementsAre(Arguments{"0", SizeText(sizeof(SCSI_ADDRESS))}));
+                ElementsAre(Arguments{"0", SizeText(sizeof(SCSI_ADDRESS)), "null"}));
 }
 
 TEST(DeviceCalls, StorageProperty_IsReadAsHeaderThenWhole) {
@@ -42,17 +47,17 @@ TEST(DeviceCalls, StorageProperty_IsReadAsHeaderThenWhole) {
     CDiskDrive().QueryStorageProperty(diskPath, descriptor);
     const std::string query = SizeText(sizeof(STORAGE_PROPERTY_QUERY));
     EXPECT_THAT(pc.emulated.journal.Unshown("DeviceIoControl"),
-                ElementsAre(Arguments{query, SizeText(sizeof(STORAGE_DEVICE_DESCRIPTOR))},
-                            Arguments{query, SizeText(descriptor->Size)}));
+                ElementsAre(Arguments{query, SizeText(sizeof(STORAGE_DEVICE_DESCRIPTOR)), "null"},
+                            Arguments{query, SizeText(descriptor->Size), "null"}));
 }
 
 TEST(DeviceCalls, DiskOfAVolume_IsReadIntoSpaceForOneExtent) {
     HostedPc pc(machine::FactoryMbr());
     int number = -1;
     EXPECT_TRUE(ReadDiskNumber(OpenVolume(TEXT('C'), GENERIC_READ), number));
-    EXPECT_THAT(pc.emulated.journal.Unshown("CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("CreateFileW"), ElementsAre(ordinaryFile));
     EXPECT_THAT(pc.emulated.journal.Unshown("DeviceIoControl"),
-                ElementsAre(Arguments{"0", SizeText(sizeof(VOLUME_DISK_EXTENTS))}));
+                ElementsAre(Arguments{"0", SizeText(sizeof(VOLUME_DISK_EXTENTS)), "null"}));
 }
 
 TEST(DeviceCalls, WindowsDirectory_IsReadIntoAPath) {
@@ -67,14 +72,20 @@ TEST(DeviceCalls, StartOptions_AreReadInto1000Bytes) {
     HostedPc pc(machine::WinPeTwoDisks());
     CDiskDrive().IsWindowsPE();
     EXPECT_THAT(pc.emulated.journal.Unshown("RegOpenKeyExW"), ElementsAre(Arguments{"0x00000000"}));
-    EXPECT_THAT(pc.emulated.journal.Unshown("RegQueryValueExW"), ElementsAre(Arguments{"1000"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("RegQueryValueExW"),
+                ElementsAre(Arguments{"null", "given", "1000"}));
 }
 
 TEST(DeviceCalls, Location_IsReadIntoZeroedMemoryWithATerminator) {
     HostedPc pc(OneDisk());
     GlobalBuffer<WCHAR> text;
     EXPECT_EQ(CDiskDrive().GetLocationInformation(TEXT("IDE\\DISK0"), text), 0U);
-    EXPECT_THAT(pc.emulated.journal.Unshown("SetupDiOpenDeviceInfoW"), ElementsAre(Arguments{"0x00000000"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("SetupDiCreateDeviceInfoList"),
+                ElementsAre(Arguments{"null", "null"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("SetupDiOpenDeviceInfoW"),
+                ElementsAre(Arguments{"null", "0x00000000"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("SetupDiGetDeviceRegistryPropertyW"),
+                ElementsAre(Arguments{"null", "null", "given"}, Arguments{"null", "given", "null"}));
     const size_t size = (std::string("Bus Number 0, Target Id 0, LUN 0").size() + 1) * sizeof(WCHAR);
     const auto properties = pc.emulated.journal.Calls("SetupDiGetDeviceRegistryPropertyW");
     ASSERT_EQ(properties.size(), 2U);
@@ -94,9 +105,34 @@ TEST(DeviceCalls, NamespaceOfWmi_IsOpenedAsTheCallerByTheUsualProxy) {
     EXPECT_THAT(pc.emulated.journal.Calls("CoCreateInstance").at(0).arguments,
                 ElementsAre("WbemLocator", "0x00000001"));
     EXPECT_THAT(pc.emulated.journal.Unshown("IWbemLocator::ConnectServer"),
-                ElementsAre(Arguments{"", "", "", "0", ""}));
+                ElementsAre(Arguments{"null", "null", "null", "0", "null", "null"}));
     EXPECT_THAT(pc.emulated.journal.Calls("CoSetProxyBlanket").at(0).arguments,
                 ElementsAre("10", "0", "3", "3", "0x00000000"));
+    EXPECT_THAT(pc.emulated.journal.Unshown("CoSetProxyBlanket"), ElementsAre(Arguments{"null", "null"}));
+}
+
+TEST(DeviceCalls, SecurityOfTheProcess_IsChosenByThePlatform) {
+    const HostedPc pc(OneDisk());
+    EXPECT_EQ(CWMIEx::Initialize(), S_OK);
+    EXPECT_THAT(pc.emulated.journal.Calls("CoInitializeSecurity").at(0).arguments,
+                ElementsAre("-1", "0", "3", "0x00000000"));
+    EXPECT_THAT(pc.emulated.journal.Unshown("CoInitializeSecurity"),
+                ElementsAre(Arguments{"null", "null", "null"}));
+}
+
+TEST(DeviceCalls, EncryptionOfAVolume_IsAskedWithoutContext) {
+    machine::Pc facts = OneDisk();
+    facts.encryptableVolumes = {
+        machine::EncryptableVolume{.deviceId = "volume", .persistentVolumeId = "{1}"}};
+    const HostedPc pc(facts);
+    tagEncryptVolume_t volumes;
+    EXPECT_TRUE(CEncryptVolume().GetEncryptVolume(volumes));
+    EXPECT_THAT(pc.emulated.journal.Unshown("IWbemServices::CreateInstanceEnum"),
+                ElementsAre(Arguments{"null"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("IWbemServices::GetObject"),
+                ElementsAre(Arguments{"null", "null"}));
+    EXPECT_THAT(pc.emulated.journal.Unshown("IWbemServices::ExecMethod"),
+                ElementsAre(Arguments{"null", "null", "null"}));
 }
 
 TEST(DeviceCalls, IdeIni_IsReadByKeysOfTheWholeLength) {
@@ -124,6 +160,7 @@ TEST(DeviceCalls, TableOfDisks_ReleasesWhatItReadInnermostFirst) {
     const std::string next = "IEnumWbemClassObject::Next";
     const std::string get = "IWbemClassObject::Get";
     const std::string last = pc.emulated.journal.Calls().back().call;
+    EXPECT_THAT(pc.emulated.journal.Unshown("IWbemServices::CreateInstanceEnum"), Each(Arguments{"null"}));
     EXPECT_THAT(pc.emulated.journal.Unshown("IUnknown::Release"),
                 ElementsAre(Arguments{"IWbemClassObject", get}, Arguments{"IEnumWbemClassObject", next},
                             Arguments{"IEnumWbemClassObject", next}, Arguments{"IWbemServices", last},

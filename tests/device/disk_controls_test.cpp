@@ -89,6 +89,41 @@ TEST(QueryStorageProperty, DiskThatDoesNotOpen_Fails) {
     EXPECT_EQ(Transcript(pc.emulated.journal), "");
 }
 
+// The record that callers read is whole, whatever the device has of it.
+TEST(QueryStorageProperty, DescriptorOfAnySize_IsReadWithZerosForWhatIsMissing) {
+    struct Size {
+        DWORD bytes;
+        int busType;
+    };
+    for (const auto& [bytes, busType] : {Size{8, 0}, Size{28, 0}, Size{32, BUS_TYPE_RAID},
+                                         Size{40, BUS_TYPE_RAID}, Size{4096, BUS_TYPE_RAID}}) {
+        machine::Pc facts = OneDisk();
+        facts.disks[0].storageDescriptorSize = bytes;
+        const HostedPc pc(facts);
+        GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+        EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), 0U) << bytes;
+        ASSERT_TRUE(descriptor);
+        EXPECT_EQ(descriptor->Size, bytes);
+        EXPECT_EQ(static_cast<int>(descriptor->BusType), busType) << bytes;
+        EXPECT_EQ(pc.emulated.journal.Calls("GlobalAlloc").at(0).arguments[1],
+                  std::to_string(std::max<DWORD>(bytes, sizeof(STORAGE_DEVICE_DESCRIPTOR))));
+        EXPECT_EQ(pc.emulated.journal.Unshown("DeviceIoControl").at(1)[1], std::to_string(bytes));
+    }
+}
+
+TEST(QueryStorageProperty, DeviceThatRefusesAShorterBuffer_HasAnUnknownSize) {
+    for (const auto answer :
+         {machine::Switches::ShortDescriptor::Fails, machine::Switches::ShortDescriptor::MoreData}) {
+        machine::Pc facts = OneDisk();
+        facts.switches.shortDescriptor = answer;
+        HostedPc pc(facts);
+        GlobalBuffer<STORAGE_DEVICE_DESCRIPTOR> descriptor;
+        EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), STORAGE_SIZE_UNKNOWN);
+        pc.emulated.facts.disks[0].storageDescriptorSize = DWORD{sizeof(STORAGE_DEVICE_DESCRIPTOR)};
+        EXPECT_EQ(CDiskDrive().QueryStorageProperty(diskPath, descriptor), 0U);
+    }
+}
+
 TEST(QueryStorageProperty, UnknownSize_Fails) {
     machine::Pc facts = OneDisk();
     facts.disks[0].storageBusType = machine::Fact<uint32_t>::Fails(ERROR_NOT_SUPPORTED);

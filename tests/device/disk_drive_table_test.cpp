@@ -255,6 +255,20 @@ TEST(GetDiskDrive, UnlistedDisks_Fail) {
     EXPECT_EQ(ResultWithFailure("IWbemServices::CreateInstanceEnum", 0x80041003, 1), accessDenied);
 }
 
+// Asked for an immediate return, the platform can find out that there is no such class only later.
+TEST(GetDiskDrive, WmiWithoutTheClassOfDisks_FailsWheneverThePlatformSaysSo) {
+    for (const bool late : {false, true}) {
+        machine::Pc facts = PcWithDisks({BareDisk(0)});
+        facts.absentWmiClasses = {"Win32_DiskDrive"};
+        facts.switches.absentClassFailsLate = late;
+        const HostedPc pc(facts);
+        tagDiskDriveTable_t table;
+        EXPECT_EQ(CDiskDrive().GetDiskDrive(table), static_cast<HRESULT>(WBEM_E_INVALID_CLASS)) << late;
+        EXPECT_EQ(table.nCount, 0);
+        EXPECT_EQ(pc.emulated.journal.Calls("IEnumWbemClassObject::Next").size(), late ? 1U : 0U);
+    }
+}
+
 TEST(GetDiskDrive, UnlistedIdeControllers_Fail) {
     EXPECT_EQ(ResultWithFailure("IWbemServices::CreateInstanceEnum", 0x80041003, 2), accessDenied);
 }

@@ -27,16 +27,29 @@ TEST(ManagerCalls, PartitionNumber_IsReadIntoItsRecord) {
     Application application(machine::FactoryMbr());
     EXPECT_EQ((application.kestova.*Open(internals::GetPartNumberTag()))(TEXT('C')), 2);
     EXPECT_THAT(application.pc.journal.Unshown("DeviceIoControl"),
-                ElementsAre(Arguments{"0", std::to_string(sizeof(PARTITION_INFORMATION_EX))}));
+                ElementsAre(Arguments{"0", std::to_string(sizeof(PARTITION_INFORMATION_EX)), "null"}));
 }
 
 TEST(ManagerCalls, BatchFile_IsAnOrdinaryFileOfPlainCharacters) {
     machine::EmulatedPc pc(TwoSystems());
     Kestova kestova;
     EXPECT_EQ((kestova.*Open(internals::LoadRegistryTag()))(TEXT("reg unload HKLM\\TEMSYSTEM")), 0);
-    EXPECT_THAT(pc.journal.Unshown("CreateFileW"), ElementsAre(Arguments{"0x00000080"}));
-    EXPECT_THAT(pc.journal.Unshown("WideCharToMultiByte"),
-                ElementsAre(Arguments{"0x00000000"}, Arguments{"0x00000000"}));
+    EXPECT_THAT(pc.journal.Unshown("CreateFileW"), ElementsAre(Arguments{"0x00000080", "null", "null"}));
+    EXPECT_THAT(pc.journal.Unshown("WriteFile"), ElementsAre(Arguments{"null"}));
+    EXPECT_THAT(
+        pc.journal.Unshown("WideCharToMultiByte"),
+        ElementsAre(Arguments{"0x00000000", "null", "null"}, Arguments{"0x00000000", "null", "null"}));
+}
+
+// Neither a window nor parameters, a folder, an item, a class, a hot key or a monitor.
+TEST(ManagerCalls, BatchFile_IsOpenedHiddenAndByItsNameAlone) {
+    machine::EmulatedPc pc(TwoSystems());
+    Kestova kestova;
+    EXPECT_EQ((kestova.*Open(internals::LoadRegistryTag()))(TEXT("reg unload HKLM\\TEMSYSTEM")), 0);
+    EXPECT_THAT(pc.journal.Calls("ShellExecuteExW").at(0).arguments,
+                ElementsAre("open", "X:\\LoadRegistry.bat", "", "", "0", "0x00000040"));
+    EXPECT_THAT(pc.journal.Unshown("ShellExecuteExW"),
+                ElementsAre(Arguments{"null", "null", "null", "null", "null", "null", "0", "null"}));
 }
 
 // Each value is asked for its size and read into that much.
@@ -49,7 +62,8 @@ TEST(ManagerCalls, LettersOfTheRegistry_AreReadIntoTheirSize) {
     EXPECT_EQ((kestova.*Open(internals::ReadRegistryTag()))(path.data()), 1);
     EXPECT_THAT(pc.journal.Unshown("RegOpenKeyExW"), ElementsAre(Arguments{"0x00000000"}));
     const std::vector<Arguments> sizes = pc.journal.Unshown("RegQueryValueExW");
-    EXPECT_THAT(sizes, testing::Contains(Arguments{"12"}));
+    EXPECT_THAT(sizes, testing::Contains(Arguments{"null", "given", "12"}));
+    EXPECT_THAT(sizes, testing::Each(testing::Contains("null")));
     EXPECT_EQ((kestova.*Open(internals::PEDriveMapTag())).at(TEXT('C')).dwLength, 12U);
 }
 

@@ -253,6 +253,37 @@ TEST(QueryDisks, SuccessWithoutAnInterface_EndsTheWalk) {
     }
 }
 
+// Of the calls of Next the first gives the unallocated disk, the second ends their list.
+TEST(QueryDisks, CountOtherThanOne_EndsTheWalkAndReleasesTheObject) {
+    for (const uint32_t count : {0u, 2u}) {
+        VdsSession session(WindowsPe({Unallocated(PlainDisk(0, 100)), PlainDisk(1, 200)}));
+        session.pc.faults.Arm(
+            {.call = "IEnumVdsObject::Next", .nth = 1, .code = 0, .withOutputs = true, .count = count});
+        const Listed listed = List(session);
+        EXPECT_EQ(listed.result, S_OK);
+        EXPECT_EQ(listed.sizes, (Sizes{200})) << count;
+        EXPECT_EQ(session.Left(1), Holdings());
+    }
+}
+
+TEST(QueryDisks, CountWithoutAnObject_EndsTheWalk) {
+    VdsSession session(WindowsPe({Unallocated(PlainDisk(0, 100)), PlainDisk(1, 200)}));
+    session.pc.faults.Arm({.call = "IEnumVdsObject::Next", .nth = 1, .code = 0, .count = 1});
+    EXPECT_EQ(List(session).sizes, (Sizes{200}));
+    EXPECT_EQ(session.Left(1), Holdings());
+}
+
+// Interfaces are released; what a failing record refers to is the platform's to free.
+TEST(QueryDisks, FailuresThatFilledTheirOutputs_AreFailuresAndReleaseTheInterfaces) {
+    for (const char* const call : {"IUnknown::QueryInterface", "IEnumVdsObject::Next", "IVdsPack::QueryDisks",
+                                   "IVdsSwProvider::QueryPacks"}) {
+        VdsSession session(WindowsPe({PlainDisk(0, 100)}));
+        session.pc.faults.Arm({.call = call, .code = failure, .withOutputs = true});
+        EXPECT_EQ(List(session).sizes, Sizes()) << call;
+        EXPECT_EQ(session.Left(0), Holdings()) << call;
+    }
+}
+
 TEST(QueryDisks, FirstOfTwoUnallocatedDisksRefuses_LeavesTheSecondOut) {
     const machine::Pc pc =
         WindowsPe({Unallocated(PlainDisk(0, 100)), Unallocated(PlainDisk(1, 200)), PlainDisk(2, 300)});

@@ -93,6 +93,27 @@ TEST(QueryPartitions, DiskWithoutPartitions_IsAnError) {
     EXPECT_EQ(session.Left(1), Holdings());
 }
 
+// The caller has what the platform has written.
+TEST(QueryPartitions, EmptyTableOrFailureWithAnArray_IsAnErrorWithTheArray) {
+    machine::Pc empty = WindowsPe({PlainDisk(0)});
+    empty.disks[0].partitions.clear();
+    empty.switches.emptyTableLendsArray = true;
+    machine::Pc failing = machine::FactoryMbr();
+    failing.faults = {{.call = "IVdsAdvancedDisk::QueryPartitions", .code = failure, .withOutputs = true}};
+    machine::Pc odd = machine::FactoryMbr();
+    odd.faults = {{.call = "IVdsAdvancedDisk::QueryPartitions", .code = S_FALSE, .withOutputs = true}};
+    for (const machine::Pc& facts : {empty, failing, odd}) {
+        VdsSession session(facts);
+        VDS_PARTITION_PROP* partitions = nullptr;
+        LONG count = -1;
+        EXPECT_FALSE(session->QueryPartitions(&partitions, &count));
+        EXPECT_NE(partitions, nullptr);
+        EXPECT_EQ(static_cast<size_t>(count), facts.disks[0].partitions.size());
+        CoTaskMemFree(partitions);
+        EXPECT_EQ(session.Left(1), Holdings());
+    }
+}
+
 TEST(QueryPartitions, PartitionsThatCannotBeListed_AreAnError) {
     VdsSession session(machine::FactoryMbr());
     session.Fail("IVdsAdvancedDisk::QueryPartitions", failure);

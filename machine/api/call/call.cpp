@@ -17,6 +17,14 @@ std::string Hex(uint64_t value) {
     return text;
 }
 
+std::string Presence(const void* pointer) {
+    return pointer != nullptr ? "given" : "null";
+}
+
+std::string TextOrNull(const WCHAR* text) {
+    return text != nullptr ? ToUtf8(text) : "null";
+}
+
 void NoteUnshown(const std::string& call, std::vector<std::string> arguments) {
     const Turn turn;
     EmulatedPc::Current().journal.AddUnshown(call, std::move(arguments));

@@ -16,6 +16,10 @@ namespace machine {
 // Arguments and results are written to the journal in decimal, codes and flags in hexadecimal.
 std::string Hex(uint64_t value);
 
+// For a pointer of which only matters whether there is one: "null" or "given". For text: "null" or the text.
+std::string Presence(const void* pointer);
+std::string TextOrNull(const WCHAR* text);
+
 // Adds what the journal does not show of a call.
 void NoteUnshown(const std::string& call, std::vector<std::string> arguments);
 
@@ -72,18 +76,32 @@ uint32_t ResultCode(const EmulatedPc& pc, FailsWith failsWith, R result) {
     return result == Failed<R>(failsWith) ? pc.lastError : 0;
 }
 
-// Whether a call does its work before that rule replaces its result: if the call changes the PC, and if the
-// result is another success, such as S_FALSE, which comes with outputs.
+// Whether a call has outputs besides its result, which a failure can leave filled.
+inline bool HasOutputs(FailsWith failsWith) {
+    switch (failsWith) {
+        case FailsWith::NullAndLastError:
+        case FailsWith::InvalidHandle:
+        case FailsWith::Value:
+            return false;
+        default:
+            return true;
+    }
+}
+
+// Whether a call does its work before that rule replaces its result: if the rule asks for the outputs, if the
+// call changes the PC, and if the result is another success, such as S_FALSE, which comes with outputs.
 inline bool HasEffect(const CallInfo& info, const FaultRule& rule) {
+    if (rule.withOutputs && HasOutputs(info.failsWith)) return true;
     const bool otherSuccess =
         info.failsWith == FailsWith::Hresult && rule.code != 0 && rule.code <= INT32_MAX;
     return rule.afterEffect && (info.changesPc || otherSuccess);
 }
 
 // Performs one call. `body` takes the PC and returns the result; a body that fails calls Failure itself.
-// The caller clears the outputs first, because an injected failure does not run the body.
+// The caller clears the outputs first, because an injected failure does not run the body. `count` is the
+// output that a rule can replace, of calls that have one.
 template <typename R, typename Body>
-R Answer(CallName call, std::vector<std::string> arguments, Body body) {
+R Answer(CallName call, std::vector<std::string> arguments, Body body, ULONG* count = nullptr) {
     const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     const CallInfo& info = call.Info();
@@ -92,6 +110,7 @@ R Answer(CallName call, std::vector<std::string> arguments, Body body) {
     R result{};
     if (fault == nullptr || HasEffect(info, *fault)) result = body(pc);
     if (fault != nullptr) result = Failure<R>(pc, info.failsWith, code);
+    if (fault != nullptr && fault->count && count != nullptr) *count = *fault->count;
     const uint32_t reported = ResultCode(pc, info.failsWith, result);
     const bool hasSucceeded = reported == 0 && info.failsWith != FailsWith::Value;
     if (!hasSucceeded || pc.journal.KeepsSuccesses())

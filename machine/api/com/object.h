@@ -54,9 +54,9 @@ class ComInterface : public Interface {
   protected:
     // Answers a method under its published name. The caller clears the outputs first.
     template <typename Body>
-    HRESULT Call(CallName call, std::vector<std::string> arguments, Body body) const {
+    HRESULT Call(CallName call, std::vector<std::string> arguments, Body body, ULONG* count = nullptr) const {
         references_.ExpectHeld(call.Info().name);
-        return Answer<HRESULT>(call, std::move(arguments), body);
+        return Answer<HRESULT>(call, std::move(arguments), body, count);
     }
 
   private:

@@ -33,12 +33,36 @@ uint32_t ScsiGetAddress(DeviceRequest& request) {
     return FillWhole(request, &address, sizeof address);
 }
 
-// The device descriptor, truncated to the buffer: a first query with 8 bytes or more returns its total
-// size. Error 87 for a shorter buffer or an incomplete query, 50 for another property, 1 for a volume
-// without a disk.
+// All bytes that the device answers: the fixed part, the product's name and zeros, or as much of them as it
+// has.
+std::string StorageDescriptorOf(const Disk& disk) {
+    constexpr std::string_view product("Emulated disk\0",
+                                       14);  // more than the fixed part, as with most devices
+    STORAGE_DEVICE_DESCRIPTOR descriptor{};
+    descriptor.Version = sizeof descriptor;
+    descriptor.Size = disk.storageDescriptorSize.value_or(sizeof descriptor + product.size());
+    descriptor.CommandQueueing = TRUE;
+    descriptor.ProductIdOffset = sizeof descriptor;
+    // Also reports values that the headers' enumeration lacks.
+    std::memcpy(&descriptor.BusType, &*disk.storageBusType.value, sizeof(uint32_t));
+    std::string whole(reinterpret_cast<const char*>(&descriptor), sizeof descriptor);
+    whole += product;
+    whole.resize(descriptor.Size);
+    return whole;
+}
+
+// What a buffer receives that the descriptor does not fit into.
+uint32_t FillShort(DeviceRequest& request, std::string_view descriptor) {
+    const Switches::ShortDescriptor answer = request.pc.facts.switches.shortDescriptor;
+    if (answer == Switches::ShortDescriptor::Fails) return ERROR_INSUFFICIENT_BUFFER;
+    Fill(request, descriptor.data(), descriptor.size());
+    return answer == Switches::ShortDescriptor::MoreData ? ERROR_MORE_DATA : ERROR_SUCCESS;
+}
+
+// The device descriptor. For one that does not fit the PC's switch decides: as much of it as does, so that a
+// first query with 8 bytes or more returns its total size, or the same with error 234, or error 122. Error 87
+// for less than 8 bytes or an incomplete query, 50 for another property, 1 for a volume without a disk.
 uint32_t StorageQueryProperty(DeviceRequest& request) {
-    static constexpr char product[] = "Emulated disk";  // makes the descriptor longer than its fixed part
-    constexpr DWORD size = sizeof(STORAGE_DEVICE_DESCRIPTOR) + sizeof product;
     if (request.device.disk == nullptr) return ERROR_INVALID_FUNCTION;
     STORAGE_PROPERTY_QUERY query;
     if (request.input.size() < sizeof query) return ERROR_INVALID_PARAMETER;
@@ -49,18 +73,9 @@ uint32_t StorageQueryProperty(DeviceRequest& request) {
     if (query.QueryType == PropertyExistsQuery) return ERROR_SUCCESS;
     if (query.QueryType != PropertyStandardQuery) return ERROR_NOT_SUPPORTED;
     if (request.output.size() < sizeof(STORAGE_DESCRIPTOR_HEADER)) return ERROR_INVALID_PARAMETER;
-
-    STORAGE_DEVICE_DESCRIPTOR descriptor{};
-    descriptor.Version = sizeof descriptor;
-    descriptor.Size = size;
-    descriptor.CommandQueueing = TRUE;
-    descriptor.ProductIdOffset = sizeof descriptor;
-    char whole[size];
-    std::memcpy(whole, &descriptor, sizeof descriptor);
-    // Also reports values that the headers' enumeration lacks.
-    std::memcpy(whole + offsetof(STORAGE_DEVICE_DESCRIPTOR, BusType), &*busType.value, sizeof(uint32_t));
-    std::memcpy(whole + sizeof descriptor, product, sizeof product);
-    Fill(request, whole, size);
+    const std::string descriptor = StorageDescriptorOf(*request.device.disk);
+    if (request.output.size() < descriptor.size()) return FillShort(request, descriptor);
+    Fill(request, descriptor.data(), descriptor.size());
     return ERROR_SUCCESS;
 }
 

@@ -23,11 +23,13 @@ uint32_t Perform(EmulatedPc& pc, HANDLE handle, const DeviceControl* control, De
 // pointer for the byte count (overlapped calls are not supported), 1006 for a device that is gone;
 // otherwise the result of the control. The byte count is 0 after a failure other than ERROR_MORE_DATA.
 extern "C" BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID input, DWORD inputSize,
-                                       LPVOID output, DWORD outputSize, LPDWORD returned, LPOVERLAPPED) {
+                                       LPVOID output, DWORD outputSize, LPDWORD returned,
+                                       LPOVERLAPPED overlapped) {
     const DeviceControl* const control = FindDeviceControl(code);
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle),
                                           control != nullptr ? control->name : Hex(code)};
-    NoteUnshown("DeviceIoControl", {std::to_string(inputSize), std::to_string(outputSize)});
+    NoteUnshown("DeviceIoControl",
+                {std::to_string(inputSize), std::to_string(outputSize), Presence(overlapped)});
     if (returned != nullptr) *returned = 0;
     return Answer<BOOL>("DeviceIoControl", std::move(arguments), [&](EmulatedPc& pc) {
         if (returned == nullptr) return Outcome(pc, ERROR_INVALID_PARAMETER);

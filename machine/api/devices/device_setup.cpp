@@ -89,19 +89,23 @@ uint32_t ReturnProperty(EmulatedPc& pc, HDEVINFO handle, const SP_DEVINFO_DATA* 
 }  // namespace
 
 // Creates an empty set, which the caller destroys with SetupDiDestroyDeviceInfoList.
-extern "C" HDEVINFO WINAPI SetupDiCreateDeviceInfoList(const GUID*, HWND) {
+extern "C" HDEVINFO WINAPI SetupDiCreateDeviceInfoList(const GUID* deviceClass, HWND window) {
+    NoteUnshown("SetupDiCreateDeviceInfoList", {Presence(deviceClass), Presence(window)});
     return Answer<HDEVINFO>("SetupDiCreateDeviceInfoList", {},
                             [](EmulatedPc& pc) { return DeviceSets::Of(pc).Open(pc, {}); });
 }
 
 // Adds a device to the set; an empty id is the root of the device tree. Error 6 for a set that is not open,
-// 1784 for a record without its size, 0xE000020B for a device that does not exist.
-extern "C" BOOL WINAPI SetupDiOpenDeviceInfoW(HDEVINFO set, PCWSTR id, HWND, DWORD flags,
+// 1004 for unknown flags, 1784 for a record without its size, 0xE000020B for a device that does not exist.
+extern "C" BOOL WINAPI SetupDiOpenDeviceInfoW(HDEVINFO set, PCWSTR id, HWND window, DWORD flags,
                                               PSP_DEVINFO_DATA element) {
     const std::string name = ToUtf8(id);
-    NoteUnshown("SetupDiOpenDeviceInfoW", {Hex(flags)});
-    return Answer<BOOL>("SetupDiOpenDeviceInfoW", {name},
-                        [&](EmulatedPc& pc) { return Outcome(pc, OpenDevice(pc, set, name, element)); });
+    constexpr DWORD known = DIOD_INHERIT_CLASSDRVS | DIOD_CANCEL_REMOVE;
+    NoteUnshown("SetupDiOpenDeviceInfoW", {Presence(window), Hex(flags)});
+    return Answer<BOOL>("SetupDiOpenDeviceInfoW", {name}, [&](EmulatedPc& pc) {
+        return Outcome(
+            pc, (flags & ~known) != 0 ? uint32_t{ERROR_INVALID_FLAGS} : OpenDevice(pc, set, name, element));
+    });
 }
 
 // A disk's location text with its terminator; sizes are in bytes. Error 122 for a short buffer, with the
@@ -112,6 +116,7 @@ extern "C" BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, PSP_DEVIN
                                                          DWORD property, PDWORD type, PBYTE buffer,
                                                          DWORD size, PDWORD required) {
     if (required != nullptr) *required = 0;
+    NoteUnshown("SetupDiGetDeviceRegistryPropertyW", {Presence(type), Presence(buffer), Presence(required)});
     return Answer<BOOL>(
         "SetupDiGetDeviceRegistryPropertyW", {std::to_string(property), std::to_string(size)},
         [&](EmulatedPc& pc) {

@@ -52,7 +52,9 @@ uint32_t Write(EmulatedPc& pc, HANDLE handle, std::string_view bytes) {
 
 // Reads up to the end of the file; at the end, 0 bytes. Error 5 for a file not opened for reading, 6 for a
 // handle that is not open, 50 for a volume or disk handle, and those of VolumeFiles.
-extern "C" BOOL WINAPI ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD read, LPOVERLAPPED) {
+extern "C" BOOL WINAPI ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD read,
+                                LPOVERLAPPED overlapped) {
+    NoteUnshown("ReadFile", {Presence(overlapped)});
     size_t count = 0;
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle), std::to_string(size)};
     const BOOL answer = Answer<BOOL>("ReadFile", std::move(arguments), [&](EmulatedPc& pc) {
@@ -63,7 +65,9 @@ extern "C" BOOL WINAPI ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD
 }
 
 // Writes everything or nothing. Error 5 for a file not opened for writing; the others as for ReadFile.
-extern "C" BOOL WINAPI WriteFile(HANDLE handle, LPCVOID bytes, DWORD size, LPDWORD written, LPOVERLAPPED) {
+extern "C" BOOL WINAPI WriteFile(HANDLE handle, LPCVOID bytes, DWORD size, LPDWORD written,
+                                 LPOVERLAPPED overlapped) {
+    NoteUnshown("WriteFile", {Presence(overlapped)});
     if (written != nullptr) *written = 0;
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle), std::to_string(size)};
     return Answer<BOOL>("WriteFile", std::move(arguments), [&](EmulatedPc& pc) {

@@ -69,11 +69,12 @@ std::string DispositionText(DWORD disposition) {
 // 32 for a volume without FILE_SHARE_WRITE, 50 for a file with another disposition, 87 for a device with a
 // disposition other than OPEN_EXISTING, and the error from the volume's facts. The caller closes the handle
 // with CloseHandle.
-extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES,
-                                     DWORD disposition, DWORD flags, HANDLE) {
+extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode,
+                                     LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
+                                     HANDLE pattern) {
     const std::string path = ToUtf8(name);
     std::vector<std::string> arguments = {path, Hex(access), Hex(shareMode), DispositionText(disposition)};
-    NoteUnshown("CreateFileW", {Hex(flags)});
+    NoteUnshown("CreateFileW", {Hex(flags), Presence(security), Presence(pattern)});
     HANDLE opened = INVALID_HANDLE_VALUE;
     const HANDLE answer = Answer<HANDLE>("CreateFileW", std::move(arguments), [&](EmulatedPc& pc) {
         std::string_view device = path;

@@ -101,8 +101,9 @@ bool machine::KeyExists(const Pc& pc, const std::string& path) {
                        [&](const auto& key) { return IsAtOrBelow(key.first, path); });
 }
 
-// Error 2 for a key that does not exist, 6 for a parent that is not open, 87 without an output pointer. The
-// output is null after a failure. The caller closes the key with RegCloseKey.
+// Error 2 for a key that does not exist, 6 for a parent that is not open, 87 without an output pointer and
+// for options other than REG_OPTION_OPEN_LINK. The output is null after a failure. The caller closes the key
+// with RegCloseKey.
 extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD options, REGSAM access,
                                         PHKEY opened) {
     if (opened != nullptr) *opened = nullptr;
@@ -110,7 +111,8 @@ extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD options
     NoteUnshown("RegOpenKeyExW", {Hex(options)});
     return Answer<LSTATUS>("RegOpenKeyExW", {KeyName(parent), path, Hex(access)},
                            [&](EmulatedPc& pc) -> LSTATUS {
-                               if (opened == nullptr) return ERROR_INVALID_PARAMETER;
+                               if (opened == nullptr || (options & ~DWORD{REG_OPTION_OPEN_LINK}) != 0)
+                                   return ERROR_INVALID_PARAMETER;
                                const std::optional<std::string> above = PathOf(pc, parent);
                                if (!above) return ERROR_INVALID_HANDLE;
                                const std::string whole = path.empty() ? *above : *above + '\\' + path;
@@ -122,14 +124,17 @@ extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD options
 }
 
 // Without a buffer, returns only type and size. Error 2 for a value that does not exist, 5 for a key not
-// opened for reading, 6 for one that is not open, 87 for a buffer without its size, 234 for a short buffer,
-// which is left untouched, with the required size.
-extern "C" LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD, LPDWORD type, LPBYTE data,
-                                           LPDWORD size) {
+// opened for reading, 6 for one that is not open, 87 for a buffer without its size and for a reserved
+// argument other than null, 234 for a short buffer, which is left untouched, with the required size.
+extern "C" LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
+                                           LPBYTE data, LPDWORD size) {
     const std::string value = ToUtf8(name);
-    NoteUnshown("RegQueryValueExW", {size != nullptr ? std::to_string(*size) : "null"});
-    return Answer<LSTATUS>("RegQueryValueExW", {KeyName(key), value},
-                           [&](EmulatedPc& pc) { return Query(pc, key, value, type, data, size); });
+    NoteUnshown("RegQueryValueExW",
+                {Presence(type), Presence(data), size != nullptr ? std::to_string(*size) : "null"});
+    return Answer<LSTATUS>("RegQueryValueExW", {KeyName(key), value}, [&](EmulatedPc& pc) -> LSTATUS {
+        if (reserved != nullptr) return ERROR_INVALID_PARAMETER;
+        return Query(pc, key, value, type, data, size);
+    });
 }
 
 // Closing a predefined root does nothing. Error 6 for a key that is not open, which is a violation in the

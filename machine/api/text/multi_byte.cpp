@@ -27,10 +27,10 @@ std::optional<std::string> Converted(UINT codePage, WideView text) {
 // the terminator. A character missing from the code page becomes "?". 0 with error 87 without a text and
 // for code pages other than CP_ACP and CP_OEMCP, with 122 for a short buffer, which is left untouched.
 extern "C" INT WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, INT length, LPSTR buffer,
-                                          INT capacity, LPCSTR, LPBOOL) {
+                                          INT capacity, LPCSTR substitute, LPBOOL substituted) {
     std::vector<std::string> arguments = {std::to_string(codePage), std::to_string(length),
                                           std::to_string(capacity)};
-    NoteUnshown("WideCharToMultiByte", {Hex(flags)});
+    NoteUnshown("WideCharToMultiByte", {Hex(flags), Presence(substitute), Presence(substituted)});
     return Answer<INT>("WideCharToMultiByte", std::move(arguments), [&](EmulatedPc& pc) -> INT {
         const auto fail = [&](uint32_t error) {
             return Failure<INT>(pc, FailsWith::ZeroAndLastError, error);

@@ -28,8 +28,9 @@ class VdsDisk final : public ComObject,
 
     // --- IVdsAdvancedDisk ---
 
-    // In the PC's order, in one array ("VDS_PARTITION_PROP array") that the caller frees. S_FALSE and no
-    // array: a table without partitions; VDS_E_DISK_NOT_INITIALIZED: no table.
+    // In the PC's order, in one array ("VDS_PARTITION_PROP array") that the caller frees. S_FALSE: a table
+    // without partitions, for which the PC's switch decides whether there is an array;
+    // VDS_E_DISK_NOT_INITIALIZED: no table.
     HRESULT STDMETHODCALLTYPE QueryPartitions(VDS_PARTITION_PROP** partitions, LONG* count) override;
     // Changes only the boot indicator on MBR disks; only the hidden, read-only and no-letter attributes on
     // GPT disks. VDS_E_PARTITION_STYLE_MISMATCH: parameters of the other style; VDS_E_NOT_SUPPORTED: a

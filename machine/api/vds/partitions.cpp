@@ -76,13 +76,13 @@ HRESULT VdsDisk::QueryPartitions(VDS_PARTITION_PROP** partitions, LONG* count) {
             const Disk* const disk = FindDisk(pc.facts, number_);
             if (disk == nullptr) return VDS_E_OBJECT_DELETED;
             if (!HasTable(*disk)) return VDS_E_DISK_NOT_INITIALIZED;
-            if (disk->partitions.empty()) return S_FALSE;
+            if (disk->partitions.empty() && !pc.facts.switches.emptyTableLendsArray) return S_FALSE;
             *partitions =
                 LendRecords<VDS_PARTITION_PROP>(pc, "VDS_PARTITION_PROP array", disk->partitions.size());
             *count = static_cast<LONG>(disk->partitions.size());
             std::transform(disk->partitions.begin(), disk->partitions.end(), *partitions,
                            [&](const Partition& partition) { return RecordOf(*disk, partition); });
-            return S_OK;
+            return disk->partitions.empty() ? S_FALSE : S_OK;
         });
 }
 

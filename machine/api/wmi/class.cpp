@@ -30,7 +30,10 @@ bool WmiRepository::HasNamespace(const Pc& pc, std::string_view space) const {
     });
 }
 
-const WmiClass* WmiRepository::FindClass(std::string_view space, std::string_view name) const {
+const WmiClass* WmiRepository::FindClass(const Pc& pc, std::string_view space, std::string_view name) const {
+    const bool isAbsent = std::any_of(pc.absentWmiClasses.begin(), pc.absentWmiClasses.end(),
+                                      [&](const std::string& absent) { return SameName(absent, name); });
+    if (isAbsent) return nullptr;
     const auto found = std::find_if(classes_.begin(), classes_.end(), [&](const WmiClass& known) {
         return SameName(known.space, space) && SameName(known.name, name);
     });

@@ -56,8 +56,8 @@ class WmiRepository {
     void Add(WmiClass definition) { classes_.push_back(std::move(definition)); }
     // Whether the PC has the namespace, that is, any class in it.
     bool HasNamespace(const Pc& pc, std::string_view space) const;
-    // The class of that name, or null. The pointer stays valid.
-    const WmiClass* FindClass(std::string_view space, std::string_view name) const;
+    // The class of that name; null if there is none, and if the PC lacks it. The pointer stays valid.
+    const WmiClass* FindClass(const Pc& pc, std::string_view space, std::string_view name) const;
 
   private:
     std::list<WmiClass> classes_;

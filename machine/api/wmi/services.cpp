@@ -11,6 +11,8 @@ namespace machine {
 
 namespace {
 
+constexpr LONG maximumWait = 0x80;  // WBEM_FLAG_CONNECT_USE_MAX_WAIT, which not every toolchain has
+
 constexpr HRESULT Code(WBEMSTATUS status) {
     return static_cast<HRESULT>(status);
 }
@@ -25,7 +27,7 @@ HRESULT Locate(EmulatedPc& pc, const std::string& space, const std::string& path
     const std::optional<WmiPath> read = ReadWmiPath(path);
     if (!read || (!read->space.empty() && !SameName(read->space, space)))
         return Code(WBEM_E_INVALID_OBJECT_PATH);
-    found.definition = WmiRepository::Of(pc).FindClass(space, read->className);
+    found.definition = WmiRepository::Of(pc).FindClass(pc.facts, space, read->className);
     if (found.definition == nullptr) return Code(WBEM_E_NOT_FOUND);
     if (!read->value) return S_OK;
     const std::string& key = found.definition->properties.front();
@@ -42,13 +44,16 @@ HRESULT Locate(EmulatedPc& pc, const std::string& space, const std::string& path
 }  // namespace
 
 HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR user, const BSTR password,
-                                  const BSTR locale, LONG flags, const BSTR authority, IWbemContext*,
+                                  const BSTR locale, LONG flags, const BSTR authority, IWbemContext* context,
                                   IWbemServices** services) {
     Empty(services);
     NoteUnshown("IWbemLocator::ConnectServer",
-                {ToUtf8(user), ToUtf8(password), ToUtf8(locale), std::to_string(flags), ToUtf8(authority)});
+                {TextOrNull(user), TextOrNull(password), TextOrNull(locale), std::to_string(flags),
+                 TextOrNull(authority), Presence(context)});
     return Call("IWbemLocator::ConnectServer", {ToUtf8(resource)}, [&](EmulatedPc& pc) {
-        if (resource == nullptr || services == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
+        if (resource == nullptr || services == nullptr || (flags & ~maximumWait) != 0)
+            return Code(WBEM_E_INVALID_PARAMETER);
+        if (user != nullptr || password != nullptr) return Code(WBEM_E_LOCAL_CREDENTIALS);
         const std::optional<std::string> space = NamespaceOf(ToUtf8(resource));
         if (!space || !WmiRepository::Of(pc).HasNamespace(pc.facts, *space))
             return Code(WBEM_E_INVALID_NAMESPACE);
@@ -56,9 +61,10 @@ HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR user, const BS
     });
 }
 
-HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext*, IWbemClassObject** object,
-                               IWbemCallResult**) {
+HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext* context, IWbemClassObject** object,
+                               IWbemCallResult** callResult) {
     Empty(object);
+    NoteUnshown("IWbemServices::GetObject", {Presence(context), Presence(callResult)});
     return Call("IWbemServices::GetObject", {ToUtf8(path)}, [&](EmulatedPc& pc) {
         if (object == nullptr || flags != 0) return Code(WBEM_E_INVALID_PARAMETER);
         Located located;
@@ -70,22 +76,30 @@ HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext*, IWbem
     });
 }
 
-HRESULT WmiServices::CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext*,
+HRESULT WmiServices::CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext* context,
                                         IEnumWbemClassObject** enumerator) {
     Empty(enumerator);
+    NoteUnshown("IWbemServices::CreateInstanceEnum", {Presence(context)});
     return Call(
         "IWbemServices::CreateInstanceEnum", {ToUtf8(className), std::to_string(flags)}, [&](EmulatedPc& pc) {
             if (enumerator == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
-            const WmiClass* const definition = WmiRepository::Of(pc).FindClass(space_, ToUtf8(className));
-            if (definition == nullptr) return Code(WBEM_E_INVALID_CLASS);
-            return HandOut<IEnumWbemClassObject>(
-                MakeObject<WmiEnumerator>(pc, InstancesOf(pc.facts, *definition)), enumerator);
+            const WmiClass* const definition =
+                WmiRepository::Of(pc).FindClass(pc.facts, space_, ToUtf8(className));
+            const bool failsLate =
+                pc.facts.switches.absentClassFailsLate && (flags & WBEM_FLAG_RETURN_IMMEDIATELY) != 0;
+            if (definition == nullptr && !failsLate) return Code(WBEM_E_INVALID_CLASS);
+            WmiEnumerator& made = definition != nullptr
+                                      ? MakeObject<WmiEnumerator>(pc, InstancesOf(pc.facts, *definition))
+                                      : MakeObject<WmiEnumerator>(pc, Code(WBEM_E_INVALID_CLASS));
+            return HandOut<IEnumWbemClassObject>(made, enumerator);
         });
 }
 
-HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG flags, IWbemContext*,
-                                IWbemClassObject* inputs, IWbemClassObject** outputs, IWbemCallResult**) {
+HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG flags, IWbemContext* context,
+                                IWbemClassObject* inputs, IWbemClassObject** outputs,
+                                IWbemCallResult** callResult) {
     Empty(outputs);
+    NoteUnshown("IWbemServices::ExecMethod", {Presence(context), Presence(inputs), Presence(callResult)});
     return Call("IWbemServices::ExecMethod", {ToUtf8(path), ToUtf8(method)}, [&](EmulatedPc& pc) {
         if (flags != 0) return Code(WBEM_E_INVALID_PARAMETER);
         Located located;
@@ -108,15 +122,18 @@ HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG flags, 
 HRESULT WmiEnumerator::Next(LONG timeout, ULONG count, IWbemClassObject** objects, ULONG* returned) {
     if (objects != nullptr) std::fill_n(objects, count, nullptr);
     Empty(returned);
-    return Call("IEnumWbemClassObject::Next", {std::to_string(timeout), std::to_string(count)},
-                [&](EmulatedPc& pc) {
-                    if (objects == nullptr || returned == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
-                    while (*returned < count && position_ < instances_.size()) {
-                        HandOut<IWbemClassObject>(MakeObject<WmiObject>(pc, instances_[position_++]),
-                                                  &objects[(*returned)++]);
-                    }
-                    return *returned == count ? S_OK : Code(WBEM_S_FALSE);
-                });
+    return Call(
+        "IEnumWbemClassObject::Next", {std::to_string(timeout), std::to_string(count)},
+        [&](EmulatedPc& pc) {
+            if (objects == nullptr || returned == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
+            if (FAILED(failure_)) return failure_;
+            while (*returned < count && position_ < instances_.size()) {
+                HandOut<IWbemClassObject>(MakeObject<WmiObject>(pc, instances_[position_++]),
+                                          &objects[(*returned)++]);
+            }
+            return *returned == count ? S_OK : Code(WBEM_S_FALSE);
+        },
+        returned);
 }
 
 }  // namespace machine

@@ -97,7 +97,8 @@ class WmiServices final : public ComObject, public WmiServicesBase {
     HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG flags, IWbemContext* context,
                                         IWbemClassObject** object, IWbemCallResult** callResult) override;
     // All current instances, whatever the flags; the caller releases the enumeration. WBEM_E_INVALID_CLASS:
-    // unknown class.
+    // unknown class, unless the PC's switch leaves that to Next, as flags that ask for an immediate return
+    // allow.
     HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext* context,
                                                  IEnumWbemClassObject** enumerator) override;
     // Path errors as for GetObject; WBEM_E_INVALID_METHOD: unknown method; WBEM_E_INVALID_PARAMETER: flags,
@@ -117,6 +118,9 @@ class WmiEnumerator final : public ComObject, public ComInterface<IEnumWbemClass
     explicit WmiEnumerator(std::vector<WmiProperties> instances)
         : ComInterface(*this, IID_IEnumWbemClassObject, "IEnumWbemClassObject"),
           instances_(std::move(instances)) {}
+    // One of which every Next fails with that code.
+    explicit WmiEnumerator(HRESULT failure)
+        : ComInterface(*this, IID_IEnumWbemClassObject, "IEnumWbemClassObject"), failure_(failure) {}
 
     // WBEM_S_FALSE: fewer objects remained than requested, at the end none. Never waits, whatever the
     // timeout. The caller releases those returned.
@@ -131,6 +135,7 @@ class WmiEnumerator final : public ComObject, public ComInterface<IEnumWbemClass
     static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
 
     std::vector<WmiProperties> instances_;
+    HRESULT failure_ = S_OK;
     size_t position_ = 0;
 };
 

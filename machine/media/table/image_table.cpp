@@ -19,9 +19,15 @@ Region RegionOf(const Partition& partition) {
     return {"partition " + std::to_string(partition.number), partition.offset, partition.size};
 }
 
+// The numbers that Windows has given so far; an extended partition has none.
+uint32_t NumberedPartitions(const Disk& disk) {
+    return static_cast<uint32_t>(std::ranges::count_if(
+        disk.partitions, [](const Partition& partition) { return partition.number != 0; }));
+}
+
 Partition& AddPartition(Disk& disk, uint64_t offset, uint64_t size) {
     Partition partition;
-    partition.number = static_cast<uint32_t>(disk.partitions.size() + 1);
+    partition.number = NumberedPartitions(disk) + 1;
     partition.offset = offset;
     partition.size = size;
     return disk.partitions.emplace_back(std::move(partition));
@@ -39,11 +45,16 @@ void CheckIndicator(const MbrEntry& entry, const std::string& name, TableFinding
         findings.problems.push_back(name + " is neither active nor inactive; the partition table is damaged");
 }
 
-void AddMbrPartition(const MbrEntry& entry, Disk& disk, TableLayout& layout, TableFindings& findings) {
+Partition& AddMbrEntry(const MbrEntry& entry, Disk& disk) {
     Partition& partition = AddPartition(disk, entry.offset, entry.size);
     partition.slot = entry.slot;
     partition.mbrType = entry.type;
     partition.bootIndicator = entry.IsActive() ? 1 : 0;
+    return partition;
+}
+
+void AddMbrPartition(const MbrEntry& entry, Disk& disk, TableLayout& layout, TableFindings& findings) {
+    const Partition& partition = AddMbrEntry(entry, disk);
     const Region region = RegionOf(partition);
     if (!entry.isLogical) CheckIndicator(entry, region.name, findings);
     (entry.isLogical ? layout.logicals : layout.primaries).push_back(region);
@@ -63,6 +74,8 @@ TableFindings ReadMbr(const ImageFile& image, Disk& disk) {
         if (entry.type == mbrExtendedLinux)
             findings.remarks.emplace_back("an extended partition of type 0x85, which Windows does not know");
         if (entry.IsExtended()) {
+            // Windows lists the first one only.
+            if (layout.extended.empty()) AddMbrEntry(entry, disk).number = 0;
             layout.extended.push_back({"the extended partition", entry.offset, entry.size});
             CheckIndicator(entry, layout.extended.back().name, findings);
         } else {
@@ -168,9 +181,8 @@ std::vector<TableEntry> ImageTable::Entries() {
     if (style_ != PartitionStyle::Mbr) return entries;
     const MbrEntries table = MbrEntriesOf(*image_, SectorSizeOf(*image_));
     if (!table.problems.empty()) return entries;
-    for (const MbrEntry& entry : table.entries) {
-        if (!entry.IsContainer()) entries.push_back({entry.offset, entry.IsActive(), entry.type});
-    }
+    for (const MbrEntry& entry : table.entries)
+        entries.push_back({entry.offset, entry.IsActive(), entry.type});
     return entries;
 }
 

@@ -33,9 +33,9 @@ std::string WhyNoDisk(const ImageFile& image);
 void ReadBlank(const ImageFile& image, Disk& disk);
 
 // Sets the disk's size, style, signature or GUID, and its partitions without their volumes. They are
-// numbered as in Windows: used entries from 1, logical partitions after the primary ones, without the
-// extended partition. A table that is damaged in part is read as far as it can be. Throws ImageError if there
-// is no table, or neither copy of a GUID partition table can be used.
+// numbered as in Windows: used entries from 1, logical partitions after the primary ones, the first extended
+// partition 0; it lists no further one. A table that is damaged in part is read as far as it can be. Throws
+// ImageError if there is no table, or neither copy of a GUID partition table can be used.
 TableFindings ReadTable(const ImageFile& image, Disk& disk);
 
 // Changes are written by the image's next commit.

@@ -177,7 +177,8 @@ ScsiAddress Generator::MakeScsiAddress() {
 Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
     Disk disk;
     auto& [number, vdsName, deviceType, busType, size, sectorSize, style, signature, guid, pack, unallocated,
-           wmi, location, scsiAddress, storageBusType, controllers, partitions, image, table, medium] = disk;
+           wmi, location, scsiAddress, storageBusType, storageDescriptorSize, controllers, partitions, image,
+           table, medium] = disk;
     number = index;
     vdsName = ValueOrNothing<std::string>([&] { return Text(); });
     deviceType = OneOf<uint32_t>({7, 2, 0x33, 1});
@@ -188,6 +189,7 @@ Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
     location = ValueOrError<std::string>([&] { return Text(); });
     scsiAddress = ValueOrError<ScsiAddress>([&] { return MakeScsiAddress(); });
     storageBusType = ValueOrError<uint32_t>([&] { return static_cast<uint32_t>(Below(20)); });
+    storageDescriptorSize = ValueOrNothing<uint32_t>([&] { return 8 + static_cast<uint32_t>(Below(100)); });
     for (uint64_t left = Below(3); left > 0; --left)
         controllers.push_back(Text());
     if (Sometimes()) image = "folder/disk" + std::to_string(index) + ".img";
@@ -207,12 +209,14 @@ Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
 
 FaultRule Generator::MakeFault() {
     FaultRule rule;
-    auto& [call, nth, onwards, afterEffect, code] = rule;
+    auto& [call, nth, onwards, afterEffect, code, withOutputs, count] = rule;
     call = Sometimes() ? anyCall : AllCalls()[Below(AllCalls().size())].name;
     nth = Number<uint32_t>();
     onwards = Sometimes();
     afterEffect = Sometimes();
     code = Number<uint32_t>();
+    withOutputs = Sometimes();
+    if (call.ends_with("::Next")) count = ValueOrNothing<uint32_t>([&] { return Number<uint32_t>(); });
     return rule;
 }
 
@@ -233,7 +237,7 @@ std::vector<EncryptableVolume> Generator::MakeEncryptable() {
 Pc Generator::MakePc() {
     Pc pc;
     auto& [name, firmware, system, host, packs, disks, wmiOrder, volumes, registry, offlineSystemHive,
-           hiveReader, shell, encryptableVolumes, switches, faults] = pc;
+           hiveReader, shell, encryptableVolumes, absentWmiClasses, switches, faults] = pc;
     name = Text();
 
     auto& [firmwareKind, firmwareError] = firmware;
@@ -273,11 +277,15 @@ Pc Generator::MakePc() {
     returnsProcess = Sometimes();
     encryptableVolumes = ValueOrNothing<std::vector<EncryptableVolume>>([&] { return MakeEncryptable(); });
 
+    for (uint64_t left = Below(3); left > 0; --left)
+        absentWmiClasses.push_back(Text());
+
     auto& [activeFlagIsExclusive, letterless, volumesRefuseLetterCalls, hidingRemovesVolume,
-           profilesSkipUtf8Mark] = switches;
-    for (bool* const flag :
-         {&activeFlagIsExclusive, &volumesRefuseLetterCalls, &hidingRemovesVolume, &profilesSkipUtf8Mark})
+           profilesSkipUtf8Mark, emptyTableLendsArray, absentClassFailsLate, shortDescriptor] = switches;
+    for (bool* const flag : {&activeFlagIsExclusive, &volumesRefuseLetterCalls, &hidingRemovesVolume,
+                             &profilesSkipUtf8Mark, &emptyTableLendsArray, &absentClassFailsLate})
         *flag = Sometimes();
+    shortDescriptor = static_cast<Switches::ShortDescriptor>(Below(3));
     letterless = static_cast<Switches::Letterless>(Below(3));
 
     for (uint64_t left = Below(3); left > 0; --left)

@@ -14,13 +14,6 @@ using testing::ElementsAre;
 class AttachImageTest : public ImageTest {};
 class PcOfImagesTest : public ImageTest {};
 
-std::vector<uint32_t> NumbersOf(const Disk& disk) {
-    std::vector<uint32_t> numbers;
-    for (const Partition& partition : disk.partitions)
-        numbers.push_back(partition.number);
-    return numbers;
-}
-
 // One word per partition: its letter, "none" for a volume without one, "-" without a volume.
 std::vector<std::string> LettersOf(const Disk& disk) {
     std::vector<std::string> letters;
@@ -88,18 +81,49 @@ TEST_F(AttachImageTest, EmptySlots_AreNotNumbered) {
     EXPECT_EQ(disk.partitions[1].mbrType, 0x27);
 }
 
-TEST_F(AttachImageTest, LogicalPartitions_AreNumberedAfterPrimariesWithoutTheExtendedOne) {
+TEST_F(AttachImageTest, LogicalPartitions_AreNumberedAfterPrimariesAndTheExtendedOne0) {
     const Disk disk = Attach(
         PartitionedImage(40,
                          "label: dos\\n1: start=2048,size=2048,type=7\\n2: start=8192,size=40960,type=5\\n"
                          "3: start=61440,size=2048,type=27\\n5: start=10240,size=2048,type=b\\n"
                          "6: start=20480,size=2048,type=7\\n"));
 
-    ASSERT_THAT(NumbersOf(disk), ElementsAre(1, 2, 3, 4));
-    EXPECT_EQ(disk.partitions[1].mbrType, 0x27);
-    EXPECT_EQ(disk.partitions[2].mbrType, 0x0B);
-    EXPECT_EQ(disk.partitions[2].offset, 10240 * 512u);
-    EXPECT_EQ(disk.partitions[3].offset, 20480 * 512u);
+    ASSERT_THAT(NumbersOf(disk), ElementsAre(1, 0, 2, 3, 4));
+    EXPECT_EQ(disk.partitions[1].mbrType, 0x05);
+    EXPECT_EQ(disk.partitions[1].offset, 8192 * 512u);
+    EXPECT_EQ(disk.partitions[1].size, 40960 * 512u);
+    EXPECT_EQ(disk.partitions[1].slot, 2u);
+    EXPECT_FALSE(disk.partitions[1].volume);
+    EXPECT_EQ(disk.partitions[2].mbrType, 0x27);
+    EXPECT_EQ(disk.partitions[3].mbrType, 0x0B);
+    EXPECT_EQ(disk.partitions[3].offset, 10240 * 512u);
+    EXPECT_EQ(disk.partitions[4].offset, 20480 * 512u);
+}
+
+TEST_F(AttachImageTest, TwoExtendedPartitions_OnlyTheFirstIsListed) {
+    const std::string image = PartitionedImage(
+        40, "label: dos\\n1: start=2048,size=2048,type=5\\n2: start=8192,size=2048,type=7\\n");
+    PatchByte(image, 446 + 16 + 4, 0x0F);
+
+    const Disk disk = Attach(image);
+
+    ASSERT_THAT(NumbersOf(disk), ElementsAre(0));
+    EXPECT_EQ(disk.partitions[0].offset, 2048 * 512u);
+}
+
+// The boot code in the sector of its first link, and what follows, are left over from a volume.
+TEST_F(AttachImageTest, ExtendedPartitionOverAFormattedOne_HasNoVolume) {
+    const std::string image = PartitionedImage(
+        40, "label: dos\\n1: start=8192,size=40960,type=5\\n5: start=30720,size=2048,type=b\\n");
+    const std::string fat = (Folder() / "fat").string();
+    OutputOf("truncate -s 2M '" + fat + "' && mkfs.fat '" + fat + "'");
+    const std::string copy = "dd conv=notrunc status=none if='" + fat + "' of='" + image + "' ";
+    OutputOf(copy + "bs=1 count=446 seek=4194304 && " + copy + "bs=512 skip=1 seek=8193");
+
+    const Disk disk = Attach(image);
+
+    ASSERT_THAT(NumbersOf(disk), ElementsAre(0, 1));
+    EXPECT_FALSE(disk.partitions[0].volume);
 }
 
 TEST_F(AttachImageTest, EmptyTable_HasNoPartitions) {

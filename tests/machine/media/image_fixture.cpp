@@ -108,4 +108,11 @@ Disk Attach(const std::string& image, const ImageUse& use) {
     return disk;
 }
 
+std::vector<uint32_t> NumbersOf(const Disk& disk) {
+    std::vector<uint32_t> numbers;
+    for (const Partition& partition : disk.partitions)
+        numbers.push_back(partition.number);
+    return numbers;
+}
+
 }  // namespace machine

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "machine/media/disk_image.h"
 #include "tests/support/shell/shell.h"
@@ -52,5 +53,8 @@ void ExpectFilesOfAStick(FileStore& volume);
 
 // The disk of the image.
 Disk Attach(const std::string& image, const ImageUse& use = ImageAccess::Read);
+
+// In the order of the disk's list.
+std::vector<uint32_t> NumbersOf(const Disk& disk);
 
 }  // namespace machine

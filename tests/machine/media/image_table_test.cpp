@@ -78,7 +78,8 @@ TEST_F(ImageTableTest, ActiveExtendedPartition_SetActive_ClearsItsFlagToo) {
     EXPECT_EQ(ByteAt(image, 446), 0x80);
     EXPECT_EQ(ByteAt(image, 446 + 16), 0x00);
     EXPECT_THAT(disk.table->Entries(),
-                ElementsAre(TableEntry{2048 * 512, true, 0x07}, TableEntry{10240 * 512, false, 0x0B}));
+                ElementsAre(TableEntry{2048 * 512, true, 0x07}, TableEntry{8192 * 512, false, 0x05},
+                            TableEntry{10240 * 512, false, 0x0B}));
 }
 
 TEST_F(ImageTableTest, FactoryMbr_ChangeAndRestore_LeavesTheImageUnchanged) {

@@ -45,6 +45,12 @@ TEST(CoInitializeEx, OtherModel_Fails) {
     EXPECT_EQ(pc.ledger.Outstanding(), (Loans{{"COM initialization", 1}}));
 }
 
+TEST(CoInitializeEx, ReservedArgument_Fails) {
+    EmulatedPc pc(machine::FactoryMbr());
+    EXPECT_EQ(CoInitializeEx(&pc, COINIT_MULTITHREADED), E_INVALIDARG);
+    EXPECT_EQ(pc.ledger.Outstanding(), Loans());
+}
+
 TEST(CoUninitialize, Unmatched_IsAViolation) {
     EmulatedPc pc(machine::FactoryMbr());
     CoUninitialize();
@@ -62,6 +68,19 @@ TEST(CoInitializeSecurity, Repeated_SucceedsOnce) {
 TEST(CoInitializeSecurity, NoApartment_Fails) {
     EmulatedPc pc(machine::FactoryMbr());
     EXPECT_EQ(SetSecurity(), CO_E_NOTINITIALIZED);
+}
+
+TEST(CoInitializeSecurity, ReservedArgumentOrServicesThatAreChosen_Fail) {
+    ComClient client(machine::FactoryMbr());
+    SOLE_AUTHENTICATION_SERVICE service = {};
+    const auto set = [&](SOLE_AUTHENTICATION_SERVICE* services, void* reserved1, void* reserved3) {
+        return CoInitializeSecurity(nullptr, -1, services, reserved1, RPC_C_AUTHN_LEVEL_DEFAULT,
+                                    RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, reserved3);
+    };
+    EXPECT_EQ(set(&service, nullptr, nullptr), E_INVALIDARG);
+    EXPECT_EQ(set(nullptr, &service, nullptr), E_INVALIDARG);
+    EXPECT_EQ(set(nullptr, nullptr, &service), E_INVALIDARG);
+    EXPECT_EQ(SetSecurity(), S_OK);
 }
 
 TEST(CoInitializeSecurity, FaultAfterEffect_CountsAsTheOneCall) {

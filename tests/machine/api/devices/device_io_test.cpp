@@ -109,6 +109,35 @@ TEST(StorageQueryProperty, TwoCalls_ReturnSizeThenDescriptor) {
                  "Emulated disk");
 }
 
+// Fewer bytes than the fixed part leave out its end, more add zeros.
+TEST(StorageQueryProperty, DescriptorOfAnySize_IsAnsweredWhole) {
+    EmulatedPc pc(machine::FactoryMbr());
+    for (const DWORD size : {8u, 20u, 39u, 40u, 41u, 1000u}) {
+        pc.facts.disks[0].storageDescriptorSize = size;
+        const Reply whole = StorageProperty(2000);
+        ExpectSuccess(whole, size);
+        EXPECT_EQ(whole.As<STORAGE_DESCRIPTOR_HEADER>().Size, size);
+    }
+    const Reply longest = StorageProperty(1000);
+    EXPECT_STREQ(longest.output.data() + 40, "Emulated disk");
+    EXPECT_EQ(longest.output[999], 0);
+}
+
+TEST(StorageQueryProperty, BufferThatIsTooShort_IsAnsweredAsTheSwitchSays) {
+    EmulatedPc pc(machine::FactoryMbr());
+    pc.facts.switches.shortDescriptor = machine::Switches::ShortDescriptor::MoreData;
+    const Reply part = StorageProperty(40);
+    EXPECT_FALSE(part.result);
+    EXPECT_EQ(part.error, DWORD{ERROR_MORE_DATA});
+    EXPECT_EQ(part.returned, 40u);
+    EXPECT_EQ(part.As<STORAGE_DEVICE_DESCRIPTOR>().Size, 54u);
+    ExpectSuccess(StorageProperty(54), 54);
+    pc.facts.switches.shortDescriptor = machine::Switches::ShortDescriptor::Fails;
+    ExpectFailure(StorageProperty(40), ERROR_INSUFFICIENT_BUFFER);
+    ExpectSuccess(StorageProperty(54), 54);
+    ExpectFailure(StorageProperty(7), ERROR_INVALID_PARAMETER);
+}
+
 TEST(StorageQueryProperty, ExistsQuery_ReturnsNothing) {
     EmulatedPc pc(machine::FactoryMbr());
     ExpectSuccess(StorageProperty(40, StorageDeviceProperty, PropertyExistsQuery), 0);

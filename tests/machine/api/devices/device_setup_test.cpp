@@ -70,6 +70,9 @@ TEST(DeviceSetup, InvalidSetOrDevice_OpenFailsWithItsError) {
     EXPECT_EQ(GetLastError(), DWORD{0xE000020B});
     EXPECT_FALSE(SetupDiOpenDeviceInfoW(nullptr, u"", nullptr, 0, &element));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    constexpr DWORD unknownFlag = 1;
+    EXPECT_FALSE(SetupDiOpenDeviceInfoW(set, u"", nullptr, unknownFlag, &element));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
     FailNext(pc, "SetupDiOpenDeviceInfoW", ERROR_ACCESS_DENIED);
     EXPECT_FALSE(SetupDiOpenDeviceInfoW(set, u"", nullptr, 0, &element));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});

@@ -49,6 +49,7 @@ TEST(RegOpenKey, InvalidArguments_FailWithTheirError) {
     EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"SYSTEM", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegOpenKeyExW(nullptr, u"SYSTEM", 0, KEY_READ, &key), ERROR_INVALID_HANDLE);
     EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"SYSTEM", 0, KEY_READ, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"SYSTEM", 1, KEY_READ, &key), ERROR_INVALID_PARAMETER);
     FailNext(pc, "RegOpenKeyExW", ERROR_ACCESS_DENIED);
     key = HKEY_USERS;
     EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"SYSTEM", 0, KEY_READ, &key), ERROR_ACCESS_DENIED);
@@ -84,6 +85,9 @@ TEST(RegQueryValue, InvalidArguments_FailWithTheirError) {
     DWORD size = 3;
     EXPECT_EQ(RegQueryValueExW(key, u"none", nullptr, nullptr, data, &size), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegQueryValueExW(key, u"\\DosDevices\\C:", nullptr, nullptr, data, nullptr),
+              ERROR_INVALID_PARAMETER);
+    DWORD reserved = 0;
+    EXPECT_EQ(RegQueryValueExW(key, u"\\DosDevices\\C:", &reserved, nullptr, data, &size),
               ERROR_INVALID_PARAMETER);
     EXPECT_EQ(RegQueryValueExW(writing, u"\\DosDevices\\C:", nullptr, nullptr, data, &size),
               ERROR_ACCESS_DENIED);

@@ -77,6 +77,19 @@ TEST(QueryPartitions, EmptyTable_ReturnsSFalseAndNoArray) {
     EXPECT_EQ(count, 0);
 }
 
+TEST(QueryPartitions, TableWithoutPartitions_LendsAnEmptyArrayIfTheSwitchSaysSo) {
+    DiskClient client(machine::FactoryMbr());
+    client.pc.facts.disks[0].partitions.clear();
+    client.pc.facts.switches.emptyTableLendsArray = true;
+    VDS_PARTITION_PROP* partitions = nullptr;
+    LONG count = 9;
+    EXPECT_EQ(client.advanced->QueryPartitions(&partitions, &count), S_FALSE);
+    EXPECT_NE(partitions, nullptr);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(client.OnLoan().at("VDS_PARTITION_PROP array"), 1);
+    CoTaskMemFree(partitions);
+}
+
 TEST(QueryPartitions, NoTable_FailsWithNotInitialized) {
     DiskClient client(machine::FactoryMbr());
     client.pc.facts.disks[0].style = machine::PartitionStyle::Unknown;

@@ -72,13 +72,14 @@ class LampClient : public ComClient {
     ComPtr<IWbemServices> services;
 };
 
-HRESULT Connect(const std::string& space) {
+HRESULT Connect(const std::string& space, const BSTR user = nullptr, const BSTR password = nullptr,
+                LONG flags = 0) {
     ComPtr<IWbemLocator> locator;
     EXPECT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
                                reinterpret_cast<void**>(locator.Put())),
               S_OK);
     IWbemServices* services = reinterpret_cast<IWbemServices*>(1);
-    const HRESULT result = locator->ConnectServer(SystemString(space).Get(), nullptr, nullptr, nullptr, 0,
+    const HRESULT result = locator->ConnectServer(SystemString(space).Get(), user, password, nullptr, flags,
                                                   nullptr, nullptr, &services);
     EXPECT_EQ(services != nullptr, result == S_OK);
     if (services != nullptr) services->Release();
@@ -115,6 +116,16 @@ TEST(ConnectServer, EncryptionNamespace_OpensOnlyIfThePcHasIt) {
     client.pc.facts.encryptableVolumes.emplace();
     EXPECT_EQ(Connect(space), S_OK) << "even without a volume";
     EXPECT_EQ(client.OnLoan(), Loans());
+}
+
+TEST(ConnectServer, CredentialsOrUnknownFlagsForThisPc_Fail) {
+    ComClient client(machine::FactoryMbr());
+    const SystemString name("");
+    EXPECT_EQ(Connect("root\\cimv2", name.Get()), Code(WBEM_E_LOCAL_CREDENTIALS));
+    EXPECT_EQ(Connect("root\\cimv2", nullptr, name.Get()), Code(WBEM_E_LOCAL_CREDENTIALS));
+    EXPECT_EQ(Connect("root\\cimv2", nullptr, nullptr, 1), Code(WBEM_E_INVALID_PARAMETER));
+    constexpr LONG maximumWait = 0x80;
+    EXPECT_EQ(Connect("root\\cimv2", nullptr, nullptr, maximumWait), S_OK);
 }
 
 TEST(DiskDrives, SeveralDisks_AreListedInWmiOrder) {
@@ -166,6 +177,30 @@ TEST(CreateInstanceEnum, UnknownClass_Fails) {
     EXPECT_EQ(list, nullptr);
     EXPECT_EQ(services->CreateInstanceEnum(SystemString("Win32_DiskDrive").Get(), 48, nullptr, nullptr),
               Code(WBEM_E_INVALID_PARAMETER));
+}
+
+TEST(CreateInstanceEnum, ClassThatThePcLacks_FailsAtOnceOrAtTheFirstObject) {
+    ComClient client(machine::FactoryMbr());
+    const ComPtr<IWbemServices> services = ConnectWmi();
+    client.pc.facts.absentWmiClasses = {"WIN32_DiskDrive"};
+    const SystemString name("Win32_DiskDrive");
+    constexpr LONG immediately = WBEM_FLAG_RETURN_IMMEDIATELY;
+    ComPtr<IEnumWbemClassObject> list;
+    EXPECT_EQ(services->CreateInstanceEnum(name.Get(), immediately, nullptr, list.Put()),
+              Code(WBEM_E_INVALID_CLASS));
+    client.pc.facts.switches.absentClassFailsLate = true;
+    EXPECT_EQ(services->CreateInstanceEnum(name.Get(), 0, nullptr, list.Put()), Code(WBEM_E_INVALID_CLASS));
+    EXPECT_FALSE(list);
+    EXPECT_EQ(services->CreateInstanceEnum(name.Get(), immediately, nullptr, list.Put()), S_OK);
+    for (int time = 0; time < 2; ++time) {
+        ComPtr<IWbemClassObject> object;
+        ULONG returned = 9;
+        EXPECT_EQ(list->Next(0, 1, object.Put(), &returned), Code(WBEM_E_INVALID_CLASS));
+        EXPECT_FALSE(object);
+        EXPECT_EQ(returned, 0u);
+    }
+    ComPtr<IWbemClassObject> object;
+    EXPECT_EQ(services->GetObject(name.Get(), 0, nullptr, object.Put(), nullptr), Code(WBEM_E_NOT_FOUND));
 }
 
 TEST(WmiEnumerator, ListChangedLater_KeepsItsListAndEndsEveryTime) {
