@@ -5,8 +5,8 @@
 #include "tools/kestova/command_line/command_functions.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"
-#include "tools/kestova/reports/comparison.h"
-#include "tools/kestova/reports/validation.h"
+#include "tools/kestova/descriptions/comparison.h"
+#include "tools/kestova/descriptions/validation.h"
 
 namespace commands {
 

@@ -10,7 +10,8 @@
 
 #include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
-#include "tools/kestova/reports/comparison.h"
+#include "tools/kestova/descriptions/comparison.h"
+#include "tools/kestova/descriptions/validation.h"
 #include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
@@ -18,7 +19,6 @@
 #include "tools/kestova/reports/switch_check.h"
 #include "tools/kestova/reports/table_repair.h"
 #include "tools/kestova/reports/undo.h"
-#include "tools/kestova/reports/validation.h"
 
 std::string AsJson(const StatusReport& status);
 std::string AsJson(const LettersReport& letters);

@@ -9,14 +9,14 @@
 #include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/reports/comparison.h"
+#include "tools/kestova/descriptions/comparison.h"
+#include "tools/kestova/descriptions/validation.h"
 #include "tools/kestova/reports/files.h"
 #include "tools/kestova/reports/letters.h"
 #include "tools/kestova/reports/recovery.h"
 #include "tools/kestova/reports/switch_check.h"
 #include "tools/kestova/reports/table_repair.h"
 #include "tools/kestova/reports/undo.h"
-#include "tools/kestova/reports/validation.h"
 
 // Remark and problem are left out: they belong on standard error.
 std::string AsText(const LettersReport& letters);

@@ -1,4 +1,4 @@
-#include "tools/kestova/reports/validation.h"
+#include "tools/kestova/descriptions/validation.h"
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/described_pc.h"

@@ -1,4 +1,4 @@
-#include "tools/kestova/reports/comparison.h"
+#include "tools/kestova/descriptions/comparison.h"
 
 #include "tools/kestova/pc/described_pc.h"
 
