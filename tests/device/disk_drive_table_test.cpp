@@ -269,6 +269,37 @@ TEST(GetDiskDrive, WmiWithoutTheClassOfDisks_FailsWheneverThePlatformSaysSo) {
     }
 }
 
+// The object counts, not the number that comes with it.
+TEST(GetDiskDrive, ObjectWithAnotherCountThanOne_IsARow) {
+    for (const uint32_t count : {0u, 2u}) {
+        HostedPc pc(PcWithDisks({BareDisk(0), BareDisk(1)}));
+        pc.emulated.faults.Arm(
+            {.call = "IEnumWbemClassObject::Next", .nth = 1, .code = 0, .withOutputs = true, .count = count});
+        tagDiskDriveTable_t table;
+        EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+        EXPECT_EQ(table.nCount, 2) << count;
+    }
+}
+
+TEST(GetDiskDrive, SuccessWithACountAndNoObject_EndsTheTable) {
+    HostedPc pc(PcWithDisks({BareDisk(0), BareDisk(1)}));
+    pc.emulated.faults.Arm({.call = "IEnumWbemClassObject::Next", .nth = 2, .code = 0, .count = 1});
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), S_OK);
+    EXPECT_EQ(table.nCount, 1);
+}
+
+TEST(GetDiskDrive, RefusedObjectThatIsThereAllTheSame_FailsAndReleasesIt) {
+    HostedPc pc(PcWithDisks({BareDisk(0)}));
+    pc.emulated.faults.Arm({.call = "IEnumWbemClassObject::Next",
+                            .nth = 1,
+                            .code = static_cast<uint32_t>(WBEM_E_FAILED),
+                            .withOutputs = true});
+    tagDiskDriveTable_t table;
+    EXPECT_EQ(CDiskDrive().GetDiskDrive(table), static_cast<HRESULT>(WBEM_E_FAILED));
+    EXPECT_EQ(table.nCount, 0);
+}
+
 TEST(GetDiskDrive, UnlistedIdeControllers_Fail) {
     EXPECT_EQ(ResultWithFailure("IWbemServices::CreateInstanceEnum", 0x80041003, 2), accessDenied);
 }
