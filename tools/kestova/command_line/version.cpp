@@ -3,7 +3,7 @@
 #include "tools/kestova/common/display_width.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/pc/images.h"
-#include "tools/kestova/process/system_calls.h"
+#include "tools/kestova/process/confinement.h"
 
 namespace {
 

@@ -14,6 +14,9 @@ struct ConfinedWork {
     size_t operations = 1;
 };
 
+// Whether this build gives up system calls.
+bool FiltersSystemCalls();
+
 // Before anything is read: new privileges, core dumps, and every system call that no command makes. Throws
 // Failed.
 void ConfineAtStart();

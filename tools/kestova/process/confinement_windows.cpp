@@ -1,7 +1,5 @@
 #include "tools/kestova/process/confinement.h"
 
-#include "tools/kestova/process/system_calls.h"
-
 bool FiltersSystemCalls() {
     return false;
 }
