@@ -1,6 +1,7 @@
 // All mistakes of a description at once.
 
 #include <algorithm>
+#include <set>
 
 #include "machine/description/checks.h"
 #include "machine/description/description.h"
@@ -27,10 +28,10 @@ std::vector<Flaw> Contradictions(const Pc& pc, const std::vector<Flaw>& known) {
     const Source source(noFile, found);
     source.TryAll([&] { description::CheckDescription(pc, source); });
     found.erase(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(known.size()));
-    std::erase_if(found, [&](const Flaw& flaw) {
-        return std::ranges::any_of(
-            known, [&](const Flaw& other) { return other.place.starts_with(EntryOf(flaw.place)); });
-    });
+    std::set<std::string> wrong;
+    for (const Flaw& flaw : known)
+        wrong.insert(EntryOf(flaw.place));
+    std::erase_if(found, [&](const Flaw& flaw) { return wrong.contains(EntryOf(flaw.place)); });
     return found;
 }
 
@@ -69,9 +70,10 @@ std::vector<Mistake> FindMistakes(const std::string& text) {
     for (const Flaw& flaw : flaws)
         inOrder.emplace_back(flaw.offset.value_or(OffsetOf(offsets, flaw.place)), &flaw);
     std::ranges::stable_sort(inOrder, {}, &std::pair<size_t, const Flaw*>::first);
+    const description::Lines lines(text);
     std::vector<Mistake> mistakes;
     for (const auto& [offset, flaw] : inOrder) {
-        const auto [line, column] = description::PositionOf(text, offset);
+        const auto [line, column] = lines.Of(offset);
         mistakes.push_back({line, column, flaw->place, flaw->what});
     }
     return mistakes;

@@ -78,7 +78,7 @@ void Source::Fail(const std::string& place, const std::string& what) const {
 
 void Source::FailIn(const std::string& text, size_t offset, const std::string& what) const {
     if (flaws_ != nullptr) throw Failure{{"", what, offset}};
-    const auto [line, column] = PositionOf(text, offset);
+    const auto [line, column] = Lines(text).Of(offset);
     throw DescriptionError(file_, "line " + std::to_string(line) + ", column " + std::to_string(column),
                            what);
 }

@@ -113,11 +113,14 @@ constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 
 }  // namespace
 
-Position PositionOf(const std::string& text, size_t offset) {
-    const std::string_view before = std::string_view(text).substr(0, offset);
-    const auto line = static_cast<size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
-    const size_t lineEnd = before.rfind('\n');
-    return {line, before.size() - (lineEnd == std::string_view::npos ? 0 : lineEnd + 1) + 1};
+Lines::Lines(const std::string& text) : starts_{0} {
+    for (size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 1))
+        starts_.push_back(end + 1);
+}
+
+Position Lines::Of(size_t offset) const {
+    const auto next = std::ranges::upper_bound(starts_, offset);
+    return {static_cast<size_t>(next - starts_.begin()), offset - *(next - 1) + 1};
 }
 
 std::unordered_map<std::string, size_t> OffsetsByPlace(const std::string& text) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace machine::description {
 
@@ -12,7 +13,14 @@ struct Position {
     size_t column;
 };
 
-Position PositionOf(const std::string& text, size_t offset);
+class Lines {
+  public:
+    explicit Lines(const std::string& text);
+    Position Of(size_t offset) const;
+
+  private:
+    std::vector<size_t> starts_;  // offsets
+};
 
 // The offset of each value by its place, as Node names places: that of its key, or of an entry of a list. Of
 // keys that stand twice, the last. Of text that is not JSON, or nested too deep, as far as it is.
