@@ -77,7 +77,9 @@ extern "C" HRESULT WINAPI CoInitializeSecurity(PSECURITY_DESCRIPTOR descriptor, 
                                                SOLE_AUTHENTICATION_SERVICE* serviceList, void* reserved1,
                                                DWORD authentication, DWORD impersonation, void* identities,
                                                DWORD capabilities, void* reserved3) {
-    NoteUnshown("CoInitializeSecurity", {Presence(descriptor), Presence(serviceList), Presence(identities)});
+    NoteUnshown("CoInitializeSecurity", [&] {
+        return Arguments{Presence(descriptor), Presence(serviceList), Presence(identities)};
+    });
     return Answer<HRESULT>("CoInitializeSecurity",
                            {std::to_string(services), std::to_string(authentication),
                             std::to_string(impersonation), Hex(capabilities)},
@@ -114,7 +116,7 @@ extern "C" HRESULT WINAPI CoCreateInstance(REFCLSID clsid, LPUNKNOWN outer, DWOR
 extern "C" HRESULT WINAPI CoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWORD authorization,
                                             OLECHAR* principal, DWORD level, DWORD impersonation,
                                             RPC_AUTH_IDENTITY_HANDLE identity, DWORD capabilities) {
-    NoteUnshown("CoSetProxyBlanket", {Presence(principal), Presence(identity)});
+    NoteUnshown("CoSetProxyBlanket", [&] { return Arguments{Presence(principal), Presence(identity)}; });
     return Answer<HRESULT>("CoSetProxyBlanket",
                            {std::to_string(authentication), std::to_string(authorization),
                             std::to_string(level), std::to_string(impersonation), Hex(capabilities)},

@@ -34,8 +34,4 @@ std::vector<std::vector<std::string>> Journal::Unshown(const std::string& call) 
     return arguments != unshown_.end() ? arguments->second : std::vector<std::vector<std::string>>();
 }
 
-void Journal::AddUnshown(const std::string& call, std::vector<std::string> arguments) {
-    if (keepsUnshown_) unshown_[call].push_back(std::move(arguments));
-}
-
 }  // namespace machine

@@ -44,7 +44,9 @@ class Journal {
     // for each call of that name, in order; none for a call of which the entries show everything.
     // "IUnknown::Release" has the interface, and the call before it. Only tests ask for it.
     std::vector<std::vector<std::string>> Unshown(const std::string& call) const;
-    void AddUnshown(const std::string& call, std::vector<std::string> arguments);
+    void AddUnshown(const std::string& call, std::vector<std::string> arguments) {
+        unshown_[call].push_back(std::move(arguments));
+    }
 
     // Whether the journal has log records and calls that succeeded, and what the entries leave out. Who will
     // not ask for them saves the time.

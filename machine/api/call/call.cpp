@@ -25,9 +25,4 @@ std::string TextOrNull(const WCHAR* text) {
     return text != nullptr ? ToUtf8(text) : "null";
 }
 
-void NoteUnshown(const std::string& call, std::vector<std::string> arguments) {
-    const Turn turn;
-    EmulatedPc::Current().journal.AddUnshown(call, std::move(arguments));
-}
-
 }  // namespace machine

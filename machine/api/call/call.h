@@ -20,8 +20,15 @@ std::string Hex(uint64_t value);
 std::string Presence(const void* pointer);
 std::string TextOrNull(const WCHAR* text);
 
-// Adds what the journal does not show of a call.
-void NoteUnshown(const std::string& call, std::vector<std::string> arguments);
+using Arguments = std::vector<std::string>;
+
+// Adds what the journal does not show of a call; made only for who asks.
+template <typename MakeArguments>
+void NoteUnshown(const char* call, MakeArguments arguments) {
+    const Turn turn;
+    Journal& journal = EmulatedPc::Current().journal;
+    if (journal.KeepsUnshown()) journal.AddUnshown(call, arguments());
+}
 
 // What a call of a kind that reports failures by the last error returns for one.
 template <typename R>

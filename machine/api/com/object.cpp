@@ -46,7 +46,7 @@ ULONG ComReferences::GiveBack() {
         return 0;
     }
     pc.ledger.GiveBack(name_);
-    if (pc.journal.KeepsUnshown()) NoteUnshown("IUnknown::Release", {name_, LastCall()});
+    NoteUnshown("IUnknown::Release", [&] { return Arguments{name_, LastCall()}; });
     return --count_;
 }
 

@@ -28,8 +28,9 @@ extern "C" BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID input, 
     const DeviceControl* const control = FindDeviceControl(code);
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle),
                                           control != nullptr ? control->name : Hex(code)};
-    NoteUnshown("DeviceIoControl",
-                {std::to_string(inputSize), std::to_string(outputSize), Presence(overlapped)});
+    NoteUnshown("DeviceIoControl", [&] {
+        return Arguments{std::to_string(inputSize), std::to_string(outputSize), Presence(overlapped)};
+    });
     if (returned != nullptr) *returned = 0;
     return Answer<BOOL>("DeviceIoControl", std::move(arguments), [&](EmulatedPc& pc) {
         if (returned == nullptr) return Outcome(pc, ERROR_INVALID_PARAMETER);

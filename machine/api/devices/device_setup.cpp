@@ -90,7 +90,9 @@ uint32_t ReturnProperty(EmulatedPc& pc, HDEVINFO handle, const SP_DEVINFO_DATA* 
 
 // Creates an empty set, which the caller destroys with SetupDiDestroyDeviceInfoList.
 extern "C" HDEVINFO WINAPI SetupDiCreateDeviceInfoList(const GUID* deviceClass, HWND window) {
-    NoteUnshown("SetupDiCreateDeviceInfoList", {Presence(deviceClass), Presence(window)});
+    NoteUnshown("SetupDiCreateDeviceInfoList", [&] {
+        return Arguments{Presence(deviceClass), Presence(window)};
+    });
     return Answer<HDEVINFO>("SetupDiCreateDeviceInfoList", {},
                             [](EmulatedPc& pc) { return DeviceSets::Of(pc).Open(pc, {}); });
 }
@@ -101,7 +103,7 @@ extern "C" BOOL WINAPI SetupDiOpenDeviceInfoW(HDEVINFO set, PCWSTR id, HWND wind
                                               PSP_DEVINFO_DATA element) {
     const std::string name = ToUtf8(id);
     constexpr DWORD known = DIOD_INHERIT_CLASSDRVS | DIOD_CANCEL_REMOVE;
-    NoteUnshown("SetupDiOpenDeviceInfoW", {Presence(window), Hex(flags)});
+    NoteUnshown("SetupDiOpenDeviceInfoW", [&] { return Arguments{Presence(window), Hex(flags)}; });
     return Answer<BOOL>("SetupDiOpenDeviceInfoW", {name}, [&](EmulatedPc& pc) {
         return Outcome(
             pc, (flags & ~known) != 0 ? uint32_t{ERROR_INVALID_FLAGS} : OpenDevice(pc, set, name, element));
@@ -116,7 +118,9 @@ extern "C" BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, PSP_DEVIN
                                                          DWORD property, PDWORD type, PBYTE buffer,
                                                          DWORD size, PDWORD required) {
     if (required != nullptr) *required = 0;
-    NoteUnshown("SetupDiGetDeviceRegistryPropertyW", {Presence(type), Presence(buffer), Presence(required)});
+    NoteUnshown("SetupDiGetDeviceRegistryPropertyW", [&] {
+        return Arguments{Presence(type), Presence(buffer), Presence(required)};
+    });
     return Answer<BOOL>(
         "SetupDiGetDeviceRegistryPropertyW", {std::to_string(property), std::to_string(size)},
         [&](EmulatedPc& pc) {

@@ -54,7 +54,7 @@ uint32_t Write(EmulatedPc& pc, HANDLE handle, std::string_view bytes) {
 // handle that is not open, 50 for a volume or disk handle, and those of VolumeFiles.
 extern "C" BOOL WINAPI ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD read,
                                 LPOVERLAPPED overlapped) {
-    NoteUnshown("ReadFile", {Presence(overlapped)});
+    NoteUnshown("ReadFile", [&] { return Arguments{Presence(overlapped)}; });
     size_t count = 0;
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle), std::to_string(size)};
     const BOOL answer = Answer<BOOL>("ReadFile", std::move(arguments), [&](EmulatedPc& pc) {
@@ -67,7 +67,7 @@ extern "C" BOOL WINAPI ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD
 // Writes everything or nothing. Error 5 for a file not opened for writing; the others as for ReadFile.
 extern "C" BOOL WINAPI WriteFile(HANDLE handle, LPCVOID bytes, DWORD size, LPDWORD written,
                                  LPOVERLAPPED overlapped) {
-    NoteUnshown("WriteFile", {Presence(overlapped)});
+    NoteUnshown("WriteFile", [&] { return Arguments{Presence(overlapped)}; });
     if (written != nullptr) *written = 0;
     std::vector<std::string> arguments = {NameOf(EmulatedPc::Current(), handle), std::to_string(size)};
     return Answer<BOOL>("WriteFile", std::move(arguments), [&](EmulatedPc& pc) {

@@ -74,7 +74,7 @@ extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode
                                      HANDLE pattern) {
     const std::string path = ToUtf8(name);
     std::vector<std::string> arguments = {path, Hex(access), Hex(shareMode), DispositionText(disposition)};
-    NoteUnshown("CreateFileW", {Hex(flags), Presence(security), Presence(pattern)});
+    NoteUnshown("CreateFileW", [&] { return Arguments{Hex(flags), Presence(security), Presence(pattern)}; });
     HANDLE opened = INVALID_HANDLE_VALUE;
     const HANDLE answer = Answer<HANDLE>("CreateFileW", std::move(arguments), [&](EmulatedPc& pc) {
         std::string_view device = path;

@@ -71,7 +71,9 @@ extern "C" BOOL WINAPI GetVolumeInformationW(LPCWSTR root, LPWSTR label, DWORD l
                                              LPDWORD longestName, LPDWORD flags, LPWSTR fileSystem,
                                              DWORD fileSystemSize) {
     const std::string path = ToUtf8(root);
-    NoteUnshown("GetVolumeInformationW", {std::to_string(labelSize), std::to_string(fileSystemSize)});
+    NoteUnshown("GetVolumeInformationW", [&] {
+        return Arguments{std::to_string(labelSize), std::to_string(fileSystemSize)};
+    });
     return Answer<BOOL>("GetVolumeInformationW", {path}, [&](EmulatedPc& pc) {
         return Outcome(
             pc, ReturnVolume(pc, path,

@@ -49,10 +49,12 @@ extern "C" BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info) {
                                           ToUtf8(info->lpDirectory),
                                           std::to_string(info->nShow),
                                           Hex(info->fMask)};
-    NoteUnshown("ShellExecuteExW",
-                {Presence(info->hwnd), Presence(info->lpParameters), Presence(info->lpDirectory),
-                 Presence(info->lpIDList), Presence(info->lpClass), Presence(info->hkeyClass),
-                 std::to_string(info->dwHotKey), Presence(info->hMonitor)});
+    NoteUnshown("ShellExecuteExW", [&] {
+        return Arguments{Presence(info->hwnd),           Presence(info->lpParameters),
+                         Presence(info->lpDirectory),    Presence(info->lpIDList),
+                         Presence(info->lpClass),        Presence(info->hkeyClass),
+                         std::to_string(info->dwHotKey), Presence(info->hMonitor)};
+    });
     const BOOL result = Answer<BOOL>("ShellExecuteExW", std::move(arguments),
                                      [&](EmulatedPc& pc) { return Outcome(pc, Start(pc, verb, file)); });
     const Turn turn;

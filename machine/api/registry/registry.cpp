@@ -108,7 +108,7 @@ extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD options
                                         PHKEY opened) {
     if (opened != nullptr) *opened = nullptr;
     const std::string path = WithoutSlashes(ToUtf8(name));
-    NoteUnshown("RegOpenKeyExW", {Hex(options)});
+    NoteUnshown("RegOpenKeyExW", [&] { return Arguments{Hex(options)}; });
     return Answer<LSTATUS>("RegOpenKeyExW", {KeyName(parent), path, Hex(access)},
                            [&](EmulatedPc& pc) -> LSTATUS {
                                if (opened == nullptr || (options & ~DWORD{REG_OPTION_OPEN_LINK}) != 0)
@@ -129,8 +129,9 @@ extern "C" LSTATUS WINAPI RegOpenKeyExW(HKEY parent, LPCWSTR name, DWORD options
 extern "C" LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
                                            LPBYTE data, LPDWORD size) {
     const std::string value = ToUtf8(name);
-    NoteUnshown("RegQueryValueExW",
-                {Presence(type), Presence(data), size != nullptr ? std::to_string(*size) : "null"});
+    NoteUnshown("RegQueryValueExW", [&] {
+        return Arguments{Presence(type), Presence(data), size != nullptr ? std::to_string(*size) : "null"};
+    });
     return Answer<LSTATUS>("RegQueryValueExW", {KeyName(key), value}, [&](EmulatedPc& pc) -> LSTATUS {
         if (reserved != nullptr) return ERROR_INVALID_PARAMETER;
         return Query(pc, key, value, type, data, size);

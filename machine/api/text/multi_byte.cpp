@@ -30,7 +30,9 @@ extern "C" INT WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR te
                                           INT capacity, LPCSTR substitute, LPBOOL substituted) {
     std::vector<std::string> arguments = {std::to_string(codePage), std::to_string(length),
                                           std::to_string(capacity)};
-    NoteUnshown("WideCharToMultiByte", {Hex(flags), Presence(substitute), Presence(substituted)});
+    NoteUnshown("WideCharToMultiByte", [&] {
+        return Arguments{Hex(flags), Presence(substitute), Presence(substituted)};
+    });
     return Answer<INT>("WideCharToMultiByte", std::move(arguments), [&](EmulatedPc& pc) -> INT {
         const auto fail = [&](uint32_t error) {
             return Failure<INT>(pc, FailsWith::ZeroAndLastError, error);

@@ -47,9 +47,10 @@ HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR user, const BS
                                   const BSTR locale, LONG flags, const BSTR authority, IWbemContext* context,
                                   IWbemServices** services) {
     Empty(services);
-    NoteUnshown("IWbemLocator::ConnectServer",
-                {TextOrNull(user), TextOrNull(password), TextOrNull(locale), std::to_string(flags),
-                 TextOrNull(authority), Presence(context)});
+    NoteUnshown("IWbemLocator::ConnectServer", [&] {
+        return Arguments{TextOrNull(user),      TextOrNull(password),  TextOrNull(locale),
+                         std::to_string(flags), TextOrNull(authority), Presence(context)};
+    });
     return Call("IWbemLocator::ConnectServer", {ToUtf8(resource)}, [&](EmulatedPc& pc) {
         if (resource == nullptr || services == nullptr || (flags & ~maximumWait) != 0)
             return Code(WBEM_E_INVALID_PARAMETER);
@@ -64,7 +65,9 @@ HRESULT WmiLocator::ConnectServer(const BSTR resource, const BSTR user, const BS
 HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext* context, IWbemClassObject** object,
                                IWbemCallResult** callResult) {
     Empty(object);
-    NoteUnshown("IWbemServices::GetObject", {Presence(context), Presence(callResult)});
+    NoteUnshown("IWbemServices::GetObject", [&] {
+        return Arguments{Presence(context), Presence(callResult)};
+    });
     return Call("IWbemServices::GetObject", {ToUtf8(path)}, [&](EmulatedPc& pc) {
         if (object == nullptr || flags != 0) return Code(WBEM_E_INVALID_PARAMETER);
         Located located;
@@ -79,7 +82,7 @@ HRESULT WmiServices::GetObject(const BSTR path, LONG flags, IWbemContext* contex
 HRESULT WmiServices::CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext* context,
                                         IEnumWbemClassObject** enumerator) {
     Empty(enumerator);
-    NoteUnshown("IWbemServices::CreateInstanceEnum", {Presence(context)});
+    NoteUnshown("IWbemServices::CreateInstanceEnum", [&] { return Arguments{Presence(context)}; });
     return Call(
         "IWbemServices::CreateInstanceEnum", {ToUtf8(className), std::to_string(flags)}, [&](EmulatedPc& pc) {
             if (enumerator == nullptr) return Code(WBEM_E_INVALID_PARAMETER);
@@ -99,7 +102,9 @@ HRESULT WmiServices::ExecMethod(const BSTR path, const BSTR method, LONG flags, 
                                 IWbemClassObject* inputs, IWbemClassObject** outputs,
                                 IWbemCallResult** callResult) {
     Empty(outputs);
-    NoteUnshown("IWbemServices::ExecMethod", {Presence(context), Presence(inputs), Presence(callResult)});
+    NoteUnshown("IWbemServices::ExecMethod", [&] {
+        return Arguments{Presence(context), Presence(inputs), Presence(callResult)};
+    });
     return Call("IWbemServices::ExecMethod", {ToUtf8(path), ToUtf8(method)}, [&](EmulatedPc& pc) {
         if (flags != 0) return Code(WBEM_E_INVALID_PARAMETER);
         Located located;

@@ -34,10 +34,9 @@ bool IsSame(const struct stat& backing, const loop_info64& info) {
     return info.lo_device == backing.st_dev && info.lo_inode == backing.st_ino;
 }
 
-// By the path that the kernel shows everybody, or, where that means nothing here or there is no sysfs, by
-// what it answers those who may open the device.
-bool IsBehind(const struct stat& backing, const std::string& name) {
-    const std::string path = FirstLine(fs::path("/sys/block") / name / "loop" / "backing_file");
+// By the path that the kernel shows everybody, or, where that means nothing here or there is none, by what it
+// answers those who may open the device.
+bool IsBehind(const struct stat& backing, const std::string& name, const std::string& path) {
     struct stat status = {};
     if (!path.empty() && stat(path.c_str(), &status) == 0 && IsSame(backing, status)) return true;
     const Descriptor loop(open(("/dev/" + name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -80,11 +79,13 @@ ImageError InUse(const std::string& path, const std::string& user) {
 
 std::string LoopDeviceOn(const struct stat& backing) {
     std::error_code error;
-    for (const char* const folder : {"/sys/block", "/dev"}) {
-        for (const auto& entry : fs::directory_iterator(folder, error)) {
-            const std::string name = entry.path().filename();
-            if (name.starts_with("loop") && IsBehind(backing, name)) return "/dev/" + name;
-        }
+    const bool hasSysfs = fs::exists("/sys/block", error);
+    for (const auto& entry : fs::directory_iterator(hasSysfs ? "/sys/block" : "/dev", error)) {
+        const std::string name = entry.path().filename();
+        if (!name.starts_with("loop")) continue;
+        const std::string path = FirstLine(entry.path() / "loop" / "backing_file");
+        const bool isOnNothing = hasSysfs && path.empty();
+        if (!isOnNothing && IsBehind(backing, name, path)) return "/dev/" + name;
     }
     return "";
 }
