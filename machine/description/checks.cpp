@@ -30,6 +30,8 @@ class Checks {
     void Require(bool holds, const std::string& place, const std::string& otherwise) const {
         if (!holds) source_.Report(place, otherwise);
     }
+    // Whether the list is known, and that key of each entry.
+    bool AreRight(const std::string& list, size_t entries, const std::string& key) const;
     template <typename Value>
     void Once(Places<Value>& places, const Value& value, const std::string& what,
               const std::string& place) const;
@@ -47,8 +49,15 @@ class Checks {
 template <typename Value>
 void Checks::Once(Places<Value>& places, const Value& value, const std::string& what,
                   const std::string& place) const {
+    if (!source_.IsRight(place)) return;
     const auto [first, added] = places.try_emplace(value, place);
     Require(added, place, what + " is taken by " + first->second);
+}
+
+bool Checks::AreRight(const std::string& list, size_t entries, const std::string& key) const {
+    for (size_t index = 0; index < entries; ++index)
+        if (!source_.IsRight(PlaceOfEntry(list, index) + key)) return false;
+    return entries > 0 || source_.IsRight(list);
 }
 
 void Checks::Packs() const {
@@ -86,7 +95,7 @@ void Checks::Disks() {
 
 void Checks::PackOf(const Disk& disk, const std::string& place) const {
     const auto isNamed = [&](const Pack& pack) { return pack.name == disk.pack; };
-    if (disk.pack.empty() || source_.IsFlawed("packs")) return;
+    if (disk.pack.empty() || !AreRight("packs", pc_.packs.size(), ".name")) return;
     if (std::any_of(pc_.packs.begin(), pc_.packs.end(), isNamed)) return;
     std::vector<std::string> names;
     for (const Pack& pack : pc_.packs)
@@ -146,8 +155,9 @@ void Checks::Extents(const Disk& disk, const std::string& place) const {
             const Partition& other = disk.partitions[before];
             const bool apart =
                 !Overlap(partition, other) || IsInside(partition, other) || IsInside(other, partition);
-            if (!apart)
-                Require(false, here + ".offset", "the partition overlaps " + PlaceOfEntry(place, before));
+            if (apart) continue;
+            Require(false, here + ".offset", "the partition overlaps " + PlaceOfEntry(place, before));
+            break;
         }
         Require(partition.offset % smallestSector == 0, here + ".offset",
                 "must be a multiple of 512, the size of a sector");
@@ -165,15 +175,16 @@ void Checks::Letters(const Volume& volume, const std::string& place) {
 }
 
 void Checks::WmiOrder() const {
-    if (source_.IsFlawed("disks")) return;
+    const bool areDisksKnown = AreRight("disks", pc_.disks.size(), ".number");
     Places<uint32_t> numbers;
     for (size_t index = 0; index < pc_.wmiOrder.size(); ++index) {
         const std::string place = PlaceOfEntry("wmiOrder", index);
         const uint32_t number = pc_.wmiOrder[index];
         Once(numbers, number, std::to_string(number), place);
-        Require(std::any_of(pc_.disks.begin(), pc_.disks.end(),
-                            [&](const Disk& disk) { return disk.number == number; }),
-                place, "there is no disk " + std::to_string(number));
+        const bool exists = std::any_of(pc_.disks.begin(), pc_.disks.end(),
+                                        [&](const Disk& disk) { return disk.number == number; });
+        Require(exists || !areDisksKnown || !source_.IsRight(place), place,
+                "there is no disk " + std::to_string(number));
     }
 }
 

@@ -1,6 +1,7 @@
 // Compares two PCs by their descriptions, so that each fact that a description can hold is compared.
 
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "machine/description/description.h"
@@ -76,21 +77,40 @@ class Comparison {
             if (!left.contains(key)) Values(before + key, {nullptr, &value});
     }
 
+    // Each entry with the other of the same name.
     void Lists(const std::string& before, const Kind& kind, const Json& left, const Json& right) {
-        const auto find = [&](const Json& list, const Json& wanted) -> const Json* {
-            const auto entry = std::ranges::find_if(
-                list, [&](const Json& other) { return other.at(kind.key) == wanted.at(kind.key); });
-            return entry != list.end() ? &*entry : nullptr;
+        const std::vector<std::string> leftNames = Names(kind, left);
+        const std::vector<std::string> rightNames = Names(kind, right);
+        const auto find = [](const Json& list, const std::vector<std::string>& names,
+                             const std::string& name) -> const Json* {
+            const auto at = std::ranges::find(names, name);
+            return at != names.end() ? &list[static_cast<size_t>(at - names.begin())] : nullptr;
         };
-        const auto place = [&](const Json& entry) {
-            const Json& key = entry.at(kind.key);
-            return before + std::string(kind.word) + " " +
-                   (key.is_string() ? key.get<std::string>() : TextOf(key));
-        };
-        for (const Json& entry : left)
-            Values(place(entry), {&entry, find(right, entry)});
-        for (const Json& entry : right)
-            if (find(left, entry) == nullptr) Values(place(entry), {nullptr, &entry});
+        for (size_t i = 0; i < left.size(); ++i)
+            Values(before + leftNames[i], {&left[i], find(right, rightNames, leftNames[i])});
+        for (size_t i = 0; i < right.size(); ++i)
+            if (find(left, leftNames, rightNames[i]) == nullptr)
+                Values(before + rightNames[i], {nullptr, &right[i]});
+    }
+
+    // "disk 0"; "volume [1]" for one whose key does not tell it from the others.
+    static std::vector<std::string> Names(const Kind& kind, const Json& list) {
+        std::map<std::string, size_t> uses;
+        for (const Json& entry : list)
+            ++uses[KeyText(entry.at(kind.key))];
+        std::vector<std::string> names;
+        for (const Json& entry : list) {
+            const std::string key = KeyText(entry.at(kind.key));
+            const bool tells = !key.empty() && uses.at(key) == 1;
+            names.push_back(std::string(kind.word) + " " +
+                            (tells ? key : "[" + std::to_string(names.size()) + "]"));
+        }
+        return names;
+    }
+
+    static std::string KeyText(const Json& key) {
+        if (key.is_null()) return "";
+        return key.is_string() ? key.get<std::string>() : TextOf(key);
     }
 };
 

@@ -22,7 +22,8 @@ class DescriptionError : public std::runtime_error {
 struct Mistake {
     size_t line;  // from 1, as the column, which counts bytes
     size_t column;
-    std::string place;  // "disks[0].partitions[1].offset"; empty for text that is not JSON
+    std::string place;  // "disks[0].partitions[1].offset"; empty for the outermost value, and for text that
+                        // is not JSON
     std::string what;
 };
 
@@ -49,8 +50,9 @@ struct Difference {
     std::optional<std::string> right;
 };
 
-// All differences, in the order of a description. Disks, partitions, packs and letters are compared with
-// those of the same number, name or letter. Of an image only its path is compared.
+// All differences, in the order of a description. Disks, partitions, packs, volumes and encryptable volumes
+// are compared with those of the same number, name or letters, whatever their order; those without one, or
+// with one that others of their list have too, by their position. Of an image only its path is compared.
 std::vector<Difference> Compare(const Pc& left, const Pc& right);
 
 // The JSON Schema of what ReadDescription takes, indented. What only the whole description shows, such as

@@ -51,11 +51,9 @@ std::vector<Flaw> FindFlaws(const std::string& text) {
 
 // Where it stands, or what it is missing in.
 size_t OffsetOf(const std::unordered_map<std::string, size_t>& offsets, std::string place) {
-    for (;;) {
+    for (;; place = description::PlaceAbove(place)) {
         if (const auto found = offsets.find(place); found != offsets.end()) return found->second;
         if (place.empty()) return 0;
-        const size_t end = place.find_last_of(".[");
-        place.resize(end == std::string::npos ? 0 : end);
     }
 }
 
@@ -63,9 +61,10 @@ size_t OffsetOf(const std::unordered_map<std::string, size_t>& offsets, std::str
 
 std::vector<Mistake> FindMistakes(const std::string& text) {
     const std::vector<Flaw> flaws = FindFlaws(text);
-    const bool isJson = std::ranges::none_of(flaws, [](const Flaw& flaw) { return flaw.offset.has_value(); });
-    const auto offsets = flaws.empty() || !isJson ? std::unordered_map<std::string, size_t>()
-                                                  : description::OffsetsByPlace(text);
+    std::set<std::string> places;
+    for (const Flaw& flaw : flaws)
+        places.insert(flaw.place);
+    const auto offsets = description::OffsetsByPlace(text, places);
     std::vector<std::pair<size_t, const Flaw*>> inOrder;
     for (const Flaw& flaw : flaws)
         inOrder.emplace_back(flaw.offset.value_or(OffsetOf(offsets, flaw.place)), &flaw);

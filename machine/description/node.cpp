@@ -66,6 +66,11 @@ constexpr UsualMistake usualMistakes[] = {
 
 }  // namespace
 
+Source::Source(const std::string& file, std::vector<Flaw>& flaws) : file_(file), flaws_(&flaws) {
+    for (const Flaw& flaw : flaws)
+        known_.insert(flaw.place);
+}
+
 bool Source::Count(size_t values) {
     counted_ += values;
     return counted_ <= mostValues;
@@ -88,9 +93,12 @@ void Source::Report(const std::string& place, const std::string& what) const {
     flaws_->push_back({place, what});
 }
 
-bool Source::IsFlawed(std::string_view place) const {
-    return flaws_ != nullptr && std::any_of(flaws_->begin(), flaws_->end(),
-                                            [&](const Flaw& flaw) { return flaw.place.starts_with(place); });
+bool Source::IsRight(const std::string& place) const {
+    const auto below = known_.lower_bound(place);
+    if (below != known_.end() && below->starts_with(place)) return false;
+    for (std::string above = PlaceAbove(place); !above.empty(); above = PlaceAbove(above))
+        if (known_.contains(above)) return false;
+    return true;
 }
 
 bool Node::IsNull() const {
@@ -182,6 +190,11 @@ std::string PlaceOfKey(const std::string& place, const std::string& key) {
     return place.empty() ? key : place + "." + key;
 }
 
+std::string PlaceAbove(const std::string& place) {
+    const size_t end = place.find_last_of(".[");
+    return place.substr(0, end == std::string::npos ? 0 : end);
+}
+
 std::string PlaceOfEntry(const std::string& place, size_t index) {
     return place + "[" + std::to_string(index) + "]";
 }
@@ -192,7 +205,13 @@ std::string Unknown(const std::string& word, const std::vector<std::string>& kno
         if (word == usual.word && std::find(known.begin(), known.end(), usual.key) != known.end())
             return quoted + " (did you mean \"" + usual.key + "\"" + usual.example + "?)";
     }
-    const std::string nearest = Nearest(word, known);
+    // A longer word is not mistyped but made, as is a longer list; comparing them takes its time.
+    constexpr size_t longestTyped = 64;
+    constexpr size_t longestList = 100;
+    const bool isTyped = word.size() <= longestTyped && known.size() <= longestList &&
+                         std::all_of(known.begin(), known.end(),
+                                     [](const std::string& other) { return other.size() <= longestTyped; });
+    const std::string nearest = isTyped ? Nearest(word, known) : "";
     return nearest.empty() ? quoted : quoted + " (did you mean \"" + nearest + "\"?)";
 }
 

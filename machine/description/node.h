@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,6 +20,8 @@ struct WholeNumber {
     bool negative;
 };
 
+inline constexpr size_t mostValues = 10000;
+
 // What is wrong at a place: "disks[0].offset", or nothing for the outermost value.
 struct Flaw {
     std::string place;
@@ -30,8 +33,9 @@ struct Flaw {
 class Source {
   public:
     explicit Source(const std::string& file) : file_(file) {}
-    // Collects what is wrong, as far as it can go on from there, instead of failing at once.
-    Source(const std::string& file, std::vector<Flaw>& flaws) : file_(file), flaws_(&flaws) {}
+    // Collects what is wrong behind what is known already, as far as it can go on from there, instead of
+    // failing at once.
+    Source(const std::string& file, std::vector<Flaw>& flaws);
 
     // Counts values of the file, and what follows from them; false if they are too many.
     bool Count(size_t values);
@@ -61,8 +65,9 @@ class Source {
             return;
         }
     }
-    // Whether something below that place is wrong.
-    bool IsFlawed(std::string_view place) const;
+    // Whether what is known at the beginning leaves the value at that place right: nothing is wrong in it,
+    // nor with what holds it.
+    bool IsRight(const std::string& place) const;
 
   private:
     struct Failure {
@@ -70,10 +75,9 @@ class Source {
         bool isCollected = false;
     };
 
-    static constexpr size_t mostValues = 10000;
-
     const std::string& file_;
     std::vector<Flaw>* const flaws_ = nullptr;
+    std::set<std::string> known_;  // places
     size_t counted_ = 0;
 };
 
@@ -141,6 +145,9 @@ class Node {
 std::string PlaceOfKey(const std::string& place, const std::string& key);
 // "disks[0]".
 std::string PlaceOfEntry(const std::string& place, size_t index);
+
+// "disks[0]" of "disks[0].partitions", and nothing of "disks".
+std::string PlaceAbove(const std::string& place);
 
 // A word in quotes with the known one that was meant: "ofset" (did you mean "offset"?), "active" (did you
 // mean "bootIndicator": 1?).

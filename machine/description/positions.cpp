@@ -10,58 +10,78 @@ namespace machine::description {
 
 namespace {
 
-// Walks through the text as far as it is JSON, and as deep as a description can be.
+// Walks through the text as far as it is JSON and a description can be, and into what holds a wanted place.
 class Walk {
   public:
-    explicit Walk(std::string_view text) : text_(text) { Value("", 0); }
+    Walk(std::string_view text, const std::set<std::string>& wanted) : text_(text), wanted_(wanted) {
+        SkipBlanks();
+        offsets[""] = at_;
+        Value("");
+    }
 
     std::unordered_map<std::string, size_t> offsets;
 
   private:
-    static constexpr size_t deepest = 32;
-
-    void Value(const std::string& place, size_t depth) {
+    void Value(const std::string& place) {
         SkipBlanks();
-        offsets.try_emplace(place, at_);
-        if (depth > deepest) return End();
-        const char first = Now();
-        if (first == '{') {
-            Members(place, depth);
-        } else if (first == '[') {
-            Entries(place, depth);
-        } else if (first == '"') {
-            String();
+        const auto next = wanted_.lower_bound(place);
+        const bool isWanted = next != wanted_.end() && next->starts_with(place);
+        if (isWanted && Now() == '{') {
+            Members(place);
+        } else if (isWanted && Now() == '[') {
+            Entries(place);
         } else {
-            at_ = std::min(text_.find_first_of(",]} \t\r\n/", at_), text_.size());
+            Skip();
         }
     }
 
-    void Members(const std::string& place, size_t depth) {
+    void Members(const std::string& place) {
         ++at_;
         for (SkipBlanks(); Now() == '"'; SkipComma()) {
             const size_t key = at_;
-            const Json name = Json::parse(String(), nullptr, false);
-            if (!name.is_string()) return End();
+            const std::string_view written = String();
+            const Json name = Json::parse(written, nullptr, false);
+            if (!name.is_string() || written.size() > longestKey || !Count()) return End();
             const std::string member = PlaceOfKey(place, name.get<std::string>());
             offsets[member] = key;
             SkipBlanks();
             if (Now() != ':') return End();
             ++at_;
-            Value(member, depth + 1);
+            Value(member);
         }
         Close('}');
     }
 
-    void Entries(const std::string& place, size_t depth) {
+    void Entries(const std::string& place) {
         ++at_;
         SkipBlanks();
         for (size_t index = 0; Now() != ']' && Now() != '\0'; ++index) {
             const size_t before = at_;
-            Value(PlaceOfEntry(place, index), depth + 1);
+            const std::string entry = PlaceOfEntry(place, index);
+            offsets[entry] = at_;
+            Value(entry);
             SkipComma();
-            if (at_ == before) return End();
+            if (at_ == before || !Count()) return End();
         }
         Close(']');
+    }
+
+    // A value with all that it holds.
+    void Skip() {
+        size_t open = 0;
+        do {
+            SkipBlanks();
+            const char first = Now();
+            const bool closes = first == '}' || first == ']';
+            if (first == '\0' || (open == 0 && (closes || first == ','))) return;
+            if (first == '"') {
+                String();
+                continue;
+            }
+            if (closes) --open;
+            if (first == '{' || first == '[') ++open;
+            at_ = std::min(text_.find_first_of(",:]}[{\" \t\r\n/", at_ + 1), text_.size());
+        } while (open > 0);
     }
 
     // With its quotes.
@@ -99,13 +119,21 @@ class Walk {
         }
     }
 
+    // False behind more values than a description has.
+    bool Count() { return ++counted_ <= mostValues; }
+
     void End() { at_ = text_.size(); }
 
     // 0 behind the end; no text of JSON has it as it stands.
     char Now() const { return at_ < text_.size() ? text_[at_] : '\0'; }
 
+    // Each byte of a key can be written with six.
+    static constexpr size_t longestKey = 6 * longestText + 2;
+
     std::string_view text_;
+    const std::set<std::string>& wanted_;
     size_t at_ = 0;
+    size_t counted_ = 0;
 };
 
 // Some editors begin a file with it, and the parser skips it.
@@ -123,9 +151,11 @@ Position Lines::Of(size_t offset) const {
     return {static_cast<size_t>(next - starts_.begin()), offset - *(next - 1) + 1};
 }
 
-std::unordered_map<std::string, size_t> OffsetsByPlace(const std::string& text) {
+std::unordered_map<std::string, size_t> OffsetsByPlace(const std::string& text,
+                                                       const std::set<std::string>& wanted) {
     const size_t mark = text.starts_with(utf8Mark) ? utf8Mark.size() : 0;
-    std::unordered_map<std::string, size_t> offsets = Walk(std::string_view(text).substr(mark)).offsets;
+    std::unordered_map<std::string, size_t> offsets =
+        Walk(std::string_view(text).substr(mark), wanted).offsets;
     for (auto& [place, offset] : offsets)
         offset += mark;
     return offsets;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -22,8 +23,10 @@ class Lines {
     std::vector<size_t> starts_;  // offsets
 };
 
-// The offset of each value by its place, as Node names places: that of its key, or of an entry of a list. Of
-// keys that stand twice, the last. Of text that is not JSON, or nested too deep, as far as it is.
-std::unordered_map<std::string, size_t> OffsetsByPlace(const std::string& text);
+// The offsets of values by their places, as Node names them: that of the key, or of an entry of a list; those
+// of the wanted places, and of what holds them and stands beside them. Of keys that stand twice, the last. Of
+// text that is not JSON, or more than a description can be, as far as it is.
+std::unordered_map<std::string, size_t> OffsetsByPlace(const std::string& text,
+                                                       const std::set<std::string>& wanted);
 
 }  // namespace machine::description

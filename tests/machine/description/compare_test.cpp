@@ -46,6 +46,19 @@ TEST(Compare, EveryKindOfChange_IsSaidWithBothValues) {
                     testing::StartsWith("switches, hidingRemovesVolume: ")));
 }
 
+// Two without a letter are not one.
+TEST(Compare, ThingsWithoutAName_AreComparedByPosition) {
+    Pc one;
+    one.volumes.emplace_back().fileSystem = "A";
+    Pc two = one;
+    two.volumes.emplace_back().fileSystem = "Z";
+    ASSERT_EQ(Compare(one, two).size(), 1u);
+    EXPECT_EQ(Compare(one, two)[0].place, "volume [1]");
+    two.volumes[0].fileSystem = "B";
+    EXPECT_EQ(Differences(one, two)[0], "volume [0], fileSystem: \"A\" | \"B\"");
+    EXPECT_EQ(Compare(one, two).size(), 2u);
+}
+
 // Not by their place in the list.
 TEST(Compare, DisksAndPartitionsInAnotherOrder_AreComparedByNumber) {
     const Pc before = WinPeTwoDisks();

@@ -13,6 +13,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
+constexpr size_t longestKey = 32767;
+
 // "3:7 disks[0].offset: what is wrong".
 std::vector<std::string> Found(const std::string& text) {
     std::vector<std::string> found;
@@ -55,7 +57,7 @@ TEST(FindMistakes, FilesAndRegistry_GoOnBehindEachMistake) {
                             "2:28 registry.k.w: must be text, not a number"));
 }
 
-TEST(FindMistakes, KeysThatStandTwice_AreNamedWhereTheySecondlyStand) {
+TEST(FindMistakes, KeysThatStandTwice_AreNamedWhereTheyStandLast) {
     EXPECT_THAT(Found("{\"name\": \"one\",\n \"name\": \"two\"}"),
                 ElementsAre("2:2 name: the key stands twice"));
 }
@@ -71,7 +73,38 @@ TEST(FindMistakes, ContradictionsOfRightValues_AreNamedToo) {
         ElementsAre("2:15 disks[0].pack: unknown pack \"none\"; list it under packs",
                     "4:6 disks[0].partitions[1].number: 1 is taken by disks[0].partitions[0].number",
                     "4:19 disks[0].partitions[1].offset: the partition overlaps disks[0].partitions[0]",
-                    StartsWith("5:2 disks[1].number: must be a whole number")));
+                    StartsWith("5:2 disks[1].number: must be a whole number"),
+                    "6:17 wmiOrder[1]: 0 is taken by wmiOrder[0]"));
+}
+
+TEST(FindMistakes, ContradictionsOfSeveralThings_DoNotHideEachOther) {
+    EXPECT_THAT(
+        Found(R"({"packs": [{"name": "a"}, {"name": "a"}],
+"disks": [{"number": 0, "pack": "b", "style": "unknown"}],
+"wmiOrder": [7, 7]})"),
+        ElementsAre("1:28 packs[1].name: \"a\" is taken by packs[0].name",
+                    StartsWith("2:25 disks[0].pack: unknown pack \"b\""),
+                    "3:14 wmiOrder[0]: there is no disk 7", "3:17 wmiOrder[1]: 7 is taken by wmiOrder[0]",
+                    "3:17 wmiOrder[1]: there is no disk 7"));
+}
+
+// What stands in the place of a number that cannot be read is nobody's number.
+TEST(FindMistakes, NumbersThatCannotBeRead_AreTakenByNone) {
+    EXPECT_THAT(Found(R"({"disks": [{"number": "x"}, {"number": 0}, {}]})"),
+                ElementsAre(StartsWith("1:13 disks[0].number: must be"),
+                            "1:44 disks[2]: the key \"number\" is missing"));
+    EXPECT_THAT(Found(R"({"disks": [{"number": 0}], "wmiOrder": ["x", 0]})"),
+                ElementsAre(StartsWith("1:41 wmiOrder[0]: must be")));
+}
+
+// One for each partition, however many it overlaps.
+TEST(FindMistakes, PartitionsThatAllOverlap_AreOneMistakeEach) {
+    std::string partitions;
+    for (int number = 1; number <= 50; ++number)
+        partitions += (number > 1 ? "," : "") + ("{\"number\": " + std::to_string(number)) +
+                      ", \"offset\": 512, \"size\": 512}";
+    const std::string disk = "{\"number\": 0, \"size\": 4096, \"partitions\": [" + partitions + "]}";
+    EXPECT_EQ(Found("{\"disks\": [" + disk + "]}").size(), 49u);
 }
 
 // The offset of the second partition is unknown, so nothing is said of where it lies.
@@ -110,6 +143,16 @@ TEST(FindMistakes, MoreValuesThanAPcHas_AreOneMistake) {
     const std::vector<std::string> found = Found("{\"host\": {\"files\": {" + files + "}}}");
     ASSERT_EQ(found.size(), 1u);
     EXPECT_THAT(found.front(), testing::HasSubstr("more than 10000 values"));
+}
+
+// Behind the mistake at which the parser stopped, nothing of the text counts.
+TEST(FindMistakes, HostileRest_TakesNeitherTimeNorMemory) {
+    const std::string key(longestKey, 'k');
+    std::string entries(2000000, '0');
+    for (size_t at = 1; at < entries.size(); at += 2)
+        entries[at] = ',';
+    EXPECT_EQ(Found("[" + entries + "0]").size(), 1u);
+    EXPECT_EQ(Found("{\"" + key + "\": [" + entries + "0]}").size(), 1u);
 }
 
 TEST(FindMistakes, NestedDeeperThanADescription_IsOneMistake) {

@@ -193,7 +193,7 @@ constexpr OutputKey validateKeys[] = {
     {"problem", "string|null", "with which it cannot be read at all"},
     {"mistakes[].line", "integer", "from 1"},
     {"mistakes[].column", "integer", "from 1, in bytes"},
-    {"mistakes[].place", "string", "of the value; empty in text that is no JSON"},
+    {"mistakes[].place", "string", "of the value; empty for the outermost one, and in text that is no JSON"},
     {"mistakes[].text", "string", "what is wrong"},
 };
 
