@@ -69,7 +69,7 @@ class EmulatedPc final : private ILogSink {
   private:
     void Write(const LogEntry& entry) override {
         const Turn turn;
-        if (journal.KeepsSuccesses()) journal.Add(entry);
+        if (journal.keepsSuccesses) journal.Add(entry);
     }
 
     // Unordered, because type_info::before is inconsistent on mingw-w64 for types in unnamed namespaces.

@@ -50,14 +50,12 @@ class Journal {
 
     // Whether the journal has log records and calls that succeeded, and what the entries leave out. Who will
     // not ask for them saves the time.
-    void KeepSuccesses(bool keeps) { keepsSuccesses_ = keeps; }
+    bool keepsSuccesses = true;
     void LeaveOutUnshown() { keepsUnshown_ = false; }
-    bool KeepsSuccesses() const { return keepsSuccesses_; }
     bool KeepsUnshown() const { return keepsUnshown_; }
 
   private:
     std::vector<JournalEntry> entries_;
-    bool keepsSuccesses_ = true;
     bool keepsUnshown_ = true;
     std::map<std::string, std::vector<std::vector<std::string>>> unshown_;
 };

@@ -60,6 +60,12 @@ Volume DiscOn(const SharedImage& image) {
 constexpr const char* noStick =
     "no stick: neither a FAT, exFAT, NTFS or UDF volume nor a partition table with one; it may be truncated";
 
+constexpr const char* discInStick = "a disc, not a stick";
+
+bool IsDisc(const SharedImage& image) {
+    return FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disc).has_value();
+}
+
 Volume FirstVolumeOn(const SharedImage& image) {
     Disk disk;
     const TableFindings findings = ReadTable(*image, disk);
@@ -78,6 +84,7 @@ Volume FirstVolumeOn(const SharedImage& image) {
         CheckIsReadable(image, volume, partition.offset, partition.size);
         return volume;
     }
+    if (NamesWholeMedium(MbrSector(*image)) && IsDisc(image)) throw image->Error(discInStick);
     if (!findings.problems.empty()) throw image->Error(findings.problems.front());
     throw image->Error("none of its partitions is a FAT, exFAT, NTFS or UDF volume" + unread);
 }
@@ -90,10 +97,7 @@ Volume StickOn(const SharedImage& image) {
         CheckIsReadable(image, volume, 0, image->Size());
         return volume;
     }
-    if (!HasTable(*image) || NamesWholeMedium(MbrSector(*image))) {
-        const auto disc = FileSystemOf(VolumeBytes(image, 0, image->Size()), MediumKind::Disc);
-        throw image->Error(disc ? "a disc, not a stick" : noStick);
-    }
+    if (!HasTable(*image)) throw image->Error(IsDisc(image) ? discInStick : noStick);
     return FirstVolumeOn(image);
 }
 

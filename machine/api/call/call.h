@@ -120,7 +120,7 @@ R Answer(CallName call, std::vector<std::string> arguments, Body body, ULONG* co
     if (fault != nullptr && fault->count && count != nullptr) *count = *fault->count;
     const uint32_t reported = ResultCode(pc, info.failsWith, result);
     const bool hasSucceeded = reported == 0 && info.failsWith != FailsWith::Value;
-    if (!hasSucceeded || pc.journal.KeepsSuccesses())
+    if (!hasSucceeded || pc.journal.keepsSuccesses)
         pc.journal.Add(CallRecord{std::string(info.name), std::move(arguments),
                                   ResultText(info.failsWith, result), fault != nullptr, reported});
     return result;

@@ -82,7 +82,7 @@ std::string LoopDeviceOn(const struct stat& backing) {
     const bool hasSysfs = fs::exists("/sys/block", error);
     for (const auto& entry : fs::directory_iterator(hasSysfs ? "/sys/block" : "/dev", error)) {
         const std::string name = entry.path().filename();
-        if (!name.starts_with("loop")) continue;
+        if (!name.starts_with("loop") || (!hasSysfs && !entry.is_block_file(error))) continue;
         const std::string path = FirstLine(entry.path() / "loop" / "backing_file");
         const bool isOnNothing = hasSysfs && path.empty();
         if (!isOnNothing && IsBehind(backing, name, path)) return "/dev/" + name;

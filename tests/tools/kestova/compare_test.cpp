@@ -34,6 +34,15 @@ TEST_F(Compare, MissingMachineOrFile_IsRefused) {
     EXPECT_THAT(Kestova("compare factory-mbr wrong.json").errors, HasSubstr("wrong.json: nam: unknown key"));
 }
 
+// What is shown begins shortly before the difference.
+TEST_F(Compare, LongTextsThatDifferAtTheirEnds_ShowWhatDiffers) {
+    const std::string same(400, 'x');
+    WriteFile("one.json", "{\"name\": \"" + same + "one\"}");
+    WriteFile("two.json", "{\"name\": \"" + same + "two\"}");
+    EXPECT_EQ(Kestova("compare one.json two.json").output,
+              "name: …xxxxxxxxxxxxxxxxxxxxone\" in one.json, …xxxxxxxxxxxxxxxxxxxxtwo\" in two.json\n");
+}
+
 // A label that a terminal would obey, and a long one.
 TEST_F(Compare, HostileAndLongTexts_AreShownPrintableAndCut) {
     WriteFile("one.json", "{\"name\": \"\\u001b[2J\"}");

@@ -123,6 +123,13 @@ const Mistake mistakes[] = {
 INSTANTIATE_TEST_SUITE_P(Each, WrongUse, testing::ValuesIn(mistakes),
                          [](const auto& tested) { return tested.param.name; });
 
+// A flag has no value that could be missing, and a value can look like an option.
+TEST_F(Json, EqualsSignWithNothingBehindIt_OfAFlag_IsTaken) {
+    EXPECT_EQ(Kestova("--json= pcs").status, 0);
+    EXPECT_EQ(Kestova("--image= status").status, 2);
+    EXPECT_EQ(Kestova("--pc factory-mbr --log --image= status").status, 0);
+}
+
 TEST_F(Json, Schema_EachNamedMachine_IsValid) {
     WriteFile("schema.json", Kestova("--schema").output);
     std::istringstream machines(Shell("'" KESTOVA_PROGRAM "' pcs | cut -d ' ' -f 1").output);

@@ -83,6 +83,8 @@ TEST_F(Report, ImagesInFolders_Report_HasTheirNamesAndTheTimeOfMaking) {
     EXPECT_THAT(
         Kestova("--pc cases/pc-of-a-customer.json --format markdown report").output,
         StartsWith("# Kestova report\n\n" + made + " of pc-of-a-customer.json. Nothing was changed.\n"));
+    ASSERT_EQ(Kestova("--pc cases/pc-of-a-customer.json --format markdown report").output.find("cases/"),
+              std::string::npos);
     EXPECT_THAT(Kestova("report -o -").output, HasSubstr("<p>" + made + ". Nothing was changed.</p>\n"));
     unsetenv("SOURCE_DATE_EPOCH");
     EXPECT_THAT(Kestova("report -o -").output,

@@ -7,10 +7,21 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/descriptions/comparison.h"
 #include "tools/kestova/descriptions/validation.h"
+#include "tools/kestova/process/confinement.h"
+
+namespace {
+
+// Anybody can have made the files, and reading them is all that is done.
+void ConfineToReading(const CommandLine& line) {
+    ConfineTo({.operations = line.arguments.size()});
+}
+
+}  // namespace
 
 namespace commands {
 
 int Validate(const CommandLine& line) {
+    ConfineToReading(line);
     std::vector<ValidationReport> reports;
     for (const std::string& file : line.arguments)
         reports.push_back(::Validate(file));
@@ -19,6 +30,7 @@ int Validate(const CommandLine& line) {
 }
 
 int Compare(const CommandLine& line) {
+    ConfineToReading(line);
     const ComparisonReport report = ComparePcs(line.arguments[0], line.arguments[1]);
     Show(line, report);
     return report.differences.empty() ? Done : Failure;

@@ -87,8 +87,8 @@ const std::vector<CommandHelp>& CommandHelps() {
          "they name. Values that contradict each other are named where each of them is right by itself.",
          {{"validate pc.json", ""}, {"validate *.json", "several, in one run"}}},
         {"compare",
-         "Says in which facts two PCs differ: machines that come with the tool, or descriptions. Of an image that a "
-         "description names only the path is compared. Exit status 1: they differ.",
+         "Says in which facts two PCs differ: machines that come with the tool, or descriptions. Their order in "
+         "lists is not compared, and of an image that a description names only the path is. Exit status 1: they differ.",
          {{"compare factory-mbr pc.json", ""}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},

@@ -25,7 +25,7 @@ CLI::Option* Add(CLI::App& app, const Option& row, std::vector<std::string>* val
 // Whether a word can be that option, or holds it among letters behind one hyphen.
 bool CanBeGiven(const Option& row, const std::vector<std::string>& words) {
     const std::string name = LongName(row);
-    const bool hasLetter = row.names != name;
+    const bool hasLetter = std::string_view(row.names).find(',') != std::string_view::npos;
     return std::ranges::any_of(words, [&](const std::string& word) {
         return word.starts_with(name) || (hasLetter && word.starts_with('-') && !word.starts_with("--"));
     });
@@ -70,14 +70,24 @@ std::vector<std::string> Names(const std::vector<OptionGroup>& groups, Which whi
     return names;
 }
 
+std::vector<std::string> NamesWithValue(const std::vector<OptionGroup>& groups) {
+    std::vector<std::string> names;
+    for (const OptionGroup& group : groups) {
+        for (const Option& row : group.options) {
+            if (*row.value != '\0') names.push_back(LongName(row));
+        }
+    }
+    return names;
+}
+
 // CLI11 takes the next word for the value of "--image=".
 void CheckHaveValues(const std::vector<OptionGroup>& groups, const std::vector<std::string>& words) {
-    const std::vector<std::string> names = Names(groups, Which::All);
-    for (const std::string& word : words) {
-        if (word == "--") return;
-        const std::string name = word.substr(0, word.find('='));
-        if (word == name + "=" && std::ranges::count(names, name) != 0)
-            throw WrongUse(name + "= needs a value");
+    const std::vector<std::string> names = NamesWithValue(groups);
+    const auto takesValue = [&](const std::string& name) { return std::ranges::count(names, name) != 0; };
+    for (size_t at = 0; at < words.size() && words[at] != "--"; ++at) {
+        const std::string name = words[at].substr(0, words[at].find('='));
+        if (words[at] == name + "=" && takesValue(name)) throw WrongUse(name + "= needs a value");
+        if (takesValue(words[at])) ++at;  // the next word is the value
     }
 }
 

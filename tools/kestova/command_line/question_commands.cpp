@@ -67,6 +67,14 @@ std::vector<std::string> NamesOfImages(const PcChoice& choice) {
     return names;
 }
 
+// The same of commands in advice: the options of the PC become a word for them.
+void LeaveOutFolders(SwitchReport& check, const std::string& options) {
+    for (ConditionReport& condition : check.conditions) {
+        const size_t at = options.empty() ? std::string::npos : condition.advice.find(options);
+        if (at != std::string::npos) condition.advice.replace(at, options.size(), "[PC] ");
+    }
+}
+
 std::vector<LoggedLine> Logged(LogCollector& collector) {
     std::vector<LoggedLine> lines;
     for (const LogEntry& entry : collector.Take()) {
@@ -125,6 +133,7 @@ int Report(const CommandLine& line) {
              PcReport report{.maker = "kestova " KESTOVA_VERSION, .time = time, .images = images};
              report.status = ReadStatus(session, line.initialize);
              report.check = CheckSwitch(session);
+             LeaveOutFolders(report.check, session.OnPc().ChoosingOptions());
              report.notes = session.OnPc().Notes();
              std::ranges::copy(session.OnPc().LaterNotes(), std::back_inserter(report.notes));
              report.log = Logged(collector);

@@ -2,7 +2,6 @@
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/pc/described_pc.h"
-#include "tools/kestova/pc/opened_pc.h"
 
 ValidationReport Validate(const std::string& file) {
     ValidationReport report{.file = file};

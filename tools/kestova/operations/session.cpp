@@ -22,6 +22,18 @@ const char* OutcomeOf(const OperationReport& report) {
     return isRecorded ? meaning->outcomes.with : meaning->outcomes.without;
 }
 
+// As long as it lasts, no record is collected.
+class Pause {
+  public:
+    explicit Pause(LogCollector& collector) : collector_(collector) { collector_.Collect(false); }
+    ~Pause() { collector_.Collect(true); }
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+
+  private:
+    LogCollector& collector_;
+};
+
 }  // namespace
 
 void LogCollector::Write(const LogEntry& entry) {
@@ -68,10 +80,8 @@ OperationReport Session::Call(const Operation& operation, const Values& argument
 }
 
 OperationReport Session::Ask(const Operation& operation, const Values& arguments) {
-    collector_.Collect(false);
-    OperationReport report = Call(operation, arguments);
-    collector_.Collect(true);
-    return report;
+    const Pause pause(collector_);
+    return Call(operation, arguments);
 }
 
 OperationReport Session::Destroy() {

@@ -69,11 +69,11 @@ struct FaultCount {
     uint32_t calls = 0;
 };
 
-// During its lifetime the platform calls of the library and of this program go to this PC, and the library is
-// loaded as by a program loader.
 // Windows numbers disks from 0; more of them are not looked for.
 inline constexpr int mostDisks = 128;
 
+// During its lifetime the platform calls of the library and of this program go to this PC, and the library is
+// loaded as by a program loader.
 class OpenedPc {
   public:
     OpenedPc() = default;

@@ -135,6 +135,7 @@ std::string TypedOptions(const PcChoice& choice) {
     std::string words;
     for (const std::string& image : choice.images)
         words += "--image " + machine::ShellWord(image) + " ";
+    if (!choice.sectorSize.empty()) words += "--sector-size " + choice.sectorSize + " ";
     if (!choice.pc.empty()) words += "--pc " + machine::ShellWord(choice.pc) + " ";
     return words;
 }
@@ -162,7 +163,7 @@ class EmulatedOne final : public OpenedPc {
           shown_(before_),
           emulated_(before_) {
         emulated_.journal.LeaveOutUnshown();
-        emulated_.journal.KeepSuccesses(choice.trace);
+        emulated_.journal.keepsSuccesses = choice.trace;
         for (const std::string& fault : faults_)
             emulated_.faults.Arm(ReadFault(fault));
         if (FindMachine(choice.pc) == nullptr) inputs_.description = choice.pc;
@@ -238,10 +239,9 @@ int EmulatedOne::DiskNumbersEnd() const {
 // Letters are facts of the PC, for volumes on images too.
 bool EmulatedOne::Rehearse(const std::function<void()>& action) {
     const Restoring facts(emulated_.facts);
-    const bool kept = emulated_.journal.KeepsSuccesses();
-    emulated_.journal.KeepSuccesses(true);
+    const Restoring keeping(emulated_.journal.keepsSuccesses);
+    emulated_.journal.keepsSuccesses = true;
     action();
-    emulated_.journal.KeepSuccesses(kept);
     return true;
 }
 
