@@ -188,6 +188,19 @@ TEST_F(MediumImageTest, DiscWithTableOfTheWholeMedium_InsertAsStick_IsADisc) {
     EXPECT_EQ(Refusal(InsertStick, disc), disc + ": a disc, not a stick");
 }
 
+// A disc for both drives: its table also has a partition that a PC can start from.
+TEST_F(MediumImageTest, EntryOfTheWholeMediumBesideAPartition_InsertAsStick_ReadsThePartition) {
+    const std::string stick = MadeImage("stick-table.img");
+    PatchByte(stick, 446 + 3 * 16 + 4, 0x17);
+    PatchByte(stick, 446 + 3 * 16 + 12, 64);
+    Pc pc;
+
+    InsertStick(pc, stick);
+
+    EXPECT_NE(pc.volumes[0].fileSystem, "RAW");
+    EXPECT_TRUE(pc.volumes[0].store);
+}
+
 // A disk of one UDF volume, before it was partitioned.
 TEST_F(MediumImageTest, PartitionTableBeforeFormerUdf_InsertAsStick_ReadsThePartition) {
     const std::string stick = MadeImage("stick-table.img");
