@@ -40,6 +40,11 @@ class DiskOfThisComputer : public ProgramTest {
         EXPECT_EQ(outcome.errors, "kestova: " + disk_ + ": " + message + "\n") << words;
         EXPECT_TRUE(IsAsMade()) << words;
     }
+    // The kernel's name of a loop device is the file that it is on; without sysfs it says none.
+    std::string WhichDisk() const {
+        const bool isKnown = std::filesystem::exists("/sys/block");
+        return "(" + (isKnown ? (Folder() / "disk.img").string() + ", " : "") + "300.0 MiB)";
+    }
     bool IsAsMade() { return AreSame(KESTOVA_TEST_IMAGES "/factory-mbr.img", Folder() / "disk.img"); }
 
     std::string disk_;
@@ -85,9 +90,8 @@ TEST_F(DiskOfThisComputer, WithoutTable_Status_IsNotCalledAnImage) {
 }
 
 TEST_F(DiskOfThisComputer, NobodyConfirms_BootRecovery_IsRefused) {
-    // The kernel's name of a loop device is the file that it is on.
-    ExpectRefused("boot recovery", "a disk of this computer; --yes confirms that it is to be changed (" +
-                                       (Folder() / "disk.img").string() + ", 300.0 MiB)");
+    ExpectRefused("boot recovery",
+                  "a disk of this computer; --yes confirms that it is to be changed " + WhichDisk());
     EXPECT_EQ(Kestova("--image " + disk_ + " --dry-run boot recovery").status, 0);
 }
 
@@ -108,9 +112,8 @@ TEST_F(DiskOfThisComputer, AskedOnATerminal_BootRecovery_ObeysTheAnswer) {
                                 " --no-journal boot recovery\" terminal";
     const Outcome no = Shell("echo n | " + command);
     EXPECT_EQ(no.status, 1);
-    const bool isKnown = std::filesystem::exists("/sys/block");
-    EXPECT_THAT(no.output, HasSubstr(disk_ + " (" + (isKnown ? (Folder() / "disk.img").string() + ", " : "") +
-                                     "300.0 MiB) is a disk of this computer. Change it? [y/N] "));
+    EXPECT_THAT(no.output,
+                HasSubstr(disk_ + " " + WhichDisk() + " is a disk of this computer. Change it? [y/N] "));
     EXPECT_THAT(no.output, HasSubstr("kestova: " + disk_ + ": nothing was changed"));
     EXPECT_TRUE(IsAsMade());
 
