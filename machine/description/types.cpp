@@ -240,6 +240,8 @@ constexpr Field<FaultRule> faultFields[] = {
     {"code", "what the call returns, by its kind", Required, member<&FaultRule::code, ErrorCode>},
     {"withOutputs", "the call does its work, fills its outputs as for a success, and then returns the code",
      Optional, member<&FaultRule::withOutputs, Flag>},
+    {"argument", "only calls with that first argument, as the trace shows it", Optional,
+     member<&FaultRule::argument, OrNull<Text>>},
     {"count", "only for the Next of an enumerator: the number of objects that it says it returned", Optional,
      member<&FaultRule::count, OrNull<Number<uint32_t>>>},
 };

@@ -30,7 +30,7 @@ Rows DiskDrives(const Pc& pc) {
     Rows rows;
     for (const Disk* disk : ListedDisks(pc)) {
         rows.push_back({TextOrAbsent(disk->wmi->deviceId), TextOrAbsent(disk->wmi->pnpDeviceId),
-                        TextOrAbsent(disk->wmi->interfaceType)});
+                        TextOrAbsent(disk->wmi->interfaceType), static_cast<int32_t>(disk->number)});
     }
     return rows;
 }
@@ -66,7 +66,7 @@ Rows ControllerLinks(const Pc& pc, std::string_view interfaceType, std::string_v
 std::vector<WmiClass> DiskClasses() {
     const char* const space = "root\\cimv2";
     return {
-        {space, "Win32_DiskDrive", {"DeviceID", "PNPDeviceID", "InterfaceType"}, DiskDrives, {}},
+        {space, "Win32_DiskDrive", {"DeviceID", "PNPDeviceID", "InterfaceType", "Index"}, DiskDrives, {}},
         {space,
          "Win32_IDEControllerDevice",
          {"Antecedent", "Dependent"},

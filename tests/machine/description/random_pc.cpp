@@ -209,13 +209,14 @@ Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
 
 FaultRule Generator::MakeFault() {
     FaultRule rule;
-    auto& [call, nth, onwards, afterEffect, code, withOutputs, count] = rule;
+    auto& [call, nth, onwards, afterEffect, code, withOutputs, argument, count] = rule;
     call = Sometimes() ? anyCall : AllCalls()[Below(AllCalls().size())].name;
     nth = Number<uint32_t>();
     onwards = Sometimes();
     afterEffect = Sometimes();
     code = Number<uint32_t>();
     withOutputs = Sometimes();
+    argument = ValueOrNothing<std::string>([&] { return Text(); });
     if (call.ends_with("::Next")) count = ValueOrNothing<uint32_t>([&] { return Number<uint32_t>(); });
     return rule;
 }
