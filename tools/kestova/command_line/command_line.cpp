@@ -31,8 +31,12 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
          {
              {"--json", "", "Answer in JSON", &line.json},
              {"--hash", "", "Show the SHA-256 of each file", &line.hash},
-             {"--output,-o", "FILE|-", "Write the report there; '-' shows it", &line.output},
+             {"--output,-o", "FILE|-", "Write the report or the description there; '-' shows it",
+              &line.output},
              {"--format", "html|markdown", "Of the report", &line.format},
+             {"--anonymous", "", "Put stand-ins for serial numbers, labels, paths and the like",
+              &line.anonymous},
+             {"--seen", "", "Compare only what a running system can show", &line.seen},
              {"--bytes", "", "Show sizes in bytes", &line.bytes, "--json"},
              {"--columns", "LIST", "Show these columns, separated by commas", &line.columns, "--json"},
              {"--quiet", "", "Show no notes and remarks, and of status the disks only", &line.quiet},

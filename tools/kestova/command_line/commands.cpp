@@ -18,13 +18,12 @@ struct OptionUser {
     int (*command)(const CommandLine& line);
 };
 
-constexpr OptionUser usedByFew[] = {{"--output", Report},
-                                    {"--format", Report},
-                                    {"--hash", Files},
-                                    {"--bytes", Status},
-                                    {"--columns", Status}};
+constexpr OptionUser usedByFew[] = {{"--output", Report}, {"--output", Capture}, {"--anonymous", Capture},
+                                    {"--seen", Compare},  {"--format", Report},  {"--hash", Files},
+                                    {"--bytes", Status},  {"--columns", Status}};
 
-constexpr OptionUser notUsedBy[] = {{"--json", Report},    {"--dry-run", Check},       {"--dry-run", Report},
+constexpr OptionUser notUsedBy[] = {{"--json", Capture},   {"--dry-run", Capture},     {"--ledger", Capture},
+                                    {"--json", Report},    {"--dry-run", Check},       {"--dry-run", Report},
                                     {"--ledger", Recover}, {"--ledger", RepairTables}, {"--ledger", Undo},
                                     {"--ledger", Report}};
 
@@ -59,7 +58,7 @@ bool Uses(const Command& command, const std::string& option) {
 
 bool Concerns(const Command& command, const std::string& option) {
     if (!Uses(command, option)) return false;
-    const auto questions = {Status, Letters, Files, Check, Report};
+    const auto questions = {Status, Letters, Files, Check, Report, Capture};
     const bool asks = std::ranges::count(questions, command.run) != 0;
     return !asks || std::ranges::count(forChanges, option) == 0 || IsIn(rehearsedBy, command, option);
 }
@@ -74,6 +73,7 @@ const std::vector<Command>& Commands() {
         {"check", "", "Whether this PC can boot its recovery partition and come back", 0, 0, true, false,
          Check},
         {"report", "", "All of that and the log as a page to attach to a ticket", 0, 0, true, false, Report},
+        {"capture", "", "This PC as a description, to look at elsewhere", 0, 0, true, false, Capture},
         {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},

@@ -31,7 +31,8 @@ int Validate(const CommandLine& line) {
 
 int Compare(const CommandLine& line) {
     ConfineToReading(line);
-    const ComparisonReport report = ComparePcs(line.arguments[0], line.arguments[1]);
+    const ComparisonReport report =
+        ComparePcs(line.arguments[0], line.arguments[1], line.seen ? Compared::Seen : Compared::Whole);
     Show(line, report);
     return report.differences.empty() ? Done : Failure;
 }

@@ -54,6 +54,15 @@ const std::vector<CommandHelp>& CommandHelps() {
          "`status`.",
          {{"--image disk.img report -o report.html", "a page, whole in itself"},
           {"--image disk.img --format markdown report", "for a chat"}}},
+        {"capture",
+         "Asks everything that a description of a PC can hold, and writes it: disks, partitions and volumes with and "
+         "without a letter, what WMI lists, what drivers answer, letters in the registry, and which of the files exist "
+         "that the library looks for. Nothing is changed. A call that fails is described as failing. Of an image it "
+         "makes a description that needs the image no more. What the description holds is said before you send it to "
+         "anybody; --anonymous puts stand-ins for what tells whose PC it is.",
+         {{"capture -o pc.json", "on Windows: this PC"},
+          {"--image disk.img --anonymous capture -o pc.json", "the disk in an image"},
+          {"--pc pc.json status", "and look at it anywhere"}}},
         {"boot",
          "Makes the recovery partition active and records the one that was active before (recovery), or makes the "
          "recorded one active again (system). For MBR disks.\n\n"
@@ -88,8 +97,9 @@ const std::vector<CommandHelp>& CommandHelps() {
          {{"validate pc.json", ""}, {"validate *.json", "several, in one run"}}},
         {"compare",
          "Says in which facts two PCs differ: machines that come with the tool, or descriptions. Their order in "
-         "lists is not compared, and of an image that a description names only the path is. Exit status 1: they differ.",
-         {{"compare factory-mbr pc.json", ""}}},
+         "lists is not compared, and of an image that a description names only the path is. With --seen only what a running system can show is compared, as `capture` finds "
+         "it: no switches, faults or contents of files other than INI files. Exit status 1: they differ.",
+         {{"compare factory-mbr pc.json", ""}, {"compare --seen factory-mbr captured.json", ""}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},
         {"calls",
