@@ -85,6 +85,7 @@ inline constexpr CallInfo callRows[] = {
     {"IVdsDisk::QueryExtents", FailsWith::Hresult, false},
     {"IVdsPack::GetProperties", FailsWith::Hresult, false},
     {"IVdsPack::QueryDisks", FailsWith::Hresult, false},
+    {"IVdsProvider::GetProperties", FailsWith::Hresult, false},
     {"IVdsService::GetObject", FailsWith::Hresult, false},
     {"IVdsService::IsServiceReady", FailsWith::Hresult, false},
     {"IVdsService::QueryProviders", FailsWith::Hresult, false},

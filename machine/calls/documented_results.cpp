@@ -127,6 +127,7 @@ const std::vector<DocumentedResults>& AllDocumentedResults() {
         {"IVdsDisk::QueryExtents", {packOffline, objectDeleted}},
         {"IVdsPack::GetProperties", {objectDeleted, unspecified}},
         {"IVdsPack::QueryDisks", {objectDeleted, unspecified}},
+        {"IVdsProvider::GetProperties", {objectDeleted, unspecified}},
         {"IVdsService::GetObject", {objectNotFound, initializedFailed}},
         {"IVdsService::IsServiceReady", {initializedFailed, rpcServerUnavailable}},
         {"IVdsService::QueryProviders", {invalidProviderFlag, initializedFailed}},

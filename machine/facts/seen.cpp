@@ -21,6 +21,7 @@ constexpr std::string_view controlKey = "HKLM\\SYSTEM\\CurrentControlSet\\Contro
 constexpr std::string_view mountedDevicesKey = "HKLM\\SYSTEM\\MountedDevices";
 constexpr std::string_view letterPrefix = "\\DosDevices\\";
 constexpr uint32_t usualDescriptorSize = 54;
+constexpr uint32_t busTypeEnd = offsetof(STORAGE_DEVICE_DESCRIPTOR, BusType) + 1;
 constexpr uint64_t hiddenFromMountManager = 0x4000000000000000;
 
 // --- the system ---
@@ -98,6 +99,28 @@ Volume SeenVolume(Volume volume) {
     return volume;
 }
 
+// Without a disk. A network drive has no name, so that two letters are not known to be of one, and what has
+// names is listed before it.
+std::vector<Volume> SeenVolumes(const std::vector<Volume>& volumes) {
+    std::vector<Volume> seen;
+    std::vector<Volume> remote;
+    for (const Volume& volume : volumes) {
+        Volume one = SeenVolume(volume);
+        one.extentType.reset();  // the service lists extents of disks
+        if (one.driveType != DriveType::Remote) {
+            seen.push_back(one);
+            continue;
+        }
+        if (one.openError != 0) one.furtherExtents.clear();
+        for (const char letter : volume.letters) {
+            remote.push_back(one);
+            remote.back().letters = letter;
+        }
+    }
+    std::ranges::move(remote, std::back_inserter(seen));
+    return seen;
+}
+
 void SeePartition(const Disk& disk, Partition& partition) {
     if (disk.style == PartitionStyle::Mbr) {
         partition.gptType = partition.gptId = Guid();
@@ -141,6 +164,8 @@ void SeeDisk(const Pc& pc, Disk& disk) {
     if (disk.style != PartitionStyle::Gpt) disk.guid = Guid();
     if (!disk.storageBusType.value || disk.storageDescriptorSize == usualDescriptorSize)
         disk.storageDescriptorSize.reset();
+    if (disk.storageBusType.value && disk.storageDescriptorSize.value_or(usualDescriptorSize) < busTypeEnd)
+        disk.storageBusType = uint32_t{0};
     SeeControllers(pc, disk);
     for (Partition& partition : disk.partitions)
         SeePartition(disk, partition);
@@ -200,6 +225,17 @@ void SeeDisks(Pc& pc) {
     if (OrderOfWmi(pc) != order) pc.wmiOrder = order;
 }
 
+// Only those that the library enumerates, each once.
+std::vector<std::string> SeenAbsentClasses(const Pc& pc) {
+    std::vector<std::string> absent;
+    for (const char* const name : {"Win32_DiskDrive", "Win32_IDEControllerDevice",
+                                   "Win32_SCSIControllerDevice", "Win32_EncryptableVolume"}) {
+        const bool isSeen = pc.encryptableVolumes || !SameName(name, "Win32_EncryptableVolume");
+        if (isSeen && IsAbsent(pc, name)) absent.emplace_back(name);
+    }
+    return absent;
+}
+
 EncryptableVolume SeenEncryptable(EncryptableVolume volume) {
     // Its methods are called by its id.
     if (!volume.deviceId) volume.returnValue = volume.encryptionMethod = 0;
@@ -223,11 +259,9 @@ Pc Seen(Pc pc) {
     pc.switches = nothing.switches;
     pc.faults.clear();
     SeeDisks(pc);
-    std::erase_if(pc.volumes, [](const Volume& volume) {
-        return volume.letters.empty() && volume.driveType == DriveType::Remote;
-    });
-    for (Volume& volume : pc.volumes)
-        volume = SeenVolume(std::move(volume));
+    pc.volumes = SeenVolumes(pc.volumes);
+    if (pc.encryptableVolumes && IsAbsent(pc, "Win32_EncryptableVolume")) pc.encryptableVolumes->clear();
+    pc.absentWmiClasses = SeenAbsentClasses(pc);
     if (pc.encryptableVolumes) {
         for (EncryptableVolume& volume : *pc.encryptableVolumes)
             volume = SeenEncryptable(std::move(volume));

@@ -1,8 +1,13 @@
 #include "tools/kestova/capture/service_disks.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <map>
+#include <optional>
 #include <span>
 
+#include "base/guid.h"
 #include "base/hexadecimal.h"
 #include "base/owners.h"
 #include "base/scan.h"
@@ -13,8 +18,8 @@
 
 namespace {
 
-constexpr ULONG dynamicDisk = 0x2000;  // VDS_DF_DYNAMIC
-constexpr size_t mostDisks = 128;
+constexpr uint32_t mostDisks = 128;
+constexpr size_t mostEntries = 128;  // of a table
 
 // Memory of the service, freed at the end of its scope.
 template <typename Record>
@@ -51,6 +56,15 @@ ComPtr<Interface> As(IUnknown& object, REFIID id) {
     return found;
 }
 
+bool IsDynamicProvider(IUnknown& object) {
+    const ComPtr<IVdsProvider> provider = As<IVdsProvider>(object, IID_IVdsProvider);
+    VDS_PROVIDER_PROP properties = {};
+    const bool told = provider && SUCCEEDED(provider->GetProperties(&properties));
+    const Lent<WCHAR> name(properties.pwszName);
+    const Lent<WCHAR> version(properties.pwszVersion);
+    return told && (properties.ulFlags & VDS_PF_DYNAMIC) != 0;
+}
+
 class ServiceCapture {
   public:
     explicit ServiceCapture(Findings& findings) : findings_(findings) {}
@@ -70,7 +84,8 @@ class ServiceCapture {
     std::string PackNamed(const VDS_PACK_PROP& properties, bool isImplicit);
 
     Findings& findings_;
-    bool isDynamic_ = false;  // the disks of the pack of the moment
+    bool isDynamic_ = false;                   // the provider of the moment
+    std::map<std::string, uint32_t> numbers_;  // of the disks, by their ids
 };
 
 // A failure that belongs to no object that a description has.
@@ -121,10 +136,14 @@ void ServiceCapture::Run() {
 }
 
 void ServiceCapture::Provider(IUnknown& object) {
+    isDynamic_ = IsDynamicProvider(object);
     const ComPtr<IVdsSwProvider> provider = As<IVdsSwProvider>(object, IID_IVdsSwProvider);
     ComPtr<IEnumVdsObject> packs;
-    if (!provider || !Succeeds("IVdsSwProvider::QueryPacks", provider->QueryPacks(packs.Put())) || !packs)
-        return;
+    const std::string argument = isDynamic_ ? "dynamic" : "basic";
+    const HRESULT listed = provider ? provider->QueryPacks(packs.Put()) : E_NOINTERFACE;
+    if (listed != S_OK)
+        findings_.Fails("IVdsSwProvider::QueryPacks", argument, static_cast<uint32_t>(listed));
+    if (FAILED(listed) || !packs) return;
     ForEach("packs", *packs.Get(), [&](IUnknown& pack) { Pack(pack); });
 }
 
@@ -147,10 +166,8 @@ void ServiceCapture::Pack(IUnknown& object) {
     const bool isImplicit =
         ToUtf8(name.Get()).empty() && properties.status == VDS_PS_ONLINE && disks.size() == 1;
     const std::string packName = PackNamed(properties, isImplicit);
-    isDynamic_ = false;
     for (const ComPtr<IUnknown>& disk : disks)
         Disk(*disk.Get(), packName, false);
-    if (!isImplicit) findings_.pc.packs.back().dynamic = isDynamic_;
     const std::string argument = isImplicit && !findings_.pc.disks.empty()
                                      ? "pack of " + DiskText(findings_.pc.disks.back().number)
                                      : "pack " + packName;
@@ -165,11 +182,59 @@ std::string ServiceCapture::PackNamed(const VDS_PACK_PROP& properties, bool isIm
     pack.name = ToUtf8(properties.pwszName);
     if (pack.name.empty()) pack.name = "pack " + std::to_string(findings_.pc.packs.size());
     pack.status = properties.status;
+    pack.dynamic = isDynamic_;
     return pack.name;
 }
 
-// Of a disk without a name, that of the disk whose table has the same signature or GUID, and that no other
-// has.
+// What a disk's own device says of it.
+struct DeviceIdentity {
+    VDS_PARTITION_STYLE style = VDS_PST_UNKNOWN;
+    DWORD signature = 0;
+    GUID guid = {};
+    ULONGLONG size = 0;
+};
+
+bool Ask(const FileHandle& device, DWORD control, std::vector<char>& room) {
+    DWORD returned = 0;
+    return DeviceIoControl(device.Get(), control, nullptr, 0, room.data(), static_cast<DWORD>(room.size()),
+                           &returned, nullptr) != FALSE;
+}
+
+std::optional<DeviceIdentity> IdentityOf(uint32_t number) {
+    const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(number);
+    const FileHandle device(CreateFileW(ToWide(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!device) return std::nullopt;
+    DeviceIdentity identity;
+    std::vector<char> room(sizeof(DRIVE_LAYOUT_INFORMATION_EX) +
+                           mostEntries * sizeof(PARTITION_INFORMATION_EX));
+    if (Ask(device, IOCTL_DISK_GET_DRIVE_LAYOUT_EX, room)) {
+        DRIVE_LAYOUT_INFORMATION_EX layout;
+        std::memcpy(&layout, room.data(), sizeof layout);
+        if (layout.PartitionStyle == PARTITION_STYLE_MBR) {
+            identity.style = VDS_PST_MBR;
+            identity.signature = layout.Mbr.Signature;
+        } else if (layout.PartitionStyle == PARTITION_STYLE_GPT) {
+            identity.style = VDS_PST_GPT;
+            identity.guid = layout.Gpt.DiskId;
+        }
+    }
+    if (Ask(device, IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, room)) {
+        DISK_GEOMETRY_EX geometry;
+        std::memcpy(&geometry, room.data(), offsetof(DISK_GEOMETRY_EX, Data));
+        identity.size = static_cast<ULONGLONG>(geometry.DiskSize.QuadPart);
+    }
+    return identity;
+}
+
+bool Matches(const DeviceIdentity& identity, const VDS_DISK_PROP& properties) {
+    if (identity.style != properties.PartitionStyle || identity.size != properties.ullSize) return false;
+    if (identity.style == VDS_PST_MBR) return identity.signature == properties.dwSignature;
+    return identity.style != VDS_PST_GPT || IsEqualGUID(identity.guid, properties.DiskGuid);
+}
+
+// Of a disk without the usual name, that of the first disk with the same size and the same signature or GUID
+// that is none of the others.
 std::optional<uint32_t> ServiceCapture::NumberOf(const VDS_DISK_PROP& properties) {
     const WideString name = UpperCase(properties.pwszName != nullptr ? properties.pwszName : TEXT(""));
     int number = -1;
@@ -177,22 +242,8 @@ std::optional<uint32_t> ServiceCapture::NumberOf(const VDS_DISK_PROP& properties
         return static_cast<uint32_t>(number);
     for (uint32_t candidate = 0; candidate < mostDisks; ++candidate) {
         if (std::ranges::count(findings_.pc.disks, candidate, &machine::Disk::number) != 0) continue;
-        const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(candidate);
-        const FileHandle device(CreateFileW(ToWide(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                            nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        std::vector<char> room(sizeof(DRIVE_LAYOUT_INFORMATION_EX) + 128 * sizeof(PARTITION_INFORMATION_EX));
-        DWORD returned = 0;
-        if (!device || !DeviceIoControl(device.Get(), IOCTL_DISK_GET_DRIVE_LAYOUT_EX, nullptr, 0, room.data(),
-                                        static_cast<DWORD>(room.size()), &returned, nullptr))
-            continue;
-        const auto& layout = *reinterpret_cast<const DRIVE_LAYOUT_INFORMATION_EX*>(room.data());
-        const bool isMbr = layout.PartitionStyle == PARTITION_STYLE_MBR;
-        const bool isSame =
-            isMbr
-                ? properties.PartitionStyle == VDS_PST_MBR && layout.Mbr.Signature == properties.dwSignature
-                : layout.PartitionStyle == PARTITION_STYLE_GPT && properties.PartitionStyle == VDS_PST_GPT &&
-                      IsEqualGUID(layout.Gpt.DiskId, properties.DiskGuid);
-        if (isSame) return candidate;
+        const std::optional<DeviceIdentity> identity = IdentityOf(candidate);
+        if (identity && Matches(*identity, properties)) return candidate;
     }
     return std::nullopt;
 }
@@ -209,13 +260,19 @@ void ServiceCapture::Disk(IUnknown& object, const std::string& pack, bool unallo
     if (FAILED(told))
         return findings_.Note("a disk of the service does not tell its properties, " + Code(told) +
                               ", and is left out");
-    const std::optional<uint32_t> number = NumberOf(properties);
-    if (!number) return findings_.Note("a disk of the service has no name and no table, and is left out");
-    const auto known = std::ranges::find(findings_.pc.disks, *number, &machine::Disk::number);
-    if (known != findings_.pc.disks.end()) {
-        known->unallocated = known->unallocated || unallocated;
+    // A disk can be in two lists.
+    if (const auto known = numbers_.find(GuidText(properties.id)); known != numbers_.end()) {
+        std::ranges::find(findings_.pc.disks, known->second, &machine::Disk::number)->unallocated |=
+            unallocated;
         return;
     }
+    const std::optional<uint32_t> number = NumberOf(properties);
+    if (!number) return findings_.Note("a disk of the service has no name and no table, and is left out");
+    const bool isTaken = std::ranges::count(findings_.pc.disks, *number, &machine::Disk::number) != 0;
+    if (isTaken)
+        return findings_.Note("two disks of the service have the name of " + DiskText(*number) +
+                              ": one is left out");
+    numbers_[GuidText(properties.id)] = *number;
     machine::Disk disk;
     disk.number = *number;
     if (properties.pwszName != nullptr) disk.vdsName = ToUtf8(properties.pwszName);
@@ -229,7 +286,6 @@ void ServiceCapture::Disk(IUnknown& object, const std::string& pack, bool unallo
                                                             : machine::PartitionStyle::Unknown;
     if (disk.style == machine::PartitionStyle::Mbr) disk.signature = properties.dwSignature;
     if (disk.style == machine::PartitionStyle::Gpt) disk.guid = properties.DiskGuid;
-    isDynamic_ = isDynamic_ || (properties.ulFlags & dynamicDisk) != 0;
     if (told != S_OK)
         findings_.Fails("IVdsDisk::GetProperties", DiskText(*number), static_cast<uint32_t>(told));
     Partitions(object, disk);

@@ -167,10 +167,14 @@ void VolumeCapture::OfPartitions() {
     for (machine::Disk& disk : findings_.pc.disks) {
         for (machine::Partition& partition : disk.partitions) {
             if (partition.volume || partition.number == 0) continue;
-            const std::string root = "\\\\?\\GLOBALROOT\\Device\\Harddisk" + std::to_string(disk.number) +
-                                     "\\Partition" + std::to_string(partition.number) + "\\";
-            if (!PathFileExistsW(ToWide(root).c_str())) continue;
-            partition.volume = CapturedVolume(findings_, root);
+            const std::string device = "\\\\?\\GLOBALROOT\\Device\\Harddisk" + std::to_string(disk.number) +
+                                       "\\Partition" + std::to_string(partition.number);
+            if (!PathFileExistsW(ToWide(device + "\\").c_str())) continue;
+            machine::Volume volume = CapturedVolume(findings_, device + "\\");
+            volume.furtherExtents = ExtentsOf(OpenVolume(device, 0));
+            if (!volume.furtherExtents.empty()) volume.furtherExtents.erase(volume.furtherExtents.begin());
+            if (volume.driveType == machine::DriveType::NoRoot) volume.driveType = machine::DriveType::Fixed;
+            partition.volume = std::move(volume);
         }
     }
 }
