@@ -5,30 +5,30 @@
 
 namespace machine {
 
-// Below the root of any volume, folders before what is in them.
+// Below the root of any volume, folders behind what is in them.
 inline constexpr std::string_view lookedForFiles[] = {
-    "Boot",
-    "Boot/BCD",
-    "EFI",
-    "Orvo",
-    "Recovery",
-    "SystemVolume.ini",
-    "Windows",
-    "Windows/System32",
-    "Windows/System32/Winload.exe",
-    "Windows/System32/config/SYSTEM",
-    "bootmgr",
-    "bootmgr.efi",
-    "sources",
-    "sources/Autorun",
-    "sources/DVD",
-    "sources/HDD",
-    "sources/Orvo",
-    "sources/Qelhdrcv.ini",
-    "sources/UFD",
-    "sources/boot.wim",
-    "sources/data",
     "sources/idf",
+    "sources/data",
+    "sources/boot.wim",
+    "sources/UFD",
+    "sources/Qelhdrcv.ini",
+    "sources/Orvo",
+    "sources/HDD",
+    "sources/DVD",
+    "sources/Autorun",
+    "sources",
+    "bootmgr.efi",
+    "bootmgr",
+    "Windows/System32/config/SYSTEM",
+    "Windows/System32/Winload.exe",
+    "Windows/System32",
+    "Windows",
+    "SystemVolume.ini",
+    "Recovery",
+    "Orvo",
+    "EFI",
+    "Boot/BCD",
+    "Boot",
 };
 
 // Those whose contents it reads: the last is in the folder of the host application.

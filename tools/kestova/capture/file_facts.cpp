@@ -31,7 +31,9 @@ std::optional<std::string> ReadSmallFile(const std::string& path, std::vector<st
 
 machine::FileTree CapturedFiles(const std::string& root, std::vector<std::string>& notes) {
     machine::FileTree files;
+    // What is in a folder makes it one, whatever is said of it.
     for (const std::string_view path : machine::lookedForFiles) {
+        if (files.Find(path) != nullptr) continue;
         std::string whole = root + std::string(path);
         std::ranges::replace(whole, '/', '\\');
         if (!PathFileExistsW(ToWide(whole).c_str())) continue;

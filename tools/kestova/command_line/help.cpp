@@ -97,8 +97,9 @@ const std::vector<CommandHelp>& CommandHelps() {
          {{"validate pc.json", ""}, {"validate *.json", "several, in one run"}}},
         {"compare",
          "Says in which facts two PCs differ: machines that come with the tool, or descriptions. Their order in "
-         "lists is not compared, and of an image that a description names only the path is. With --seen only what a running system can show is compared, as `capture` finds "
-         "it: no switches, faults or contents of files other than INI files. Exit status 1: they differ.",
+         "lists is not compared, and of an image that a description names only the path is. With --seen only what a "
+         "running system can show is compared, as `capture` finds it, with the order of its lists: no switches, faults "
+         "or contents of files other than INI files. Exit status 1: they differ.",
          {{"compare factory-mbr pc.json", ""}, {"compare --seen factory-mbr captured.json", ""}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},

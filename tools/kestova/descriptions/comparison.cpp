@@ -8,5 +8,7 @@ ComparisonReport ComparePcs(const std::string& left, const std::string& right, C
         machine::Pc pc = DescribedPc(name, "compare");
         return compared == Compared::Seen ? machine::Seen(std::move(pc)) : pc;
     };
-    return {left, right, machine::Compare(read(left), read(right))};
+    const auto order =
+        compared == Compared::Seen ? machine::ListOrder::Compared : machine::ListOrder::Ignored;
+    return {left, right, machine::Compare(read(left), read(right), order)};
 }
