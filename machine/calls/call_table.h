@@ -56,8 +56,10 @@ inline constexpr CallInfo callRows[] = {
     {"GetFirmwareEnvironmentVariableW", FailsWith::ZeroAndLastError, false},
     {"GetPrivateProfileStringW", FailsWith::ZeroAndLastError, false},
     {"RegCloseKey", FailsWith::Status, true},
+    {"RegLoadKeyW", FailsWith::Status, true},
     {"RegOpenKeyExW", FailsWith::Status, false},
     {"RegQueryValueExW", FailsWith::Status, false},
+    {"RegUnLoadKeyW", FailsWith::Status, true},
     {"WritePrivateProfileStringW", FailsWith::FalseAndLastError, true},
     // memory
     {"GlobalAlloc", FailsWith::NullAndLastError, false},

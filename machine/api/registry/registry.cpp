@@ -6,6 +6,7 @@
 
 #include "base/text_case.h"
 #include "machine/api/call/call.h"
+#include "machine/api/registry/mounted_hives.h"
 #include "machine/api/registry/open_keys.h"
 
 using namespace machine;
@@ -144,5 +145,24 @@ extern "C" LSTATUS WINAPI RegCloseKey(HKEY key) {
     return Answer<LSTATUS>("RegCloseKey", {KeyName(key)}, [&](EmulatedPc& pc) -> LSTATUS {
         if (FindRoot(key) != nullptr) return ERROR_SUCCESS;
         return OpenKeys::Of(pc).Close(pc, key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+    });
+}
+
+// Mounts a hive file below a new key of HKEY_LOCAL_MACHINE. Errors as of MountHive; 6 for another parent.
+extern "C" LSTATUS WINAPI RegLoadKeyW(HKEY parent, LPCWSTR name, LPCWSTR file) {
+    const std::string key = ToUtf8(name);
+    const std::string path = ToUtf8(file);
+    return Answer<LSTATUS>("RegLoadKeyW", {KeyName(parent), key, path}, [&](EmulatedPc& pc) -> LSTATUS {
+        if (parent != HKEY_LOCAL_MACHINE) return ERROR_INVALID_HANDLE;
+        return static_cast<LSTATUS>(MountHive(pc, "HKLM\\" + key, path));
+    });
+}
+
+// Unmounts it. Errors as of UnmountHive; 6 for another parent.
+extern "C" LSTATUS WINAPI RegUnLoadKeyW(HKEY parent, LPCWSTR name) {
+    const std::string key = ToUtf8(name);
+    return Answer<LSTATUS>("RegUnLoadKeyW", {KeyName(parent), key}, [&](EmulatedPc& pc) -> LSTATUS {
+        if (parent != HKEY_LOCAL_MACHINE) return ERROR_INVALID_HANDLE;
+        return static_cast<LSTATUS>(UnmountHive(pc, "HKLM\\" + key));
     });
 }

@@ -4,12 +4,13 @@
 
 #include "tools/kestova/capture/device_facts.h"
 #include "tools/kestova/capture/findings.h"
+#include "tools/kestova/capture/installed_registry.h"
 #include "tools/kestova/capture/management_facts.h"
 #include "tools/kestova/capture/service_disks.h"
 #include "tools/kestova/capture/system_facts.h"
 #include "tools/kestova/capture/volume_facts.h"
 
-CapturedPc CapturePc() {
+CapturedPc CapturePc(InstalledRegistry registry) {
     // As the library does it; whoever was first in the process decides.
     CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
                          RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
@@ -21,5 +22,6 @@ CapturedPc CapturePc() {
     CaptureDevices(findings);
     CaptureVolumes(findings);
     CaptureAnswersForPartitions(findings);
+    if (registry == InstalledRegistry::Mounted) CaptureInstalledRegistry(findings);
     return {std::move(findings.pc), std::move(findings.notes)};
 }

@@ -11,6 +11,9 @@ struct CapturedPc {
     std::vector<std::string> notes;  // what a description cannot say, a line each
 };
 
-// Changes nothing: no letter is given, and everything is opened for reading or for questions. A call that
-// fails becomes its error in the description, or a fault. COM is initialised on the calling thread.
-CapturedPc CapturePc();
+enum class InstalledRegistry { Left, Mounted };
+
+// Changes nothing, unless the registry of an installed Windows is mounted for it, which Windows PE can do: no
+// letter is given, and everything is opened for reading or for questions. A call that fails becomes its error
+// in the description, or a fault. COM is initialised on the calling thread.
+CapturedPc CapturePc(InstalledRegistry registry = InstalledRegistry::Left);

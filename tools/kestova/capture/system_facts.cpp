@@ -11,6 +11,8 @@
 #include "machine/facts/looked_for_files.h"
 #include "platform/start_options.h"
 #include "tools/kestova/capture/file_facts.h"
+#include "tools/kestova/capture/mounted_devices.h"
+#include "tools/kestova/capture/registry_value.h"
 
 namespace {
 
@@ -29,28 +31,6 @@ machine::Firmware CapturedFirmware() {
     return firmware;
 }
 
-// The value with the bytes as the registry has them; nothing if it cannot be read.
-std::optional<machine::RegistryValue> ReadValue(HKEY key, const WCHAR* name) {
-    DWORD type = 0;
-    DWORD size = 0;
-    if (RegQueryValueExW(key, name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS) return std::nullopt;
-    std::string data(size, '\0');
-    if (RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(data.data()), &size) !=
-        ERROR_SUCCESS)
-        return std::nullopt;
-    data.resize(size);
-    return machine::RegistryValue{type, data};
-}
-
-// A text of the registry as UTF-8, without its terminator.
-std::string TextOf(const machine::RegistryValue& value) {
-    WideString wide(value.data.size() / sizeof(WCHAR), TEXT('\0'));
-    std::copy_n(value.data.data(), wide.size() * sizeof(WCHAR), reinterpret_cast<char*>(wide.data()));
-    while (wide.ends_with(TEXT('\0')))
-        wide.pop_back();
-    return ToUtf8(wide);
-}
-
 void CaptureStartOptions(Findings& findings) {
     machine::RunningSystem& system = findings.pc.system;
     system.startOptions.reset();
@@ -61,21 +41,6 @@ void CaptureStartOptions(Findings& findings) {
     system.startOptions = TextOf(*value);
     if (UpperCase(*system.startOptions).find(ToUtf8(windowsPeOption)) != std::string::npos)
         system.kind = machine::SystemKind::WindowsPe;
-}
-
-// Which partition each letter stands for, by the values that have a letter's name.
-void CaptureMountedDevices(Findings& findings) {
-    RegistryKey key;
-    constexpr const WCHAR* path = TEXT("SYSTEM\\MountedDevices");
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, key.Put()) != ERROR_SUCCESS) return;
-    auto& values = findings.pc.registry["HKLM\\" + ToUtf8(path)];
-    for (char letter = 'A'; letter <= 'Z'; ++letter) {
-        const std::string name = std::string("\\DosDevices\\") + letter + ":";
-        auto value = ReadValue(key.Get(), ToWide(name).c_str());
-        if (!value) continue;
-        if (value->type == REG_SZ) value->data = TextOf(*value);
-        values.emplace(name, *std::move(value));
-    }
 }
 
 void CaptureHost(Findings& findings) {
@@ -100,5 +65,5 @@ void CaptureSystem(Findings& findings) {
     BOOL emulates = FALSE;
     findings.pc.system.emulates32Bit = IsWow64Process(GetCurrentProcess(), &emulates) && emulates != FALSE;
     CaptureHost(findings);
-    CaptureMountedDevices(findings);
+    CaptureMountedDevices(TEXT("SYSTEM"), "HKLM\\SYSTEM\\MountedDevices", findings.pc.registry);
 }

@@ -36,6 +36,8 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
              {"--format", "html|markdown", "Of the report", &line.format},
              {"--anonymous", "", "Put stand-ins for serial numbers, labels, paths and the like",
               &line.anonymous},
+             {"--with-installed-registry", "", "Mount the registry of the installed Windows and read it too",
+              &line.installedRegistry},
              {"--seen", "", "Compare only what a running system can show", &line.seen},
              {"--bytes", "", "Show sizes in bytes", &line.bytes, "--json"},
              {"--columns", "LIST", "Show these columns, separated by commas", &line.columns, "--json"},

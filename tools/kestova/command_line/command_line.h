@@ -21,7 +21,8 @@ struct CommandLine {
     std::string format;  // of `report`
     bool bytes = false;
     bool anonymous = false;
-    bool seen = false;  // of `compare`: only what a system can show
+    bool installedRegistry = false;  // of `capture`: mount it
+    bool seen = false;               // of `compare`: only what a system can show
     bool quiet = false;
     std::string columns;  // of `status`; empty: the usual ones
     bool help = false;

@@ -18,9 +18,11 @@ struct OptionUser {
     int (*command)(const CommandLine& line);
 };
 
-constexpr OptionUser usedByFew[] = {{"--output", Report}, {"--output", Capture}, {"--anonymous", Capture},
-                                    {"--seen", Compare},  {"--format", Report},  {"--hash", Files},
-                                    {"--bytes", Status},  {"--columns", Status}};
+constexpr OptionUser usedByFew[] = {{"--output", Report},     {"--output", Capture},
+                                    {"--anonymous", Capture}, {"--with-installed-registry", Capture},
+                                    {"--seen", Compare},      {"--format", Report},
+                                    {"--hash", Files},        {"--bytes", Status},
+                                    {"--columns", Status}};
 
 constexpr OptionUser notUsedBy[] = {{"--json", Capture},   {"--dry-run", Capture},     {"--ledger", Capture},
                                     {"--json", Report},    {"--dry-run", Check},       {"--dry-run", Report},
@@ -102,6 +104,7 @@ bool ReadsHives(const CommandLine& line) {
     // The only operation that does.
     if (command->run == Call)
         return !line.arguments.empty() && line.arguments.front() == "GetWinDriveLetters";
+    if (command->run == Capture) return line.installedRegistry;
     return command->run == Letters || command->run == Run;
 }
 

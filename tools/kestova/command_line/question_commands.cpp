@@ -149,7 +149,9 @@ int Report(const CommandLine& line) {
 int Capture(const CommandLine& line) {
     std::string text;
     return RunOnPc(line, {.initialize = false, .output = &text, .run = [&](Session&) {
-                              CapturedPc captured = CapturePc();
+                              const auto registry = line.installedRegistry ? InstalledRegistry::Mounted
+                                                                           : InstalledRegistry::Left;
+                              CapturedPc captured = CapturePc(registry);
                               if (line.anonymous) MakeAnonymous(captured.pc);
                               text = DescriptionText(captured.pc);
                               ShowNotes(line, captured.notes);

@@ -25,6 +25,7 @@ class FaultClient : public DiskClient {
         ULONG fetched = 0;
         list->Next(1, object.Put(), &fetched);
         provider = Ask<IVdsSwProvider>(object.Get(), IID_IVdsSwProvider);
+        described = Ask<IVdsProvider>(object.Get(), IID_IVdsProvider);
         ComPtr<IEnumVdsObject> packs;
         provider->QueryPacks(packs.Put());
         pack = Ask<IVdsPack>(AllOf(packs.Get()).at(0).Get(), IID_IVdsPack);
@@ -43,6 +44,7 @@ class FaultClient : public DiskClient {
     ComPtr<IVdsServiceLoader> loader;
     ComPtr<IEnumVdsObject> list;
     ComPtr<IVdsSwProvider> provider;
+    ComPtr<IVdsProvider> described;  // the same
     ComPtr<IVdsPack> pack;
     ComPtr<IVdsVolumeMF> volume;
     SystemString className{"Win32_DiskDrive"};
@@ -153,6 +155,14 @@ const std::vector<Row>& Rows() {
              return IntoArray<VDS_DISK_EXTENT>(empty, [&](VDS_DISK_EXTENT** out, LONG* count) {
                  return client.disk->QueryExtents(out, count);
              });
+         }},
+        {"IVdsProvider::GetProperties",
+         [](FaultClient& client, bool& empty) {
+             VDS_PROVIDER_PROP properties{};
+             properties.pwszName = Poison<WCHAR>();
+             const HRESULT result = client.described->GetProperties(&properties);
+             empty = properties.pwszName == nullptr && properties.ulFlags == 0;
+             return result;
          }},
         {"IVdsPack::GetProperties",
          [](FaultClient& client, bool& empty) {

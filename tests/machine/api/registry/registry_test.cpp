@@ -140,3 +140,35 @@ TEST(RegCloseKey, FaultBeforeOrAfterEffect_KeepsOrClosesTheKey) {
         EXPECT_EQ(pc.ledger.Outstanding().empty(), afterEffect);
     }
 }
+
+// The hive of a described volume.
+TEST(RegLoadKey, HiveOfAnotherWindows_IsMountedUntilItIsUnmounted) {
+    EmulatedPc pc(machine::WinPeMedia());
+    constexpr const WCHAR* hive = u"C:\\Windows\\System32\\config\\SYSTEM";
+    EXPECT_EQ(RegLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER", hive), ERROR_SUCCESS);
+    EXPECT_THAT(pc.ledger.Outstanding(), ElementsAre(Pair("mounted hive", 1)));
+    const HKEY key = Open(u"OTHER\\MountedDevices");
+    EXPECT_EQ(RegQueryValueExW(key, u"\\DosDevices\\E:", nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
+    EXPECT_EQ(RegLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER", hive), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegUnLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+    EXPECT_EQ(RegUnLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER"), ERROR_SUCCESS);
+    EXPECT_EQ(RegUnLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER"), ERROR_FILE_NOT_FOUND);
+    ExpectCleanLedger(pc);
+    EXPECT_EQ(pc.facts, machine::WinPeMedia());
+}
+
+TEST(RegLoadKey, WrongFileMountOrParent_FailsWithItsError) {
+    EmulatedPc pc(machine::FactoryMbr());
+    constexpr const WCHAR* running = u"C:\\Windows\\System32\\config\\SYSTEM";
+    EXPECT_EQ(RegLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER", running), ERROR_SHARING_VIOLATION);
+    EXPECT_EQ(RegLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER", u"C:\\none"), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegLoadKeyW(HKEY_LOCAL_MACHINE, u"SYSTEM\\OTHER", running), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(RegLoadKeyW(HKEY_USERS, u"OTHER", running), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(RegUnLoadKeyW(HKEY_USERS, u"OTHER"), ERROR_INVALID_HANDLE);
+    FailNext(pc, "RegLoadKeyW", ERROR_PRIVILEGE_NOT_HELD);
+    EXPECT_EQ(RegLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER", running), ERROR_PRIVILEGE_NOT_HELD);
+    FailNext(pc, "RegUnLoadKeyW", ERROR_PRIVILEGE_NOT_HELD);
+    EXPECT_EQ(RegUnLoadKeyW(HKEY_LOCAL_MACHINE, u"OTHER"), ERROR_PRIVILEGE_NOT_HELD);
+    ExpectCleanLedger(pc);
+}

@@ -134,6 +134,26 @@ TEST(QueryPacks, UnallocatedDiskInAPack_IsListedTwice) {
     EXPECT_EQ(UnallocatedDisks(service.Get()), (std::vector<std::string>{"D0"}));
 }
 
+TEST(ProviderProperties, EachProvider_SaysWhetherItsDisksAreDynamic) {
+    ComClient client(machine::FactoryMbr());
+    const ComPtr<IVdsService> service = LoadVds();
+    ComPtr<IEnumVdsObject> providers;
+    ASSERT_EQ(service->QueryProviders(VDS_QUERY_SOFTWARE_PROVIDERS, providers.Put()), S_OK);
+    std::vector<ULONG> flags;
+    for (const ComPtr<IUnknown>& provider : AllOf(providers.Get())) {
+        const auto described = Ask<IVdsProvider>(provider.Get(), IID_IVdsProvider);
+        EXPECT_EQ(described->GetProperties(nullptr), E_POINTER);
+        VDS_PROVIDER_PROP properties = {};
+        EXPECT_EQ(described->GetProperties(&properties), S_OK);
+        EXPECT_EQ(properties.type, VDS_PT_SOFTWARE);
+        EXPECT_EQ(client.OnLoan()["VDS_PROVIDER_PROP string"], 2);
+        flags.push_back(properties.ulFlags);
+        CoTaskMemFree(properties.pwszName);
+        CoTaskMemFree(properties.pwszVersion);
+    }
+    EXPECT_THAT(flags, testing::ElementsAre(0u, VDS_PF_DYNAMIC));
+}
+
 TEST(PackProperties, NamedPack_CallerFreesTheName) {
     machine::Pc facts;
     facts.packs = {{"pair", 1, false}};
