@@ -74,7 +74,7 @@ scenarios() {
             '--trace --log log.txt --save saved.json run ../once.txt' '--no-initialize --json --trace run ../once.txt' \
             '--json --trace --save saved.json run ../all.txt' '--json --trace --pe --save saved.json run ../all.txt' \
             '--json --trace --windows --save saved.json run ../all.txt' 'capture -o saved.json' \
-            '--anonymous capture' '--with-installed-registry capture -o saved.json' '--trace capture'
+            '--anonymous capture' '--with-installed-registry capture -o saved.json'
         for call in "${calls[@]}"; do
             printf -- "--pc $pc --json --trace --fail %s=0x80070005 --save saved.json run ../faults.txt\n" "$call" \
                 "$call#2+"
