@@ -17,8 +17,11 @@ struct CommandLine {
     bool json = false;
     bool initialize = true;
     bool hash = false;
-    std::string output;  // of `report`: a file, or "-"
+    std::string output;  // of `report`: a file, or "-"; of `generate`: a folder
     std::string format;  // of `report`
+    std::string seed;    // of `generate`, as the next two; empty: the usual one
+    std::string first;
+    std::string count;
     bool bytes = false;
     bool quiet = false;
     std::string columns;  // of `status`; empty: the usual ones

@@ -18,15 +18,16 @@ struct OptionUser {
     int (*command)(const CommandLine& line);
 };
 
-constexpr OptionUser usedByFew[] = {{"--output", Report},
-                                    {"--format", Report},
-                                    {"--hash", Files},
-                                    {"--bytes", Status},
-                                    {"--columns", Status}};
+constexpr OptionUser usedByFew[] = {{"--output", Report},  {"--output", Generate}, {"--seed", Generate},
+                                    {"--first", Generate}, {"--count", Generate},  {"--format", Report},
+                                    {"--hash", Files},     {"--bytes", Status},    {"--columns", Status}};
 
-constexpr OptionUser notUsedBy[] = {{"--json", Report},    {"--dry-run", Check},       {"--dry-run", Report},
-                                    {"--ledger", Recover}, {"--ledger", RepairTables}, {"--ledger", Undo},
-                                    {"--ledger", Report}};
+// Besides the commands that work on a PC.
+constexpr OptionUser alsoUsedBy[] = {{"--overwrite", Generate}};
+
+constexpr OptionUser notUsedBy[] = {{"--json", Report},    {"--json", Generate},  {"--dry-run", Check},
+                                    {"--dry-run", Report}, {"--ledger", Recover}, {"--ledger", RepairTables},
+                                    {"--ledger", Undo},    {"--ledger", Report}};
 
 constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
                                            "--force-dirty"};
@@ -54,6 +55,7 @@ bool Uses(const Command& command, const std::string& option) {
     if (std::ranges::count(usedByFew, option, &OptionUser::option) != 0)
         return IsIn(usedByFew, command, option);
     if (option == "--json") return true;
+    if (IsIn(alsoUsedBy, command, option)) return true;
     return command.usesPc && (command.traces || option != "--trace");
 }
 
@@ -85,6 +87,7 @@ const std::vector<Command>& Commands() {
          false, RepairTables},
         {"validate", "FILE...", "All mistakes in descriptions of PCs", 1, any, false, false, Validate},
         {"compare", "PC PC", "Where two described PCs differ", 2, 2, false, false, Compare},
+        {"generate", "", "Random PCs, as descriptions", 0, 0, false, false, Generate},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},

@@ -90,6 +90,14 @@ const std::vector<CommandHelp>& CommandHelps() {
          "Says in which facts two PCs differ: machines that come with the tool, or descriptions. Their order in "
          "lists is not compared, and of an image that a description names only the path is. Exit status 1: they differ.",
          {{"compare factory-mbr pc.json", ""}}},
+        {"generate",
+         "Makes random PCs, of which every one is valid: most are the machines that come with the tool with something "
+         "changed, some are wild. A seed has the same PCs everywhere, and PC 7 of it is the same whatever others are "
+         "made. One PC is shown as a description, several as one description a line; --output writes each into a file "
+         "of the folder: pc-000001.json, and so on.",
+         {{"generate --seed 7 >pc.json", "the first PC of seed 7"},
+          {"generate --count 1000 --output lab", "a thousand files"},
+          {"generate --first 501 --count 500 --output lab", "the second half of them"}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},
         {"calls",
