@@ -132,9 +132,10 @@ void LeaveRecord(Pc& pc, Choice& choice) {
                                                      "[System]\r\nActive=4\r\n", "[System]\r\n"}));
 }
 
+// A locked volume shows no label.
 void Relabel(Pc& pc, Choice& choice) {
     Partition* const partition = AnyPartition(pc, choice);
-    if (partition == nullptr || !partition->volume) return;
+    if (partition == nullptr || !partition->volume || !partition->volume->label.value) return;
     partition->volume->label =
         choice.OneOf<std::string>({"", "System Reserved", "Factory", "Daten", "データ"});
 }
