@@ -28,6 +28,9 @@ int Validate(const CommandLine& line);
 int Compare(const CommandLine& line);
 int Generate(const CommandLine& line);
 
+// Many PCs.
+int Survey(const CommandLine& line);
+
 // What the program and its emulated PC come with.
 int ListOperations(const CommandLine& line);
 int ListPcs(const CommandLine& line);

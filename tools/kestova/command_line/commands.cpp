@@ -18,12 +18,18 @@ struct OptionUser {
     int (*command)(const CommandLine& line);
 };
 
-constexpr OptionUser usedByFew[] = {{"--output", Report},  {"--output", Generate}, {"--seed", Generate},
-                                    {"--first", Generate}, {"--count", Generate},  {"--format", Report},
-                                    {"--hash", Files},     {"--bytes", Status},    {"--columns", Status}};
+constexpr OptionUser usedByFew[] = {{"--output", Report},     {"--output", Generate}, {"--output", Survey},
+                                    {"--script", Survey},     {"--from", Survey},     {"--jobs", Survey},
+                                    {"--time-limit", Survey}, {"--shard", Survey},    {"--against", Survey},
+                                    {"--resume", Survey},     {"--write", Survey},    {"--seed", Generate},
+                                    {"--first", Generate},    {"--count", Generate},  {"--format", Report},
+                                    {"--hash", Files},        {"--bytes", Status},    {"--columns", Status}};
 
 // Besides the commands that work on a PC.
-constexpr OptionUser alsoUsedBy[] = {{"--overwrite", Generate}};
+constexpr OptionUser alsoUsedBy[] = {
+    {"--overwrite", Generate}, {"--overwrite", Survey},   {"--quiet", Survey}, {"--windows", Survey},
+    {"--pe", Survey},          {"--force-dirty", Survey}, {"--fail", Survey},  {"--no-initialize", Survey},
+    {"--no-journal", Survey},  {"--no-backup", Survey},   {"--yes", Survey},   {"--sector-size", Survey}};
 
 constexpr OptionUser notUsedBy[] = {{"--json", Report},    {"--json", Generate},  {"--dry-run", Check},
                                     {"--dry-run", Report}, {"--ledger", Recover}, {"--ledger", RepairTables},
@@ -67,7 +73,7 @@ bool Concerns(const Command& command, const std::string& option) {
 }
 
 const std::vector<Command>& Commands() {
-    constexpr size_t any = 64;
+    constexpr size_t any = 1000000;
     static const std::vector<Command> commands = {
         {"status", "", "What this PC is", 0, 0, true, false, Status},
         {"letters", "", "What each letter of the installed Windows stands for", 0, 0, true, false, Letters},
@@ -85,6 +91,8 @@ const std::vector<Command>& Commands() {
         {"undo", "BACKUP", "Take back what was changed on an image", 1, 1, true, false, Undo},
         {"repair-table", "", "Write a damaged GUID partition table anew from its good copy", 0, 0, true,
          false, RepairTables},
+        {"survey", "FOLDER|FILE...", "A script of operations on many PCs, each in a process of its own", 0,
+         any, false, false, Survey},
         {"validate", "FILE...", "All mistakes in descriptions of PCs", 1, any, false, false, Validate},
         {"compare", "PC PC", "Where two described PCs differ", 2, 2, false, false, Compare},
         {"generate", "", "Random PCs, as descriptions", 0, 0, false, false, Generate},
@@ -106,6 +114,11 @@ bool ReadsHives(const CommandLine& line) {
     if (command->run == Call)
         return !line.arguments.empty() && line.arguments.front() == "GetWinDriveLetters";
     return command->run == Letters || command->run == Run;
+}
+
+bool StartsProcesses(const CommandLine& line) {
+    const auto command = std::ranges::find(Commands(), line.command, &Command::name);
+    return command != Commands().end() && command->run == Survey;
 }
 
 const Command& CommandOfName(const std::string& name) {
