@@ -69,7 +69,10 @@ ProgressPlace PlaceOfSurvey(const CommandLine& line) {
     return !WritesFile(line) && StandardOutput().isRewritten ? ProgressPlace() : PlaceOfProgress(line);
 }
 
-std::string Unanswered(const std::string& pc, const std::string& problem) {
+// What reads a hostile PC can answer anything.
+std::string LineOf(const std::string& pc, const WorkerEnd& end) {
+    if (end.problem.empty() && PcOfLine(end.answer) == pc) return end.answer;
+    const std::string problem = end.problem.empty() ? "its worker answered with something else" : end.problem;
     return AsJson(SurveyedPc{.pc = pc, .error = problem});
 }
 
@@ -81,8 +84,7 @@ bool RunSurvey(const CommandLine& line, const SurveyWork& work, const WorkerLimi
     const auto answer = [&](size_t task) { return AsJson(Survey(pcs[task], work)); };
     const auto take = [&](size_t task, const WorkerEnd& end) {
         const std::string& pc = pcs[task];
-        const std::vector<std::string> differences =
-            results.Add(pc, end.problem.empty() ? end.answer : Unanswered(pc, end.problem));
+        const std::vector<std::string> differences = results.Add(pc, LineOf(pc, end));
         if (!differences.empty()) progress.Hide();
         for (const std::string& difference : differences)
             ShowMessage(difference);

@@ -12,8 +12,19 @@ Json Parsed(const std::string& line) {
     return Json::parse(line, nullptr, false);
 }
 
+bool HasTexts(const Json& json, std::initializer_list<const char*> keys) {
+    return json.is_object() && std::ranges::all_of(keys, [&](const char* key) {
+               return json.contains(key) && json[key].is_string();
+           });
+}
+
+bool HasList(const Json& json, const char* key, std::initializer_list<const char*> keysOfEntries) {
+    return json.contains(key) && json[key].is_array() &&
+           std::ranges::all_of(json[key], [&](const Json& entry) { return HasTexts(entry, keysOfEntries); });
+}
+
 std::string ResultOf(const Json& operation) {
-    const std::string result = operation["result"].dump();
+    const std::string result = operation.value("result", Json()).dump();
     const std::string meaning = operation["meaning"];
     return meaning.empty() ? result : result + ": " + meaning;
 }
@@ -37,9 +48,10 @@ void CompareKey(const Json& earlier, const Json& now, const char* key, const std
 
 std::optional<std::string> PcOfLine(const std::string& line) {
     const Json json = Parsed(line);
-    const bool isWhole = json.is_object() && json.contains("pc") && json["pc"].is_string() &&
-                         json.contains("operations") && json["operations"].is_array();
-    return isWhole ? std::optional<std::string>(json["pc"]) : std::nullopt;
+    const bool isLine =
+        HasTexts(json, {"pc", "name"}) && HasList(json, "operations", {"operation", "meaning"}) &&
+        HasList(json, "records", {"text"}) && (!json.contains("error") || HasTexts(json, {"error"}));
+    return isLine ? std::optional<std::string>(json["pc"]) : std::nullopt;
 }
 
 std::vector<std::string> SurveyDifferences(const std::string& earlier, const std::string& now) {
@@ -102,16 +114,6 @@ std::string SurveyTally::TextOf(const Kinds& kinds) {
                  Joined(pcs.first, ", ") + (pcs.count > pcs.first.size() ? ", ...\n" : "\n");
     }
     return lines;
-}
-
-std::string SurveyTally::TextOf(const Kinds& kinds) {
-    std::vector<std::pair<std::string, Pcs>> sorted(kinds.begin(), kinds.end());
-    std::ranges::stable_sort(sorted, std::greater(), [](const auto& kind) { return kind.second.count; });
-    std::vector<std::vector<std::string>> rows;
-    for (const auto& [text, pcs] : sorted)
-        rows.push_back({std::to_string(pcs.count), OneLine(text),
-                        Joined(pcs.first, ", ") + (pcs.count > pcs.first.size() ? ", ..." : "")});
-    return Table(rows, "  ");
 }
 
 std::string SurveyTally::Text() const {
