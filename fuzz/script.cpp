@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <sstream>
 
-#include "tools/kestova/command_line/script.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/operations/script.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::istringstream script(std::string(reinterpret_cast<const char*>(data), size));

@@ -37,10 +37,12 @@ Pc ReadDescription(const std::string& text, const std::string& fileName);
 // values that contradict each other are named where each of them is right by itself.
 std::vector<Mistake> FindMistakes(const std::string& text);
 
-// Indented JSON that reads back as the same PC. Values equal to their defaults are left out, as are values
-// supplied by an image. Throws DescriptionError if text in the PC is not UTF-8, since JSON cannot contain
-// it (contents of files and registry values can be any bytes).
-std::string WriteDescription(const Pc& pc);
+enum class Layout { Indented, OneLine };
+
+// JSON, ended by a line feed, that reads back as the same PC. Values equal to their defaults are left out, as
+// are values supplied by an image. Throws DescriptionError if text in the PC is not UTF-8, since JSON cannot
+// contain it (contents of files and registry values can be any bytes).
+std::string WriteDescription(const Pc& pc, Layout layout = Layout::Indented);
 
 // Where two PCs differ: "disk 0, partition 2, bootIndicator", and what each has there, as their descriptions
 // write it; nothing for what only the other one has.

@@ -5,8 +5,8 @@
 
 namespace machine {
 
-std::string WriteDescription(const Pc& pc) {
-    constexpr int indent = 2;
+std::string WriteDescription(const Pc& pc, Layout layout) {
+    const int indent = layout == Layout::Indented ? 2 : -1;
     description::Json json;
     description::WritePc(description::Output(json), pc);
     try {

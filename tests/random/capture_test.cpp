@@ -10,9 +10,9 @@
 #include "machine/facts/looked_for_files.h"
 #include "machine/facts/machines.h"
 #include "machine/facts/seen.h"
+#include "machine/generation/generated_pc.h"
 #include "machine/journal/emulated_pc.h"
 #include "tests/machine/description/random_pc.h"
-#include "tests/random/engine/random_machine.h"
 #include "tests/support/fault_walk.h"
 #include "tests/sweep/engine/run.h"
 #include "tools/kestova/capture/anonymous.h"
@@ -91,13 +91,12 @@ TEST(Capture, NamedMachines_AreSeenWhole) {
         EXPECT_EQ(Unlike(named.make()), "") << named.name;
 }
 
-TEST(Capture, PlausiblePcs_AreSeenWhole) {
-    for (uint64_t seed = 0; seed < 300; ++seed) {
-        randomly::Choice choice(seed);
-        EXPECT_EQ(Unlike(randomly::RandomMachine(choice)), "") << seed;
-    }
+TEST(Capture, GeneratedPcs_AreSeenWhole) {
+    for (uint64_t number = 1; number <= 300; ++number)
+        EXPECT_EQ(Unlike(machine::GeneratedPc(1, number)), "") << number;
 }
 
+// Of any description.
 TEST(Capture, WildPcs_AreSeenWhole) {
     for (uint32_t seed = 0; seed < 300; ++seed)
         EXPECT_EQ(Unlike(WildPc(seed)), "") << seed;

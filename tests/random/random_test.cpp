@@ -8,7 +8,6 @@
 
 #include "machine/facts/machines.h"
 #include "tests/random/engine/model.h"
-#include "tests/random/engine/random_machine.h"
 #include "tests/random/engine/random_run.h"
 
 namespace {
@@ -32,15 +31,6 @@ std::string OnFactoryMbr(const char* name, const std::vector<std::string>& words
 TEST(RandomRuns, ThousandOperations_AgreeWithTheModel) {
     const uint64_t seed = Seed();
     EXPECT_EQ(randomly::RunMany(1000, seed), "") << "again: ./dev random 1000 " << seed;
-}
-
-TEST(RandomMachine, SameSeed_IsTheSamePc) {
-    randomly::Choice first(7);
-    randomly::Choice second(7);
-    randomly::Choice other(8);
-    const machine::Pc pc = randomly::RandomMachine(first);
-    EXPECT_EQ(pc, randomly::RandomMachine(second));
-    EXPECT_NE(pc, randomly::RandomMachine(other));
 }
 
 TEST(Model, TrueAnswers_AreAccepted) {

@@ -1,11 +1,14 @@
 #include "tests/random/engine/random_run.h"
 
 #include "base/com_apartment.h"
+#include "machine/generation/generated_pc.h"
+#include "machine/generation/wild_pc.h"
 #include "machine/journal/emulated_pc.h"
 #include "tests/random/engine/model.h"
-#include "tests/random/engine/random_machine.h"
 
 namespace randomly {
+
+using machine::Choice;
 
 namespace {
 
@@ -55,9 +58,13 @@ std::string RunOne(Kestova& object, machine::EmulatedPc& pc, Choice& choice) {
 
 }  // namespace
 
+machine::Pc PcOf(Choice& choice) {
+    return choice.OneIn(2) ? machine::WildPc(choice) : machine::RandomPc(choice);
+}
+
 std::string RunOnPc(uint64_t seed) {
     Choice choice(seed);
-    machine::EmulatedPc pc(RandomMachine(choice));
+    machine::EmulatedPc pc(PcOf(choice));
     std::string contradictions;
     const auto add = [&](const std::string& what) {
         if (!what.empty()) contradictions += "seed " + std::to_string(seed) + ": " + what + "\n";

@@ -7,7 +7,6 @@
 
 #include "machine/description/description.h"
 #include "machine/entry/loaded_library.h"
-#include "tests/random/engine/random_machine.h"
 #include "tests/random/engine/random_run.h"
 
 int main(int argc, char** argv) {
@@ -19,8 +18,8 @@ int main(int argc, char** argv) {
         const machine::LoadedLibrary library;
         const uint64_t seed = std::stoull(argv[2]);
         if (argv[1] == std::string("--describe")) {
-            randomly::Choice choice(seed);
-            std::fputs(machine::WriteDescription(randomly::RandomMachine(choice)).c_str(), stdout);
+            machine::Choice choice(seed);
+            std::fputs(machine::WriteDescription(randomly::PcOf(choice)).c_str(), stdout);
             return 0;
         }
         const uint64_t count = std::stoull(argv[1]);

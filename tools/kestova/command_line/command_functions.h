@@ -27,6 +27,10 @@ int Undo(const CommandLine& line);
 // Descriptions of PCs.
 int Validate(const CommandLine& line);
 int Compare(const CommandLine& line);
+int Generate(const CommandLine& line);
+
+// Many PCs.
+int Survey(const CommandLine& line);
 
 // What the program and its emulated PC come with.
 int ListOperations(const CommandLine& line);

@@ -17,8 +17,19 @@ struct CommandLine {
     bool json = false;
     bool initialize = true;
     bool hash = false;
-    std::string output;  // of `report`: a file, or "-"
+    std::string output;  // of `report`: a file, or "-"; of `generate`: a folder; of `survey`: a file
     std::string format;  // of `report`
+    std::string seed;    // of `generate`, as the next two; empty: the usual one
+    std::string first;
+    std::string count;
+    std::string script;  // of `survey`, as all to `write`
+    std::string from;    // a file with names of PCs, or "-"
+    std::string jobs;
+    std::string timeLimit;
+    std::string shard;
+    std::string against;  // the output of an earlier survey
+    bool resume = false;
+    bool write = false;  // to images
     bool bytes = false;
     bool anonymous = false;
     bool installedRegistry = false;  // of `capture`: mount it

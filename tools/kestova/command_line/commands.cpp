@@ -18,16 +18,26 @@ struct OptionUser {
     int (*command)(const CommandLine& line);
 };
 
-constexpr OptionUser usedByFew[] = {{"--output", Report},     {"--output", Capture},
-                                    {"--anonymous", Capture}, {"--with-installed-registry", Capture},
-                                    {"--seen", Compare},      {"--format", Report},
-                                    {"--hash", Files},        {"--bytes", Status},
-                                    {"--columns", Status}};
+constexpr OptionUser usedByFew[] = {
+    {"--output", Report},     {"--output", Generate},   {"--output", Survey},
+    {"--script", Survey},     {"--from", Survey},       {"--jobs", Survey},
+    {"--time-limit", Survey}, {"--shard", Survey},      {"--against", Survey},
+    {"--resume", Survey},     {"--write", Survey},      {"--seed", Generate},
+    {"--first", Generate},    {"--count", Generate},    {"--format", Report},
+    {"--hash", Files},        {"--bytes", Status},      {"--columns", Status},
+    {"--output", Capture},    {"--anonymous", Capture}, {"--with-installed-registry", Capture},
+    {"--seen", Compare}};
 
-constexpr OptionUser notUsedBy[] = {{"--json", Capture},   {"--dry-run", Capture},     {"--ledger", Capture},
-                                    {"--json", Report},    {"--dry-run", Check},       {"--dry-run", Report},
-                                    {"--ledger", Recover}, {"--ledger", RepairTables}, {"--ledger", Undo},
-                                    {"--ledger", Report}};
+// Besides the commands that work on a PC.
+constexpr OptionUser alsoUsedBy[] = {
+    {"--overwrite", Generate}, {"--overwrite", Survey},   {"--quiet", Survey}, {"--windows", Survey},
+    {"--pe", Survey},          {"--force-dirty", Survey}, {"--fail", Survey},  {"--no-initialize", Survey},
+    {"--no-journal", Survey},  {"--no-backup", Survey},   {"--yes", Survey},   {"--sector-size", Survey}};
+
+constexpr OptionUser notUsedBy[] = {{"--json", Report},     {"--json", Generate},  {"--dry-run", Check},
+                                    {"--dry-run", Report},  {"--ledger", Recover}, {"--ledger", RepairTables},
+                                    {"--ledger", Undo},     {"--ledger", Report},  {"--json", Capture},
+                                    {"--dry-run", Capture}, {"--ledger", Capture}};
 
 constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
                                            "--force-dirty"};
@@ -55,6 +65,7 @@ bool Uses(const Command& command, const std::string& option) {
     if (std::ranges::count(usedByFew, option, &OptionUser::option) != 0)
         return IsIn(usedByFew, command, option);
     if (option == "--json") return true;
+    if (IsIn(alsoUsedBy, command, option)) return true;
     return command.usesPc && (command.traces || option != "--trace");
 }
 
@@ -66,7 +77,7 @@ bool Concerns(const Command& command, const std::string& option) {
 }
 
 const std::vector<Command>& Commands() {
-    constexpr size_t any = 64;
+    constexpr size_t any = 1000000;
     static const std::vector<Command> commands = {
         {"status", "", "What this PC is", 0, 0, true, false, Status},
         {"letters", "", "What each letter of the installed Windows stands for", 0, 0, true, false, Letters},
@@ -85,8 +96,11 @@ const std::vector<Command>& Commands() {
         {"undo", "BACKUP", "Take back what was changed on an image", 1, 1, true, false, Undo},
         {"repair-table", "", "Write a damaged GUID partition table anew from its good copy", 0, 0, true,
          false, RepairTables},
+        {"survey", "FOLDER|FILE...", "A script of operations on many PCs, each in a process of its own", 0,
+         any, false, false, Survey},
         {"validate", "FILE...", "All mistakes in descriptions of PCs", 1, any, false, false, Validate},
         {"compare", "PC PC", "Where two described PCs differ", 2, 2, false, false, Compare},
+        {"generate", "", "Random PCs, as descriptions", 0, 0, false, false, Generate},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},
@@ -106,6 +120,11 @@ bool ReadsHives(const CommandLine& line) {
         return !line.arguments.empty() && line.arguments.front() == "GetWinDriveLetters";
     if (command->run == Capture) return line.installedRegistry;
     return command->run == Letters || command->run == Run;
+}
+
+bool StartsProcesses(const CommandLine& line) {
+    const auto command = std::ranges::find(Commands(), line.command, &Command::name);
+    return command != Commands().end() && command->run == Survey;
 }
 
 const Command& CommandOfName(const std::string& name) {

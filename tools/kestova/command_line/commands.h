@@ -32,6 +32,10 @@ bool Concerns(const Command& command, const std::string& option);
 // Whether the command can read a registry hive.
 bool ReadsHives(const CommandLine& line);
 
+// Whether the command leaves its work to processes that it starts, each of which gives up what it does not
+// need.
+bool StartsProcesses(const CommandLine& line);
+
 // Throws WrongUse for an unknown command, or none.
 const Command& CommandOfName(const std::string& name);
 

@@ -91,6 +91,15 @@ const std::vector<CommandHelp>& CommandHelps() {
          "Writes both copies of a damaged GUID partition table anew from the good one, and its protective MBR.",
          {{"--image disk.img --dry-run repair-table", "what is wrong"},
           {"--image disk.img repair-table", "repair it"}}},
+        {"survey",
+         "Runs a script of operations on many PCs: descriptions and disk images, named or in folders. Writes an object a "
+         "line, in the order of the PCs, and shows on standard error what came out how often. Images are not changed "
+         "unless --write is given. Each PC has a process of its own; one that crashes or takes too long is a line with "
+         "the key error, and status 1. On Linux only.",
+         {{"survey lab --script switch.txt >lab.jsonl", "every description and image of a folder"},
+          {"survey lab --script switch.txt -o lab.jsonl --resume", "go on after an interruption"},
+          {"survey lab --script switch.txt --against lab.jsonl -o new.jsonl", "what is different now"},
+          {"survey lab --script switch.txt --shard 2/8 -o 2.jsonl", "an eighth, on one of eight machines"}}},
         {"validate",
          "Names everything that is wrong in files that describe a PC: file, line, column, place. Opens no image that "
          "they name. Values that contradict each other are named where each of them is right by itself.",
@@ -101,6 +110,14 @@ const std::vector<CommandHelp>& CommandHelps() {
          "running system can show is compared, as `capture` finds it, with the order of its lists: no switches, faults "
          "or contents of files other than INI files. Exit status 1: they differ.",
          {{"compare factory-mbr pc.json", ""}, {"compare --seen factory-mbr captured.json", ""}}},
+        {"generate",
+         "Makes random PCs, of which every one is valid: most are the machines that come with the tool with something "
+         "changed, some are wild. A seed has the same PCs everywhere, and PC 7 of it is the same whatever others are "
+         "made. One PC is shown as a description, several as one description a line; --output writes each into a file "
+         "of the folder: pc-000001.json, and so on.",
+         {{"generate --seed 7 >pc.json", "the first PC of seed 7"},
+          {"generate --count 1000 --output lab", "a thousand files"},
+          {"generate --first 501 --count 500 --output lab", "the second half of them"}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},
         {"calls",

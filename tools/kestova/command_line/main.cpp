@@ -57,7 +57,7 @@ int RunWords(const std::vector<std::string>& words, const LastWords& lastWords) 
     const CommandLine line = ReadCommandLine(words);
     BeginOpening(line.choice, {.readsHives = ReadsHives(line), .hashesFiles = line.hash});
     ExpectInterruption(lastWords);  // the process that opens virtual disks goes on without it
-    ConfineAtStart();
+    if (!StartsProcesses(line)) ConfineAtStart();
     return CheckOutput(line, Run(line));
 }
 

@@ -6,11 +6,11 @@
 #include "tools/kestova/command_line/commands.h"
 #include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/run_on_pc.h"
-#include "tools/kestova/command_line/script.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/progress.h"
 #include "tools/kestova/common/terminal.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/operations/script.h"
 #include "tools/kestova/process/interruption.h"
 #include "tools/kestova/reports/remarks.h"
 #include "tools/kestova/reports/switch_check.h"
@@ -26,17 +26,6 @@ const std::vector<std::pair<std::string, std::string>>& BootTargets() {
 // The operation has answered; what it changed is not on the disk image.
 void CheckWritten(const OperationReport& report) {
     if (!report.unwritten.empty()) throw Failed(report.unwritten);
-}
-
-Access AccessFor(const Operation& operation) {
-    return operation.changesPc ? Access::Change : Access::Ask;
-}
-
-Access AccessFor(const std::vector<PlannedCall>& calls) {
-    Access most = Access::Ask;
-    for (const PlannedCall& call : calls)
-        most = std::max(most, AccessFor(*call.operation));
-    return most;
 }
 
 // The result code is the exit status. What else was found out follows the report; in JSON the reasons are in
@@ -76,9 +65,9 @@ ShownCall CallAndShow(const CommandLine& line, Session& session, const PlannedCa
     if (report.stoppedBefore) return {};
     CheckWritten(report);
     if (!report.problem.empty()) progress.Hide();
-    const int status = ShowProblem(line, report.problem);
+    ShowProblem(line, report.problem);
     progress.Add(1);
-    return {IsFailure(*call.operation, report.result) ? Failure : status, report.remarks};
+    return {StatusOf(report), report.remarks};
 }
 
 std::string CallsText(uint64_t count) {

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/text.h"
@@ -110,6 +111,17 @@ std::string LongName(const Option& option) {
     const std::string names = option.names;
     const size_t begin = names.find("--");
     return names.substr(begin, names.find(',') - begin);
+}
+
+uint64_t ReadNumber(const char* option, const std::string& value, uint64_t least, uint64_t most) {
+    const char* const end = value.data() + value.size();
+    uint64_t number = 0;
+    const auto [rest, error] = std::from_chars(value.data(), end, number);
+    if (error != std::errc() || rest != end || number < least || number > most) {
+        throw WrongUse(std::string(option) + ": '" + Printable(value) + "' is no number from " +
+                       std::to_string(least) + " to " + std::to_string(most));
+    }
+    return number;
 }
 
 ReadWords ReadOptions(const std::vector<OptionGroup>& groups, const std::vector<std::string>& words) {

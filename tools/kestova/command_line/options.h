@@ -1,6 +1,7 @@
 // The options as a table: the words of the command line are read by its rows, and help shows them.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <variant>
 #include <vector>
@@ -28,6 +29,9 @@ struct ReadWords {
     std::vector<std::string> options;     // that were given, by long name
     std::vector<std::string> positional;  // all other words
 };
+
+// The value of a numeric option. Throws WrongUse for one that is no number from `least` to `most`.
+uint64_t ReadNumber(const char* option, const std::string& value, uint64_t least, uint64_t most);
 
 // Reads the words and fills in the values. Throws WrongUse for an unknown option, a missing or an empty
 // value, an option that is given too often or beside one that it excludes.

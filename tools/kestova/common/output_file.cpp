@@ -146,6 +146,10 @@ std::optional<std::string> OutputFile::Beginning(size_t most) const {
 }
 
 std::ofstream OutputFile::Stream() {
+    return StreamAfter(0);
+}
+
+std::ofstream OutputFile::StreamAfter(uint64_t bytes) {
     const auto refused = [&](const char* why) { return WrongUse(option_ + ": " + path_ + why); };
     constexpr const char* noStream = " is neither a regular file nor a terminal nor /dev/null";
     if (place_->found && !MayBeOpened(*place_->found)) throw refused(noStream);
@@ -159,7 +163,9 @@ std::ofstream OutputFile::Stream() {
     if (!IsStream(opened, status)) throw refused(noStream);
     if (IsTrap(place_->folder, status))
         throw refused(" is, or may be, another user's file in a folder that all users share");
-    std::ofstream stream(PathOf(opened), std::ios::binary);
+    std::ofstream stream(PathOf(opened), bytes == 0 ? std::ios::binary : std::ios::binary | std::ios::app);
+    if (bytes != 0 && ftruncate(opened.Number(), static_cast<off_t>(bytes)) != 0)
+        throw refused(" cannot be cut");
     if (!stream) throw refused(" cannot be written");
     return stream;
 }

@@ -1,6 +1,7 @@
 // A file that the program writes. It is found first and written later, exactly where it was found.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -36,6 +37,8 @@ class OutputFile {
     // terminal nor a device that takes or refuses everything (/dev/null, /dev/full), or is not the file that
     // was found.
     std::ofstream Stream();
+    // The same for what is added behind that many bytes of the file, which stay.
+    std::ofstream StreamAfter(uint64_t bytes);
     // Replaces the file atomically by a new one with this text. It keeps the permissions, but neither owner
     // nor set-user-ID. False if that fails; the file is then unchanged.
     bool Replace(const std::string& text);

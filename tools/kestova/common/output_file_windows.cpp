@@ -79,7 +79,12 @@ std::optional<std::string> OutputFile::Beginning(size_t most) const {
 }
 
 std::ofstream OutputFile::Stream() {
-    std::ofstream stream(fs::path(path_), std::ios::binary);
+    return StreamAfter(0);
+}
+
+std::ofstream OutputFile::StreamAfter(uint64_t bytes) {
+    if (bytes != 0) fs::resize_file(fs::path(path_), bytes);
+    std::ofstream stream(fs::path(path_), bytes == 0 ? std::ios::binary : std::ios::binary | std::ios::app);
     if (!stream) throw WrongUse(option_ + ": " + path_ + " cannot be written");
     return stream;
 }

@@ -19,6 +19,7 @@
 #include "tools/kestova/reports/switch_check.h"
 #include "tools/kestova/reports/table_repair.h"
 #include "tools/kestova/reports/undo.h"
+#include "tools/kestova/survey/surveyed_pc.h"
 
 std::string AsJson(const StatusReport& status);
 std::string AsJson(const LettersReport& letters);
@@ -28,6 +29,7 @@ std::string AsJson(const OperationReport& report);
 std::string AsJson(const RecoveryReport& report);
 std::string AsJson(const TableRepairReport& report);
 std::string AsJson(const UndoReport& report);
+std::string AsJson(const SurveyedPc& surveyed);
 std::string AsJson(const std::vector<ValidationReport>& reports);
 std::string AsJson(const ComparisonReport& report);
 // {"error", "status"}: why the program ends with that status. In ASCII.

@@ -120,12 +120,34 @@ static std::string Lines(const List& list) {
     return lines;
 }
 
+static Json CallAsJson(const OperationReport& report) {
+    return {{"operation", report.operation->name},
+            {"arguments", ToJson(report.arguments)},
+            {"result", report.stoppedBefore ? Json() : ToJson(report.result)},
+            {"outputs", report.stoppedBefore ? Json::object() : ToJson(report.outputs)}};
+}
+
+std::string AsJson(const SurveyedPc& surveyed) {
+    Json operations = Json::array();
+    for (const OperationReport& report : surveyed.operations) {
+        Json json = CallAsJson(report);
+        json["meaning"] = ResultWords(report);
+        AddProblem(report.problem, json);
+        operations.push_back(json);
+    }
+    Json json = {{"pc", surveyed.pc},
+                 {"name", surveyed.name},
+                 {"status", ToJson(surveyed.status)},
+                 {"operations", operations},
+                 {"records", ListOf(surveyed.records)},
+                 {"changes", surveyed.changes ? Json(*surveyed.changes) : Json::array()}};
+    if (!surveyed.error.empty()) json["error"] = surveyed.error;
+    return Line(json);
+}
+
 std::string AsJson(const OperationReport& report) {
-    Json json = {{"operation", report.operation->name},
-                 {"arguments", ToJson(report.arguments)},
-                 {"result", report.stoppedBefore ? Json() : ToJson(report.result)},
-                 {"outputs", report.stoppedBefore ? Json::object() : ToJson(report.outputs)},
-                 {"log", ListOf(report.log)}};
+    Json json = CallAsJson(report);
+    json["log"] = ListOf(report.log);
     if (report.showsTrace) json["trace"] = ToJson(report.trace);
     if (!report.backups.empty()) json["backups"] = report.backups;
     if (!report.unwritten.empty()) json["written"] = false;

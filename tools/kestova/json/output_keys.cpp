@@ -205,6 +205,23 @@ constexpr OutputKey compareKeys[] = {
     {"differences[].right", "string|null", "the same of the second"},
 };
 
+constexpr OutputKey surveyKeys[] = {
+    {"pc", "string", "its file, as it was named"},
+    {"name", "string", "of its description; empty without one"},
+    {"status", "integer|null",
+     "with which `run` ends on this PC; null if its worker ended without an answer"},
+    {"operations[].operation", "string", "its name"},
+    {"operations[].arguments", "object", "by name"},
+    {"operations[].result", "integer|string|null", "a letter is a text of one character"},
+    {"operations[].outputs", "object", "by name"},
+    {"operations[].meaning", "string", "the result in words"},
+    {"operations[].problem?", "string", "why a question could not be answered"},
+    {"records[].level", "integer", "of a log record that marks an error"},
+    {"records[].text", "string", "of the record"},
+    {"changes", "array", "of the PC, in words"},
+    {"error?", "string", "why there is no answer, or not all of it"},
+};
+
 constexpr OutputKey callsKeys[] = {
     {"call", "string", "for --fail"},
     {"failsWith", "string", "how it reports a failure"},
@@ -232,6 +249,7 @@ const std::vector<CommandOutput>& Outputs() {
         {"calls", {callsKeys}},
         {"validate", {validateKeys}},
         {"compare", {compareKeys}},
+        {"survey", {surveyKeys}},
     };
     return outputs;
 }

@@ -36,6 +36,12 @@ struct OperationReport {
     std::vector<Finding> remarks = {};                     // what keeps the PC from starting afterwards
 };
 
+// The level of a log record that marks an error.
+inline constexpr int errorLevel = 1;
+
+// Failure if its result is one or its question could not be answered, else Done.
+int StatusOf(const OperationReport& report);
+
 // The result in words: the outcome, where several have this result; empty if there are no words for it.
 std::string ResultWords(const OperationReport& report);
 

@@ -139,6 +139,10 @@ std::string StopWords(const OperationReport& report) {
     return "would first " + *report.stoppedBefore + "; this was not done, and what follows it is unknown";
 }
 
+int StatusOf(const OperationReport& report) {
+    return IsFailure(*report.operation, report.result) || !report.problem.empty() ? Failure : Done;
+}
+
 std::string ResultWords(const OperationReport& report) {
     if (report.outcome != nullptr) return report.outcome;
     return WordsOf(report.result, report.operation->results, report.operation->otherwise);

@@ -1,5 +1,6 @@
 #include "tools/kestova/pc/described_pc.h"
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 
@@ -37,12 +38,17 @@ std::string ReadDescriptionText(const std::string& name) {
     std::error_code error;
     if (!std::filesystem::exists(name, error)) throw UnreadablePc(name + ": there is no such file");
     std::ifstream file = OpenInput(name);
-    std::string text(largestDescription + 1, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    std::string text;
+    // In parts: most descriptions are small, and clearing memory for the largest one takes longer than
+    // reading them.
+    std::array<char, 65536> part;
+    while (text.size() <= largestDescription && file) {
+        file.read(part.data(), part.size());
+        text.append(part.data(), static_cast<size_t>(file.gcount()));
+    }
     if (std::filesystem::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
         throw UnreadablePc(name + ": cannot be read");
     }
-    text.resize(static_cast<size_t>(file.gcount()));
     if (text.size() > largestDescription) {
         throw UnreadablePc(name + ": larger than 16 MiB, so no description; name a disk image with --image");
     }

@@ -85,6 +85,8 @@ class OpenedPc {
     virtual std::vector<std::string> Notes() const = 0;
     // The same of what was found during the work.
     virtual std::vector<std::string> LaterNotes() const = 0;
+    // As its description has it; empty without one.
+    virtual std::string Name() const = 0;
     virtual InputFiles Inputs() const = 0;
     // The options that choose this PC, as they are typed before a command: "--image disk.img ". Empty where
     // none is needed.

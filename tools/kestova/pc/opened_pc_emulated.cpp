@@ -193,6 +193,7 @@ class EmulatedOne final : public OpenedPc {
     std::vector<std::string> LaterNotes() const override {
         return before_.hiveReader ? before_.hiveReader->Notes() : std::vector<std::string>();
     }
+    std::string Name() const override { return before_.name; }
     InputFiles Inputs() const override { return inputs_; }
     std::string ChoosingOptions() const override { return options_; }
     Trace TakeTrace() override { return emulated_.journal.Take(); }

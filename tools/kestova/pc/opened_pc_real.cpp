@@ -14,6 +14,7 @@ class RealOne final : public OpenedPc {
 
     std::vector<std::string> Notes() const override { return {}; }
     std::vector<std::string> LaterNotes() const override { return {}; }
+    std::string Name() const override { return {}; }
     InputFiles Inputs() const override { return {}; }
     std::string ChoosingOptions() const override { return ""; }
     Trace TakeTrace() override { return {}; }

@@ -11,7 +11,7 @@ struct LoggedLine {
     int level = 0;
     std::string text = {};  // UTF-8, on one line, without tabs
 
-    bool IsError() const { return level == 1; }
+    bool IsError() const { return level == errorLevel; }
 };
 
 struct PcReport {

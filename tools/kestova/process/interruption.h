@@ -16,6 +16,9 @@ void ExpectInterruption(const LastWords& lastWords);
 // Before the first write: from here on they wait.
 void HoldInterruption();
 
+// What the program says last of one that waited, unless that the change had ended.
+void SayWhenInterrupted(const std::string& words);
+
 struct Interrupted {};
 
 // Between two steps of a command: throws Interrupted if a signal waits.

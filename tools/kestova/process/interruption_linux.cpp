@@ -14,6 +14,8 @@ constexpr std::array signals = {SIGHUP, SIGINT, SIGTERM};
 // Of each of them, made in advance: a signal handler may not do that.
 std::array<std::string, signals.size()> wordsAtOnce;
 
+std::string wordsAtEnd = "interrupted, but not before the change had ended as shown above";
+
 int StatusOf(int signal) {
     return 128 + signal;
 }
@@ -72,6 +74,10 @@ void HoldInterruption() {
     pthread_sigmask(SIG_BLOCK, &expected, nullptr);
 }
 
+void SayWhenInterrupted(const std::string& words) {
+    wordsAtEnd = words;
+}
+
 void StopIfInterrupted() {
     if (Waiting()) throw Interrupted();
 }
@@ -80,8 +86,7 @@ void EndIfInterrupted(const LastWords& lastWords) {
     const std::optional<int> waiting = Waiting();
     if (!waiting) return;
     std::cout.flush();
-    std::cerr << lastWords("interrupted, but not before the change had ended as shown above",
-                           StatusOf(*waiting));
+    std::cerr << lastWords(wordsAtEnd, StatusOf(*waiting));
     signal(*waiting, SIG_DFL);
     sigset_t set;
     sigemptyset(&set);

@@ -4,6 +4,8 @@ void ExpectInterruption(const LastWords&) {}
 
 void HoldInterruption() {}
 
+void SayWhenInterrupted(const std::string&) {}
+
 void StopIfInterrupted() {}
 
 void EndIfInterrupted(const LastWords&) {}

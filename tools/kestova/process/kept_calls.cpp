@@ -96,11 +96,11 @@ constexpr AllowedCall saving[] = {{"fsync"},    {"openat"}, {"renameat"}, {"rena
                                   {"unlinkat"}, {"fchmod"}, {"umask"}};
 
 // Until the files are open.
-constexpr AllowedCall opening[] = {{"ioctl"},      {"openat"},    {"open"},      {"access"},    {"faccessat"},
-                                   {"faccessat2"}, {"flock"},     {"statfs"},    {"fstatfs"},   {"ftruncate"},
-                                   {"getdents64"}, {"setresuid"}, {"setresgid"}, {"setgroups"}, {"setuid"},
-                                   {"setgid"},     {"capget"},    {"capset"},    {"prctl"},     {"seccomp"},
-                                   {"setrlimit"},  {"sendmsg"},   {"recvmsg"},   {"getsockopt"}};
+constexpr AllowedCall opening[] = {
+    {"ioctl"},     {"openat"},    {"open"},      {"access"},     {"faccessat"}, {"faccessat2"}, {"flock"},
+    {"statfs"},    {"fstatfs"},   {"ftruncate"}, {"getdents64"}, {"mkdir"},     {"mkdirat"},    {"setresuid"},
+    {"setresgid"}, {"setgroups"}, {"setuid"},    {"setgid"},     {"capget"},    {"capset"},     {"prctl"},
+    {"seccomp"},   {"setrlimit"}, {"sendmsg"},   {"recvmsg"},    {"getsockopt"}};
 
 #ifdef KESTOVA_INSTRUMENTED
 // What sanitizers and the measurement of coverage do in the end.

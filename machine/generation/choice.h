@@ -1,18 +1,19 @@
-// Random PCs that a user could own: one to four disks with plausible partitions in any order, removable
-// media, BitLocker, installed Windows or Windows PE.
+// Numbers from a seed, the same on every machine and with every compiler: the distributions of the standard
+// library are not.
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <random>
 
-#include "machine/facts/pc.h"
+namespace machine {
 
-namespace randomly {
-
-// Numbers from a seed, the same on every machine.
 class Choice {
   public:
     explicit Choice(uint64_t seed) : numbers_(seed) {}
+    // The numbers of one of the PCs of a seed, without making those before it.
+    Choice(uint64_t seed, uint64_t number);
+
     uint64_t Below(uint64_t limit) { return numbers_() % limit; }
     bool OneIn(uint64_t chances) { return Below(chances) == 0; }
     template <typename T>
@@ -24,6 +25,4 @@ class Choice {
     std::mt19937_64 numbers_;
 };
 
-machine::Pc RandomMachine(Choice& choice);
-
-}  // namespace randomly
+}  // namespace machine

@@ -7,11 +7,16 @@
 #include <vector>
 
 #include "tools/kestova/operations/operations.h"
+#include "tools/kestova/pc/opened_pc.h"
 
 struct PlannedCall {
     const Operation* operation = nullptr;
     Values arguments;
 };
+
+// What opening a PC for them must allow.
+Access AccessFor(const Operation& operation);
+Access AccessFor(const std::vector<PlannedCall>& calls);
 
 // Parses the whole script, of at most 1 MiB; nothing runs before. Throws WrongUse with `name` and the line.
 std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& name);

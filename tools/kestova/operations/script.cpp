@@ -1,5 +1,6 @@
-#include "tools/kestova/command_line/script.h"
+#include "tools/kestova/operations/script.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -41,6 +42,17 @@ PlannedCall Plan(const std::vector<std::string>& words) {
 }
 
 }  // namespace
+
+Access AccessFor(const Operation& operation) {
+    return operation.changesPc ? Access::Change : Access::Ask;
+}
+
+Access AccessFor(const std::vector<PlannedCall>& calls) {
+    Access most = Access::Ask;
+    for (const PlannedCall& call : calls)
+        most = std::max(most, AccessFor(*call.operation));
+    return most;
+}
 
 std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& name) {
     std::istringstream lines(ReadText(script, name));
