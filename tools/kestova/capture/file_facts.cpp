@@ -4,7 +4,7 @@
 
 #include "base/owners.h"
 #include "base/utf.h"
-#include "machine/facts/looked_for_files.h"
+#include "machine/seen/looked_for_files.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "base/owners.h"
 #include "base/text_case.h"
 #include "base/utf.h"
-#include "machine/facts/looked_for_files.h"
+#include "machine/seen/looked_for_files.h"
 #include "platform/start_options.h"
 #include "tools/kestova/capture/file_facts.h"
 #include "tools/kestova/capture/mounted_devices.h"

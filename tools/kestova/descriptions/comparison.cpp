@@ -1,6 +1,6 @@
 #include "tools/kestova/descriptions/comparison.h"
 
-#include "machine/facts/seen.h"
+#include "machine/seen/seen.h"
 #include "tools/kestova/pc/described_pc.h"
 
 ComparisonReport ComparePcs(const std::string& left, const std::string& right, Compared compared) {

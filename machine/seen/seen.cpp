@@ -1,4 +1,4 @@
-#include "machine/facts/seen.h"
+#include "machine/seen/seen.h"
 
 #include <algorithm>
 #include <ranges>
@@ -7,9 +7,9 @@
 #include "base/utf.h"
 #include "machine/facts/extent_type.h"
 #include "machine/facts/letters.h"
-#include "machine/facts/looked_for_files.h"
 #include "machine/facts/volume_files.h"
 #include "machine/facts/wmi_disks.h"
+#include "machine/seen/looked_for_files.h"
 #include "platform/start_options.h"
 #include "platform/vds.h"
 
