@@ -194,6 +194,18 @@ TEST(Capture, MadeAnonymous_HoldsNothingThatTellsWhosePcItIs) {
     EXPECT_EQ(pc.encryptableVolumes->front().deviceId, "\\\\?\\Volume{" + GuidText(id) + "}\\");
 }
 
+TEST(Capture, MadeAnonymous_HoldsNoSignature) {
+    machine::Pc facts = machine::WinPeTwoDisks();
+    facts.registry["HKLM\\SYSTEM\\MountedDevices"]["\\DosDevices\\D:"] = {
+        REG_BINARY, std::string("\xF6\xB2\xF6\xB2\0\0\x10\0\0\0\0\0", 12)};
+    machine::Pc pc = CaptureOf(facts);
+    MakeAnonymous(pc);
+    EXPECT_EQ(pc.disks[0].signature, 0xA0000001u);
+    EXPECT_EQ(pc.disks[1].signature, 0xA0000002u);
+    EXPECT_EQ(pc.registry.begin()->second.at("\\DosDevices\\D:").data,
+              std::string("\x01\0\0\xA0\0\0\x10\0\0\0\0\0", 12));
+}
+
 TEST(Capture, EveryFileThatTheLibraryLooksFor_IsInItsTable) {
     for (const machine::NamedMachine& named : machine::NamedMachines()) {
         const std::vector<std::string> paths = LookedForBy(named.make());
