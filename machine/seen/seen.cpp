@@ -74,38 +74,75 @@ HostApplication SeenHost(Pc& pc) {
 
 // --- volumes ---
 
-FileTree SeenFiles(const FileTree& files) {
-    FileTree seen;
-    for (const std::string_view path : lookedForFiles) {
-        const FileTree::Entry* const entry = files.Find(path);
-        if (entry == nullptr) continue;
-        if (entry->folder) {
-            seen.PutFolder(path);
-        } else {
-            seen.PutFile(path, path == systemVolumeFile ? entry->content : "");
-        }
+// The root folder of a volume: by its first letter, through which the folder of the host application shows
+// too, or by its name.
+class SeenRoot {
+  public:
+    SeenRoot(Pc& pc, const Volume& volume) : pc_(pc), volume_(volume) {
+        const auto letter = std::ranges::min_element(volume.letters);
+        if (letter != volume.letters.end()) root_ = std::string(1, *letter) + ":\\";
     }
-    return seen;
-}
 
-Volume SeenVolume(Volume volume) {
-    std::ranges::sort(volume.letters);
-    if (volume.letters.empty()) volume.openError = 0;
+    // 0 if it can be read.
+    uint32_t Error() {
+        FileKind kind;
+        return root_.empty() ? WhyUnreadable(volume_) : VolumeFiles(pc_).Find(root_, kind);
+    }
+
+    FileTree Files() {
+        FileTree seen;
+        for (const std::string_view path : lookedForFiles) {
+            const FileKind kind = KindOf(path);
+            if (kind == FileKind::Folder) seen.PutFolder(path);
+            if (kind == FileKind::File) seen.PutFile(path, path == systemVolumeFile ? Content(path) : "");
+        }
+        return seen;
+    }
+
+  private:
+    FileKind KindOf(std::string_view path) {
+        FileKind kind = FileKind::None;
+        if (!root_.empty()) {
+            VolumeFiles(pc_).Find(root_ + std::string(path), kind);
+        } else if (WhyUnreadable(volume_) == 0) {
+            const FileTree::Entry* const entry = volume_.files.Find(path);
+            if (entry != nullptr) kind = entry->folder ? FileKind::Folder : FileKind::File;
+        }
+        return kind;
+    }
+
+    std::string Content(std::string_view path) {
+        if (root_.empty()) return volume_.files.Find(path)->content;
+        std::string content;
+        VolumeFiles(pc_).Read(root_ + std::string(path), content);
+        return content;
+    }
+
+    Pc& pc_;
+    const Volume& volume_;
+    std::string root_;
+};
+
+Volume SeenVolume(Pc& pc, const Volume& volume) {
+    Volume seen = volume;
+    std::ranges::sort(seen.letters);
+    if (seen.letters.empty()) seen.openError = 0;
     const uint32_t unreadable = WhyUnreadable(volume);
-    if (unreadable != 0 && volume.label.value) volume.label = Fact<std::string>::Fails(unreadable);
+    if (unreadable != 0 && seen.label.value) seen.label = Fact<std::string>::Fails(unreadable);
+    SeenRoot root(pc, volume);
     // Without a label there is no name of the file system either.
-    if (!volume.label.value && unreadable == 0) volume.fileSystem = Volume().fileSystem;
-    volume.files = unreadable == 0 ? SeenFiles(volume.files) : FileTree();
-    return volume;
+    if (!seen.label.value && root.Error() == ERROR_SUCCESS) seen.fileSystem = Volume().fileSystem;
+    seen.files = root.Files();
+    return seen;
 }
 
 // Without a disk. A network drive has no name, so that two letters are not known to be of one, and what has
 // names is listed before it.
-std::vector<Volume> SeenVolumes(const std::vector<Volume>& volumes) {
+std::vector<Volume> SeenVolumes(Pc& pc, const std::vector<Volume>& volumes) {
     std::vector<Volume> seen;
     std::vector<Volume> remote;
     for (const Volume& volume : volumes) {
-        Volume one = SeenVolume(volume);
+        Volume one = SeenVolume(pc, volume);
         one.extentType.reset();  // the service lists extents of disks
         if (one.driveType != DriveType::Remote) {
             seen.push_back(one);
@@ -121,7 +158,7 @@ std::vector<Volume> SeenVolumes(const std::vector<Volume>& volumes) {
     return seen;
 }
 
-void SeePartition(const Disk& disk, Partition& partition) {
+void SeePartition(Pc& pc, const Disk& disk, Partition& partition) {
     if (disk.style == PartitionStyle::Mbr) {
         partition.gptType = partition.gptId = Guid();
         partition.attributes = 0;
@@ -131,7 +168,7 @@ void SeePartition(const Disk& disk, Partition& partition) {
     }
     if (!partition.volume) return;
     Volume& volume = *partition.volume;
-    volume = SeenVolume(std::move(volume));
+    volume = SeenVolume(pc, volume);
     if (volume.extentType) {
         const int given = *std::exchange(volume.extentType, std::nullopt);
         if (given != ExtentTypeOf(disk.style, partition)) volume.extentType = given;
@@ -157,7 +194,7 @@ void SeeControllers(const Pc& pc, Disk& disk) {
     if (!disk.controllers.empty() && KindOfControllers(disk) != kind) disk.controllerKind = kind;
 }
 
-void SeeDisk(const Pc& pc, Disk& disk) {
+void SeeDisk(Pc& pc, Disk& disk) {
     if (IsAbsent(pc, "Win32_DiskDrive")) disk.wmi.reset();
     if (!disk.wmi || !disk.wmi->pnpDeviceId) disk.location = Disk().location;
     if (disk.style != PartitionStyle::Mbr) disk.signature = 0;
@@ -168,7 +205,7 @@ void SeeDisk(const Pc& pc, Disk& disk) {
         disk.storageBusType = uint32_t{0};
     SeeControllers(pc, disk);
     for (Partition& partition : disk.partitions)
-        SeePartition(disk, partition);
+        SeePartition(pc, disk, partition);
 }
 
 bool IsDynamic(const Pc& pc, const std::string& name) {
@@ -215,9 +252,9 @@ std::vector<uint32_t> OrderOfWmi(const Pc& pc) {
 }
 
 // Both services list the disks; the order of the one is written only where it differs from that of the other.
-void SeeDisks(Pc& pc) {
+void SeeDisks(Pc& whole, Pc& pc) {
     for (Disk& disk : pc.disks)
-        SeeDisk(pc, disk);
+        SeeDisk(whole, disk);
     const std::vector<uint32_t> order = OrderOfWmi(pc);
     pc.packs = PacksAsListed(pc);
     pc.disks = AsListed(pc);
@@ -245,6 +282,7 @@ EncryptableVolume SeenEncryptable(EncryptableVolume volume) {
 }  // namespace
 
 Pc Seen(Pc pc) {
+    Pc whole = pc;
     const Pc nothing;
     pc.host = SeenHost(pc);
     pc.name.clear();
@@ -258,8 +296,8 @@ Pc Seen(Pc pc) {
     pc.shell = nothing.shell;
     pc.switches = nothing.switches;
     pc.faults.clear();
-    SeeDisks(pc);
-    pc.volumes = SeenVolumes(pc.volumes);
+    SeeDisks(whole, pc);
+    pc.volumes = SeenVolumes(whole, whole.volumes);
     if (pc.encryptableVolumes && IsAbsent(pc, "Win32_EncryptableVolume")) pc.encryptableVolumes->clear();
     pc.absentWmiClasses = SeenAbsentClasses(pc);
     if (pc.encryptableVolumes) {

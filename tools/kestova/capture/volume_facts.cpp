@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <map>
-#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "base/owners.h"
 #include "base/utf.h"
@@ -76,44 +77,39 @@ std::vector<machine::Extent> ExtentsOf(const FileHandle& volume) {
 
 // --- all of them ---
 
+// A volume as the mount manager knows it.
+struct KnownVolume {
+    std::string name;  // "\\\\?\\Volume{...}\\"; empty for one that has only letters
+    std::vector<machine::Extent> extents;
+    std::string letters;
+    DWORD openError = ERROR_SUCCESS;  // of its letters
+};
+
 class VolumeCapture {
   public:
     explicit VolumeCapture(Findings& findings) : findings_(findings) {}
     void Run();
 
   private:
-    void Named();
-    void Lettered();
+    void FindNames();
+    void FindLetters();
+    KnownVolume& OfLetter(char letter);
+    void Describe(const KnownVolume& known);
     void OfPartitions();
-    machine::Volume& Place(machine::Volume volume, std::vector<machine::Extent> extents);
-    machine::Volume& OfLetter(char letter);
-    machine::Volume* InPartition(const std::vector<machine::Extent>& extents);
 
     Findings& findings_;
-    std::map<std::string, std::vector<machine::Extent>> byName_;  // extents of the volumes that have names
-    std::map<std::string, size_t> withoutDisk_;                   // by name, in the list of the PC
+    std::vector<KnownVolume> known_;
 };
 
-machine::Partition* PartitionAt(machine::Pc& pc, const std::vector<machine::Extent>& extents) {
-    if (extents.empty()) return nullptr;
-    machine::Disk* const disk = machine::FindDisk(pc, extents.front().disk);
-    return disk != nullptr ? machine::FindPartition(*disk, extents.front().offset) : nullptr;
+std::string RootOf(char letter) {
+    return std::string(1, letter) + ":\\";
 }
 
-machine::Volume& VolumeCapture::Place(machine::Volume volume, std::vector<machine::Extent> extents) {
-    machine::Partition* const partition = PartitionAt(findings_.pc, extents);
-    if (partition != nullptr) extents.erase(extents.begin());
-    volume.furtherExtents = std::move(extents);
-    if (partition != nullptr) return partition->volume.emplace(std::move(volume));
-    return findings_.pc.volumes.emplace_back(std::move(volume));
+std::string DeviceOf(char letter) {
+    return std::string("\\\\.\\") + letter + ":";
 }
 
-machine::Volume* VolumeCapture::InPartition(const std::vector<machine::Extent>& extents) {
-    machine::Partition* const partition = PartitionAt(findings_.pc, extents);
-    return partition != nullptr && partition->volume ? &*partition->volume : nullptr;
-}
-
-void VolumeCapture::Named() {
+void VolumeCapture::FindNames() {
     WCHAR name[nameRoom];
     const HANDLE search = FindFirstVolumeW(name, nameRoom);
     if (search == INVALID_HANDLE_VALUE) {
@@ -124,42 +120,58 @@ void VolumeCapture::Named() {
     }
     do {
         const std::string root = ToUtf8(name);
-        const std::vector<machine::Extent> extents =
-            ExtentsOf(OpenVolume(root.substr(0, root.size() - 1), 0));
-        byName_[root] = extents;
-        if (PartitionAt(findings_.pc, extents) == nullptr) withoutDisk_[root] = findings_.pc.volumes.size();
-        Place(CapturedVolume(findings_, root), extents);
+        known_.push_back({root, ExtentsOf(OpenVolume(root.substr(0, root.size() - 1), 0)), "", 0});
     } while (FindNextVolumeW(search, name, nameRoom));
     FindVolumeClose(search);
 }
 
-// The volume that a letter stands for; one that nothing has named before is a volume without a disk, or that
-// of a hidden partition.
-machine::Volume& VolumeCapture::OfLetter(char letter) {
-    const std::string root = std::string(1, letter) + ":\\";
+// The volume that a letter stands for: by its name, or, where it has none, by its place; else one of its own.
+KnownVolume& VolumeCapture::OfLetter(char letter) {
     WCHAR buffer[nameRoom];
-    const bool isNamed = GetVolumeNameForVolumeMountPointW(ToWide(root).c_str(), buffer, nameRoom);
+    const bool isNamed =
+        GetVolumeNameForVolumeMountPointW(ToWide(RootOf(letter)).c_str(), buffer, nameRoom) != FALSE;
     const std::string name = isNamed ? ToUtf8(buffer) : "";
-    if (const auto known = withoutDisk_.find(name); known != withoutDisk_.end())
-        return findings_.pc.volumes[known->second];
-    const auto named = byName_.find(name);
     const std::vector<machine::Extent> extents =
-        named != byName_.end() ? named->second
-                               : ExtentsOf(OpenVolume(std::string("\\\\.\\") + letter + ":", 0));
-    if (machine::Volume* const volume = InPartition(extents)) return *volume;
-    return Place(CapturedVolume(findings_, root), extents);
+        isNamed ? std::vector<machine::Extent>() : ExtentsOf(OpenVolume(DeviceOf(letter), 0));
+    const auto known = std::ranges::find_if(known_, [&](const KnownVolume& volume) {
+        return isNamed ? volume.name == name : !extents.empty() && volume.extents == extents;
+    });
+    if (known != known_.end()) return *known;
+    known_.push_back({name, extents, "", ERROR_SUCCESS});
+    return known_.back();
 }
 
-void VolumeCapture::Lettered() {
+void VolumeCapture::FindLetters() {
     WCHAR roots[26 * 4 + 1] = {};
     const DWORD length = GetLogicalDriveStringsW(static_cast<DWORD>(std::size(roots)), roots);
     for (DWORD at = 0; at + 4 <= length && length < std::size(roots); at += 4) {
         const char letter = static_cast<char>(roots[at]);
-        machine::Volume& volume = OfLetter(letter);
+        KnownVolume& volume = OfLetter(letter);
         volume.letters += letter;
-        if (!OpenVolume(std::string("\\\\.\\") + letter + ":", GENERIC_READ))
-            volume.openError = GetLastError();
+        if (!OpenVolume(DeviceOf(letter), GENERIC_READ)) volume.openError = GetLastError();
     }
+}
+
+machine::Partition* PartitionAt(machine::Pc& pc, const std::vector<machine::Extent>& extents) {
+    if (extents.empty()) return nullptr;
+    machine::Disk* const disk = machine::FindDisk(pc, extents.front().disk);
+    return disk != nullptr ? machine::FindPartition(*disk, extents.front().offset) : nullptr;
+}
+
+// A volume with a letter is asked by it, as the library asks.
+void VolumeCapture::Describe(const KnownVolume& known) {
+    machine::Volume volume =
+        CapturedVolume(findings_, known.letters.empty() ? known.name : RootOf(known.letters.front()));
+    volume.letters = known.letters;
+    volume.openError = known.openError;
+    volume.furtherExtents = known.extents;
+    machine::Partition* const partition = PartitionAt(findings_.pc, known.extents);
+    if (partition == nullptr) {
+        findings_.pc.volumes.push_back(std::move(volume));
+        return;
+    }
+    volume.furtherExtents.erase(volume.furtherExtents.begin());
+    partition->volume = std::move(volume);
 }
 
 // Partitions that the mount manager hides have neither a letter nor a name: their device is looked into.
@@ -180,8 +192,10 @@ void VolumeCapture::OfPartitions() {
 }
 
 void VolumeCapture::Run() {
-    Named();
-    Lettered();
+    FindNames();
+    FindLetters();
+    for (const KnownVolume& volume : known_)
+        Describe(volume);
     OfPartitions();
 }
 
