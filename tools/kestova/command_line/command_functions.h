@@ -17,6 +17,7 @@ int Report(const CommandLine& line);
 int Boot(const CommandLine& line);
 int Call(const CommandLine& line);
 int Run(const CommandLine& line);
+int Replay(const CommandLine& line);
 
 // What is done with images themselves.
 int Recover(const CommandLine& line);

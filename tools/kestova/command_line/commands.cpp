@@ -24,9 +24,13 @@ constexpr OptionUser usedByFew[] = {{"--output", Report},
                                     {"--bytes", Status},
                                     {"--columns", Status}};
 
-constexpr OptionUser notUsedBy[] = {{"--json", Report},    {"--dry-run", Check},       {"--dry-run", Report},
-                                    {"--ledger", Recover}, {"--ledger", RepairTables}, {"--ledger", Undo},
-                                    {"--ledger", Report}};
+constexpr OptionUser notUsedBy[] = {
+    {"--json", Report},         {"--dry-run", Check}, {"--dry-run", Report}, {"--ledger", Recover},
+    {"--ledger", RepairTables}, {"--ledger", Undo},   {"--ledger", Report},  {"--record", Recover},
+    {"--record", RepairTables}, {"--record", Undo}};
+
+// Of commands that work on no PC.
+constexpr OptionUser alsoUsedBy[] = {{"--log", Replay}, {"--overwrite", Replay}, {"--quiet", Replay}};
 
 constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
                                            "--force-dirty"};
@@ -53,7 +57,7 @@ bool Uses(const Command& command, const std::string& option) {
     if (IsIn(notUsedBy, command, option)) return false;
     if (std::ranges::count(usedByFew, option, &OptionUser::option) != 0)
         return IsIn(usedByFew, command, option);
-    if (option == "--json") return true;
+    if (option == "--json" || IsIn(alsoUsedBy, command, option)) return true;
     return command.usesPc && (command.traces || option != "--trace");
 }
 
@@ -78,6 +82,8 @@ const std::vector<Command>& Commands() {
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},
         {"run", "SCRIPT|-", "One operation a line, on one object", 1, 1, true, true, Run},
+        {"replay", "FILE [OPERATION...]", "Run the library again on what --record has recorded", 1, any,
+         false, false, Replay},
         {"recover", "", "Finish or take back a change of an image that was interrupted", 0, 0, true, false,
          Recover},
         {"undo", "BACKUP", "Take back what was changed on an image", 1, 1, true, false, Undo},
