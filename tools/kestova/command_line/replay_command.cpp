@@ -61,7 +61,8 @@ int Replay(const CommandLine& line) {
     if (const auto first = replay.NextOperation(); !first || first->name != construction)
         throw UnreadablePc(line.arguments[0] + ": no object of the library is made at its beginning");
     CommandLine onNobody = line;
-    onNobody.choice = {.pc = "factory-mbr"};  // no platform call of the library reaches it
+    onNobody.choice = {};
+    onNobody.choice.pc = "factory-mbr";  // no platform call of the library reaches it
     size_t count = 0;
     const int status = RunOnPc(
         onNobody,
