@@ -5,6 +5,7 @@
 # usage: compare_builds.sh LINUX_TOOL WINDOWS_TOOL      WINEPREFIX names a prefix; the DLLs are beside WINDOWS_TOOL.
 set -euo pipefail
 export LC_ALL=C.UTF-8
+export SOURCE_DATE_EPOCH=0 # the time in a recording
 
 source_folder=$(readlink -f "$(dirname "$0")/../..")
 linux_tool=$(readlink -f "$1")
@@ -59,6 +60,13 @@ cat once.txt once.txt >all.txt
 printf '%s\n' SetRcvprtActive SetSystemActive SetPOneActive SetPTwoActive GetWinDriveLetters\ 26 AssignRecoveryPartition \
     GetAllEncryptVolume\ 33 GetRCVDISC GetRCVUFD GetVistaOSInfo IsCachePartitionForExpCacheExist >faults.txt
 
+# Recordings of the one build, for replays by both.
+for pc in "${pcs[@]}"; do
+    name=$(basename "$pc")
+    "$linux_tool" --quiet --pc "${pc#../}" --record "$name.jsonl" run all.txt >messages 2>&1 || [ $? -eq 1 ]
+    [ -s "$name.jsonl" ] || { cat messages >&2; exit 1; }
+done
+
 mapfile -t calls < <("$linux_tool" calls --json | sed 's/{"call":"\([^"]*\)".*/\1/')
 [ ${#calls[@]} -gt 50 ] || { echo "the tool lists too few calls: ${#calls[@]}" >&2; exit 1; }
 
@@ -74,7 +82,9 @@ scenarios() {
             '--trace --log log.txt --save saved.json run ../once.txt' '--no-initialize --json --trace run ../once.txt' \
             '--json --trace --save saved.json run ../all.txt' '--json --trace --pe --save saved.json run ../all.txt' \
             '--json --trace --windows --save saved.json run ../all.txt' 'capture -o saved.json' \
-            '--anonymous capture' '--with-installed-registry capture -o saved.json'
+            '--anonymous capture' '--with-installed-registry capture -o saved.json' '--record calls.jsonl status' \
+            '--json --record calls.jsonl run ../all.txt'
+        printf '%s\n' "replay ../$(basename "$pc").jsonl" "replay --json ../$(basename "$pc").jsonl"
         for call in "${calls[@]}"; do
             printf -- "--pc $pc --json --trace --fail %s=0x80070005 --save saved.json run ../faults.txt\n" "$call" \
                 "$call#2+"
@@ -119,7 +129,7 @@ share() {
     local number=$1 at=0 words
     mkdir "$folder/$number"
     cd "$folder/$number"
-    cp "$folder"/*.json "$folder"/*.txt .
+    cp "$folder"/*.json "$folder"/*.jsonl "$folder"/*.txt .
     mkdir linux windows
     while read -r -a words; do
         if [ $((at++ % shares)) -eq "$number" ]; then compare "${words[@]}"; fi

@@ -76,7 +76,7 @@ const WmiMethod* FindMethod(const WmiClass& definition, std::string_view name) {
 }
 
 WmiObject::WmiObject(const WmiClass* definition, bool spawns, WmiProperties properties)
-    : WmiObjectBase(*this, IID_IWbemClassObject, "IWbemClassObject"),
+    : UncalledObject(*this, IID_IWbemClassObject, "IWbemClassObject"),
       definition_(definition),
       spawns_(spawns),
       properties_(std::move(properties)) {}

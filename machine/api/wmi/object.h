@@ -3,51 +3,12 @@
 
 #include "machine/api/com/object.h"
 #include "machine/api/wmi/class.h"
+#include "platform/wmi_uncalled.h"
 
 namespace machine {
 
-// The unused methods of IWbemClassObject; all return WBEM_E_NOT_SUPPORTED.
-class WmiObjectBase : public ComInterface<IWbemClassObject> {
-  public:
-    using ComInterface::ComInterface;
-
-    HRESULT STDMETHODCALLTYPE GetQualifierSet(IWbemQualifierSet**) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE Delete(LPCWSTR) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE GetNames(LPCWSTR, LONG, VARIANT*, SAFEARRAY**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE BeginEnumeration(LONG) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE Next(LONG, BSTR*, VARIANT*, CIMTYPE*, LONG*) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE EndEnumeration() override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE GetPropertyQualifierSet(LPCWSTR, IWbemQualifierSet**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE Clone(IWbemClassObject**) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE GetObjectText(LONG, BSTR*) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE SpawnDerivedClass(LONG, IWbemClassObject**) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE CompareTo(LONG, IWbemClassObject*) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE GetPropertyOrigin(LPCWSTR, BSTR*) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE InheritsFrom(LPCWSTR) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE PutMethod(LPCWSTR, LONG, IWbemClassObject*, IWbemClassObject*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE DeleteMethod(LPCWSTR) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE BeginMethodEnumeration(LONG) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE NextMethod(LONG, BSTR*, IWbemClassObject**, IWbemClassObject**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE EndMethodEnumeration() override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE GetMethodQualifierSet(LPCWSTR, IWbemQualifierSet**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE GetMethodOrigin(LPCWSTR, BSTR*) override { return NotSupported(); }
-
-  private:
-    static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
-};
-
 // The flags of all methods are reserved: any value but 0 is WBEM_E_INVALID_PARAMETER.
-class WmiObject final : public ComObject, public WmiObjectBase {
+class WmiObject final : public ComObject, public UncalledObject<ComInterface<IWbemClassObject>> {
   public:
     // A class: its properties are absent, and its methods are available.
     explicit WmiObject(const WmiClass& definition);

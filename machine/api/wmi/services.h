@@ -4,92 +4,14 @@
 #include "machine/api/com/object.h"
 #include "machine/api/wmi/class.h"
 #include "machine/api/wmi/path.h"
+#include "platform/wmi_uncalled.h"
 
 namespace machine {
 
-// The unused methods of IWbemServices; all return WBEM_E_NOT_SUPPORTED.
-class WmiServicesBase : public ComInterface<IWbemServices> {
-  public:
-    using ComInterface::ComInterface;
-
-    HRESULT STDMETHODCALLTYPE OpenNamespace(const BSTR, LONG, IWbemContext*, IWbemServices**,
-                                            IWbemCallResult**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE CancelAsyncCall(IWbemObjectSink*) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE QueryObjectSink(LONG, IWbemObjectSink**) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE GetObjectAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE PutClass(IWbemClassObject*, LONG, IWbemContext*, IWbemCallResult**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE PutClassAsync(IWbemClassObject*, LONG, IWbemContext*,
-                                            IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE DeleteClass(const BSTR, LONG, IWbemContext*, IWbemCallResult**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE DeleteClassAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE CreateClassEnum(const BSTR, LONG, IWbemContext*,
-                                              IEnumWbemClassObject**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE CreateClassEnumAsync(const BSTR, LONG, IWbemContext*,
-                                                   IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject*, LONG, IWbemContext*,
-                                          IWbemCallResult**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE PutInstanceAsync(IWbemClassObject*, LONG, IWbemContext*,
-                                               IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE DeleteInstance(const BSTR, LONG, IWbemContext*, IWbemCallResult**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE DeleteInstanceAsync(const BSTR, LONG, IWbemContext*,
-                                                  IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext*,
-                                                      IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR, const BSTR, LONG, IWbemContext*,
-                                        IEnumWbemClassObject**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext*,
-                                             IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE ExecNotificationQuery(const BSTR, const BSTR, LONG, IWbemContext*,
-                                                    IEnumWbemClassObject**) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE ExecNotificationQueryAsync(const BSTR, const BSTR, LONG, IWbemContext*,
-                                                         IWbemObjectSink*) override {
-        return NotSupported();
-    }
-    HRESULT STDMETHODCALLTYPE ExecMethodAsync(const BSTR, const BSTR, LONG, IWbemContext*, IWbemClassObject*,
-                                              IWbemObjectSink*) override {
-        return NotSupported();
-    }
-
-  private:
-    static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
-};
-
-class WmiServices final : public ComObject, public WmiServicesBase {
+class WmiServices final : public ComObject, public UncalledServices<ComInterface<IWbemServices>> {
   public:
     explicit WmiServices(std::string space)
-        : WmiServicesBase(*this, IID_IWbemServices, "IWbemServices"), space_(std::move(space)) {}
+        : UncalledServices(*this, IID_IWbemServices, "IWbemServices"), space_(std::move(space)) {}
 
     // A class by its name, or an instance by its path; the caller releases it. WBEM_E_INVALID_OBJECT_PATH:
     // malformed, or of another namespace; WBEM_E_NOT_FOUND: unknown class or instance;
@@ -112,28 +34,21 @@ class WmiServices final : public ComObject, public WmiServicesBase {
     const std::string space_;
 };
 
-// Reset, NextAsync, Clone and Skip return WBEM_E_NOT_SUPPORTED.
-class WmiEnumerator final : public ComObject, public ComInterface<IEnumWbemClassObject> {
+class WmiEnumerator final : public ComObject, public UncalledEnumeration<ComInterface<IEnumWbemClassObject>> {
   public:
     explicit WmiEnumerator(std::vector<WmiProperties> instances)
-        : ComInterface(*this, IID_IEnumWbemClassObject, "IEnumWbemClassObject"),
+        : UncalledEnumeration(*this, IID_IEnumWbemClassObject, "IEnumWbemClassObject"),
           instances_(std::move(instances)) {}
     // One of which every Next fails with that code.
     explicit WmiEnumerator(HRESULT failure)
-        : ComInterface(*this, IID_IEnumWbemClassObject, "IEnumWbemClassObject"), failure_(failure) {}
+        : UncalledEnumeration(*this, IID_IEnumWbemClassObject, "IEnumWbemClassObject"), failure_(failure) {}
 
     // WBEM_S_FALSE: fewer objects remained than requested, at the end none. Never waits, whatever the
     // timeout. The caller releases those returned.
     HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
                                    ULONG* returned) override;
-    HRESULT STDMETHODCALLTYPE Reset() override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE NextAsync(ULONG, IWbemObjectSink*) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE Clone(IEnumWbemClassObject**) override { return NotSupported(); }
-    HRESULT STDMETHODCALLTYPE Skip(LONG, ULONG) override { return NotSupported(); }
 
   private:
-    static HRESULT NotSupported() { return static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED); }
-
     std::vector<WmiProperties> instances_;
     HRESULT failure_ = S_OK;
     size_t position_ = 0;

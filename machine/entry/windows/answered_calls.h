@@ -4,12 +4,9 @@
 #include <span>
 #include <string_view>
 
-namespace machine {
+#include "machine/entry/answered_call.h"
 
-struct AnsweredCall {
-    std::string_view name;
-    const void* function;
-};
+namespace machine {
 
 // Sorted by name, each once.
 std::span<const AnsweredCall> AnsweredCalls();

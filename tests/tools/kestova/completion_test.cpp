@@ -25,7 +25,7 @@ class Completion : public ProgramTest {
 
 TEST_F(Completion, BeginningOfAWord_IsOfferedWhatFitsItsPlace) {
     EXPECT_EQ(Words("s"), "status\n");
-    EXPECT_EQ(Words("re"), "report recover repair-table\n");
+    EXPECT_EQ(Words("re"), "report replay recover repair-table\n");
     EXPECT_EQ(Words("boot ''"), "recovery system\n");
     EXPECT_EQ(Words("call SetR"), "SetRcvprtActive\n");
     EXPECT_EQ(Words("help ru"), "run\n");

@@ -597,9 +597,9 @@ TEST_F(Help, FactoryMbr_StatusUnderWindowsPe_RunsWindowsPe) {
 TEST_F(Help, NoPc_Help_ListsCommandsOptionsAndStatuses) {
     const Outcome outcome = Kestova("--help");
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output, HasSubstr("  boot recovery|system     Choose what it boots\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("  boot recovery|system        Choose what it boots\n"));
     EXPECT_THAT(outcome.output,
-                HasSubstr("  calls                    The platform calls that --fail knows\n"));
+                HasSubstr("  calls                       The platform calls that --fail knows\n"));
     EXPECT_THAT(outcome.output, HasSubstr("  --fail NAME[#N][+]=CODE  "));
     EXPECT_THAT(outcome.output, HasSubstr("    4  the record could not be written\n"));
     EXPECT_EQ(Kestova("help").output, outcome.output);

@@ -18,6 +18,7 @@ int Capture(const CommandLine& line);
 int Boot(const CommandLine& line);
 int Call(const CommandLine& line);
 int Run(const CommandLine& line);
+int Replay(const CommandLine& line);
 
 // What is done with images themselves.
 int Recover(const CommandLine& line);

@@ -32,12 +32,14 @@ constexpr OptionUser usedByFew[] = {
 constexpr OptionUser alsoUsedBy[] = {
     {"--overwrite", Generate}, {"--overwrite", Survey},   {"--quiet", Survey}, {"--windows", Survey},
     {"--pe", Survey},          {"--force-dirty", Survey}, {"--fail", Survey},  {"--no-initialize", Survey},
-    {"--no-journal", Survey},  {"--no-backup", Survey},   {"--yes", Survey},   {"--sector-size", Survey}};
+    {"--no-journal", Survey},  {"--no-backup", Survey},   {"--yes", Survey},   {"--sector-size", Survey},
+    {"--log", Replay},         {"--overwrite", Replay},   {"--quiet", Replay}};
 
-constexpr OptionUser notUsedBy[] = {{"--json", Report},     {"--json", Generate},  {"--dry-run", Check},
-                                    {"--dry-run", Report},  {"--ledger", Recover}, {"--ledger", RepairTables},
-                                    {"--ledger", Undo},     {"--ledger", Report},  {"--json", Capture},
-                                    {"--dry-run", Capture}, {"--ledger", Capture}};
+constexpr OptionUser notUsedBy[] = {
+    {"--json", Report},    {"--json", Generate},       {"--dry-run", Check},  {"--dry-run", Report},
+    {"--ledger", Recover}, {"--ledger", RepairTables}, {"--ledger", Undo},    {"--ledger", Report},
+    {"--json", Capture},   {"--dry-run", Capture},     {"--ledger", Capture}, {"--record", Capture},
+    {"--record", Recover}, {"--record", RepairTables}, {"--record", Undo}};
 
 constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
                                            "--force-dirty"};
@@ -91,6 +93,8 @@ const std::vector<Command>& Commands() {
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},
         {"run", "SCRIPT|-", "One operation a line, on one object", 1, 1, true, true, Run},
+        {"replay", "FILE [OPERATION...]", "Run the library again on what --record has recorded", 1, any,
+         false, false, Replay},
         {"recover", "", "Finish or take back a change of an image that was interrupted", 0, 0, true, false,
          Recover},
         {"undo", "BACKUP", "Take back what was changed on an image", 1, 1, true, false, Undo},

@@ -77,6 +77,12 @@ const std::vector<CommandHelp>& CommandHelps() {
          "Calls the operations of a script, one on each line, on one object; # begins a comment. Each operation's "
          "changes of an image are written before the next one begins.",
          {{"--image disk.img run script.txt", "a file"}, {"--pc factory-mbr run -", "standard input"}}},
+        {"replay",
+         "Runs the operations of a recording again; the recording answers in place of the PC, strictly in its order. "
+         "With operations only these are run, from where each of them is recorded. Exit status 1: the library asks, "
+         "logs or answers something else than it did; the message names the line.",
+         {{"--pc factory-mbr --record calls.jsonl boot recovery", "make one"},
+          {"replay calls.jsonl", "and run it again"}}},
         {"recover",
          "Finishes or takes back a change of an image that a power cut or a failing medium has interrupted. Every "
          "command that changes the image does so first.",

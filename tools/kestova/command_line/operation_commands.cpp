@@ -39,7 +39,7 @@ int BootAndShow(const CommandLine& line, Session& session, const Operation& oper
     const int result = std::get<int>(report.result);
     if (!line.json || !report.unwritten.empty()) Show(line, report);
     CheckWritten(report);
-    const int disk = session.Object().GetFirstInternalDriveNumber();
+    const int disk = session.AskNumber("GetFirstInternalDriveNumber");
     if (result != 0) report.reasons = WhySwitchRefused(session, disk);
     report.remarks = RemarksOn(session.OnPc());
     if (operation.name == "SetSystemActive" && result == 0) {

@@ -2,10 +2,11 @@
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/picture/report.h"
+#include "tools/kestova/recording/recorder.h"
 
 namespace {
 
-// Bytes in which a report can be known by its beginning.
+// Bytes in which a report and a recording can be known by their beginning.
 constexpr size_t reportMark = 64;
 
 struct Kept {
@@ -57,6 +58,13 @@ void CheckReplacesReport(const OutputFile& output) {
         Refuse("--output", output, " is neither empty nor a report; --overwrite replaces it");
 }
 
+// And for a recording.
+void CheckReplacesRecording(const OutputFile& record) {
+    const std::optional<std::string> text = record.Beginning(reportMark);
+    if (text && !text->empty() && !IsRecording(*text))
+        Refuse("--record", record, " is neither empty nor a recording; --overwrite replaces it");
+}
+
 void KeepApart(const std::string& option, const std::optional<OutputFile>& one,
                const std::string& otherOption, const std::optional<OutputFile>& other) {
     if (one && other && one->Is(*other)) Refuse(option, *one, " is the file that " + otherOption + " writes");
@@ -65,7 +73,8 @@ void KeepApart(const std::string& option, const std::optional<OutputFile>& one,
 }  // namespace
 
 OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, const std::string& script) {
-    OutputFiles files{Find("--log", line.log == "-" ? "" : line.log), Find("--save", line.choice.save),
+    OutputFiles files{Find("--log", line.log == "-" ? "" : line.log), Find("--record", line.choice.record),
+                      Find("--save", line.choice.save),
                       Find("--output", line.output == "-" ? "" : line.output)};
     std::vector<Kept> kept;
     for (const std::string& image : inputs.images)
@@ -79,16 +88,22 @@ OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, c
     kept.push_back({line.choice.backup, "the backup of the image"});
     Keep(kept, "--log", files.log);
     Keep({{inputs.description, "the description that --pc reads"}}, "--log", files.log);
+    Keep(kept, "--record", files.record);
+    Keep({{inputs.description, "the description that --pc reads"}}, "--record", files.record);
     Keep(kept, "--save", files.save);
     Keep(kept, "--output", files.output);
     Keep({{inputs.description, "the description that --pc reads"}}, "--output", files.output);
     KeepApart("--log", files.log, "--save", files.save);
     KeepApart("--log", files.log, "--output", files.output);
     KeepApart("--save", files.save, "--output", files.output);
+    KeepApart("--record", files.record, "--log", files.log);
+    KeepApart("--record", files.record, "--save", files.save);
+    KeepApart("--record", files.record, "--output", files.output);
     if (files.save) CheckTarget("--save", *files.save);
     if (files.output) CheckTarget("--output", *files.output);
     if (files.save && !line.overwrite) CheckReplaces("--save", *files.save);
     if (files.log && !line.overwrite) CheckReplaces("--log", *files.log);
+    if (files.record && !line.overwrite) CheckReplacesRecording(*files.record);
     if (files.output && !line.overwrite) {
         if (line.command == "report") {
             CheckReplacesReport(*files.output);

@@ -7,9 +7,14 @@
 #include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/printable_lines.h"
+#include "tools/kestova/common/text.h"
+#include "tools/kestova/json/taped_operations.h"
 #include "tools/kestova/pc/images.h"
+#include "tools/kestova/picture/making_time.h"
 #include "tools/kestova/process/confinement.h"
 #include "tools/kestova/process/interruption.h"
+#include "tools/kestova/recording/recorded_library.h"
+#include "tools/kestova/recording/recorder.h"
 #include "tools/kestova/reports/remarks.h"
 
 namespace {
@@ -37,6 +42,39 @@ class LogOutput {
     PrintableLines lines_;
     std::ostream shown_;
     std::ofstream file_;
+};
+
+constexpr const char* recordingNote =
+    " holds what the PC answered: serial numbers, labels, paths and all else that the library asked for";
+
+// What is between the library and the PC: nothing, or a tape.
+class TapeBetween {
+  public:
+    TapeBetween(const CommandLine& line, std::optional<OutputFile>& file, Replay* replay) {
+        if (file) {
+            file_ = file->Stream();
+            recorder_.emplace(file_, line.command + " " + Joined(line.arguments, " "), MakingTime());
+        }
+        if (recorder_) Put(*recorder_);
+        if (replay != nullptr) Put(*replay);
+    }
+    OperationWatch* Watch() { return operations_ ? &*operations_ : nullptr; }
+    // False if a line was not written.
+    bool Close() {
+        if (file_.is_open()) file_.close();
+        return !file_.fail();
+    }
+
+  private:
+    void Put(Tape& tape) {
+        operations_.emplace(tape);
+        library_.emplace(tape);
+    }
+
+    std::ofstream file_;
+    std::optional<Recorder> recorder_;
+    std::optional<TapedOperations> operations_;
+    std::optional<RecordedLibrary> library_;
 };
 
 // The last object, where something is added to it at the end.
@@ -154,12 +192,13 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     OpenedPc& pc = *opened;
     OutputFiles files = FindOutputFiles(line, pc.Inputs(), work.script);
     LogOutput log(line, files.log);
+    TapeBetween tape(line, files.record, work.replay);
     EndOpening();
     ConfineTo(WorkOn(line, work, pc.Inputs()));
     ShowNotes(line, pc.Notes());
     int status = Done;
     try {
-        Session session(pc, log.Stream(), line.choice.trace);
+        Session session(pc, log.Stream(), line.choice.trace, tape.Watch());
         status = RunOnObject(line, work, session);
     } catch (...) {
         ShowNotes(line, pc.LaterNotes());
@@ -171,6 +210,8 @@ int RunOnPc(const CommandLine& line, const PcWork& work) {
     if (line.choice.dryRun || (work.showChanges && !line.json)) ShowChanges(line, pc);
     ShowBackups(line, pc);
     if (!log.Close()) status = ShowProblem(line, line.log + ": cannot be written");
+    if (!tape.Close()) status = ShowProblem(line, line.choice.record + ": cannot be written");
+    if (files.record) ShowNote(line, line.choice.record + recordingNote);
     if (files.save || files.output) HoldInterruption();
     if (files.save) pc.Save(*files.save);
     if (work.output != nullptr) WriteOutput(*work.output, files);

@@ -9,6 +9,7 @@
 #include "tools/kestova/command_line/command_line.h"
 #include "tools/kestova/json/as_json.h"
 #include "tools/kestova/operations/session.h"
+#include "tools/kestova/recording/replay.h"
 #include "tools/kestova/reports/as_text.h"
 
 struct PcWork {
@@ -18,6 +19,7 @@ struct PcWork {
     bool showChanges = false;  // also without --dry-run
     std::string script = {};   // the file that the work was read from
     size_t operations = 1;
+    Replay* replay = nullptr;  // which answers the library in place of the PC; null: the PC does
     // What `run` makes for the file of --output, or for standard output; null: nothing.
     const std::string* output = nullptr;
     std::function<int(Session& session)> run;  // returns the exit status

@@ -46,6 +46,10 @@ inline Json ToJson(const Finding& finding) {
     return {{"code", finding.code}, {"text", finding.text}};
 }
 
+// Arguments and outputs by name, and a single value.
+Json ToJson(const Values& values);
+Json ToJson(const Value& value);
+
 // Of a structure of a report the two below find the function ToJson by its argument, for which it is static,
 // not in an unnamed namespace.
 

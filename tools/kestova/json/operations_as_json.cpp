@@ -8,29 +8,6 @@
 #include "tools/kestova/reports/call_words.h"
 #include "tools/kestova/reports/remarks.h"
 
-static Json ToJson(std::monostate) {
-    return nullptr;
-}
-
-static Json ToJson(const DriveRecord& record) {
-    return {{"iDiskNum", record.disk}, {"iPartNum", record.partition}, {"cDriveLetter", record.letter}};
-}
-
-static Json ToJson(const std::vector<DriveRecord>& records) {
-    return ListOf(records);
-}
-
-static Json ToJson(const Value& value) {
-    return std::visit([](const auto& held) { return ToJson(held); }, value);
-}
-
-static Json ToJson(const Values& values) {
-    Json json = Json::object();
-    for (const auto& [name, value] : values)
-        json[name] = ToJson(value);
-    return json;
-}
-
 static Json ToJson(const LogEntry& record) {
     return {{"level", record.level}, {"text", ToUtf8(record.Text())}};
 }

@@ -241,6 +241,7 @@ const std::vector<CommandOutput>& Outputs() {
         {"boot", operation},
         {"call", operation},
         {"run", operation},
+        {"replay", operation},
         {"recover", {recoverKeys}},
         {"repair-table", {repairTableKeys, backupsKey}},
         {"undo", {undoKeys, backupsKey}},

@@ -25,7 +25,6 @@ class Questions {
     std::string Problems() const;
 
     Session& On() { return session_; }
-    Kestova& Object() { return session_.Object(); }
 
   private:
     Session& session_;

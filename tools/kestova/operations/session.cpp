@@ -39,14 +39,19 @@ class Pause {
 void LogCollector::Write(const LogEntry& entry) {
     if (collects_) records_.push_back(entry);
     if (file_ != nullptr) *file_ << entry.level << '\t' << OneLine(ToUtf8(entry.Text())) << '\n';
+    if (watch_ != nullptr) watch_->Logs(entry);
 }
 
 std::vector<LogEntry> LogCollector::Take() {
     return std::exchange(records_, {});
 }
 
-Session::Session(OpenedPc& pc, std::ostream* log, bool traced)
-    : pc_(pc), traced_(traced), collector_(log), com_(std::make_unique<ComApartment>()) {
+Session::Session(OpenedPc& pc, std::ostream* log, bool traced, OperationWatch* watch)
+    : pc_(pc),
+      traced_(traced),
+      watch_(watch),
+      collector_(log, watch),
+      com_(std::make_unique<ComApartment>()) {
     if (FAILED(com_->Result())) {
         throw Failed("COM could not be initialised: CoInitializeEx answered " +
                      Hex(static_cast<ULONG>(com_->Result()), 8));
@@ -84,6 +89,10 @@ OperationReport Session::Ask(const Operation& operation, const Values& arguments
     return Call(operation, arguments);
 }
 
+int Session::AskNumber(const char* operation) {
+    return std::get<int>(Ask(FindOperation(operation), {}).result);
+}
+
 OperationReport Session::Destroy() {
     return Report(destruction, {}, [this](Values&) -> Value {
         object_.reset();
@@ -97,7 +106,9 @@ OperationReport Session::Report(const Operation& operation, const Values& argume
     pc_.TakeTrace();
     pc_.TakeStop();
     OperationReport report{.operation = &operation, .arguments = arguments, .showsTrace = traced_};
+    if (watch_ != nullptr) watch_->Begins(operation, arguments);
     report.result = action(report.outputs);
+    if (watch_ != nullptr) watch_->Ends(operation, report.result, report.outputs);
     report.log = collector_.Take();
     report.trace = pc_.TakeTrace();
     report.stoppedBefore = pc_.TakeStop();

@@ -39,6 +39,11 @@ std::unique_ptr<OpenedPc> OpenPc(const PcChoice& choice, Access access) {
     RefuseOnRealPc(choice.ledger, "--ledger");
     RefuseOnRealPc(!choice.faults.empty(), "--fail");
     RefuseOnRealPc(!choice.save.empty(), "--save");
+    if (choice.dryRun && !choice.record.empty()) {
+        throw WrongUse(
+            "--record and --dry-run cannot be given together for the PC that the program runs on; --pc names an "
+            "emulated one");
+    }
     if (access == Access::Change && !choice.yes && !choice.dryRun) Confirm();
     return OpenRealPc(choice.dryRun);
 }

@@ -32,6 +32,7 @@ struct PcChoice {
     std::string sectorSize;   // of the images' tables, in bytes; empty: as the table shows
     bool yes = false;         // disks of this computer may be changed without a question
     bool trace = false;
+    std::string record;  // file for a recording of the platform calls
     bool ledger = false;
     std::vector<std::string> faults;  // NAME[#N][+]=CODE
     std::string save;                 // description file to write afterwards

@@ -20,7 +20,7 @@ std::string ErrorText(uint32_t error) {
 // The disk that status shows; without an internal one the first.
 VolumePlace PlaceOf(Session& session, const FilePlace& place) {
     VolumePlace volume = place.volume;
-    if (place.isOnInternalDisk) volume.disk = std::max(session.Object().GetFirstInternalDriveNumber(), 0);
+    if (place.isOnInternalDisk) volume.disk = std::max(session.AskNumber("GetFirstInternalDriveNumber"), 0);
     return volume;
 }
 

@@ -52,12 +52,15 @@ bool IsStillLoaded() {
     return true;
 }
 
-LetterReport Translate(Kestova& object, const DriveRecord& record) {
+LetterReport Translate(Session& session, const DriveRecord& record) {
     LetterReport letter{.letter = record.letter};
-    const WCHAR here = object.GetDriveLetter(record.disk, record.partition);
+    const Value here =
+        session.Ask(FindOperation("GetDriveLetter"), {{"disk", record.disk}, {"partition", record.partition}})
+            .result;
     if (record.disk != unreadDisk) letter.disk = record.disk;
     if (record.partition != unreadPartition) letter.partition = record.partition;
-    if (here != noLetter) letter.here = here;
+    if (const char found = std::get<std::string>(here).front(); found != noLetter)
+        letter.here = static_cast<WCHAR>(found);
     return letter;
 }
 
@@ -68,7 +71,7 @@ LettersReport ReadLetters(Session& session) {
         session.Call(FindOperation("GetWinDriveLetters"), {{"count", mostLetters}});
     LettersReport letters;
     for (const DriveRecord& record : std::get<std::vector<DriveRecord>>(ValueOf(report.outputs, "records")))
-        letters.letters.push_back(Translate(session.Object(), record));
+        letters.letters.push_back(Translate(session, record));
     if (IsFailure(*report.operation, report.result)) {
         letters.problem = ProblemText(report.log);
     } else if (letters.letters.empty()) {

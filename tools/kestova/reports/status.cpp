@@ -128,10 +128,10 @@ std::string DiskName(int disk) {
 }
 
 std::string DiskStyle(Questions& questions) {
-    THardDiskType style = HARD_DISK_UNKNOWN;
-    questions.Object().GetDiskStyle(style);
-    if (style == HARD_DISK_MBR) return "MBR";
-    if (style == HARD_DISK_GPT) return "GPT";
+    const Values outputs = questions.On().Ask(FindOperation("GetDiskStyle"), {}).outputs;
+    const Value& style = ValueOf(outputs, "style");
+    if (style == Value(int{HARD_DISK_MBR})) return "MBR";
+    if (style == Value(int{HARD_DISK_GPT})) return "GPT";
     return "unknown";
 }
 
@@ -146,7 +146,7 @@ void Initialize(Questions& questions) {
 
 // The active partition, and the partitions with their volumes; `layout` is empty when it could not be read.
 void AddPartitions(int disk, const DiskLayout& layout, StatusReport& status, Questions& questions) {
-    const int active = questions.Object().GetActivePartitionNumber();
+    const int active = questions.On().AskNumber("GetActivePartitionNumber");
     if (active >= 0) status.activePartition = active;
     // The library returns the same for none and for one that it could not read.
     const bool isKnown = active >= 0 || (layout && std::ranges::none_of(*layout, IsActive));
@@ -159,7 +159,7 @@ void AddPartitions(int disk, const DiskLayout& layout, StatusReport& status, Que
 }
 
 void AddDisk(StatusReport& status, Questions& questions) {
-    const int disk = questions.Object().GetFirstInternalDriveNumber();
+    const int disk = questions.On().AskNumber("GetFirstInternalDriveNumber");
     if (disk < 0) {
         questions.AddUnread("no internal disk was found, or it could not be told");
         return;
