@@ -147,11 +147,11 @@ TEST_F(Survey, PcsThatCannotBeRead_AreLinesWithTheirErrors) {
 
 TEST_F(Survey, WorkerThatIsKilled_IsALineWithItsSignal_AndTheOthersAnswer) {
     WriteFile("long.txt", Repeated("SetRcvprtActive", 3000));
-    const Outcome outcome = Shell(
-        "'" KESTOVA_PROGRAM
-        "' survey lab/pc-000001.json lab/pc-000002.json --script long.txt --jobs 1 --quiet & "
-        "pid=$!; until read -r child _ </proc/$pid/task/$pid/children && test -n \"$child\"; do :; done; "
-        "kill -KILL \"$child\"; wait $pid");
+    const Outcome outcome =
+        Shell("'" KESTOVA_PROGRAM
+              "' survey lab/pc-000001.json lab/pc-000002.json --script long.txt --jobs 1 --quiet & "
+              "pid=$!; until child=$(cat /proc/$pid/task/$pid/children) && test -n \"$child\"; do :; done; "
+              "kill -KILL $child; wait $pid");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(Of(outcome.output, "pc['status'], len(pc['operations']), pc.get('error')"),
               "None 0 its worker was ended by signal 9 (Killed)\n" +
