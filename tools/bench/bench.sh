@@ -67,7 +67,7 @@ awk -F , -v flushes="$(wc -l <flushes)" 'NR > 1 {
     } END { printf "  %.2f times what the other two take together; %d flushes\n", time / others, flushes }' measured
 
 printf 'SetRcvprtActive\nSetSystemActive\n' >switch.txt
-kestova generate --count 1000 --output lab
+env kestova generate --count 1000 --output lab
 printf 'Switch there and back on 1000 described PCs\n'
 measure 3 '' 'kestova survey lab --script switch.txt --quiet --output /dev/null'
 awk -F , 'NR > 1 { printf "  %8.2f s  %.0f PCs a minute, %.2f ms of processor time for each\n", $(NF - 4), 60000 / $(NF - 4), $(NF - 3) + $(NF - 2) }' measured

@@ -146,7 +146,7 @@ TEST_F(Survey, PcsThatCannotBeRead_AreLinesWithTheirErrors) {
 }
 
 TEST_F(Survey, WorkerThatIsKilled_IsALineWithItsSignal_AndTheOthersAnswer) {
-    WriteFile("long.txt", Repeated("SetRcvprtActive", 3000));
+    WriteFile("long.txt", Repeated("SetRcvprtActive", 1000));
     const Outcome outcome =
         Shell("'" KESTOVA_PROGRAM
               "' survey lab/pc-000001.json lab/pc-000002.json --script long.txt --jobs 1 --quiet & "
@@ -155,7 +155,7 @@ TEST_F(Survey, WorkerThatIsKilled_IsALineWithItsSignal_AndTheOthersAnswer) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(Of(outcome.output, "pc['status'], len(pc['operations']), pc.get('error')"),
               "None 0 its worker was ended by signal 9 (Killed)\n" +
-                  Of(Line(outcome.output, 2), "pc['status'], 3001, None"));
+                  Of(Line(outcome.output, 2), "pc['status'], 1001, None"));
 }
 
 TEST_F(Survey, PcThatTakesTooLong_IsALineThatSaysSo_AndTheNextAnswers) {
@@ -168,7 +168,7 @@ TEST_F(Survey, PcThatTakesTooLong_IsALineThatSaysSo_AndTheNextAnswers) {
 }
 
 TEST_F(Survey, Interrupted_SaysHowToGoOn_AndResumeMakesTheWhole) {
-    WriteFile("long.txt", Repeated("SetRcvprtActive", 1000));
+    WriteFile("long.txt", Repeated("SetRcvprtActive", 100));
     const std::string survey = "'" KESTOVA_PROGRAM "' survey lab --script long.txt --jobs 2 --quiet -o ";
     const Outcome outcome = Shell(survey +
                                   "cut.jsonl & pid=$!; until test -s cut.jsonl; do :; done; kill -TERM $pid; "
