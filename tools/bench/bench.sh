@@ -66,6 +66,12 @@ awk -F , -v flushes="$(wc -l <flushes)" 'NR > 1 {
         if (NR < 4) others += time
     } END { printf "  %.2f times what the other two take together; %d flushes\n", time / others, flushes }' measured
 
+printf 'SetRcvprtActive\nSetSystemActive\n' >switch.txt
+env kestova generate --count 1000 --output lab
+printf 'Switch there and back on 1000 described PCs\n'
+measure 3 '' 'kestova survey lab --script switch.txt --quiet --output /dev/null'
+awk -F , 'NR > 1 { printf "  %8.2f s  %.0f PCs a minute, %.2f ms of processor time for each\n", $(NF - 4), 60000 / $(NF - 4), $(NF - 3) + $(NF - 2) }' measured
+
 truncate -s 2T huge.img
 printf 'label: gpt\ntype=E3C9E316-0B5C-4DB8-817D-F92DF00215AE, size=16MiB\ntype=EBD0A0A2-B9E5-4433-87C0-68B6B72699C7\n' |
     sfdisk --quiet huge.img

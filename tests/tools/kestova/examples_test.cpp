@@ -53,8 +53,10 @@ class ExamplesOfAPage : public ProgramTest, public testing::WithParamInterface<c
 TEST_P(ExamplesOfAPage, InTheirOrder_Run_WriteWhatThePageShows) {
     const std::vector<Example> examples = ExamplesOf(Text(GetParam()));
     EXPECT_FALSE(examples.empty());
+    // Programs that an example starts find it, too.
+    ASSERT_EQ(Shell("mkdir .programs && ln -s '" KESTOVA_PROGRAM "' .programs/kestova").status, 0);
     for (const Example& example : examples) {
-        const Outcome outcome = Shell("kestova() { '" KESTOVA_PROGRAM "' \"$@\"; } ; " + example.command);
+        const Outcome outcome = Shell("PATH=\"$PWD/.programs:$PATH\"; " + example.command);
         EXPECT_EQ(outcome.status, 0) << example.command;
         EXPECT_EQ(outcome.output + outcome.errors, example.output) << example.command;
     }
@@ -62,7 +64,19 @@ TEST_P(ExamplesOfAPage, InTheirOrder_Run_WriteWhatThePageShows) {
 
 INSTANTIATE_TEST_SUITE_P(Each, ExamplesOfAPage,
                          testing::Values("docs/operations.md", "docs/hazards.md", "docs/command-line.md",
-                                         "docs/recovery-partitions.md"));
+                                         "docs/recovery-partitions.md", "docs/survey.md"));
+
+// There is no Slurm here to run it.
+TEST_F(Examples, ScriptOfThePageOnSurveys_HasTheSyntaxOfBash) {
+    const std::string page = Text("docs/survey.md");
+    const std::string begin = "```bash\n";
+    const size_t at = page.find(begin);
+    ASSERT_NE(at, std::string::npos);
+    const size_t from = at + begin.size();
+    WriteFile("job.sh", page.substr(from, page.find("```", from) - from));
+    EXPECT_EQ(Shell("bash -n job.sh").status, 0);
+    EXPECT_THAT(ReadFile("job.sh"), HasSubstr("#SBATCH --array="));
+}
 
 TEST_F(Examples, EachOperation_OnThePage_HasAnExample) {
     const std::string page = Text("docs/operations.md");

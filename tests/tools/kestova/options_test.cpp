@@ -180,6 +180,7 @@ TEST_F(Json, Schema_EachCommand_IsThatOfItsOutput) {
         {"pcs", "pcs"},
         {"calls", "calls"},
         {"validate", "validate two.json script none.json"},
+        {"survey", "survey two.json none.json --quiet --script script"},
         {"compare", "compare factory-mbr two.json"},
     };
     WriteFile("script", "SetActive 3\nGetWinDriveLetters\n");

@@ -5,12 +5,12 @@
 #include <limits>
 
 #include "tools/kestova/command_line/command_functions.h"
-#include "tools/kestova/command_line/options.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/descriptions/comparison.h"
 #include "tools/kestova/descriptions/generation.h"
 #include "tools/kestova/descriptions/validation.h"
+#include "tools/kestova/options/options.h"
 #include "tools/kestova/process/confinement.h"
 
 namespace {

@@ -16,6 +16,9 @@ void ExpectInterruption(const LastWords& lastWords);
 // Before the first write: from here on they wait.
 void HoldInterruption();
 
+// In a process that was split off: from here on they end it, at once and without words.
+void ForgetInterruption();
+
 // What the program says last of one that waited, unless that the change had ended.
 void SayWhenInterrupted(const std::string& words);
 

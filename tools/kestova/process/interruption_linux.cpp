@@ -74,6 +74,14 @@ void HoldInterruption() {
     pthread_sigmask(SIG_BLOCK, &expected, nullptr);
 }
 
+void ForgetInterruption() {
+    const sigset_t expected = Expected();
+    for (const int number : signals) {
+        if (sigismember(&expected, number) == 1) signal(number, SIG_DFL);
+    }
+    pthread_sigmask(SIG_UNBLOCK, &expected, nullptr);
+}
+
 void SayWhenInterrupted(const std::string& words) {
     wordsAtEnd = words;
 }

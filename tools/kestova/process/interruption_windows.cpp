@@ -4,6 +4,8 @@ void ExpectInterruption(const LastWords&) {}
 
 void HoldInterruption() {}
 
+void ForgetInterruption() {}
+
 void SayWhenInterrupted(const std::string&) {}
 
 void StopIfInterrupted() {}

@@ -41,6 +41,8 @@ struct Worker {
                        const Descriptor& answering, bool mayBeEnded) {
     const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
     dup2(null, STDIN_FILENO);  // nobody is there to be asked
+    setpgid(0, 0);             // a terminal's signals are for the program that waits
+    ForgetInterruption();
     if (mayBeEnded) prctl(PR_SET_PDEATHSIG, SIGKILL);
     try {
         _exit(machine::WriteAll(answering.Number(), work(task)) ? Done : Failure);

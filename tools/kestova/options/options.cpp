@@ -1,6 +1,6 @@
 // The only source that includes CLI11, which takes seconds to compile.
 
-#include "tools/kestova/command_line/options.h"
+#include "tools/kestova/options/options.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
