@@ -17,6 +17,7 @@
 namespace {
 
 using nlohmann::json;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -125,8 +126,8 @@ std::string EveryOperation() {
 
 TEST_F(Recording, EachMachine_EachQuestionAndSwitch_ReplaysAsItWas) {
     for (const machine::NamedMachine& machine : machine::NamedMachines()) {
-        for (const char* const command :
-             {"status", "letters", "check", "boot recovery", "boot system", "--pe boot system"})
+        for (const char* const command : {"status", "letters", "check", "boot recovery", "boot system",
+                                          "--pe boot system", "call IsEFIBootSystem"})
             ExpectReplays("--pc " + std::string(machine.name) + " " + command);
     }
 }
@@ -202,6 +203,16 @@ TEST_F(Recording, AnswerChanged_Replay_LogsOtherwise) {
     EXPECT_THAT(outcome.errors, HasSubstr("; in GetActivePartitionNumber"));
     const size_t found = std::stoul(outcome.errors.substr(outcome.errors.find(':', 9) + 1));
     EXPECT_GT(found, line);
+}
+
+TEST_F(Recording, LastErrorChanged_Replay_NamesTheRecordBeforeTheDifference) {
+    Record("--pc factory-gpt call IsEFIBootSystem");
+    const size_t line = Change("GetFirmwareEnvironmentVariableW", "\"error\":998", "\"error\":5");
+    EXPECT_THAT(
+        Kestova("replay calls.jsonl").errors,
+        AllOf(StartsWith("kestova: calls.jsonl:" + std::to_string(line + 1) + ": recorded was {\"level\":4"),
+              HasSubstr("GetLastError = 5"),
+              EndsWith("; the last record before it: Kestova::IsEFIBootSystem\\u0009\\u0009Start\n")));
 }
 
 TEST_F(Recording, ResultChanged_Replay_IsADifference) {

@@ -58,8 +58,7 @@ Replay::Replay(std::istream& file, const std::string& name) : name_(name), lines
 }
 
 void Replay::Add(const Json& line) {
-    if (line.contains("text")) record_ = line["text"].get<std::string>();
-    Next(line);
+    if (Next(line) != nullptr && line.contains("text")) record_ = line["text"].get<std::string>();
 }
 
 const Json* Replay::Next(const Json& asked) {
