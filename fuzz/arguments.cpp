@@ -2,9 +2,9 @@
 #include <cstdint>
 #include <sstream>
 
+#include "tools/kestova/arguments/file_argument.h"
 #include "tools/kestova/command_line/command_line.h"
 #include "tools/kestova/command_line/commands.h"
-#include "tools/kestova/command_line/file_argument.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/operations/operations.h"
 #include "tools/kestova/pc/fault_option.h"

@@ -24,7 +24,7 @@ class Completion : public ProgramTest {
 };
 
 TEST_F(Completion, BeginningOfAWord_IsOfferedWhatFitsItsPlace) {
-    EXPECT_EQ(Words("s"), "status\n");
+    EXPECT_EQ(Words("s"), "status survey\n");
     EXPECT_EQ(Words("re"), "report replay recover repair-table\n");
     EXPECT_EQ(Words("boot ''"), "recovery system\n");
     EXPECT_EQ(Words("call SetR"), "SetRcvprtActive\n");

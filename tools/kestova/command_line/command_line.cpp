@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "tools/kestova/arguments/options.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/options/options.h"
 #include "tools/kestova/pc/images.h"
 
 namespace {

@@ -4,13 +4,13 @@
 #include <iostream>
 #include <limits>
 
+#include "tools/kestova/arguments/options.h"
 #include "tools/kestova/command_line/command_functions.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/descriptions/comparison.h"
 #include "tools/kestova/descriptions/generation.h"
 #include "tools/kestova/descriptions/validation.h"
-#include "tools/kestova/options/options.h"
 #include "tools/kestova/process/confinement.h"
 
 namespace {

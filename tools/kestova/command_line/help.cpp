@@ -102,10 +102,10 @@ const std::vector<CommandHelp>& CommandHelps() {
          "line, in the order of the PCs, and shows on standard error what came out how often. Images are not changed "
          "unless --write is given. Each PC has a process of its own; one that crashes or takes too long is a line with "
          "the key error, and status 1. On Linux only.",
-         {{"survey lab --script switch.txt >lab.jsonl", "every description and image of a folder"},
-          {"survey lab --script switch.txt -o lab.jsonl --resume", "go on after an interruption"},
-          {"survey lab --script switch.txt --against lab.jsonl -o new.jsonl", "what is different now"},
-          {"survey lab --script switch.txt --shard 2/8 -o 2.jsonl", "an eighth, on one of eight machines"}}},
+         {{"survey lab --script s.txt >lab.jsonl", "all in a folder"},
+          {"survey lab --script s.txt -o lab.jsonl --resume", "after an interruption"},
+          {"survey lab --script s.txt --against lab.jsonl", "what differs now"},
+          {"survey lab --script s.txt --shard 2/8", "an eighth of it"}}},
         {"validate",
          "Names everything that is wrong in files that describe a PC: file, line, column, place. Opens no image that "
          "they name. Values that contradict each other are named where each of them is right by itself.",

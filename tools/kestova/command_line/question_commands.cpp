@@ -4,11 +4,11 @@
 #include <iterator>
 
 #include "base/utf.h"
+#include "tools/kestova/arguments/file_argument.h"
 #include "tools/kestova/capture/anonymous.h"
 #include "tools/kestova/capture/captured_pc.h"
 #include "tools/kestova/capture/contents.h"
 #include "tools/kestova/command_line/command_functions.h"
-#include "tools/kestova/command_line/file_argument.h"
 #include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"

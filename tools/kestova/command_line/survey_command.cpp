@@ -4,13 +4,13 @@
 #include <iostream>
 #include <thread>
 
+#include "tools/kestova/arguments/options.h"
 #include "tools/kestova/command_line/command_functions.h"
 #include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/survey_results.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/terminal.h"
 #include "tools/kestova/json/as_json.h"
-#include "tools/kestova/options/options.h"
 #include "tools/kestova/process/interruption.h"
 #include "tools/kestova/survey/survey_inputs.h"
 #include "tools/kestova/survey/surveyed_pc.h"

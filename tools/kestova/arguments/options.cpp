@@ -1,6 +1,6 @@
 // The only source that includes CLI11, which takes seconds to compile.
 
-#include "tools/kestova/options/options.h"
+#include "tools/kestova/arguments/options.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "tools/kestova/command_line/file_argument.h"
+#include "tools/kestova/arguments/file_argument.h"
 
 #include <charconv>
 #include <optional>
