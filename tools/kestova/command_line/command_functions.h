@@ -26,6 +26,7 @@ int Undo(const CommandLine& line);
 // Descriptions of PCs.
 int Validate(const CommandLine& line);
 int Compare(const CommandLine& line);
+int Conform(const CommandLine& line);
 
 // What the program and its emulated PC come with.
 int ListOperations(const CommandLine& line);

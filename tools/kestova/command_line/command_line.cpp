@@ -33,6 +33,7 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
              {"--hash", "", "Show the SHA-256 of each file", &line.hash},
              {"--output,-o", "FILE|-", "Write the report there; '-' shows it", &line.output},
              {"--format", "html|markdown", "Of the report", &line.format},
+             {"--expect", "FILE", "Differences that are known, and why", &line.expect},
              {"--bytes", "", "Show sizes in bytes", &line.bytes, "--json"},
              {"--columns", "LIST", "Show these columns, separated by commas", &line.columns, "--json"},
              {"--quiet", "", "Show no notes and remarks, and of status the disks only", &line.quiet},

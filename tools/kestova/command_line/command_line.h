@@ -19,6 +19,7 @@ struct CommandLine {
     bool hash = false;
     std::string output;  // of `report`: a file, or "-"
     std::string format;  // of `report`
+    std::string expect;  // of `conform`: a file
     bool bytes = false;
     bool quiet = false;
     std::string columns;  // of `status`; empty: the usual ones

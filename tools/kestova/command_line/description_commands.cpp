@@ -1,12 +1,17 @@
-// The commands that work on descriptions of PCs as files.
+// The commands that work on descriptions of PCs.
 
 #include <algorithm>
 
 #include "tools/kestova/command_line/command_functions.h"
+#include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/terminal.h"
+#include "tools/kestova/conformance/conformance_text.h"
+#include "tools/kestova/conformance/questions.h"
 #include "tools/kestova/descriptions/comparison.h"
 #include "tools/kestova/descriptions/validation.h"
+#include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
 
 namespace {
@@ -14,6 +19,27 @@ namespace {
 // Anybody can have made the files, and reading them is all that is done.
 void ConfineToReading(const CommandLine& line) {
     ConfineTo({.operations = line.arguments.size()});
+}
+
+// The PC that the options choose.
+PcAnswers AskHere(const CommandLine& line) {
+    const std::unique_ptr<OpenedPc> pc = OpenPc(line.choice, Access::Ask);
+    EndOpening();
+    ConfineTo({.imageBytes = pc->Inputs().imageBytes, .operations = 2 * Questions().size()});
+    ShowNotes(line, pc->Notes());
+    return AskPc(*pc);
+}
+
+// With its trace, which shows what the operations call.
+PcAnswers AskEmulated(const CommandLine& line) {
+    const std::unique_ptr<OpenedPc> pc = OpenPc({.pc = line.arguments[0], .trace = true}, Access::Ask);
+    ShowNotes(line, pc->Notes());
+    return AskPc(*pc);
+}
+
+std::string NameOf(const PcChoice& choice) {
+    if (!choice.images.empty()) return Joined(choice.images, " ");
+    return choice.pc.empty() ? "this PC" : choice.pc;
 }
 
 }  // namespace
@@ -34,6 +60,19 @@ int Compare(const CommandLine& line) {
     const ComparisonReport report = ComparePcs(line.arguments[0], line.arguments[1]);
     Show(line, report);
     return report.differences.empty() ? Done : Failure;
+}
+
+int Conform(const CommandLine& line) {
+    const ExpectedDifferences expected =
+        line.expect.empty() ? ExpectedDifferences() : ReadExpectedDifferences(line.expect);
+    const PcAnswers here = AskHere(line);
+    ConformanceReport report = CompareAnswers(here, AskEmulated(line));
+    report.here = NameOf(line.choice);
+    report.emulated = line.arguments[0];
+    NoteExpected(expected, report);
+    ShowText(line, line.json ? AsJson(report) : ConformanceText(report, StandardOutput()));
+    ShowNotes(line, report.unmet);
+    return report.Unexpected() == 0 ? Done : Failure;
 }
 
 }  // namespace commands

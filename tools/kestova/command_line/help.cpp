@@ -90,6 +90,16 @@ const std::vector<CommandHelp>& CommandHelps() {
          "Says in which facts two PCs differ: machines that come with the tool, or descriptions. Their order in "
          "lists is not compared, and of an image that a description names only the path is. Exit status 1: they differ.",
          {{"compare factory-mbr pc.json", ""}}},
+        {"conform",
+         "Asks two PCs the same and says where their answers differ: every operation that changes nothing, and every "
+         "published call with arguments that the library uses and some that it does not. The first is the PC of the "
+         "options, on Windows the one that the program runs on; the other is a machine that comes with the tool, or a "
+         "description. Beside each call stand the operations that make it with these arguments. Nothing is changed. "
+         "Exit status 1: they differ.\n\n"
+         "Differences that are known can be listed in a file, a line each: a call or an operation, its arguments and "
+         "the reason, with a tab between them; a * stands for any text.",
+         {{"--pc factory-mbr conform pc.json", ""},
+          {"--pc pc.json --expect known.tsv conform pc.json", "only what is not known"}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},
         {"calls",

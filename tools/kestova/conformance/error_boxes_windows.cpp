@@ -1,0 +1,6 @@
+#include "platform/windows_api.h"
+#include "tools/kestova/conformance/error_boxes.h"
+
+void ShowNoErrorBoxes() {
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+}
