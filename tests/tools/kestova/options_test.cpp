@@ -181,6 +181,7 @@ TEST_F(Json, Schema_EachCommand_IsThatOfItsOutput) {
         {"calls", "calls"},
         {"validate", "validate two.json script none.json"},
         {"compare", "compare factory-mbr two.json"},
+        {"conform", "--pc factory-mbr conform two.json"},
     };
     WriteFile("script", "SetActive 3\nGetWinDriveLetters\n");
     ASSERT_EQ(Kestova("--pc factory-mbr --save two.json call SetActive 3").status, 0);

@@ -7,8 +7,8 @@
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/terminal.h"
+#include "tools/kestova/conformance/asked_operations.h"
 #include "tools/kestova/conformance/conformance_text.h"
-#include "tools/kestova/conformance/questions.h"
 #include "tools/kestova/descriptions/comparison.h"
 #include "tools/kestova/descriptions/validation.h"
 #include "tools/kestova/pc/images.h"
@@ -25,14 +25,17 @@ void ConfineToReading(const CommandLine& line) {
 PcAnswers AskHere(const CommandLine& line) {
     const std::unique_ptr<OpenedPc> pc = OpenPc(line.choice, Access::Ask);
     EndOpening();
-    ConfineTo({.imageBytes = pc->Inputs().imageBytes, .operations = 2 * Questions().size()});
+    ConfineTo({.imageBytes = pc->Inputs().imageBytes, .operations = 2 * AskedOperations().size()});
     ShowNotes(line, pc->Notes());
     return AskPc(*pc);
 }
 
 // With its trace, which shows what the operations call.
 PcAnswers AskEmulated(const CommandLine& line) {
-    const std::unique_ptr<OpenedPc> pc = OpenPc({.pc = line.arguments[0], .trace = true}, Access::Ask);
+    PcChoice choice;
+    choice.pc = line.arguments[0];
+    choice.trace = true;
+    const std::unique_ptr<OpenedPc> pc = OpenPc(choice, Access::Ask);
     ShowNotes(line, pc->Notes());
     return AskPc(*pc);
 }

@@ -6,28 +6,21 @@
 #include <vector>
 
 #include "tools/kestova/pc/opened_pc.h"
-
-// A published call that was made.
-struct CallAnswer {
-    std::string call;       // its published name
-    std::string arguments;  // in words
-    std::string answer;     // in words: the result, the last error where the call sets it, and the outputs
-    std::string inTrace;    // the call as the trace of an emulated PC shows it; empty for other PCs
-};
+#include "tools/kestova/probes/probes.h"
 
 // An operation of the library that changes nothing.
 struct OperationAnswer {
     std::string operation;
     std::string arguments;
-    std::string answer;            // result and outputs in words
-    std::vector<std::string> log;  // its records, each behind its level
+    std::string answer;                 // result and outputs in words
+    std::vector<std::string> log = {};  // its records, each behind its level
 };
 
 struct PcAnswers {
-    std::vector<CallAnswer> calls;
-    std::vector<OperationAnswer> operations;
+    std::vector<CallAnswer> calls = {};
+    std::vector<OperationAnswer> operations = {};
     // The operations that make a call, by the call as the trace of an emulated PC shows it; empty for others.
-    std::map<std::string, std::vector<std::string>> callers;
+    std::map<std::string, std::vector<std::string>> callers = {};
 };
 
 // Asks every operation that changes nothing, and makes every call of the probes. It has to be the PC that was

@@ -13,11 +13,11 @@ struct ConformanceDifference {
     std::string name;          // of the operation or the call
     std::string arguments;
     // Each PC's answer; nothing if it was not asked that, as it has no such disk, letter or object.
-    std::optional<std::string> here;
-    std::optional<std::string> emulated;
+    std::optional<std::string> here = {};
+    std::optional<std::string> emulated = {};
     // Operations that make this call, with the arguments that the trace shows.
-    std::vector<std::string> operations;
-    std::optional<std::string> expected;  // why it is known
+    std::vector<std::string> operations = {};
+    std::optional<std::string> expected = {};  // why it is known
 };
 
 struct ConformanceReport {

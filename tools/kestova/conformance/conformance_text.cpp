@@ -1,8 +1,8 @@
 #include "tools/kestova/conformance/conformance_text.h"
 
+#include "tools/kestova/common/display_width.h"
 #include "tools/kestova/common/fitted_table.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/common/text_differences.h"
 
 namespace {
 
@@ -20,8 +20,8 @@ std::string Differing(const ConformanceReport& report, bool isExpected, const Te
         if (IsOfBoth(difference) && expected.has_value() == isExpected)
             rows.push_back({{name},
                             {arguments},
-                            {AroundDifference(*here, *emulated)},
-                            {AroundDifference(*emulated, *here)},
+                            {CutAroundDifference(*here, *emulated)},
+                            {CutAroundDifference(*emulated, *here)},
                             {expected.value_or(Joined(operations, ", "))}});
     }
     if (rows.empty()) return "";
@@ -40,8 +40,9 @@ std::string OfOneOnly(const ConformanceReport& report, const std::string& name,
     std::vector<std::vector<Cell>> rows;
     for (const ConformanceDifference& difference : report.differences) {
         if (!IsOfBoth(difference) && difference.*answer)
-            rows.push_back(
-                {{difference.name}, {difference.arguments}, {AroundDifference(*(difference.*answer), "")}});
+            rows.push_back({{difference.name},
+                            {difference.arguments},
+                            {CutAroundDifference(*(difference.*answer), "")}});
     }
     if (rows.empty()) return "";
     return "Only " + name + " was asked:\n" +

@@ -5,8 +5,8 @@
 #include "base/utf.h"
 #include "machine/calls/documented_results.h"
 #include "machine/calls/result_codes.h"
+#include "tools/kestova/common/display_width.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/common/text_differences.h"
 #include "tools/kestova/reports/call_words.h"
 
 namespace {
@@ -204,8 +204,8 @@ std::string AsText(const ComparisonReport& report) {
         if (!left || !right) {
             text += "only in " + (left ? report.left : report.right) + "\n";
         } else {
-            text += AroundDifference(*left, *right) + " in " + report.left + ", " +
-                    AroundDifference(*right, *left) + " in " + report.right + "\n";
+            text += CutAroundDifference(*left, *right) + " in " + report.left + ", " +
+                    CutAroundDifference(*right, *left) + " in " + report.right + "\n";
         }
     }
     return text;

@@ -3,8 +3,8 @@
 #include "base/hexadecimal.h"
 #include "base/owners.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/probes.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 
 #include "base/owners.h"
 #include "platform/vds.h"
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/probes.h"
 
 // A service that never ends its list is not asked on and on.
 inline constexpr int longestList = 256;

@@ -1,5 +1,5 @@
 // A build with emulated PCs only, which show nothing.
 
-#include "tools/kestova/conformance/error_boxes.h"
+#include "tools/kestova/probes/error_boxes.h"
 
 void ShowNoErrorBoxes() {}

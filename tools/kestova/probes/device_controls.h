@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/windows_api.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/probes.h"
 
 // Asks the device each control that only reads, with output buffers of several sizes, the exact one among
 // them. `name` is what the arguments show for the handle.

@@ -1,7 +1,7 @@
 // Texts of paths, which are joined and cut.
 
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/probes.h"
 
 namespace {
 

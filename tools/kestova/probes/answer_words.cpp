@@ -1,4 +1,4 @@
-#include "tools/kestova/conformance/answer_words.h"
+#include "tools/kestova/probes/answer_words.h"
 
 #include <algorithm>
 

@@ -2,9 +2,9 @@
 
 #include "base/owners.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/device_controls.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/device_controls.h"
+#include "tools/kestova/probes/probes.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "tools/kestova/conformance/service_disks.h"
+#include "tools/kestova/probes/service_disks.h"
 
 #include <span>
 
 #include "base/guid.h"
 #include "base/hexadecimal.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/conformance/enumerations.h"
+#include "tools/kestova/probes/enumerations.h"
 
 namespace {
 

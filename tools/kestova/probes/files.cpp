@@ -1,8 +1,8 @@
 // Files and folders, by paths that the library looks at and some that are not there.
 
 #include "base/owners.h"
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/probes.h"
 
 namespace {
 

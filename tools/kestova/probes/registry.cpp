@@ -6,8 +6,8 @@
 #include "base/owners.h"
 #include "platform/start_options.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/probes.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // WMI: the disks with their controllers, and the volumes that can be encrypted.
 
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/management.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/management.h"
+#include "tools/kestova/probes/probes.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/vds.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/probes.h"
 
 // Asks everything of each disk of the list.
 void ProbeDisks(Probes& probes, const std::string& name, IEnumVdsObject& list, IVdsService& service);

@@ -7,7 +7,18 @@
 #include <vector>
 
 #include "base/wide_string.h"
-#include "tools/kestova/conformance/answers.h"
+#include "tools/kestova/pc/opened_pc.h"
+
+// A published call that was made.
+struct CallAnswer {
+    std::string call;          // its published name
+    std::string arguments;     // in words
+    std::string answer;        // in words: the result, the last error where the call sets it, and the outputs
+    std::string inTrace = {};  // the call as the trace of an emulated PC shows it; empty for other PCs
+};
+
+// "CreateFileW(\\\\.\\C:, 0x0)": a call of an emulated PC's trace.
+std::string InTrace(const machine::CallRecord& call);
 
 class Probes {
   public:
@@ -22,6 +33,10 @@ class Probes {
     std::vector<CallAnswer> calls_;
 };
 
+// Makes all of them, on the PC that was opened last. COM must be initialised, and its security set.
+std::vector<CallAnswer> MakeCalls(OpenedPc& pc);
+
+// The areas. Those below the line need COM.
 void ProbeLetters(Probes& probes);
 void ProbeDevices(Probes& probes);
 void ProbeFiles(Probes& probes);
@@ -30,7 +45,7 @@ void ProbeProfiles(Probes& probes);
 void ProbeRegistry(Probes& probes);
 void ProbeSystem(Probes& probes);
 void ProbeText(Probes& probes);
-// COM must be initialised for those below, and its security set.
+// ---
 void ProbeClasses(Probes& probes);
 void ProbeDiskService(Probes& probes);
 void ProbeEncryption(Probes& probes);

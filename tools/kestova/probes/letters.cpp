@@ -1,8 +1,8 @@
 // Drive letters, and the volumes behind them.
 
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/probes.h"
 
 namespace {
 

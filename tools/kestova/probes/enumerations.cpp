@@ -1,4 +1,4 @@
-#include "tools/kestova/conformance/enumerations.h"
+#include "tools/kestova/probes/enumerations.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/kestova/conformance/questions.h"
+#include "tools/kestova/conformance/asked_operations.h"
 
 #include <map>
 
@@ -23,16 +23,16 @@ const std::map<std::string, std::vector<Words>> wordsOf = {
     {"IsVistaOS", letters},
 };
 
-std::vector<Question> MakeQuestions() {
-    std::vector<Question> questions;
+std::vector<AskedOperation> MakeList() {
+    std::vector<AskedOperation> list;
     for (const Operation& operation : Operations()) {
         if (operation.changesPc) continue;
         const auto given = wordsOf.find(operation.name);
         const std::vector<Words> lists = given != wordsOf.end() ? given->second : std::vector<Words>{{}};
         for (const Words& words : lists)
-            questions.push_back({&operation, words, ReadArguments(operation, words)});
+            list.push_back({&operation, words, ReadArguments(operation, words)});
     }
-    return questions;
+    return list;
 }
 
 std::string Text(std::monostate) {
@@ -60,9 +60,9 @@ std::string Text(const Value& value) {
 
 }  // namespace
 
-const std::vector<Question>& Questions() {
-    static const std::vector<Question> questions = MakeQuestions();
-    return questions;
+const std::vector<AskedOperation>& AskedOperations() {
+    static const std::vector<AskedOperation> list = MakeList();
+    return list;
 }
 
 std::string AnswerWords(const OperationReport& report) {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/owners.h"
-#include "tools/kestova/conformance/probes.h"
+#include "tools/kestova/probes/probes.h"
 
 // Null if the namespace cannot be reached.
 ComPtr<IWbemServices> ProbeConnection(Probes& probes, const WCHAR* space);

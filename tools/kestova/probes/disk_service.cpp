@@ -1,8 +1,8 @@
 // The Virtual Disk Service: its providers, their packs, and the disks in them.
 
 #include "base/hexadecimal.h"
-#include "tools/kestova/conformance/enumerations.h"
-#include "tools/kestova/conformance/service_disks.h"
+#include "tools/kestova/probes/enumerations.h"
+#include "tools/kestova/probes/service_disks.h"
 
 namespace {
 

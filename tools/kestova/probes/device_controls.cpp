@@ -1,4 +1,4 @@
-#include "tools/kestova/conformance/device_controls.h"
+#include "tools/kestova/probes/device_controls.h"
 
 #include <cstddef>
 #include <cstring>
@@ -6,7 +6,7 @@
 #include "base/guid.h"
 #include "base/hexadecimal.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/conformance/answer_words.h"
+#include "tools/kestova/probes/answer_words.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #include "platform/windows_api.h"
-#include "tools/kestova/conformance/error_boxes.h"
+#include "tools/kestova/probes/error_boxes.h"
 
 void ShowNoErrorBoxes() {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);

@@ -1,11 +1,11 @@
-#include "tools/kestova/conformance/management.h"
+#include "tools/kestova/probes/management.h"
 
 #include <array>
 
 #include "base/hexadecimal.h"
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/conformance/answer_words.h"
-#include "tools/kestova/conformance/enumerations.h"
+#include "tools/kestova/probes/answer_words.h"
+#include "tools/kestova/probes/enumerations.h"
 
 namespace {
 

@@ -6,13 +6,13 @@
 
 #include "tools/kestova/operations/session.h"
 
-struct Question {
+struct AskedOperation {
     const Operation* operation;  // never null
     std::vector<std::string> words;
     Values arguments;
 };
 
-const std::vector<Question>& Questions();
+const std::vector<AskedOperation>& AskedOperations();
 
 // The result and the outputs: "1, letter \"E\"".
 std::string AnswerWords(const OperationReport& report);
