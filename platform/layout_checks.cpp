@@ -98,6 +98,16 @@ static_assert(offsetof(VDS_DISK_EXTENT, volumeId) == 40);
 static_assert(offsetof(VDS_DISK_EXTENT, plexId) == 56);
 static_assert(offsetof(VDS_DISK_EXTENT, memberIdx) == 72);
 
+static_assert(sizeof(VDS_PROVIDER_PROP) == Bits64Or32(64, 56));
+static_assert(offsetof(VDS_PROVIDER_PROP, id) == 0);
+static_assert(offsetof(VDS_PROVIDER_PROP, pwszName) == 16);
+static_assert(offsetof(VDS_PROVIDER_PROP, guidVersionId) == Bits64Or32(24, 20));
+static_assert(offsetof(VDS_PROVIDER_PROP, pwszVersion) == Bits64Or32(40, 36));
+static_assert(offsetof(VDS_PROVIDER_PROP, type) == Bits64Or32(48, 40));
+static_assert(offsetof(VDS_PROVIDER_PROP, ulFlags) == Bits64Or32(52, 44));
+static_assert(offsetof(VDS_PROVIDER_PROP, ulStripeSizeFlags) == Bits64Or32(56, 48));
+static_assert(offsetof(VDS_PROVIDER_PROP, sRebuildPriority) == Bits64Or32(60, 52));
+
 static_assert(sizeof(VDS_PACK_PROP) == Bits64Or32(32, 28));
 static_assert(offsetof(VDS_PACK_PROP, id) == 0);
 static_assert(offsetof(VDS_PACK_PROP, pwszName) == 16);

@@ -46,6 +46,10 @@ void CheckSlotsOfIVdsService() {
                    &IVdsService::ClearFlags);
 }
 
+void CheckSlotsOfIVdsProvider() {
+    CheckFromThree(&IVdsProvider::GetProperties);
+}
+
 void CheckSlotsOfIVdsSwProvider() {
     CheckFromThree(&IVdsSwProvider::QueryPacks, &IVdsSwProvider::CreatePack);
 }

@@ -17,6 +17,8 @@ inline constexpr GUID IID_IVdsServiceLoader = {
     0xe0393303, 0x90d4, 0x4a97, {0xab, 0x71, 0xe9, 0xb6, 0x71, 0xee, 0x27, 0x29}};
 inline constexpr GUID IID_IVdsService = {
     0x0818a8ef, 0x9ba9, 0x40d8, {0xa6, 0xf9, 0xe2, 0x28, 0x33, 0xcc, 0x77, 0x1e}};
+inline constexpr GUID IID_IVdsProvider = {
+    0x10c5e575, 0x7984, 0x4e81, {0xa5, 0x6b, 0x43, 0x1f, 0x5f, 0x92, 0xae, 0x42}};
 inline constexpr GUID IID_IVdsSwProvider = {
     0x9aa58360, 0xce33, 0x4f92, {0xb6, 0x58, 0xed, 0x24, 0xb1, 0x44, 0x25, 0xb8}};
 inline constexpr GUID IID_IVdsPack = {
@@ -92,6 +94,9 @@ using VDS_DISK_STATUS = int;
 using VDS_LUN_RESERVE_MODE = int;
 using VDS_HEALTH = int;
 using VDS_VOLUME_TYPE = int;
+using VDS_PROVIDER_TYPE = int;
+inline constexpr VDS_PROVIDER_TYPE VDS_PT_SOFTWARE = 1;
+inline constexpr ULONG VDS_PF_DYNAMIC = 1;
 inline constexpr VDS_DISK_STATUS VDS_DS_ONLINE = 1;
 inline constexpr VDS_HEALTH VDS_H_HEALTHY = 1;
 
@@ -179,6 +184,17 @@ struct VDS_DISK_EXTENT {
     ULONG memberIdx;
 };
 
+struct VDS_PROVIDER_PROP {
+    VDS_OBJECT_ID id;
+    LPWSTR pwszName;
+    GUID guidVersionId;
+    LPWSTR pwszVersion;
+    VDS_PROVIDER_TYPE type;
+    ULONG ulFlags;
+    ULONG ulStripeSizeFlags;
+    SHORT sRebuildPriority;
+};
+
 struct VDS_PACK_PROP {
     VDS_OBJECT_ID id;
     LPWSTR pwszName;
@@ -229,7 +245,6 @@ struct CHANGE_PARTITION_TYPE_PARAMETERS {
 struct VDS_SERVICE_PROP;
 struct VDS_DRIVE_LETTER_PROP;
 struct VDS_FILE_SYSTEM_TYPE_PROP;
-struct VDS_PROVIDER_PROP;
 struct VDS_INPUT_DISK;
 struct VDS_LUN_INFORMATION;
 struct VDS_REPARSE_POINT_PROP;
@@ -241,7 +256,6 @@ struct CREATE_PARTITION_PARAMETERS;
 // that a method returns.
 
 struct IVdsAsync;
-struct IVdsProvider;
 struct IVdsVolume;
 struct IVdsAdviseSink;
 
@@ -280,6 +294,10 @@ struct IVdsServiceLoader : IUnknown {
 };
 
 struct IVdsPack;
+
+struct IVdsProvider : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetProperties(VDS_PROVIDER_PROP* pProviderProp) = 0;
+};
 
 struct IVdsSwProvider : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE QueryPacks(IEnumVdsObject** ppEnum) = 0;

@@ -18,6 +18,9 @@ struct FaultRule {
     bool afterEffect = false;  // after its work; matters to calls that change the PC and to success codes
     uint32_t code = 0;         // a result code, a last error, or the returned value itself
     bool withOutputs = false;  // after its work, with its outputs; the caller releases what they hold
+    // Only calls with that first argument, as the journal has it: of all disks "disk 1"; empty: whatever it
+    // is.
+    std::optional<std::string> argument = {};
     std::optional<uint32_t> count = {};  // of an enumerator's Next: the number that it reports
 
     bool operator==(const FaultRule&) const = default;

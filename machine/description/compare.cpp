@@ -18,13 +18,14 @@ struct Kind {
     std::string_view list;
     std::string_view word;
     const char* key;
+    bool isOrdered;  // the order is a fact
 };
 
-constexpr Kind kinds[] = {{"packs", "pack", "name"},
-                          {"disks", "disk", "number"},
-                          {"partitions", "partition", "number"},
-                          {"volumes", "volume", "letters"},
-                          {"encryptableVolumes", "encryptable volume", "driveLetter"}};
+constexpr Kind kinds[] = {{"packs", "pack", "name", true},
+                          {"disks", "disk", "number", true},
+                          {"partitions", "partition", "number", true},
+                          {"volumes", "volume", "letters", false},
+                          {"encryptableVolumes", "encryptable volume", "driveLetter", true}};
 
 std::string TextOf(const Json& value) {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -35,6 +36,8 @@ using Sides = std::pair<const Json*, const Json*>;
 
 class Comparison {
   public:
+    explicit Comparison(ListOrder order) : order_(order) {}
+
     void Values(const std::string& place, Sides sides) {
         const auto [left, right] = sides;
         if (left != nullptr && right != nullptr && *left == *right) return;
@@ -54,6 +57,8 @@ class Comparison {
     std::vector<Difference> found;
 
   private:
+    const ListOrder order_;
+
     static bool AreBoth(Sides sides, bool (Json::*is)() const noexcept) {
         return sides.first != nullptr && sides.second != nullptr && (sides.first->*is)() &&
                (sides.second->*is)();
@@ -91,6 +96,11 @@ class Comparison {
         for (size_t i = 0; i < right.size(); ++i)
             if (find(left, leftNames, rightNames[i]) == nullptr)
                 Values(before + rightNames[i], {nullptr, &right[i]});
+        const bool isReordered =
+            leftNames != rightNames && std::ranges::is_permutation(leftNames, rightNames);
+        if (order_ == ListOrder::Compared && kind.isOrdered && isReordered)
+            found.push_back(
+                {before + std::string(kind.list) + ", order", TextOf(leftNames), TextOf(rightNames)});
     }
 
     // "disk 0"; "volume [1]" for one whose key does not tell it from the others.
@@ -122,10 +132,10 @@ Json Whole(const Pc& pc) {
 
 }  // namespace
 
-std::vector<Difference> Compare(const Pc& left, const Pc& right) {
+std::vector<Difference> Compare(const Pc& left, const Pc& right, ListOrder order) {
     const Json ofLeft = Whole(left);
     const Json ofRight = Whole(right);
-    Comparison comparison;
+    Comparison comparison(order);
     comparison.Values("", {&ofLeft, &ofRight});
     return comparison.found;
 }

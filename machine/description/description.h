@@ -50,10 +50,13 @@ struct Difference {
     std::optional<std::string> right;
 };
 
+// Whether the orders in which the PC lists disks, partitions, packs and encryptable volumes count.
+enum class ListOrder { Ignored, Compared };
+
 // All differences, in the order of a description. Disks, partitions, packs, volumes and encryptable volumes
-// are compared with those of the same number, name or letters, whatever their order; those without one, or
+// are compared with those of the same number, name or letters, wherever they stand; those without one, or
 // with one that others of their list have too, by their position. Of an image only its path is compared.
-std::vector<Difference> Compare(const Pc& left, const Pc& right);
+std::vector<Difference> Compare(const Pc& left, const Pc& right, ListOrder order = ListOrder::Ignored);
 
 // The JSON Schema of what ReadDescription takes, indented. What only the whole description shows, such as
 // partitions that overlap, it does not say.

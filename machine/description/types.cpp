@@ -28,6 +28,7 @@ constexpr Named shortDescriptorAnswers[] = {{"fills", Switches::ShortDescriptor:
                                             {"fails", Switches::ShortDescriptor::Fails}};
 constexpr Named busTypes[] = {{"unknown", 0}, {"scsi", 1}, {"atapi", 2}, {"ata", 3},   {"firewire", 4},
                               {"usb", 7},     {"raid", 8}, {"sas", 10},  {"sata", 11}, {"nvme", 17}};
+constexpr Named controllerKinds[] = {{"ide", ControllerKind::Ide}, {"scsi", ControllerKind::Scsi}};
 constexpr Named deviceTypes[] = {{"cd-rom", 2}, {"disk", 7}, {"dvd", 0x33}};
 constexpr Named extentTypes[] = {{"unknown", 0}, {"free", 1}, {"data", 2}, {"oem", 3},
                                  {"esp", 4},     {"msr", 5},  {"ldm", 6},  {"unusable", 0x7FFF}};
@@ -139,6 +140,8 @@ constexpr Field<Disk> diskFields[] = {
      member<&Disk::storageDescriptorSize, OrNull<Number<uint32_t>>>},
     {"controllers", "PNP device ids of the disk's controllers, nearest first", Optional,
      member<&Disk::controllers, ListOf<Text>>},
+    {"controllerKind", "the class that associates them with it", Optional,
+     member<&Disk::controllerKind, OrNull<Word<ControllerKind, controllerKinds>>>},
     {"partitions", "in the order of VDS", Optional,
      member<&Disk::partitions, ListOf<RecordOf<typeOfPartition>>>},
 };
@@ -240,6 +243,8 @@ constexpr Field<FaultRule> faultFields[] = {
     {"code", "what the call returns, by its kind", Required, member<&FaultRule::code, ErrorCode>},
     {"withOutputs", "the call does its work, fills its outputs as for a success, and then returns the code",
      Optional, member<&FaultRule::withOutputs, Flag>},
+    {"argument", "only calls with that first argument, as the trace shows it", Optional,
+     member<&FaultRule::argument, OrNull<Text>>},
     {"count", "only for the Next of an enumerator: the number of objects that it says it returned", Optional,
      member<&FaultRule::count, OrNull<Number<uint32_t>>>},
 };

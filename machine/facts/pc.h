@@ -112,6 +112,9 @@ struct WmiDisk {
     bool operator==(const WmiDisk&) const = default;
 };
 
+// The two classes that associate controllers with devices.
+enum class ControllerKind { Ide, Scsi };
+
 struct Disk {
     uint32_t number = 0;
     std::optional<std::string> vdsName;  // \\?\PhysicalDriveN; absent: a null name
@@ -130,6 +133,7 @@ struct Disk {
     Fact<uint32_t> storageBusType = uint32_t{11};   // IOCTL_STORAGE_QUERY_PROPERTY
     std::optional<uint32_t> storageDescriptorSize;  // bytes, of the same control; absent: as most devices
     std::vector<std::string> controllers;           // PNP device ids of its controllers, nearest first
+    std::optional<ControllerKind> controllerKind;   // absent: as the interface type in WMI says, if it does
     std::vector<Partition> partitions;              // in the order in which VDS lists them
     std::string image;                              // path of the image file; empty: a described disk
     std::shared_ptr<PartitionTable> table;          // receives changes of the table on an image

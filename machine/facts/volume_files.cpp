@@ -6,14 +6,15 @@
 #include "machine/facts/file_stores.h"
 #include "machine/facts/letters.h"
 #include "machine/facts/store_path.h"
+#include "machine/facts/volume_names.h"
 
 namespace machine {
 
 namespace {
 
 struct FullPath {
-    char drive = '\0';
-    std::string inner;  // path below the drive, with slashes
+    std::string volume;  // its name, upper case
+    std::string inner;   // path below its root, with slashes
 };
 
 // The path with "." and ".." resolved; ".." never leaves the root.
@@ -30,12 +31,11 @@ std::string Resolved(std::string_view path) {
 }
 
 uint32_t Split(std::string_view path, FullPath& full) {
-    if (path.starts_with("\\\\?\\") || path.starts_with("\\\\.\\")) path.remove_prefix(4);
-    if (path.empty()) return ERROR_PATH_NOT_FOUND;
-    if (path.size() < 2 || path[1] != ':') return ERROR_FILE_NOT_FOUND;
-    const std::string_view rest = path.substr(2);
+    const auto [volume, rest] = DividePath(path);
+    if (volume.empty() && rest.empty()) return ERROR_PATH_NOT_FOUND;
+    if (volume.empty()) return ERROR_FILE_NOT_FOUND;
     if (rest.find_first_of("<>\"|?*:") != std::string_view::npos) return ERROR_INVALID_NAME;
-    full = {UpperCase(path.substr(0, 1))[0], Resolved(rest)};
+    full = {UpperCase(volume), Resolved(rest)};
     return ERROR_SUCCESS;
 }
 
@@ -45,7 +45,7 @@ void Redirect(const Pc& pc, FullPath& full) {
     FullPath system;
     if (Split(pc.system.windowsDirectory + "/" + std::string(folder), system) != ERROR_SUCCESS) return;
     const size_t length = system.inner.size();
-    if (full.drive != system.drive || !SameName(full.inner.substr(0, length), system.inner)) return;
+    if (full.volume != system.volume || !SameName(full.inner.substr(0, length), system.inner)) return;
     if (full.inner.size() > length && full.inner[length] != '/') return;
     full.inner.replace(length - folder.size(), folder.size(), "SysWOW64");
 }
@@ -56,14 +56,15 @@ uint32_t Locate(const Pc& pc, bool redirects, std::string_view path, FullPath& f
     return error;
 }
 
-// The files of one drive letter: those beside the host application hide the volume's.
+// The files of one volume by one of its names: those beside the host application hide the volume's where the
+// application's own path has that name.
 class Drive {
   public:
-    Drive(Pc& pc, char letter) {
+    Drive(Pc& pc, const std::string& name) {
         FullPath program;
-        if (Split(pc.host.path, program) == ERROR_SUCCESS && program.drive == letter)
+        if (Split(pc.host.path, program) == ERROR_SUCCESS && program.volume == name)
             host_.emplace(program.inner, pc.host.files);
-        const LocatedVolume located = FindLetter(pc, letter);
+        const LocatedVolume located = FindVolume(pc, name);
         if (!located) return;
         volumeError_ = WhyUnreadable(*located.volume);
         tree_.emplace(located.volume->files);
@@ -111,7 +112,7 @@ uint32_t VolumeFiles::Find(std::string_view path, FileKind& kind) {
     kind = FileKind::None;
     FullPath full;
     if (const uint32_t error = Locate(pc_, redirects_, path, full); error != ERROR_SUCCESS) return error;
-    Drive drive(pc_, full.drive);
+    Drive drive(pc_, full.volume);
     kind = drive.KindOf(full.inner);
     return kind != FileKind::None ? uint32_t{ERROR_SUCCESS} : drive.WhyMissing(full.inner);
 }
@@ -122,13 +123,13 @@ uint32_t VolumeFiles::Read(std::string_view path, std::string& content) {
     if (kind == FileKind::Folder) return ERROR_ACCESS_DENIED;
     FullPath full;
     Locate(pc_, redirects_, path, full);
-    return Drive(pc_, full.drive).HolderOf(full.inner).Read(full.inner, content);
+    return Drive(pc_, full.volume).HolderOf(full.inner).Read(full.inner, content);
 }
 
 uint32_t VolumeFiles::Write(std::string_view path, std::string_view content) {
     FullPath full;
     if (const uint32_t error = Locate(pc_, redirects_, path, full); error != ERROR_SUCCESS) return error;
-    Drive drive(pc_, full.drive);
+    Drive drive(pc_, full.volume);
     if (const uint32_t error = drive.WhyUnwritable(full.inner); error != ERROR_SUCCESS) return error;
     return drive.HolderOf(full.inner).Write(full.inner, content);
 }
@@ -139,7 +140,7 @@ uint32_t VolumeFiles::Remove(std::string_view path) {
     if (kind == FileKind::Folder) return ERROR_ACCESS_DENIED;
     FullPath full;
     Locate(pc_, redirects_, path, full);
-    return Drive(pc_, full.drive).HolderOf(full.inner).Remove(full.inner);
+    return Drive(pc_, full.volume).HolderOf(full.inner).Remove(full.inner);
 }
 
 }  // namespace machine

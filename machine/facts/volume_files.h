@@ -10,8 +10,9 @@
 
 namespace machine {
 
-// Stateless: every call looks at the PC afresh. Paths have a drive, slashes or backslashes, and optionally
-// the prefix "\\\\?\\" or "\\\\.\\"; "." and ".." are resolved; case is ignored.
+// Stateless: every call looks at the PC afresh. Paths begin with the name of a volume as in
+// volume_names.h, have slashes or backslashes, and optionally the prefix "\\\\?\\" or "\\\\.\\"; "." and ".."
+// are resolved; case is ignored.
 //
 // The host application, its folder and the folders above it exist whatever the volumes contain. Files that
 // the facts list in that folder hide the volume's files of the same names; a new file there joins them.

@@ -112,7 +112,7 @@ R Answer(CallName call, std::vector<std::string> arguments, Body body, ULONG* co
     const Turn turn;
     EmulatedPc& pc = EmulatedPc::Current();
     const CallInfo& info = call.Info();
-    const FaultRule* const fault = pc.faults.Next(info.name);
+    const FaultRule* const fault = pc.faults.Next(info.name, arguments);
     const uint32_t code = fault != nullptr ? fault->code : 0;
     R result{};
     if (fault == nullptr || HasEffect(info, *fault)) result = body(pc);

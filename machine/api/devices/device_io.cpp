@@ -10,7 +10,7 @@ namespace {
 uint32_t Perform(EmulatedPc& pc, HANDLE handle, const DeviceControl* control, DeviceRequest& request) {
     const FileHandle* const file = FileHandles::Of(pc).Find(handle);
     if (file == nullptr) return ERROR_INVALID_HANDLE;
-    const bool isDevice = file->disk || file->letter != '\0';
+    const bool isDevice = file->disk || !file->volume.empty();
     if (control == nullptr || !isDevice) return ERROR_INVALID_FUNCTION;
     request.device = DeviceOf(pc, *file);
     const bool gone = request.device.volume == nullptr && request.device.disk == nullptr;

@@ -19,7 +19,7 @@ struct OpenFile {
 uint32_t Open(EmulatedPc& pc, HANDLE handle, DWORD access, OpenFile& file) {
     file.handle = FileHandles::Of(pc).Find(handle);
     if (file.handle == nullptr) return ERROR_INVALID_HANDLE;
-    if (file.handle->letter != '\0' || file.handle->disk) return ERROR_NOT_SUPPORTED;
+    if (!file.handle->volume.empty() || file.handle->disk) return ERROR_NOT_SUPPORTED;
     if ((file.handle->access & access) == 0) return ERROR_ACCESS_DENIED;
     return VolumeFiles(pc.facts).Read(file.handle->name, file.content);
 }

@@ -19,29 +19,33 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
     return true;
 }
 
-// The volume or disk that a device name after "\\\\.\\" opens: "C:", "PhysicalDrive0". Nothing for any
-// other text.
+// The volume or disk that a device name opens: "\\\\.\\C:", "\\\\?\\Volume{...}", "\\\\.\\PhysicalDrive0".
+// Nothing for any other text.
 std::optional<FileHandle> ParseDevice(std::string_view device) {
     FileHandle file;
-    if (device.size() == 2 && device[1] == ':') {
-        file.letter = UpperCase(device.substr(0, 1))[0];
+    const auto [volume, rest] = DividePath(device);
+    if (!TakePrefix(device, "\\\\.\\") && !TakePrefix(device, "\\\\?\\")) return std::nullopt;
+    if (!volume.empty() && rest.empty()) {
+        file.volume = UpperCase(volume);
         return file;
     }
     if (!TakePrefix(device, "PhysicalDrive")) return std::nullopt;
     uint32_t number = 0;
     const char* const end = device.data() + device.size();
-    const auto [rest, error] = std::from_chars(device.data(), end, number);
-    if (error != std::errc() || rest != end) return std::nullopt;
+    const auto [behind, error] = std::from_chars(device.data(), end, number);
+    if (error != std::errc() || behind != end) return std::nullopt;
     file.disk = number;
     return file;
 }
 
-uint32_t OpenDevice(EmulatedPc& pc, const FileHandle& file, DWORD shareMode, DWORD disposition) {
+uint32_t OpenDevice(EmulatedPc& pc, const FileHandle& file, DWORD access, DWORD shareMode,
+                    DWORD disposition) {
     if (disposition != OPEN_EXISTING) return ERROR_INVALID_PARAMETER;
     const LocatedVolume device = DeviceOf(pc, file);
     if (file.disk) return device.disk != nullptr ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
     if (!device) return ERROR_FILE_NOT_FOUND;
-    if (device.volume->openError != 0) return device.volume->openError;
+    const bool byLetter = file.volume.size() == 2;
+    if (device.volume->openError != 0 && (byLetter || access != 0)) return device.volume->openError;
     return (shareMode & FILE_SHARE_WRITE) != 0 ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
 }
 
@@ -63,12 +67,12 @@ std::string DispositionText(DWORD disposition) {
 
 }  // namespace
 
-// Opens an existing volume ("\\\\.\\C:"), physical disk ("\\\\.\\PhysicalDrive0") or file, and with
-// FILE_FLAG_BACKUP_SEMANTICS a folder. CREATE_ALWAYS creates a file or truncates an existing one.
-// INVALID_HANDLE_VALUE: error 2 or 3 if it does not exist, 5 for a folder, 19 for a write-protected medium,
-// 32 for a volume without FILE_SHARE_WRITE, 50 for a file with another disposition, 87 for a device with a
-// disposition other than OPEN_EXISTING, and the error from the volume's facts. The caller closes the handle
-// with CloseHandle.
+// Opens an existing volume ("\\\\.\\C:", or by another of its names), physical disk ("\\\\.\\PhysicalDrive0")
+// or file, and with FILE_FLAG_BACKUP_SEMANTICS a folder. CREATE_ALWAYS creates a file or truncates an
+// existing one. INVALID_HANDLE_VALUE: error 2 or 3 if it does not exist, 5 for a folder, 19 for a
+// write-protected medium, 32 for a volume without FILE_SHARE_WRITE, 50 for a file with another disposition,
+// 87 for a device with a disposition other than OPEN_EXISTING, and the error from the volume's facts. The
+// caller closes the handle with CloseHandle.
 extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode,
                                      LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
                                      HANDLE pattern) {
@@ -77,11 +81,9 @@ extern "C" HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode
     NoteUnshown("CreateFileW", [&] { return Arguments{Hex(flags), Presence(security), Presence(pattern)}; });
     HANDLE opened = INVALID_HANDLE_VALUE;
     const HANDLE answer = Answer<HANDLE>("CreateFileW", std::move(arguments), [&](EmulatedPc& pc) {
-        std::string_view device = path;
-        std::optional<FileHandle> file;
-        if (TakePrefix(device, "\\\\.\\") || TakePrefix(device, "\\\\?\\")) file = ParseDevice(device);
-        const uint32_t error =
-            file ? OpenDevice(pc, *file, shareMode, disposition) : OpenPath(pc, path, disposition, flags);
+        std::optional<FileHandle> file = ParseDevice(path);
+        const uint32_t error = file ? OpenDevice(pc, *file, access, shareMode, disposition)
+                                    : OpenPath(pc, path, disposition, flags);
         if (error != ERROR_SUCCESS) return Failure<HANDLE>(pc, FailsWith::InvalidHandle, error);
         if (!file) file.emplace();
         file->name = path;

@@ -68,6 +68,17 @@ extern "C" BOOL WINAPI PathFileExistsW(LPCWSTR path) {
     });
 }
 
+// TRUE for a folder and for the root of a readable volume. Errors are those of VolumeFiles; a file is none,
+// and sets no error.
+extern "C" BOOL WINAPI PathIsDirectoryW(LPCWSTR path) {
+    const std::string name = ToUtf8(path);
+    return Answer<BOOL>("PathIsDirectoryW", {name}, [&](EmulatedPc& pc) -> BOOL {
+        FileKind kind;
+        const BOOL found = Outcome(pc, FilesOf(pc).Find(name, kind));
+        return found && kind == FileKind::Folder ? BOOL{FILE_ATTRIBUTE_DIRECTORY} : FALSE;
+    });
+}
+
 // Joins in place; the buffer has MAX_PATH characters. An addition with a drive or server of its own
 // replaces the path; one with a single leading backslash does not. FALSE for a null argument, and, with the
 // path emptied, for a result that is too long.

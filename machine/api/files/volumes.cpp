@@ -3,16 +3,23 @@
 #include <algorithm>
 
 #include "machine/api/call/outcome.h"
-#include "machine/facts/letters.h"
+#include "machine/facts/volume_names.h"
 
 using namespace machine;
 
 namespace {
 
-// "C:\\"; "C:" where the platform also accepts it.
-bool IsRoot(const std::string& path, bool backslashRequired) {
-    if (path.size() == 2) return path[1] == ':' && !backslashRequired;
-    return path.size() == 3 && path[1] == ':' && path[2] == '\\';
+// The volume whose root the path is; the backslash of "C:\\" may be missing. None for any other path.
+LocatedVolume FindRoot(EmulatedPc& pc, std::string_view path) {
+    const auto [volume, rest] = DividePath(path);
+    if (volume.empty() || (!rest.empty() && rest != "\\")) return {};
+    return FindVolume(pc.facts, volume);
+}
+
+// Whether the path can be a root with its backslash.
+bool IsRoot(std::string_view path) {
+    const auto [volume, rest] = DividePath(path);
+    return !volume.empty() && rest == "\\";
 }
 
 // Copies the text with its terminator to the caller's buffer; error 234 if it does not fit.
@@ -36,8 +43,8 @@ struct VolumeAnswers {
 };
 
 uint32_t ReturnVolume(EmulatedPc& pc, const std::string& root, const VolumeAnswers& answers) {
-    if (!IsRoot(root, true)) return ERROR_INVALID_NAME;
-    const LocatedVolume located = FindLetter(pc.facts, root[0]);
+    if (!IsRoot(root)) return ERROR_INVALID_NAME;
+    const LocatedVolume located = FindRoot(pc, root);
     if (!located) return ERROR_PATH_NOT_FOUND;
     const Volume& volume = *located.volume;
     if (!volume.label.value) return volume.label.error;
@@ -58,8 +65,7 @@ extern "C" UINT WINAPI GetDriveTypeW(LPCWSTR root) {
     const std::string path =
         root != nullptr ? ToUtf8(root) : EmulatedPc::Current().facts.host.path.substr(0, 2);
     return Answer<UINT>("GetDriveTypeW", {path}, [&](EmulatedPc& pc) -> UINT {
-        if (!IsRoot(path, false)) return DRIVE_NO_ROOT_DIR;
-        const LocatedVolume located = FindLetter(pc.facts, path[0]);
+        const LocatedVolume located = FindRoot(pc, path);
         return static_cast<UINT>(located ? located.volume->driveType : DriveType::NoRoot);
     });
 }

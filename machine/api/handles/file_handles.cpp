@@ -15,7 +15,7 @@ std::string NameOf(EmulatedPc& pc, const void* handle) {
 
 LocatedVolume DeviceOf(EmulatedPc& pc, const FileHandle& file) {
     if (file.disk) return {nullptr, nullptr, FindDisk(pc.facts, *file.disk)};
-    return file.letter != '\0' ? FindLetter(pc.facts, file.letter) : LocatedVolume();
+    return !file.volume.empty() ? FindVolume(pc.facts, file.volume) : LocatedVolume();
 }
 
 }  // namespace machine

@@ -5,15 +5,15 @@
 #include <string>
 
 #include "machine/api/call/handle_table.h"
-#include "machine/facts/letters.h"
+#include "machine/facts/volume_names.h"
 
 namespace machine {
 
 struct FileHandle {
     static constexpr const char* kind = "file handle";
     std::string name;              // the name it was opened with
-    char letter = '\0';            // of a volume
-    std::optional<uint32_t> disk;  // number of a physical disk; a file or folder has neither disk nor letter
+    std::string volume;            // its name as in volume_names.h
+    std::optional<uint32_t> disk;  // number of a physical disk; a file or folder has neither disk nor volume
     DWORD access = 0;
     size_t position = 0;  // offset of the next read or write in a file
 };

@@ -16,7 +16,7 @@ VdsService& VdsObjects::Service(EmulatedPc& pc) {
 
 VdsProvider& VdsObjects::Provider(EmulatedPc& pc, bool dynamic) {
     VdsProvider*& provider = providers_[dynamic];
-    if (provider == nullptr) provider = &MakeObject<VdsProvider>(pc, dynamic);
+    if (provider == nullptr) provider = &MakeObject<VdsProvider>(pc, dynamic, NextId());
     return *provider;
 }
 

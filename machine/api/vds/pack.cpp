@@ -47,14 +47,32 @@ std::string PackText(const PackKey& key) {
 
 }  // namespace
 
+HRESULT VdsProvider::GetProperties(VDS_PROVIDER_PROP* properties) {
+    Empty(properties);
+    return AsProvider::Call("IVdsProvider::GetProperties", {dynamic_ ? "dynamic" : "basic"},
+                            [&](EmulatedPc& pc) {
+                                if (properties == nullptr) return E_POINTER;
+                                const auto lend = [&](const char* text) {
+                                    return LendText(pc, "VDS_PROVIDER_PROP string", text);
+                                };
+                                properties->id = id_;
+                                properties->pwszName = lend(dynamic_ ? "Dynamic provider" : "Basic provider");
+                                properties->pwszVersion = lend("10.0");
+                                properties->type = VDS_PT_SOFTWARE;
+                                properties->ulFlags = dynamic_ ? VDS_PF_DYNAMIC : 0;
+                                return S_OK;
+                            });
+}
+
 HRESULT VdsProvider::QueryPacks(IEnumVdsObject** enumerator) {
     Empty(enumerator);
-    return Call("IVdsSwProvider::QueryPacks", {dynamic_ ? "dynamic" : "basic"}, [&](EmulatedPc& pc) {
-        std::vector<ComObject*> packs;
-        for (const PackKey& key : PacksOf(pc.facts, dynamic_))
-            packs.push_back(&VdsObjects::Of(pc).PackObject(pc, key));
-        return HandOutList(pc, std::move(packs), enumerator);
-    });
+    return AsSwProvider::Call("IVdsSwProvider::QueryPacks", {dynamic_ ? "dynamic" : "basic"},
+                              [&](EmulatedPc& pc) {
+                                  std::vector<ComObject*> packs;
+                                  for (const PackKey& key : PacksOf(pc.facts, dynamic_))
+                                      packs.push_back(&VdsObjects::Of(pc).PackObject(pc, key));
+                                  return HandOutList(pc, std::move(packs), enumerator);
+                              });
 }
 
 HRESULT VdsPack::GetProperties(VDS_PACK_PROP* properties) {

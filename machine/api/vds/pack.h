@@ -9,16 +9,28 @@ namespace machine {
 
 // The basic provider lists the implicit packs of disks and the named packs that are not dynamic; the
 // dynamic one lists the others.
-class VdsProvider final : public ComObject, public ComInterface<Uncalled<IVdsSwProvider>> {
+class VdsProvider final : public ComObject,
+                          public ComInterface<Uncalled<IVdsProvider>>,
+                          public ComInterface<Uncalled<IVdsSwProvider>> {
   public:
-    explicit VdsProvider(bool dynamic)
-        : ComInterface(*this, IID_IVdsSwProvider, "IVdsSwProvider"), dynamic_(dynamic) {}
+    VdsProvider(bool dynamic, const Guid& id)
+        : AsProvider(*this, IID_IVdsProvider, "IVdsProvider"),
+          AsSwProvider(*this, IID_IVdsSwProvider, "IVdsSwProvider"),
+          dynamic_(dynamic),
+          id_(id) {}
+
+    // The caller frees name and version ("VDS_PROVIDER_PROP string").
+    HRESULT STDMETHODCALLTYPE GetProperties(VDS_PROVIDER_PROP* properties) override;
 
     // Packs in the order of their first disks, then those without disks.
     HRESULT STDMETHODCALLTYPE QueryPacks(IEnumVdsObject** enumerator) override;
 
   private:
+    using AsProvider = ComInterface<Uncalled<IVdsProvider>>;
+    using AsSwProvider = ComInterface<Uncalled<IVdsSwProvider>>;
+
     const bool dynamic_;
+    const Guid id_;
 };
 
 class VdsPack final : public ComObject, public ComInterface<Uncalled<IVdsPack>> {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/text_case.h"
+#include "machine/facts/wmi_disks.h"
 
 namespace machine {
 
@@ -10,27 +10,11 @@ namespace {
 
 using Rows = std::vector<std::vector<WmiValue>>;
 
-// The disks that WMI lists: first those in the PC's `wmiOrder`, then the others in the PC's order.
-std::vector<const Disk*> ListedDisks(const Pc& pc) {
-    std::vector<const Disk*> disks;
-    const auto add = [&](const Disk& disk) {
-        if (disk.wmi && std::find(disks.begin(), disks.end(), &disk) == disks.end()) disks.push_back(&disk);
-    };
-    for (const uint32_t number : pc.wmiOrder) {
-        for (const Disk& disk : pc.disks) {
-            if (disk.number == number) add(disk);
-        }
-    }
-    for (const Disk& disk : pc.disks)
-        add(disk);
-    return disks;
-}
-
 Rows DiskDrives(const Pc& pc) {
     Rows rows;
-    for (const Disk* disk : ListedDisks(pc)) {
+    for (const Disk* disk : DisksOfWmi(pc)) {
         rows.push_back({TextOrAbsent(disk->wmi->deviceId), TextOrAbsent(disk->wmi->pnpDeviceId),
-                        TextOrAbsent(disk->wmi->interfaceType)});
+                        TextOrAbsent(disk->wmi->interfaceType), static_cast<int32_t>(disk->number)});
     }
     return rows;
 }
@@ -43,13 +27,12 @@ WmiValue PathTo(std::string_view className, std::string_view deviceId) {
     return path + "\"";
 }
 
-// One row per hop from each disk of that interface to its topmost controller. A hop that several disks
-// share has one row.
-Rows ControllerLinks(const Pc& pc, std::string_view interfaceType, std::string_view controllerClass) {
+// One row per hop from each disk of that kind to its topmost controller. A hop that several disks share has
+// one row.
+Rows ControllerLinks(const Pc& pc, ControllerKind kind, std::string_view controllerClass) {
     Rows rows;
-    for (const Disk* disk : ListedDisks(pc)) {
-        if (!disk->wmi->pnpDeviceId || !SameName(disk->wmi->interfaceType.value_or(""), interfaceType))
-            continue;
+    for (const Disk* disk : DisksOfWmi(pc)) {
+        if (!disk->wmi->pnpDeviceId || KindOfControllers(*disk) != kind) continue;
         std::string device = *disk->wmi->pnpDeviceId;
         for (const std::string& controller : disk->controllers) {
             std::vector<WmiValue> row = {PathTo(controllerClass, controller),
@@ -66,16 +49,16 @@ Rows ControllerLinks(const Pc& pc, std::string_view interfaceType, std::string_v
 std::vector<WmiClass> DiskClasses() {
     const char* const space = "root\\cimv2";
     return {
-        {space, "Win32_DiskDrive", {"DeviceID", "PNPDeviceID", "InterfaceType"}, DiskDrives, {}},
+        {space, "Win32_DiskDrive", {"DeviceID", "PNPDeviceID", "InterfaceType", "Index"}, DiskDrives, {}},
         {space,
          "Win32_IDEControllerDevice",
          {"Antecedent", "Dependent"},
-         [](const Pc& pc) { return ControllerLinks(pc, "IDE", "Win32_IDEController"); },
+         [](const Pc& pc) { return ControllerLinks(pc, ControllerKind::Ide, "Win32_IDEController"); },
          {}},
         {space,
          "Win32_SCSIControllerDevice",
          {"Antecedent", "Dependent"},
-         [](const Pc& pc) { return ControllerLinks(pc, "SCSI", "Win32_SCSIController"); },
+         [](const Pc& pc) { return ControllerLinks(pc, ControllerKind::Scsi, "Win32_SCSIController"); },
          {}},
     };
 }

@@ -76,4 +76,17 @@ TEST(Compare, DisksAndPartitionsInAnotherOrder_AreComparedByNumber) {
     EXPECT_FALSE(Compare(after, before)[0].left.has_value());
 }
 
+TEST(Compare, OrderThatCounts_IsADifferenceOfItsOwn) {
+    const Pc before = WinPeTwoDisks();
+    Pc after = before;
+    std::ranges::reverse(after.disks);
+    const std::vector<Difference> found = Compare(before, after, ListOrder::Compared);
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].place, "disks, order");
+    EXPECT_EQ(found[0].left, "[\"disk 0\",\"disk 1\"]");
+    EXPECT_EQ(found[0].right, "[\"disk 1\",\"disk 0\"]");
+    std::ranges::reverse(after.volumes);
+    EXPECT_EQ(Compare(before, after, ListOrder::Compared).size(), 1u);
+}
+
 }  // namespace

@@ -90,7 +90,7 @@ TEST(DescriptionPage, Example_ReadsAndReadsBackTheSame) {
     EXPECT_EQ(pc.name, "workshop");
     EXPECT_EQ(pc.disks.size(), 4u);
     EXPECT_EQ(pc.volumes.size(), 2u);
-    EXPECT_EQ(pc.faults.size(), 3u);
+    EXPECT_EQ(pc.faults.size(), 4u);
     EXPECT_TRUE(ReadDescription(WriteDescription(pc), "example.json") == pc);
 }
 

@@ -177,8 +177,8 @@ ScsiAddress Generator::MakeScsiAddress() {
 Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
     Disk disk;
     auto& [number, vdsName, deviceType, busType, size, sectorSize, style, signature, guid, pack, unallocated,
-           wmi, location, scsiAddress, storageBusType, storageDescriptorSize, controllers, partitions, image,
-           table, medium] = disk;
+           wmi, location, scsiAddress, storageBusType, storageDescriptorSize, controllers, controllerKind,
+           partitions, image, table, medium] = disk;
     number = index;
     vdsName = ValueOrNothing<std::string>([&] { return Text(); });
     deviceType = OneOf<uint32_t>({7, 2, 0x33, 1});
@@ -192,6 +192,9 @@ Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
     storageDescriptorSize = ValueOrNothing<uint32_t>([&] { return 8 + static_cast<uint32_t>(Below(100)); });
     for (uint64_t left = Below(3); left > 0; --left)
         controllers.push_back(Text());
+    controllerKind = ValueOrNothing<ControllerKind>([&] {
+        return OneOf({ControllerKind::Ide, ControllerKind::Scsi});
+    });
     if (Sometimes()) image = "folder/disk" + std::to_string(index) + ".img";
     static_cast<void>(table);
     static_cast<void>(sectorSize);  // of an image
@@ -209,13 +212,14 @@ Disk Generator::MakeDisk(uint32_t index, const std::vector<Pack>& packs) {
 
 FaultRule Generator::MakeFault() {
     FaultRule rule;
-    auto& [call, nth, onwards, afterEffect, code, withOutputs, count] = rule;
+    auto& [call, nth, onwards, afterEffect, code, withOutputs, argument, count] = rule;
     call = Sometimes() ? anyCall : AllCalls()[Below(AllCalls().size())].name;
     nth = Number<uint32_t>();
     onwards = Sometimes();
     afterEffect = Sometimes();
     code = Number<uint32_t>();
     withOutputs = Sometimes();
+    argument = ValueOrNothing<std::string>([&] { return Text(); });
     if (call.ends_with("::Next")) count = ValueOrNothing<uint32_t>([&] { return Number<uint32_t>(); });
     return rule;
 }

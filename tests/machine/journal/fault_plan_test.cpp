@@ -89,3 +89,24 @@ TEST(FaultPlan, Disarmed_FailsNoCallAndResetsTheCount) {
     EXPECT_EQ(plan.Next("CreateFileW"), nullptr);
     EXPECT_EQ(plan.Fired(), 0);
 }
+
+TEST(FaultPlan, RuleWithAnArgument_FailsAndCountsOnlyCallsThatHaveIt) {
+    const std::vector<std::string> first = {"disk 0", "5"};
+    const std::vector<std::string> second = {"disk 1", "5"};
+    FaultPlan plan(Rules{{.call = "IVdsDisk::GetProperties", .nth = 2, .code = 5, .argument = "disk 1"}});
+    EXPECT_EQ(plan.Next("IVdsDisk::GetProperties", second), nullptr);
+    EXPECT_EQ(plan.Next("IVdsDisk::GetProperties", first), nullptr);
+    EXPECT_EQ(plan.Next("IVdsDisk::QueryExtents", second), nullptr);
+    EXPECT_EQ(plan.Next("IVdsDisk::GetProperties"), nullptr);
+    EXPECT_NE(plan.Next("IVdsDisk::GetProperties", second), nullptr);
+    EXPECT_EQ(plan.Next("IVdsDisk::GetProperties", second), nullptr);
+    EXPECT_EQ(plan.Calls("IVdsDisk::GetProperties"), 5u);
+}
+
+TEST(FaultPlan, RuleWithAnArgumentBehindOneWithout_IsCountedAlsoWhileThatApplies) {
+    const std::vector<std::string> disk = {"disk 1"};
+    FaultPlan plan(Rules{{.call = "IVdsDisk::GetProperties", .nth = 1, .code = 5},
+                         {.call = "IVdsDisk::GetProperties", .nth = 2, .code = 6, .argument = "disk 1"}});
+    EXPECT_EQ(plan.Next("IVdsDisk::GetProperties", disk)->code, 5u);
+    EXPECT_EQ(plan.Next("IVdsDisk::GetProperties", disk)->code, 6u);
+}

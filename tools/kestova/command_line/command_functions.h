@@ -12,6 +12,7 @@ int Letters(const CommandLine& line);
 int Files(const CommandLine& line);
 int Check(const CommandLine& line);
 int Report(const CommandLine& line);
+int Capture(const CommandLine& line);
 
 // Operations of the class.
 int Boot(const CommandLine& line);

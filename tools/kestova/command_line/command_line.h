@@ -21,6 +21,8 @@ struct CommandLine {
     std::string format;  // of `report`
     std::string expect;  // of `conform`: a file
     bool bytes = false;
+    bool anonymous = false;
+    bool seen = false;  // of `compare`: only what a system can show
     bool quiet = false;
     std::string columns;  // of `status`; empty: the usual ones
     bool help = false;

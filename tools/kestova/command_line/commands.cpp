@@ -18,14 +18,16 @@ struct OptionUser {
     int (*command)(const CommandLine& line);
 };
 
-constexpr OptionUser usedByFew[] = {{"--output", Report}, {"--format", Report}, {"--expect", Conform},
-                                    {"--hash", Files},    {"--bytes", Status},  {"--columns", Status}};
+constexpr OptionUser usedByFew[] = {{"--output", Report},  {"--output", Capture}, {"--anonymous", Capture},
+                                    {"--expect", Conform}, {"--seen", Compare},   {"--format", Report},
+                                    {"--hash", Files},     {"--bytes", Status},   {"--columns", Status}};
 
 constexpr OptionUser notUsedBy[] = {
-    {"--json", Report},         {"--dry-run", Check},        {"--dry-run", Report},  {"--ledger", Recover},
-    {"--ledger", RepairTables}, {"--ledger", Undo},          {"--ledger", Report},   {"--ledger", Conform},
-    {"--fail", Conform},        {"--save", Conform},         {"--dry-run", Conform}, {"--log", Conform},
-    {"--overwrite", Conform},   {"--no-initialize", Conform}};
+    {"--json", Capture},         {"--dry-run", Capture}, {"--ledger", Capture}, {"--json", Report},
+    {"--dry-run", Check},        {"--dry-run", Report},  {"--ledger", Recover}, {"--ledger", RepairTables},
+    {"--ledger", Undo},          {"--ledger", Report},   {"--ledger", Conform}, {"--fail", Conform},
+    {"--save", Conform},         {"--dry-run", Conform}, {"--log", Conform},    {"--overwrite", Conform},
+    {"--no-initialize", Conform}};
 
 constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
                                            "--force-dirty"};
@@ -58,7 +60,7 @@ bool Uses(const Command& command, const std::string& option) {
 
 bool Concerns(const Command& command, const std::string& option) {
     if (!Uses(command, option)) return false;
-    const auto questions = {Status, Letters, Files, Check, Report, Conform};
+    const auto questions = {Status, Letters, Files, Check, Report, Capture, Conform};
     const bool asks = std::ranges::count(questions, command.run) != 0;
     return !asks || std::ranges::count(forChanges, option) == 0 || IsIn(rehearsedBy, command, option);
 }
@@ -73,6 +75,7 @@ const std::vector<Command>& Commands() {
         {"check", "", "Whether this PC can boot its recovery partition and come back", 0, 0, true, false,
          Check},
         {"report", "", "All of that and the log as a page to attach to a ticket", 0, 0, true, false, Report},
+        {"capture", "", "This PC as a description, to look at elsewhere", 0, 0, true, false, Capture},
         {"boot", "recovery|system", "Choose what it boots", 1, 1, true, true, Boot},
         {"call", "OPERATION [ARG...]", "Any public operation of the class, by its own name", 1, any, true,
          true, Call},
@@ -84,7 +87,8 @@ const std::vector<Command>& Commands() {
          false, RepairTables},
         {"validate", "FILE...", "All mistakes in descriptions of PCs", 1, any, false, false, Validate},
         {"compare", "PC PC", "Where two described PCs differ", 2, 2, false, false, Compare},
-        {"conform", "PC", "Where this PC answers otherwise than an emulated one", 1, 1, true, false, Conform},
+        {"conform", "[PC]", "Where this PC answers otherwise than an emulated one", 0, 1, true, false,
+         Conform},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},

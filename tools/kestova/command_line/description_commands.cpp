@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tools/kestova/capture/captured_pc.h"
 #include "tools/kestova/command_line/command_functions.h"
 #include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/run_on_pc.h"
@@ -21,23 +22,33 @@ void ConfineToReading(const CommandLine& line) {
     ConfineTo({.operations = line.arguments.size()});
 }
 
-// The PC that the options choose.
-PcAnswers AskHere(const CommandLine& line) {
+// What was found out about the PC that the options choose.
+struct AskedPc {
+    PcAnswers answers;
+    std::string capture;  // its description; empty if another PC was named
+};
+
+AskedPc AskHere(const CommandLine& line) {
     const std::unique_ptr<OpenedPc> pc = OpenPc(line.choice, Access::Ask);
     EndOpening();
     ConfineTo({.imageBytes = pc->Inputs().imageBytes, .operations = 2 * AskedOperations().size()});
     ShowNotes(line, pc->Notes());
-    return AskPc(*pc);
+    Session session(*pc, nullptr, false);
+    AskedPc asked{.answers = AskPc(session), .capture = {}};
+    if (line.arguments.empty()) asked.capture = DescriptionText(CapturePc().pc);
+    return asked;
 }
 
 // With its trace, which shows what the operations call.
-PcAnswers AskEmulated(const CommandLine& line) {
+PcAnswers AskEmulated(const CommandLine& line, const std::string& capture) {
     PcChoice choice;
-    choice.pc = line.arguments[0];
+    choice.captured = capture;
+    if (!line.arguments.empty()) choice.pc = line.arguments.front();
     choice.trace = true;
-    const std::unique_ptr<OpenedPc> pc = OpenPc(choice, Access::Ask);
+    const std::unique_ptr<OpenedPc> pc = OpenEmulatedPc(choice, Access::Ask);
     ShowNotes(line, pc->Notes());
-    return AskPc(*pc);
+    Session session(*pc, nullptr, false);
+    return AskPc(session);
 }
 
 std::string NameOf(const PcChoice& choice) {
@@ -60,7 +71,8 @@ int Validate(const CommandLine& line) {
 
 int Compare(const CommandLine& line) {
     ConfineToReading(line);
-    const ComparisonReport report = ComparePcs(line.arguments[0], line.arguments[1]);
+    const ComparisonReport report =
+        ComparePcs(line.arguments[0], line.arguments[1], line.seen ? Compared::Seen : Compared::Whole);
     Show(line, report);
     return report.differences.empty() ? Done : Failure;
 }
@@ -68,10 +80,10 @@ int Compare(const CommandLine& line) {
 int Conform(const CommandLine& line) {
     const ExpectedDifferences expected =
         line.expect.empty() ? ExpectedDifferences() : ReadExpectedDifferences(line.expect);
-    const PcAnswers here = AskHere(line);
-    ConformanceReport report = CompareAnswers(here, AskEmulated(line));
+    const AskedPc here = AskHere(line);
+    ConformanceReport report = CompareAnswers(here.answers, AskEmulated(line, here.capture));
     report.here = NameOf(line.choice);
-    report.emulated = line.arguments[0];
+    report.emulated = line.arguments.empty() ? "its capture" : line.arguments.front();
     NoteExpected(expected, report);
     ShowText(line, line.json ? AsJson(report) : ConformanceText(report, StandardOutput()));
     ShowNotes(line, report.unmet);

@@ -54,6 +54,15 @@ const std::vector<CommandHelp>& CommandHelps() {
          "`status`.",
          {{"--image disk.img report -o report.html", "a page, whole in itself"},
           {"--image disk.img --format markdown report", "for a chat"}}},
+        {"capture",
+         "Asks everything that a description of a PC can hold, and writes it: disks, partitions and volumes with and "
+         "without a letter, what WMI lists, what drivers answer, letters in the registry, and which of the files exist "
+         "that the library looks for. Nothing is changed. A call that fails is described as failing. Of an image it "
+         "makes a description that needs the image no more. What the description holds is said before you send it to "
+         "anybody; --anonymous puts stand-ins for what tells whose PC it is.",
+         {{"capture -o pc.json", "on Windows: this PC"},
+          {"--image disk.img --anonymous capture -o pc.json", "the disk in an image"},
+          {"--pc pc.json status", "and look at it anywhere"}}},
         {"boot",
          "Makes the recovery partition active and records the one that was active before (recovery), or makes the "
          "recorded one active again (system). For MBR disks.\n\n"
@@ -88,18 +97,21 @@ const std::vector<CommandHelp>& CommandHelps() {
          {{"validate pc.json", ""}, {"validate *.json", "several, in one run"}}},
         {"compare",
          "Says in which facts two PCs differ: machines that come with the tool, or descriptions. Their order in "
-         "lists is not compared, and of an image that a description names only the path is. Exit status 1: they differ.",
-         {{"compare factory-mbr pc.json", ""}}},
+         "lists is not compared, and of an image that a description names only the path is. With --seen only what a "
+         "running system can show is compared, as `capture` finds it, with the order of its lists: no switches, faults "
+         "or contents of files other than INI files. Exit status 1: they differ.",
+         {{"compare factory-mbr pc.json", ""}, {"compare --seen factory-mbr captured.json", ""}}},
         {"conform",
          "Asks two PCs the same and says where their answers differ: every operation that changes nothing, and every "
          "published call with arguments that the library uses and some that it does not. The first is the PC of the "
-         "options, on Windows the one that the program runs on; the other is a machine that comes with the tool, or a "
-         "description. Beside each call stand the operations that make it with these arguments. Nothing is changed. "
-         "Exit status 1: they differ.\n\n"
+         "options, on Windows the one that the program runs on. The other is emulated: a machine that comes with the "
+         "tool, a description, or without an argument a capture of the first. Beside each call stand the operations that "
+         "make it with these arguments. Nothing is changed. Exit status 1: they differ.\n\n"
          "Differences that are known can be listed in a file, a line each: a call or an operation, its arguments and "
          "the reason, with a tab between them; a * stands for any text.",
-         {{"--pc factory-mbr conform pc.json", ""},
-          {"--pc pc.json --expect known.tsv conform pc.json", "only what is not known"}}},
+         {{"conform", "what the emulated PC does otherwise than this one"},
+          {"--pc factory-mbr conform pc.json", ""},
+          {"--pc pc.json --expect known.tsv conform", "only what is not known"}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},
         {"calls",

@@ -89,6 +89,12 @@ OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, c
     if (files.output) CheckTarget("--output", *files.output);
     if (files.save && !line.overwrite) CheckReplaces("--save", *files.save);
     if (files.log && !line.overwrite) CheckReplaces("--log", *files.log);
-    if (files.output && !line.overwrite) CheckReplacesReport(*files.output);
+    if (files.output && !line.overwrite) {
+        if (line.command == "report") {
+            CheckReplacesReport(*files.output);
+        } else {
+            CheckReplaces("--output", *files.output);
+        }
+    }
     return files;
 }

@@ -4,6 +4,9 @@
 #include <iterator>
 
 #include "base/utf.h"
+#include "tools/kestova/capture/anonymous.h"
+#include "tools/kestova/capture/captured_pc.h"
+#include "tools/kestova/capture/contents.h"
 #include "tools/kestova/command_line/command_functions.h"
 #include "tools/kestova/command_line/file_argument.h"
 #include "tools/kestova/command_line/messages.h"
@@ -11,6 +14,7 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/terminal.h"
 #include "tools/kestova/common/text.h"
+#include "tools/kestova/descriptions/description_text.h"
 #include "tools/kestova/picture/columns.h"
 #include "tools/kestova/picture/making_time.h"
 #include "tools/kestova/picture/report.h"
@@ -140,6 +144,21 @@ int Report(const CommandLine& line) {
              page = format.text(report);
              return ShowProblem(line, report.status);
          }});
+}
+
+int Capture(const CommandLine& line) {
+    std::string text;
+    return RunOnPc(line, {.initialize = false, .output = &text, .run = [&](Session&) {
+                              CapturedPc captured = CapturePc();
+                              if (line.anonymous) MakeAnonymous(captured.pc);
+                              text = DescriptionText(captured.pc);
+                              ShowNotes(line, captured.notes);
+                              std::vector<std::string> contents = ContentsOf(captured.pc);
+                              for (std::string& content : contents)
+                                  content = "the description holds " + content;
+                              ShowNotes(line, contents);
+                              return Done;
+                          }});
 }
 
 }  // namespace commands

@@ -38,12 +38,11 @@ void AskOperations(Session& session, PcAnswers& answers) {
 }  // namespace
 
 // The operations come first: the first of them sets the security of COM, as it does for the library's users.
-PcAnswers AskPc(OpenedPc& pc) {
+PcAnswers AskPc(Session& session) {
     PcAnswers answers;
-    Session session(pc, nullptr, false);
     session.Construct();
     AskOperations(session, answers);
-    answers.calls = MakeCalls(pc);
+    answers.calls = MakeCalls(session.OnPc());
     session.Destroy();
     return answers;
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/kestova/pc/opened_pc.h"
+#include "tools/kestova/operations/session.h"
 #include "tools/kestova/probes/probes.h"
 
 // An operation of the library that changes nothing.
@@ -23,6 +23,5 @@ struct PcAnswers {
     std::map<std::string, std::vector<std::string>> callers = {};
 };
 
-// Asks every operation that changes nothing, and makes every call of the probes. It has to be the PC that was
-// opened last. Throws Failed if COM cannot be used.
-PcAnswers AskPc(OpenedPc& pc);
+// Asks every operation that changes nothing, of an object of its own, and makes every call of the probes.
+PcAnswers AskPc(Session& session);

@@ -12,5 +12,8 @@ struct ComparisonReport {
     std::vector<machine::Difference> differences;
 };
 
-// Machines that come with the tool, or descriptions. Throws WrongUse, UnreadablePc.
-ComparisonReport ComparePcs(const std::string& left, const std::string& right);
+enum class Compared { Whole, Seen };
+
+// Machines that come with the tool, or descriptions, whole or what a system can show of them. Throws
+// WrongUse, UnreadablePc.
+ComparisonReport ComparePcs(const std::string& left, const std::string& right, Compared compared);

@@ -1,7 +1,6 @@
 #include "tools/kestova/probes/probes.h"
 
 #include "tools/kestova/common/text.h"
-#include "tools/kestova/probes/error_boxes.h"
 
 std::string InTrace(const machine::CallRecord& call) {
     return call.call + "(" + Joined(call.arguments, ", ") + ")";
@@ -17,7 +16,6 @@ void Probes::Add(const char* call, const std::string& arguments, const std::stri
 }
 
 std::vector<CallAnswer> MakeCalls(OpenedPc& pc) {
-    ShowNoErrorBoxes();
     Probes probes(pc);
     ProbeLetters(probes);
     ProbeDevices(probes);

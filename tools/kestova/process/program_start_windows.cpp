@@ -9,6 +9,8 @@
 // In text mode the C runtime writes a line feed as two bytes; its words are in the ANSI code page, which
 // lacks most characters.
 std::vector<std::string> StartProgram(int, char**) {
+    // A drive without a medium would open a box, and wait for somebody to close it.
+    SetErrorMode(SEM_FAILCRITICALERRORS);
     for (std::FILE* const stream : {stdin, stdout, stderr})
         _setmode(_fileno(stream), _O_BINARY);
     int count = 0;
