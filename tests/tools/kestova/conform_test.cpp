@@ -70,11 +70,16 @@ TEST_F(Conform, EachMachine_WithItself_HasNoDifference) {
 
 // The PC is captured and built again from that, which answers like it as far as a capture can see.
 TEST_F(Conform, EachMachine_WithItsCapture_HasNoDifference) {
-    for (const std::string name : {"factory-mbr", "factory-gpt", "winpe-two-disks", "winpe-media"}) {
+    for (const std::string name : {"factory-mbr", "factory-gpt", "winpe-two-disks"}) {
         const Outcome outcome = Kestova("--pc " + name + " conform");
         EXPECT_EQ(outcome.status, 0) << outcome.output;
         EXPECT_THAT(outcome.output, EndsWith(" calls compared: no differences\n")) << name;
     }
+}
+
+// The registry of an installed Windows that does not run is a file, which a capture does not hold.
+TEST_F(Conform, OfflineWindows_WithItsCapture_DiffersInItsLetters) {
+    EXPECT_THAT(NamesOfDiffering("--pc winpe-media conform"), ElementsAre("GetWinDriveLetters"));
 }
 
 TEST_F(Conform, OtherLabel_DiffersWhereLabelsAreRead) {
@@ -98,7 +103,7 @@ TEST_F(Conform, OtherDriveType_IsMetByWhoAsksForTheType) {
     DescribeWith("other.json", "\"label\": \"Data\"", "\"driveType\": \"removable\", \"label\": \"Data\"");
     const std::vector<json> differing = Differing("--pc factory-mbr conform other.json");
     const auto type = std::ranges::find_if(differing, [](const json& difference) {
-        return difference["name"] == "GetDriveTypeW" && difference["arguments"] == "\"D:\\\"";
+        return difference["name"] == "GetDriveTypeW" && difference["arguments"] == "\"D:\"";
     });
     ASSERT_NE(type, differing.end());
     EXPECT_EQ((*type)["here"], "3");

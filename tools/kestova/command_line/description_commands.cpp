@@ -11,6 +11,7 @@
 #include "tools/kestova/conformance/asked_operations.h"
 #include "tools/kestova/conformance/conformance_text.h"
 #include "tools/kestova/descriptions/comparison.h"
+#include "tools/kestova/descriptions/description_text.h"
 #include "tools/kestova/descriptions/validation.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"

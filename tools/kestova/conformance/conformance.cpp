@@ -1,79 +1,53 @@
 #include "tools/kestova/conformance/conformance.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <tuple>
 
-#include "tools/kestova/common/text.h"
-
 namespace {
 
-// One of the things that were asked of a PC.
-struct Asked {
-    ConformanceDifference without;  // answers
-    std::string answer;
-    std::string inTrace;
-};
+// Which call it is: its name, its arguments, and the how many-th with these.
+using CallKey = std::tuple<std::string, std::string, int>;
 
-std::vector<Asked> CallsOf(const PcAnswers& answers) {
-    std::vector<Asked> all;
-    for (const CallAnswer& call : answers.calls)
-        all.push_back({{.name = call.call, .arguments = call.arguments}, call.answer, call.inTrace});
-    return all;
-}
-
-// Which answers of two PCs belong together: the call, its arguments, and the how many-th such call it is.
-using Key = std::tuple<std::string, std::string, int>;
-
-std::map<Key, const Asked*> ByKey(const std::vector<Asked>& all) {
-    std::map<Key, const Asked*> byKey;
+std::vector<CallKey> KeysOf(const std::vector<CallAnswer>& calls) {
+    std::vector<CallKey> keys;
     std::map<std::pair<std::string, std::string>, int> count;
-    for (const Asked& asked : all) {
-        const int number = ++count[{asked.without.name, asked.without.arguments}];
-        byKey[{asked.without.name, asked.without.arguments, number}] = &asked;
-    }
-    return byKey;
+    for (const CallAnswer& call : calls)
+        keys.emplace_back(call.call, call.arguments, ++count[{call.call, call.arguments}]);
+    return keys;
 }
 
-std::vector<std::string> CallersOf(const std::string& inTrace, const PcAnswers& emulated) {
-    const auto found = emulated.callers.find(inTrace);
+std::vector<std::string> CallersOf(const CallAnswer& call, const PcAnswers& emulated) {
+    const auto found = emulated.callers.find(call.inTrace);
     return found != emulated.callers.end() ? found->second : std::vector<std::string>();
-}
-
-ConformanceDifference With(const Asked& asked, std::optional<std::string> here,
-                           std::optional<std::string> emulated, std::vector<std::string> operations) {
-    ConformanceDifference difference = asked.without;
-    difference.here = std::move(here);
-    difference.emulated = std::move(emulated);
-    difference.operations = std::move(operations);
-    return difference;
 }
 
 // In the order in which the PC at hand was asked; what only the emulated one was asked comes last.
 void CompareCalls(const PcAnswers& here, const PcAnswers& emulated, ConformanceReport& report) {
-    const std::vector<Asked> left = CallsOf(here);
-    const std::vector<Asked> right = CallsOf(emulated);
-    std::map<Key, const Asked*> others = ByKey(right);
-    std::map<Key, const Asked*> own = ByKey(left);
-    std::map<const Asked*, Key> keys;
-    for (const auto& [key, asked] : own)
-        keys[asked] = key;
-    for (const Asked& asked : left) {
-        const auto other = others.find(keys[&asked]);
-        const bool isAlone = other == others.end();
-        if (!isAlone && other->second->answer == asked.answer) continue;
-        report.differences.push_back(isAlone ? With(asked, asked.answer, std::nullopt, {})
-                                             : With(asked, asked.answer, other->second->answer,
-                                                    CallersOf(other->second->inTrace, emulated)));
+    const std::vector<CallKey> left = KeysOf(here.calls);
+    const std::vector<CallKey> right = KeysOf(emulated.calls);
+    std::map<CallKey, const CallAnswer*> unmatched;
+    for (size_t at = 0; at < right.size(); ++at)
+        unmatched[right[at]] = &emulated.calls[at];
+    for (size_t at = 0; at < left.size(); ++at) {
+        const CallAnswer& call = here.calls[at];
+        ConformanceDifference difference{.name = call.call, .arguments = call.arguments, .here = call.answer};
+        if (const auto other = unmatched.find(left[at]); other != unmatched.end()) {
+            difference.emulated = other->second->answer;
+            difference.operations = CallersOf(*other->second, emulated);
+            unmatched.erase(other);
+        }
+        if (difference.here != difference.emulated) report.differences.push_back(std::move(difference));
     }
-    std::set<const Asked*> unmatched;
-    for (const auto& [key, asked] : others) {
-        if (!own.contains(key)) unmatched.insert(asked);
-    }
-    for (const Asked& asked : right) {
-        if (unmatched.contains(&asked))
-            report.differences.push_back(
-                With(asked, std::nullopt, asked.answer, CallersOf(asked.inTrace, emulated)));
+    for (size_t at = 0; at < right.size(); ++at) {
+        const CallAnswer& call = emulated.calls[at];
+        if (unmatched.contains(right[at])) {
+            report.differences.push_back({.name = call.call,
+                                          .arguments = call.arguments,
+                                          .emulated = call.answer,
+                                          .operations = CallersOf(call, emulated)});
+        }
     }
     report.calls = left.size();
 }

@@ -1,5 +1,6 @@
 #include "tools/kestova/probes/device_controls.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -51,13 +52,13 @@ std::string ScsiAddress(const Output& output) {
     return Words(output.As<SCSI_ADDRESS>());
 }
 
-// The names of vendor and product behind the descriptor are the device's own.
+// Its beginning has the size of the whole. The names of vendor and product behind it are the device's own.
 std::string Descriptor(const Output& output) {
     const auto descriptor = output.As<STORAGE_DEVICE_DESCRIPTOR>();
     int bus = 0;  // as a number: a driver may report one that the headers do not define
     std::memcpy(&bus, &descriptor.BusType, sizeof bus);
     return "version " + std::to_string(descriptor.Version) + ", size " + std::to_string(descriptor.Size) +
-           ", bus type " + std::to_string(bus);
+           (output.size >= sizeof descriptor ? ", bus type " + std::to_string(bus) : "");
 }
 
 std::string Extents(const Output& output) {
@@ -103,24 +104,31 @@ std::string Geometry(const Output& output) {
 struct Control {
     const char* name;
     DWORD code;
-    DWORD size;  // of the output, or of its fixed part
+    DWORD size;   // of the output, or of its fixed part
+    DWORD least;  // of which the words can say something
     std::string (*words)(const Output& output);
 };
 
+template <typename Record>
+constexpr Control WholeRecord(const char* name, DWORD code, std::string (*words)(const Output& output)) {
+    return {name, code, sizeof(Record), sizeof(Record), words};
+}
+
 constexpr Control controls[] = {
-    {"IOCTL_SCSI_GET_ADDRESS", IOCTL_SCSI_GET_ADDRESS, sizeof(SCSI_ADDRESS), ScsiAddress},
+    WholeRecord<SCSI_ADDRESS>("IOCTL_SCSI_GET_ADDRESS", IOCTL_SCSI_GET_ADDRESS, ScsiAddress),
     {"IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS", IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS,
-     sizeof(VOLUME_DISK_EXTENTS), Extents},
-    {"IOCTL_DISK_GET_PARTITION_INFO_EX", IOCTL_DISK_GET_PARTITION_INFO_EX, sizeof(PARTITION_INFORMATION_EX),
-     Partition},
-    {"IOCTL_DISK_GET_DRIVE_GEOMETRY_EX", IOCTL_DISK_GET_DRIVE_GEOMETRY_EX, sizeof(DISK_GEOMETRY_EX),
-     Geometry},
-    {"IOCTL_DISK_GET_DRIVE_LAYOUT_EX", IOCTL_DISK_GET_DRIVE_LAYOUT_EX, sizeof(DRIVE_LAYOUT_INFORMATION_EX),
-     Layout},
+     sizeof(VOLUME_DISK_EXTENTS), sizeof(DWORD), Extents},
+    WholeRecord<PARTITION_INFORMATION_EX>("IOCTL_DISK_GET_PARTITION_INFO_EX",
+                                          IOCTL_DISK_GET_PARTITION_INFO_EX, Partition),
+    WholeRecord<DISK_GEOMETRY_EX>("IOCTL_DISK_GET_DRIVE_GEOMETRY_EX", IOCTL_DISK_GET_DRIVE_GEOMETRY_EX,
+                                  Geometry),
+    WholeRecord<DRIVE_LAYOUT_INFORMATION_EX>("IOCTL_DISK_GET_DRIVE_LAYOUT_EX", IOCTL_DISK_GET_DRIVE_LAYOUT_EX,
+                                             Layout),
 };
 
 constexpr Control storageProperty = {"IOCTL_STORAGE_QUERY_PROPERTY", IOCTL_STORAGE_QUERY_PROPERTY,
-                                     sizeof(STORAGE_DEVICE_DESCRIPTOR), Descriptor};
+                                     sizeof(STORAGE_DEVICE_DESCRIPTOR), sizeof(STORAGE_DESCRIPTOR_HEADER),
+                                     Descriptor};
 
 struct Query {
     const char* words;
@@ -129,12 +137,6 @@ struct Query {
 };
 
 constexpr DWORD large = 65'536;
-
-// Whether an answer of that many bytes shows what the words are about.
-bool ShowsRecord(const Control& control, DWORD returned) {
-    const bool grows = control.code == IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS;
-    return returned >= (grows ? DWORD{sizeof(DWORD)} : control.size);
-}
 
 void Ask(Probes& probes, const std::string& arguments, HANDLE device, const Control& control,
          STORAGE_PROPERTY_QUERY* input, DWORD inputSize, DWORD outputSize) {
@@ -145,12 +147,11 @@ void Ask(Probes& probes, const std::string& arguments, HANDLE device, const Cont
         DeviceIoControl(device, control.code, input, inputSize, outputSize == 0 ? nullptr : bytes.data(),
                         outputSize, &returned, nullptr);
     std::string answer = TruthWords(result) + ", " + Count(returned, "byte");
-    if (returned <= outputSize && ShowsRecord(control, returned))
+    if (returned <= outputSize && returned >= control.least)
         answer += ": " + control.words({bytes.data(), returned});
     probes.Add("DeviceIoControl", arguments + ", output " + Count(outputSize, "byte"), answer);
 }
 
-// A device without the control says so whatever the buffer is.
 void AskInAllSizes(Probes& probes, const std::string& arguments, HANDLE device, const Control& control,
                    STORAGE_PROPERTY_QUERY* input, DWORD inputSize) {
     for (const DWORD size : {DWORD{0}, DWORD{1}, DWORD{sizeof(STORAGE_DESCRIPTOR_HEADER)}, control.size - 1,

@@ -43,6 +43,19 @@ void ProbeObject(Probes& probes, IVdsService& service, const GUID& id, VDS_OBJEC
                HresultWords(result) + ", " + Presence(object.Get()));
 }
 
+void ProbeProperties(Probes& probes, const std::string& name, IUnknown& of) {
+    const auto provider =
+        ProbeInterface<IVdsProvider>(probes, name, of, "IID_IVdsProvider", IID_IVdsProvider);
+    if (!provider) return;
+    VDS_PROVIDER_PROP properties = {};
+    const HRESULT result = provider->GetProperties(&properties);
+    probes.Add("IVdsProvider::GetProperties", name,
+               HresultWords(result) + ", id " + Presence(properties.id) + ", type " +
+                   std::to_string(properties.type) + ", flags " + Hex(properties.ulFlags, 1));
+    CoTaskMemFree(properties.pwszName);
+    CoTaskMemFree(properties.pwszVersion);
+}
+
 void ProbePack(Probes& probes, const std::string& name, IVdsPack& pack, IVdsService& service) {
     VDS_PACK_PROP properties = {};
     const HRESULT result = pack.GetProperties(&properties);
@@ -98,6 +111,7 @@ void ProbeDiskService(Probes& probes) {
     int number = 0;
     for (const ComPtr<IUnknown>& object : ProbeList(probes, "providers 0x1", *list.Get())) {
         const std::string name = "provider " + std::to_string(++number);
+        ProbeProperties(probes, name, *object.Get());
         const auto provider = ProbeInterface<IVdsSwProvider>(probes, name, *object.Get(),
                                                              "IID_IVdsSwProvider", IID_IVdsSwProvider);
         if (provider) ProbePacks(probes, name, *provider.Get(), *service.Get());

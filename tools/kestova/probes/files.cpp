@@ -24,6 +24,8 @@ void ProbeExistence(Probes& probes, const WCHAR* path) {
     const BOOL result = PathFileExistsW(path);
     const std::string answer = TruthWords(result);
     probes.Add("PathFileExistsW", Quoted(path), answer);
+    const BOOL isFolder = PathIsDirectoryW(path);
+    probes.Add("PathIsDirectoryW", Quoted(path), std::to_string(isFolder));
 }
 
 void ProbeOpening(Probes& probes, const WideString& path, DWORD flags, const char* words) {

@@ -18,6 +18,7 @@ void Probes::Add(const char* call, const std::string& arguments, const std::stri
 std::vector<CallAnswer> MakeCalls(OpenedPc& pc) {
     Probes probes(pc);
     ProbeLetters(probes);
+    ProbeVolumeNames(probes);
     ProbeDevices(probes);
     ProbeFiles(probes);
     ProbePaths(probes);

@@ -38,6 +38,7 @@ std::vector<CallAnswer> MakeCalls(OpenedPc& pc);
 
 // The areas. Those below the line need COM.
 void ProbeLetters(Probes& probes);
+void ProbeVolumeNames(Probes& probes);
 void ProbeDevices(Probes& probes);
 void ProbeFiles(Probes& probes);
 void ProbePaths(Probes& probes);
