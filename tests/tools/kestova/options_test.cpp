@@ -182,6 +182,7 @@ TEST_F(Json, Schema_EachCommand_IsThatOfItsOutput) {
         {"validate", "validate two.json script none.json"},
         {"survey", "survey two.json none.json --quiet --script script"},
         {"compare", "compare factory-mbr two.json"},
+        {"conform", "--pc factory-mbr conform two.json"},
     };
     WriteFile("script", "SetActive 3\nGetWinDriveLetters\n");
     ASSERT_EQ(Kestova("--pc factory-mbr --save two.json call SetActive 3").status, 0);

@@ -32,6 +32,7 @@ int Generate(const CommandLine& line);
 
 // Many PCs.
 int Survey(const CommandLine& line);
+int Conform(const CommandLine& line);
 
 // What the program and its emulated PC come with.
 int ListOperations(const CommandLine& line);

@@ -30,6 +30,7 @@ struct CommandLine {
     std::string against;  // the output of an earlier survey
     bool resume = false;
     bool write = false;  // to images
+    std::string expect;  // of `conform`: a file
     bool bytes = false;
     bool anonymous = false;
     bool installedRegistry = false;  // of `capture`: mount it

@@ -26,7 +26,7 @@ constexpr OptionUser usedByFew[] = {
     {"--first", Generate},    {"--count", Generate},    {"--format", Report},
     {"--hash", Files},        {"--bytes", Status},      {"--columns", Status},
     {"--output", Capture},    {"--anonymous", Capture}, {"--with-installed-registry", Capture},
-    {"--seen", Compare}};
+    {"--seen", Compare},      {"--expect", Conform}};
 
 // Besides the commands that work on a PC.
 constexpr OptionUser alsoUsedBy[] = {
@@ -36,10 +36,12 @@ constexpr OptionUser alsoUsedBy[] = {
     {"--log", Replay},         {"--overwrite", Replay},   {"--quiet", Replay}};
 
 constexpr OptionUser notUsedBy[] = {
-    {"--json", Report},    {"--json", Generate},       {"--dry-run", Check},  {"--dry-run", Report},
-    {"--ledger", Recover}, {"--ledger", RepairTables}, {"--ledger", Undo},    {"--ledger", Report},
-    {"--json", Capture},   {"--dry-run", Capture},     {"--ledger", Capture}, {"--record", Capture},
-    {"--record", Recover}, {"--record", RepairTables}, {"--record", Undo}};
+    {"--json", Report},       {"--json", Generate},         {"--dry-run", Check},   {"--dry-run", Report},
+    {"--ledger", Recover},    {"--ledger", RepairTables},   {"--ledger", Undo},     {"--ledger", Report},
+    {"--json", Capture},      {"--dry-run", Capture},       {"--ledger", Capture},  {"--record", Capture},
+    {"--record", Recover},    {"--record", RepairTables},   {"--record", Undo},     {"--ledger", Conform},
+    {"--fail", Conform},      {"--save", Conform},          {"--dry-run", Conform}, {"--log", Conform},
+    {"--overwrite", Conform}, {"--no-initialize", Conform}, {"--record", Conform}};
 
 constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
                                            "--force-dirty"};
@@ -73,7 +75,7 @@ bool Uses(const Command& command, const std::string& option) {
 
 bool Concerns(const Command& command, const std::string& option) {
     if (!Uses(command, option)) return false;
-    const auto questions = {Status, Letters, Files, Check, Report, Capture};
+    const auto questions = {Status, Letters, Files, Check, Report, Capture, Conform};
     const bool asks = std::ranges::count(questions, command.run) != 0;
     return !asks || std::ranges::count(forChanges, option) == 0 || IsIn(rehearsedBy, command, option);
 }
@@ -105,6 +107,8 @@ const std::vector<Command>& Commands() {
         {"validate", "FILE...", "All mistakes in descriptions of PCs", 1, any, false, false, Validate},
         {"compare", "PC PC", "Where two described PCs differ", 2, 2, false, false, Compare},
         {"generate", "", "Random PCs, as descriptions", 0, 0, false, false, Generate},
+        {"conform", "[PC]", "Where this PC answers otherwise than an emulated one", 0, 1, true, false,
+         Conform},
         {"operations", "", "Every public operation with its arguments and results", 0, 0, false, false,
          ListOperations},
         {"pcs", "", "The machines that come with the tool", 0, 0, false, false, ListPcs},

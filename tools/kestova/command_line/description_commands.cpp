@@ -1,16 +1,23 @@
-// The commands that work on descriptions of PCs as files.
+// The commands that work on descriptions of PCs.
 
 #include <algorithm>
 #include <iostream>
 #include <limits>
 
 #include "tools/kestova/arguments/options.h"
+#include "tools/kestova/capture/captured_pc.h"
 #include "tools/kestova/command_line/command_functions.h"
+#include "tools/kestova/command_line/messages.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/terminal.h"
+#include "tools/kestova/conformance/asked_operations.h"
+#include "tools/kestova/conformance/conformance_text.h"
 #include "tools/kestova/descriptions/comparison.h"
+#include "tools/kestova/descriptions/description_text.h"
 #include "tools/kestova/descriptions/generation.h"
 #include "tools/kestova/descriptions/validation.h"
+#include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
 
 namespace {
@@ -28,6 +35,40 @@ GeneratedPcs PcsToGenerate(const CommandLine& line) {
     if (!line.first.empty()) pcs.first = ReadNumber("--first", line.first, 1, mostPcs);
     if (!line.count.empty()) pcs.count = ReadNumber("--count", line.count, 1, mostPcs + 1 - pcs.first);
     return pcs;
+}
+
+// What was found out about the PC that the options choose.
+struct AskedPc {
+    PcAnswers answers;
+    std::string capture;  // its description; empty if another PC was named
+};
+
+AskedPc AskHere(const CommandLine& line) {
+    const std::unique_ptr<OpenedPc> pc = OpenPc(line.choice, Access::Ask);
+    EndOpening();
+    ConfineTo({.imageBytes = pc->Inputs().imageBytes, .operations = 2 * AskedOperations().size()});
+    ShowNotes(line, pc->Notes());
+    Session session(*pc, nullptr, false);
+    AskedPc asked{.answers = AskPc(session), .capture = {}};
+    if (line.arguments.empty()) asked.capture = DescriptionText(CapturePc().pc);
+    return asked;
+}
+
+// With its trace, which shows what the operations call.
+PcAnswers AskEmulated(const CommandLine& line, const std::string& capture) {
+    PcChoice choice;
+    choice.captured = capture;
+    if (!line.arguments.empty()) choice.pc = line.arguments.front();
+    choice.trace = true;
+    const std::unique_ptr<OpenedPc> pc = OpenEmulatedPc(choice, Access::Ask);
+    ShowNotes(line, pc->Notes());
+    Session session(*pc, nullptr, false);
+    return AskPc(session);
+}
+
+std::string NameOf(const PcChoice& choice) {
+    if (!choice.images.empty()) return Joined(choice.images, " ");
+    return choice.pc.empty() ? "this PC" : choice.pc;
 }
 
 }  // namespace
@@ -60,6 +101,19 @@ int Compare(const CommandLine& line) {
         ComparePcs(line.arguments[0], line.arguments[1], line.seen ? Compared::Seen : Compared::Whole);
     Show(line, report);
     return report.differences.empty() ? Done : Failure;
+}
+
+int Conform(const CommandLine& line) {
+    const ExpectedDifferences expected =
+        line.expect.empty() ? ExpectedDifferences() : ReadExpectedDifferences(line.expect);
+    const AskedPc here = AskHere(line);
+    ConformanceReport report = CompareAnswers(here.answers, AskEmulated(line, here.capture));
+    report.here = NameOf(line.choice);
+    report.emulated = line.arguments.empty() ? "its capture" : line.arguments.front();
+    NoteExpected(expected, report);
+    ShowText(line, line.json ? AsJson(report) : ConformanceText(report, StandardOutput()));
+    ShowNotes(line, report.unmet);
+    return report.Unexpected() == 0 ? Done : Failure;
 }
 
 }  // namespace commands

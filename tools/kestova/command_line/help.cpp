@@ -124,6 +124,17 @@ const std::vector<CommandHelp>& CommandHelps() {
          {{"generate --seed 7 >pc.json", "the first PC of seed 7"},
           {"generate --count 1000 --output lab", "a thousand files"},
           {"generate --first 501 --count 500 --output lab", "the second half of them"}}},
+        {"conform",
+         "Asks two PCs the same and says where their answers differ: every operation that changes nothing, and every "
+         "published call with arguments that the library uses and some that it does not. The first is the PC of the "
+         "options, on Windows the one that the program runs on. The other is emulated: a machine that comes with the "
+         "tool, a description, or without an argument a capture of the first. Beside each call stand the operations that "
+         "make it with these arguments. Nothing is changed. Exit status 1: they differ.\n\n"
+         "Differences that are known can be listed in a file, a line each: a call or an operation, its arguments and "
+         "the reason, with a tab between them; a * stands for any text.",
+         {{"conform", "what the emulated PC does otherwise than this one"},
+          {"--pc factory-mbr conform pc.json", ""},
+          {"--pc pc.json --expect known.tsv conform", "only what is not known"}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},
         {"calls",

@@ -12,6 +12,9 @@ size_t DisplayWidth(std::string_view text);
 // The text, or its beginning and "…" if it takes more columns than that.
 std::string CutToWidth(const std::string& text, size_t columns);
 
+// The text; of a long one what stands around the first place at which the other differs from it.
+std::string CutAroundDifference(const std::string& text, const std::string& other);
+
 // The licence of the library that is linked for it; null without one.
 const char* DisplayWidthLicence();
 

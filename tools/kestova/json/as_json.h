@@ -10,6 +10,7 @@
 
 #include "machine/calls/call_table.h"
 #include "machine/facts/machines.h"
+#include "tools/kestova/conformance/conformance.h"
 #include "tools/kestova/descriptions/comparison.h"
 #include "tools/kestova/descriptions/validation.h"
 #include "tools/kestova/reports/files.h"
@@ -32,6 +33,7 @@ std::string AsJson(const UndoReport& report);
 std::string AsJson(const SurveyedPc& surveyed);
 std::string AsJson(const std::vector<ValidationReport>& reports);
 std::string AsJson(const ComparisonReport& report);
+std::string AsJson(const ConformanceReport& report);
 // {"error", "status"}: why the program ends with that status. In ASCII.
 std::string ErrorAsJson(const std::string& message, int status);
 

@@ -222,6 +222,22 @@ constexpr OutputKey surveyKeys[] = {
     {"error?", "string", "why there is no answer, or not all of it"},
 };
 
+constexpr OutputKey conformKeys[] = {
+    {"here", "string", "the PC at hand, as it was named"},
+    {"emulated", "string", "the PC that it is compared with, as it was named"},
+    {"operations", "integer", "how many operations were compared"},
+    {"calls", "integer", "how many published calls were compared"},
+    {"differences[].kind", "string", "operation or call"},
+    {"differences[].name", "string", "of the operation or the call"},
+    {"differences[].arguments", "string", "in words; of a log, the number of the record that differs"},
+    {"differences[].here", "string|null", "the answer in words; null if the PC was not asked that"},
+    {"differences[].emulated", "string|null", "the same of the emulated PC"},
+    {"differences[].operations", "array", "names of operations that make this call with these arguments"},
+    {"differences[].expected", "string|null", "why it is known, as the file of --expect says"},
+    {"unexpected", "integer", "how many differences are not known"},
+    {"unmet", "array", "what the file of --expect has and no difference is, in words"},
+};
+
 constexpr OutputKey callsKeys[] = {
     {"call", "string", "for --fail"},
     {"failsWith", "string", "how it reports a failure"},
@@ -251,6 +267,7 @@ const std::vector<CommandOutput>& Outputs() {
         {"validate", {validateKeys}},
         {"compare", {compareKeys}},
         {"survey", {surveyKeys}},
+        {"conform", {conformKeys}},
     };
     return outputs;
 }

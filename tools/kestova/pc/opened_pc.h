@@ -21,6 +21,7 @@ struct PcChoice {
     std::vector<std::string> discs;   // images in optical drives
     std::vector<std::string> sticks;  // images in removable drives
     std::string pc;                   // name of a machine that comes with the tool, or a description file
+    std::string captured;             // the description that a PC was captured as, instead of a name
     bool windows = false;             // an installed Windows is running
     bool windowsPe = false;           // Windows PE is running
     bool dryRun = false;

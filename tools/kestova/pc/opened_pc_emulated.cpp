@@ -103,6 +103,7 @@ Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {
     const ImageUse use = UseFor(choice, access);
     const SystemKind kind = choice.windows ? SystemKind::Windows : SystemKind::WindowsPe;
     if (!choice.images.empty()) return OpenImages(choice.images, kind, use);
+    if (!choice.captured.empty()) return machine::ReadDescription(choice.captured, "the capture");
     const std::string name = choice.pc.empty() ? std::string(standardMachine) : choice.pc;
     const NamedMachine* const named = FindMachine(name);
     Pc pc = named != nullptr ? named->make() : ReadDescriptionFile(name, use);
@@ -179,7 +180,7 @@ class EmulatedOne final : public OpenedPc {
             if (IsDiskOfComputer(disk.image))
                 identities_[static_cast<int>(disk.number)] = IdentityOfDisk(disk.image);
         }
-        if (choice.images.empty() && choice.pc.empty()) {
+        if (choice.images.empty() && choice.pc.empty() && choice.captured.empty()) {
             notes_.push_back("no PC was named: this is " + before_.name +
                              ", a machine in memory that comes with the tool");
         }

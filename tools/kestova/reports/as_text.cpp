@@ -1,11 +1,11 @@
 #include "tools/kestova/reports/as_text.h"
 
 #include <algorithm>
-#include "tools/kestova/common/display_width.h"
 
 #include "base/utf.h"
 #include "machine/calls/documented_results.h"
 #include "machine/calls/result_codes.h"
+#include "tools/kestova/common/display_width.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/reports/call_words.h"
 
@@ -196,24 +196,6 @@ std::string AsText(const std::vector<ValidationReport>& reports) {
     return text;
 }
 
-// How much both begin with.
-static size_t LengthOfSame(const std::string& left, const std::string& right) {
-    const size_t shorter = std::min(left.size(), right.size());
-    const auto end = left.begin() + static_cast<std::ptrdiff_t>(shorter);
-    return static_cast<size_t>(std::mismatch(left.begin(), end, right.begin()).first - left.begin());
-}
-
-// A value, or of a long one what stands around the place at which it differs.
-static std::string Around(const std::string& value, size_t at) {
-    constexpr size_t longest = 60;
-    constexpr size_t before = 20;
-    if (at + before <= longest) return CutToWidth(value, longest);
-    size_t begin = std::min(at, value.size()) - before;
-    while (begin > 0 && (static_cast<unsigned char>(value[begin]) & 0xC0) == 0x80)
-        --begin;
-    return "…" + CutToWidth(value.substr(begin), longest);
-}
-
 std::string AsText(const ComparisonReport& report) {
     if (report.differences.empty()) return "no differences\n";
     std::string text;
@@ -222,9 +204,8 @@ std::string AsText(const ComparisonReport& report) {
         if (!left || !right) {
             text += "only in " + (left ? report.left : report.right) + "\n";
         } else {
-            const size_t same = LengthOfSame(*left, *right);
-            text += Around(*left, same) + " in " + report.left + ", " + Around(*right, same) + " in " +
-                    report.right + "\n";
+            text += CutAroundDifference(*left, *right) + " in " + report.left + ", " +
+                    CutAroundDifference(*right, *left) + " in " + report.right + "\n";
         }
     }
     return text;

@@ -1,0 +1,227 @@
+// Where two PCs answer differently, as a user meets it.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "machine/calls/call_table.h"
+#include "tests/support/program/program.h"
+#include "tools/kestova/conformance/conformance.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::IsSupersetOf;
+using testing::Optional;
+
+class Conform : public ProgramTest {
+  protected:
+    // The factory PC in a file, in which one text is another.
+    void DescribeWith(const std::string& file, const std::string& text, const std::string& other) {
+        ASSERT_EQ(Kestova("--pc factory-mbr --save factory.json call IsDynamic").status, 0);
+        std::string description = ReadFile("factory.json");
+        const size_t at = description.find(text);
+        ASSERT_NE(at, std::string::npos) << text;
+        WriteFile(file, description.replace(at, text.size(), other));
+    }
+
+    // Of what both PCs were asked.
+    std::vector<json> Differing(const std::string& words) {
+        std::vector<json> both;
+        const json report = json::parse(Kestova("--json " + words).output);
+        for (const json& difference : report["differences"]) {
+            if (!difference["here"].is_null() && !difference["emulated"].is_null())
+                both.push_back(difference);
+        }
+        return both;
+    }
+    std::set<std::string> NamesOfDiffering(const std::string& words) {
+        std::set<std::string> names;
+        for (const json& difference : Differing(words))
+            names.insert(difference["name"]);
+        return names;
+    }
+};
+
+std::unique_ptr<OpenedPc> Open(const std::string& machine) {
+    return OpenPc({.pc = machine, .trace = true}, Access::Ask);
+}
+
+PcAnswers Ask(OpenedPc& pc) {
+    Session session(pc, nullptr, false);
+    return AskPc(session);
+}
+
+TEST_F(Conform, EachMachine_WithItself_HasNoDifference) {
+    for (const std::string name : {"factory-mbr", "factory-gpt", "winpe-two-disks", "winpe-media"}) {
+        const Outcome outcome = Kestova("--pc " + name + " conform " + name);
+        EXPECT_EQ(outcome.status, 0) << outcome.output;
+        EXPECT_THAT(outcome.output, EndsWith(" calls compared: no differences\n")) << name;
+        EXPECT_EQ(outcome.errors, "");
+    }
+}
+
+// The PC is captured and built again from that, which answers like it as far as a capture can see.
+TEST_F(Conform, EachMachine_WithItsCapture_HasNoDifference) {
+    for (const std::string name : {"factory-mbr", "factory-gpt", "winpe-two-disks"}) {
+        const Outcome outcome = Kestova("--pc " + name + " conform");
+        EXPECT_EQ(outcome.status, 0) << outcome.output;
+        EXPECT_THAT(outcome.output, EndsWith(" calls compared: no differences\n")) << name;
+    }
+}
+
+// The registry of an installed Windows that does not run is a file, which a capture does not hold.
+TEST_F(Conform, OfflineWindows_WithItsCapture_DiffersInItsLetters) {
+    EXPECT_THAT(NamesOfDiffering("--pc winpe-media conform"), ElementsAre("GetWinDriveLetters"));
+}
+
+TEST_F(Conform, OtherLabel_DiffersWhereLabelsAreRead) {
+    DescribeWith("other.json", "\"Windows\"", "\"Fenster\"");
+    const Outcome outcome = Kestova("--pc factory-mbr conform other.json");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(
+        NamesOfDiffering("--pc factory-mbr conform other.json"),
+        ElementsAre("GetCurrentDiskType", "GetVolumeInformationW", "IVdsVolumeMF::GetFileSystemProperties"));
+    EXPECT_THAT(outcome.output, testing::ContainsRegex("label \"Windows\".* label \"Fenster\""));
+}
+
+TEST_F(Conform, OtherMbrType_DiffersInEveryTableThatHasIt) {
+    DescribeWith("other.json", "\"mbrType\": \"0x27\"", "\"mbrType\": \"0x12\"");
+    EXPECT_THAT(NamesOfDiffering("--pc factory-mbr conform other.json"),
+                IsSupersetOf({"DeviceIoControl", "IVdsAdvancedDisk::QueryPartitions"}));
+}
+
+// A call that the library makes with these arguments is marked with the operations that make it.
+TEST_F(Conform, OtherDriveType_IsMetByWhoAsksForTheType) {
+    DescribeWith("other.json", "\"label\": \"Data\"", "\"driveType\": \"removable\", \"label\": \"Data\"");
+    const std::vector<json> differing = Differing("--pc factory-mbr conform other.json");
+    const auto type = std::ranges::find_if(differing, [](const json& difference) {
+        return difference["name"] == "GetDriveTypeW" && difference["arguments"] == "\"D:\"";
+    });
+    ASSERT_NE(type, differing.end());
+    EXPECT_EQ((*type)["here"], "3");
+    EXPECT_EQ((*type)["emulated"], "2");
+    EXPECT_THAT((*type)["operations"], Contains("GetRCVUFD"));
+}
+
+// A disk that one PC lacks: the calls for it are no differences of their own, but are shown.
+TEST_F(Conform, DiskOfOneOnly_IsListedByItself) {
+    const Outcome outcome = Kestova("--pc factory-mbr conform winpe-two-disks");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, HasSubstr("\nOnly winpe-two-disks was asked:\n"));
+    const size_t list = outcome.output.find("Only winpe-two-disks was asked:");
+    EXPECT_GT(outcome.output.find("\"\\\\?\\PhysicalDrive1\", partition 1"), list);
+}
+
+TEST_F(Conform, KnownDifferences_AreNoFailure) {
+    DescribeWith("other.json", "\"Windows\"", "\"Fenster\"");
+    WriteFile("known.tsv",
+              "# call, arguments, reason\n\n"
+              "GetVolumeInformationW\t\"C:*\tthe label was changed\n"
+              "*\tthe volume of *\tso it was for the service\n"
+              "GetCurrentDiskType\tlog record *\tits record has it\r\n"
+              "GetDriveTypeW\t*\tnothing\n");
+    const Outcome outcome = Kestova("--pc factory-mbr --expect known.tsv conform other.json");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("Expected differences:\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("so it was for the service\n"));
+    EXPECT_THAT(outcome.output, EndsWith(" calls compared: no differences, 3 expected\n"));
+    EXPECT_EQ(outcome.errors, "kestova: known.tsv:6: expected, but no difference: nothing\n");
+}
+
+TEST_F(Conform, FileThatIsNoListOfDifferences_IsRefusedWithItsLine) {
+    WriteFile("known.tsv", "# call\nGetDriveTypeW\tno reason\n");
+    const Outcome outcome = Kestova("--pc factory-mbr --expect known.tsv conform factory-mbr");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr("known.tsv:2: a call, its arguments and a reason are wanted"));
+    EXPECT_THAT(Kestova("--pc factory-mbr --expect none.tsv conform factory-mbr").errors,
+                HasSubstr("none.tsv: there is no such file"));
+}
+
+TEST_F(Conform, MissingOrWrongPc_IsRefused) {
+    EXPECT_EQ(Kestova("--pc factory-mbr conform factory-mbd").status, 2);
+    EXPECT_EQ(Kestova("--pc none.json conform factory-mbr").status, 3);
+    WriteFile("wrong.json", "{\"nam\": 5}");
+    const Outcome outcome = Kestova("--pc factory-mbr conform wrong.json");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(Kestova("--pc factory-mbr --dry-run conform factory-mbr").status, 2);
+}
+
+// The two calls whose answers are not compared: only waiting for a program and reading a file need something
+// that would have to be started or made first.
+TEST(ConformanceProbes, EveryCallThatChangesNothing_IsMade) {
+    std::set<std::string> made = {"ReadFile", "WaitForSingleObject"};
+    for (const std::string machine : {"factory-mbr", "winpe-media"}) {
+        const auto pc = Open(machine);
+        for (const CallAnswer& call : Ask(*pc).calls)
+            made.insert(call.call);
+    }
+    for (const machine::CallInfo& call : machine::AllCalls()) {
+        if (!call.changesPc) EXPECT_THAT(made, Contains(call.name));
+    }
+}
+
+// A probe that gave nothing back would exhaust the service of a real PC. What the library itself keeps is
+// left.
+TEST(ConformanceProbes, WhatTheyAreGiven_TheyGiveBack) {
+    const auto pc = Open("winpe-media");
+    Session session(*pc, nullptr, false);
+    session.Construct();
+    session.Call(FindOperation("Initialize"), {{"reserved", false}});
+    const std::map<std::string, int> before = pc->Ledger();
+    MakeCalls(*pc);
+    for (const auto& [kind, count] : pc->Ledger())
+        EXPECT_EQ(count, before.contains(kind) ? before.at(kind) : 0) << kind;
+    session.Destroy();
+}
+
+TEST(ConformanceProbes, EveryMachine_IsAskedWithoutAChange) {
+    const auto pc = Open("factory-gpt");
+    Ask(*pc);
+    EXPECT_THAT(pc->Changes(), Optional(IsEmpty()));
+}
+
+// The second call of the same kind is compared with the second, and a longer list has calls of its own.
+TEST(ConformanceComparison, SameCallTwice_IsComparedInOrder) {
+    const PcAnswers here = {.calls = {{"Next", "list, 1", "S_OK", ""}, {"Next", "list, 1", "S_FALSE", ""}}};
+    const PcAnswers emulated = {.calls = {{"Next", "list, 1", "S_OK", ""},
+                                          {"Next", "list, 1", "S_OK", ""},
+                                          {"Next", "list, 1", "S_FALSE", "Next(1)"}},
+                                .callers = {{"Next(1)", {"GetDiskStyle"}}}};
+    const ConformanceReport report = CompareAnswers(here, emulated);
+    ASSERT_EQ(report.differences.size(), 2u);
+    EXPECT_EQ(report.differences[0].here, "S_FALSE");
+    EXPECT_EQ(report.differences[0].emulated, "S_OK");
+    EXPECT_EQ(report.differences[1].here, std::nullopt);
+    EXPECT_THAT(report.differences[1].operations, ElementsAre("GetDiskStyle"));
+}
+
+TEST(ConformanceComparison, LongerLog_DiffersInItsFirstFurtherRecord) {
+    const PcAnswers here = {.operations = {{"IsVistaOS", "C", "1", {"4 Start"}}}};
+    const PcAnswers emulated = {.operations = {{"IsVistaOS", "C", "1", {"4 Start", "4 End"}}}};
+    const ConformanceReport report = CompareAnswers(here, emulated);
+    ASSERT_EQ(report.differences.size(), 1u);
+    EXPECT_EQ(report.differences[0].arguments, "C, log record 2");
+    EXPECT_EQ(report.differences[0].here, std::nullopt);
+    EXPECT_EQ(report.differences[0].emulated, "4 End");
+}
+
+TEST(ConformancePattern, Stars_StandForAnyText) {
+    EXPECT_TRUE(Pattern("*").Matches(""));
+    EXPECT_TRUE(Pattern("a*c*").Matches("abcbc"));
+    EXPECT_TRUE(Pattern("*bc").Matches("abcbc"));
+    EXPECT_FALSE(Pattern("*bd").Matches("abcbc"));
+    EXPECT_FALSE(Pattern("").Matches("a"));
+    EXPECT_FALSE(Pattern("ab").Matches("abc"));
+}
+
+}  // namespace

@@ -1,0 +1,18 @@
+// The operations of the library that change nothing, with arguments that make sense.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/kestova/operations/session.h"
+
+struct AskedOperation {
+    const Operation* operation;  // never null
+    std::vector<std::string> words;
+    Values arguments;
+};
+
+const std::vector<AskedOperation>& AskedOperations();
+
+// The result and the outputs: "1, letter \"E\"".
+std::string AnswerWords(const OperationReport& report);
