@@ -28,7 +28,7 @@ install(FILES ${completions}/bash DESTINATION share/bash-completion/completions 
 install(FILES ${completions}/zsh DESTINATION share/zsh/vendor-completions RENAME _kestova)
 install(FILES ${completions}/fish DESTINATION share/fish/vendor_completions.d RENAME kestova.fish)
 install(FILES packaging/copyright SECURITY.md docs/command-line.md docs/operations.md docs/pc-description.md docs/log.md
-  docs/hazards.md docs/recovery-partitions.md DESTINATION share/doc/kestova)
+  docs/hazards.md docs/recovery-partitions.md docs/real-pc.md docs/survey.md DESTINATION share/doc/kestova)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The developers of Kestova <kestova@localhost>")

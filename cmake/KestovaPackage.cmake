@@ -24,7 +24,7 @@ install(FILES packaging/KestovaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/KestovaC
 install(FILES examples/recovery.cpp examples/open_pc.h examples/open_pc_real.cpp DESTINATION examples)
 install(FILES packaging/example.cmake DESTINATION examples RENAME CMakeLists.txt)
 install(FILES docs/integrators.md docs/operations.md docs/command-line.md docs/pc-description.md docs/log.md docs/hazards.md
-  docs/recovery-partitions.md DESTINATION docs)
+  docs/recovery-partitions.md docs/real-pc.md docs/survey.md DESTINATION docs)
 install(FILES packaging/README.md SECURITY.md DESTINATION .)
 
 # The notices are where the build machine's packages put them.

@@ -18,7 +18,7 @@ README.md SECURITY.md
 bin/x64/Kestova.dll bin/x64/Logging.dll bin/x64/kestova.exe
 bin/x86/Kestova.dll bin/x86/Logging.dll bin/x86/kestova.exe
 docs/command-line.md docs/hazards.md docs/integrators.md docs/log.md docs/operations.md docs/pc-description.md
-docs/recovery-partitions.md
+docs/real-pc.md docs/recovery-partitions.md docs/survey.md
 examples/CMakeLists.txt examples/open_pc.h examples/open_pc_real.cpp examples/recovery.cpp
 include/logging/logging.h include/manager/kestova.h include/platform/windows_api.h
 lib/cmake/Kestova/KestovaConfig.cmake lib/cmake/Kestova/KestovaConfigVersion.cmake

@@ -56,8 +56,9 @@ TEST_F(Capture, MadeAnonymous_HoldsStandIns) {
     EXPECT_THAT(text, HasSubstr("\"label\": \"label "));
     EXPECT_THAT(text, HasSubstr("instance-0"));
     EXPECT_THAT(text, Not(HasSubstr("6f1f3a52")));
-    EXPECT_EQ(Kestova("--pc captured.json --json call GetRcvPartitionNumber").output,
-              Kestova("--pc winpe-media --json call GetRcvPartitionNumber").output);
+    const std::string question = " --json call IsExistRcvprt";
+    EXPECT_THAT(Kestova("--pc captured.json" + question).output, HasSubstr("IsExistRcvprt"));
+    EXPECT_EQ(Kestova("--pc captured.json" + question).output, Kestova("--pc winpe-media" + question).output);
 }
 
 TEST_F(Capture, FileOfAnotherKindOrMissingFolder_IsRefused) {

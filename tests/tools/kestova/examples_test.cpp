@@ -64,7 +64,7 @@ TEST_P(ExamplesOfAPage, InTheirOrder_Run_WriteWhatThePageShows) {
 
 INSTANTIATE_TEST_SUITE_P(Each, ExamplesOfAPage,
                          testing::Values("docs/operations.md", "docs/hazards.md", "docs/command-line.md",
-                                         "docs/recovery-partitions.md", "docs/survey.md"));
+                                         "docs/recovery-partitions.md", "docs/survey.md", "docs/real-pc.md"));
 
 // There is no Slurm here to run it.
 TEST_F(Examples, ScriptOfThePageOnSurveys_HasTheSyntaxOfBash) {

@@ -20,11 +20,12 @@ TEST_F(CaptureOfImage, FactoryDisk_AnswersAsTheImageAfterItIsGone) {
     Take("factory-mbr.img");
     ASSERT_EQ(Kestova("--image factory-mbr.img capture -o captured.json").status, 0);
     EXPECT_EQ(Shell("cmp factory-mbr.img " KESTOVA_TEST_IMAGES "/factory-mbr.img").status, 0);
-    const char* const questions[] = {"call GetRcvPartitionNumber", "call GetActivePartitionNumber",
+    const char* const questions[] = {"call IsExistRcvprt", "call GetActivePartitionNumber",
                                      "call GetDriveLetter 0 2", "call GetDiskStyle", "letters"};
     std::vector<std::string> before;
     for (const std::string question : questions)
         before.push_back(Kestova("--image factory-mbr.img --json " + question).output);
+    EXPECT_THAT(before, testing::Each(testing::Not(testing::IsEmpty())));
     Shell("rm factory-mbr.img");
     EXPECT_THAT(ReadFile("captured.json"), Not(HasSubstr("factory-mbr.img")));
     for (size_t at = 0; at < before.size(); ++at)
