@@ -74,13 +74,16 @@ extern "C" BOOL WINAPI FindVolumeClose(HANDLE search) {
 }
 
 // The volume name of a root like "C:\\". Error 2 for a letter without a volume, 87 for a volume without a
-// name, 123 for a root without its backslash, 206 for a short buffer.
+// name, 123 for a path without a backslash at its
+// end, 4390 for a folder, 206 for a short buffer.
 extern "C" BOOL WINAPI GetVolumeNameForVolumeMountPointW(LPCWSTR root, LPWSTR name, DWORD size) {
     const std::string path = ToUtf8(root);
     return Answer<BOOL>(
         "GetVolumeNameForVolumeMountPointW", {path, std::to_string(size)}, [&](EmulatedPc& pc) {
             if (!path.ends_with('\\')) return Outcome(pc, ERROR_INVALID_NAME);
-            if (!FindVolume(pc.facts, DividePath(path).volume)) return Outcome(pc, ERROR_FILE_NOT_FOUND);
+            const auto [volume, rest] = DividePath(path);
+            if (!FindVolume(pc.facts, volume)) return Outcome(pc, ERROR_FILE_NOT_FOUND);
+            if (rest != "\\") return Outcome(pc, ERROR_NOT_A_REPARSE_POINT);
             const std::string found = NameOfRoot(pc, path);
             return Outcome(pc,
                            found.empty() ? uint32_t{ERROR_INVALID_PARAMETER} : PutName(found, name, size));

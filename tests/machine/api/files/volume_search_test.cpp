@@ -92,7 +92,8 @@ TEST(VolumeNames, ShortBufferMissingLetterClosedSearch_FailWithTheirErrors) {
         DWORD error;
     } rows[] = {{TEXT("C:\\"), 49, ERROR_FILENAME_EXCED_RANGE},
                 {TEXT("Q:\\"), 50, ERROR_FILE_NOT_FOUND},
-                {TEXT("C:"), 50, ERROR_INVALID_NAME}};
+                {TEXT("C:"), 50, ERROR_INVALID_NAME},
+                {TEXT("C:\\Windows\\"), 50, ERROR_NOT_A_REPARSE_POINT}};
     for (const auto& row : rows) {
         EXPECT_FALSE(GetVolumeNameForVolumeMountPointW(row.root, name, row.size));
         EXPECT_EQ(GetLastError(), row.error) << ToUtf8(row.root);
