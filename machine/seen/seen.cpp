@@ -1,7 +1,9 @@
 #include "machine/seen/seen.h"
 
 #include <algorithm>
-#include <ranges>
+#include <cstddef>
+#include <iterator>
+#include <utility>
 
 #include "base/text_case.h"
 #include "base/utf.h"
