@@ -69,7 +69,7 @@ Partition WildPartition(const Disk& disk, uint32_t number, std::string& letters,
 std::string TakeLetter(std::string& letters, Choice& choice) {
     if (letters.empty()) return "";
     const size_t at = choice.Below(letters.size());
-    const std::string letter(1, letters[at]);
+    std::string letter(1, letters[at]);
     letters.erase(at, 1);
     return letter;
 }

@@ -22,7 +22,7 @@ WideString ProbeDiskDrive(Probes& probes, IWbemServices& services, IWbemClassObj
     const std::string place = "Win32_DiskDrive " + std::to_string(number);
     const WideString id = ProbeProperty(probes, place, drive, TEXT("DeviceID"));
     const std::string name = id.empty() ? place : Quoted(id);
-    const WideString deviceId = ProbeProperty(probes, name, drive, TEXT("PNPDeviceID"));
+    WideString deviceId = ProbeProperty(probes, name, drive, TEXT("PNPDeviceID"));
     ProbeProperty(probes, name, drive, TEXT("InterfaceType"));
     ProbeProperty(probes, name, drive, TEXT("interfacetype"));
     ProbeProperty(probes, name, drive, unknownProperty);

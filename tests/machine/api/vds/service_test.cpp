@@ -1,4 +1,6 @@
 // The loader, the service, its enumerations and packs.
+#include <gmock/gmock.h>
+
 #include "machine/facts/machines.h"
 #include "platform/partition_types.h"
 #include "tests/machine/api/com/com_client.h"
