@@ -115,6 +115,9 @@ struct WmiDisk {
 // The two classes that associate controllers with devices.
 enum class ControllerKind { Ide, Scsi };
 
+// Bytes of a storage descriptor as most devices answer it: the record and a name.
+inline constexpr uint32_t usualDescriptorSize = 54;
+
 struct Disk {
     uint32_t number = 0;
     std::optional<std::string> vdsName;  // \\?\PhysicalDriveN; absent: a null name
@@ -131,7 +134,7 @@ struct Disk {
     Fact<std::string> location = std::string();     // SetupAPI location text; error 13: no such property
     Fact<ScsiAddress> scsiAddress = ScsiAddress();  // IOCTL_SCSI_GET_ADDRESS
     Fact<uint32_t> storageBusType = uint32_t{11};   // IOCTL_STORAGE_QUERY_PROPERTY
-    std::optional<uint32_t> storageDescriptorSize;  // bytes, of the same control; absent: as most devices
+    std::optional<uint32_t> storageDescriptorSize;  // bytes, of the same control; absent: usualDescriptorSize
     std::vector<std::string> controllers;           // PNP device ids of its controllers, nearest first
     std::optional<ControllerKind> controllerKind;   // absent: as the interface type in WMI says, if it does
     std::vector<Partition> partitions;              // in the order in which VDS lists them

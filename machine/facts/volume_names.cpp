@@ -91,6 +91,10 @@ LocatedVolume FindVolume(Pc& pc, std::string_view name) {
     return {};
 }
 
+bool IsHidden(const Partition& partition) {
+    return (partition.attributes & hiddenFromMountManager) != 0;
+}
+
 std::vector<NamedVolume> NamedVolumes(Pc& pc) {
     std::vector<NamedVolume> volumes;
     std::set<std::string> names;
@@ -105,7 +109,7 @@ std::vector<NamedVolume> NamedVolumes(Pc& pc) {
     };
     for (Disk& disk : pc.disks) {
         for (Partition& partition : disk.partitions) {
-            if (partition.volume && (partition.attributes & hiddenFromMountManager) == 0)
+            if (partition.volume && !IsHidden(partition))
                 add(GuidOf(disk, partition), {&*partition.volume, &partition, &disk});
         }
     }

@@ -23,6 +23,10 @@ DividedPath DividePath(std::string_view path);
 // The volume of that name, without regard to case; none if there is no such volume.
 LocatedVolume FindVolume(Pc& pc, std::string_view name);
 
+// Whether the mount manager ignores the partition, by its attributes: its volume has neither a name nor, by
+// itself, a letter.
+bool IsHidden(const Partition& partition);
+
 struct NamedVolume {
     std::string name;  // "Volume{b2f6b2f6-0000-0000-0000-100000000000}"
     LocatedVolume volume;

@@ -10,6 +10,7 @@
 #include "machine/facts/extent_type.h"
 #include "machine/facts/letters.h"
 #include "machine/facts/volume_files.h"
+#include "machine/facts/volume_names.h"
 #include "machine/facts/wmi_disks.h"
 #include "machine/seen/looked_for_files.h"
 #include "platform/start_options.h"
@@ -22,9 +23,7 @@ namespace {
 constexpr std::string_view controlKey = "HKLM\\SYSTEM\\CurrentControlSet\\Control";
 constexpr std::string_view mountedDevicesKey = "HKLM\\SYSTEM\\MountedDevices";
 constexpr std::string_view letterPrefix = "\\DosDevices\\";
-constexpr uint32_t usualDescriptorSize = 54;
 constexpr uint32_t busTypeEnd = offsetof(STORAGE_DEVICE_DESCRIPTOR, BusType) + 1;
-constexpr uint64_t hiddenFromMountManager = 0x4000000000000000;
 
 // --- the system ---
 
@@ -175,8 +174,7 @@ void SeePartition(Pc& pc, const Disk& disk, Partition& partition) {
         const int given = *std::exchange(volume.extentType, std::nullopt);
         if (given != ExtentTypeOf(disk.style, partition)) volume.extentType = given;
     }
-    const bool hasName = (partition.attributes & hiddenFromMountManager) == 0;
-    if (!hasName && volume.letters.empty() && WhyUnreadable(volume) != 0) partition.volume.reset();
+    if (IsHidden(partition) && volume.letters.empty() && WhyUnreadable(volume) != 0) partition.volume.reset();
 }
 
 // --- disks ---

@@ -39,8 +39,9 @@ std::string StorageDescriptorOf(const Disk& disk) {
     constexpr std::string_view product("Emulated disk\0",
                                        14);  // more than the fixed part, as with most devices
     STORAGE_DEVICE_DESCRIPTOR descriptor{};
+    static_assert(sizeof descriptor + product.size() == usualDescriptorSize);
     descriptor.Version = sizeof descriptor;
-    descriptor.Size = disk.storageDescriptorSize.value_or(sizeof descriptor + product.size());
+    descriptor.Size = disk.storageDescriptorSize.value_or(usualDescriptorSize);
     descriptor.CommandQueueing = TRUE;
     descriptor.ProductIdOffset = sizeof descriptor;
     // Also reports values that the headers' enumeration lacks.

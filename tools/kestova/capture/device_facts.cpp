@@ -4,10 +4,10 @@
 
 #include "base/owners.h"
 #include "base/utf.h"
+#include "tools/kestova/capture/open_device.h"
 
 namespace {
 
-constexpr uint32_t usualDescriptorSize = 54;
 constexpr DWORD largestDescriptor = 65536;
 
 // --- the location text of device set-up ---
@@ -33,12 +33,6 @@ machine::Fact<std::string> CapturedLocation(const std::string& pnpDeviceId) {
 }
 
 // --- the controls of the device ---
-
-FileHandle OpenDisk(uint32_t number) {
-    const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(number);
-    return FileHandle(CreateFileW(ToWide(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-}
 
 machine::Fact<machine::ScsiAddress> CapturedAddress(const FileHandle& device) {
     SCSI_ADDRESS address = {};
@@ -78,7 +72,7 @@ void CaptureBusType(Findings& findings, const FileHandle& device, machine::Disk&
     }
     std::memcpy(&descriptor, room.data(), sizeof descriptor);
     disk.storageBusType = static_cast<uint32_t>(descriptor.BusType);
-    if (descriptor.Size != usualDescriptorSize) disk.storageDescriptorSize = descriptor.Size;
+    if (descriptor.Size != machine::usualDescriptorSize) disk.storageDescriptorSize = descriptor.Size;
     CaptureShortDescriptor(findings, device);
 }
 
@@ -87,7 +81,7 @@ void CaptureBusType(Findings& findings, const FileHandle& device, machine::Disk&
 void CaptureDevices(Findings& findings) {
     for (machine::Disk& disk : findings.pc.disks) {
         if (disk.wmi && disk.wmi->pnpDeviceId) disk.location = CapturedLocation(*disk.wmi->pnpDeviceId);
-        const FileHandle device = OpenDisk(disk.number);
+        const FileHandle device = OpenShared("\\\\.\\PhysicalDrive" + std::to_string(disk.number), 0);
         if (!device) {
             disk.scsiAddress = machine::Fact<machine::ScsiAddress>::Fails(GetLastError());
             disk.storageBusType = machine::Fact<uint32_t>::Fails(disk.scsiAddress.error);

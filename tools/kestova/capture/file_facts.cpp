@@ -5,6 +5,7 @@
 #include "base/owners.h"
 #include "base/utf.h"
 #include "machine/seen/looked_for_files.h"
+#include "tools/kestova/capture/open_device.h"
 
 namespace {
 
@@ -16,8 +17,7 @@ constexpr DWORD largestFile = 65536;
 std::optional<std::string> ReadSmallFile(const std::string& path, std::vector<std::string>& notes) {
     const WideString name = ToWide(path);
     if (!PathFileExistsW(name.c_str())) return std::nullopt;
-    const FileHandle file(CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const FileHandle file = OpenShared(path, GENERIC_READ);
     std::string content(largestFile, '\0');
     DWORD read = 0;
     if (!file || !ReadFile(file.Get(), content.data(), largestFile, &read, nullptr)) {

@@ -15,6 +15,7 @@
 #include "base/wide_string.h"
 #include "machine/facts/extent_type.h"
 #include "platform/vds.h"
+#include "tools/kestova/capture/open_device.h"
 
 namespace {
 
@@ -201,9 +202,7 @@ bool Ask(const FileHandle& device, DWORD control, std::vector<char>& room) {
 }
 
 std::optional<DeviceIdentity> IdentityOf(uint32_t number) {
-    const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(number);
-    const FileHandle device(CreateFileW(ToWide(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const FileHandle device = OpenShared("\\\\.\\PhysicalDrive" + std::to_string(number), 0);
     if (!device) return std::nullopt;
     DeviceIdentity identity;
     std::vector<char> room(sizeof(DRIVE_LAYOUT_INFORMATION_EX) +

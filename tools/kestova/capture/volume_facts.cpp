@@ -12,6 +12,7 @@
 #include "machine/facts/find_disk.h"
 #include "machine/facts/letters.h"
 #include "tools/kestova/capture/file_facts.h"
+#include "tools/kestova/capture/open_device.h"
 
 namespace {
 
@@ -48,11 +49,6 @@ machine::Volume CapturedVolume(Findings& findings, const std::string& root) {
     CaptureLabel(volume, wide);
     volume.files = CapturedFiles(root, findings.notes);
     return volume;
-}
-
-FileHandle OpenVolume(const std::string& device, DWORD access) {
-    return FileHandle(CreateFileW(ToWide(device).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 // None for a volume without a disk.
@@ -120,7 +116,7 @@ void VolumeCapture::FindNames() {
     }
     do {
         const std::string root = ToUtf8(name);
-        known_.push_back({root, ExtentsOf(OpenVolume(root.substr(0, root.size() - 1), 0)), "", 0});
+        known_.push_back({root, ExtentsOf(OpenShared(root.substr(0, root.size() - 1), 0)), "", 0});
     } while (FindNextVolumeW(search, name, nameRoom));
     FindVolumeClose(search);
 }
@@ -132,7 +128,7 @@ KnownVolume& VolumeCapture::OfLetter(char letter) {
         GetVolumeNameForVolumeMountPointW(ToWide(RootOf(letter)).c_str(), buffer, nameRoom) != FALSE;
     const std::string name = isNamed ? ToUtf8(buffer) : "";
     const std::vector<machine::Extent> extents =
-        isNamed ? std::vector<machine::Extent>() : ExtentsOf(OpenVolume(DeviceOf(letter), 0));
+        isNamed ? std::vector<machine::Extent>() : ExtentsOf(OpenShared(DeviceOf(letter), 0));
     const auto known = std::ranges::find_if(known_, [&](const KnownVolume& volume) {
         return isNamed ? volume.name == name : !extents.empty() && volume.extents == extents;
     });
@@ -148,7 +144,7 @@ void VolumeCapture::FindLetters() {
         const char letter = static_cast<char>(roots[at]);
         KnownVolume& volume = OfLetter(letter);
         volume.letters += letter;
-        if (!OpenVolume(DeviceOf(letter), GENERIC_READ)) volume.openError = GetLastError();
+        if (!OpenShared(DeviceOf(letter), GENERIC_READ)) volume.openError = GetLastError();
     }
 }
 
@@ -183,7 +179,7 @@ void VolumeCapture::OfPartitions() {
                                        "\\Partition" + std::to_string(partition.number);
             if (!PathFileExistsW(ToWide(device + "\\").c_str())) continue;
             machine::Volume volume = CapturedVolume(findings_, device + "\\");
-            volume.furtherExtents = ExtentsOf(OpenVolume(device, 0));
+            volume.furtherExtents = ExtentsOf(OpenShared(device, 0));
             if (!volume.furtherExtents.empty()) volume.furtherExtents.erase(volume.furtherExtents.begin());
             if (volume.driveType == machine::DriveType::NoRoot) volume.driveType = machine::DriveType::Fixed;
             partition.volume = std::move(volume);

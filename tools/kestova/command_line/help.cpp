@@ -59,7 +59,8 @@ const std::vector<CommandHelp>& CommandHelps() {
          "without a letter, what WMI lists, what drivers answer, letters in the registry, and which of the files exist "
          "that the library looks for. Nothing is changed. A call that fails is described as failing. Of an image it "
          "makes a description that needs the image no more. What the description holds is said before you send it to "
-         "anybody; --anonymous puts stand-ins for what tells whose PC it is.",
+         "anybody; --anonymous puts stand-ins for what tells whose PC it is. Only --with-installed-registry writes: "
+         "Windows brings the logs of a hive into it when it is mounted.",
          {{"capture -o pc.json", "on Windows: this PC"},
           {"--image disk.img --anonymous capture -o pc.json", "the disk in an image"},
           {"--pc pc.json status", "and look at it anywhere"}}},
