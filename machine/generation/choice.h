@@ -2,6 +2,7 @@
 // library are not.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <initializer_list>
 #include <random>
@@ -14,7 +15,11 @@ class Choice {
     // The numbers of one of the PCs of a seed, without making those before it.
     Choice(uint64_t seed, uint64_t number);
 
-    uint64_t Below(uint64_t limit) { return numbers_() % limit; }
+    // Of the limit's type: an index is a size_t, which is narrower than the numbers where addresses have 32 bits.
+    template <std::integral Limit>
+    Limit Below(Limit limit) {
+        return static_cast<Limit>(numbers_() % static_cast<uint64_t>(limit));
+    }
     bool OneIn(uint64_t chances) { return Below(chances) == 0; }
     template <typename T>
     T OneOf(std::initializer_list<T> choices) {

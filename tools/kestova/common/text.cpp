@@ -120,7 +120,7 @@ std::string PrintableText(std::string_view text) {
     return shown;
 }
 
-std::string Count(size_t count, std::string_view noun) {
+std::string Count(uint64_t count, std::string_view noun) {
     return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }
 

@@ -44,7 +44,7 @@ std::string TextOr(const std::optional<int>& number, const char* none);
 std::string TextOr(const std::optional<WCHAR>& letter, const char* none);
 
 // "1 argument", "2 arguments".
-std::string Count(size_t count, std::string_view noun);
+std::string Count(uint64_t count, std::string_view noun);
 
 // "there is no operation 'SetActiv'; did you mean SetActive?"
 std::string UnknownWord(std::string_view what, std::string_view name, const std::vector<std::string>& known);

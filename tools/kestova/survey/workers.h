@@ -3,11 +3,12 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 
 struct WorkerLimits {
-    size_t atOnce = 1;
+    uint64_t atOnce = 1;
     std::chrono::seconds time{60};  // for a task
     bool mayBeEnded = true;         // in the middle of a task, if the program is interrupted
 };
