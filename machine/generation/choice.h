@@ -2,7 +2,7 @@
 // library are not.
 #pragma once
 
-#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <random>
@@ -15,15 +15,12 @@ class Choice {
     // The numbers of one of the PCs of a seed, without making those before it.
     Choice(uint64_t seed, uint64_t number);
 
-    // Of the limit's type: an index is a size_t, which is narrower than the numbers where addresses have 32 bits.
-    template <std::integral Limit>
-    Limit Below(Limit limit) {
-        return static_cast<Limit>(numbers_() % static_cast<uint64_t>(limit));
-    }
+    uint64_t Below(uint64_t limit) { return numbers_() % limit; }
+    size_t IndexBelow(size_t count) { return static_cast<size_t>(Below(count)); }
     bool OneIn(uint64_t chances) { return Below(chances) == 0; }
     template <typename T>
     T OneOf(std::initializer_list<T> choices) {
-        return choices.begin()[Below(choices.size())];
+        return choices.begin()[IndexBelow(choices.size())];
     }
 
   private:

@@ -34,7 +34,7 @@ Volume* RecoveryVolume(Pc& pc) {
 // Null on a disk that has lost its partitions.
 Partition* AnyPartition(Pc& pc, Choice& choice) {
     std::vector<Partition>& partitions = Internal(pc).partitions;
-    return partitions.empty() ? nullptr : &partitions[choice.Below(partitions.size())];
+    return partitions.empty() ? nullptr : &partitions[choice.IndexBelow(partitions.size())];
 }
 
 std::string FreeLetters(const Pc& pc) {

@@ -68,7 +68,7 @@ Partition WildPartition(const Disk& disk, uint32_t number, std::string& letters,
 
 std::string TakeLetter(std::string& letters, Choice& choice) {
     if (letters.empty()) return "";
-    const size_t at = choice.Below(letters.size());
+    const size_t at = choice.IndexBelow(letters.size());
     std::string letter(1, letters[at]);
     letters.erase(at, 1);
     return letter;
@@ -126,7 +126,7 @@ Pc WildPc(Choice& choice) {
         pc.volumes.push_back(WildMedium(letters, choice));
     if (choice.OneIn(2)) {
         pc.encryptableVolumes.emplace();
-        for (const char letter : std::string("CDE").substr(choice.Below(4)))
+        for (const char letter : std::string("CDE").substr(choice.IndexBelow(4)))
             pc.encryptableVolumes->push_back(WildEncryptable(letter, choice));
     }
     return pc;
