@@ -26,7 +26,10 @@ static Json ToJson(const Trace& trace) {
 }
 
 static Json ToJson(const Meaning& meaning) {
-    return {{"value", ToJson(meaning.value)}, {"words", meaning.words}, {"failure", meaning.failure}};
+    return {{"value", ToJson(meaning.value)},
+            {"words", meaning.words},
+            {"failure", meaning.failure},
+            {"name", meaning.name}};
 }
 
 static const char* KindName(Kind kind) {

@@ -175,10 +175,12 @@ constexpr OutputKey operationsKeys[] = {
     {"parameters[].values[].value", "integer|string|boolean", "that has a meaning"},
     {"parameters[].values[].words", "string", "its meaning"},
     {"parameters[].values[].failure", "boolean", "whether it is a failure"},
+    {"parameters[].values[].name", "string", "by which programs call it"},
     {"parameters[].default?", "integer|string|boolean", "when it is left out"},
     {"results[].value", "integer|string|boolean", "that has a meaning"},
     {"results[].words", "string", "its meaning"},
     {"results[].failure", "boolean", "whether it is a failure"},
+    {"results[].name", "string", "by which programs call it"},
     {"otherwise", "string", "any other result in words"},
     {"changesPc", "boolean", "whether it can change the PC"},
 };

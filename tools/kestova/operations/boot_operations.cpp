@@ -6,10 +6,12 @@
 namespace {
 
 // Common results of the operations that switch the active partition.
-const Meaning noActivePartition{1, "no active partition could be read", true};
-const Meaning unknownActivePartition{2, "the number of the active partition is unknown", true};
+const Meaning noActivePartition{1, "NO_ACTIVE_PARTITION", "no active partition could be read", true};
+const Meaning unknownActivePartition{2, "UNKNOWN_ACTIVE_PARTITION",
+                                     "the number of the active partition is unknown", true};
 const Meaning noRecoveryPartition{
-    3, "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files", true};
+    3, "NO_RECOVERY_FILES",
+    "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files", true};
 
 }  // namespace
 
@@ -18,50 +20,54 @@ std::vector<Operation> BootOperations() {
         {.name = "SetRcvprtActive",
          .summary = "Makes the recovery partition active and records the partition that was.",
          .results = {{.value = 0,
+                      .name = "DONE",
                       .words = "done, or it was active already",
                       .outcomes = {recoveryWasActive, "it was active already", "done"}},
                      noActivePartition,
                      unknownActivePartition,
                      noRecoveryPartition,
-                     {4, "the record could not be written", true},
-                     {5, "the flag could not be set; setting the former one again was tried", true}},
+                     {4, "RECORD_NOT_WRITTEN", "the record could not be written", true},
+                     {5, "FLAG_NOT_SET", "the flag could not be set; setting the former one again was tried",
+                      true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetRcvprtActive(); }},
 
         {.name = "SetSystemActive",
          .summary = "Makes the recorded partition active again, 2 without a usable record.",
          .results = {{.value = 0,
+                      .name = "DONE",
                       .words = "done, or there was nothing to do",
                       .outcomes = {systemWasActive, "there was nothing to do", "done"}},
                      noActivePartition,
                      unknownActivePartition,
                      noRecoveryPartition,
-                     {4, "the flag could not be set", true},
-                     {5, "the record could not be deleted", true}},
+                     {4, "FLAG_NOT_SET", "the flag could not be set", true},
+                     {5, "RECORD_NOT_DELETED", "the record could not be deleted", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetSystemActive(); }},
 
         {.name = "SetPOneActive",
          .summary = "As SetRcvprtActive, and drops a record that says 2 or nothing usable.",
-         .results = {{0, "done"},
+         .results = {{0, "DONE", "done"},
                      noActivePartition,
                      unknownActivePartition,
                      noRecoveryPartition,
-                     {4, "the record could not be written", true},
-                     {5, "the flag could not be set; setting the former one again was tried", true},
-                     {6, "the record could not be dropped", true}},
+                     {4, "RECORD_NOT_WRITTEN", "the record could not be written", true},
+                     {5, "FLAG_NOT_SET", "the flag could not be set; setting the former one again was tried",
+                      true},
+                     {6, "RECORD_NOT_DROPPED", "the record could not be dropped", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetPOneActive(); }},
 
         {.name = "SetPTwoActive",
          .summary = "Makes partition 2 active and deletes the record.",
          .results =
-             {{0, "done"},
-              {1, "the flag could not be set; setting partition 1 again was tried", true},
-              {2,
+             {{0, "DONE", "done"},
+              {1, "FLAG_NOT_SET", "the flag could not be set; setting partition 1 again was tried", true},
+              {2, "NO_RECOVERY_FILES",
                "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files",
                true},
-              {3, "the record could not be deleted", true}},
+              {3, "RECORD_NOT_DELETED", "the record could not be deleted", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetPTwoActive(); }},
     };

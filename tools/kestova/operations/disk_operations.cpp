@@ -3,20 +3,20 @@
 #include "tools/kestova/operations/operation_tables.h"
 
 std::vector<Operation> DiskOperations() {
-    const Meaning no{0, "no, or it could not be told", false, vague};
+    const Meaning no{0, "NO", "no, or it could not be told", false, vague};
     return {
         {.name = "Initialize",
          .summary = "Prepares COM security and loads the Virtual Disk Service.",
          .parameters = {{.name = "reserved", .kind = Kind::Flag, .words = "without effect"}},
-         .results = {{1, "the service is ready"},
-                     {0, "the service could not be loaded in 20 attempts", true}},
+         .results = {{1, "READY", "the service is ready"},
+                     {0, "NOT_LOADED", "the service could not be loaded in 20 attempts", true}},
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.Initialize(std::get<bool>(ValueOf(arguments, "reserved")));
          }},
 
         {.name = "GetFirstInternalDriveNumber",
          .summary = "Which disk is the first internal one.",
-         .results = {{-1, "there is none, or it could not be told", true, vague}},
+         .results = {{-1, "NONE", "there is none, or it could not be told", true, vague}},
          .otherwise = "the number of the disk",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.GetFirstInternalDriveNumber();
@@ -24,12 +24,14 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "GetDiskStyle",
          .summary = "The partition style of the first internal disk.",
-         .parameters =
-             {{.name = "style",
-               .words = "the style",
-               .output = true,
-               .meanings = {{0, "unknown, or not to be read", false, vague}, {1, "MBR"}, {2, "GPT"}}}},
-         .results = {{1, "asked; the style tells the rest"}, {0, "there is no volume layer", true}},
+         .parameters = {{.name = "style",
+                         .words = "the style",
+                         .output = true,
+                         .meanings = {{0, "UNKNOWN", "unknown, or not to be read", false, vague},
+                                      {1, "MBR", "MBR"},
+                                      {2, "GPT", "GPT"}}}},
+         .results = {{1, "ASKED", "asked; the style tells the rest"},
+                     {0, "NO_VOLUME_LAYER", "there is no volume layer", true}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              THardDiskType style = HARD_DISK_UNKNOWN;
              const int result = object.GetDiskStyle(style);
@@ -42,12 +44,13 @@ std::vector<Operation> DiskOperations() {
          .parameters = {{.name = "type",
                          .words = "the layout",
                          .output = true,
-                         .meanings = {{0, "unknown", false, vague},
-                                      {1, "GPT, partition 3 is the EFI system partition"},
-                                      {2, "GPT, partition 3 is not the EFI system partition"},
-                                      {3, "MBR, partition 2 is labelled \"System Reserved\""},
-                                      {4, "MBR, partition 2 is not labelled System Reserved"}}}},
-         .results = {{1, "asked; the type tells the rest"}},
+                         .meanings = {{0, "UNKNOWN", "unknown", false, vague},
+                                      {1, "GPT_ESP", "GPT, partition 3 is the EFI system partition"},
+                                      {2, "GPT_OTHER", "GPT, partition 3 is not the EFI system partition"},
+                                      {3, "MBR_SYSTEM_RESERVED",
+                                       "MBR, partition 2 is labelled \"System Reserved\""},
+                                      {4, "MBR_OTHER", "MBR, partition 2 is not labelled System Reserved"}}}},
+         .results = {{1, "ASKED", "asked; the type tells the rest"}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              tagDiskTypeEnum type = DISK_TYPE_UNKNOWN;
              const int result = object.GetCurrentDiskType(type);
@@ -57,18 +60,18 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "IsDynamic",
          .summary = "Always 0: no disk counts as dynamic.",
-         .results = {{0, "no"}},
+         .results = {{0, "NO", "no"}},
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsDynamic(); }},
 
         {.name = "IsEFIBootSystem",
          .summary = "Whether the firmware is UEFI.",
-         .results = {{1, "UEFI"}, {0, "BIOS", false, vague}},
+         .results = {{1, "UEFI", "UEFI"}, {0, "BIOS", "BIOS", false, vague}},
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsEFIBootSystem(); }},
 
         {.name = "GetDriveLetter",
          .summary = "The letter of a partition.",
          .parameters = {disk, partition},
-         .results = {{"0", "it has none", true, vague}},
+         .results = {{"0", "NONE", "it has none", true, vague}},
          .otherwise = "its letter",
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return LetterText(
@@ -78,7 +81,7 @@ std::vector<Operation> DiskOperations() {
         {.name = "IsNeedHidePartition",
          .summary = "Whether a partition is not for the user's eyes.",
          .parameters = {disk, partition},
-         .results = {{1, "yes"}, no},
+         .results = {{1, "YES", "yes"}, no},
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.IsNeedHidePartition(Number(arguments, "disk"), Number(arguments, "partition"));
          }},
@@ -86,7 +89,7 @@ std::vector<Operation> DiskOperations() {
         {.name = "IsBIOSHibernationPartition",
          .summary = "Whether a partition is the BIOS's hibernation partition.",
          .parameters = {disk, partition},
-         .results = {{1, "yes"}, no},
+         .results = {{1, "YES", "yes"}, no},
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.IsBIOSHibernationPartition(Number(arguments, "disk"),
                                                       Number(arguments, "partition"));
@@ -95,7 +98,7 @@ std::vector<Operation> DiskOperations() {
         {.name = "SetBIOSHibernationPartitionID",
          .summary = "Makes an MBR partition of the first internal disk the BIOS's hibernation partition.",
          .parameters = {partition},
-         .results = {{0, "done"}, {1, "failed", true}},
+         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.SetBIOSHibernationPartitionID(Number(arguments, "partition"));
@@ -103,7 +106,7 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "GetActivePartitionNumber",
          .summary = "Which partition of the first internal disk is active.",
-         .results = {{-1, "there is none, or it could not be told", true, vague}},
+         .results = {{-1, "NONE", "there is none, or it could not be told", true, vague}},
          .otherwise = "the number of the partition",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.GetActivePartitionNumber();
@@ -113,7 +116,7 @@ std::vector<Operation> DiskOperations() {
          .summary =
              "Sets the active flag of an MBR partition of the first internal disk; clears no other flag itself.",
          .parameters = {partition},
-         .results = {{0, "done"}, {1, "failed", true}},
+         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.SetActive(Number(arguments, "partition"));
@@ -121,7 +124,7 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "ClearActive",
          .summary = "Clears every active flag of the first internal disk.",
-         .results = {{0, "done"}, {1, "failed", true}},
+         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", true}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.ClearActive(); }},
     };

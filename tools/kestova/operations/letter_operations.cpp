@@ -4,22 +4,22 @@
 
 namespace {
 
-const Meaning removeFailed{105, "the letter could not be taken", true};
+const Meaning removeFailed{105, "LETTER_NOT_TAKEN", "the letter could not be taken", true};
 
 // Common results of the two operations that give partition 1 or 3 a letter.
 std::vector<Meaning> ActivationResults(const char* wrongType) {
-    return {{0, "done"},
-            {101, "the type could not be read", true},
-            {104, "the partition has no letter all the same", true},
-            {105, "the letter could not be given", true},
-            {113, wrongType, true}};
+    return {{0, "DONE", "done"},
+            {101, "TYPE_NOT_READ", "the type could not be read", true},
+            {104, "NO_LETTER", "the partition has no letter all the same", true},
+            {105, "LETTER_NOT_GIVEN", "the letter could not be given", true},
+            {113, "OTHER_TYPE", wrongType, true}};
 }
 
 }  // namespace
 
 std::vector<Operation> LetterOperations() {
     const Parameter given = LetterOutput("the letter of the partition", "none");
-    const Meaning asked{1, "asked; the letter tells the rest"};
+    const Meaning asked{1, "ASKED", "asked; the letter tells the rest"};
     return {
         {.name = "ActiveOrvoBootPartition",
          .summary = "Gives the maker's boot partition, number 1, a letter.",
@@ -32,7 +32,7 @@ std::vector<Operation> LetterOperations() {
 
         {.name = "DisableOrvoBootPartition",
          .summary = "Takes the letter of partition 1, whoever gave it.",
-         .results = {{0, "done"}, removeFailed},
+         .results = {{0, "DONE", "done"}, removeFailed},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.DisableOrvoBootPartition();
@@ -49,7 +49,7 @@ std::vector<Operation> LetterOperations() {
 
         {.name = "DisableGPTSystemPartition",
          .summary = "Takes the letter of partition 3, whoever gave it.",
-         .results = {{0, "done"}, removeFailed},
+         .results = {{0, "DONE", "done"}, removeFailed},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.DisableGPTSystemPartition();
@@ -93,7 +93,7 @@ std::vector<Operation> LetterOperations() {
 
         {.name = "IsExistRcvprt",
          .summary = "Whether there is a recovery partition; it keeps the letter that it is given.",
-         .results = {{1, "yes"}, {0, "no, or it could not be given a letter", false, vague}},
+         .results = {{1, "YES", "yes"}, {0, "NO", "no, or it could not be given a letter", false, vague}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsExistRcvprt(); }},
     };

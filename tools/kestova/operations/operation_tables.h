@@ -42,5 +42,5 @@ inline Parameter LetterOutput(const char* words, const char* none, bool noneIsVa
             .kind = Kind::Letter,
             .words = words,
             .output = true,
-            .meanings = {{"0", none, false, noneIsVague}}};
+            .meanings = {{"0", "NONE", none, false, noneIsVague}}};
 }

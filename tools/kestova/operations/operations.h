@@ -23,6 +23,7 @@ struct TwoOutcomes {
 // A value in words.
 struct Meaning {
     Value value;
+    const char* name = "";  // by which programs call it, in capitals
     const char* words = "";
     bool failure = false;
     bool vague = false;  // also the answer if a call failed on the way to another one

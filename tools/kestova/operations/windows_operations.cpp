@@ -7,9 +7,13 @@
 namespace {
 
 std::vector<Parameter> PlaceOutputs() {
-    return {{.name = "disk", .words = "its disk", .output = true, .meanings = {{-1, "none", false, vague}}},
-            {.name = "partition", .words = "its partition", .output = true, .meanings = {{-1, "none"}}},
-            LetterOutput("its letter", "none")};
+    return {
+        {.name = "disk",
+         .words = "its disk",
+         .output = true,
+         .meanings = {{-1, "NONE", "none", false, vague}}},
+        {.name = "partition", .words = "its partition", .output = true, .meanings = {{-1, "NONE", "none"}}},
+        LetterOutput("its letter", "none")};
 }
 
 template <typename Member>
@@ -52,15 +56,15 @@ std::vector<Operation> WindowsOperations() {
     return {
         {.name = "IsExistEncryptVolume",
          .summary = "Whether BitLocker can be asked.",
-         .results = {{1, "it can, even if it encrypts nothing"}, {0, "it cannot", false, vague}},
+         .results = {{1, "YES", "it can, even if it encrypts nothing"}, {0, "NO", "it cannot", false, vague}},
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.IsExistEncryptVolume();
          }},
 
         {.name = "GetEncryptVolume",
          .summary = "The letter of the only encrypted volume.",
-         .results = {{"0", "there are none, or several, or BitLocker cannot be asked", true, vague},
-                     {std::string(1, '\0'), "it has no letter"}},
+         .results = {{"0", "NONE", "there are none, or several, or BitLocker cannot be asked", true, vague},
+                     {std::string(1, '\0'), "NO_LETTER", "it has no letter"}},
          .otherwise = "its letter",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return LetterText(object.GetEncryptVolume());
@@ -72,23 +76,24 @@ std::vector<Operation> WindowsOperations() {
                          .kind = Kind::Text,
                          .words = "the letters",
                          .output = true,
-                         .meanings = {{"", "empty"}}},
+                         .meanings = {{"", "EMPTY", "empty"}}},
                         {.name = "size",
                          .kind = Kind::Count,
                          .words = "characters that the buffer has room for, with the terminator",
                          .standard = 33}},
-         .results = {{1, "BitLocker was asked"}, {0, "BitLocker cannot be asked", true, vague}},
+         .results = {{1, "ASKED", "BitLocker was asked"},
+                     {0, "NOT_ASKED", "BitLocker cannot be asked", true, vague}},
          .invoke = GetAllEncryptVolume},
 
         {.name = "GetBitLockerSystemInfo",
          .summary = "Where the EFI system partition is; its letter is never looked up.",
          .parameters = PlaceOutputs(),
-         .results = {{0, "asked; the outputs tell the rest"},
-                     {100, "there is no internal disk", true, vague},
-                     {106, "the partition style is unknown", true, vague},
-                     {111, "the partition style could not be read", true, vague},
-                     {115, "the type of partition 3 could not be read", true, vague},
-                     {116, "there is no volume layer", true, vague}},
+         .results = {{0, "ASKED", "asked; the outputs tell the rest"},
+                     {100, "NO_INTERNAL_DISK", "there is no internal disk", true, vague},
+                     {106, "STYLE_UNKNOWN", "the partition style is unknown", true, vague},
+                     {111, "STYLE_NOT_READ", "the partition style could not be read", true, vague},
+                     {115, "TYPE_NOT_READ", "the type of partition 3 could not be read", true, vague},
+                     {116, "NO_VOLUME_LAYER", "there is no volume layer", true, vague}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetBitLockerSystemInfo(onDisk, number, letter);
@@ -98,10 +103,11 @@ std::vector<Operation> WindowsOperations() {
         {.name = "GetVistaOSInfo",
          .summary = "Where the installed Windows is, on a GPT disk with an EFI system partition.",
          .parameters = PlaceOutputs(),
-         .results = {{0, "found"},
-                     {104, "its partition has no letter, or the layout is another", true, vague},
-                     {110, "its partition holds no Windows", true, vague},
-                     {111, "the partition style is unknown or could not be read", true, vague}},
+         .results = {{0, "FOUND", "found"},
+                     {104, "NO_LETTER", "its partition has no letter, or the layout is another", true, vague},
+                     {110, "NO_WINDOWS", "its partition holds no Windows", true, vague},
+                     {111, "STYLE_UNKNOWN", "the partition style is unknown or could not be read", true,
+                      vague}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetVistaOSInfo(onDisk, number, letter);
@@ -118,7 +124,8 @@ std::vector<Operation> WindowsOperations() {
                          .kind = Kind::Count,
                          .words = "records that there is room for",
                          .standard = 26}},
-         .results = {{1, "done"}, {0, "something failed, or there was no room for all records", true, vague}},
+         .results = {{1, "DONE", "done"},
+                     {0, "FAILED", "something failed, or there was no room for all records", true, vague}},
          .invoke = GetWinDriveLetters},
     };
 }
