@@ -120,6 +120,10 @@ std::string PrintableText(std::string_view text) {
     return shown;
 }
 
+std::string WithNamedNul(const std::string& text) {
+    return text == std::string(1, '\0') ? "NUL" : text;
+}
+
 std::string Count(uint64_t count, std::string_view noun) {
     return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }

@@ -44,6 +44,9 @@ std::string TextOr(const std::optional<int>& number, const char* none);
 std::string TextOr(const std::optional<WCHAR>& letter, const char* none);
 
 // "1 argument", "2 arguments".
+// The text; "NUL" for that character alone.
+std::string WithNamedNul(const std::string& text);
+
 std::string Count(uint64_t count, std::string_view noun);
 
 // "there is no operation 'SetActiv'; did you mean SetActive?"

@@ -63,7 +63,8 @@ static Json ToJson(const Operation& operation) {
             {"parameters", ListOf(operation.parameters)},
             {"results", ListOf(operation.results)},
             {"otherwise", operation.otherwise},
-            {"changesPc", operation.changesPc}};
+            {"changesPc", operation.changesPc},
+            {"waits", operation.waits}};
 }
 
 static Json ToJson(const machine::NamedMachine& machine) {

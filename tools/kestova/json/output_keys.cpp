@@ -183,6 +183,7 @@ constexpr OutputKey operationsKeys[] = {
     {"results[].name", "string", "by which programs call it"},
     {"otherwise", "string", "any other result in words"},
     {"changesPc", "boolean", "whether it can change the PC"},
+    {"waits", "string", "how long it can wait for others; empty if it does not"},
 };
 
 constexpr OutputKey pcsKeys[] = {

@@ -10,6 +10,7 @@ std::vector<Operation> DiskOperations() {
          .parameters = {{.name = "reserved", .kind = Kind::Flag, .words = "without effect"}},
          .results = {{1, "READY", "the service is ready"},
                      {0, "NOT_LOADED", "the service could not be loaded in 20 attempts", true}},
+         .waits = "up to 20 attempts to load the service, one second apart",
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.Initialize(std::get<bool>(ValueOf(arguments, "reserved")));
          }},

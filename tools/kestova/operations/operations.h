@@ -46,6 +46,7 @@ struct Operation {
     std::vector<Meaning> results = {};
     const char* otherwise = "";  // any other result, in words; empty if there is none
     bool changesPc = false;
+    const char* waits = "";  // how long it can wait for others; empty: it asks, and is answered
     // Returns the result, nothing for an operation without one. `arguments` has every input by name; outputs
     // are added under theirs.
     Value (*invoke)(Kestova& object, const Values& arguments, Values& outputs) = nullptr;

@@ -126,6 +126,7 @@ std::vector<Operation> WindowsOperations() {
                          .standard = 26}},
          .results = {{1, "DONE", "done"},
                      {0, "FAILED", "something failed, or there was no room for all records", true, vague}},
+         .waits = "up to 61.8 seconds for the program reg",
          .invoke = GetWinDriveLetters},
     };
 }

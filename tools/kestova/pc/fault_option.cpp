@@ -43,8 +43,8 @@ std::vector<std::string> CallNames() {
 
 }  // namespace
 
-machine::FaultRule ReadFault(const std::string& text) {
-    const auto wrong = [&](const std::string& what) { return WrongUse("--fail '" + text + "': " + what); };
+machine::FaultRule ReadFault(const std::string& text, const std::string& asker) {
+    const auto wrong = [&](const std::string& what) { return WrongUse(asker + " '" + text + "': " + what); };
     const size_t equals = text.find('=');
     if (equals == std::string::npos) throw wrong("no '=CODE'");
 

@@ -28,7 +28,7 @@ std::string Plain(int number) {
 }
 
 std::string Plain(const std::string& text) {
-    return text == std::string(1, '\0') ? "NUL" : text;
+    return WithNamedNul(text);
 }
 
 // "C: disk 0, partition 2; D: disk 0, partition 3".
@@ -55,17 +55,6 @@ std::string FileSizeText(const machine::FileEntry& entry) {
 
 std::string ValueText(const Value& value, const std::string& words) {
     return Plain(value) + (words.empty() ? "" : ": " + words);
-}
-
-std::string TraceLine(const LogEntry& record) {
-    return "  log " + std::to_string(record.level) + "  " + OneLine(ToUtf8(record.Text())) + "\n";
-}
-
-std::string TraceLine(const machine::CallRecord& call) {
-    const std::string arguments =
-        Joined(call.arguments, ", ", [](const std::string& argument) { return Plain(argument); });
-    return "  " + call.call + "(" + OneLine(arguments) + ") = " + call.result +
-           (call.injected ? "  (injected)" : "") + "\n";
 }
 
 // "(0, 2) = C: its letter"; an operation without a result has nothing after its arguments.
@@ -234,7 +223,7 @@ std::string TraceText(const OperationReport& report) {
     std::string text;
     if (!report.showsTrace) return text;
     for (const machine::JournalEntry& entry : report.trace)
-        text += std::visit([](const auto& happened) { return TraceLine(happened); }, entry);
+        text += "  " + TraceLine(entry) + "\n";
     return text;
 }
 

@@ -1,0 +1,3 @@
+#include "c/start.h"
+
+void c_interface::EnsureSystem() {}
