@@ -1,9 +1,9 @@
 """Writes the C interface and the bindings from the table of operations.
 
-usage: bindings.py KESTOVA FOLDER
+usage: bindings.py KESTOVA SOURCES [FOLDER]
 
-KESTOVA is the tool, which knows the table; FOLDER is the root of the sources. Each template (*.j2) has one file, which
-stands in the list below.
+KESTOVA is the tool, which knows the table; SOURCES is the root of the sources. Each template (*.j2) has one file, which
+stands in the list below and is written there, or in the same place below FOLDER.
 """
 
 import json
@@ -16,7 +16,7 @@ import textwrap
 import jinja2
 
 FILES = {
-    "c/templates/kestova_c.h.j2": "c/include/kestova/kestova_c.h",
+    "c/templates/kestova_c.h.j2": "kestova/kestova_c.h",
     "c/templates/operations.cpp.j2": "c/operations.cpp",
     "c/templates/results.cpp.j2": "c/results.cpp",
 }
@@ -180,7 +180,7 @@ def enumerated_outputs(operations):
 
 
 def main():
-    tool, root = sys.argv[1], pathlib.Path(sys.argv[2])
+    tool, root, written = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[-1])
     lines = subprocess.run([tool, "operations", "--json"], check=True, stdout=subprocess.PIPE, text=True).stdout
     operations = [prepared(json.loads(line)) for line in lines.splitlines()]
     templates = jinja2.Environment(
@@ -189,8 +189,8 @@ def main():
     templates.filters.update(sentence=sentence, literal=literal)
     for template, file in FILES.items():
         text = templates.get_template(template).render(operations=operations, outputs=enumerated_outputs(operations))
-        (root / file).parent.mkdir(parents=True, exist_ok=True)
-        (root / file).write_text(text)
+        (written / file).parent.mkdir(parents=True, exist_ok=True)
+        (written / file).write_text(text)
 
 
 if __name__ == "__main__":

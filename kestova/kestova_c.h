@@ -1,25 +1,24 @@
+/* clang-format off */
 /* The C interface of Kestova: the operations of the class, for every language that can call C.
  *
- * Open a handle, call `kestova_initialize`, then query and change; close the handle in the end. Each
- * operation has a function, whose result is that of the class as it is, with an enumeration of the results
- * that have a meaning. `kestova_last_problem` tells a refused call from a failed operation, and names the
- * record that led to it.
+ * Open a handle, call `kestova_initialize`, then query and change; close the handle in the end. Each operation has
+ * a function, whose result is that of the class as it is, with an enumeration of the results that have a meaning.
+ * `kestova_last_problem` tells a refused call from a failed operation, and names the record that led to it.
  *
- * Threads: a handle may be used from any thread. Its object lives on a thread of its own, on which COM is
- * initialised; calls are made there, one after the other, and the caller waits. `kestova_stop_waiting` and
- * `kestova_set_wait` end the waiting, not the call: it runs to its end, and until then the handle is busy.
- * Different handles work at the same time, but for `kestova_get_win_drive_letters`, of which one runs at a
- * time in this process. Between processes that is the host's business.
+ * Threads: a handle may be used from any thread. Its object lives on a thread of its own, on which COM is initialised;
+ * calls are made there, one after the other, and the caller waits. `kestova_stop_waiting` and `kestova_set_wait` end
+ * the waiting, not the call: it runs to its end, and until then the handle is busy. Different handles work at the
+ * same time, but for `kestova_get_win_drive_letters`, of which one runs at a time in this process. Between processes
+ * that is the host's business.
  *
  * Rights: the process must be an administrator's, elevated, as the disks and Windows' services ask for it.
  *
- * Text is UTF-16, in units of 16 bits, and ends with a 0. A buffer comes with its size in units; text that
- * does not fit is cut, and still ends with a 0.
+ * Text is UTF-16, in units of 16 bits, and ends with a 0. A buffer comes with its size in units; text that does not fit
+ * is cut, and still ends with a 0.
  *
  * Nothing here throws. A call that cannot be made answers what the operation answers when it fails.
  *
  * This file is made from the table of operations (./dev bindings). */
-/* clang-format off */
 #ifndef KESTOVA_C_H
 #define KESTOVA_C_H
 
