@@ -1,6 +1,6 @@
-// The shape that applications are compiled with: the types of all members of class Kestova, private ones too,
-// where its data stands, and the records and enumerations of its operations, for 64 and 32 bits. Every build
-// compiles this file; it generates no code. A change here breaks applications that are not compiled again.
+// The shape that applications of this release were compiled with: the types of all members of class Kestova,
+// private ones too, where its data stands, and the records and enumerations of its operations, for 64 and 32
+// bits. Every build compiles this file; it generates no code. What it asserts stays.
 
 #include <cstddef>
 #include <type_traits>
