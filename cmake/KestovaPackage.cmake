@@ -14,7 +14,6 @@ endif()
 
 install(FILES manager/kestova.h DESTINATION include/manager)
 install(FILES logging/logging.h DESTINATION include/logging)
-install(FILES platform/windows_api.h DESTINATION include/platform)
 
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/KestovaConfigVersion.cmake
   COMPATIBILITY SameMinorVersion ARCH_INDEPENDENT)

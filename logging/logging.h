@@ -3,10 +3,10 @@
 // of ILogRecord from AppendString to AppendChar. The order of the virtual functions is part of the interface.
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 #include <vector>
-
-#include "platform/windows_api.h"
 
 #if !defined(_WIN32)
 #define LOGGING_API

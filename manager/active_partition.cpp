@@ -8,6 +8,7 @@
 #include "manager/kestova.h"
 #include "manager/result_codes.h"
 #include "manager/system_volume_ini.h"
+#include "platform/windows_api.h"
 #include "vds/vds_partition.h"
 
 namespace {

@@ -4,6 +4,7 @@
 #include "diag/module.h"
 #include "manager/guard.h"
 #include "manager/kestova.h"
+#include "platform/windows_api.h"
 
 int Kestova::IsEFIBootSystem() {
     return Guarded(ending::IsEFIBootSystem, [&] {

@@ -2,10 +2,10 @@
 // disk.
 #pragma once
 
+#include <windows.h>
+
 #include <map>
 #include <string>
-
-#include "platform/windows_api.h"
 
 #if !defined(_WIN32)
 #define KESTOVA_API

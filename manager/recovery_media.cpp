@@ -10,6 +10,7 @@
 #include "manager/guard.h"
 #include "manager/kestova.h"
 #include "manager/markers.h"
+#include "platform/windows_api.h"
 
 namespace {
 

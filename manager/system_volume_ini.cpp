@@ -5,6 +5,7 @@
 #include "manager/factory_layout.h"
 #include "manager/kestova.h"
 #include "manager/recovery_media.h"
+#include "platform/windows_api.h"
 #include "vds/vds_partition.h"
 
 bool RecordActivePartition(const WCHAR* file, int partition) {

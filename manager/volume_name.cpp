@@ -6,6 +6,7 @@
 #include "manager/drive.h"
 #include "manager/guard.h"
 #include "manager/kestova.h"
+#include "platform/windows_api.h"
 
 namespace {
 

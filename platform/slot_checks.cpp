@@ -1,28 +1,15 @@
-// Compile-time checks that each method is in its published slot, counted after the three of IUnknown, for 64
-// and 32 bits. Every build compiles this file; it generates no code.
+// Compile-time checks that each method of the platform's interfaces is in its published slot. Every build
+// compiles this file.
 
-#include <cstring>
-
+#include "platform/method_slots.h"
 #include "platform/vds.h"
-
-// Compilation fails if a call of this remains; the optimiser removes it where the slot is right.
-[[gnu::error("a method does not stand in its published slot")]] void StandsInAnotherSlot();
 
 namespace {
 
-// A pointer to a virtual method begins with the offset of its slot in bytes, plus one.
-template <typename Method>
-[[gnu::always_inline]] inline void Check(Method method, size_t slot) {
-    size_t offset = 0;
-    std::memcpy(&offset, &method, sizeof(offset));
-    if (offset != slot * sizeof(void*) + 1) StandsInAnotherSlot();
-}
-
-// Checks the methods that follow each other from slot 3 on.
+// Counted after the three of IUnknown.
 template <typename... Methods>
 [[gnu::always_inline]] inline void CheckFromThree(Methods... methods) {
-    size_t slot = 3;
-    (Check(methods, slot++), ...);
+    CheckSlotsFrom(3, methods...);
 }
 
 }  // namespace

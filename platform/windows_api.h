@@ -1,5 +1,7 @@
 // The platform's headers, in an order that compiles with every toolchain, and the few declarations that some
-// of them lack. Code that calls Windows includes this file instead of any system header.
+// of them lack. Code that calls Windows includes this file instead of any system header. The two headers that
+// applications include do not: they need the plain types of windows.h alone, and what an application reads of
+// the platform is left as it is.
 #pragma once
 
 #include <windows.h>

@@ -16,6 +16,7 @@
 #include "manager/guard.h"
 #include "manager/kestova.h"
 #include "manager/letter_map/letter_map_failures.h"
+#include "platform/windows_api.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include "base/owners.h"
 #include "base/wide_string.h"
 #include "manager/kestova.h"
+#include "platform/windows_api.h"
 
 namespace {
 

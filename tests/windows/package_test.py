@@ -13,6 +13,7 @@ import tempfile
 import unittest
 import zipfile
 
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
 CONTENTS = """
 README.md SECURITY.md
 bin/x64/Kestova.dll bin/x64/Logging.dll bin/x64/kestova.exe
@@ -20,7 +21,7 @@ bin/x86/Kestova.dll bin/x86/Logging.dll bin/x86/kestova.exe
 docs/command-line.md docs/hazards.md docs/integrators.md docs/log.md docs/operations.md docs/pc-description.md
 docs/real-pc.md docs/recovery-partitions.md docs/survey.md
 examples/CMakeLists.txt examples/open_pc.h examples/open_pc_real.cpp examples/recovery.cpp
-include/logging/logging.h include/manager/kestova.h include/platform/windows_api.h
+include/logging/logging.h include/manager/kestova.h
 lib/cmake/Kestova/KestovaConfig.cmake lib/cmake/Kestova/KestovaConfigVersion.cmake
 lib/x64/libKestova.dll.a lib/x64/libLogging.dll.a
 lib/x86/libKestova.dll.a lib/x86/libLogging.dll.a
@@ -74,6 +75,12 @@ class Package(unittest.TestCase):
         self.assertEqual(texts[:3], ["Kestova::Kestova\tStart", "Kestova::Kestova\tEnd", "Kestova::Initialize\tStart"])
         self.assertEqual(texts[-1], "Kestova::~Kestova\tEnd")
         self.assertIn("Kestova::Initialize\tEnd. bRet = 0", texts)
+
+    def test_Headers_InApplicationThatDraws_LeaveItTheNamesOfGdi(self):
+        for word_size in ("x86_64", "i686"):
+            with self.subTest(word_size):
+                self.run_shell(f"{word_size}-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -Wall -Wextra -I include"
+                               f" -fsyntax-only {SOURCE}/tests/shape/gdi_client.cpp")
 
     def test_Example_BuildForX86_Links(self):
         self.run_shell("i686-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -I include -I . examples/recovery.cpp"
