@@ -2,6 +2,8 @@
 """What applications that are compiled already need of the DLLs: tests/releases keeps the exports of each release. One
 that is missing is an error; one that is new is recorded for the release that the project's version names.
 
+The declarations in the header of the C interface are compared in the same way.
+
 usage: abi.py check|record WINDOWS_BUILD_FOLDER...
 """
 import pathlib
@@ -13,8 +15,9 @@ import pefile
 
 SOURCE = pathlib.Path(__file__).resolve().parents[1]
 RELEASES = SOURCE / "tests/releases"
-LIBRARIES = ("Kestova.dll", "Logging.dll")
-HEADERS = ("manager/kestova.h", "logging/logging.h")
+LIBRARIES = ("Kestova.dll", "KestovaC.dll", "Logging.dll")
+HEADERS = ("manager/kestova.h", "logging/logging.h", "kestova/kestova_c.h")
+C_HEADER = "kestova/kestova_c.h"
 WORD_SIZES = {"windows": "x64", "windows-x86": "x86"}
 
 
@@ -56,6 +59,42 @@ def unrecorded(folder):
             for line in exports(folder) if line not in known]
 
 
+def declarations(header):
+    """What a header in C declares, each under its name: an enumerator with its value, a record with its fields in order,
+    a function or type with its whole declaration."""
+    code = re.sub(r"/\*.*?\*/|^#.*?(?<!\\)$", " ", header, flags=re.DOTALL | re.MULTILINE)
+    declared = {}
+    for enumerators in re.findall(r"enum \w*\s*\{(.*?)\}", code, re.DOTALL):
+        for enumerator in enumerators.split(","):
+            name, value = enumerator.split("=")
+            declared[name.strip()] = value.strip()
+    for fields, name in re.findall(r"typedef struct \w+ \{(.*?)\} (\w+);", code, re.DOTALL):
+        declared[name] = [" ".join(field.split()) for field in fields.split(";") if field.strip()]
+    rest = re.sub(r"(typedef struct|enum) \w*\s*\{.*?\}[^;]*;", " ", code, flags=re.DOTALL)
+    for declaration in re.findall(r"[^;{}]+(?=;)", rest):
+        declaration = " ".join(declaration.split())
+        name = re.search(r"\*(\w+)\)\(|(\w+)\(|(\w+)$", declaration)
+        declared[next(filter(None, name.groups()))] = declaration
+    return declared
+
+
+def changed_declarations(before, now):
+    """What a header no longer declares as it did, in words. Records may have more fields behind those they had."""
+    old, new = declarations(before), declarations(now)
+    for name, declaration in old.items():
+        if name not in new:
+            yield f"{name} is missing"
+        elif (new[name][: len(declaration)] if isinstance(declaration, list) else new[name]) != declaration:
+            yield f"{name} was {declaration}, and is {new[name]}"
+
+
+def changed_header():
+    now = (SOURCE / C_HEADER).read_text()
+    return [f"{C_HEADER}: {words}: applications compiled with release {release.name} break"
+            for release in releases() if (release / "include" / C_HEADER).exists()
+            for words in changed_declarations((release / "include" / C_HEADER).read_text(), now)]
+
+
 def record(folders):
     release = RELEASES / current_release()
     for folder in folders:
@@ -68,7 +107,7 @@ def record(folders):
 
 
 def main(command, folders):
-    problems = [line for folder in folders for line in missing(folder)]
+    problems = changed_header() + [line for folder in folders for line in missing(folder)]
     if command == "check":
         problems += [line for folder in folders for line in unrecorded(folder)]
     if problems:

@@ -80,7 +80,7 @@ class Package(unittest.TestCase):
         for word_size in ("x86_64", "i686"):
             with self.subTest(word_size):
                 self.run_shell(f"{word_size}-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -Wall -Wextra -I include"
-                               f" -fsyntax-only {SOURCE}/tests/shape/gdi_client.cpp")
+                               f" -fsyntax-only {SOURCE}/tests/releases/gdi_client.cpp")
 
     def test_Example_BuildForX86_Links(self):
         self.run_shell("i686-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -I include -I . examples/recovery.cpp"
