@@ -50,6 +50,8 @@ std::vector<OptionGroup> OptionGroups(CommandLine& line) {
              {"--seed", "NUMBER", "Of generated PCs: another seed, other PCs", &line.seed},
              {"--first", "NUMBER", "Of the first PC to generate", &line.first},
              {"--count", "NUMBER", "Of PCs to generate", &line.count},
+             {"--changes", "DISK", "Try calls that change this disk, and put back what they change",
+              &line.changes},
              {"--expect", "FILE", "Differences that are known, and why", &line.expect},
              {"--anonymous", "", "Put stand-ins for serial numbers, labels, paths and the like",
               &line.anonymous},

@@ -29,8 +29,9 @@ struct CommandLine {
     std::string shard;
     std::string against;  // the output of an earlier survey
     bool resume = false;
-    bool write = false;  // to images
-    std::string expect;  // of `conform`: a file
+    bool write = false;   // to images
+    std::string expect;   // of `conform`: a file
+    std::string changes;  // and the number of a disk
     bool bytes = false;
     bool anonymous = false;
     bool installedRegistry = false;  // of `capture`: mount it

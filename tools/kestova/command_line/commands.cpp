@@ -26,7 +26,7 @@ constexpr OptionUser usedByFew[] = {
     {"--first", Generate},    {"--count", Generate},    {"--format", Report},
     {"--hash", Files},        {"--bytes", Status},      {"--columns", Status},
     {"--output", Capture},    {"--anonymous", Capture}, {"--with-installed-registry", Capture},
-    {"--seen", Compare},      {"--expect", Conform}};
+    {"--seen", Compare},      {"--expect", Conform},    {"--changes", Conform}};
 
 // Besides the commands that work on a PC.
 constexpr OptionUser alsoUsedBy[] = {
@@ -46,7 +46,8 @@ constexpr OptionUser notUsedBy[] = {
 constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
                                            "--force-dirty"};
 
-constexpr OptionUser rehearsedBy[] = {{"--force-dirty", Check}, {"--force-dirty", Report}};
+constexpr OptionUser rehearsedBy[] = {
+    {"--force-dirty", Check}, {"--force-dirty", Report}, {"--yes", Conform}};
 
 bool IsIn(std::span<const OptionUser> table, const Command& command, const std::string& option) {
     return std::ranges::any_of(

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iostream>
 #include <limits>
+#include <optional>
+#include <utility>
 
 #include "tools/kestova/arguments/options.h"
 #include "tools/kestova/capture/captured_pc.h"
@@ -19,6 +21,7 @@
 #include "tools/kestova/descriptions/validation.h"
 #include "tools/kestova/pc/images.h"
 #include "tools/kestova/process/confinement.h"
+#include "tools/kestova/process/interruption.h"
 
 namespace {
 
@@ -43,15 +46,57 @@ struct AskedPc {
     std::string capture;  // its description; empty if another PC was named
 };
 
+constexpr int noTrial = -1;
+
+// The number of the disk on which changes are tried.
+int TrialOf(const CommandLine& line) {
+    if (line.changes.empty()) return noTrial;
+    if (!line.choice.images.empty())
+        throw WrongUse(
+            "--changes: not on disk images; attach a virtual disk to the PC, or name one with --pc");
+    return static_cast<int>(ReadNumber("--changes", line.changes, 0, mostDisks - 1));
+}
+
+// On the PC that the program runs on, a user at a terminal is asked first.
+void AskBeforeTrial(const CommandLine& line, const TrialDisk& disk) {
+    if (!line.choice.pc.empty() || line.choice.yes) return;
+    const std::string what =
+        disk.words + ": active flags, letters and a type are changed, and put back. Go on?";
+    if (AskOnTerminal(what) == false) throw Failed("nothing was changed");
+}
+
+// The disk, of which nothing is changed yet; nothing without --changes.
+std::optional<TrialDisk> FindTrial(Session& session, const CommandLine& line) {
+    const int number = TrialOf(line);
+    if (number == noTrial) return std::nullopt;
+    session.Construct();
+    session.Ask(FindOperation("Initialize"), ReadArguments(FindOperation("Initialize"), {"false"}));
+    TrialDisk disk = FindTrialDisk(number, session.AskNumber("GetFirstInternalDriveNumber"));
+    session.Destroy();
+    return disk;
+}
+
+// All that is asked of a PC. Its capture is made before anything is tried.
+AskedPc AskAll(Session& session, std::optional<TrialDisk> trial, bool captures) {
+    AskedPc asked{.answers = AskPc(session), .capture = {}};
+    if (captures) asked.capture = DescriptionText(CapturePc().pc);
+    if (trial) AskDisk(session, *trial, asked.answers);
+    return asked;
+}
+
 AskedPc AskHere(const CommandLine& line) {
+    TrialOf(line);  // refuses what is no number, before anything is opened
     const std::unique_ptr<OpenedPc> pc = OpenPc(line.choice, Access::Ask);
     EndOpening();
     ConfineTo({.imageBytes = pc->Inputs().imageBytes, .operations = 2 * AskedOperations().size()});
     ShowNotes(line, pc->Notes());
     Session session(*pc, nullptr, false);
-    AskedPc asked{.answers = AskPc(session), .capture = {}};
-    if (line.arguments.empty()) asked.capture = DescriptionText(CapturePc().pc);
-    return asked;
+    std::optional<TrialDisk> trial = FindTrial(session, line);
+    if (trial) {
+        AskBeforeTrial(line, *trial);
+        HoldInterruption();
+    }
+    return AskAll(session, std::move(trial), line.arguments.empty());
 }
 
 // With its trace, which shows what the operations call.
@@ -63,7 +108,7 @@ PcAnswers AskEmulated(const CommandLine& line, const std::string& capture) {
     const std::unique_ptr<OpenedPc> pc = OpenEmulatedPc(choice, Access::Ask);
     ShowNotes(line, pc->Notes());
     Session session(*pc, nullptr, false);
-    return AskPc(session);
+    return AskAll(session, FindTrial(session, line), false).answers;
 }
 
 std::string NameOf(const PcChoice& choice) {
@@ -113,7 +158,8 @@ int Conform(const CommandLine& line) {
     NoteExpected(expected, report);
     ShowText(line, line.json ? AsJson(report) : ConformanceText(report, StandardOutput()));
     ShowNotes(line, report.unmet);
-    return report.Unexpected() == 0 ? Done : Failure;
+    ShowNotes(line, report.left);
+    return report.Unexpected() == 0 && report.left.empty() ? Done : Failure;
 }
 
 }  // namespace commands

@@ -130,11 +130,16 @@ const std::vector<CommandHelp>& CommandHelps() {
          "published call with arguments that the library uses and some that it does not. The first is the PC of the "
          "options, on Windows the one that the program runs on. The other is emulated: a machine that comes with the "
          "tool, a description, or without an argument a capture of the first. Beside each call stand the operations that "
-         "make it with these arguments. Nothing is changed. Exit status 1: they differ.\n\n"
+         "make it with these arguments. Nothing is changed, except with --changes. Exit status 1: they differ.\n\n"
+         "--changes DISK also tries calls that change that disk, on both PCs: active flags, letters, a partition's type. It "
+         "answers what the documents leave open, and puts everything back; what could not be put back is said. A user "
+         "at a terminal is asked first. Attach a virtual disk for it, with two or three small MBR partitions, the last "
+         "of them not formatted: the disk of the running Windows and the first internal one are refused.\n\n"
          "Differences that are known can be listed in a file, a line each: a call or an operation, its arguments and "
          "the reason, with a tab between them; a * stands for any text.",
          {{"conform", "what the emulated PC does otherwise than this one"},
           {"--pc factory-mbr conform pc.json", ""},
+          {"--changes 2 conform", "the calls that change a disk too, tried on disk 2"},
           {"--pc pc.json --expect known.tsv conform", "only what is not known"}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},
         {"pcs", "Lists the machines that come with the tool, for --pc.", {{"pcs", ""}}},

@@ -1,6 +1,8 @@
 #include "tools/kestova/conformance/answers.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "base/utf.h"
 #include "tools/kestova/common/text.h"
@@ -36,6 +38,13 @@ void AskOperations(Session& session, PcAnswers& answers) {
 }
 
 }  // namespace
+
+void AskDisk(Session& session, TrialDisk& disk, PcAnswers& answers) {
+    DiskTrial trial = TryChanges(session.OnPc(), disk);
+    std::ranges::move(trial.calls, std::back_inserter(answers.calls));
+    answers.openAnswers = std::move(trial.answers);
+    answers.left = std::move(trial.left);
+}
 
 // The operations come first: the first of them sets the security of COM, as it does for the library's users.
 PcAnswers AskPc(Session& session) {

@@ -80,6 +80,20 @@ void CompareOperations(const PcAnswers& here, const PcAnswers& emulated, Conform
     report.operations = here.operations.size();
 }
 
+std::string Words(const OpenAnswer& answer) {
+    return answer.value.empty() ? "unknown: " + answer.why : answer.value;
+}
+
+// Questions in the order of the PC at hand; the other may have met others, after an answer that was another.
+void CompareOpenAnswers(const PcAnswers& here, const PcAnswers& emulated, ConformanceReport& report) {
+    for (const OpenAnswer& answer : here.openAnswers) {
+        const auto other = std::ranges::find(emulated.openAnswers, answer.question, &OpenAnswer::question);
+        report.questions.push_back({answer.key, answer.question, Words(answer),
+                                    other != emulated.openAnswers.end() ? Words(*other) : "not asked"});
+    }
+    report.left = here.left;
+}
+
 }  // namespace
 
 size_t ConformanceReport::Unexpected() const {
@@ -91,6 +105,7 @@ ConformanceReport CompareAnswers(const PcAnswers& here, const PcAnswers& emulate
     ConformanceReport report;
     CompareOperations(here, emulated, report);
     CompareCalls(here, emulated, report);
+    CompareOpenAnswers(here, emulated, report);
     return report;
 }
 

@@ -20,6 +20,14 @@ struct ConformanceDifference {
     std::optional<std::string> expected = {};  // why it is known
 };
 
+// What the documents leave open, as each PC answers it.
+struct OpenQuestion {
+    std::string key;  // of the switch that says so in a description; empty if there is none
+    std::string question;
+    std::string here;  // as a description writes it, or in words
+    std::string emulated;
+};
+
 struct ConformanceReport {
     std::string here;  // the PCs as they were named
     std::string emulated;
@@ -27,6 +35,8 @@ struct ConformanceReport {
     size_t operations = 0;
     std::vector<ConformanceDifference> differences = {};
     std::vector<std::string> unmet = {};  // differences that were expected, and are none
+    std::vector<OpenQuestion> questions = {};
+    std::vector<std::string> left = {};  // of the PC at hand: what could not be put back
 
     // The number of differences that nobody expected.
     size_t Unexpected() const;

@@ -51,6 +51,20 @@ std::string OfOneOnly(const ConformanceReport& report, const std::string& name,
            "\n";
 }
 
+std::string Questions(const ConformanceReport& report, const Terminal& terminal) {
+    if (report.questions.empty()) return "";
+    std::vector<std::vector<Cell>> rows;
+    for (const auto& [key, question, here, emulated] : report.questions)
+        rows.push_back({{question}, {here}, {emulated}, {key}});
+    return "What the documents leave open:\n" +
+           FittedTable({{"Question", leastWidth},
+                        {report.here, leastWidth},
+                        {report.emulated, leastWidth},
+                        {"Switch of a description"}},
+                       std::move(rows), terminal) +
+           "\n";
+}
+
 }  // namespace
 
 std::string ConformanceText(const ConformanceReport& report, const Terminal& terminal) {
@@ -58,8 +72,8 @@ std::string ConformanceText(const ConformanceReport& report, const Terminal& ter
     return Differing(report, false, terminal) +
            OfOneOnly(report, report.here, &ConformanceDifference::here, terminal) +
            OfOneOnly(report, report.emulated, &ConformanceDifference::emulated, terminal) +
-           Differing(report, true, terminal) + Count(report.operations, "operation") + " and " +
-           Count(report.calls, "call") + " compared: " +
+           Differing(report, true, terminal) + Questions(report, terminal) +
+           Count(report.operations, "operation") + " and " + Count(report.calls, "call") + " compared: " +
            (report.Unexpected() == 0 ? "no differences" : Count(report.Unexpected(), "difference")) +
            (expected == 0 ? "" : ", " + std::to_string(expected) + " expected") + "\n";
 }

@@ -17,6 +17,13 @@ static Json ToJson(const ConformanceDifference& difference) {
             {"expected", Side(difference.expected)}};
 }
 
+static Json ToJson(const OpenQuestion& question) {
+    return {{"switch", question.key},
+            {"question", question.question},
+            {"here", question.here},
+            {"emulated", question.emulated}};
+}
+
 std::string AsJson(const ConformanceReport& report) {
     return Line({{"here", report.here},
                  {"emulated", report.emulated},
@@ -24,5 +31,7 @@ std::string AsJson(const ConformanceReport& report) {
                  {"calls", report.calls},
                  {"differences", ListOf(report.differences)},
                  {"unexpected", report.Unexpected()},
-                 {"unmet", report.unmet}});
+                 {"unmet", report.unmet},
+                 {"questions", ListOf(report.questions)},
+                 {"left", report.left}});
 }

@@ -225,6 +225,14 @@ constexpr OutputKey surveyKeys[] = {
     {"error?", "string", "why there is no answer, or not all of it"},
 };
 
+constexpr OutputKey trialKeys[] = {
+    {"questions[].switch", "string", "of a description, that says the same; empty if there is none"},
+    {"questions[].question", "string", "what the documents leave open"},
+    {"questions[].here", "string", "the answer of the PC at hand, as the description writes it, or in words"},
+    {"questions[].emulated", "string", "the same of the other PC"},
+    {"left", "array", "what could not be put back, in words"},
+};
+
 constexpr OutputKey conformKeys[] = {
     {"here", "string", "the PC at hand, as it was named"},
     {"emulated", "string", "the PC that it is compared with, as it was named"},
@@ -270,7 +278,7 @@ const std::vector<CommandOutput>& Outputs() {
         {"validate", {validateKeys}},
         {"compare", {compareKeys}},
         {"survey", {surveyKeys}},
-        {"conform", {conformKeys}},
+        {"conform", {conformKeys, trialKeys}},
     };
     return outputs;
 }
