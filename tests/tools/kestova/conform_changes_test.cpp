@@ -178,4 +178,61 @@ TEST_F(ConformChanges, DiskOnWhichNothingMayBeTried_IsRefused) {
         "kestova: --changes: not on disk images; attach a virtual disk to the PC, or name one with --pc");
 }
 
+// --- the result as a page ---
+
+TEST_F(ConformChanges, Differences_AsAPage_StandThereWholeAndSafe) {
+    WriteFile("lab.json", Switched().dump());
+    WriteFile("plain<b>.json", Lab().dump());
+    const Outcome outcome = Shell("SOURCE_DATE_EPOCH=0 '" KESTOVA_PROGRAM
+                                  "' --pc lab.json --changes 1 -o page.html conform 'plain<b>.json'");
+    EXPECT_EQ(outcome.status, 1) << outcome.errors;
+    EXPECT_EQ(outcome.output, "");
+    const std::string page = ReadFile("page.html");
+    EXPECT_THAT(page, HasSubstr("<p>Made by kestova " KESTOVA_VERSION
+                                " at 1970-01-01T00:00:00Z. Changes were tried on disk "
+                                "1 of lab.json.</p>"));
+    EXPECT_THAT(page, HasSubstr("<p>lab.json and plain&lt;b&gt;.json: 56 operations and "));
+    EXPECT_THAT(
+        page, HasSubstr("<tr><td>IVdsAdvancedDisk::AssignDriveLetter</td><td>\\\\?\\PhysicalDrive1, 1048576, "
+                        "Z</td><td>S_OK</td><td>VDS_E_INVALID_OPERATION</td><td></td></tr>"));
+    EXPECT_THAT(page,
+                HasSubstr("<td>does setting one active flag clear the others?</td><td>true</td><td>false</td>"
+                          "<td>activeFlagIsExclusive</td>"));
+    EXPECT_EQ(Shell("tidy -q -e page.html").errors, "");
+    EXPECT_EQ(Kestova("--pc lab.json -o page.html conform lab.json").status, 0) << "a page replaces a page";
+    EXPECT_THAT(ReadFile("page.html"), HasSubstr("Nothing was changed.</p>"));
+}
+
+TEST_F(ConformChanges, Differences_AsMarkdown_AreTablesOnStandardOutput) {
+    WriteFile("lab.json", Switched().dump());
+    WriteFile("plain.json", Lab().dump());
+    const Outcome outcome = Kestova("--pc lab.json --changes 1 --format markdown conform plain.json");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output,
+                HasSubstr("# Kestova report: where two PCs answer differently\n\nMade by kestova "));
+    EXPECT_THAT(
+        outcome.output,
+        HasSubstr("\n## What the documents leave open\n\n| Question | lab.json | plain.json | Switch of "
+                  "a description |\n|---|---|---|---|\n| does setting one active flag clear the "
+                  "others? | true | false | activeFlagIsExclusive |\n"));
+}
+
+TEST_F(ConformChanges, PageWithoutAPlaceOrInJson_Asked_IsRefused) {
+    const auto refusal = [&](const std::string& words) {
+        const Outcome outcome = Kestova("--pc factory-mbr " + words + " conform");
+        EXPECT_EQ(outcome.status, 2) << words;
+        return outcome.errors.substr(0, outcome.errors.find('\n'));
+    };
+    EXPECT_EQ(refusal("--format html"),
+              "kestova: conform: name the file with --output, or standard output with --output -");
+    EXPECT_EQ(refusal("--format pdf"),
+              "kestova: --format: there is no format 'pdf'");
+    EXPECT_THAT(refusal("--json --format markdown"),
+                HasSubstr("conform: --json is given with --output or --format, which make a page"));
+    WriteFile("notes.txt", "mine\n");
+    EXPECT_EQ(refusal("-o notes.txt"),
+              "kestova: --output: notes.txt is neither empty nor a report; --overwrite replaces it");
+    EXPECT_EQ(ReadFile("notes.txt"), "mine\n");
+}
+
 }  // namespace

@@ -26,7 +26,8 @@ constexpr OptionUser usedByFew[] = {
     {"--first", Generate},    {"--count", Generate},    {"--format", Report},
     {"--hash", Files},        {"--bytes", Status},      {"--columns", Status},
     {"--output", Capture},    {"--anonymous", Capture}, {"--with-installed-registry", Capture},
-    {"--seen", Compare},      {"--expect", Conform},    {"--changes", Conform}};
+    {"--seen", Compare},      {"--expect", Conform},    {"--changes", Conform},
+    {"--output", Conform},    {"--format", Conform}};
 
 // Besides the commands that work on a PC.
 constexpr OptionUser alsoUsedBy[] = {
@@ -36,12 +37,12 @@ constexpr OptionUser alsoUsedBy[] = {
     {"--log", Replay},         {"--overwrite", Replay},   {"--quiet", Replay}};
 
 constexpr OptionUser notUsedBy[] = {
-    {"--json", Report},       {"--json", Generate},         {"--dry-run", Check},   {"--dry-run", Report},
-    {"--ledger", Recover},    {"--ledger", RepairTables},   {"--ledger", Undo},     {"--ledger", Report},
-    {"--json", Capture},      {"--dry-run", Capture},       {"--ledger", Capture},  {"--record", Capture},
-    {"--record", Recover},    {"--record", RepairTables},   {"--record", Undo},     {"--ledger", Conform},
-    {"--fail", Conform},      {"--save", Conform},          {"--dry-run", Conform}, {"--log", Conform},
-    {"--overwrite", Conform}, {"--no-initialize", Conform}, {"--record", Conform}};
+    {"--json", Report},           {"--json", Generate},       {"--dry-run", Check},   {"--dry-run", Report},
+    {"--ledger", Recover},        {"--ledger", RepairTables}, {"--ledger", Undo},     {"--ledger", Report},
+    {"--json", Capture},          {"--dry-run", Capture},     {"--ledger", Capture},  {"--record", Capture},
+    {"--record", Recover},        {"--record", RepairTables}, {"--record", Undo},     {"--ledger", Conform},
+    {"--fail", Conform},          {"--save", Conform},        {"--dry-run", Conform}, {"--log", Conform},
+    {"--no-initialize", Conform}, {"--record", Conform}};
 
 constexpr std::string_view forChanges[] = {"--no-journal", "--backup", "--no-backup", "--yes",
                                            "--force-dirty"};

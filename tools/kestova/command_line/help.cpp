@@ -139,6 +139,7 @@ const std::vector<CommandHelp>& CommandHelps() {
          "the reason, with a tab between them; a * stands for any text.",
          {{"conform", "what the emulated PC does otherwise than this one"},
           {"--pc factory-mbr conform pc.json", ""},
+          {"-o differences.html conform", "a page to read and to send"},
           {"--changes 2 conform", "the calls that change a disk too, tried on disk 2"},
           {"--pc pc.json --expect known.tsv conform", "only what is not known"}}},
         {"operations", "Lists every public operation with its arguments and results.", {{"operations", ""}}},

@@ -105,7 +105,7 @@ OutputFiles FindOutputFiles(const CommandLine& line, const InputFiles& inputs, c
     if (files.log && !line.overwrite) CheckReplaces("--log", *files.log);
     if (files.record && !line.overwrite) CheckReplacesRecording(*files.record);
     if (files.output && !line.overwrite) {
-        if (line.command == "report") {
+        if (line.command == "report" || line.command == "conform") {
             CheckReplacesReport(*files.output);
         } else {
             CheckReplaces("--output", *files.output);

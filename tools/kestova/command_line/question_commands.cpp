@@ -10,6 +10,7 @@
 #include "tools/kestova/capture/contents.h"
 #include "tools/kestova/command_line/command_functions.h"
 #include "tools/kestova/command_line/messages.h"
+#include "tools/kestova/command_line/page_format.h"
 #include "tools/kestova/command_line/run_on_pc.h"
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/terminal.h"
@@ -40,23 +41,6 @@ template <typename Report>
 int ShowWithProblem(const CommandLine& line, const Report& report) {
     Show(line, report);
     return ShowProblem(line, report);
-}
-
-struct Format {
-    const char* name;
-    std::string (*text)(const PcReport& report);
-    bool isForTerminal;
-};
-
-constexpr Format formats[] = {{"html", HtmlPage, false}, {"markdown", MarkdownText, true}};
-
-const Format& FormatOf(const CommandLine& line) {
-    std::vector<std::string> names;
-    for (const Format& format : formats) {
-        if (line.format.empty() || line.format == format.name) return format;
-        names.emplace_back(format.name);
-    }
-    throw WrongUse("--format: " + UnknownWord("format", line.format, names));
 }
 
 // Without their folders, which are nobody's business where a report is attached.
@@ -124,9 +108,7 @@ int Check(const CommandLine& line) {
 }
 
 int Report(const CommandLine& line) {
-    const Format& format = FormatOf(line);
-    if (line.output.empty() && !format.isForTerminal)
-        throw WrongUse("report: name the file with --output, or standard output with --output -");
+    const PageFormat format = PageFormatOf(line);
     const std::string time = MakingTime();
     const std::vector<std::string> images = NamesOfImages(line.choice);
     LogCollector collector(nullptr);
@@ -141,7 +123,7 @@ int Report(const CommandLine& line) {
              report.notes = session.OnPc().Notes();
              std::ranges::copy(session.OnPc().LaterNotes(), std::back_inserter(report.notes));
              report.log = Logged(collector);
-             page = format.text(report);
+             page = format == PageFormat::Html ? HtmlReport(report) : MarkdownReport(report);
              return ShowProblem(line, report.status);
          }});
 }

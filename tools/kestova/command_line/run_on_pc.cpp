@@ -167,6 +167,8 @@ void ShowBackups(const CommandLine& line, const OpenedPc& pc) {
         std::cout << PrintableText(BackupText(backup));
 }
 
+}  // namespace
+
 void WriteOutput(const std::string& text, OutputFiles& files) {
     if (!files.output) {
         std::cout << text << std::flush;
@@ -174,8 +176,6 @@ void WriteOutput(const std::string& text, OutputFiles& files) {
         throw Failed(files.output->Path() + ": cannot be written");
     }
 }
-
-}  // namespace
 
 void ShowText(const CommandLine& line, const std::string& text) {
     if (!AddsToLast(line)) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tools/kestova/command_line/command_line.h"
+#include "tools/kestova/command_line/output_files.h"
 #include "tools/kestova/json/as_json.h"
 #include "tools/kestova/operations/session.h"
 #include "tools/kestova/recording/replay.h"
@@ -31,6 +32,9 @@ int RunOnPc(const CommandLine& line, const PcWork& work);
 // Writes text to standard output. With --ledger the last object in JSON is kept back until RunOnPc has added
 // its last key.
 void ShowText(const CommandLine& line, const std::string& text);
+
+// Writes what was made to the file of --output, or to standard output. Throws Failed.
+void WriteOutput(const std::string& text, OutputFiles& files);
 
 // Writes a report, or a list of them.
 template <typename Report>

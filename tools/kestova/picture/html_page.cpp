@@ -1,78 +1,26 @@
-// The page of a report. Its own style follows the reader's light or dark, and prints.
+// The page of a report.
 
 #include "tools/kestova/picture/disk_drawing.h"
-#include "tools/kestova/picture/html_text.h"
+#include "tools/kestova/picture/html_parts.h"
 #include "tools/kestova/picture/report.h"
 #include "tools/kestova/picture/status_text.h"
 
 namespace {
 
-constexpr const char* style = R"(
-:root { color-scheme: light dark; --ink: #1b1f24; --paper: #ffffff; --line: #8c959f; --head: #eef1f4;
-  --windows: #b6d4fe; --recovery: #b7e4c7; --other: #e2e3e5; --free: #ffffff; --bad: #a40e26; --good: #116329; }
-@media (prefers-color-scheme: dark) {
-  :root { --ink: #e6edf3; --paper: #14181d; --line: #7d8590; --head: #22272e;
-    --windows: #1f4a80; --recovery: #1d5636; --other: #3b4048; --free: #14181d; --bad: #ff9492; --good: #7ee2a0; }
-}
-* { box-sizing: border-box; }
-body { margin: 0 auto; max-width: 75rem; padding: 1rem; background: var(--paper); color: var(--ink);
-  font: 1rem/1.45 system-ui, "DejaVu Sans", sans-serif; }
-h1 { font-size: 1.5rem; } h2 { font-size: 1.15rem; margin-top: 2rem; }
-table { border-collapse: collapse; font-size: .9rem; }
-th, td { border: 1px solid var(--line); padding: .25rem .5rem; text-align: left; vertical-align: top; }
-th { background: var(--head); } td { overflow-wrap: anywhere; }
-.wide { overflow-x: auto; margin-top: .75rem; } .wide td { overflow-wrap: normal; white-space: nowrap; }
-.wide td:last-child { white-space: normal; min-width: 12rem; }
-.disk rect { stroke: var(--line); fill: var(--other); } .disk text { fill: var(--ink); font-size: .85rem; }
-.disk .windows { fill: var(--windows); } .disk .recovery { fill: var(--recovery); }
-.disk .free { fill: var(--free); stroke-dasharray: 4; } .disk .active { fill: var(--good); stroke: none; }
-.bad { color: var(--bad); font-weight: bold; } .good { color: var(--good); }
-.log { font: .8rem/1.4 ui-monospace, "DejaVu Sans Mono", monospace; overflow-wrap: anywhere; padding-left: 3.5rem; }
-@media print {
-  :root { --ink: #000; --paper: #fff; --line: #555; --head: #eee; --windows: #ddd; --recovery: #eee; --other: #f6f6f6;
-    --free: #fff; --bad: #000; --good: #000; }
-  body { max-width: none; padding: 0; font-size: 10pt; } .wide { overflow: visible; }
-  .wide table { font-size: 7pt; } .wide td { white-space: normal; } svg, tr { break-inside: avoid; }
-  .disk rect { print-color-adjust: exact; }
-}
-)";
-
-std::string Tagged(const std::string& tag, const std::string& text, const char* kind = "") {
-    const std::string name = tag.substr(0, tag.find(' '));
-    const std::string mark = *kind != '\0' ? std::string(" class=\"") + kind + "\"" : "";
-    return "<" + tag + mark + ">" + HtmlText(text) + "</" + name + ">";
-}
-
-std::string Section(const std::string& id, const std::string& title, const std::string& content) {
-    return "<section aria-labelledby=\"" + id + "\">\n<h2 id=\"" + id + "\">" + HtmlText(title) + "</h2>\n" +
-           content + "</section>\n";
-}
-
-std::string Row(const std::string& cells) {
-    return "<tr>" + cells + "</tr>\n";
-}
-
-std::string TitleRow(const std::vector<std::string>& titles) {
-    std::string cells;
-    for (const std::string& title : titles)
-        cells += Tagged("th scope=\"col\"", title);
-    return "<thead>" + Row(cells) + "</thead>\n";
-}
-
 std::string Head(const StatusReport& status) {
     std::string rows;
     for (const std::vector<std::string>& row : HeadRows(status))
-        rows += Row(Tagged("th scope=\"row\"", row[0]) + Tagged("td", row[1]));
-    return Section("pc", "This PC", "<table>\n<tbody>\n" + rows + "</tbody>\n</table>\n");
+        rows += HtmlRow(HtmlTagged("th scope=\"row\"", row[0]) + HtmlTagged("td", row[1]));
+    return HtmlSection("pc", "This PC", "<table>\n<tbody>\n" + rows + "</tbody>\n</table>\n");
 }
 
 std::string Remarks(const PcReport& report) {
     std::string items;
     for (const Remark& remark : RemarksOf(report)) {
         const std::string text = (remark.isProblem ? "Problem: " : "") + remark.text;
-        items += Tagged("li", text, remark.isProblem ? "bad" : "") + "\n";
+        items += HtmlTagged("li", text, remark.isProblem ? "bad" : "") + "\n";
     }
-    return items.empty() ? "" : Section("notes", "Problems and notes", "<ul>\n" + items + "</ul>\n");
+    return items.empty() ? "" : HtmlSection("notes", "Problems and notes", "<ul>\n" + items + "</ul>\n");
 }
 
 std::string PieceCells(const Piece& piece) {
@@ -80,7 +28,7 @@ std::string PieceCells(const Piece& piece) {
     for (const std::string& cell : PieceRow(piece)) {
         const bool isBad =
             piece.partition != nullptr && IsBarring(*piece.partition) && cell == *piece.partition->condition;
-        cells += Tagged("td", cell, isBad ? "bad" : cell == "active" ? "good" : "");
+        cells += HtmlTagged("td", cell, isBad ? "bad" : cell == "active" ? "good" : "");
     }
     return cells;
 }
@@ -90,50 +38,46 @@ std::string Disk(const DiskReport& disk) {
     const std::string id = "about" + std::to_string(disk.number);
     std::string rows;
     for (const Piece& piece : PiecesOf(disk))
-        rows += Row(PieceCells(piece));
+        rows += HtmlRow(PieceCells(piece));
     const std::string table =
         rows.empty() ? ""
                      : "<div class=\"wide\" role=\"region\" tabindex=\"0\" aria-label=\"Partitions of " +
-                           name + "\">\n<table>\n" + TitleRow(PieceTitles()) + "<tbody>\n" + rows +
+                           name + "\">\n<table>\n" + HtmlTitleRow(PieceTitles()) + "<tbody>\n" + rows +
                            "</tbody>\n</table>\n</div>\n";
-    return Section(
-        id, name,
-        Tagged("p", DiskWords(disk, false) + "; " + InternalWords(disk)) + "\n" + DiskDrawing(disk) + table);
+    return HtmlSection(id, name,
+                       HtmlTagged("p", DiskWords(disk, false) + "; " + InternalWords(disk)) + "\n" +
+                           DiskDrawing(disk) + table);
 }
 
 std::string Check(const SwitchReport& check) {
     std::string rows;
     for (const ConditionReport& condition : check.conditions) {
         const char* const kind = !condition.isMet ? "" : *condition.isMet ? "good" : "bad";
-        rows += Row(Tagged("th scope=\"row\"", condition.question) +
-                    Tagged("td", AnswerWord(condition), kind) + Tagged("td", TextOf(condition)));
+        rows += HtmlRow(HtmlTagged("th scope=\"row\"", condition.question) +
+                        HtmlTagged("td", AnswerWord(condition), kind) + HtmlTagged("td", TextOf(condition)));
     }
-    return Section("switch", "Can it boot its recovery partition and come back?",
-                   Tagged("p", check.isPossible ? "Yes." : "No.", check.isPossible ? "good" : "bad") +
-                       "\n<table>\n" + TitleRow({"Condition", "Met", "Found"}) + "<tbody>\n" + rows +
-                       "</tbody>\n</table>\n");
+    return HtmlSection("switch", "Can it boot its recovery partition and come back?",
+                       HtmlTagged("p", check.isPossible ? "Yes." : "No.", check.isPossible ? "good" : "bad") +
+                           "\n<table>\n" + HtmlTitleRow({"Condition", "Met", "Found"}) + "<tbody>\n" + rows +
+                           "</tbody>\n</table>\n");
 }
 
 std::string Log(const std::vector<LoggedLine>& log) {
     std::string items;
     for (const LoggedLine& line : log)
-        items += line.IsError() ? Tagged("li", "error: " + line.text, "bad") : Tagged("li", line.text);
+        items +=
+            line.IsError() ? HtmlTagged("li", "error: " + line.text, "bad") : HtmlTagged("li", line.text);
     const std::string list =
         items.empty() ? "<p>It is empty.</p>\n" : "<ol class=\"log\">" + items + "</ol>\n";
-    return Section("log", "Log of the session", list);
+    return HtmlSection("log", "Log of the session", list);
 }
 
 }  // namespace
 
-std::string HtmlPage(const PcReport& report) {
+std::string HtmlReport(const PcReport& report) {
     std::string disks;
     for (const DiskReport& disk : report.status.disks)
         disks += Disk(disk);
-    return "<!DOCTYPE html>\n<!-- Kestova report -->\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-           "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-           "<title>Kestova report</title>\n<style>" +
-           std::string(style) + "</style>\n</head>\n<body>\n<header>\n<h1>Kestova report</h1>\n" +
-           Tagged("p", MakingWords(report)) + "\n</header>\n<main>\n" + Remarks(report) +
-           Head(report.status) + disks + Check(report.check) + Log(report.log) +
-           "</main>\n</body>\n</html>\n";
+    return HtmlPage("Kestova report", MakingWords(report),
+                    Remarks(report) + Head(report.status) + disks + Check(report.check) + Log(report.log));
 }

@@ -39,9 +39,9 @@ std::vector<std::string> PieceTitles();
 std::vector<std::string> PieceRow(const Piece& piece);
 
 // The page, whole in itself: no script, nothing from elsewhere.
-std::string HtmlPage(const PcReport& report);
+std::string HtmlReport(const PcReport& report);
 // The same for a chat.
-std::string MarkdownText(const PcReport& report);
+std::string MarkdownReport(const PcReport& report);
 
 // How a page or a text of this program begins, whatever its version.
 bool IsReport(const std::string& text);
