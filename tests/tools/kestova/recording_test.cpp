@@ -282,6 +282,29 @@ TEST_F(Recording, OtherFiles_Replay_SaysWhatTheyAreNot) {
     EXPECT_EQ(Kestova("replay missing").status, 3);
 }
 
+// A parser without bounds would need a stack for the one, and gigabytes for the others.
+TEST_F(Recording, LineThatIsDeepWideOrFullOfKeys_Replay_IsDamaged) {
+    constexpr size_t many = 2000000;
+    std::string keys;
+    for (size_t key = 0; key < 100000; ++key)
+        keys += "\"" + std::to_string(key) + "\":0,";
+    std::string values;
+    for (size_t value = 0; value < 5 * many; ++value)
+        values += "0,";
+    for (const std::string& line : {std::string(many, '[') + std::string(many, ']'), "{" + keys + "\"\":0}",
+                                    "[" + values + "0]", std::string(many, '{')}) {
+        WriteFile("calls.jsonl",
+                  "{\"kestovaRecording\":1}\n{\"operation\":\"Kestova\",\"arguments\":{}}\n"
+                  "{\"call\":" +
+                      line + "}\n\n");
+        const Outcome outcome = Kestova("replay calls.jsonl");
+        EXPECT_EQ(outcome.status, 1) << line.substr(0, 10);
+        EXPECT_EQ(outcome.errors, "kestova: calls.jsonl:3: damaged: not a JSON object; in Kestova\n");
+    }
+    WriteFile("deep", std::string(many, '[') + std::string(many, ']') + "\n");
+    EXPECT_EQ(Kestova("replay deep").errors, "kestova: deep: not a recording of platform calls\n");
+}
+
 // --- the file that is written ---
 
 TEST_F(Recording, FileOfAnotherKind_Record_LeavesItUnlessToldTo) {
