@@ -9,6 +9,7 @@
 #include "machine/journal/emulated_pc.h"
 #include "tools/kestova/capture/anonymous.h"
 #include "tools/kestova/capture/captured_pc.h"
+#include "tools/kestova/descriptions/description_text.h"
 
 namespace {
 
@@ -103,6 +104,23 @@ TEST(OddPc, OpticalDriveWithoutAMedium_IsNotTakenForAnEmptySlot) {
                 Contains("the disk \"\\\\?\\CdRom0\" of the service has no number, and is left out"));
 }
 
+TEST(OddPc, FileThatIsTooLong_IsCutAndNoted) {
+    machine::Pc facts = machine::FactoryMbr();
+    facts.disks[0].partitions[1].volume->files.PutFile("SystemVolume.ini", std::string(70000, 'x'));
+    const CapturedPc captured = CaptureOf(facts);
+    EXPECT_EQ(captured.pc.disks[0].partitions[1].volume->files.Find("SystemVolume.ini")->content.size(),
+              65536u);
+    EXPECT_THAT(captured.notes, Contains("C:\\SystemVolume.ini: only the first 64 KiB of it are described"));
+}
+
+// What no check of the capture foresees is said of its description.
+TEST(OddPc, PartitionsOfOneNumber_AreMistakesOfTheDescription) {
+    machine::Pc facts = machine::FactoryMbr();
+    facts.disks[0].partitions[1].number = 1;
+    EXPECT_THAT(MistakesIn(DescriptionText(CaptureOf(facts).pc)),
+                Contains("disks[0].partitions[1].number: 1 is taken by disks[0].partitions[0].number"));
+}
+
 // Each question to a server that is gone can take half a minute.
 TEST(OddPc, ShareThatIsGone_IsNotAskedForEachFile) {
     machine::Pc facts = machine::FactoryMbr();
@@ -151,6 +169,17 @@ TEST(OddPc, PackThatFails_MadeAnonymous_HasAStandInToo) {
     EXPECT_THAT(machine::WriteDescription(captured), Not(HasSubstr("ADASPC")));
     ASSERT_EQ(captured.faults.size(), 1u);
     EXPECT_EQ(captured.faults[0].argument, "pack " + captured.packs[0].name);
+}
+
+TEST(OddPc, VolumeThatFails_MadeAnonymous_HasAStandInToo) {
+    machine::Pc facts = machine::WinPeMedia();
+    const std::string path = "\\\\.\\root\\CIMV2:Win32_EncryptableVolume.DeviceID='";
+    const std::string guid = "6f1f3a52-0000-0000-0000-000000000001";
+    facts.faults = {{.call = "IWbemServices::ExecMethod",
+                     .code = 0x80041001,
+                     .argument = path + "\\\\?\\Volume{" + guid + "}\\'"}};
+    MakeAnonymous(facts);
+    EXPECT_THAT(*facts.faults[0].argument, AllOf(HasSubstr(path), Not(HasSubstr("6f1f3a52"))));
 }
 
 TEST(OddPc, LetterThatStandsForAText_MadeAnonymous_IsReadable) {

@@ -244,6 +244,16 @@ TEST(ConformanceComparison, LongerLog_DiffersInItsFirstFurtherRecord) {
     EXPECT_EQ(report.differences[0].emulated, "4 End");
 }
 
+TEST(ConformanceComparison, DifferenceThatTwoRowsFit_IsExplainedByTheFirst) {
+    ConformanceReport report = CompareAnswers({.calls = {{"GetDriveTypeW", "C:", "3", ""}}},
+                                              {.calls = {{"GetDriveTypeW", "C:", "2", ""}}});
+    NoteExpected({{{Pattern("*"), Pattern("C:"), "the first", "known.tsv:1"},
+                   {Pattern("GetDriveTypeW"), Pattern("*"), "the second", "known.tsv:2"}}},
+                 report);
+    EXPECT_EQ(report.differences[0].expected, "the first");
+    EXPECT_THAT(report.unmet, ElementsAre("known.tsv:2: expected, but no difference: the second"));
+}
+
 TEST(ConformancePattern, Stars_StandForAnyText) {
     EXPECT_TRUE(Pattern("*").Matches(""));
     EXPECT_TRUE(Pattern("a*c*").Matches("abcbc"));

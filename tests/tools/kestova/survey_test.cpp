@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/support/program/program.h"
+#include "tools/kestova/json/survey_lines.h"
 
 namespace {
 
@@ -282,6 +283,27 @@ TEST_F(Survey, Summary_CountsResultsAndFoldsRecords) {
         ++count;
     EXPECT_THAT(outcome.errors,
                 HasSubstr("\n  " + std::to_string(count) + "   2: the number of the partition\n"));
+}
+
+// A line of a PC with one operation, and these texts of JSON.
+std::string LineWith(const std::string& records, const std::string& changes) {
+    return "{\"pc\":\"a\",\"name\":\"\",\"status\":0,\"operations\":[],\"records\":" + records +
+           ",\"changes\":" + changes + "}\n";
+}
+
+TEST(SurveyLines, OtherRecordsAndChanges_AreDifferences) {
+    const std::string record = "[{\"level\":1,\"text\":\"x\"}]";
+    EXPECT_THAT(
+        SurveyDifferences(LineWith("[]", "[]"), LineWith(record, "[\"y\"]")),
+        testing::ElementsAre("records " + record + " instead of []", "changes [\"y\"] instead of []"));
+}
+
+// Records with numbers in them would fill the memory.
+TEST(SurveyLines, TooManyKindsOfRecords_AreCountedTogether) {
+    SurveyTally tally;
+    for (int number = 0; number < 10003; ++number)
+        tally.Add(LineWith("[{\"text\":\"record " + std::to_string(number) + "\"}]", "[]"));
+    EXPECT_THAT(tally.Text(), HasSubstr("  3  (others)\n"));
 }
 
 // More than a pipe holds is written.
