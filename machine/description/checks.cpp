@@ -70,10 +70,6 @@ void Checks::Packs() const {
     }
 }
 
-// A descriptor begins with its version and size. No device has nearly as many as the most.
-constexpr uint32_t fewestDescriptorBytes = 8;
-constexpr uint32_t mostDescriptorBytes = 65536;
-
 void Checks::Disks() {
     Places<uint32_t> numbers;
     for (size_t index = 0; index < pc_.disks.size(); ++index) {
@@ -196,8 +192,8 @@ void Checks::EncryptableVolumes() const {
         const EncryptableVolume& volume = (*pc_.encryptableVolumes)[index];
         const std::string place = PlaceOfEntry("encryptableVolumes", index);
         if (volume.deviceId) Once(ids, *volume.deviceId, *volume.deviceId, place + ".deviceId");
-        if (volume.driveLetter)
-            Once(drives, *volume.driveLetter, *volume.driveLetter, place + ".driveLetter");
+        const bool hasLetter = !volume.driveLetter.value_or("").empty();
+        if (hasLetter) Once(drives, *volume.driveLetter, *volume.driveLetter, place + ".driveLetter");
     }
 }
 

@@ -57,7 +57,8 @@ void Letters::Read(const Node& node, std::string& letters) {
 
 void DriveName::Read(const Node& node, std::string& name) {
     name = node.Text();
-    const char letter = name.empty() ? '\0' : name[0];
+    if (name.empty()) return;
+    const char letter = name[0];
     const bool isLetter = (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
     if (name.size() != 2 || !isLetter || name[1] != ':')
         node.Fail("\"" + name + "\" must be a letter from A to Z and a colon, like \"C:\"");

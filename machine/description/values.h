@@ -28,10 +28,10 @@ struct Letters : Text {
     static void Describe(Output out) { schema::Text(out, "^[A-Z]*$"); }
 };
 
-// A letter from A to Z and a colon: "C:".
+// A letter from A to Z and a colon, "C:", or nothing.
 struct DriveName : Text {
     static void Read(const Node& node, std::string& name);
-    static void Describe(Output out) { schema::Text(out, "^[A-Za-z]:$"); }
+    static void Describe(Output out) { schema::Text(out, "^([A-Za-z]:)?$"); }
 };
 
 // Bytes as pairs of hexadecimal digits; on reading, blanks are allowed between the digits.

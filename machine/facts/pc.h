@@ -115,8 +115,11 @@ struct WmiDisk {
 // The two classes that associate controllers with devices.
 enum class ControllerKind { Ide, Scsi };
 
-// Bytes of a storage descriptor as most devices answer it: the record and a name.
+// Bytes of a storage descriptor as most devices answer it: the record and a name. It begins with its version
+// and size. No device has nearly as many as the most.
 inline constexpr uint32_t usualDescriptorSize = 54;
+inline constexpr uint32_t fewestDescriptorBytes = 8;
+inline constexpr uint32_t mostDescriptorBytes = 65536;
 
 struct Disk {
     uint32_t number = 0;

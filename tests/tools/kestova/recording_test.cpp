@@ -13,6 +13,7 @@
 #include "tests/support/program/program.h"
 #include "tools/kestova/operations/operations.h"
 #include "tools/kestova/recording/recorded_library.h"
+#include "tools/kestova/recording/values.h"
 
 namespace {
 
@@ -179,6 +180,22 @@ TEST_F(Recording, OneOperationNamed_Replay_RunsThatOne) {
                 HasSubstr("calls.jsonl: no GetRCVDISC is recorded from there on"));
 }
 
+// The PC that answers has no changes to show.
+TEST_F(Recording, Switch_Replay_ShowsNoChanges) {
+    Record("--pc factory-mbr boot recovery");
+    const Outcome outcome = Kestova("--json replay calls.jsonl");
+    EXPECT_THAT(outcome.output, HasSubstr("\"operation\":\"SetRcvprtActive\""));
+    EXPECT_THAT(outcome.output, testing::Not(HasSubstr("\"changes\"")));
+}
+
+// Labels of other systems can be no UTF-16.
+TEST(RecordedText, UnitsThatAreNoText_ReadAsTheyWere) {
+    for (const WideString& text :
+         {WideString{'A', 0xD800}, WideString{0xDC00, 'B'}, WideString(TEXT("\u00E4"))})
+        EXPECT_EQ(recording::TextFrom(recording::AsJson(text.c_str())), text);
+    EXPECT_TRUE(recording::AsJson(static_cast<LPCWSTR>(nullptr)).is_null());
+}
+
 // --- differences ---
 
 TEST_F(Recording, CallAskedOtherwise_Replay_NamesLineOperationAndRecord) {
@@ -193,6 +210,14 @@ TEST_F(Recording, CallAskedOtherwise_Replay_NamesLineOperationAndRecord) {
     EXPECT_THAT(outcome.errors, HasSubstr("; asked was {\"call\":\"IVdsAdvancedDisk::ChangeAttributes\""));
     EXPECT_THAT(outcome.errors, HasSubstr("\"offset\":1048576"));
     EXPECT_THAT(outcome.errors, HasSubstr("; in SetRcvprtActive; the last record before it: Kestova"));
+}
+
+TEST_F(Recording, LongLine_Replay_ShowsItsBeginning) {
+    Record("--pc factory-mbr call GetActivePartitionNumber");
+    Change("IVdsService::QueryProviders", "\"masks\":1", "\"masks\":\"" + std::string(5000, 'x') + "\"");
+    const Outcome outcome = Kestova("replay calls.jsonl");
+    EXPECT_THAT(outcome.errors, HasSubstr("xxx...; asked was {"));
+    EXPECT_LT(outcome.errors.size(), 1500U);
 }
 
 TEST_F(Recording, AnswerChanged_Replay_LogsOtherwise) {
@@ -258,6 +283,10 @@ TEST_F(Recording, AnswersOfAnotherForm_Replay_NamesTheLine) {
         {"IVdsDisk::GetProperties", {"\"busType\":11", "\"busType\":\"SATA\""}},
         {"IVdsService::QueryProviders", {"\"result\":\"0x", "\"result\":\"x"}},
         {"IVdsService::IsServiceReady", {"\"error\":", "\"mistake\":"}},
+        // More than there is room for.
+        {"GetVolumeInformationW", {"\"label\":\"", "\"label\":\"" + std::string(100000, 'x')}},
+        {"DeviceIoControl", {"\"output\":\"", "\"output\":\"" + std::string(200000, '0')}},
+        {"IEnumVdsObject::Next", {"\"objects\":[", "\"objects\":[7,7,7,"}},
     };
     for (const auto& [call, change] : changes) {
         Record("--pc factory-mbr status");
@@ -266,6 +295,7 @@ TEST_F(Recording, AnswersOfAnotherForm_Replay_NamesTheLine) {
         EXPECT_EQ(outcome.status, 1) << call;
         EXPECT_THAT(outcome.errors, StartsWith("kestova: calls.jsonl:" + std::to_string(line) + ": "))
             << call;
+        EXPECT_LT(outcome.errors.size(), 1500U) << call;
     }
 }
 
@@ -280,6 +310,29 @@ TEST_F(Recording, OtherFiles_Replay_SaysWhatTheyAreNot) {
     EXPECT_EQ(Kestova("replay headless").errors,
               "kestova: headless: no object of the library is made at its beginning\n");
     EXPECT_EQ(Kestova("replay missing").status, 3);
+}
+
+// A parser without bounds would need a stack for the one, and gigabytes for the others.
+TEST_F(Recording, LineThatIsDeepWideOrFullOfKeys_Replay_IsDamaged) {
+    constexpr size_t many = 2000000;
+    std::string keys;
+    for (size_t key = 0; key < 100000; ++key)
+        keys += "\"" + std::to_string(key) + "\":0,";
+    std::string values;
+    for (size_t value = 0; value < 5 * many; ++value)
+        values += "0,";
+    for (const std::string& line : {std::string(many, '[') + std::string(many, ']'), "{" + keys + "\"\":0}",
+                                    "[" + values + "0]", std::string(many, '{')}) {
+        WriteFile("calls.jsonl",
+                  "{\"kestovaRecording\":1}\n{\"operation\":\"Kestova\",\"arguments\":{}}\n"
+                  "{\"call\":" +
+                      line + "}\n\n");
+        const Outcome outcome = Kestova("replay calls.jsonl");
+        EXPECT_EQ(outcome.status, 1) << line.substr(0, 10);
+        EXPECT_EQ(outcome.errors, "kestova: calls.jsonl:3: damaged: not a JSON object; in Kestova\n");
+    }
+    WriteFile("deep", std::string(many, '[') + std::string(many, ']') + "\n");
+    EXPECT_EQ(Kestova("replay deep").errors, "kestova: deep: not a recording of platform calls\n");
 }
 
 // --- the file that is written ---

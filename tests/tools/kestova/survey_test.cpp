@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/support/program/program.h"
+#include "tools/kestova/json/survey_lines.h"
 
 namespace {
 
@@ -132,6 +133,28 @@ TEST_F(Survey, OutputOfSomethingElse_IsKept) {
     EXPECT_THAT(ReadFile("notes"), StartsWith("{\"pc\":\"lab/pc-000001.json\""));
 }
 
+// A parser without bounds would need a stack for the one line, and memory without end for the other.
+TEST_F(Survey, EarlierOutputThatIsHostile_IsRefused) {
+    const std::string deep(2000000, '[');
+    WriteFile(
+        "deep.jsonl",
+        OfLab("--shard 1/40").output +
+            "{\"pc\":\"\",\"name\":\"\",\"records\":[],\"operations\":[{\"operation\":\"\",\"meaning\":\"\",\"result\":" +
+            deep + std::string(deep.size(), ']') + "}]}\n");
+    ASSERT_EQ(Shell("{ head -c 100M /dev/zero; echo; } >long.jsonl && mkfifo pipe").status, 0);
+    const std::string first = std::to_string(OfLab("--shard 1/40").output.size());
+    for (const std::string option : {"--against ", "--resume -o "}) {
+        const Outcome outcome = OfLab(option + "deep.jsonl");
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_THAT(outcome.errors, HasSubstr("deep.jsonl: byte " + first + ": no line of a survey"));
+        EXPECT_THAT(OfLab(option + "long.jsonl").errors,
+                    HasSubstr("long.jsonl: byte 0: no line of a survey"));
+    }
+    EXPECT_THAT(OfLab("--against pipe").errors, HasSubstr("pipe: not a regular file"));
+    EXPECT_THAT(Kestova("survey --script switch.txt --from long.jsonl").errors,
+                HasSubstr("--from: long.jsonl is larger than 64 MiB, so no list of names"));
+}
+
 TEST_F(Survey, PcsThatCannotBeRead_AreLinesWithTheirErrors) {
     WriteFile("lab/pc-000002.json", "{\"nam\": 5}");
     Shell("rm lab/pc-000003.json && truncate -s 1M lab/zero.img");
@@ -165,6 +188,15 @@ TEST_F(Survey, PcThatTakesTooLong_IsALineThatSaysSo_AndTheNextAnswers) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(Of(outcome.output, "pc['status'], pc['error']"),
               "None its worker took longer than --time-limit allows\n3 none.json: there is no such file\n");
+}
+
+// With --write it may have been in the middle of a change.
+TEST_F(Survey, PcThatTakesTooLongToWrite_IsALineThatNamesTheWayOut) {
+    ASSERT_EQ(Kestova("--pc factory-mbr --save slow.json status").status, 0);
+    WriteFile("long.txt", Repeated("SetRcvprtActive", 65000));
+    EXPECT_THAT(Kestova("survey slow.json --script long.txt --time-limit 1 --write --quiet").output,
+                HasSubstr("its worker took longer than --time-limit allows; if it left a journal, `kestova "
+                          "recover` takes back what it was changing, or finishes it"));
 }
 
 TEST_F(Survey, Interrupted_SaysHowToGoOn_AndResumeMakesTheWhole) {
@@ -251,6 +283,27 @@ TEST_F(Survey, Summary_CountsResultsAndFoldsRecords) {
         ++count;
     EXPECT_THAT(outcome.errors,
                 HasSubstr("\n  " + std::to_string(count) + "   2: the number of the partition\n"));
+}
+
+// A line of a PC with one operation, and these texts of JSON.
+std::string LineWith(const std::string& records, const std::string& changes) {
+    return "{\"pc\":\"a\",\"name\":\"\",\"status\":0,\"operations\":[],\"records\":" + records +
+           ",\"changes\":" + changes + "}\n";
+}
+
+TEST(SurveyLines, OtherRecordsAndChanges_AreDifferences) {
+    const std::string record = "[{\"level\":1,\"text\":\"x\"}]";
+    EXPECT_THAT(
+        SurveyDifferences(LineWith("[]", "[]"), LineWith(record, "[\"y\"]")),
+        testing::ElementsAre("records " + record + " instead of []", "changes [\"y\"] instead of []"));
+}
+
+// Records with numbers in them would fill the memory.
+TEST(SurveyLines, TooManyKindsOfRecords_AreCountedTogether) {
+    SurveyTally tally;
+    for (int number = 0; number < 10003; ++number)
+        tally.Add(LineWith("[{\"text\":\"record " + std::to_string(number) + "\"}]", "[]"));
+    EXPECT_THAT(tally.Text(), HasSubstr("  3  (others)\n"));
 }
 
 // More than a pipe holds is written.

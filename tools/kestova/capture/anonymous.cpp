@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <utility>
 
 #include "base/guid.h"
 #include "base/text_case.h"
@@ -39,6 +40,7 @@ class Stranger {
     void Label(machine::Volume& volume);
     void Disk(machine::Disk& disk);
     void Mounted(machine::RegistryKeys& keys);
+    void Packs();
     void Host();
 
     machine::Pc& pc_;
@@ -56,7 +58,9 @@ Guid Stranger::StandInOf(const GUID& guid) {
     Guid standIn;
     if (guid == standIn) return standIn;
     standIn.Data1 = firstSignature;
-    standIn.Data4[7] = static_cast<uint8_t>(guids_.Number(GuidText(guid)));
+    const size_t number = guids_.Number(GuidText(guid));
+    for (size_t byte = 0; byte < sizeof(uint32_t); ++byte)
+        standIn.Data4[7 - byte] = static_cast<uint8_t>(number >> (8 * byte));
     return standIn;
 }
 
@@ -119,11 +123,26 @@ void Stranger::Mounted(machine::RegistryKeys& keys) {
                 std::memcpy(&guid, data.data() + partitionData.size(), sizeof(GUID));
                 guid = StandInOf(guid);
                 std::memcpy(data.data() + partitionData.size(), &guid, sizeof(GUID));
+            } else if (value.type == REG_SZ) {
+                data = Named("device", data);
             } else {
                 const WideString device = ToWide(Named("\\??\\device", data));
                 data.assign(reinterpret_cast<const char*>(device.data()), device.size() * sizeof(WCHAR));
             }
         }
+    }
+}
+
+// The pack of a dynamic disk has the name of the computer.
+void Stranger::Packs() {
+    std::map<std::string, std::string> arguments;
+    for (machine::Pack& pack : pc_.packs) {
+        const std::string name = std::exchange(pack.name, Named("pack", pack.name));
+        arguments["pack " + name] = "pack " + pack.name;
+    }
+    for (machine::FaultRule& fault : pc_.faults) {
+        const auto renamed = arguments.find(fault.argument.value_or(""));
+        if (renamed != arguments.end()) fault.argument = renamed->second;
     }
 }
 
@@ -139,8 +158,7 @@ void Stranger::Host() {
 void Stranger::Run() {
     pc_.name.clear();
     Host();
-    for (machine::Pack& pack : pc_.packs)
-        pack.name = Named("pack", pack.name);
+    Packs();
     for (machine::Disk& disk : pc_.disks)
         Disk(disk);
     for (machine::Volume& volume : pc_.volumes)

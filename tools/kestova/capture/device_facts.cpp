@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr DWORD largestDescriptor = 65536;
-
 // --- the location text of device set-up ---
 
 machine::Fact<std::string> CapturedLocation(const std::string& pnpDeviceId) {
@@ -21,8 +19,9 @@ machine::Fact<std::string> CapturedLocation(const std::string& pnpDeviceId) {
     if (!SetupDiOpenDeviceInfoW(devices.Get(), ToWide(pnpDeviceId).c_str(), nullptr, 0, &device))
         return Location::Fails(GetLastError());
     DWORD size = 0;
-    SetupDiGetDeviceRegistryPropertyW(devices.Get(), &device, SPDRP_LOCATION_INFORMATION, nullptr, nullptr, 0,
-                                      &size);
+    const BOOL isEmpty = SetupDiGetDeviceRegistryPropertyW(devices.Get(), &device, SPDRP_LOCATION_INFORMATION,
+                                                           nullptr, nullptr, 0, &size);
+    if (isEmpty) return std::string();
     if (GetLastError() != ERROR_INSUFFICIENT_BUFFER) return Location::Fails(GetLastError());
     // One more unit: terminated even if the property is not.
     WideString text(size / sizeof(WCHAR) + 1, TEXT('\0'));
@@ -64,15 +63,21 @@ void CaptureShortDescriptor(Findings& findings, const FileHandle& device) {
 }
 
 void CaptureBusType(Findings& findings, const FileHandle& device, machine::Disk& disk) {
-    std::vector<char> room(largestDescriptor);
+    std::vector<char> room(machine::mostDescriptorBytes);
     STORAGE_DEVICE_DESCRIPTOR descriptor = {};
-    if (const DWORD error = QueryDescriptor(device, room.data(), largestDescriptor)) {
+    if (const DWORD error = QueryDescriptor(device, room.data(), machine::mostDescriptorBytes)) {
         disk.storageBusType = machine::Fact<uint32_t>::Fails(error);
         return;
     }
     std::memcpy(&descriptor, room.data(), sizeof descriptor);
     disk.storageBusType = static_cast<uint32_t>(descriptor.BusType);
-    if (descriptor.Size != machine::usualDescriptorSize) disk.storageDescriptorSize = descriptor.Size;
+    const bool isSize =
+        descriptor.Size >= machine::fewestDescriptorBytes && descriptor.Size <= machine::mostDescriptorBytes;
+    if (!isSize)
+        findings.Note("disk " + std::to_string(disk.number) + ": its driver says that its descriptor has " +
+                      std::to_string(descriptor.Size) + " bytes, which is not described");
+    if (isSize && descriptor.Size != machine::usualDescriptorSize)
+        disk.storageDescriptorSize = descriptor.Size;
     CaptureShortDescriptor(findings, device);
 }
 

@@ -15,7 +15,7 @@ char LetterOfHive(const machine::Pc& pc) {
     const auto look = [&](const machine::Volume& volume) {
         if (volume.files.Find(hive) == nullptr) return;
         for (const char letter : volume.letters) {
-            const bool isRunning = letter == pc.system.windowsDirectory.front();
+            const bool isRunning = pc.system.windowsDirectory.starts_with(letter);
             if (!isRunning && (first == 0 || letter < first)) first = letter;
         }
     };

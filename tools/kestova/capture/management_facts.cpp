@@ -121,6 +121,9 @@ void CaptureDisk(Findings& findings, IWbemClassObject& instance, std::vector<uin
     if (disk == findings.pc.disks.end())
         return findings.Note("WMI lists " + row.deviceId.value_or("a disk without an id") +
                              ", which the Virtual Disk Service does not: it is left out");
+    if (disk->wmi)
+        return findings.Note("WMI lists disk " + std::to_string(disk->number) +
+                             " twice: one of them is left out");
     disk->wmi = row;
     order.push_back(disk->number);
 }

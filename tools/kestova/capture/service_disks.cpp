@@ -167,11 +167,13 @@ void ServiceCapture::Pack(IUnknown& object) {
     const bool isImplicit =
         ToUtf8(name.Get()).empty() && properties.status == VDS_PS_ONLINE && disks.size() == 1;
     const std::string packName = PackNamed(properties, isImplicit);
+    const size_t described = findings_.pc.disks.size();
     for (const ComPtr<IUnknown>& disk : disks)
         Disk(*disk.Get(), packName, false);
-    const std::string argument = isImplicit && !findings_.pc.disks.empty()
-                                     ? "pack of " + DiskText(findings_.pc.disks.back().number)
-                                     : "pack " + packName;
+    // Without its disk it is not described.
+    if (isImplicit && findings_.pc.disks.size() == described) return;
+    const std::string argument =
+        isImplicit ? "pack of " + DiskText(findings_.pc.disks.back().number) : "pack " + packName;
     if (told != S_OK) findings_.Fails("IVdsPack::GetProperties", argument, static_cast<uint32_t>(told));
     if (listed != S_OK) findings_.Fails("IVdsPack::QueryDisks", argument, static_cast<uint32_t>(listed));
 }
@@ -180,8 +182,12 @@ void ServiceCapture::Pack(IUnknown& object) {
 std::string ServiceCapture::PackNamed(const VDS_PACK_PROP& properties, bool isImplicit) {
     if (isImplicit) return "";
     machine::Pack& pack = findings_.pc.packs.emplace_back();
-    pack.name = ToUtf8(properties.pwszName);
-    if (pack.name.empty()) pack.name = "pack " + std::to_string(findings_.pc.packs.size());
+    std::string name = ToUtf8(properties.pwszName);
+    if (name.empty()) name = "pack " + std::to_string(findings_.pc.packs.size());
+    // Disks that two PCs gave to a third can have packs of one name.
+    while (std::ranges::count(findings_.pc.packs, name, &machine::Pack::name) != 0)
+        name += " again";
+    pack.name = name;
     pack.status = properties.status;
     pack.dynamic = isDynamic_;
     return pack.name;
@@ -226,7 +232,9 @@ std::optional<DeviceIdentity> IdentityOf(uint32_t number) {
     return identity;
 }
 
+// Drives without a medium are all alike.
 bool Matches(const DeviceIdentity& identity, const VDS_DISK_PROP& properties) {
+    if (identity.style == VDS_PST_UNKNOWN && identity.size == 0) return false;
     if (identity.style != properties.PartitionStyle || identity.size != properties.ullSize) return false;
     if (identity.style == VDS_PST_MBR) return identity.signature == properties.dwSignature;
     return identity.style != VDS_PST_GPT || IsEqualGUID(identity.guid, properties.DiskGuid);
@@ -266,7 +274,9 @@ void ServiceCapture::Disk(IUnknown& object, const std::string& pack, bool unallo
         return;
     }
     const std::optional<uint32_t> number = NumberOf(properties);
-    if (!number) return findings_.Note("a disk of the service has no name and no table, and is left out");
+    if (!number)
+        return findings_.Note("the disk \"" + ToUtf8(properties.pwszName) +
+                              "\" of the service has no number, and is left out");
     const bool isTaken = std::ranges::count(findings_.pc.disks, *number, &machine::Disk::number) != 0;
     if (isTaken)
         return findings_.Note("two disks of the service have the name of " + DiskText(*number) +

@@ -41,13 +41,22 @@ void CaptureLabel(machine::Volume& volume, const WideString& root) {
     if (error == ERROR_UNRECOGNIZED_VOLUME) volume.fileSystem = "RAW";
 }
 
+// A type that the platform does not define is unknown.
+machine::DriveType CapturedDriveType(const WideString& root) {
+    const auto type = static_cast<machine::DriveType>(GetDriveTypeW(root.c_str()));
+    return type <= machine::DriveType::RamDisk ? type : machine::DriveType::Unknown;
+}
+
 // The root ends in a backslash.
 machine::Volume CapturedVolume(Findings& findings, const std::string& root) {
     machine::Volume volume;
     const WideString wide = ToWide(root);
-    volume.driveType = static_cast<machine::DriveType>(GetDriveTypeW(wide.c_str()));
+    volume.driveType = CapturedDriveType(wide);
     CaptureLabel(volume, wide);
-    volume.files = CapturedFiles(root, findings.notes);
+    // A share that is gone, or a drive without a medium, would take its time for each file.
+    const bool isThere =
+        volume.driveType == machine::DriveType::Fixed || WhyUnreadable(wide) == ERROR_SUCCESS;
+    if (isThere) volume.files = CapturedFiles(root, findings.notes);
     return volume;
 }
 

@@ -141,7 +141,10 @@ int Capture(const CommandLine& line) {
                               for (std::string& content : contents)
                                   content = "the description holds " + content;
                               ShowNotes(line, contents);
-                              return Done;
+                              int status = Done;
+                              for (const std::string& mistake : MistakesIn(text))
+                                  status = ShowProblem(line, "the description has a mistake: " + mistake);
+                              return status;
                           }});
 }
 

@@ -1,9 +1,11 @@
 #include "tools/kestova/command_line/survey_results.h"
 
+#include <filesystem>
 #include <iostream>
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/output_file.h"
+#include "tools/kestova/recording/json_line.h"
 
 namespace {
 
@@ -22,20 +24,25 @@ void KeepApart(const OutputFile& output, const CommandLine& line, const std::vec
 uint64_t ReadSurvey(
     const std::string& file,
     const std::function<void(const std::string& pc, const std::string& line, uint64_t begin)>& visit) {
+    std::error_code error;
+    if (std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error))
+        throw WrongUse(file + ": not a regular file");
     std::ifstream lines(file, std::ios::binary);
     if (!lines) throw WrongUse(file + ": cannot be read");
     uint64_t end = 0;
-    // At the end of the file without a line feed, the line is torn off.
-    for (std::string line; std::getline(lines, line) && !lines.eof(); end += line.size() + 1) {
-        const std::optional<std::string> pc = PcOfLine(line);
+    std::string line;
+    for (LineEnd read = ReadLine(lines, line); read != LineEnd::TornOff; read = ReadLine(lines, line)) {
+        const std::optional<std::string> pc = read == LineEnd::Whole ? PcOfLine(line) : std::nullopt;
         if (!pc) throw WrongUse(file + ": byte " + std::to_string(end) + ": no line of a survey");
         visit(*pc, line, end);
+        end += line.size() + 1;
     }
     return end;
 }
 
-EarlierSurvey::EarlierSurvey(const std::string& file) : stream_(file, std::ios::binary) {
+EarlierSurvey::EarlierSurvey(const std::string& file) {
     ReadSurvey(file, [&](const std::string& pc, const std::string&, uint64_t begin) { begins_[pc] = begin; });
+    stream_.open(file, std::ios::binary);
 }
 
 std::optional<std::string> EarlierSurvey::LineOf(const std::string& pc) {

@@ -1,4 +1,5 @@
-// The operations of the library that change nothing, with arguments that make sense.
+// The operations of the library that change nothing, not even for the time that they take, with arguments
+// that make sense.
 #pragma once
 
 #include <string>

@@ -2,12 +2,14 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/input_file.h"
 
 namespace {
 
+constexpr size_t largestList = size_t{1} << 20;
 constexpr char separator = '\t';
 
 ExpectedDifference ReadRow(const std::string& line, const std::string& place) {
@@ -47,8 +49,11 @@ bool Pattern::Matches(std::string_view text) const {
 ExpectedDifferences ReadExpectedDifferences(const std::string& file) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error)) throw WrongUse(file + ": there is no such file");
-    std::ifstream lines = OpenInput(file);
-    if (!lines) throw WrongUse(file + ": cannot be read");
+    std::ifstream opened = OpenInput(file);
+    if (!opened) throw WrongUse(file + ": cannot be read");
+    const std::string text = ReadUpTo(opened, largestList);
+    if (text.size() > largestList) throw WrongUse(file + ": larger than 1 MiB, so no list of differences");
+    std::istringstream lines(text);
     ExpectedDifferences expected;
     int number = 0;
     for (std::string line; std::getline(lines, line);) {

@@ -10,3 +10,10 @@ std::string DescriptionText(const machine::Pc& pc) {
         throw Failed(error.what());
     }
 }
+
+std::vector<std::string> MistakesIn(const std::string& text) {
+    std::vector<std::string> lines;
+    for (const machine::Mistake& mistake : machine::FindMistakes(text))
+        lines.push_back(mistake.place + ": " + mistake.what);
+    return lines;
+}

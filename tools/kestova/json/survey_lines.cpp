@@ -5,12 +5,9 @@
 #include <set>
 
 #include "tools/kestova/json/json_values.h"
+#include "tools/kestova/recording/json_line.h"
 
 namespace {
-
-Json Parsed(const std::string& line) {
-    return Json::parse(line, nullptr, false);
-}
 
 bool HasTexts(const Json& json, std::initializer_list<const char*> keys) {
     return json.is_object() && std::ranges::all_of(keys, [&](const char* key) {
@@ -47,7 +44,7 @@ void CompareKey(const Json& earlier, const Json& now, const char* key, const std
 }  // namespace
 
 std::optional<std::string> PcOfLine(const std::string& line) {
-    const Json json = Parsed(line);
+    const Json json = ParsedLine(line);
     const bool isLine =
         HasTexts(json, {"pc", "name"}) && HasList(json, "operations", {"operation", "meaning"}) &&
         HasList(json, "records", {"text"}) && (!json.contains("error") || HasTexts(json, {"error"}));
@@ -56,8 +53,8 @@ std::optional<std::string> PcOfLine(const std::string& line) {
 
 std::vector<std::string> SurveyDifferences(const std::string& earlier, const std::string& now) {
     std::vector<std::string> differences;
-    const Json before = Parsed(earlier);
-    const Json after = Parsed(now);
+    const Json before = ParsedLine(earlier);
+    const Json after = ParsedLine(now);
     for (const char* const key : {"name", "status", "error"})
         CompareKey(before, after, key, "", differences);
     const Json& one = before["operations"];
@@ -85,7 +82,7 @@ void SurveyTally::AddPc(Kinds& kinds, const std::string& kind, const std::string
 }
 
 void SurveyTally::Add(const std::string& line) {
-    const Json json = Parsed(line);
+    const Json json = ParsedLine(line);
     const std::string pc = json["pc"];
     ++pcs_;
     for (const Json& operation : json["operations"]) {

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/input_file.h"
 
 namespace {
 
@@ -15,10 +16,8 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 // A script is short; anything longer is another file, or one that never ends.
 std::string ReadText(std::istream& script, const std::string& name) {
     constexpr size_t most = size_t{1} << 20;
-    std::string text(most + 1, '\0');
-    script.read(text.data(), static_cast<std::streamsize>(text.size()));
+    std::string text = ReadUpTo(script, most);
     if (script.bad()) throw WrongUse(name + ": cannot be read");
-    text.resize(static_cast<size_t>(script.gcount()));
     if (text.size() > most) throw WrongUse(name + ": larger than 1 MiB, so no script");
     return text;
 }

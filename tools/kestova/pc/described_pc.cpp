@@ -1,6 +1,5 @@
 #include "tools/kestova/pc/described_pc.h"
 
-#include <array>
 #include <filesystem>
 #include <fstream>
 
@@ -38,14 +37,7 @@ std::string ReadDescriptionText(const std::string& name) {
     std::error_code error;
     if (!std::filesystem::exists(name, error)) throw UnreadablePc(name + ": there is no such file");
     std::ifstream file = OpenInput(name);
-    std::string text;
-    // In parts: most descriptions are small, and clearing memory for the largest one takes longer than
-    // reading them.
-    std::array<char, 65536> part;
-    while (text.size() <= largestDescription && file) {
-        file.read(part.data(), part.size());
-        text.append(part.data(), static_cast<size_t>(file.gcount()));
-    }
+    std::string text = ReadUpTo(file, largestDescription);
     if (std::filesystem::is_directory(name, error) || file.bad() || (file.fail() && !file.eof())) {
         throw UnreadablePc(name + ": cannot be read");
     }

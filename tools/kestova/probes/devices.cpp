@@ -44,7 +44,7 @@ void ProbeDevice(Probes& probes, const WideString& path) {
 }  // namespace
 
 void ProbeDevices(Probes& probes) {
-    for (const WCHAR letter : WideView(allLetters))
+    for (const WCHAR letter : LocalLetters())
         ProbeDevice(probes, TEXT("\\\\.\\") + WideString(1, letter) + TEXT(":"));
     for (const int disk : {0, 1, 2, 3, 4, 5, 6, 7, 127})
         ProbeDevice(probes, ToWide("\\\\.\\PhysicalDrive" + std::to_string(disk)));

@@ -44,12 +44,21 @@ constexpr DWORD roomy = MAX_PATH + 1;
 
 }  // namespace
 
+WideString LocalLetters() {
+    WideString letters(allLetters);
+    std::erase_if(letters, [](WCHAR letter) {
+        return GetDriveTypeW((WideString(1, letter) + TEXT(":\\")).c_str()) == DRIVE_REMOTE;
+    });
+    return letters;
+}
+
 WideString LettersInUse() {
     WCHAR roots[mostUnits] = {};
     const DWORD length = GetLogicalDriveStringsW(mostUnits, roots);
+    const WideString local = LocalLetters();
     WideString letters;
     for (DWORD at = 0; at < length && length < mostUnits; at += 4)
-        letters += roots[at];
+        if (local.find(roots[at]) != WideString::npos) letters += roots[at];
     return letters;
 }
 
@@ -65,8 +74,9 @@ void ProbeLetters(Probes& probes) {
     for (const WCHAR letter : WideView(allLetters)) {
         for (const WCHAR* const rest : {TEXT(":"), TEXT(":\\")})
             ProbeDriveType(probes, (WideString(1, letter) + rest).c_str());
-        ProbeVolume(probes, WideString(1, letter) + TEXT(":\\"), roomy, roomy);
     }
+    for (const WCHAR letter : LocalLetters())
+        ProbeVolume(probes, WideString(1, letter) + TEXT(":\\"), roomy, roomy);
     const WideString windows(1, WindowsLetter());
     for (const WideString& path : {windows, windows + TEXT(":\\Windows"), windows + TEXT(":\\no such folder"),
                                    WideString(), WideString(TEXT("1:\\"))})

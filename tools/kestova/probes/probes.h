@@ -57,6 +57,8 @@ void ProbeDeviceSetup(Probes& probes, const std::vector<WideString>& deviceIds);
 // "A" to "Z".
 inline constexpr WCHAR allLetters[] = TEXT("ABCDEFGHIJKLMNOPQRSTUVWXYZ");
 
-// The letters of all drives, and that of the running Windows.
+// All but those of network drives, on which every question can wait for a server that is gone; those of them
+// that are drives; and that of the running Windows.
+WideString LocalLetters();
 WideString LettersInUse();
 WCHAR WindowsLetter();

@@ -45,7 +45,7 @@ void ProbeName(Probes& probes, const WideString& root, DWORD size) {
 void ProbeVolumeNames(Probes& probes) {
     for (const DWORD size : {DWORD{1}, nameUnits - 1, nameUnits, DWORD{MAX_PATH}})
         ProbeSearch(probes, size);
-    for (const WCHAR letter : WideView(allLetters))
+    for (const WCHAR letter : LocalLetters())
         ProbeName(probes, WideString(1, letter) + TEXT(":\\"), nameUnits);
     const WideString windows(1, WindowsLetter());
     ProbeName(probes, windows + TEXT(":\\"), nameUnits - 1);

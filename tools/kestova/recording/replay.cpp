@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "tools/kestova/common/input_file.h"
 #include "tools/kestova/common/text.h"
 #include "tools/kestova/recording/header.h"
+#include "tools/kestova/recording/json_line.h"
 
 namespace {
 
@@ -14,16 +16,12 @@ constexpr size_t largestRecording = size_t{256} << 20;
 // Characters of a line that a message shows.
 constexpr size_t longestShown = 400;
 
-std::vector<std::string> ReadLines(std::istream& file, const std::string& name) {
-    std::vector<std::string> lines;
-    size_t size = 0;
-    for (std::string line; std::getline(file, line);) {
-        size += line.size() + 1;
-        if (size > largestRecording) throw DamagedRecording(name + ": larger than 256 MiB, so no recording");
-        lines.push_back(std::move(line));
-    }
+std::string ReadText(std::istream& file, const std::string& name) {
+    std::string text = ReadUpTo(file, largestRecording);
     if (file.bad()) throw DamagedRecording(name + ": cannot be read");
-    return lines;
+    if (text.size() > largestRecording)
+        throw DamagedRecording(name + ": larger than 256 MiB, so no recording");
+    return text;
 }
 
 std::string Shown(const Json& json) {
@@ -49,8 +47,8 @@ Json Comparable(const Json& line, const Json& asked) {
 
 }  // namespace
 
-Replay::Replay(std::istream& file, const std::string& name) : name_(name), lines_(ReadLines(file, name)) {
-    const Json* const header = lines_.empty() ? nullptr : ReadLine();
+Replay::Replay(std::istream& file, const std::string& name) : name_(name), text_(ReadText(file, name)) {
+    const Json* const header = IsAtEnd() ? nullptr : ReadObject();
     if (header == nullptr || !header->contains(recordingKey))
         throw DamagedRecording(name + ": not a recording of platform calls");
     if ((*header)[recordingKey] != recordingVersion)
@@ -63,11 +61,11 @@ void Replay::Add(const Json& line) {
 
 const Json* Replay::Next(const Json& asked) {
     if (!problem_.empty()) return nullptr;
-    if (next_ == lines_.size()) {
+    if (IsAtEnd()) {
         Complain("the recording ends behind this line; asked was " + Shown(asked));
         return nullptr;
     }
-    const Json* const line = ReadLine();
+    const Json* const line = ReadObject();
     if (line == nullptr) return nullptr;
     if (!Holds(*line, asked)) {
         Complain("recorded was " + Shown(Comparable(*line, asked)) + "; asked was " + Shown(asked));
@@ -82,8 +80,9 @@ void Replay::Reject(const std::string& why) {
 }
 
 std::optional<Replay::Operation> Replay::NextOperation() {
-    if (!problem_.empty() || next_ == lines_.size()) return std::nullopt;
-    const Json* const line = ReadLine();
+    if (!problem_.empty() || IsAtEnd()) return std::nullopt;
+    const Place begin = next_;
+    const Json* const line = ReadObject();
     if (line == nullptr) return std::nullopt;
     const auto name = line->find("operation");
     const auto arguments = line->find("arguments");
@@ -92,30 +91,40 @@ std::optional<Replay::Operation> Replay::NextOperation() {
         return std::nullopt;
     }
     operation_ = *name;
-    --next_;
+    next_ = begin;
     return Operation{operation_, *arguments};
 }
 
 bool Replay::GoTo(const std::string& operation) {
-    for (size_t at = next_; at < lines_.size(); ++at) {
-        const Json line = Json::parse(lines_[at], nullptr, false);
+    const Place begin = next_;
+    while (!IsAtEnd()) {
+        const Place here = next_;
+        const Json line = ParsedLine(TakeLine());
         if (!line.is_object() || line.value("operation", Json()) != operation) continue;
-        next_ = at;
+        next_ = here;
         return true;
     }
+    next_ = begin;
     return false;
 }
 
+std::string_view Replay::TakeLine() {
+    const std::string_view rest = std::string_view(text_).substr(next_.begin);
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    next_ = {std::min(next_.begin + line.size() + 1, text_.size()), next_.number + 1};
+    return line;
+}
+
 // Null, with a complaint, for a line that is no JSON object.
-const Json* Replay::ReadLine() {
-    line_ = Json::parse(lines_[next_++], nullptr, false);
+const Json* Replay::ReadObject() {
+    line_ = ParsedLine(TakeLine());
     if (line_.is_object()) return &line_;
-    Complain(next_ == lines_.size() ? "the last line is cut off, or damaged" : "damaged: not a JSON object");
+    Complain(IsAtEnd() ? "the last line is cut off, or damaged" : "damaged: not a JSON object");
     return nullptr;
 }
 
 void Replay::Complain(const std::string& what) {
-    problem_ = name_ + ":" + std::to_string(next_) + ": " + what;
+    problem_ = name_ + ":" + std::to_string(next_.number) + ": " + what;
     if (!operation_.empty()) problem_ += "; in " + operation_;
     if (!record_.empty()) problem_ += "; the last record before it: " + Printable(record_);
 }

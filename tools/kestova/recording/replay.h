@@ -5,7 +5,7 @@
 #include <istream>
 #include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "tools/kestova/recording/tape.h"
 
@@ -36,12 +36,20 @@ class Replay final : public Tape {
     size_t Calls() const { return calls_; }
 
   private:
-    const Json* ReadLine();
+    // A line by where it begins, and how many are before it.
+    struct Place {
+        size_t begin = 0;
+        size_t number = 0;
+    };
+
+    bool IsAtEnd() const { return next_.begin == text_.size(); }
+    std::string_view TakeLine();
+    const Json* ReadObject();
     void Complain(const std::string& what);
 
     std::string name_;
-    std::vector<std::string> lines_;
-    size_t next_ = 0;
+    std::string text_;
+    Place next_;
     size_t calls_ = 0;
     Json line_;
     std::string operation_;  // that runs

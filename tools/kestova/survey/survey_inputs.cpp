@@ -6,9 +6,11 @@
 #include <fstream>
 #include <iostream>
 #include <set>
+#include <sstream>
 #include <string_view>
 
 #include "tools/kestova/common/errors.h"
+#include "tools/kestova/common/input_file.h"
 #include "tools/kestova/common/text.h"
 
 namespace {
@@ -18,6 +20,8 @@ namespace fs = std::filesystem;
 constexpr std::string_view descriptionEnding = ".json";
 constexpr std::string_view imageEndings[] = {".img",  ".raw", ".dd",    ".vhd", ".vhdx",
                                              ".vmdk", ".vdi", ".qcow2", ".E01"};
+
+constexpr size_t largestList = size_t{64} << 20;
 
 bool IsListed(const std::string& file) {
     return file.ends_with(descriptionEnding) ||
@@ -52,7 +56,10 @@ std::vector<std::string> SurveyInputs(const std::vector<std::string>& names) {
 std::vector<std::string> NamesFrom(const std::string& file) {
     std::ifstream opened;
     if (file != "-") opened.open(file, std::ios::binary);
-    std::istream& lines = file == "-" ? std::cin : opened;
+    const std::string text = ReadUpTo(file == "-" ? std::cin : opened, largestList);
+    if (text.size() > largestList)
+        throw WrongUse("--from: " + file + " is larger than 64 MiB, so no list of names");
+    std::istringstream lines(text);
     std::vector<std::string> names;
     for (std::string name; std::getline(lines, name);)
         if (!name.empty()) names.push_back(name);

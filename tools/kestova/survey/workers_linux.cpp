@@ -147,7 +147,10 @@ void Pool::EndLate() {
     const Clock::time_point now = Clock::now();
     for (Worker& worker : workers_) {
         if (now < worker.until) continue;
-        worker.ended = "its worker took longer than --time-limit allows";
+        worker.ended = limits_.mayBeEnded
+                           ? "its worker took longer than --time-limit allows"
+                           : "its worker took longer than --time-limit allows; if it left a journal, "
+                             "`kestova recover` takes back what it was changing, or finishes it";
         End(worker);
     }
 }
