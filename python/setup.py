@@ -10,7 +10,7 @@ import re
 import shutil
 import sysconfig
 
-from setuptools import setup
+from setuptools import Distribution, setup
 from setuptools.command.build_py import build_py
 from wheel.bdist_wheel import bdist_wheel
 
@@ -34,13 +34,15 @@ class WithLibrary(build_py):
             shutil.copyfile(file, pathlib.Path(self.build_lib, "kestova", file.name))
 
 
-class OfPlatform(bdist_wheel):
-    def finalize_options(self):
-        super().finalize_options()
-        self.root_is_pure = not has_library
+class Package(Distribution):
+    def has_ext_modules(self):
+        """Of a platform's package, which so goes to the place for these."""
+        return has_library
 
+
+class OfPlatform(bdist_wheel):
     def get_tag(self):
         return ("py3", "none", platform if has_library else "any")
 
 
-setup(version=version(), cmdclass={"build_py": WithLibrary, "bdist_wheel": OfPlatform})
+setup(version=version(), distclass=Package, cmdclass={"build_py": WithLibrary, "bdist_wheel": OfPlatform})

@@ -24,20 +24,22 @@ class Gate:
     def open(self):
         self._open.set()
 
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.open()
+
 
 @contextlib.contextmanager
 def held_switch():
     """An object whose switch is held at a gate, and the future of its caller."""
-    gate = Gate()
-    with kestova.Kestova() as recovery, concurrent.futures.ThreadPoolExecutor() as threads:
+    with kestova.Kestova() as recovery, concurrent.futures.ThreadPoolExecutor() as threads, Gate() as gate:
         recovery.initialize()
         recovery.set_log(gate.log)
         caller = threads.submit(recovery.set_rcvprt_active)
-        try:
-            gate.reached.wait()
-            yield recovery, gate, caller
-        finally:
-            gate.open()
+        gate.reached.wait()
+        yield recovery, gate, caller
 
 
 def code_of(call):
@@ -62,8 +64,7 @@ def test_stop_waiting_caller_is_released_and_the_switch_ends(pc):
 
 def test_wait_that_is_over_caller_is_released(pc):
     pc("factory-mbr")
-    gate = Gate()
-    with kestova.Kestova() as recovery:
+    with kestova.Kestova() as recovery, Gate() as gate:
         recovery.initialize()
         recovery.set_log(gate.log)
         recovery.set_wait(0.001)
