@@ -45,6 +45,8 @@ struct DriveInfosOutput {
     bool IsMissing() const { return records == nullptr || count < 0; }
     DriveInfos Keep() const {
         DriveInfos kept;
+        // So that the class gets a place also if there is no room.
+        kept.reserve(static_cast<size_t>(count) + 1);
         for (int i = 0; i < count; ++i)
             kept.push_back({records[i].disk, records[i].partition, static_cast<WCHAR>(records[i].letter)});
         return kept;

@@ -15,10 +15,13 @@ import textwrap
 
 import jinja2
 
+import python_binding
+
 FILES = {
     "c/templates/kestova_c.h.j2": "kestova/kestova_c.h",
     "c/templates/operations.cpp.j2": "c/operations.cpp",
     "c/templates/results.cpp.j2": "c/results.cpp",
+    "python/templates/operations.py.j2": "python/kestova/operations.py",
 }
 
 # The enumerations whose names would say nothing to who does not know the class.
@@ -172,7 +175,7 @@ def prepared(operation):
 
 def enumerated_outputs(operations):
     return [
-        dict(parameter, operation=operation["operation"])
+        dict(parameter, operation=operation["operation"], c_name=operation["c_name"])
         for operation in operations
         for parameter in operation["parameters"]
         if parameter["name"] in ENUMERATED
@@ -186,7 +189,7 @@ def main():
     templates = jinja2.Environment(
         loader=jinja2.FileSystemLoader(root), undefined=jinja2.StrictUndefined, keep_trailing_newline=True
     )
-    templates.filters.update(sentence=sentence, literal=literal)
+    templates.filters.update(sentence=sentence, literal=literal, **python_binding.FILTERS)
     for template, file in FILES.items():
         text = templates.get_template(template).render(operations=operations, outputs=enumerated_outputs(operations))
         (written / file).parent.mkdir(parents=True, exist_ok=True)

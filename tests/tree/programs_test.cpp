@@ -20,9 +20,9 @@ const fs::path sources = KESTOVA_SOURCE_FOLDER;
 
 // Keywords and builtins of the shell.
 const std::set<std::string> shellWords = {
-    "case",     "cd",     "command", "compgen", "continue", "done",    "echo",   "esac", "exit",
-    "complete", "export", "fi",      "for",     "local",    "mapfile", "printf", "pwd",  "read",
-    "return",   "set",    "shift",   "source",  "trap",     "true",    "unset",  "wait"};
+    "case",     "cd",     "command", "compgen", "continue", "done",    "echo",   "esac",  "exit",
+    "complete", "export", "fi",      "for",     "local",    "mapfile", "printf", "pwd",   "read",
+    "return",   "set",    "shift",   "source",  "trap",     "true",    "umask",  "unset", "wait"};
 
 std::string ContentOf(const fs::path& file) {
     std::ostringstream content;

@@ -22,7 +22,7 @@ const fs::path sourceFolder = KESTOVA_SOURCE_FOLDER;
 constexpr const char* layered[] = {"platform", "base",    "logging", "diag",    "device", "vds",
                                    "manager",  "machine", "tools",   "kestova", "c",      "examples"};
 // Tests mirror those, and nothing else has layers.
-constexpr const char* unlayered[] = {"tests", "fuzz", "scripts", "cmake", "packaging", "docs"};
+constexpr const char* unlayered[] = {"tests", "fuzz", "scripts", "cmake", "packaging", "docs", "python"};
 
 std::string ContentOf(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
