@@ -15,7 +15,7 @@ import zipfile
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 CONTENTS = """
-README.md SECURITY.md
+CHANGELOG.md LICENCE.txt README.md SECURITY.md THIRD-PARTY.md sbom.spdx.json
 bin/x64/Kestova.dll bin/x64/Logging.dll bin/x64/kestova.exe
 bin/x86/Kestova.dll bin/x86/Logging.dll bin/x86/kestova.exe
 docs/command-line.md docs/hazards.md docs/integrators.md docs/log.md docs/operations.md docs/pc-description.md
@@ -76,11 +76,26 @@ class Package(unittest.TestCase):
         self.assertEqual(texts[-1], "Kestova::~Kestova\tEnd")
         self.assertIn("Kestova::Initialize\tEnd. bRet = 0", texts)
 
+    def test_Sbom_KeepsToItsFormatAndIsTrue(self):
+        self.run_shell(f"{SOURCE}/tests/package/sbom.py . sbom.spdx.json")
+
+    def test_Licence_IsThatOfTheOwnerWhoHasNoneYet(self):
+        self.assertIn("has not chosen a licence yet", (self.root / "LICENCE.txt").read_text())
+
+    def test_Sums_BesideTheZip_AreItsOwn(self):
+        self.run_shell(f"cd {package.resolve().parent} && sha256sum --check --quiet SHA256SUMS")
+
+    def test_Zip_EntriesAndDates_AreInOrderAndOfTheCommit(self):
+        with zipfile.ZipFile(package) as archive:
+            names = [entry.filename for entry in archive.infolist()]
+            self.assertEqual(names, sorted(names))
+            self.assertEqual(len({entry.date_time for entry in archive.infolist()}), 1)
+
     def test_Headers_InApplicationThatDraws_LeaveItTheNamesOfGdi(self):
         for word_size in ("x86_64", "i686"):
             with self.subTest(word_size):
                 self.run_shell(f"{word_size}-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -Wall -Wextra -I include"
-                               f" -fsyntax-only {SOURCE}/tests/shape/gdi_client.cpp")
+                               f" -fsyntax-only {SOURCE}/tests/releases/gdi_client.cpp")
 
     def test_Example_BuildForX86_Links(self):
         self.run_shell("i686-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -I include -I . examples/recovery.cpp"
