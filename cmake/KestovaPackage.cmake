@@ -28,6 +28,25 @@ install(FILES docs/integrators.md docs/operations.md docs/command-line.md docs/p
 install(FILES packaging/README.md CHANGELOG.md SECURITY.md THIRD-PARTY.md DESTINATION .)
 kestova_install_licence(.)
 
+# The reference of the public headers, made once.
+if(CMAKE_CROSSCOMPILING AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+  kestova_programs(system windows)
+  set(reference ${CMAKE_CURRENT_BINARY_DIR}/reference)
+  set(headers manager/kestova.h logging/logging.h)
+  list(JOIN headers " " input)
+  add_custom_command(OUTPUT ${reference}/html/index.html
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${reference}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${reference}
+    COMMAND ${CMAKE_COMMAND} -E env PATH=${KESTOVA_PROGRAMS} KESTOVA_VERSION=${PROJECT_VERSION}
+      KESTOVA_HEADERS=${input} KESTOVA_REFERENCE=${reference} doxygen packaging/Doxyfile
+    WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}
+    DEPENDS ${headers} packaging/Doxyfile packaging/comments.awk
+    COMMENT "Reference of the headers"
+    VERBATIM)
+  add_custom_target(kestova_reference ALL DEPENDS ${reference}/html/index.html)
+  install(DIRECTORY ${reference}/html/ DESTINATION docs/reference)
+endif()
+
 # The notices are where the build machine's packages put them.
 foreach(notice gcc=gcc-mingw-w64-base mingw-w64=mingw-w64-common CLI11=libcli11-dev nlohmann-json=nlohmann-json3-dev)
   string(REGEX MATCH "(.*)=(.*)" matched ${notice})

@@ -51,7 +51,16 @@ class Package(unittest.TestCase):
 
     def test_Zip_Unpack_HasTheseFilesAndNoOthers(self):
         files = sorted(str(file.relative_to(self.root)) for file in self.root.rglob("*") if file.is_file())
-        self.assertEqual(files, sorted(CONTENTS))
+        self.assertEqual([file for file in files if not file.startswith("docs/reference/")], sorted(CONTENTS))
+
+    def test_Reference_EveryOperation_HasItsPlaceAndWords(self):
+        header = (self.root / "include/manager/kestova.h").read_text()
+        page = (self.root / "docs/reference/classKestova.html").read_text()
+        public = header[header.index("class KESTOVA_API Kestova"):header.index("  private:")]
+        for operation in set(re.findall(r"^    \w+ (\w+)\(", public, re.M)):
+            self.assertIn(f"</span>{operation}()", page)
+        self.assertIn("Makes the recovery partition active and records the one that was active before.", page)
+        self.assertTrue((self.root / "docs/reference/search/search.js").exists())
 
     def test_Example_BuildAndRunAsThePageShows_LeavesALog(self):
         commands = re.findall(r"^    \$ (.*)$", (self.root / "docs/integrators.md").read_text(), re.M)
