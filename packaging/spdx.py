@@ -115,7 +115,9 @@ def document(name, version, folder, document_name, loaded, builds):
     relations += [relation(product["SPDXID"], "CONTAINS", entry["SPDXID"]) for entry in files]
     packages = set(loaded)
     for path, entry in zip(paths, files):
-        for kind, package in linked_packages(path, map_of(path, builds)) if path.name in PROGRAMS else []:
+        if path.name not in PROGRAMS or "bin" not in path.parts:
+            continue
+        for kind, package in linked_packages(path, map_of(path, builds)):
             packages.add(package)
             relations.append(relation(entry["SPDXID"], kind, identifier("Package", package)))
     relations += [relation(identifier("Package", package), "RUNTIME_DEPENDENCY_OF", product["SPDXID"]) for package in loaded]
