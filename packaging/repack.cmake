@@ -6,7 +6,8 @@ foreach(package IN LISTS CPACK_PACKAGE_FILES)
     set(content ${CPACK_TEMPORARY_DIRECTORY}.deb)
     file(REMOVE_RECURSE ${content})
     execute_process(COMMAND dpkg-deb --raw-extract ${package} ${content} COMMAND_ERROR_IS_FATAL ANY)
-    execute_process(COMMAND find ${content} -exec touch --no-dereference --date "${date}" {} + COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND find ${content} -exec touch --no-dereference --date "${date}" {} +
+      COMMAND_ERROR_IS_FATAL ANY)
     execute_process(COMMAND dpkg-deb --root-owner-group --build ${content} ${package}
       OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
   else()

@@ -83,8 +83,8 @@ def file_entry(folder, path):
 
 
 def debian_package(name):
-    version, architecture, supplier = output_of("dpkg-query", "--show", "--showformat",
-                                                "${Version}\\n${Architecture}\\n${Maintainer}\\n", name).splitlines()[:3]
+    fields = output_of("dpkg-query", "--show", "--showformat", "${Version}\\n${Architecture}\\n${Maintainer}\\n", name)
+    version, architecture, supplier = fields.splitlines()[:3]
     return {"SPDXID": identifier("Package", name), "name": name, "versionInfo": version, "filesAnalyzed": False,
             "supplier": f"Organization: {supplier}", "downloadLocation": UNKNOWN, "licenseConcluded": UNKNOWN,
             "licenseDeclared": UNKNOWN, "copyrightText": UNKNOWN,
@@ -120,10 +120,12 @@ def document(name, version, folder, document_name, loaded, builds):
         for kind, package in linked_packages(path, map_of(path, builds)):
             packages.add(package)
             relations.append(relation(entry["SPDXID"], kind, identifier("Package", package)))
-    relations += [relation(identifier("Package", package), "RUNTIME_DEPENDENCY_OF", product["SPDXID"]) for package in loaded]
+    relations += [relation(identifier("Package", package), "RUNTIME_DEPENDENCY_OF", product["SPDXID"])
+                  for package in loaded]
     date = datetime.datetime.fromtimestamp(int(os.environ["SOURCE_DATE_EPOCH"]), datetime.timezone.utc)
     code = product["packageVerificationCode"]["packageVerificationCodeValue"]
-    return {"spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT", "name": f"{name}-{version}",
+    return {"spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
+            "name": f"{name}-{version}",
             "documentNamespace": f"https://kestova.invalid/spdx/{name}-{version}-{code}",
             "creationInfo": {"created": date.strftime("%Y-%m-%dT%H:%M:%SZ"), "creators": ["Tool: spdx.py"]},
             "packages": [product] + [debian_package(package) for package in sorted(packages)], "files": files,
@@ -134,8 +136,9 @@ def main(words):
     if len(words) < 6:
         sys.exit(__doc__)
     name, version, folder, document_name, loaded = words[:5]
-    made = document(name, version, pathlib.Path(folder), document_name, sorted(filter(None, re.split(r"[, ]+", loaded))),
-                    [pathlib.Path(word) for word in words[5:]])
+    packages = sorted(filter(None, re.split(r"[, ]+", loaded)))
+    builds = [pathlib.Path(word) for word in words[5:]]
+    made = document(name, version, pathlib.Path(folder), document_name, packages, builds)
     (pathlib.Path(folder) / document_name).write_text(json.dumps(made, indent=1) + "\n")
 
 
