@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Whether a package's list of its contents keeps to the rules of SPDX 2.3 and is true: every file of the folder with its
-sums, every program with what is linked into it, no reference that leads nowhere.
+"""Whether a package's list of its contents keeps to the rules of SPDX 2.3 and is true: every file of the folder with
+its sums, every program with what is linked into it, no reference that leads nowhere.
 
 usage: sbom.py FOLDER DOCUMENT
 """
@@ -15,7 +15,8 @@ IN_TOOL = {"SPDXRef-Package-libcli11-dev", "SPDXRef-Package-nlohmann-json3-dev"}
 RELATIONS = {"DESCRIBES", "CONTAINS", "STATIC_LINK", "DYNAMIC_LINK", "RUNTIME_DEPENDENCY_OF"}
 NEEDED = {
     "document": {"spdxVersion", "dataLicense", "SPDXID", "name", "documentNamespace", "creationInfo"},
-    "package": {"SPDXID", "name", "versionInfo", "downloadLocation", "licenseConcluded", "licenseDeclared", "copyrightText"},
+    "package": {"SPDXID", "name", "versionInfo", "downloadLocation", "licenseConcluded", "licenseDeclared",
+                "copyrightText"},
     "file": {"SPDXID", "fileName", "checksums", "licenseConcluded", "copyrightText"},
 }
 
