@@ -1,6 +1,7 @@
 # The Debian package of the tool, which `./dev package deb` makes. Its pages of the manual and its completions come from the
 # tool itself.
 include(GNUInstallDirs)
+include(KestovaLicence)
 kestova_programs(system deb)
 
 set(pages ${CMAKE_CURRENT_BINARY_DIR}/pages)
@@ -27,10 +28,15 @@ install(DIRECTORY ${pages}/ DESTINATION share/man/man1)
 install(FILES ${completions}/bash DESTINATION share/bash-completion/completions RENAME kestova)
 install(FILES ${completions}/zsh DESTINATION share/zsh/vendor-completions RENAME _kestova)
 install(FILES ${completions}/fish DESTINATION share/fish/vendor_completions.d RENAME kestova.fish)
-install(FILES packaging/copyright SECURITY.md docs/command-line.md docs/operations.md docs/pc-description.md docs/log.md
+kestova_install_licence(share/doc/kestova)
+install(FILES packaging/copyright CHANGELOG.md SECURITY.md THIRD-PARTY.md docs/command-line.md docs/operations.md docs/pc-description.md docs/log.md
   docs/hazards.md docs/recovery-partitions.md docs/real-pc.md docs/survey.md DESTINATION share/doc/kestova)
 
 set(CPACK_GENERATOR DEB)
+set(CPACK_KESTOVA_DOCUMENT usr/share/doc/kestova/sbom.spdx.json)
+set(CPACK_KESTOVA_LOADED "libhivex0, libnettle8, libnbd0, libewf2")
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/packaging/describe.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/packaging/repack.cmake)
 set(CPACK_PACKAGE_CONTACT "The developers of Kestova <kestova@localhost>")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION admin)

@@ -1,5 +1,5 @@
 # What every file that ships for Windows has: version information, the loader's protections, nothing of the toolchain
-# beside it, and no larger than need be.
+# beside it, no date of its build, and no larger than need be. The linker's map says what it has from where.
 
 # The programs are beside their libraries, where Windows looks for them.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
@@ -23,7 +23,7 @@ function(kestova_shipped target version_file version_description)
   target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
   if(MINGW)
     target_link_options(${target} PRIVATE -static -s -Wl,--gc-sections -Wl,--exclude-all-symbols -Wl,--dynamicbase
-      -Wl,--nxcompat $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:-Wl,--high-entropy-va>)
+      -Wl,--nxcompat -Wl,--no-insert-timestamp -Wl,-Map=${CMAKE_BINARY_DIR}/${version_file}.map $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:-Wl,--high-entropy-va>)
   elseif(MSVC)
     target_link_options(${target} PRIVATE /DYNAMICBASE /NXCOMPAT /guard:cf /CETCOMPAT
       $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:/HIGHENTROPYVA>)

@@ -119,6 +119,7 @@ def main(command, folders):
 
 if __name__ == "__main__":
     words, build_folders = sys.argv[1:2], [pathlib.Path(word) for word in sys.argv[2:]]
-    if words not in (["check"], ["record"]) or not build_folders or not {f.name for f in build_folders} <= set(WORD_SIZES):
+    names = {folder.name for folder in build_folders}
+    if words not in (["check"], ["record"]) or not names or not names <= set(WORD_SIZES):
         sys.exit(f"{__doc__}\nA folder is named {' or '.join(WORD_SIZES)}.")
     main(words[0], build_folders)

@@ -34,6 +34,8 @@ try_package() {
     [ "$(id -u)" -eq 0 ] || fail "try-package: must be started by root, to enter another root folder"
     need "to make a clean root, and a virtual disk from which a PC starts" clean-room image start
     package_deb
+    dpkg-deb --extract build/deb/kestova_*.deb "$temporary/content"
+    tests/package/sbom.py "$temporary/content" usr/share/doc/kestova/sbom.spdx.json
     local root=$temporary/root
     make_root "$root"
     mkdir "$root/try"

@@ -15,7 +15,7 @@ from conftest import table_of_operations
 import kestova
 from kestova import _library, operations
 
-HEADER = (pathlib.Path(__file__).parents[2] / "c/include/kestova/kestova_c.h").read_text()
+HEADER = (pathlib.Path(__file__).parents[2] / "kestova/kestova_c.h").read_text()
 TABLE = table_of_operations()
 METHODS = {
     name.replace("_", ""): method

@@ -15,7 +15,7 @@ import zipfile
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 CONTENTS = """
-README.md SECURITY.md
+CHANGELOG.md LICENCE.txt README.md SECURITY.md THIRD-PARTY.md sbom.spdx.json
 bin/x64/Kestova.dll bin/x64/Logging.dll bin/x64/kestova.exe
 bin/x86/Kestova.dll bin/x86/Logging.dll bin/x86/kestova.exe
 docs/command-line.md docs/hazards.md docs/integrators.md docs/log.md docs/operations.md docs/pc-description.md
@@ -51,7 +51,16 @@ class Package(unittest.TestCase):
 
     def test_Zip_Unpack_HasTheseFilesAndNoOthers(self):
         files = sorted(str(file.relative_to(self.root)) for file in self.root.rglob("*") if file.is_file())
-        self.assertEqual(files, sorted(CONTENTS))
+        self.assertEqual([file for file in files if not file.startswith("docs/reference/")], sorted(CONTENTS))
+
+    def test_Reference_EveryOperation_HasItsPlaceAndWords(self):
+        header = (self.root / "include/manager/kestova.h").read_text()
+        page = (self.root / "docs/reference/classKestova.html").read_text()
+        public = header[header.index("class KESTOVA_API Kestova"):header.index("  private:")]
+        for operation in set(re.findall(r"^    \w+ (\w+)\(", public, re.M)):
+            self.assertIn(f"</span>{operation}()", page)
+        self.assertIn("Makes the recovery partition active and records the one that was active before.", page)
+        self.assertTrue((self.root / "docs/reference/search/search.js").exists())
 
     def test_Example_BuildAndRunAsThePageShows_LeavesALog(self):
         commands = re.findall(r"^    \$ (.*)$", (self.root / "docs/integrators.md").read_text(), re.M)
@@ -75,6 +84,21 @@ class Package(unittest.TestCase):
         self.assertEqual(texts[:3], ["Kestova::Kestova\tStart", "Kestova::Kestova\tEnd", "Kestova::Initialize\tStart"])
         self.assertEqual(texts[-1], "Kestova::~Kestova\tEnd")
         self.assertIn("Kestova::Initialize\tEnd. bRet = 0", texts)
+
+    def test_Sbom_KeepsToItsFormatAndIsTrue(self):
+        self.run_shell(f"{SOURCE}/tests/package/sbom.py . sbom.spdx.json")
+
+    def test_Licence_IsThatOfTheOwnerWhoHasNoneYet(self):
+        self.assertIn("has not chosen a licence yet", (self.root / "LICENCE.txt").read_text())
+
+    def test_Sums_BesideTheZip_AreItsOwn(self):
+        self.run_shell(f"cd {package.resolve().parent} && sha256sum --check --quiet SHA256SUMS")
+
+    def test_Zip_EntriesAndDates_AreInOrderAndOfTheCommit(self):
+        with zipfile.ZipFile(package) as archive:
+            names = [entry.filename for entry in archive.infolist()]
+            self.assertEqual(names, sorted(names))
+            self.assertEqual(len({entry.date_time for entry in archive.infolist()}), 1)
 
     def test_Headers_InApplicationThatDraws_LeaveItTheNamesOfGdi(self):
         for word_size in ("x86_64", "i686"):
