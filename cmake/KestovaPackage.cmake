@@ -8,13 +8,14 @@ else()
   set(word_size x86)
 endif()
 
-install(TARGETS Kestova kestova_logging RUNTIME DESTINATION bin/${word_size} ARCHIVE DESTINATION lib/${word_size})
+install(TARGETS Kestova KestovaC kestova_logging RUNTIME DESTINATION bin/${word_size} ARCHIVE DESTINATION lib/${word_size})
 if(KESTOVA_TOOL)
   install(TARGETS kestova_tool RUNTIME DESTINATION bin/${word_size})
 endif()
 
 install(FILES manager/kestova.h DESTINATION include/manager)
 install(FILES logging/logging.h DESTINATION include/logging)
+install(FILES kestova/kestova_c.h DESTINATION include/kestova)
 
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/KestovaConfigVersion.cmake
   COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)

@@ -19,7 +19,7 @@ import sys
 # Headers alone, which no map names; they are in the tool.
 HEADERS_IN_TOOL = ("libcli11-dev", "nlohmann-json3-dev")
 TOOLS = ("kestova", "kestova.exe")
-PROGRAMS = ("Kestova.dll", "Logging.dll", *TOOLS)
+PROGRAMS = ("Kestova.dll", "KestovaC.dll", "Logging.dll", *TOOLS)
 UNKNOWN = "NOASSERTION"
 
 

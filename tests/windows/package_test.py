@@ -16,15 +16,15 @@ import zipfile
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 CONTENTS = """
 CHANGELOG.md LICENCE.txt README.md SECURITY.md THIRD-PARTY.md sbom.spdx.json
-bin/x64/Kestova.dll bin/x64/Logging.dll bin/x64/kestova.exe
-bin/x86/Kestova.dll bin/x86/Logging.dll bin/x86/kestova.exe
+bin/x64/Kestova.dll bin/x64/KestovaC.dll bin/x64/Logging.dll bin/x64/kestova.exe
+bin/x86/Kestova.dll bin/x86/KestovaC.dll bin/x86/Logging.dll bin/x86/kestova.exe
 docs/command-line.md docs/hazards.md docs/integrators.md docs/log.md docs/operations.md docs/pc-description.md
 docs/real-pc.md docs/recovery-partitions.md docs/survey.md
 examples/CMakeLists.txt examples/open_pc.h examples/open_pc_real.cpp examples/recovery.cpp
-include/logging/logging.h include/manager/kestova.h
+include/kestova/kestova_c.h include/logging/logging.h include/manager/kestova.h
 lib/cmake/Kestova/KestovaConfig.cmake lib/cmake/Kestova/KestovaConfigVersion.cmake
-lib/x64/libKestova.dll.a lib/x64/libLogging.dll.a
-lib/x86/libKestova.dll.a lib/x86/libLogging.dll.a
+lib/x64/libKestova.dll.a lib/x64/libKestovaC.dll.a lib/x64/libLogging.dll.a
+lib/x86/libKestova.dll.a lib/x86/libKestovaC.dll.a lib/x86/libLogging.dll.a
 licences/CLI11.txt licences/gcc.txt licences/mingw-w64.txt licences/nlohmann-json.txt
 """.split()
 LINE = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z \d+ \d+ (ERROR|TRACE) (Kestova.+)")
@@ -105,6 +105,16 @@ class Package(unittest.TestCase):
             with self.subTest(word_size):
                 self.run_shell(f"{word_size}-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -Wall -Wextra -I include"
                                f" -fsyntax-only {SOURCE}/tests/releases/gdi_client.cpp")
+
+    def test_ProgramInC_BuildFromThePackage_CallsTheLibraries(self):
+        for word_size, folder in (("x86_64", "x64"), ("i686", "x86")):
+            with self.subTest(word_size):
+                self.run_shell(f"{word_size}-w64-mingw32-gcc -std=c89 -Wall -Wextra -Wpedantic -Werror -I include"
+                               f" {SOURCE}/tests/package/client.c lib/{folder}/libKestovaC.dll.a -o bin/{folder}/client.exe")
+        output, _ = self.start_example(self.root / "bin/x64/client.exe").communicate(timeout=90)
+        version = re.search(r"project\(Kestova VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
+        self.assertEqual(output.splitlines(), [f"Kestova {version}, interface 1", "IsDynamic: 0, no",
+                                               "SetActive: 1, code 2, the handle is null or closed"])
 
     def test_Example_BuildForX86_Links(self):
         self.run_shell("i686-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -I include -I . examples/recovery.cpp"

@@ -68,7 +68,7 @@ class ShippedFiles(unittest.TestCase):
                 for entry in file.DIRECTORY_ENTRY_IMPORT}
 
     def every_file(self):
-        return [(name, self.read(name)) for name in ("Kestova.dll", "Logging.dll", "kestova.exe")]
+        return [(name, self.read(name)) for name in ("Kestova.dll", "KestovaC.dll", "Logging.dll", "kestova.exe")]
 
     def test_KestovaDll_Exports_AreTheMembersOfItsClass(self):
         members = declared_members()
@@ -77,6 +77,12 @@ class ShippedFiles(unittest.TestCase):
 
     def test_LoggingDll_Exports_AreItsOneEntryPoint(self):
         self.assertEqual(demangled(self.exports(self.read("Logging.dll"))), {GET_INSTANCE})
+
+    def test_KestovaCDll_Exports_AreTheFunctionsOfItsHeader(self):
+        header = (SOURCE / "kestova/kestova_c.h").read_text()
+        declared = re.findall(r"^KESTOVA_C_API .*?(kestova_\w+)\(", header[:header.index("#if !defined(_WIN32)\n\n")], re.M)
+        self.assertGreater(len(declared), 40)
+        self.assertEqual(sorted(self.exports(self.read("KestovaC.dll"))), sorted(declared))
 
     def test_KestovaDll_Imports_AreOneOfLoggingAndTheRestOfWindows(self):
         imports = self.imports(self.read("Kestova.dll"))
@@ -98,7 +104,7 @@ class ShippedFiles(unittest.TestCase):
                 self.assertTrue(file.OPTIONAL_HEADER.DATA_DIRECTORY[5].Size, "no relocations")
 
     def test_LoggingAndTool_Code_GuardsItsStack(self):
-        for name in ("Logging.dll", "kestova.exe"):
+        for name in ("KestovaC.dll", "Logging.dll", "kestova.exe"):
             with self.subTest(name):
                 self.assertTrue(STACK_GUARD in (self.folder / "bin" / name).read_bytes(), "no stack guard")
 
