@@ -13,12 +13,14 @@ import subprocess
 import sys
 import textwrap
 
+import bindings_csharp
 import jinja2
 
 FILES = {
     "c/templates/kestova_c.h.j2": "c/include/kestova/kestova_c.h",
     "c/templates/operations.cpp.j2": "c/operations.cpp",
     "c/templates/results.cpp.j2": "c/results.cpp",
+    "csharp/templates/Kestova.cs.j2": "csharp/Kestova.cs",
 }
 
 # The enumerations whose names would say nothing to who does not know the class.
@@ -187,6 +189,7 @@ def main():
         loader=jinja2.FileSystemLoader(root), undefined=jinja2.StrictUndefined, keep_trailing_newline=True
     )
     templates.filters.update(sentence=sentence, literal=literal)
+    templates.filters.update({name: getattr(bindings_csharp, name) for name in ("csharp", "pascal", "documentation")})
     for template, file in FILES.items():
         text = templates.get_template(template).render(operations=operations, outputs=enumerated_outputs(operations))
         (root / file).parent.mkdir(parents=True, exist_ok=True)
