@@ -118,6 +118,25 @@ public static class Tests
         return manager;
     }
 
+    // Closes it when nothing refers to a handle any more: neither the collector nor the thread of a task is waited for.
+    private static void CloseOnceReleased(EmulatedPc pc)
+    {
+        Expect.True(SpinWait.SpinUntil(delegate
+        {
+            GC.Collect();
+            GC.WaitForPendingFinalizers();
+            try
+            {
+                pc.Dispose();
+                return true;
+            }
+            catch (KestovaException)
+            {
+                return false;
+            }
+        }, Long));
+    }
+
     public static void SwitchesToTheRecoveryPartitionAndBack()
     {
         using (new EmulatedPc("factory-mbr"))
@@ -258,14 +277,11 @@ public static class Tests
 
     public static void AForgottenObjectIsClosedByTheCollector()
     {
-        using (new EmulatedPc("factory-mbr"))
-        {
-            var forgetting = new Thread(() => Ready().Logged += delegate { });
-            forgetting.Start();
-            forgetting.Join();
-            GC.Collect();
-            GC.WaitForPendingFinalizers();
-        }
+        var pc = new EmulatedPc("factory-mbr");
+        var forgetting = new Thread(() => Ready().Logged += delegate { });
+        forgetting.Start();
+        forgetting.Join();
+        CloseOnceReleased(pc);
     }
 
     public static void AsynchronousCallsHaveTheSameResults()
@@ -285,7 +301,7 @@ public static class Tests
 
     public static void ACancelledTaskEndsAtOnceAndTheCallAtItsEnd()
     {
-        using (new EmulatedPc("factory-mbr"))
+        var pc = new EmulatedPc("factory-mbr");
         using (Manager manager = Ready())
         using (var halt = new Halt(manager))
         using (var cancellation = new CancellationTokenSource())
@@ -301,6 +317,7 @@ public static class Tests
             Expect.Equal((int?)SetRcvprtActiveResult.Done, manager.LastProblem.Result);
             Expect.Equal((int?)1, manager.GetActivePartitionNumber());
         }
+        CloseOnceReleased(pc);
     }
 
     public static void ATaskThatIsCancelledBeforeItStartsCallsNothing()
