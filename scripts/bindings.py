@@ -13,6 +13,7 @@ import subprocess
 import sys
 import textwrap
 
+import csharp_binding
 import jinja2
 
 import python_binding
@@ -21,6 +22,7 @@ FILES = {
     "c/templates/kestova_c.h.j2": "kestova/kestova_c.h",
     "c/templates/operations.cpp.j2": "c/operations.cpp",
     "c/templates/results.cpp.j2": "c/results.cpp",
+    "csharp/templates/Kestova.cs.j2": "csharp/Kestova.cs",
     "python/templates/operations.py.j2": "python/kestova/operations.py",
 }
 
@@ -190,6 +192,7 @@ def main():
         loader=jinja2.FileSystemLoader(root), undefined=jinja2.StrictUndefined, keep_trailing_newline=True
     )
     templates.filters.update(sentence=sentence, literal=literal, **python_binding.FILTERS)
+    templates.filters.update({name: getattr(csharp_binding, name) for name in ("csharp", "pascal", "documentation")})
     for template, file in FILES.items():
         text = templates.get_template(template).render(operations=operations, outputs=enumerated_outputs(operations))
         (written / file).parent.mkdir(parents=True, exist_ok=True)
