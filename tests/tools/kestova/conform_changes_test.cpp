@@ -225,8 +225,7 @@ TEST_F(ConformChanges, PageWithoutAPlaceOrInJson_Asked_IsRefused) {
     };
     EXPECT_EQ(refusal("--format html"),
               "kestova: conform: name the file with --output, or standard output with --output -");
-    EXPECT_EQ(refusal("--format pdf"),
-              "kestova: --format: there is no format 'pdf'");
+    EXPECT_EQ(refusal("--format pdf"), "kestova: --format: there is no format 'pdf'");
     EXPECT_THAT(refusal("--json --format markdown"),
                 HasSubstr("conform: --json is given with --output or --format, which make a page"));
     WriteFile("notes.txt", "mine\n");

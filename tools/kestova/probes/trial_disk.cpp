@@ -1,6 +1,7 @@
 #include "tools/kestova/probes/trial_disk.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <span>
@@ -87,10 +88,10 @@ Named NameOf(IVdsDisk& disk) {
     return named;
 }
 
-std::vector<ULONGLONG> OffsetsOfVolumes(IVdsDisk& disk) {
+std::vector<uint64_t> OffsetsOfVolumes(IVdsDisk& disk) {
     VDS_DISK_EXTENT* records = nullptr;
     LONG count = 0;
-    std::vector<ULONGLONG> offsets;
+    std::vector<uint64_t> offsets;
     if (SUCCEEDED(disk.QueryExtents(&records, &count)) && records != nullptr) {
         for (const VDS_DISK_EXTENT& extent :
              std::span(records, static_cast<size_t>(std::max<LONG>(count, 0)))) {
@@ -118,8 +119,8 @@ std::optional<DISK_EXTENT> ExtentOf(WCHAR letter) {
 
 // The letters, by the offsets of the partitions that they stand for. The volumes themselves are asked: the
 // service may refuse to say it.
-std::map<ULONGLONG, WideString> LettersOn(int number) {
-    std::map<ULONGLONG, WideString> letters;
+std::map<uint64_t, WideString> LettersOn(int number) {
+    std::map<uint64_t, WideString> letters;
     for (const WCHAR letter : LettersInUse()) {
         const std::optional<DISK_EXTENT> extent = ExtentOf(letter);
         if (extent && extent->DiskNumber == static_cast<DWORD>(number))
@@ -143,8 +144,8 @@ std::vector<TrialPartition> PartitionsNow(TrialDisk& disk) {
     VDS_PARTITION_PROP* records = nullptr;
     LONG count = 0;
     std::vector<TrialPartition> partitions;
-    const std::vector<ULONGLONG> volumes = OffsetsOfVolumes(*disk.disk.Get());
-    const std::map<ULONGLONG, WideString> letters = LettersOn(disk.number);
+    const std::vector<uint64_t> volumes = OffsetsOfVolumes(*disk.disk.Get());
+    const std::map<uint64_t, WideString> letters = LettersOn(disk.number);
     if (SUCCEEDED(disk.advanced->QueryPartitions(&records, &count)) && records != nullptr) {
         for (const VDS_PARTITION_PROP& record :
              std::span(records, static_cast<size_t>(std::max<LONG>(count, 0)))) {
