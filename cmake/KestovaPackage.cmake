@@ -23,9 +23,12 @@ install(FILES packaging/KestovaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/KestovaC
   DESTINATION lib/cmake/Kestova)
 
 install(FILES examples/recovery.cpp examples/open_pc.h examples/open_pc_real.cpp DESTINATION examples)
+install(FILES examples/recovery.py examples/Recovery.cs examples/Recovery.ps1 DESTINATION examples)
+install(FILES csharp/Kestova.cs csharp/Kestova.dll.config DESTINATION csharp)
+install(FILES powershell/Kestova/Kestova.psd1 powershell/Kestova/Kestova.psm1 DESTINATION powershell/Kestova)
 install(FILES packaging/example.cmake DESTINATION examples RENAME CMakeLists.txt)
 install(FILES docs/integrators.md docs/operations.md docs/command-line.md docs/pc-description.md docs/log.md docs/hazards.md
-  docs/recovery-partitions.md docs/real-pc.md docs/survey.md DESTINATION docs)
+  docs/recovery-partitions.md docs/real-pc.md docs/survey.md docs/csharp.md docs/powershell.md DESTINATION docs)
 install(FILES packaging/README.md CHANGELOG.md SECURITY.md THIRD-PARTY.md DESTINATION .)
 kestova_install_licence(.)
 

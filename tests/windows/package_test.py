@@ -19,8 +19,10 @@ CHANGELOG.md LICENCE.txt README.md SECURITY.md THIRD-PARTY.md sbom.spdx.json
 bin/x64/Kestova.dll bin/x64/KestovaC.dll bin/x64/Logging.dll bin/x64/kestova.exe
 bin/x86/Kestova.dll bin/x86/KestovaC.dll bin/x86/Logging.dll bin/x86/kestova.exe
 docs/command-line.md docs/hazards.md docs/integrators.md docs/log.md docs/operations.md docs/pc-description.md
-docs/real-pc.md docs/recovery-partitions.md docs/survey.md
-examples/CMakeLists.txt examples/open_pc.h examples/open_pc_real.cpp examples/recovery.cpp
+docs/csharp.md docs/powershell.md docs/real-pc.md docs/recovery-partitions.md docs/survey.md
+csharp/Kestova.cs csharp/Kestova.dll.config powershell/Kestova/Kestova.psd1 powershell/Kestova/Kestova.psm1
+examples/CMakeLists.txt examples/Recovery.cs examples/Recovery.ps1 examples/open_pc.h examples/open_pc_real.cpp
+examples/recovery.cpp examples/recovery.py
 include/kestova/kestova_c.h include/logging/logging.h include/manager/kestova.h
 lib/cmake/Kestova/KestovaConfig.cmake lib/cmake/Kestova/KestovaConfigVersion.cmake
 lib/x64/libKestova.dll.a lib/x64/libKestovaC.dll.a lib/x64/libLogging.dll.a
