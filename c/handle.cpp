@@ -9,6 +9,16 @@
 
 namespace c_interface {
 
+namespace {
+
+thread_local bool isOnThreadOfAny = false;
+
+}  // namespace
+
+bool Handle::IsOnThreadOfAny() {
+    return isOnThreadOfAny;
+}
+
 Handle::Handle() {
     Locked lock(mutex_);
     thread_ = std::thread([this] { Work(); });
@@ -29,6 +39,7 @@ Handle::~Handle() {
 }
 
 void Handle::Work() {
+    isOnThreadOfAny = true;
     { const Locked started(mutex_); }  // the thread's own name is stored
     try {
         const ComApartment com;
@@ -93,7 +104,7 @@ bool Handle::Await(Locked& lock, const std::optional<Clock::time_point>& until, 
 
 kestova_problem Handle::Run(const std::shared_ptr<Job>& job) {
     const kestova_problem busy = Shown({.code = KESTOVA_PROBLEM_BUSY, .operation = job->Name()});
-    if (IsOwnThread()) return busy;
+    if (IsOnThreadOfAny()) return busy;
     Locked lock(mutex_);
     std::optional<Clock::time_point> until;
     if (limit_.count() > 0) until = Clock::now() + limit_;

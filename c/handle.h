@@ -53,13 +53,15 @@ class Handle final : private ILogSink {
     bool WaitUntilFree(std::chrono::milliseconds limit);
     void SetLog(kestova_log_function function, void* context);
     kestova_problem LastEnded();
-    // Whether the calling thread is the handle's own, which runs the log function.
-    bool IsOwnThread() const { return std::this_thread::get_id() == thread_.get_id(); }
+    // Whether the calling thread is that of any handle, and so runs a log function. Records of other handles
+    // wait for its end: a call that waits for one of them would never end.
+    static bool IsOnThreadOfAny();
 
   private:
     using Clock = std::chrono::steady_clock;
     using Locked = std::unique_lock<std::mutex>;
 
+    bool IsOwnThread() const { return std::this_thread::get_id() == thread_.get_id(); }
     void Write(const LogEntry& entry) override;
     void Work();
     void RunJobs(Kestova& object);

@@ -10,8 +10,17 @@
 using namespace c_interface;
 using std::chrono::milliseconds;
 
+namespace {
+
+void RefuseLogFunctions() {
+    if (Handle::IsOnThreadOfAny()) throw Refusal{{.code = KESTOVA_PROBLEM_BUSY}};
+}
+
+}  // namespace
+
 kestova* KESTOVA_CALL kestova_open(void) {
     return Attempt<kestova*>(nullptr, [] {
+        RefuseLogFunctions();
         EnsureSystem();
         return Open();
     });
@@ -19,7 +28,7 @@ kestova* KESTOVA_CALL kestova_open(void) {
 
 int KESTOVA_CALL kestova_close(kestova* handle) {
     return Attempt(0, [&] {
-        if (Find(handle)->IsOwnThread()) throw Refusal{{.code = KESTOVA_PROBLEM_BUSY}};
+        RefuseLogFunctions();
         Close(handle);
         return 1;
     });

@@ -25,7 +25,7 @@ const char* WordsOf(kestova_problem_code code) {
         case KESTOVA_PROBLEM_ARGUMENT:
             return "a pointer is null, or a size is not possible";
         case KESTOVA_PROBLEM_BUSY:
-            return "the handle is busy: a call that nobody waits for is running, or its log function called";
+            return "the handle is busy: a call that nobody waits for is running, or a log function called";
         case KESTOVA_PROBLEM_STOPPED:
             return "the caller stopped waiting; the call runs on";
         case KESTOVA_PROBLEM_MEMORY:

@@ -453,7 +453,7 @@ namespace Kestova
         }
 
         /// <summary>Receives the records of this object, on a thread of its own, during an operation. The receiver must
-        /// return soon and must not call this object; an exception of it is lost. An object that is not disposed of
+        /// return soon and must not call any object; an exception of it is lost. An object that is not disposed of
         /// stays in memory as long as a receiver refers to it.</summary>
         public event EventHandler<LogEventArgs> Logged
         {

@@ -60,8 +60,8 @@ enum { KESTOVA_NO_LETTER = '0' };
  * kestova_close. */
 KESTOVA_C_API kestova *KESTOVA_CALL kestova_open(void);
 
-/* Destroys the object, after the call that runs on it has ended. 0 for a handle that is not open, and from within the
- * handle's own log function; else 1. On Windows not to be called while a DLL is loaded or unloaded. */
+/* Destroys the object, after the call that runs on it has ended. 0 for a handle that is not open, and from within a log
+ * function; else 1. On Windows not to be called while a DLL is loaded or unloaded. */
 KESTOVA_C_API int KESTOVA_CALL kestova_close(kestova *handle);
 
 /* --- what went wrong --- */
@@ -71,7 +71,7 @@ enum kestova_problem_code {
     KESTOVA_PROBLEM_FAILED = 1,    /* the call was made, and its result is a failure */
     KESTOVA_PROBLEM_HANDLE = 2,    /* the handle is null or closed */
     KESTOVA_PROBLEM_ARGUMENT = 3,  /* a pointer is null, or a size is not possible */
-    KESTOVA_PROBLEM_BUSY = 4,      /* a call that nobody waits for is still running, or the handle's own log function called */
+    KESTOVA_PROBLEM_BUSY = 4,      /* a call that nobody waits for is still running, or a log function called */
     KESTOVA_PROBLEM_STOPPED = 5,   /* the caller stopped waiting; the call runs on */
     KESTOVA_PROBLEM_MEMORY = 6,    /* memory ran out */
     KESTOVA_PROBLEM_SYSTEM = 7,    /* the thread could not be started, or COM not be initialised */
@@ -116,8 +116,8 @@ KESTOVA_C_API int KESTOVA_CALL kestova_wait(kestova *handle, unsigned int millis
 /* --- the log --- */
 
 /* Receives a record when it is written: its level (1: an error, 4: a trace) and text. Called on the handle's thread,
- * during an operation: it must not call functions of this header with this handle (they answer with
- * KESTOVA_PROBLEM_BUSY), and must return soon, as other handles' records wait for it. */
+ * during an operation. It must return soon, as other handles' records wait for it, and so it can neither call an
+ * operation nor open or close a handle, whichever: that answers with KESTOVA_PROBLEM_BUSY. */
 typedef void(KESTOVA_CALL *kestova_log_function)(void *context, int level, const kestova_char *text);
 
 /* From the next operation on the function receives the records of this handle; null: nobody does. 0 for a handle that

@@ -158,7 +158,7 @@ TEST_F(CLog, TwoHandles_Switch_GivesEachItsOwnRecords) {
     EXPECT_EQ(kestova_close(other), 1);
 }
 
-// The answers of calls that the log function makes on its own handle.
+// The answers of calls that a log function makes.
 struct Answers {
     kestova* handle;
     std::vector<int> answers;
@@ -167,15 +167,23 @@ struct Answers {
 void KESTOVA_CALL CallBack(void* context, int, const kestova_char*) {
     auto& [handle, answers] = *static_cast<Answers*>(context);
     if (!answers.empty()) return;
-    answers = {kestova_set_active(handle, 1), LastProblem().code, kestova_close(handle), LastProblem().code};
+    answers = {kestova_set_active(handle, 1), LastProblem().code, kestova_close(handle), LastProblem().code,
+               kestova_open() != nullptr,     LastProblem().code};
 }
 
-TEST_F(CLog, LogFunction_CallsItsOwnHandle_IsRefused) {
+// Any of them would wait for records that wait for the log function's end.
+TEST_F(CLog, LogFunction_CallsItsOwnOrAnotherHandle_IsRefused) {
     Open("factory-mbr");
-    Answers answers{handle_, {}};
-    ASSERT_EQ(kestova_set_log(handle_, CallBack, &answers), 1);
-    EXPECT_EQ(kestova_get_active_partition_number(handle_), 2);
-    EXPECT_THAT(answers.answers, ElementsAre(1, KESTOVA_PROBLEM_BUSY, 0, KESTOVA_PROBLEM_BUSY));
+    kestova* const other = kestova_open();
+    for (kestova* const called : {handle_, other}) {
+        Answers answers{called, {}};
+        ASSERT_EQ(kestova_set_log(handle_, CallBack, &answers), 1);
+        EXPECT_EQ(kestova_get_active_partition_number(handle_), 2);
+        EXPECT_THAT(answers.answers,
+                    ElementsAre(1, KESTOVA_PROBLEM_BUSY, 0, KESTOVA_PROBLEM_BUSY, 0, KESTOVA_PROBLEM_BUSY));
+    }
+    ASSERT_EQ(kestova_set_log(handle_, nullptr, nullptr), 1);
+    EXPECT_EQ(kestova_close(other), 1);
 }
 
 class CThreads : public CInterfaceTest {};
