@@ -95,7 +95,7 @@ class Kestova(Operations):
     def set_log(self, function: LogFunction | None) -> None:
         """From the next operation on the function receives the records of this object; None: nobody does.
 
-        It is called on the object's thread, during an operation: it must return soon, and cannot call methods of this
+        It is called on the object's thread, during an operation: it must return soon, and cannot call methods of any
         object. What it raises goes to sys.unraisablehook.
         """
         self._log.function = function

@@ -20,7 +20,7 @@ class ProblemCode(enum.IntEnum):
     HANDLE = 2
     # a size is not possible
     ARGUMENT = 3
-    # a call that nobody waits for is still running, or the object's own log function called
+    # a call that nobody waits for is still running, or a log function called
     BUSY = 4
     # the caller stopped waiting; the call runs on
     STOPPED = 5
