@@ -311,6 +311,9 @@ public static class Tests
             cancellation.Cancel();
             Expect.True(task.IsCanceled);
             Expect.Equal(false, manager.WaitUntilFree(TimeSpan.Zero));
+            manager.SetWait(TimeSpan.FromSeconds(5));
+            var exception = Expect.Throws<KestovaException>(() => manager.IsDynamic());
+            Expect.Equal(ProblemCode.Busy, exception.Problem.Code);
             halt.Release();
             Expect.True(manager.WaitUntilFree(Long));
             Expect.Equal("SetRcvprtActive", manager.LastProblem.Operation);
