@@ -1,5 +1,6 @@
 using System;
 using System.Collections.Generic;
+using System.Diagnostics;
 using System.IO;
 using System.Linq;
 using System.Reflection;
@@ -109,6 +110,7 @@ internal sealed class Halt : IDisposable
 public static class Tests
 {
     internal static readonly TimeSpan Long = TimeSpan.FromSeconds(60);
+    private static readonly TimeSpan SomeTime = TimeSpan.FromSeconds(20);
     private static readonly TimeSpan AMoment = TimeSpan.FromMilliseconds(1);
 
     private static Manager Ready()
@@ -311,6 +313,12 @@ public static class Tests
             cancellation.Cancel();
             Expect.True(task.IsCanceled);
             Expect.Equal(false, manager.WaitUntilFree(TimeSpan.Zero));
+            // Whose turn is behind a call that is still waited for is refused after the limit only.
+            manager.SetWait(SomeTime);
+            Stopwatch watch = Stopwatch.StartNew();
+            var exception = Expect.Throws<KestovaException>(() => manager.IsDynamic());
+            Expect.Equal(ProblemCode.Busy, exception.Problem.Code);
+            Expect.True(watch.Elapsed < SomeTime);
             halt.Release();
             Expect.True(manager.WaitUntilFree(Long));
             Expect.Equal("SetRcvprtActive", manager.LastProblem.Operation);
