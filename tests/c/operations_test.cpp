@@ -14,7 +14,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::UnorderedElementsAreArray;
 
 // The result and the outputs, in words that the table of operations gives too.
 using Answer = std::vector<std::string>;

@@ -148,6 +148,54 @@ TEST_F(ConformChanges, FlagThatCannotBeSetBack_Tried_IsSaid) {
                     "0x07, active, letters E; put it back with diskpart"));
 }
 
+// The service lists no partition any more, from each of its answers on.
+TEST_F(ConformChanges, PartitionsThatAreNotListedAnyMore_Tried_ArePutBackAndSaidToBeUnknown) {
+    int unread = 0;
+    for (int nth = 2; nth <= 60; nth += 6) {
+        json pc = Switched();
+        pc["switches"]["activeFlagIsExclusive"] = false;
+        pc["faults"] = {{{"call", "IVdsAdvancedDisk::QueryPartitions"},
+                         {"argument", "disk 1"},
+                         {"nth", nth},
+                         {"onwards", true},
+                         {"code", "E_FAIL"}}};
+        const Outcome outcome = Conform(pc);
+        if (outcome.status == 2) continue;  // not listed at all, so refused
+        const json report = json::parse(outcome.output);
+        for (const json& difference : report["differences"])
+            EXPECT_NE(difference["name"], "IVdsAdvancedDisk::ChangeAttributes") << nth << difference;
+        if (report["questions"][0]["here"] != "false")
+            EXPECT_EQ(report["questions"][0]["here"], "unknown: the service did not list the partitions")
+                << nth;
+        if (report["left"].empty()) continue;
+        ++unread;
+        for (const json& left : report["left"])
+            EXPECT_THAT(left.get<std::string>(),
+                        HasSubstr("; it is: not to be read; put it back with diskpart"));
+    }
+    EXPECT_GT(unread, 0);
+}
+
+// Whatever the running Windows is on is not changed, also if it cannot be told.
+TEST_F(ConformChanges, PlaceOfTheRunningWindowsUnknown_Tried_IsRefused) {
+    json pc = Lab();
+    pc["disks"][0]["busType"] = "usb";
+    pc["disks"][1]["busType"] = "sata";
+    for (const char* const call : {"CreateFileW", "DeviceIoControl"}) {
+        int refusals = 0;
+        for (int nth = 1; nth <= 8; ++nth) {
+            pc["faults"] = {{{"call", call}, {"nth", nth}, {"code", "ERROR_ACCESS_DENIED"}}};
+            WriteFile("odd.json", pc.dump());
+            const Outcome outcome = Kestova("--pc odd.json --changes 0 conform");
+            EXPECT_EQ(outcome.status, 2) << call << nth << outcome.output;
+            if (outcome.errors.find("which disk holds the running Windows could not be told") !=
+                std::string::npos)
+                ++refusals;
+        }
+        EXPECT_EQ(refusals, 1) << call;
+    }
+}
+
 TEST_F(ConformChanges, DiskOnWhichNothingMayBeTried_IsRefused) {
     const auto refusal = [&](const std::string& words) {
         const Outcome outcome = Kestova(words + " conform");
@@ -166,6 +214,10 @@ TEST_F(ConformChanges, DiskOnWhichNothingMayBeTried_IsRefused) {
     pc["disks"][0]["busType"] = "usb";
     WriteFile("usb.json", pc.dump());
     EXPECT_EQ(refusal("--pc usb.json --changes 0"), "kestova: --changes 0: it holds the running Windows");
+    pc = Lab();
+    pc["disks"][1]["partitions"][0]["volume"]["files"] = {{"pagefile.sys", "x"}};
+    WriteFile("paged.json", pc.dump());
+    EXPECT_EQ(refusal("--pc paged.json --changes 1"), "kestova: --changes 1: it holds a page file");
     pc["disks"][1]["partitions"] = json::array();
     WriteFile("bare.json", pc.dump());
     EXPECT_EQ(refusal("--pc bare.json --changes 1"), "kestova: --changes 1: it has no partitions");

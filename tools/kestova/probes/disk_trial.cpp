@@ -1,6 +1,8 @@
 #include "tools/kestova/probes/disk_trial.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "base/hexadecimal.h"
 #include "base/utf.h"
@@ -10,6 +12,7 @@
 namespace {
 
 constexpr BYTE hiddenType = 0x27;
+constexpr const char* notListed = "the service did not list the partitions";
 
 const char* YesNo(bool yes) {
     return yes ? "true" : "false";
@@ -43,9 +46,11 @@ class Trial {
     HRESULT Delete(const TrialPartition& partition, WCHAR letter);
     HRESULT GetLetter(const TrialPartition& partition, WCHAR& letter);
 
-    void PutFlagsBack();
-    // The partition as it is now; as it was before, if it is gone.
-    TrialPartition Now(const TrialPartition& partition);
+    // After flags of these were set. Whatever they are now is not asked: the answer could be missing.
+    void PutFlagsBack(const std::vector<TrialPartition>& changed);
+    void PutLettersBack(const TrialPartition& partition);
+    // The partition as it is now; nothing if it is gone, or if the service does not list partitions.
+    std::optional<TrialPartition> Now(const TrialPartition& partition);
     // The first with a volume; null without one.
     const TrialPartition* WithVolume() const;
     std::string Place(const TrialPartition& partition) const {
@@ -107,10 +112,10 @@ HRESULT Trial::GetLetter(const TrialPartition& partition, WCHAR& letter) {
     return result;
 }
 
-TrialPartition Trial::Now(const TrialPartition& partition) {
-    const std::vector<TrialPartition> now = PartitionsNow(disk_);
+std::optional<TrialPartition> Trial::Now(const TrialPartition& partition) {
+    const std::vector<TrialPartition> now = PartitionsNow(disk_).value_or(std::vector<TrialPartition>());
     const auto found = std::ranges::find(now, partition.offset, &TrialPartition::offset);
-    return found != now.end() ? *found : partition;
+    return found != now.end() ? std::optional(*found) : std::nullopt;
 }
 
 const TrialPartition* Trial::WithVolume() const {
@@ -118,13 +123,20 @@ const TrialPartition* Trial::WithVolume() const {
     return found != before_.end() ? &*found : nullptr;
 }
 
-// First those that were not active, so that a flag that clears the others is set last.
-void Trial::PutFlagsBack() {
-    for (const bool wasActive : {false, true}) {
-        for (const TrialPartition& partition : before_) {
-            if (partition.isActive == wasActive && Now(partition).isActive != wasActive)
-                SetActive(partition, wasActive);
-        }
+// Those that were active come last, as setting one flag may clear the others.
+void Trial::PutFlagsBack(const std::vector<TrialPartition>& changed) {
+    for (const TrialPartition& partition : changed) {
+        if (!partition.isActive) SetActive(partition, false);
+    }
+    for (const TrialPartition& partition : before_) {
+        if (partition.isActive) SetActive(partition, true);
+    }
+}
+
+void Trial::PutLettersBack(const TrialPartition& partition) {
+    const std::optional<TrialPartition> now = Now(partition);
+    for (const WCHAR letter : partition.letters) {
+        if (!now || now->letters.find(letter) == WideString::npos) Assign(partition, letter);
     }
 }
 
@@ -137,9 +149,10 @@ void Trial::TryActiveFlags() {
     if (primary.size() < 2) return NoAnswer(key, question, "the disk has less than two primary partitions");
     const HRESULT first = SetActive(primary[0], true);
     const HRESULT second = SetActive(primary[1], true);
-    const bool stays = Now(primary[0]).isActive;
-    PutFlagsBack();
-    if (first == S_OK && second == S_OK) return Answer(key, question, YesNo(!stays));
+    const std::optional<TrialPartition> now = Now(primary[0]);
+    PutFlagsBack({primary[0], primary[1]});
+    if (first == S_OK && second == S_OK && now) return Answer(key, question, YesNo(!now->isActive));
+    if (first == S_OK && second == S_OK) return NoAnswer(key, question, notListed);
     NoAnswer(key, question,
              "ChangeAttributes answered " + HresultWords(first) + ", then " + HresultWords(second));
 }
@@ -185,11 +198,14 @@ void Trial::TryLetters() {
     Delete(*partition, letters[free]);
     if (partition->letters.empty()) return NoAnswer("", second, "the partition had no first one");
     const WCHAR first = partition->letters.front();
-    const bool hasFirst = Now(*partition).letters.find(first) != WideString::npos;
-    if (!hasFirst) Assign(*partition, first);
+    const std::optional<TrialPartition> now = Now(*partition);
+    PutLettersBack(*partition);
+    if (FAILED(asked)) return NoAnswer("", second, "GetDriveLetter answered " + HresultWords(asked));
+    if (!now) return NoAnswer("", second, notListed);
+    const bool hasFirst = now->letters.find(first) != WideString::npos;
     Answer("", second,
-           std::string(SUCCEEDED(asked) && shown == first ? "GetDriveLetter shows the first one"
-                                                          : "GetDriveLetter shows the second one") +
+           std::string(shown == first ? "GetDriveLetter shows the first one"
+                                      : "GetDriveLetter shows the second one") +
                (hasFirst ? "; the first stays" : "; it replaces the first"));
 }
 
@@ -199,14 +215,13 @@ void Trial::TryHiding() {
     const TrialPartition* const partition = WithVolume();
     if (partition == nullptr) return NoAnswer(key, question, "no partition holds a volume");
     const HRESULT hidden = SetType(*partition, hiddenType);
-    const TrialPartition now = Now(*partition);
-    const bool isGone = !now.holdsVolume || now.letters != partition->letters;
+    const std::optional<TrialPartition> now = Now(*partition);
     SetType(*partition, partition->type);
-    for (const WCHAR letter : partition->letters) {
-        if (Now(*partition).letters.find(letter) == WideString::npos) Assign(*partition, letter);
-    }
-    if (hidden == S_OK) return Answer(key, question, YesNo(isGone));
-    NoAnswer(key, question, "ChangePartitionType answered " + HresultWords(hidden));
+    PutLettersBack(*partition);
+    if (hidden != S_OK)
+        return NoAnswer(key, question, "ChangePartitionType answered " + HresultWords(hidden));
+    if (!now) return NoAnswer(key, question, notListed);
+    Answer(key, question, YesNo(!now->holdsVolume || now->letters != partition->letters));
 }
 
 std::string Words(const TrialPartition& partition) {
@@ -217,11 +232,12 @@ std::string Words(const TrialPartition& partition) {
 // A volume that comes back later is none that is left.
 void Trial::CheckNothingIsLeft() {
     for (const TrialPartition& was : before_) {
-        TrialPartition now = Now(was);
-        now.holdsVolume = was.holdsVolume;
+        const std::string place = disk_.name + ", partition " + std::to_string(was.number);
+        std::optional<TrialPartition> now = Now(was);
+        if (now) now->holdsVolume = was.holdsVolume;
         if (now == was) continue;
-        trial_.left.push_back(disk_.name + ", partition " + std::to_string(was.number) + " was: " +
-                              Words(was) + "; it is: " + Words(now) + "; put it back with diskpart");
+        trial_.left.push_back(place + " was: " + Words(was) + "; it is: " +
+                              (now ? Words(*now) : "not to be read") + "; put it back with diskpart");
     }
 }
 

@@ -1,7 +1,9 @@
 #include "tools/kestova/probes/trial_disk.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <optional>
 #include <span>
@@ -102,19 +104,34 @@ std::vector<uint64_t> OffsetsOfVolumes(IVdsDisk& disk) {
     return offsets;
 }
 
-// A volume's first extent; nothing for a drive without one.
-std::optional<DISK_EXTENT> ExtentOf(WCHAR letter) {
+// Where a volume is, and why that is unknown.
+struct VolumeExtents {
+    std::vector<DISK_EXTENT> extents = {};
+    DWORD error = ERROR_SUCCESS;
+};
+
+VolumeExtents ExtentsOf(WCHAR letter) {
+    constexpr size_t most = 64;
     const WideString path = TEXT("\\\\.\\") + WideString(1, letter) + TEXT(":");
     const FileHandle volume(
         CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
-    if (!volume) return std::nullopt;
-    VOLUME_DISK_EXTENTS extents = {};
+    if (!volume) return {.error = GetLastError()};
+    std::vector<char> room(sizeof(VOLUME_DISK_EXTENTS) + most * sizeof(DISK_EXTENT));
     DWORD returned = 0;
-    // A volume on several extents is too long for the record, whose first one is written all the same.
-    const BOOL answered = DeviceIoControl(volume.Get(), IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, nullptr, 0,
-                                          &extents, sizeof extents, &returned, nullptr);
-    if (!answered && GetLastError() != ERROR_MORE_DATA) return std::nullopt;
-    return extents.Extents[0];
+    if (!DeviceIoControl(volume.Get(), IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, nullptr, 0, room.data(),
+                         static_cast<DWORD>(room.size()), &returned, nullptr))
+        return {.error = GetLastError()};
+    DWORD count = 0;
+    std::memcpy(&count, room.data(), sizeof count);
+    VolumeExtents found;
+    found.extents.resize(std::min<size_t>(count, most));
+    std::memcpy(found.extents.data(), room.data() + offsetof(VOLUME_DISK_EXTENTS, Extents),
+                found.extents.size() * sizeof(DISK_EXTENT));
+    return found;
+}
+
+bool IsOn(const VolumeExtents& volume, int number) {
+    return std::ranges::count(volume.extents, static_cast<DWORD>(number), &DISK_EXTENT::DiskNumber) != 0;
 }
 
 // The letters, by the offsets of the partitions that they stand for. The volumes themselves are asked: the
@@ -122,11 +139,28 @@ std::optional<DISK_EXTENT> ExtentOf(WCHAR letter) {
 std::map<uint64_t, WideString> LettersOn(int number) {
     std::map<uint64_t, WideString> letters;
     for (const WCHAR letter : LettersInUse()) {
-        const std::optional<DISK_EXTENT> extent = ExtentOf(letter);
-        if (extent && extent->DiskNumber == static_cast<DWORD>(number))
-            letters[static_cast<ULONGLONG>(extent->StartingOffset.QuadPart)] += letter;
+        for (const DISK_EXTENT& extent : ExtentsOf(letter).extents) {
+            if (extent.DiskNumber == static_cast<DWORD>(number))
+                letters[static_cast<uint64_t>(extent.StartingOffset.QuadPart)] += letter;
+        }
     }
     return letters;
+}
+
+// Why nothing may be tried on the disk for what Windows has there; empty if it has nothing. What is unknown
+// is taken for there. A disk in memory, from which Windows PE runs, is on no disk and does not know the
+// question.
+std::string WhyInUse(int number) {
+    const VolumeExtents windows = ExtentsOf(WindowsLetter());
+    if (windows.error != ERROR_SUCCESS && windows.error != ERROR_INVALID_FUNCTION)
+        return "which disk holds the running Windows could not be told";
+    if (IsOn(windows, number)) return "it holds the running Windows";
+    for (const WCHAR letter : LettersInUse()) {
+        const WideString pageFile = WideString(1, letter) + TEXT(":\\pagefile.sys");
+        if (IsOn(ExtentsOf(letter), number) && PathFileExistsW(pageFile.c_str()))
+            return "it holds a page file";
+    }
+    return "";
 }
 
 std::string Letters(const std::vector<TrialPartition>& partitions) {
@@ -140,13 +174,14 @@ std::string Letters(const std::vector<TrialPartition>& partitions) {
 
 }  // namespace
 
-std::vector<TrialPartition> PartitionsNow(TrialDisk& disk) {
+std::optional<std::vector<TrialPartition>> PartitionsNow(TrialDisk& disk) {
     VDS_PARTITION_PROP* records = nullptr;
     LONG count = 0;
     std::vector<TrialPartition> partitions;
     const std::vector<uint64_t> volumes = OffsetsOfVolumes(*disk.disk.Get());
     const std::map<uint64_t, WideString> letters = LettersOn(disk.number);
-    if (SUCCEEDED(disk.advanced->QueryPartitions(&records, &count)) && records != nullptr) {
+    if (FAILED(disk.advanced->QueryPartitions(&records, &count))) return std::nullopt;
+    if (records != nullptr) {
         for (const VDS_PARTITION_PROP& record :
              std::span(records, static_cast<size_t>(std::max<LONG>(count, 0)))) {
             if (std::ranges::count(extendedTypes, record.Mbr.partitionType) != 0) continue;
@@ -178,13 +213,10 @@ TrialDisk FindTrialDisk(int number, int firstInternal) {
                            "the first internal disk, from which the PC starts; attach a virtual disk");
         if (named.style != VDS_PST_MBR || !found.advanced || !found.types)
             throw WrongUse(asked + "not an MBR disk that the Virtual Disk Service changes");
-        found.partitions = PartitionsNow(found);
+        found.partitions = PartitionsNow(found).value_or(std::vector<TrialPartition>());
         if (found.partitions.empty()) throw WrongUse(asked + "it has no partitions");
-        const WCHAR windows = WindowsLetter();
-        if (std::ranges::any_of(found.partitions, [&](const TrialPartition& partition) {
-                return partition.letters.find(windows) != WideString::npos;
-            }))
-            throw WrongUse(asked + "it holds the running Windows");
+        const std::string inUse = WhyInUse(number);
+        if (!inUse.empty()) throw WrongUse(asked + inUse);
         found.words = found.name + ", " + SizeText(named.size) + ", " +
                       Count(found.partitions.size(), "partition") + ", " + Letters(found.partitions);
         return found;

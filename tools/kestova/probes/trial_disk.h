@@ -1,6 +1,7 @@
 // A disk of the Virtual Disk Service on which calls that change it are tried.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,8 +32,9 @@ struct TrialDisk {
 };
 
 // The disk of that number. Throws WrongUse for one that is not there or on which nothing may be tried: it
-// holds the running Windows, is the first internal disk or the only one, or is no MBR disk with partitions.
+// holds the running Windows, or where that is could not be told, or a page file; it is the first internal
+// disk, or no MBR disk with partitions.
 TrialDisk FindTrialDisk(int number, int firstInternal);
 
 // As they are now; nothing if the service does not say so.
-std::vector<TrialPartition> PartitionsNow(TrialDisk& disk);
+std::optional<std::vector<TrialPartition>> PartitionsNow(TrialDisk& disk);
