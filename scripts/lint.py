@@ -50,6 +50,8 @@ def compile_commands(build):
     commands = {}
     for entry in json.loads((build / "compile_commands.json").read_text()):
         words = entry["command"].split()
+        if entry["file"].endswith(".c"):
+            continue  # compiled by another compiler
         compiler = next(at for at, word in enumerate(words) if word.endswith("clang++"))
         entry["command"] = " ".join(without_precompiled_header(words[compiler:]))
         commands[entry["file"]] = entry
