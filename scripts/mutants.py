@@ -80,6 +80,8 @@ class Build:
         self.objects = {}
         for entry in json.loads((folder / "compile_commands.json").read_text()):
             words = entry["command"]
+            if entry["file"].endswith(".c"):
+                continue  # compiled by another compiler
             words = words[re.search(r"\S*clang\+\+", words).start():]
             self.commands[self.relative(entry["file"])] = words
             self.objects[self.relative(entry["file"])] = re.search(r" -o (\S+)", words).group(1)
