@@ -8,25 +8,24 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// Places of a factory disk, and some where there is nothing.
-const std::vector<Words> partitions = {{"0", "1"}, {"0", "2"}, {"0", "3"}, {"0", "4"}, {"0", "5"},
-                                       {"0", "9"}, {"1", "1"}, {"1", "2"}, {"9", "1"}};
-const std::vector<Words> letters = {{"C"}, {"D"}, {"E"}, {"F"}, {"X"}, {"Z"}};
-
-// Operations without an entry are asked once, with the arguments that they have by default; those with an
-// empty one never: GetWinDriveLetters mounts the registry of an installed Windows, by a batch file that it
-// writes to X: and runs.
-const std::map<std::string, std::vector<Words>> wordsOf = {
-    {"Initialize", {{"false"}}},
-    {"GetDriveLetter", partitions},
-    {"IsNeedHidePartition", partitions},
-    {"IsBIOSHibernationPartition", partitions},
-    {"IsWindowsRE", letters},
-    {"IsVistaOS", letters},
-    {"GetWinDriveLetters", {}},
-};
-
 std::vector<AskedOperation> MakeList() {
+    // Places of a factory disk, and some where there is nothing.
+    const std::vector<Words> partitions = {{"0", "1"}, {"0", "2"}, {"0", "3"}, {"0", "4"}, {"0", "5"},
+                                           {"0", "9"}, {"1", "1"}, {"1", "2"}, {"9", "1"}};
+    const std::vector<Words> letters = {{"C"}, {"D"}, {"E"}, {"F"}, {"X"}, {"Z"}};
+
+    // Operations without an entry are asked once, with the arguments that they have by default; those with an
+    // empty one never: GetWinDriveLetters mounts the registry of an installed Windows, by a batch file that
+    // it writes to X: and runs.
+    const std::map<std::string, std::vector<Words>> wordsOf = {
+        {"Initialize", {{"false"}}},
+        {"GetDriveLetter", partitions},
+        {"IsNeedHidePartition", partitions},
+        {"IsBIOSHibernationPartition", partitions},
+        {"IsWindowsRE", letters},
+        {"IsVistaOS", letters},
+        {"GetWinDriveLetters", {}},
+    };
     std::vector<AskedOperation> list;
     for (const Operation& operation : Operations()) {
         if (operation.changesPc) continue;
