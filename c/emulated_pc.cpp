@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "c/handle.h"
+#include "c/named_pc.h"
 #include "c/start.h"
 #include "machine/description/description.h"
 #include "machine/entry/loaded_library.h"
@@ -60,14 +61,8 @@ kestova_pc& Open(const kestova_pc* pc) {
     return *current;
 }
 
-kestova_pc* OpenDescribed(const std::string& nameOrFile, const std::string& asker) {
-    Pc pc = DescribedPc(nameOrFile, asker);
-    const auto isOnImage = [](const auto& media) {
-        return std::ranges::any_of(media, [](const auto& medium) { return !medium.image.empty(); });
-    };
-    if (isOnImage(pc.disks) || isOnImage(pc.volumes))
-        Refuse(nameOrFile + ": it is on disk images, which this library does not open");
-    return current = new kestova_pc(std::move(pc));
+kestova_pc* OpenNamed(const std::string& nameOrFile, const std::string& asker) {
+    return current = new kestova_pc(NamedPc(nameOrFile, asker));
 }
 
 // The number of bytes of the text, which is put there if it fits with its end.
@@ -85,7 +80,7 @@ void c_interface::EnsureSystem() {
     if (named == nullptr || *named == '\0')
         Refuse("no PC is open: call kestova_open_pc, or name one in the variable KESTOVA_PC");
     try {
-        OpenDescribed(named, "KESTOVA_PC");
+        OpenNamed(named, "KESTOVA_PC");
     } catch (const std::runtime_error& what) {
         Refuse(what.what());
     }
@@ -95,7 +90,7 @@ kestova_pc* KESTOVA_CALL kestova_open_pc(const char* nameOrFile) {
     return Alone<kestova_pc*>(nullptr, [&] {
         if (nameOrFile == nullptr) Refuse("no PC was named");
         if (current != nullptr) Refuse("a PC is open in this process already");
-        return OpenDescribed(nameOrFile, "kestova_open_pc");
+        return OpenNamed(nameOrFile, "kestova_open_pc");
     });
 }
 
@@ -150,8 +145,10 @@ unsigned int KESTOVA_CALL kestova_outstanding(kestova_pc* pc, char* buffer, unsi
 int KESTOVA_CALL kestova_save(kestova_pc* pc, const char* file) {
     return Alone(0, [&] {
         if (file == nullptr) Refuse("no file was named");
-        const kestova_pc& open = Open(pc);
+        kestova_pc& open = Open(pc);
         const machine::Turn turn;
+        if (!ImagesOf(open.emulated.facts).empty())
+            Refuse(std::string(file) + ": no description holds a PC on disk images");
         if (!OutputFile("kestova_save", file).Replace(machine::WriteDescription(open.emulated.facts)))
             Refuse(std::string(file) + ": cannot be written");
         return 1;

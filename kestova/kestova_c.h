@@ -607,9 +607,10 @@ KESTOVA_C_API int KESTOVA_CALL kestova_set_p_two_active(kestova *handle);
 /* The PC that answers the library in this process. Names and texts are UTF-8. */
 typedef struct kestova_pc kestova_pc;
 
-/* Opens a PC: a machine that comes with the library ("factory-mbr"), or a file that describes one. One at a time in a
- * process, before the first handle is opened. Null if that failed. Without one, kestova_open opens the PC that the
- * variable KESTOVA_PC of the environment names, for the rest of the process. */
+/* Opens a PC: a machine that comes with the library ("factory-mbr"), or a file that describes one; in a library that was
+ * built with KESTOVA_C_IMAGES also a disk image, to which nothing is written. One at a time in a process, before the first
+ * handle is opened. Null if that failed. Without one, kestova_open opens the PC that the variable KESTOVA_PC of the
+ * environment names, for the rest of the process. */
 KESTOVA_C_API kestova_pc *KESTOVA_CALL kestova_open_pc(const char *name_or_file);
 
 /* Closes the PC. 0 if a handle is still open, or if it is not open; else 1. */

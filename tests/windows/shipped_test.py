@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 """What ships, looked at from outside. For Windows: exports, imports, protections, version, size. For Linux, where the
-tool reads disk images as root: its protections.
+tool reads disk images as root: its protections, and what the library for C needs.
 
 usage: shipped_test.py BUILD_FOLDER...
 """
@@ -138,11 +138,11 @@ class ShippedFiles(unittest.TestCase):
         self.assertLessEqual((self.folder / "bin/Kestova.dll").stat().st_size, LARGEST_LIBRARY)
 
 
-class LinuxTool(unittest.TestCase):
+class LinuxFiles(unittest.TestCase):
     folder = pathlib.Path()
 
-    def readelf(self, *options):
-        return subprocess.run(["readelf", "--wide", *options, self.folder / "tools/kestova/kestova"],
+    def readelf(self, *options, file="tools/kestova/kestova"):
+        return subprocess.run(["readelf", "--wide", *options, self.folder / file],
                               capture_output=True, text=True, check=True, env={"PATH": os.environ["PATH"], "LC_ALL": "C"}).stdout
 
     def called_functions(self):
@@ -165,12 +165,17 @@ class LinuxTool(unittest.TestCase):
         # The checked ones of the C library, which _FORTIFY_SOURCE calls in place of the others.
         self.assertTrue({name for name in functions if re.fullmatch(r"__\w+_chk", name)}, functions)
 
+    def test_LibraryForC_Needs_NothingButTheCLibrary(self):
+        needed = re.findall(r"\(NEEDED\) .*\[(.+)\]", self.readelf("--dynamic", file="c/libkestova-c.so"))
+        self.assertIn("libc.so.6", needed)
+        self.assertLessEqual(set(needed), {"libc.so.6", "ld-linux-x86-64.so.2"})
+
 
 def load_tests(loader, _tests, _pattern):
     suite = unittest.TestSuite()
     for folder in folders:
         if folder.name == LINUX:
-            case = type("Shipped_linux", (LinuxTool,), {"folder": folder})
+            case = type("Shipped_linux", (LinuxFiles,), {"folder": folder})
             suite.addTests(loader.loadTestsFromTestCase(case))
             continue
         case = type(f"Shipped_{folder.name}", (ShippedFiles,), {"folder": folder, "word_size": PRESETS[folder.name]})

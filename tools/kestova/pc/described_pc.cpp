@@ -61,3 +61,19 @@ machine::Pc DescribedPc(const std::string& nameOrFile, const std::string& asker)
         throw UnreadablePc(what.what());
     }
 }
+
+std::vector<std::string*> ImagesOf(machine::Pc& pc) {
+    std::vector<std::string*> images;
+    for (machine::Disk& disk : pc.disks) {
+        if (!disk.image.empty()) images.push_back(&disk.image);
+    }
+    for (machine::Volume& volume : pc.volumes) {
+        if (!volume.image.empty()) images.push_back(&volume.image);
+    }
+    return images;
+}
+
+void ResolveImages(machine::Pc& pc, const std::string& file) {
+    for (std::string* const image : ImagesOf(pc))
+        *image = (std::filesystem::path(file).parent_path() / *image).string();
+}

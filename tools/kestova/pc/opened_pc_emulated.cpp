@@ -25,23 +25,10 @@ namespace {
 namespace fs = std::filesystem;
 using machine::ImageAccess;
 using machine::ImageUse;
-using machine::NamedMachine;
 using machine::Pc;
 using machine::SystemKind;
 
 constexpr std::string_view standardMachine = "factory-mbr";
-
-// The paths of all images of the PC.
-std::vector<std::string*> ImagesOf(Pc& pc) {
-    std::vector<std::string*> images;
-    for (machine::Disk& disk : pc.disks) {
-        if (!disk.image.empty()) images.push_back(&disk.image);
-    }
-    for (machine::Volume& volume : pc.volumes) {
-        if (!volume.image.empty()) images.push_back(&volume.image);
-    }
-    return images;
-}
 
 // What can be in a disk: a virtual one claims any size, but its file holds little more than what was
 // compressed.
@@ -62,19 +49,6 @@ uint64_t ImageBytes(const Pc& pc) {
         if (!error) bytes += size;
     }
     return bytes;
-}
-
-// Image paths in a description are relative to its file.
-Pc ReadDescriptionFile(const std::string& name, const ImageUse& use) {
-    Pc pc = DescribedPc(name, "--pc");
-    try {
-        for (std::string* const image : ImagesOf(pc))
-            *image = (fs::path(name).parent_path() / *image).string();
-        AttachImages(pc, use);
-        return pc;
-    } catch (const machine::DescriptionError& what) {
-        throw UnreadablePc(what.what());
-    }
 }
 
 // Switches to the other kind of system, configured as on the machines that come with the tool.
@@ -105,8 +79,11 @@ Pc ChooseWithoutMedia(const PcChoice& choice, Access access) {
     if (!choice.images.empty()) return OpenImages(choice.images, kind, use);
     if (!choice.captured.empty()) return machine::ReadDescription(choice.captured, "the capture");
     const std::string name = choice.pc.empty() ? std::string(standardMachine) : choice.pc;
-    const NamedMachine* const named = FindMachine(name);
-    Pc pc = named != nullptr ? named->make() : ReadDescriptionFile(name, use);
+    Pc pc = DescribedPc(name, "--pc");
+    if (!IsMachine(name)) {
+        ResolveImages(pc, name);
+        AttachImages(pc, use);
+    }
     if (choice.windows || choice.windowsPe) Start(pc, kind);
     return pc;
 }
