@@ -9,6 +9,9 @@ else()
 endif()
 
 install(TARGETS Kestova KestovaC kestova_logging RUNTIME DESTINATION bin/${word_size} ARCHIVE DESTINATION lib/${word_size})
+if(MINGW)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/c/KestovaC.def ${CMAKE_CURRENT_BINARY_DIR}/c/KestovaC.lib DESTINATION lib/${word_size})
+endif()
 if(KESTOVA_TOOL)
   install(TARGETS kestova_tool RUNTIME DESTINATION bin/${word_size})
 endif()
@@ -23,7 +26,7 @@ install(FILES packaging/KestovaConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/KestovaC
   DESTINATION lib/cmake/Kestova)
 
 install(FILES examples/recovery.cpp examples/open_pc.h examples/open_pc_real.cpp DESTINATION examples)
-install(FILES examples/recovery.py examples/Recovery.cs examples/Recovery.ps1 DESTINATION examples)
+install(FILES examples/recovery.c examples/recovery.py examples/Recovery.cs examples/Recovery.ps1 DESTINATION examples)
 install(FILES csharp/Kestova.cs csharp/Kestova.dll.config DESTINATION csharp)
 install(FILES powershell/Kestova/Kestova.psd1 powershell/Kestova/Kestova.psm1 DESTINATION powershell/Kestova)
 install(FILES packaging/example.cmake DESTINATION examples RENAME CMakeLists.txt)

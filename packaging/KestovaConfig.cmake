@@ -1,5 +1,7 @@
-# find_package(Kestova): the imported targets Kestova::Kestova and Kestova::Logging, for the word size and the compiler
-# of the project that asks.
+# find_package(Kestova [COMPONENTS KestovaC]): the imported targets Kestova::Kestova, the class, with Kestova::Logging, and
+# Kestova::KestovaC, the interface for C, for the word size and the compiler of the project that asks. The class is there for
+# the compiler that built it only: an application made by another asks for the component KestovaC, and gets that alone.
+# Kestova_DLLS: the files that each of them needs beside the program.
 cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH kestova_folder)
 cmake_path(GET kestova_folder PARENT_PATH kestova_folder)
 cmake_path(GET kestova_folder PARENT_PATH kestova_folder)
@@ -11,7 +13,15 @@ else()
 endif()
 
 set(Kestova_FOUND TRUE)
-foreach(library Logging Kestova)
+set(Kestova_DLLS)
+foreach(library Logging Kestova KestovaC)
+  list(APPEND Kestova_DLLS ${kestova_folder}/bin/${kestova_word_size}/${library}.dll)
+endforeach()
+set(kestova_libraries KestovaC)
+if(NOT Kestova_FIND_COMPONENTS STREQUAL "KestovaC")
+  list(APPEND kestova_libraries Logging Kestova)
+endif()
+foreach(library IN LISTS kestova_libraries)
   if(MSVC)
     set(kestova_import_library ${kestova_folder}/lib/${kestova_word_size}/${library}.lib)
   else()
@@ -29,9 +39,12 @@ foreach(library Logging Kestova)
     set_target_properties(Kestova::${library} PROPERTIES
       IMPORTED_LOCATION ${kestova_dll}
       IMPORTED_IMPLIB ${kestova_import_library}
-      INTERFACE_INCLUDE_DIRECTORIES ${kestova_folder}/include
-      INTERFACE_COMPILE_DEFINITIONS "UNICODE;_UNICODE"
-      INTERFACE_COMPILE_FEATURES cxx_std_20)
+      INTERFACE_INCLUDE_DIRECTORIES ${kestova_folder}/include)
   endif()
 endforeach()
-set_property(TARGET Kestova::Kestova PROPERTY INTERFACE_LINK_LIBRARIES Kestova::Logging)
+if(TARGET Kestova::Kestova)
+  set_target_properties(Kestova::Kestova Kestova::Logging PROPERTIES
+    INTERFACE_COMPILE_DEFINITIONS "UNICODE;_UNICODE"
+    INTERFACE_COMPILE_FEATURES cxx_std_20)
+  set_property(TARGET Kestova::Kestova PROPERTY INTERFACE_LINK_LIBRARIES Kestova::Logging)
+endif()

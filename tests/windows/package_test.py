@@ -3,6 +3,7 @@
 
 usage: package_test.py ZIP
 """
+import itertools
 import os
 import pathlib
 import re
@@ -22,13 +23,17 @@ docs/command-line.md docs/hazards.md docs/integrators.md docs/log.md docs/operat
 docs/csharp.md docs/powershell.md docs/real-pc.md docs/recovery-partitions.md docs/survey.md
 csharp/Kestova.cs csharp/Kestova.dll.config powershell/Kestova/Kestova.psd1 powershell/Kestova/Kestova.psm1
 examples/CMakeLists.txt examples/Recovery.cs examples/Recovery.ps1 examples/open_pc.h examples/open_pc_real.cpp
-examples/recovery.cpp examples/recovery.py
+examples/recovery.c examples/recovery.cpp examples/recovery.py
 include/kestova/kestova_c.h include/logging/logging.h include/manager/kestova.h
 lib/cmake/Kestova/KestovaConfig.cmake lib/cmake/Kestova/KestovaConfigVersion.cmake
+lib/x64/KestovaC.def lib/x64/KestovaC.lib
 lib/x64/libKestova.dll.a lib/x64/libKestovaC.dll.a lib/x64/libLogging.dll.a
+lib/x86/KestovaC.def lib/x86/KestovaC.lib
 lib/x86/libKestova.dll.a lib/x86/libKestovaC.dll.a lib/x86/libLogging.dll.a
 licences/CLI11.txt licences/gcc.txt licences/mingw-w64.txt licences/nlohmann-json.txt
 """.split()
+VERSION = re.search(r"project\(Kestova VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
+WORD_SIZES = (("x86_64", "x64"), ("i686", "x86"))
 LINE = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z \d+ \d+ (ERROR|TRACE) (Kestova.+)")
 
 
@@ -69,6 +74,7 @@ class Package(unittest.TestCase):
         self.assertEqual(len(commands), 3)
         for command in commands:
             self.run_shell(command)
+        self.assertTrue((self.root / "build/KestovaC.dll").exists())
         folders = [self.root / "bin/x64", self.root / "build"]
         processes = [self.start_example(folder / "recovery.exe") for folder in folders]
         for folder, process in zip(folders, processes):
@@ -103,20 +109,43 @@ class Package(unittest.TestCase):
             self.assertEqual(len({entry.date_time for entry in archive.infolist()}), 1)
 
     def test_Headers_InApplicationThatDraws_LeaveItTheNamesOfGdi(self):
-        for word_size in ("x86_64", "i686"):
+        for word_size, _ in WORD_SIZES:
             with self.subTest(word_size):
                 self.run_shell(f"{word_size}-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -Wall -Wextra -I include"
                                f" -fsyntax-only {SOURCE}/tests/releases/gdi_client.cpp")
 
     def test_ProgramInC_BuildFromThePackage_CallsTheLibraries(self):
-        for word_size, folder in (("x86_64", "x64"), ("i686", "x86")):
+        for word_size, folder in WORD_SIZES:
             with self.subTest(word_size):
                 self.run_shell(f"{word_size}-w64-mingw32-gcc -std=c89 -Wall -Wextra -Wpedantic -Werror -I include"
                                f" {SOURCE}/tests/package/client.c lib/{folder}/libKestovaC.dll.a -o bin/{folder}/client.exe")
         output, _ = self.start_example(self.root / "bin/x64/client.exe").communicate(timeout=90)
-        version = re.search(r"project\(Kestova VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
-        self.assertEqual(output.splitlines(), [f"Kestova {version}, interface 1", "IsDynamic: 0, no",
+        self.assertEqual(output.splitlines(), [f"Kestova {VERSION}, interface 1", "IsDynamic: 0, no",
                                                "SetActive: 1, code 2, the handle is null or closed"])
+
+    def test_ProgramOfAnotherCompiler_LinkWithItsImportLibrary_CallsTheLibraries(self):
+        for (word_size, folder), language in itertools.product(WORD_SIZES, ("c", "c++")):
+            with self.subTest(f"{word_size}, {language}"):
+                program = f"bin/{folder}/{language}.exe"
+                # Names and calling conventions as MSVC has them, without its headers.
+                self.run_shell(f"clang --target={word_size}-pc-windows-msvc -Wall -Wextra -Wpedantic -Werror -ffreestanding"
+                               f" -I include -x {language} -c {SOURCE}/tests/package/no_runtime_client.c -o client.obj")
+                self.run_shell(f"lld-link -nologo -subsystem:console -entry:start -nodefaultlib -safeseh:no -out:{program}"
+                               f" client.obj lib/{folder}/KestovaC.lib /usr/{word_size}-w64-mingw32/lib/libkernel32.a")
+                if folder == "x64":
+                    process = self.start_example(self.root / program)
+                    output, _ = process.communicate(timeout=90)
+                    self.assertEqual((output, process.returncode), (VERSION, 2))
+
+    def test_ProjectOfAnotherCompiler_FindPackage_FindsTheInterfaceForCAlone(self):
+        self.run_shell(f"cmake -S {SOURCE}/tests/package/other_compiler -B other -DCMAKE_PREFIX_PATH=$PWD | grep KestovaC.lib")
+
+    def test_ExampleInC_BuildAndRun_SaysThatThereIsNoService(self):
+        self.run_shell("x86_64-w64-mingw32-gcc -std=c89 -Wall -Wextra -Wpedantic -Werror -I include examples/recovery.c"
+                       " lib/x64/libKestovaC.dll.a -o bin/x64/recovery-c.exe")
+        process = self.start_example(self.root / "bin/x64/recovery-c.exe")
+        output, _ = process.communicate(timeout=90)
+        self.assertEqual((process.returncode, output.strip()), (9, "The Virtual Disk Service cannot be reached."))
 
     def test_Example_BuildForX86_Links(self):
         self.run_shell("i686-w64-mingw32-g++ -std=c++20 -DUNICODE -D_UNICODE -I include -I . examples/recovery.cpp"
