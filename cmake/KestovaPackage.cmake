@@ -39,7 +39,7 @@ kestova_install_licence(.)
 if(CMAKE_CROSSCOMPILING AND CMAKE_SIZEOF_VOID_P EQUAL 8)
   kestova_programs(system windows)
   set(reference ${CMAKE_CURRENT_BINARY_DIR}/reference)
-  set(headers manager/kestova.h logging/logging.h)
+  set(headers manager/kestova.h logging/logging.h kestova/kestova_c.h)
   list(JOIN headers " " input)
   add_custom_command(OUTPUT ${reference}/html/index.html
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${reference}
