@@ -30,7 +30,7 @@ install(FILES examples/recovery.c examples/recovery.py examples/Recovery.cs exam
 install(FILES csharp/Kestova.cs csharp/Kestova.dll.config DESTINATION csharp)
 install(FILES powershell/Kestova/Kestova.psd1 powershell/Kestova/Kestova.psm1 DESTINATION powershell/Kestova)
 install(FILES packaging/example.cmake DESTINATION examples RENAME CMakeLists.txt)
-install(FILES docs/integrators.md docs/operations.md docs/command-line.md docs/pc-description.md docs/log.md docs/hazards.md
+install(FILES docs/integrators.md docs/operations.md docs/result-codes.md docs/command-line.md docs/pc-description.md docs/log.md docs/hazards.md
   docs/recovery-partitions.md docs/real-pc.md docs/survey.md docs/csharp.md docs/powershell.md DESTINATION docs)
 install(FILES packaging/README.md CHANGELOG.md SECURITY.md THIRD-PARTY.md DESTINATION .)
 kestova_install_licence(.)

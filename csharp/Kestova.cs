@@ -66,7 +66,7 @@ namespace Kestova
     {
         /// <summary>The service is ready.</summary>
         Ready = 1,
-        /// <summary>The service could not be loaded in 20 attempts; a failure.</summary>
+        /// <summary>The service could not be loaded in 20 attempts; a failure: retry.</summary>
         NotLoaded = 0
     }
 
@@ -75,7 +75,8 @@ namespace Kestova
     {
         /// <summary>Asked; the style tells the rest.</summary>
         Asked = 1,
-        /// <summary>There is no volume layer; a failure.</summary>
+        /// <summary>There is no volume layer; a failure: give-up, the object was made while memory had run out:
+        /// make another one.</summary>
         NoVolumeLayer = 0
     }
 
@@ -100,7 +101,7 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>Failed; a failure.</summary>
+        /// <summary>Failed; a failure: retry.</summary>
         Failed = 1
     }
 
@@ -109,7 +110,8 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>Failed; a failure.</summary>
+        /// <summary>Failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from
+        /// before, give that to SetActive.</summary>
         Failed = 1
     }
 
@@ -118,7 +120,8 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>Failed; a failure.</summary>
+        /// <summary>Failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from
+        /// before, give that to SetActive.</summary>
         Failed = 1
     }
 
@@ -134,13 +137,14 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>The type could not be read; a failure.</summary>
+        /// <summary>The type could not be read; a failure: retry.</summary>
         TypeNotRead = 101,
-        /// <summary>The partition has no letter all the same; a failure.</summary>
+        /// <summary>The partition has no letter all the same; a failure: undo, DisableOrvoBootPartition takes a
+        /// letter that was given.</summary>
         NoLetter = 104,
-        /// <summary>The letter could not be given; a failure.</summary>
+        /// <summary>The letter could not be given; a failure: retry.</summary>
         LetterNotGiven = 105,
-        /// <summary>Partition 1 is not the maker's boot partition; a failure.</summary>
+        /// <summary>Partition 1 is not the maker's boot partition; a failure: give-up.</summary>
         OtherType = 113
     }
 
@@ -149,7 +153,7 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>The letter could not be taken; a failure.</summary>
+        /// <summary>The letter could not be taken; a failure: retry.</summary>
         LetterNotTaken = 105
     }
 
@@ -158,13 +162,14 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>The type could not be read; a failure.</summary>
+        /// <summary>The type could not be read; a failure: retry.</summary>
         TypeNotRead = 101,
-        /// <summary>The partition has no letter all the same; a failure.</summary>
+        /// <summary>The partition has no letter all the same; a failure: undo, DisableGPTSystemPartition takes a
+        /// letter that was given.</summary>
         NoLetter = 104,
-        /// <summary>The letter could not be given; a failure.</summary>
+        /// <summary>The letter could not be given; a failure: retry.</summary>
         LetterNotGiven = 105,
-        /// <summary>Partition 3 is not the EFI system partition; a failure.</summary>
+        /// <summary>Partition 3 is not the EFI system partition; a failure: give-up.</summary>
         OtherType = 113
     }
 
@@ -173,7 +178,7 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>The letter could not be taken; a failure.</summary>
+        /// <summary>The letter could not be taken; a failure: retry.</summary>
         LetterNotTaken = 105
     }
 
@@ -196,7 +201,7 @@ namespace Kestova
     {
         /// <summary>BitLocker was asked.</summary>
         Asked = 1,
-        /// <summary>BitLocker cannot be asked; a failure.</summary>
+        /// <summary>BitLocker cannot be asked; a failure: retry.</summary>
         NotAsked = 0
     }
 
@@ -205,15 +210,16 @@ namespace Kestova
     {
         /// <summary>Asked; the outputs tell the rest.</summary>
         Asked = 0,
-        /// <summary>There is no internal disk; a failure.</summary>
+        /// <summary>There is no internal disk; a failure: retry.</summary>
         NoInternalDisk = 100,
-        /// <summary>The partition style is unknown; a failure.</summary>
+        /// <summary>The partition style is unknown; a failure: retry.</summary>
         StyleUnknown = 106,
-        /// <summary>The partition style could not be read; a failure.</summary>
+        /// <summary>The partition style could not be read; a failure: retry.</summary>
         StyleNotRead = 111,
-        /// <summary>The type of partition 3 could not be read; a failure.</summary>
+        /// <summary>The type of partition 3 could not be read; a failure: retry.</summary>
         TypeNotRead = 115,
-        /// <summary>There is no volume layer; a failure.</summary>
+        /// <summary>There is no volume layer; a failure: give-up, the object was made while memory had run out:
+        /// make another one.</summary>
         NoVolumeLayer = 116
     }
 
@@ -222,11 +228,11 @@ namespace Kestova
     {
         /// <summary>Found.</summary>
         Found = 0,
-        /// <summary>Its partition has no letter, or the layout is another; a failure.</summary>
+        /// <summary>Its partition has no letter, or the layout is another; a failure: retry.</summary>
         NoLetter = 104,
-        /// <summary>Its partition holds no Windows; a failure.</summary>
+        /// <summary>Its partition holds no Windows; a failure: retry.</summary>
         NoWindows = 110,
-        /// <summary>The partition style is unknown or could not be read; a failure.</summary>
+        /// <summary>The partition style is unknown or could not be read; a failure: retry.</summary>
         StyleUnknown = 111
     }
 
@@ -235,7 +241,8 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 1,
-        /// <summary>Something failed, or there was no room for all records; a failure.</summary>
+        /// <summary>Something failed, or there was no room for all records; a failure: retry, with room for 26
+        /// records, one for each letter.</summary>
         Failed = 0
     }
 
@@ -244,16 +251,17 @@ namespace Kestova
     {
         /// <summary>Done, or it was active already.</summary>
         Done = 0,
-        /// <summary>No active partition could be read; a failure.</summary>
+        /// <summary>No active partition could be read; a failure: retry.</summary>
         NoActivePartition = 1,
-        /// <summary>The number of the active partition is unknown; a failure.</summary>
+        /// <summary>The number of the active partition is unknown; a failure: retry.</summary>
         UnknownActivePartition = 2,
         /// <summary>The recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a
-        /// failure.</summary>
+        /// failure: give-up, what a partition must be and hold: docs/recovery-partitions.md.</summary>
         NoRecoveryFiles = 3,
-        /// <summary>The record could not be written; a failure.</summary>
+        /// <summary>The record could not be written; a failure: retry.</summary>
         RecordNotWritten = 4,
-        /// <summary>The flag could not be set; setting the former one again was tried; a failure.</summary>
+        /// <summary>The flag could not be set; setting the former one again was tried; a failure: undo, if
+        /// GetActivePartitionNumber no longer answers the number from before, give that to SetActive.</summary>
         FlagNotSet = 5
     }
 
@@ -262,16 +270,18 @@ namespace Kestova
     {
         /// <summary>Done, or there was nothing to do.</summary>
         Done = 0,
-        /// <summary>No active partition could be read; a failure.</summary>
+        /// <summary>No active partition could be read; a failure: retry.</summary>
         NoActivePartition = 1,
-        /// <summary>The number of the active partition is unknown; a failure.</summary>
+        /// <summary>The number of the active partition is unknown; a failure: retry.</summary>
         UnknownActivePartition = 2,
         /// <summary>The recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a
-        /// failure.</summary>
+        /// failure: give-up, what a partition must be and hold: docs/recovery-partitions.md.</summary>
         NoRecoveryFiles = 3,
-        /// <summary>The flag could not be set; a failure.</summary>
+        /// <summary>The flag could not be set; a failure: undo, if GetActivePartitionNumber no longer answers the
+        /// number from before, give that to SetActive.</summary>
         FlagNotSet = 4,
-        /// <summary>The record could not be deleted; a failure.</summary>
+        /// <summary>The record could not be deleted; a failure: go-on, the PC starts from the partition that was
+        /// asked for; SystemVolume.ini stays, and asking again deletes it.</summary>
         RecordNotDeleted = 5
     }
 
@@ -280,18 +290,20 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>No active partition could be read; a failure.</summary>
+        /// <summary>No active partition could be read; a failure: retry.</summary>
         NoActivePartition = 1,
-        /// <summary>The number of the active partition is unknown; a failure.</summary>
+        /// <summary>The number of the active partition is unknown; a failure: retry.</summary>
         UnknownActivePartition = 2,
         /// <summary>The recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a
-        /// failure.</summary>
+        /// failure: give-up, what a partition must be and hold: docs/recovery-partitions.md.</summary>
         NoRecoveryFiles = 3,
-        /// <summary>The record could not be written; a failure.</summary>
+        /// <summary>The record could not be written; a failure: retry.</summary>
         RecordNotWritten = 4,
-        /// <summary>The flag could not be set; setting the former one again was tried; a failure.</summary>
+        /// <summary>The flag could not be set; setting the former one again was tried; a failure: undo, if
+        /// GetActivePartitionNumber no longer answers the number from before, give that to SetActive.</summary>
         FlagNotSet = 5,
-        /// <summary>The record could not be dropped; a failure.</summary>
+        /// <summary>The record could not be dropped; a failure: go-on, the PC starts from the partition that was
+        /// asked for; SystemVolume.ini stays, and means what none would.</summary>
         RecordNotDropped = 6
     }
 
@@ -300,12 +312,14 @@ namespace Kestova
     {
         /// <summary>Done.</summary>
         Done = 0,
-        /// <summary>The flag could not be set; setting partition 1 again was tried; a failure.</summary>
+        /// <summary>The flag could not be set; setting partition 1 again was tried; a failure: undo, if
+        /// GetActivePartitionNumber no longer answers the number from before, give that to SetActive.</summary>
         FlagNotSet = 1,
         /// <summary>The recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a
-        /// failure.</summary>
+        /// failure: go-on, the PC starts from partition 2; SystemVolume.ini was not looked for.</summary>
         NoRecoveryFiles = 2,
-        /// <summary>The record could not be deleted; a failure.</summary>
+        /// <summary>The record could not be deleted; a failure: go-on, the PC starts from the partition that was
+        /// asked for; SystemVolume.ini stays, and asking again deletes it.</summary>
         RecordNotDeleted = 3
     }
 

@@ -22,6 +22,7 @@ FILES = {
     "c/templates/kestova_c.h.j2": "kestova/kestova_c.h",
     "c/templates/operations.cpp.j2": "c/operations.cpp",
     "c/templates/results.cpp.j2": "c/results.cpp",
+    "docs/templates/result-codes.md.j2": "docs/result-codes.md",
     "csharp/templates/Kestova.cs.j2": "csharp/Kestova.cs",
     "python/templates/operations.py.j2": "python/kestova/operations.py",
 }
@@ -49,6 +50,14 @@ ONE_AT_A_TIME = """static std::mutex turn;
             const std::scoped_lock alone(turn);
             """
 SERIALISED = {"GetWinDriveLetters": ONE_AT_A_TIME}
+
+# What a program does after a failure.
+ADVICE = {
+    "retry": "nothing is changed, and the cause may pass: ask again; the same result once more is the answer",
+    "give-up": "nothing is changed, and asking again changes nothing before the PC or the program does",
+    "undo": "something may be changed: what follows says how to see it and to take it back",
+    "go-on": "what was asked for is done; what follows says what is left over",
+}
 
 WIDTH = 110
 
@@ -129,11 +138,17 @@ def shown_value(value):
     return "''" if value == "" else f"'{value}'" if isinstance(value, str) else str(value)
 
 
+def meaning(result):
+    """The words of a result, with what to do after a failure."""
+    if not result["failure"]:
+        return result["words"]
+    return f"{result['words']}; a failure: {result['advice']}" + (f", {result['remedy']}" if result["remedy"] else "")
+
+
 def enumerator(enumeration, result):
     """One of C, below a comment with its words."""
     value = f"'{result['value']}'" if isinstance(result["value"], str) and result["value"] != "\0" else number(result["value"])
-    words = result["words"] + ("; a failure" if result["failure"] else "")
-    comment = "/* " + "\n     * ".join(textwrap.wrap(words, WIDTH - 7)) + " */"
+    comment = "/* " + "\n     * ".join(textwrap.wrap(meaning(result), WIDTH - 7)) + " */"
     return f"{comment}\n    KESTOVA_{enumeration.upper()}_{result['name']} = {value}"
 
 
@@ -191,10 +206,12 @@ def main():
     templates = jinja2.Environment(
         loader=jinja2.FileSystemLoader(root), undefined=jinja2.StrictUndefined, keep_trailing_newline=True
     )
-    templates.filters.update(sentence=sentence, literal=literal, **python_binding.FILTERS)
+    templates.filters.update(sentence=sentence, literal=literal, meaning=meaning, snake=snake, **python_binding.FILTERS)
     templates.filters.update({name: getattr(csharp_binding, name) for name in ("csharp", "pascal", "documentation")})
     for template, file in FILES.items():
-        text = templates.get_template(template).render(operations=operations, outputs=enumerated_outputs(operations))
+        text = templates.get_template(template).render(
+            operations=operations, outputs=enumerated_outputs(operations), advice=ADVICE
+        )
         (written / file).parent.mkdir(parents=True, exist_ok=True)
         (written / file).write_text(text)
 

@@ -120,6 +120,29 @@ TEST(Findings, ChangeOfAnotherDiskWhereNothingShouldChange_IsABreach) {
     EXPECT_THAT(tested.Broken(outcome), Contains("one operation changes one disk"));
 }
 
+TEST(Findings, AdviceThatNothingIsChangedWhereSomethingIs_IsABreach) {
+    const Case tested("SetRcvprtActive");
+    Outcome outcome = tested.undisturbed;
+    outcome.result = 3;
+    EXPECT_THAT(tested.Broken(outcome), Contains("the advice is true"));
+    outcome.after = outcome.start;
+    outcome.after.disks[0].partitions[0].volume->letters = "R";
+    EXPECT_THAT(tested.Broken(outcome), Not(Contains("the advice is true")));
+}
+
+TEST(Findings, AdviceToGoOnWhereTheFlagHasNotMoved_IsABreach) {
+    const Case tested("SetPTwoActive", [] {
+        machine::Pc pc = machine::FactoryMbr();
+        std::swap(pc.disks[0].partitions[0].bootIndicator, pc.disks[0].partitions[1].bootIndicator);
+        return pc;
+    }());
+    Outcome outcome = tested.undisturbed;
+    outcome.result = 3;
+    EXPECT_THAT(tested.Broken(outcome), Not(Contains("the advice is true")));
+    outcome.after = outcome.start;
+    EXPECT_THAT(tested.Broken(outcome), Contains("the advice is true"));
+}
+
 TEST(Findings, NoActivePartitionLeft_IsABreachButOfClearActive) {
     const Case tested("SetRcvprtActive");
     Outcome outcome = tested.undisturbed;

@@ -20,7 +20,7 @@ CHANGELOG.md LICENCE.txt README.md SECURITY.md THIRD-PARTY.md sbom.spdx.json
 bin/x64/Kestova.dll bin/x64/KestovaC.dll bin/x64/Logging.dll bin/x64/kestova.exe
 bin/x86/Kestova.dll bin/x86/KestovaC.dll bin/x86/Logging.dll bin/x86/kestova.exe
 docs/command-line.md docs/hazards.md docs/integrators.md docs/log.md docs/operations.md docs/pc-description.md
-docs/csharp.md docs/powershell.md docs/real-pc.md docs/recovery-partitions.md docs/survey.md
+docs/csharp.md docs/powershell.md docs/result-codes.md docs/real-pc.md docs/recovery-partitions.md docs/survey.md
 csharp/Kestova.cs csharp/Kestova.dll.config powershell/Kestova/Kestova.psd1 powershell/Kestova/Kestova.psm1
 examples/CMakeLists.txt examples/Recovery.cs examples/Recovery.ps1 examples/open_pc.h examples/open_pc_real.cpp
 examples/recovery.c examples/recovery.cpp examples/recovery.py

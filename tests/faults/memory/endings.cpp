@@ -74,5 +74,5 @@ bool IsEnding(const Operation& operation, const Value& result, const Values& out
     const auto row = endings.find(operation.name);
     if (row != endings.end()) return row->second.contains(AnswerText(result, outputs));
     const Meaning* const meaning = FindMeaning(operation.results, result);
-    return meaning != nullptr && (meaning->failure || meaning->vague);
+    return meaning != nullptr && (meaning->after.advice != Advice::None || meaning->vague);
 }

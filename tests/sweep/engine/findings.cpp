@@ -73,6 +73,7 @@ class Checks {
     void Success();
     void Answer();
     void WayBack();
+    void TrueAdvice();
 
     const Task& task_;
     const Reference& reference_;
@@ -253,6 +254,33 @@ void Checks::WayBack() {
                (reference_.before.switches.activeFlagIsExclusive ? ", with exclusive flags" : ""));
 }
 
+// Calls that are known to have worked although they said otherwise are beyond any advice.
+bool FailsWithoutEffect(Way way) {
+    return way == Way::None || way == Way::Fails || way == Way::FailsOnwards || way == Way::AllCallsFail ||
+           way == Way::TwoFail;
+}
+
+// A failure with which nothing is changed has changed nothing, but that a switch has hidden the recovery
+// partition and given it a letter; one after which a program goes on has moved the flag. That questions
+// change nothing is a rule of its own.
+void Checks::TrueAdvice() {
+    if (!Done().changesPc || !Fails() || !FailsWithoutEffect(disturbance_.way)) return;
+    const Advice advice = FindMeaning(Done().results, outcome_.result)->after.advice;
+    std::set<std::string> untrue;
+    if (advice == Advice::Retry || advice == Advice::GiveUp) {
+        untrue = Differences(outcome_.after, outcome_.start);
+        if (IsSwitch(Done())) {
+            untrue.erase("letter");
+            untrue.erase("type");
+        }
+    } else if (advice == Advice::GoOn &&
+               ActiveFlags(outcome_.after) != ActiveFlags(reference_.undisturbed.after)) {
+        untrue = {"active flag"};
+    }
+    if (untrue.empty()) return;
+    Breach("the advice is true", ToText(outcome_.result) + ", " + NameOf(advice) + ": " + Joined(untrue));
+}
+
 std::vector<Finding> Checks::Findings() {
     ListedResult();
     if (!outcome_.thrown.empty()) return findings_;
@@ -263,6 +291,7 @@ std::vector<Finding> Checks::Findings() {
     Success();
     Answer();
     WayBack();
+    TrueAdvice();
     return findings_;
 }
 

@@ -61,6 +61,7 @@ Outcome Run(const machine::Pc& pc, const Task& task, const Disturbance& disturba
         Prepare(object, task);
         if (disturbance.way == Way::None) outcome.preparation = NamesOf(emulated.journal);
         emulated.journal.Clear();
+        outcome.start = emulated.facts;
         try {
             outcome.result = task.operation->invoke(object, task.arguments, outcome.outputs);
         } catch (const std::exception& thrown) {

@@ -29,6 +29,7 @@ struct Outcome {
     std::vector<std::string> calls = {};         // those of the operation
     std::optional<LogEntry> closingRecord = {};  // the last one; none: the operation wrote nothing
     std::optional<Site> site = {};               // none: no fault met a call
+    machine::Pc start = {};                      // after what comes before the operation
     machine::Pc after = {};
     bool moduleStaysCurrent = false;
     // After a switch: the result of SetSystemActive without faults, and the PC that it leaves.

@@ -2,11 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
+#include <sstream>
+
 #include "machine/calls/call_table.h"
 #include "tests/support/program/program.h"
 
 namespace {
 
+using nlohmann::json;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -553,6 +557,24 @@ TEST_F(Lists, Calls_InJson_NameEveryCallOfTheEmulatedPc) {
               "' calls --json | sed -E 's/.*\"call\":\"([^\"]*)\",.*\"changesPc\":([a-z]*),.*/\\1 \\2/'")
             .output,
         expected);
+}
+
+TEST_F(Lists, Operations_EachFailure_SaysWhatToDo) {
+    std::istringstream lines(Kestova("operations --json").output);
+    int failures = 0;
+    for (std::string line; std::getline(lines, line);) {
+        const json operation = json::parse(line);
+        for (const json& result : operation["results"]) {
+            SCOPED_TRACE(operation["operation"].get<std::string>() + " " + result["name"].get<std::string>());
+            const std::string advice = result["advice"];
+            EXPECT_EQ(result["failure"], !advice.empty());
+            if (advice == "undo" || advice == "go-on") EXPECT_NE(result["remedy"], "");
+            failures += result["failure"] ? 1 : 0;
+        }
+    }
+    EXPECT_GT(failures, 40);
+    EXPECT_THAT(Kestova("operations --json").output,
+                HasSubstr(R"("name":"RECORD_NOT_WRITTEN","advice":"retry","remedy":""},{"value":5,)"));
 }
 
 TEST_F(Lists, Calls_EachKindOfFailure_HasItsWords) {

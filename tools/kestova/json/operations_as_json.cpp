@@ -28,8 +28,18 @@ static Json ToJson(const Trace& trace) {
 static Json ToJson(const Meaning& meaning) {
     return {{"value", ToJson(meaning.value)},
             {"words", meaning.words},
-            {"failure", meaning.failure},
+            {"failure", meaning.after.advice != Advice::None},
             {"name", meaning.name}};
+}
+
+static Json ResultsAsJson(const std::vector<Meaning>& results) {
+    Json json = Json::array();
+    for (const Meaning& result : results) {
+        json.push_back(ToJson(result));
+        json.back()["advice"] = NameOf(result.after.advice);
+        json.back()["remedy"] = result.after.remedy;
+    }
+    return json;
 }
 
 static const char* KindName(Kind kind) {
@@ -61,7 +71,7 @@ static Json ToJson(const Operation& operation) {
     return {{"operation", operation.name},
             {"summary", operation.summary},
             {"parameters", ListOf(operation.parameters)},
-            {"results", ListOf(operation.results)},
+            {"results", ResultsAsJson(operation.results)},
             {"otherwise", operation.otherwise},
             {"changesPc", operation.changesPc},
             {"waits", operation.waits}};

@@ -181,6 +181,8 @@ constexpr OutputKey operationsKeys[] = {
     {"results[].words", "string", "its meaning"},
     {"results[].failure", "boolean", "whether it is a failure"},
     {"results[].name", "string", "by which programs call it"},
+    {"results[].advice", "string", "after a failure: retry, give-up, undo or go-on; else empty"},
+    {"results[].remedy", "string", "what the advice leaves open, if it does"},
     {"otherwise", "string", "any other result in words"},
     {"changesPc", "boolean", "whether it can change the PC"},
     {"waits", "string", "how long it can wait for others; empty if it does not"},

@@ -5,13 +5,20 @@
 
 namespace {
 
+constexpr After lookAtConditions{Advice::GiveUp,
+                                 "what a partition must be and hold: docs/recovery-partitions.md"};
+constexpr After recordStays{
+    Advice::GoOn,
+    "the PC starts from the partition that was asked for; SystemVolume.ini stays, and asking again deletes it"};
+
 // Common results of the operations that switch the active partition.
-const Meaning noActivePartition{1, "NO_ACTIVE_PARTITION", "no active partition could be read", true};
+const Meaning noActivePartition{1, "NO_ACTIVE_PARTITION", "no active partition could be read", retry};
 const Meaning unknownActivePartition{2, "UNKNOWN_ACTIVE_PARTITION",
-                                     "the number of the active partition is unknown", true};
+                                     "the number of the active partition is unknown", retry};
 const Meaning noRecoveryPartition{
     3, "NO_RECOVERY_FILES",
-    "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files", true};
+    "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files",
+    lookAtConditions};
 
 }  // namespace
 
@@ -26,9 +33,9 @@ std::vector<Operation> BootOperations() {
                      noActivePartition,
                      unknownActivePartition,
                      noRecoveryPartition,
-                     {4, "RECORD_NOT_WRITTEN", "the record could not be written", true},
+                     {4, "RECORD_NOT_WRITTEN", "the record could not be written", retry},
                      {5, "FLAG_NOT_SET", "the flag could not be set; setting the former one again was tried",
-                      true}},
+                      compareActive}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetRcvprtActive(); }},
 
@@ -41,8 +48,8 @@ std::vector<Operation> BootOperations() {
                      noActivePartition,
                      unknownActivePartition,
                      noRecoveryPartition,
-                     {4, "FLAG_NOT_SET", "the flag could not be set", true},
-                     {5, "RECORD_NOT_DELETED", "the record could not be deleted", true}},
+                     {4, "FLAG_NOT_SET", "the flag could not be set", compareActive},
+                     {5, "RECORD_NOT_DELETED", "the record could not be deleted", recordStays}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetSystemActive(); }},
 
@@ -52,10 +59,14 @@ std::vector<Operation> BootOperations() {
                      noActivePartition,
                      unknownActivePartition,
                      noRecoveryPartition,
-                     {4, "RECORD_NOT_WRITTEN", "the record could not be written", true},
+                     {4, "RECORD_NOT_WRITTEN", "the record could not be written", retry},
                      {5, "FLAG_NOT_SET", "the flag could not be set; setting the former one again was tried",
-                      true},
-                     {6, "RECORD_NOT_DROPPED", "the record could not be dropped", true}},
+                      compareActive},
+                     {6, "RECORD_NOT_DROPPED", "the record could not be dropped",
+                      After{
+                          Advice::GoOn,
+                          "the PC starts from the partition that was asked for; SystemVolume.ini stays, and "
+                          "means what none would"}}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetPOneActive(); }},
 
@@ -63,11 +74,12 @@ std::vector<Operation> BootOperations() {
          .summary = "Makes partition 2 active and deletes the record.",
          .results =
              {{0, "DONE", "done"},
-              {1, "FLAG_NOT_SET", "the flag could not be set; setting partition 1 again was tried", true},
+              {1, "FLAG_NOT_SET", "the flag could not be set; setting partition 1 again was tried",
+               compareActive},
               {2, "NO_RECOVERY_FILES",
                "the recovery partition cannot be used: no letter, an unexpected type, or no recovery files",
-               true},
-              {3, "RECORD_NOT_DELETED", "the record could not be deleted", true}},
+               After{Advice::GoOn, "the PC starts from partition 2; SystemVolume.ini was not looked for"}},
+              {3, "RECORD_NOT_DELETED", "the record could not be deleted", recordStays}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.SetPTwoActive(); }},
     };

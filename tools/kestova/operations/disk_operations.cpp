@@ -3,13 +3,13 @@
 #include "tools/kestova/operations/operation_tables.h"
 
 std::vector<Operation> DiskOperations() {
-    const Meaning no{0, "NO", "no, or it could not be told", false, vague};
+    const Meaning no{0, "NO", "no, or it could not be told", {}, vague};
     return {
         {.name = "Initialize",
          .summary = "Prepares COM security and loads the Virtual Disk Service.",
          .parameters = {{.name = "reserved", .kind = Kind::Flag, .words = "without effect"}},
          .results = {{1, "READY", "the service is ready"},
-                     {0, "NOT_LOADED", "the service could not be loaded in 20 attempts", true}},
+                     {0, "NOT_LOADED", "the service could not be loaded in 20 attempts", retry}},
          .waits = "up to 20 attempts to load the service, one second apart",
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.Initialize(std::get<bool>(ValueOf(arguments, "reserved")));
@@ -17,7 +17,7 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "GetFirstInternalDriveNumber",
          .summary = "Which disk is the first internal one.",
-         .results = {{-1, "NONE", "there is none, or it could not be told", true, vague}},
+         .results = {{-1, "NONE", "there is none, or it could not be told", retry, vague}},
          .otherwise = "the number of the disk",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.GetFirstInternalDriveNumber();
@@ -28,11 +28,11 @@ std::vector<Operation> DiskOperations() {
          .parameters = {{.name = "style",
                          .words = "the style",
                          .output = true,
-                         .meanings = {{0, "UNKNOWN", "unknown, or not to be read", false, vague},
+                         .meanings = {{0, "UNKNOWN", "unknown, or not to be read", {}, vague},
                                       {1, "MBR", "MBR"},
                                       {2, "GPT", "GPT"}}}},
          .results = {{1, "ASKED", "asked; the style tells the rest"},
-                     {0, "NO_VOLUME_LAYER", "there is no volume layer", true}},
+                     {0, "NO_VOLUME_LAYER", "there is no volume layer", makeAnother}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              THardDiskType style = HARD_DISK_UNKNOWN;
              const int result = object.GetDiskStyle(style);
@@ -45,7 +45,7 @@ std::vector<Operation> DiskOperations() {
          .parameters = {{.name = "type",
                          .words = "the layout",
                          .output = true,
-                         .meanings = {{0, "UNKNOWN", "unknown", false, vague},
+                         .meanings = {{0, "UNKNOWN", "unknown", {}, vague},
                                       {1, "GPT_ESP", "GPT, partition 3 is the EFI system partition"},
                                       {2, "GPT_OTHER", "GPT, partition 3 is not the EFI system partition"},
                                       {3, "MBR_SYSTEM_RESERVED",
@@ -66,13 +66,13 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "IsEFIBootSystem",
          .summary = "Whether the firmware is UEFI.",
-         .results = {{1, "UEFI", "UEFI"}, {0, "BIOS", "BIOS", false, vague}},
+         .results = {{1, "UEFI", "UEFI"}, {0, "BIOS", "BIOS", {}, vague}},
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsEFIBootSystem(); }},
 
         {.name = "GetDriveLetter",
          .summary = "The letter of a partition.",
          .parameters = {disk, partition},
-         .results = {{"0", "NONE", "it has none", true, vague}},
+         .results = {{"0", "NONE", "it has none", retry, vague}},
          .otherwise = "its letter",
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return LetterText(
@@ -99,7 +99,7 @@ std::vector<Operation> DiskOperations() {
         {.name = "SetBIOSHibernationPartitionID",
          .summary = "Makes an MBR partition of the first internal disk the BIOS's hibernation partition.",
          .parameters = {partition},
-         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", true}},
+         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", retry}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.SetBIOSHibernationPartitionID(Number(arguments, "partition"));
@@ -107,7 +107,7 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "GetActivePartitionNumber",
          .summary = "Which partition of the first internal disk is active.",
-         .results = {{-1, "NONE", "there is none, or it could not be told", true, vague}},
+         .results = {{-1, "NONE", "there is none, or it could not be told", retry, vague}},
          .otherwise = "the number of the partition",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.GetActivePartitionNumber();
@@ -117,7 +117,7 @@ std::vector<Operation> DiskOperations() {
          .summary =
              "Sets the active flag of an MBR partition of the first internal disk; clears no other flag itself.",
          .parameters = {partition},
-         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", true}},
+         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", compareActive}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values& arguments, Values&) -> Value {
              return object.SetActive(Number(arguments, "partition"));
@@ -125,7 +125,7 @@ std::vector<Operation> DiskOperations() {
 
         {.name = "ClearActive",
          .summary = "Clears every active flag of the first internal disk.",
-         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", true}},
+         .results = {{0, "DONE", "done"}, {1, "FAILED", "failed", compareActive}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.ClearActive(); }},
     };

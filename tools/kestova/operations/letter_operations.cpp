@@ -4,15 +4,15 @@
 
 namespace {
 
-const Meaning removeFailed{105, "LETTER_NOT_TAKEN", "the letter could not be taken", true};
+const Meaning removeFailed{105, "LETTER_NOT_TAKEN", "the letter could not be taken", retry};
 
 // Common results of the two operations that give partition 1 or 3 a letter.
-std::vector<Meaning> ActivationResults(const char* wrongType) {
+std::vector<Meaning> ActivationResults(const char* wrongType, const char* takeBack) {
     return {{0, "DONE", "done"},
-            {101, "TYPE_NOT_READ", "the type could not be read", true},
-            {104, "NO_LETTER", "the partition has no letter all the same", true},
-            {105, "LETTER_NOT_GIVEN", "the letter could not be given", true},
-            {113, "OTHER_TYPE", wrongType, true}};
+            {101, "TYPE_NOT_READ", "the type could not be read", retry},
+            {104, "NO_LETTER", "the partition has no letter all the same", {Advice::Undo, takeBack}},
+            {105, "LETTER_NOT_GIVEN", "the letter could not be given", retry},
+            {113, "OTHER_TYPE", wrongType, giveUp}};
 }
 
 }  // namespace
@@ -24,7 +24,8 @@ std::vector<Operation> LetterOperations() {
         {.name = "ActiveOrvoBootPartition",
          .summary = "Gives the maker's boot partition, number 1, a letter.",
          .parameters = {given},
-         .results = ActivationResults("partition 1 is not the maker's boot partition"),
+         .results = ActivationResults("partition 1 is not the maker's boot partition",
+                                      "DisableOrvoBootPartition takes a letter that was given"),
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithLetter(outputs, [&](WCHAR& put) { return object.ActiveOrvoBootPartition(put); });
@@ -41,7 +42,8 @@ std::vector<Operation> LetterOperations() {
         {.name = "ActiveGPTSystemPartition",
          .summary = "Gives the EFI system partition, number 3, a letter.",
          .parameters = {given},
-         .results = ActivationResults("partition 3 is not the EFI system partition"),
+         .results = ActivationResults("partition 3 is not the EFI system partition",
+                                      "DisableGPTSystemPartition takes a letter that was given"),
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithLetter(outputs, [&](WCHAR& put) { return object.ActiveGPTSystemPartition(put); });
@@ -93,7 +95,7 @@ std::vector<Operation> LetterOperations() {
 
         {.name = "IsExistRcvprt",
          .summary = "Whether there is a recovery partition; it keeps the letter that it is given.",
-         .results = {{1, "YES", "yes"}, {0, "NO", "no, or it could not be given a letter", false, vague}},
+         .results = {{1, "YES", "yes"}, {0, "NO", "no, or it could not be given a letter", {}, vague}},
          .changesPc = true,
          .invoke = [](Kestova& object, const Values&, Values&) -> Value { return object.IsExistRcvprt(); }},
     };

@@ -5,7 +5,7 @@
 std::vector<Operation> MediaOperations() {
     const Parameter letter{.name = "letter", .kind = Kind::Letter, .words = "a drive letter"};
     const Meaning yes{1, "YES", "yes"};
-    const Meaning no{0, "NO", "no", false, vague};
+    const Meaning no{0, "NO", "no", {}, vague};
     return {
         {.name = "GetFactoryPrtDriveLetter",
          .summary = "The letter of the first volume labelled \"Factory\".",
@@ -17,7 +17,7 @@ std::vector<Operation> MediaOperations() {
 
         {.name = "GetRCVDISC",
          .summary = "The letter of the first recovery disc.",
-         .results = {{"0", "NONE", "there is none", true, vague}},
+         .results = {{"0", "NONE", "there is none", retry, vague}},
          .otherwise = "its letter",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return LetterText(object.GetRCVDISC());
@@ -25,7 +25,7 @@ std::vector<Operation> MediaOperations() {
 
         {.name = "GetRCVUFD",
          .summary = "The letter of the first recovery USB flash drive.",
-         .results = {{"0", "NONE", "there is none", true, vague}},
+         .results = {{"0", "NONE", "there is none", retry, vague}},
          .otherwise = "its letter",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return LetterText(object.GetRCVUFD());
@@ -49,7 +49,7 @@ std::vector<Operation> MediaOperations() {
 
         {.name = "IsCachePartitionForExpCacheExist",
          .summary = "Whether the second internal disk bears the cache partition.",
-         .results = {yes, {0, "NO", "no, or it could not be told", false, vague}},
+         .results = {yes, {0, "NO", "no, or it could not be told", {}, vague}},
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.IsCachePartitionForExpCacheExist();
          }},

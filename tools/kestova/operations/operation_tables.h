@@ -16,6 +16,14 @@ std::vector<Operation> BootOperations();
 // Of a meaning: also the answer if a call failed on the way to another one.
 inline constexpr bool vague = true;
 
+inline constexpr After retry{Advice::Retry};
+inline constexpr After giveUp{Advice::GiveUp};
+inline constexpr After makeAnother{Advice::GiveUp,
+                                   "the object was made while memory had run out: make another one"};
+inline constexpr After compareActive{
+    Advice::Undo,
+    "if GetActivePartitionNumber no longer answers the number from before, give that to SetActive"};
+
 inline const Parameter disk{.name = "disk", .words = "number of a disk, from 0"};
 inline const Parameter partition{.name = "partition", .words = "number of a partition, from 1"};
 
@@ -42,5 +50,5 @@ inline Parameter LetterOutput(const char* words, const char* none, bool noneIsVa
             .kind = Kind::Letter,
             .words = words,
             .output = true,
-            .meanings = {{"0", "NONE", none, false, noneIsVague}}};
+            .meanings = {{"0", "NONE", none, {}, noneIsVague}}};
 }

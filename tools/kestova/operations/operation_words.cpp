@@ -127,7 +127,23 @@ const Meaning* FindMeaning(const std::vector<Meaning>& meanings, const Value& va
 
 bool IsFailure(const Operation& operation, const Value& result) {
     const Meaning* const meaning = FindMeaning(operation.results, result);
-    return meaning != nullptr && meaning->failure;
+    return meaning != nullptr && meaning->after.advice != Advice::None;
+}
+
+const char* NameOf(Advice advice) {
+    switch (advice) {
+        case Advice::None:
+            return "";
+        case Advice::Retry:
+            return "retry";
+        case Advice::GiveUp:
+            return "give-up";
+        case Advice::Undo:
+            return "undo";
+        case Advice::GoOn:
+            break;
+    }
+    return "go-on";
 }
 
 std::string WordsOf(const Value& value, const std::vector<Meaning>& meanings, const char* otherwise) {

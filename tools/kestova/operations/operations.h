@@ -20,12 +20,29 @@ struct TwoOutcomes {
     const char* without = "";
 };
 
+// What a program does after a failure.
+enum class Advice {
+    None,    // it is no failure
+    Retry,   // nothing is changed, and the cause may pass: ask again; the same result once more is the answer
+    GiveUp,  // nothing is changed, and asking again changes nothing before the PC or the program does
+    Undo,    // something may be changed: the remedy says how to see it and to take it back
+    GoOn,    // what was asked for is done; the remedy says what is left over
+};
+
+// By which programs know it; empty for none.
+const char* NameOf(Advice advice);
+
+struct After {
+    Advice advice = Advice::None;
+    const char* remedy = "";  // what the advice leaves open; empty: nothing
+};
+
 // A value in words.
 struct Meaning {
     Value value;
     const char* name = "";  // by which programs call it, in capitals
     const char* words = "";
-    bool failure = false;
+    After after = {};    // a failure has one
     bool vague = false;  // also the answer if a call failed on the way to another one
     TwoOutcomes outcomes = {};
 };

@@ -8,10 +8,7 @@ namespace {
 
 std::vector<Parameter> PlaceOutputs() {
     return {
-        {.name = "disk",
-         .words = "its disk",
-         .output = true,
-         .meanings = {{-1, "NONE", "none", false, vague}}},
+        {.name = "disk", .words = "its disk", .output = true, .meanings = {{-1, "NONE", "none", {}, vague}}},
         {.name = "partition", .words = "its partition", .output = true, .meanings = {{-1, "NONE", "none"}}},
         LetterOutput("its letter", "none")};
 }
@@ -56,14 +53,14 @@ std::vector<Operation> WindowsOperations() {
     return {
         {.name = "IsExistEncryptVolume",
          .summary = "Whether BitLocker can be asked.",
-         .results = {{1, "YES", "it can, even if it encrypts nothing"}, {0, "NO", "it cannot", false, vague}},
+         .results = {{1, "YES", "it can, even if it encrypts nothing"}, {0, "NO", "it cannot", {}, vague}},
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
              return object.IsExistEncryptVolume();
          }},
 
         {.name = "GetEncryptVolume",
          .summary = "The letter of the only encrypted volume.",
-         .results = {{"0", "NONE", "there are none, or several, or BitLocker cannot be asked", true, vague},
+         .results = {{"0", "NONE", "there are none, or several, or BitLocker cannot be asked", retry, vague},
                      {std::string(1, '\0'), "NO_LETTER", "it has no letter"}},
          .otherwise = "its letter",
          .invoke = [](Kestova& object, const Values&, Values&) -> Value {
@@ -82,18 +79,18 @@ std::vector<Operation> WindowsOperations() {
                          .words = "characters that the buffer has room for, with the terminator",
                          .standard = 33}},
          .results = {{1, "ASKED", "BitLocker was asked"},
-                     {0, "NOT_ASKED", "BitLocker cannot be asked", true, vague}},
+                     {0, "NOT_ASKED", "BitLocker cannot be asked", retry, vague}},
          .invoke = GetAllEncryptVolume},
 
         {.name = "GetBitLockerSystemInfo",
          .summary = "Where the EFI system partition is; its letter is never looked up.",
          .parameters = PlaceOutputs(),
          .results = {{0, "ASKED", "asked; the outputs tell the rest"},
-                     {100, "NO_INTERNAL_DISK", "there is no internal disk", true, vague},
-                     {106, "STYLE_UNKNOWN", "the partition style is unknown", true, vague},
-                     {111, "STYLE_NOT_READ", "the partition style could not be read", true, vague},
-                     {115, "TYPE_NOT_READ", "the type of partition 3 could not be read", true, vague},
-                     {116, "NO_VOLUME_LAYER", "there is no volume layer", true, vague}},
+                     {100, "NO_INTERNAL_DISK", "there is no internal disk", retry, vague},
+                     {106, "STYLE_UNKNOWN", "the partition style is unknown", retry, vague},
+                     {111, "STYLE_NOT_READ", "the partition style could not be read", retry, vague},
+                     {115, "TYPE_NOT_READ", "the type of partition 3 could not be read", retry, vague},
+                     {116, "NO_VOLUME_LAYER", "there is no volume layer", makeAnother, vague}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
                  return object.GetBitLockerSystemInfo(onDisk, number, letter);
@@ -104,9 +101,10 @@ std::vector<Operation> WindowsOperations() {
          .summary = "Where the installed Windows is, on a GPT disk with an EFI system partition.",
          .parameters = PlaceOutputs(),
          .results = {{0, "FOUND", "found"},
-                     {104, "NO_LETTER", "its partition has no letter, or the layout is another", true, vague},
-                     {110, "NO_WINDOWS", "its partition holds no Windows", true, vague},
-                     {111, "STYLE_UNKNOWN", "the partition style is unknown or could not be read", true,
+                     {104, "NO_LETTER", "its partition has no letter, or the layout is another", retry,
+                      vague},
+                     {110, "NO_WINDOWS", "its partition holds no Windows", retry, vague},
+                     {111, "STYLE_UNKNOWN", "the partition style is unknown or could not be read", retry,
                       vague}},
          .invoke = [](Kestova& object, const Values&, Values& outputs) -> Value {
              return WithPlace(outputs, [&](int& onDisk, int& number, WCHAR& letter) {
@@ -125,7 +123,8 @@ std::vector<Operation> WindowsOperations() {
                          .words = "records that there is room for",
                          .standard = 26}},
          .results = {{1, "DONE", "done"},
-                     {0, "FAILED", "something failed, or there was no room for all records", true, vague}},
+                     {0, "FAILED", "something failed, or there was no room for all records",
+                      After{Advice::Retry, "with room for 26 records, one for each letter"}, vague}},
          .waits = "up to 61.8 seconds for the program reg",
          .invoke = GetWinDriveLetters},
     };
