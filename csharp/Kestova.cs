@@ -111,7 +111,7 @@ namespace Kestova
         /// <summary>Done.</summary>
         Done = 0,
         /// <summary>Failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from
-        /// before, give that to SetActive.</summary>
+        /// before, call ClearActive, then SetActive with it.</summary>
         Failed = 1
     }
 
@@ -121,7 +121,7 @@ namespace Kestova
         /// <summary>Done.</summary>
         Done = 0,
         /// <summary>Failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from
-        /// before, give that to SetActive.</summary>
+        /// before, call ClearActive, then SetActive with it.</summary>
         Failed = 1
     }
 
@@ -261,7 +261,8 @@ namespace Kestova
         /// <summary>The record could not be written; a failure: retry.</summary>
         RecordNotWritten = 4,
         /// <summary>The flag could not be set; setting the former one again was tried; a failure: undo, if
-        /// GetActivePartitionNumber no longer answers the number from before, give that to SetActive.</summary>
+        /// GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+        /// with it.</summary>
         FlagNotSet = 5
     }
 
@@ -278,7 +279,7 @@ namespace Kestova
         /// failure: give-up, what a partition must be and hold: docs/recovery-partitions.md.</summary>
         NoRecoveryFiles = 3,
         /// <summary>The flag could not be set; a failure: undo, if GetActivePartitionNumber no longer answers the
-        /// number from before, give that to SetActive.</summary>
+        /// number from before, call ClearActive, then SetActive with it.</summary>
         FlagNotSet = 4,
         /// <summary>The record could not be deleted; a failure: go-on, the PC starts from the partition that was
         /// asked for; SystemVolume.ini stays, and asking again deletes it.</summary>
@@ -300,7 +301,8 @@ namespace Kestova
         /// <summary>The record could not be written; a failure: retry.</summary>
         RecordNotWritten = 4,
         /// <summary>The flag could not be set; setting the former one again was tried; a failure: undo, if
-        /// GetActivePartitionNumber no longer answers the number from before, give that to SetActive.</summary>
+        /// GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+        /// with it.</summary>
         FlagNotSet = 5,
         /// <summary>The record could not be dropped; a failure: go-on, the PC starts from the partition that was
         /// asked for; SystemVolume.ini stays, and means what none would.</summary>
@@ -313,7 +315,8 @@ namespace Kestova
         /// <summary>Done.</summary>
         Done = 0,
         /// <summary>The flag could not be set; setting partition 1 again was tried; a failure: undo, if
-        /// GetActivePartitionNumber no longer answers the number from before, give that to SetActive.</summary>
+        /// GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+        /// with it.</summary>
         FlagNotSet = 1,
         /// <summary>The recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a
         /// failure: go-on, the PC starts from partition 2; SystemVolume.ini was not looked for.</summary>

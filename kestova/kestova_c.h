@@ -287,8 +287,8 @@ KESTOVA_C_API int KESTOVA_CALL kestova_get_active_partition_number(kestova *hand
 enum kestova_set_active_result {
     /* done */
     KESTOVA_SET_ACTIVE_DONE = 0,
-    /* failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from before, give
-     * that to SetActive */
+    /* failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from before, call
+     * ClearActive, then SetActive with it */
     KESTOVA_SET_ACTIVE_FAILED = 1
 };
 
@@ -300,8 +300,8 @@ KESTOVA_C_API int KESTOVA_CALL kestova_set_active(kestova *handle, int partition
 enum kestova_clear_active_result {
     /* done */
     KESTOVA_CLEAR_ACTIVE_DONE = 0,
-    /* failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from before, give
-     * that to SetActive */
+    /* failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from before, call
+     * ClearActive, then SetActive with it */
     KESTOVA_CLEAR_ACTIVE_FAILED = 1
 };
 
@@ -556,7 +556,8 @@ enum kestova_switch_result {
     /* the record could not be written; a failure: retry */
     KESTOVA_SWITCH_RECORD_NOT_WRITTEN = 4,
     /* the flag could not be set; setting the former one again was tried; a failure: undo, if
-     * GetActivePartitionNumber no longer answers the number from before, give that to SetActive */
+     * GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+     * with it */
     KESTOVA_SWITCH_FLAG_NOT_SET = 5
 };
 
@@ -574,7 +575,7 @@ enum kestova_switch_back_result {
      * give-up, what a partition must be and hold: docs/recovery-partitions.md */
     KESTOVA_SWITCH_BACK_NO_RECOVERY_FILES = 3,
     /* the flag could not be set; a failure: undo, if GetActivePartitionNumber no longer answers the number
-     * from before, give that to SetActive */
+     * from before, call ClearActive, then SetActive with it */
     KESTOVA_SWITCH_BACK_FLAG_NOT_SET = 4,
     /* the record could not be deleted; a failure: go-on, the PC starts from the partition that was asked for;
      * SystemVolume.ini stays, and asking again deletes it */
@@ -597,7 +598,8 @@ enum kestova_switch_p_one_result {
     /* the record could not be written; a failure: retry */
     KESTOVA_SWITCH_P_ONE_RECORD_NOT_WRITTEN = 4,
     /* the flag could not be set; setting the former one again was tried; a failure: undo, if
-     * GetActivePartitionNumber no longer answers the number from before, give that to SetActive */
+     * GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+     * with it */
     KESTOVA_SWITCH_P_ONE_FLAG_NOT_SET = 5,
     /* the record could not be dropped; a failure: go-on, the PC starts from the partition that was asked for;
      * SystemVolume.ini stays, and means what none would */
@@ -611,7 +613,8 @@ enum kestova_switch_p_two_result {
     /* done */
     KESTOVA_SWITCH_P_TWO_DONE = 0,
     /* the flag could not be set; setting partition 1 again was tried; a failure: undo, if
-     * GetActivePartitionNumber no longer answers the number from before, give that to SetActive */
+     * GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+     * with it */
     KESTOVA_SWITCH_P_TWO_FLAG_NOT_SET = 1,
     /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure:
      * go-on, the PC starts from partition 2; SystemVolume.ini was not looked for */

@@ -85,6 +85,15 @@ class Package(unittest.TestCase):
                                  (9, "The Virtual Disk Service cannot be reached."))
                 self.look_at_log(folder / "Kestova.log")
 
+    def test_CodeOfThePage_OfEachLanguage_Compiles(self):
+        page = (self.root / "docs/integrators.md").read_text()
+        compilers = {"c": "gcc -std=c89 -Wpedantic -x c", "cpp": "g++ -std=c++20 -DUNICODE -D_UNICODE -x c++"}
+        blocks = re.findall(r"^```(c|cpp)\n(.*?)^```$", page, re.M | re.S)
+        self.assertEqual(sorted(language for language, _ in blocks), ["c", "c", "cpp", "cpp"])
+        for language, code in blocks:
+            (self.root / "block").write_text(code)
+            self.run_shell(f"x86_64-w64-mingw32-{compilers[language]} -Wall -Wextra -Werror -I include -fsyntax-only block")
+
     def look_at_log(self, log):
         records = [LINE.fullmatch(line) for line in log.read_text("utf-8").splitlines()]
         self.assertNotIn(None, records)

@@ -22,7 +22,7 @@ inline constexpr After makeAnother{Advice::GiveUp,
                                    "the object was made while memory had run out: make another one"};
 inline constexpr After compareActive{
     Advice::Undo,
-    "if GetActivePartitionNumber no longer answers the number from before, give that to SetActive"};
+    "if GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive with it"};
 
 inline const Parameter disk{.name = "disk", .words = "number of a disk, from 0"};
 inline const Parameter partition{.name = "partition", .words = "number of a partition, from 1"};
