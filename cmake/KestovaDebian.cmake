@@ -28,9 +28,17 @@ install(DIRECTORY ${pages}/ DESTINATION share/man/man1)
 install(FILES ${completions}/bash DESTINATION share/bash-completion/completions RENAME kestova)
 install(FILES ${completions}/zsh DESTINATION share/zsh/vendor-completions RENAME _kestova)
 install(FILES ${completions}/fish DESTINATION share/fish/vendor_completions.d RENAME kestova.fish)
+# For applications and their tests: the library for C, which has described PCs behind it here, and what other languages have
+# over it.
+install(TARGETS KestovaC LIBRARY DESTINATION lib/${CMAKE_LIBRARY_ARCHITECTURE})
+install(FILES kestova/kestova_c.h DESTINATION include/kestova)
+install(FILES csharp/Kestova.cs csharp/Kestova.dll.config DESTINATION share/kestova/csharp)
+install(DIRECTORY python/kestova DESTINATION lib/python3/dist-packages FILES_MATCHING PATTERN *.py PATTERN py.typed)
+install(FILES examples/recovery.c examples/Recovery.cs examples/recovery.py DESTINATION share/doc/kestova/examples)
 kestova_install_licence(share/doc/kestova)
 install(FILES packaging/copyright CHANGELOG.md SECURITY.md THIRD-PARTY.md docs/command-line.md docs/operations.md docs/pc-description.md docs/log.md
-  docs/hazards.md docs/recovery-partitions.md docs/real-pc.md docs/survey.md DESTINATION share/doc/kestova)
+  docs/hazards.md docs/recovery-partitions.md docs/real-pc.md docs/survey.md docs/csharp.md docs/result-codes.md
+  DESTINATION share/doc/kestova)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_KESTOVA_DOCUMENT usr/share/doc/kestova/sbom.spdx.json)

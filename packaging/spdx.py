@@ -20,6 +20,7 @@ import sys
 HEADERS_IN_TOOL = ("libcli11-dev", "nlohmann-json3-dev")
 TOOLS = ("kestova", "kestova.exe")
 PROGRAMS = ("Kestova.dll", "KestovaC.dll", "Logging.dll", *TOOLS)
+LIBRARY_FOR_C = re.compile(r"libkestova-c\.so(\.\d+){3}")
 UNKNOWN = "NOASSERTION"
 
 
@@ -60,10 +61,20 @@ def shared_libraries(program):
     return [file for file in re.findall(r"=> (/\S+)", output_of("ldd", program)) if pathlib.Path(file).name in needed]
 
 
+def has_tool_in_it(program):
+    """The library for C of Linux has the parts of the tool that read descriptions."""
+    return program.name in TOOLS or LIBRARY_FOR_C.fullmatch(program.name) is not None
+
+
+def is_linked(path):
+    """Whether the file is a program or library of the package, and no text or import library."""
+    return (path.name in PROGRAMS and "bin" in path.parts) or LIBRARY_FOR_C.fullmatch(path.name) is not None
+
+
 def linked_packages(program, linker_map):
     """Pairs of a relation and a package."""
     statically = {package_of(file) for file in archives(linker_map)}
-    statically.update(HEADERS_IN_TOOL if program.name in TOOLS else ())
+    statically.update(HEADERS_IN_TOOL if has_tool_in_it(program) else ())
     dynamically = {package_of(file) for file in shared_libraries(program)}
     return sorted([("STATIC_LINK", package) for package in statically] +
                   [("DYNAMIC_LINK", package) for package in dynamically])
@@ -115,7 +126,7 @@ def document(name, version, folder, document_name, loaded, builds):
     relations += [relation(product["SPDXID"], "CONTAINS", entry["SPDXID"]) for entry in files]
     packages = set(loaded)
     for path, entry in zip(paths, files):
-        if path.name not in PROGRAMS or "bin" not in path.parts:
+        if path.is_symlink() or not is_linked(path):
             continue
         for kind, package in linked_packages(path, map_of(path, builds)):
             packages.add(package)

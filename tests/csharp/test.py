@@ -96,8 +96,8 @@ def follow_page(folder):
     page = (ROOT / "docs/csharp.md").read_text()
     (folder / "Switch.cs").write_text(re.search(r"```csharp\n(.*?)```", page, flags=re.DOTALL).group(1))
     commands, said = re.search(r"```\n(mcs .*?)```.*?```\n(.*?)```", page, flags=re.DOTALL).groups()
-    environment = dict(os.environ, KESTOVA=str(ROOT), LIBRARY=os.environ["LD_LIBRARY_PATH"])
-    if run("bash", "-ec", commands, cwd=folder, env=environment) != said:
+    # The test of the Debian package takes the page at its word.
+    if run("bash", "-ec", commands.replace("/usr/share/kestova", str(ROOT)), cwd=folder) != said:
         sys.exit("docs/csharp.md: its program says something else")
 
 
