@@ -69,13 +69,6 @@ ProgressPlace PlaceOfSurvey(const CommandLine& line) {
     return !WritesFile(line) && StandardOutput().isRewritten ? ProgressPlace() : PlaceOfProgress(line);
 }
 
-// What reads a hostile PC can answer anything.
-std::string LineOf(const std::string& pc, const WorkerEnd& end) {
-    if (end.problem.empty() && PcOfLine(end.answer) == pc) return end.answer;
-    const std::string problem = end.problem.empty() ? "its worker answered with something else" : end.problem;
-    return AsJson(SurveyedPc{.pc = pc, .error = problem});
-}
-
 // Whether any PC answers differently than in the survey of --against.
 bool RunSurvey(const CommandLine& line, const SurveyWork& work, const WorkerLimits& limits,
                const std::vector<std::string>& pcs, SurveyResults& results) {
