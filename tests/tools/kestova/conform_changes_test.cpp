@@ -106,6 +106,9 @@ TEST_F(ConformChanges, SamePcTwice_Tried_HasNoDifference) {
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_THAT(outcome.output, HasSubstr("What the documents leave open:\n"));
     EXPECT_THAT(outcome.output, HasSubstr("compared: no differences\n"));
+    EXPECT_THAT(outcome.output,
+                HasSubstr("\nNot asked, since they change the first internal disk or write files: "));
+    EXPECT_THAT(outcome.output, HasSubstr(", GetWinDriveLetters, SetRcvprtActive, "));
 }
 
 // The changing calls are compared like the others.

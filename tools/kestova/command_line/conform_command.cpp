@@ -129,6 +129,7 @@ int Conform(const CommandLine& line) {
     ConformanceReport report = CompareAnswers(here.answers, AskEmulated(line, here.capture));
     report.here = NameOf(line.choice);
     report.emulated = line.arguments.empty() ? "its capture" : line.arguments.front();
+    report.notAsked = NotAskedOperations();
     NoteExpected(expected, report);
     if (makesPage) {
         WriteOutput(Page(line, report, time), files);

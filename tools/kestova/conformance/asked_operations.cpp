@@ -1,5 +1,6 @@
 #include "tools/kestova/conformance/asked_operations.h"
 
+#include <algorithm>
 #include <map>
 
 #include "tools/kestova/common/text.h"
@@ -65,6 +66,16 @@ std::string Text(const Value& value) {
 const std::vector<AskedOperation>& AskedOperations() {
     static const std::vector<AskedOperation> list = MakeList();
     return list;
+}
+
+std::vector<std::string> NotAskedOperations() {
+    std::vector<std::string> names;
+    for (const Operation& operation : Operations()) {
+        if (std::ranges::find(AskedOperations(), &operation, &AskedOperation::operation) ==
+            AskedOperations().end())
+            names.push_back(operation.name);
+    }
+    return names;
 }
 
 std::string AnswerWords(const OperationReport& report) {

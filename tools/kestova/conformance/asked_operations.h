@@ -15,5 +15,8 @@ struct AskedOperation {
 
 const std::vector<AskedOperation>& AskedOperations();
 
+// The others, which change the first internal disk or write to X:, by name.
+std::vector<std::string> NotAskedOperations();
+
 // The result and the outputs: "1, letter \"E\"".
 std::string AnswerWords(const OperationReport& report);

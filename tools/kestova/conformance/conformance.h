@@ -36,7 +36,8 @@ struct ConformanceReport {
     std::vector<ConformanceDifference> differences = {};
     std::vector<std::string> unmet = {};  // differences that were expected, and are none
     std::vector<OpenQuestion> questions = {};
-    std::vector<std::string> left = {};  // of the PC at hand: what could not be put back
+    std::vector<std::string> left = {};      // of the PC at hand: what could not be put back
+    std::vector<std::string> notAsked = {};  // operations
 
     // The number of differences that nobody expected.
     size_t Unexpected() const;

@@ -62,6 +62,11 @@ std::vector<ConformanceTable> TablesOf(const ConformanceReport& report, LongAnsw
     return tables;
 }
 
+std::string NotAskedWords(const ConformanceReport& report) {
+    return "Not asked, since they change the first internal disk or write files: " +
+           Joined(report.notAsked, ", ") + ".";
+}
+
 std::string CountWords(const ConformanceReport& report) {
     const size_t expected = report.differences.size() - report.Unexpected();
     return Count(report.operations, "operation") + " and " + Count(report.calls, "call") + " compared: " +

@@ -18,5 +18,9 @@ enum class LongAnswers { Whole, Cut };
 // Those that have rows, what matters most first.
 std::vector<ConformanceTable> TablesOf(const ConformanceReport& report, LongAnswers answers);
 
+// "Not asked, since they change the first internal disk or write files: SetActive, ClearActive.": what a
+// trial of changes leaves out.
+std::string NotAskedWords(const ConformanceReport& report);
+
 // "55 operations and 1006 calls compared: 3 differences, 1 expected".
 std::string CountWords(const ConformanceReport& report);

@@ -28,5 +28,6 @@ std::string ConformanceText(const ConformanceReport& report, const Terminal& ter
     std::string text;
     for (const ConformanceTable& table : TablesOf(report, LongAnswers::Cut))
         text += TableText(table, terminal);
+    if (!report.questions.empty()) text += NotAskedWords(report) + "\n";
     return text + CountWords(report) + "\n";
 }

@@ -33,5 +33,6 @@ std::string AsJson(const ConformanceReport& report) {
                  {"unexpected", report.Unexpected()},
                  {"unmet", report.unmet},
                  {"questions", ListOf(report.questions)},
-                 {"left", report.left}});
+                 {"left", report.left},
+                 {"notAsked", report.notAsked}});
 }

@@ -249,6 +249,12 @@ constexpr OutputKey conformKeys[] = {
     {"differences[].expected", "string|null", "why it is known, as the file of --expect says"},
     {"unexpected", "integer", "how many differences are not known"},
     {"unmet", "array", "what the file of --expect has and no difference is, in words"},
+    {"questions[].switch", "string", "of a description, that says so; empty if there is none"},
+    {"questions[].question", "string", "what the documents leave open"},
+    {"questions[].here", "string", "the answer, as a description writes it, or in words"},
+    {"questions[].emulated", "string", "the same of the emulated PC"},
+    {"left", "array", "what --changes could not put back, in words"},
+    {"notAsked", "array", "names of operations, which change the first internal disk or write files"},
 };
 
 constexpr OutputKey callsKeys[] = {

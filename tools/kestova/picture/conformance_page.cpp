@@ -9,7 +9,7 @@ namespace {
 constexpr const char* heading = "Kestova report: where two PCs answer differently";
 
 std::string Lead(const ConformanceReport& report) {
-    return report.here + " and " + report.emulated + ": " + CountWords(report) + ".";
+    return report.here + " and " + report.emulated + ": " + CountWords(report) + ". " + NotAskedWords(report);
 }
 
 std::string HtmlTable(const ConformanceTable& table) {
