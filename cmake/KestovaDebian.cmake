@@ -52,7 +52,9 @@ set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "Shows what the partitions of a Windows PC are (recovery, Windows RE, EFI,
 hibernation), which letters they have, and makes the PC boot its recovery
 partition or Windows again: on disk images, virtual disks and disks of this
-computer. What it changes is whole or not there, and can be taken back.")
+computer. What it changes is whole or not there, and can be taken back.
+With the library for C, which has described PCs for the tests of
+applications, and what C# and Python have over it.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Loaded for registry hives and hashes.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libhivex0, libnettle8")
