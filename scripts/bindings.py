@@ -62,6 +62,28 @@ ADVICE = {
 WIDTH = 110
 
 
+# The last record of each result, as the sweep of faults has found it.
+CLOSING_RECORDS = "tests/sweep/closing_records.tsv"
+
+
+def closing_records(root):
+    """Of an operation and a result, "another" for one that has no meaning: its last records."""
+    records = {}
+    for line in (root / CLOSING_RECORDS).read_text().splitlines():
+        if not line.startswith("#"):
+            operation, result, record = line.split("\t")
+            records.setdefault((operation, result), []).append(shown_record(record))
+    return records
+
+
+def shown_record(record):
+    """As the log has it, with values in braces and blanks for tabs: "ERROR Kestova::SetActive End. iRet = {result}"."""
+    level, text = record.split(" ", 1)
+    text = re.sub(r"\{\w+ the (\w+)\}|\{the (\w+)\}", lambda value: "{" + (value[1] or value[2]) + "}", text)
+    text = re.sub(r"^\{string (.*)\}$", r"\1", text).replace("{string }", "{}")
+    return {"1": "ERROR", "4": "TRACE"}[level] + " " + re.sub(r"(\\t)+", " ", text)
+
+
 def snake(name):
     """SetBIOSHibernationPartitionID -> set_bios_hibernation_partition_id."""
     return re.sub(r"(?<=[a-z0-9])(?=[A-Z])|(?<=[A-Z])(?=[A-Z][a-z])", "_", name).lower()
@@ -210,7 +232,10 @@ def main():
     templates.filters.update({name: getattr(csharp_binding, name) for name in ("csharp", "pascal", "documentation")})
     for template, file in FILES.items():
         text = templates.get_template(template).render(
-            operations=operations, outputs=enumerated_outputs(operations), advice=ADVICE
+            operations=operations,
+            outputs=enumerated_outputs(operations),
+            advice=ADVICE,
+            records=closing_records(root),
         )
         (written / file).parent.mkdir(parents=True, exist_ok=True)
         (written / file).write_text(text)
