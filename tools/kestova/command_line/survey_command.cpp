@@ -11,6 +11,7 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/terminal.h"
 #include "tools/kestova/json/as_json.h"
+#include "tools/kestova/json/survey_lines.h"
 #include "tools/kestova/process/interruption.h"
 #include "tools/kestova/survey/survey_inputs.h"
 #include "tools/kestova/survey/surveyed_pc.h"
@@ -69,13 +70,6 @@ ProgressPlace PlaceOfSurvey(const CommandLine& line) {
     return !WritesFile(line) && StandardOutput().isRewritten ? ProgressPlace() : PlaceOfProgress(line);
 }
 
-// What reads a hostile PC can answer anything.
-std::string LineOf(const std::string& pc, const WorkerEnd& end) {
-    if (end.problem.empty() && PcOfLine(end.answer) == pc) return end.answer;
-    const std::string problem = end.problem.empty() ? "its worker answered with something else" : end.problem;
-    return AsJson(SurveyedPc{.pc = pc, .error = problem});
-}
-
 // Whether any PC answers differently than in the survey of --against.
 bool RunSurvey(const CommandLine& line, const SurveyWork& work, const WorkerLimits& limits,
                const std::vector<std::string>& pcs, SurveyResults& results) {
@@ -84,7 +78,7 @@ bool RunSurvey(const CommandLine& line, const SurveyWork& work, const WorkerLimi
     const auto answer = [&](size_t task) { return AsJson(Survey(pcs[task], work)); };
     const auto take = [&](size_t task, const WorkerEnd& end) {
         const std::string& pc = pcs[task];
-        const std::vector<std::string> differences = results.Add(pc, LineOf(pc, end));
+        const std::vector<std::string> differences = results.Add(pc, LineOfWorker(pc, end));
         if (!differences.empty()) progress.Hide();
         for (const std::string& difference : differences)
             ShowMessage(difference);
