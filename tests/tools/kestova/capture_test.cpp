@@ -61,6 +61,13 @@ TEST_F(Capture, MadeAnonymous_HoldsStandIns) {
     EXPECT_EQ(Kestova("--pc captured.json" + question).output, Kestova("--pc winpe-media" + question).output);
 }
 
+// The emulated computer is called "PC", and paths of WMI name it.
+TEST_F(Capture, PathsOfWmi_MadeAnonymous_NameNoComputer) {
+    ASSERT_EQ(Kestova("--pc factory-mbr --anonymous capture -o captured.json").status, 0);
+    EXPECT_THAT(ReadFile("captured.json"), HasSubstr("\"controllers\": "));
+    EXPECT_THAT(ReadFile("captured.json"), Not(HasSubstr("\\\\PC\\")));
+}
+
 TEST_F(Capture, FileOfAnotherKindOrMissingFolder_IsRefused) {
     WriteFile("letter.txt", "Dear Ada");
     EXPECT_EQ(Kestova("--pc factory-mbr capture -o letter.txt").status, 2);
@@ -76,6 +83,9 @@ TEST_F(Capture, FileOfAnotherKindOrMissingFolder_IsRefused) {
 TEST_F(Capture, CallThatFails_FailsInTheDescription) {
     ASSERT_EQ(Kestova("--pc factory-mbr --fail DeviceIoControl=50 capture -o captured.json").status, 0);
     EXPECT_THAT(ReadFile("captured.json"), HasSubstr("\"scsiAddress\": {\n        \"error\": 50"));
+    const Outcome slow = Kestova("--pc factory-mbr --fail IEnumWbemClassObject::Next#1=0x40004 capture");
+    EXPECT_EQ(slow.status, 0);
+    EXPECT_THAT(slow.errors, HasSubstr("the list of Win32_DiskDrive: no answer in 60 s\n"));
     const Outcome without = Kestova("--pc factory-mbr --fail CoCreateInstance=0x80040154 capture");
     EXPECT_EQ(without.status, 0);
     EXPECT_THAT(without.errors, HasSubstr("the Virtual Disk Service is not there: no disk is described"));

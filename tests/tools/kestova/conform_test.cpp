@@ -11,6 +11,7 @@
 #include "machine/journal/emulated_pc.h"
 #include "tests/support/program/program.h"
 #include "tools/kestova/conformance/conformance.h"
+#include "tools/kestova/probes/enumerations.h"
 
 namespace {
 
@@ -217,6 +218,53 @@ TEST(ConformanceProbes, NetworkDrive_IsAskedForItsTypeOnly) {
     EXPECT_EQ(LettersInUse(), WideString(TEXT("CD")));
     EXPECT_EQ(LocalLetters().find(TEXT('N')), WideString::npos);
     EXPECT_EQ(LocalLetters().size(), 25u);
+}
+
+// A provider that hangs is asked no further; every other call is made and compared.
+TEST_F(Conform, ListOfWmiThatNeverAnswers_IsADifferenceOfItsOwn) {
+    ASSERT_EQ(Kestova("--pc winpe-media --save plain.json call IsDynamic").status, 0);
+    json pc = json::parse(ReadFile("plain.json"));
+    pc["faults"] = {{{"call", "IEnumWbemClassObject::Next"}, {"code", "0x40004"}}};
+    WriteFile("slow.json", pc.dump());
+    const json report = json::parse(Kestova("--pc slow.json --json conform plain.json").output);
+    std::set<std::string> answers;
+    for (const json& difference : report["differences"]) {
+        if (difference["name"] != "IEnumWbemClassObject::Next") continue;
+        EXPECT_THAT(difference["operations"], Contains("GetEncryptVolume"));
+        if (!difference["here"].is_null()) answers.insert(difference["here"]);
+    }
+    EXPECT_THAT(answers, ElementsAre("no answer in 60 s"));
+}
+
+// Lists of a service in trouble, which hand out the same object again and again.
+class EndlessObjects final : public IEnumVdsObject {
+  public:
+    explicit EndlessObjects(HRESULT result) : result_(result) {}
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
+    ULONG STDMETHODCALLTYPE Release() override { return --references; }
+    HRESULT STDMETHODCALLTYPE Next(ULONG, IUnknown** objects, ULONG* fetched) override {
+        AddRef();
+        *objects = this;
+        *fetched = 1;
+        return result_;
+    }
+    HRESULT STDMETHODCALLTYPE Skip(ULONG) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reset() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Clone(IEnumVdsObject**) override { return E_NOTIMPL; }
+
+    ULONG references = 1;
+
+  private:
+    HRESULT result_;
+};
+
+TEST(ConformanceLists, ListWithoutAnEnd_IsReadSoFarAndGivenBack) {
+    EndlessObjects list(S_OK);
+    int objects = 0;
+    EXPECT_EQ(ForEachObject(list, [&](IUnknown&) { ++objects; }), S_OK);
+    EXPECT_EQ(objects, longestList);
+    EXPECT_EQ(list.references, 1U);
 }
 
 // The second call of the same kind is compared with the second, and a longer list has calls of its own.

@@ -180,6 +180,32 @@ TEST_F(Recording, OneOperationNamed_Replay_RunsThatOne) {
                 HasSubstr("calls.jsonl: no GetRCVDISC is recorded from there on"));
 }
 
+// A call that many lines have is chosen by its arguments, spelt as in a script.
+TEST_F(Recording, OperationNamedWithArguments_Replay_RunsThatCall) {
+    WriteFile("letters.txt", "GetDriveLetter 0 2\nGetDriveLetter 0 3\nGetDriveLetter 0 2\n");
+    Record("--pc factory-mbr run letters.txt");
+    const Outcome outcome = Kestova("replay calls.jsonl 'GetDriveLetter 0 3' 'GetDriveLetter  0  2'");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(LinesOf(outcome.output),
+                ElementsAre("GetDriveLetter(0, 3) = D: its letter", "GetDriveLetter(0, 2) = C: its letter",
+                            StartsWith("As recorded: 2 operations, ")));
+    const Outcome any = Kestova("replay calls.jsonl GetDriveLetter");
+    EXPECT_THAT(any.output, StartsWith("GetDriveLetter(0, 2) = C: its letter\nAs recorded: 1 operation, "));
+}
+
+TEST_F(Recording, OperationNamedWithArgumentsThatAreNotThere_Replay_IsRefused) {
+    Record("--pc factory-mbr call GetDriveLetter 0 2");
+    for (const auto& [words, message] : std::map<std::string, std::string>{
+             {"'GetDriveLetter 0 4'", "calls.jsonl: no GetDriveLetter 0 4 is recorded from there on"},
+             {"'GetDriveLetter 0'", "GetDriveLetter takes 2 arguments, not 1"},
+             {"'GetDriveLetter 0 x'", "partition: 'x' is not a number"},
+             {"' '", "' ' names no operation"}}) {
+        const Outcome outcome = Kestova("replay calls.jsonl " + words);
+        EXPECT_EQ(outcome.status, 2) << words;
+        EXPECT_THAT(outcome.errors, HasSubstr(message)) << words;
+    }
+}
+
 // The PC that answers has no changes to show.
 TEST_F(Recording, Switch_Replay_ShowsNoChanges) {
     Record("--pc factory-mbr boot recovery");

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/support/program/program.h"
+#include "tools/kestova/json/as_json.h"
 #include "tools/kestova/json/survey_lines.h"
 
 namespace {
@@ -168,6 +169,16 @@ TEST_F(Survey, PcsThatCannotBeRead_AreLinesWithTheirErrors) {
     EXPECT_THAT(outcome.errors, HasSubstr("41 PCs, 3 without a whole answer\n"));
 }
 
+// A pipe that nobody writes would be waited for, and a device that never ends would fill the memory.
+TEST_F(Survey, PipeOrDeviceOfCharacters_IsALineThatSaysSo) {
+    Shell("mkfifo pipe pipe.json pipe.img");
+    const Outcome outcome = Kestova("survey pipe pipe.json pipe.img /dev/zero --script switch.txt --quiet");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(Of(outcome.output, "pc['status'], pc['error']"),
+              "3 pipe: not a regular file\n3 pipe.json: not a regular file\n3 pipe.img: not a regular file\n"
+              "3 /dev/zero: not a regular file\n");
+}
+
 TEST_F(Survey, WorkerThatIsKilled_IsALineWithItsSignal_AndTheOthersAnswer) {
     WriteFile("long.txt", Repeated("SetRcvprtActive", 1000));
     const Outcome outcome =
@@ -283,6 +294,15 @@ TEST_F(Survey, Summary_CountsResultsAndFoldsRecords) {
         ++count;
     EXPECT_THAT(outcome.errors,
                 HasSubstr("\n  " + std::to_string(count) + "   2: the number of the partition\n"));
+}
+
+// What reads a hostile PC could answer in another one's name.
+TEST(SurveyLines, WorkerThatAnswersForAnotherPc_IsALineThatSaysSo) {
+    const std::string own = AsJson(SurveyedPc{.pc = "mine.json", .name = "mine"});
+    EXPECT_EQ(LineOfWorker("mine.json", {.answer = own, .problem = ""}), own);
+    for (const std::string& answer : {AsJson(SurveyedPc{.pc = "other.json"}), std::string("{}\n")})
+        EXPECT_EQ(LineOfWorker("mine.json", {.answer = answer, .problem = ""}),
+                  AsJson(SurveyedPc{.pc = "mine.json", .error = "its worker answered with something else"}));
 }
 
 // A line of a PC with one operation, and these texts of JSON.

@@ -18,6 +18,9 @@ struct LetterAnswer {
     WCHAR letter = 0;
 };
 
+// Behind the name of a list.
+inline constexpr const char* goesOn = " may go on: no more than 256 of it are read";
+
 struct Findings {
     machine::Pc pc;
     std::vector<std::string> notes;                  // what a description cannot say

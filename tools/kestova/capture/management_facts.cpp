@@ -11,6 +11,7 @@
 #include "base/utf.h"
 #include "base/wide_string.h"
 #include "machine/facts/wmi_disks.h"
+#include "tools/kestova/probes/management.h"
 
 namespace {
 
@@ -18,7 +19,6 @@ using Property = std::optional<std::string>;
 
 constexpr const WCHAR* disksNamespace = TEXT("\\\\.\\root\\CIMV2");
 constexpr const WCHAR* encryptionNamespace = TEXT("\\\\.\\root\\CIMV2\\Security\\MicrosoftVolumeEncryption");
-constexpr LONG longestWait = 60'000;  // milliseconds, for one instance
 
 class Namespace {
   public:
@@ -73,17 +73,12 @@ void Namespace::ForEach(const char* className,
     if (FAILED(listed))
         findings_.Fails("IWbemServices::CreateInstanceEnum", className, static_cast<uint32_t>(listed));
     if (FAILED(listed) || !instances) return;
-    while (true) {
-        ComPtr<IWbemClassObject> instance;
-        ULONG returned = 0;
-        const HRESULT result = instances->Next(longestWait, 1, instance.Put(), &returned);
-        if (result == static_cast<HRESULT>(WBEM_E_INVALID_CLASS)) return Absent(className, true);
-        if (FAILED(result) || result == static_cast<HRESULT>(WBEM_S_TIMEDOUT))
-            findings_.Note(std::string("the list of ") + className + " ends with " +
-                           Hex(static_cast<uint32_t>(result), 8));
-        if (FAILED(result) || !instance || returned == 0) return;
-        action(*instance.Get());
-    }
+    const HRESULT end = ForEachInstance(*instances.Get(), action);
+    const std::string list = std::string("the list of ") + className;
+    if (end == static_cast<HRESULT>(WBEM_E_INVALID_CLASS)) return Absent(className, true);
+    if (FAILED(end)) findings_.Note(list + " ends with " + Hex(static_cast<uint32_t>(end), 8));
+    if (end == static_cast<HRESULT>(WBEM_S_TIMEDOUT)) findings_.Note(list + ": " + noAnswer);
+    if (end == S_OK) findings_.Note(list + goesOn);
 }
 
 Property TextOf(IWbemClassObject& instance, const WCHAR* name) {

@@ -16,6 +16,7 @@
 #include "machine/facts/extent_type.h"
 #include "platform/vds.h"
 #include "tools/kestova/capture/open_device.h"
+#include "tools/kestova/probes/enumerations.h"
 
 namespace {
 
@@ -98,14 +99,9 @@ bool ServiceCapture::Succeeds(const char* call, HRESULT result) {
 
 template <typename Action>
 void ServiceCapture::ForEach(const char* list, IEnumVdsObject& objects, Action action) {
-    while (true) {
-        ComPtr<IUnknown> object;
-        ULONG fetched = 0;
-        const HRESULT result = objects.Next(1, object.Put(), &fetched);
-        if (FAILED(result)) findings_.Note(std::string("the list of ") + list + " ends with " + Code(result));
-        if (result != S_OK || !object) return;
-        action(*object.Get());
-    }
+    const HRESULT end = ForEachObject(objects, action);
+    if (FAILED(end)) findings_.Note(std::string("the list of ") + list + " ends with " + Code(end));
+    if (end == S_OK) findings_.Note(std::string("the list of ") + list + goesOn);
 }
 
 ComPtr<IVdsService> ServiceCapture::Service() {

@@ -80,10 +80,12 @@ const std::vector<CommandHelp>& CommandHelps() {
          {{"--image disk.img run script.txt", "a file"}, {"--pc factory-mbr run -", "standard input"}}},
         {"replay",
          "Runs the operations of a recording again; the recording answers in place of the PC, strictly in its order. "
-         "With operations only these are run, from where each of them is recorded. Exit status 1: the library asks, "
+         "With operations only these are run, from where each of them is recorded; one in quotes has its arguments. "
+         "Exit status 1: the library asks, "
          "logs or answers something else than it did; the message names the line.",
          {{"--pc factory-mbr --record calls.jsonl boot recovery", "make one"},
-          {"replay calls.jsonl", "and run it again"}}},
+          {"replay calls.jsonl", "and run it again"},
+          {"replay calls.jsonl \"GetDriveLetter 0 2\"", "only the call with these arguments"}}},
         {"recover",
          "Finishes or takes back a change of an image that a power cut or a failing medium has interrupted. Every "
          "command that changes the image does so first.",

@@ -33,13 +33,18 @@ size_t RunOne(const CommandLine& line, Session& session, const Replay::Operation
     return 1;
 }
 
+// To "GetDriveLetter", whichever arguments it has, or to "GetDriveLetter 0 2".
+bool GoToNamed(Replay& replay, const std::string& named) {
+    const bool hasArguments = named.find(' ') != std::string::npos;
+    return hasArguments ? GoTo(replay, ReadCall(named)) : replay.GoTo(FindOperation(named).name);
+}
+
 // All that follow, or those that are named. Construction comes before and destruction after them.
 size_t RunRecorded(const CommandLine& line, Session& session, Replay& replay) {
     size_t count = 0;
     const std::vector<std::string> named(line.arguments.begin() + 1, line.arguments.end());
     for (const std::string& name : named) {
-        const Operation& operation = FindOperation(name);
-        if (!replay.GoTo(operation.name))
+        if (!GoToNamed(replay, name))
             throw WrongUse(line.arguments[0] + ": no " + name + " is recorded from there on");
         if (const auto next = replay.NextOperation()) count += RunOne(line, session, *next);
     }

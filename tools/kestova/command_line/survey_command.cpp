@@ -11,6 +11,7 @@
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/terminal.h"
 #include "tools/kestova/json/as_json.h"
+#include "tools/kestova/json/survey_lines.h"
 #include "tools/kestova/process/interruption.h"
 #include "tools/kestova/survey/survey_inputs.h"
 #include "tools/kestova/survey/surveyed_pc.h"
@@ -77,7 +78,7 @@ bool RunSurvey(const CommandLine& line, const SurveyWork& work, const WorkerLimi
     const auto answer = [&](size_t task) { return AsJson(Survey(pcs[task], work)); };
     const auto take = [&](size_t task, const WorkerEnd& end) {
         const std::string& pc = pcs[task];
-        const std::vector<std::string> differences = results.Add(pc, LineOf(pc, end));
+        const std::vector<std::string> differences = results.Add(pc, LineOfWorker(pc, end));
         if (!differences.empty()) progress.Hide();
         for (const std::string& difference : differences)
             ShowMessage(difference);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <set>
 
+#include "tools/kestova/json/as_json.h"
 #include "tools/kestova/json/json_values.h"
 #include "tools/kestova/recording/json_line.h"
 
@@ -49,6 +50,12 @@ std::optional<std::string> PcOfLine(const std::string& line) {
         HasTexts(json, {"pc", "name"}) && HasList(json, "operations", {"operation", "meaning"}) &&
         HasList(json, "records", {"text"}) && (!json.contains("error") || HasTexts(json, {"error"}));
     return isLine ? std::optional<std::string>(json["pc"]) : std::nullopt;
+}
+
+std::string LineOfWorker(const std::string& pc, const WorkerEnd& end) {
+    if (end.problem.empty() && PcOfLine(end.answer) == pc) return end.answer;
+    const std::string problem = end.problem.empty() ? "its worker answered with something else" : end.problem;
+    return AsJson(SurveyedPc{.pc = pc, .error = problem});
 }
 
 std::vector<std::string> SurveyDifferences(const std::string& earlier, const std::string& now) {

@@ -8,8 +8,14 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/kestova/survey/workers.h"
+
 // The file of its PC; nothing for a line that is none of a survey, or not whole.
 std::optional<std::string> PcOfLine(const std::string& line);
+
+// The line of that PC from its worker: the worker's own, or one with the reason why there is none. What reads
+// a hostile PC can answer anything.
+std::string LineOfWorker(const std::string& pc, const WorkerEnd& end);
 
 // Where a PC answers differently in two lines: "SetRcvprtActive: result 3 instead of 0", and so on.
 std::vector<std::string> SurveyDifferences(const std::string& earlier, const std::string& now);

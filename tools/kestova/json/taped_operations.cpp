@@ -24,3 +24,7 @@ Values ArgumentsOf(const Operation& operation, const Replay::Operation& recorded
     }
     return ReadArguments(operation, words);
 }
+
+bool GoTo(Replay& replay, const PlannedCall& call) {
+    return replay.GoTo(call.operation->name, ToJson(call.arguments));
+}

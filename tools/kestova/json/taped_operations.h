@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/kestova/operations/operation_watch.h"
+#include "tools/kestova/operations/script.h"
 #include "tools/kestova/recording/replay.h"
 
 // Writes what happens in a session between the platform calls of a recording, or compares it with a replay.
@@ -19,3 +20,6 @@ class TapedOperations final : public OperationWatch {
 
 // The arguments of a recorded operation. Throws WrongUse for those that it does not have.
 Values ArgumentsOf(const Operation& operation, const Replay::Operation& recorded);
+
+// Goes on where that call with these arguments begins. False if none follows.
+bool GoTo(Replay& replay, const PlannedCall& call);

@@ -42,6 +42,12 @@ PlannedCall Plan(const std::vector<std::string>& words) {
 
 }  // namespace
 
+PlannedCall ReadCall(const std::string& line) {
+    const std::vector<std::string> words = Words(line);
+    if (words.empty()) throw WrongUse("'" + line + "' names no operation");
+    return Plan(words);
+}
+
 Access AccessFor(const Operation& operation) {
     return operation.changesPc ? Access::Change : Access::Ask;
 }

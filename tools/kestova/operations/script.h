@@ -18,6 +18,9 @@ struct PlannedCall {
 Access AccessFor(const Operation& operation);
 Access AccessFor(const std::vector<PlannedCall>& calls);
 
+// The call in a line of a script that has one. Throws WrongUse.
+PlannedCall ReadCall(const std::string& line);
+
 // Parses the whole script, of at most 1 MiB; nothing runs before. Throws WrongUse with `name` and the line.
 std::vector<PlannedCall> ReadScript(std::istream& script, const std::string& name);
 

@@ -19,6 +19,18 @@ std::vector<ComPtr<IUnknown>> Next(Probes& probes, const std::string& name, IEnu
 
 }  // namespace
 
+HRESULT ForEachObject(IEnumVdsObject& list, const std::function<void(IUnknown& object)>& action) {
+    for (int position = 0; position < longestList; ++position) {
+        ComPtr<IUnknown> object;
+        ULONG fetched = 0;
+        const HRESULT result = list.Next(1, object.Put(), &fetched);
+        if (result != S_OK) return result;
+        if (!object) return S_FALSE;
+        action(*object.Get());
+    }
+    return S_OK;
+}
+
 std::vector<ComPtr<IUnknown>> ProbeList(Probes& probes, const std::string& name, IEnumVdsObject& list) {
     std::vector<ComPtr<IUnknown>> all;
     for (int position = 1; position <= longestList; ++position) {

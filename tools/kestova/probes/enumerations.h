@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,10 @@
 
 // A service that never ends its list is not asked on and on.
 inline constexpr int longestList = 256;
+
+// Hands each object of a list to the action, at most longestList of them. What ended the list: S_FALSE at its
+// end, the failure of IEnumVdsObject::Next, S_OK where it may go on.
+HRESULT ForEachObject(IEnumVdsObject& list, const std::function<void(IUnknown& object)>& action);
 
 // The objects of a list, each asked for by itself, and once more behind the end.
 std::vector<ComPtr<IUnknown>> ProbeList(Probes& probes, const std::string& name, IEnumVdsObject& list);

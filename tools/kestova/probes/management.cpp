@@ -32,16 +32,36 @@ std::string Words(const VARIANT& value) {
     }
 }
 
-ComPtr<IWbemClassObject> ProbeNext(Probes& probes, const std::string& list, IEnumWbemClassObject& instances) {
-    ComPtr<IWbemClassObject> instance;
+bool TimedOut(HRESULT result) {
+    return result == static_cast<HRESULT>(WBEM_S_TIMEDOUT);
+}
+
+// The library waits without end.
+HRESULT ProbeNext(Probes& probes, const std::string& list, IEnumWbemClassObject& instances,
+                  ComPtr<IWbemClassObject>& instance) {
     ULONG returned = 0;
-    const HRESULT result = instances.Next(static_cast<LONG>(WBEM_INFINITE), 1, instance.Put(), &returned);
-    probes.Add("IEnumWbemClassObject::Next", list + ", 1",
-               HresultWords(result) + ", " + std::to_string(returned) + ", " + Presence(instance.Get()));
-    return instance;
+    const HRESULT result = instances.Next(longestWait, 1, instance.Put(), &returned);
+    const std::string answer =
+        HresultWords(result) + ", " + std::to_string(returned) + ", " + Presence(instance.Get());
+    probes.Add("IEnumWbemClassObject::Next", list + ", 1", TimedOut(result) ? noAnswer : answer,
+               "IEnumWbemClassObject::Next(-1, 1)");
+    return result;
 }
 
 }  // namespace
+
+HRESULT ForEachInstance(IEnumWbemClassObject& list,
+                        const std::function<void(IWbemClassObject& instance)>& action) {
+    for (int position = 0; position < longestList; ++position) {
+        ComPtr<IWbemClassObject> instance;
+        ULONG returned = 0;
+        const HRESULT result = list.Next(longestWait, 1, instance.Put(), &returned);
+        if (FAILED(result) || TimedOut(result)) return result;
+        if (!instance || returned == 0) return static_cast<HRESULT>(WBEM_S_FALSE);
+        action(*instance.Get());
+    }
+    return S_OK;
+}
 
 ComPtr<IWbemServices> ProbeConnection(Probes& probes, const WCHAR* space) {
     ComPtr<IWbemServices> services;
@@ -72,11 +92,13 @@ WmiObjects ProbeInstances(Probes& probes, IWbemServices& services, const WCHAR* 
     WmiObjects all;
     if (!instances) return all;
     while (all.size() < longestList) {
-        ComPtr<IWbemClassObject> next = ProbeNext(probes, list, *instances.Get());
+        ComPtr<IWbemClassObject> next;
+        if (TimedOut(ProbeNext(probes, list, *instances.Get(), next))) return all;
         if (!next) break;
         all.push_back(std::move(next));
     }
-    ProbeNext(probes, list + ", behind the end", *instances.Get());
+    ComPtr<IWbemClassObject> behind;
+    ProbeNext(probes, list + ", behind the end", *instances.Get(), behind);
     return all;
 }
 

@@ -6,11 +6,13 @@ std::string InTrace(const machine::CallRecord& call) {
     return call.call + "(" + Joined(call.arguments, ", ") + ")";
 }
 
-void Probes::Add(const char* call, const std::string& arguments, const std::string& answer) {
+void Probes::Add(const char* call, const std::string& arguments, const std::string& answer,
+                 const std::string& libraryMakes) {
     CallAnswer made{.call = call, .arguments = arguments, .answer = answer};
     for (const machine::JournalEntry& entry : pc_.TakeTrace()) {
         const auto* const record = std::get_if<machine::CallRecord>(&entry);
-        if (record != nullptr && record->call == call) made.inTrace = InTrace(*record);
+        if (record != nullptr && record->call == call)
+            made.inTrace = libraryMakes.empty() ? InTrace(*record) : libraryMakes;
     }
     calls_.push_back(std::move(made));
 }

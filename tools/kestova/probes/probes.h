@@ -24,8 +24,10 @@ class Probes {
   public:
     explicit Probes(OpenedPc& pc) : pc_(pc) {}
 
-    // The answer to a call that has just been made.
-    void Add(const char* call, const std::string& arguments, const std::string& answer);
+    // The answer to a call that has just been made. `libraryMakes` is the call in the trace of the library,
+    // which makes it with other arguments; empty if it does not.
+    void Add(const char* call, const std::string& arguments, const std::string& answer,
+             const std::string& libraryMakes = "");
     std::vector<CallAnswer> Take() { return std::move(calls_); }
 
   private:

@@ -20,12 +20,10 @@ constexpr BYTE extendedTypes[] = {0x05, 0x0F};
 
 std::vector<ComPtr<IUnknown>> ObjectsOf(IEnumVdsObject& list) {
     std::vector<ComPtr<IUnknown>> objects;
-    for (int position = 0; position < longestList; ++position) {
-        ComPtr<IUnknown> object;
-        ULONG fetched = 0;
-        if (list.Next(1, object.Put(), &fetched) != S_OK || !object) break;
-        objects.push_back(std::move(object));
-    }
+    ForEachObject(list, [&](IUnknown& object) {
+        object.AddRef();
+        objects.emplace_back(&object);
+    });
     return objects;
 }
 

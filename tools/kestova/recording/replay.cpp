@@ -95,12 +95,13 @@ std::optional<Replay::Operation> Replay::NextOperation() {
     return Operation{operation_, *arguments};
 }
 
-bool Replay::GoTo(const std::string& operation) {
+bool Replay::GoTo(const std::string& operation, const std::optional<Json>& arguments) {
     const Place begin = next_;
     while (!IsAtEnd()) {
         const Place here = next_;
         const Json line = ParsedLine(TakeLine());
         if (!line.is_object() || line.value("operation", Json()) != operation) continue;
+        if (arguments && line.value("arguments", Json()) != *arguments) continue;
         next_ = here;
         return true;
     }

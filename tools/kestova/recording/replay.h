@@ -29,8 +29,9 @@ class Replay final : public Tape {
     // The operation that begins at the next line; nothing at the end of the recording, and after a
     // difference. A line that begins none is a difference.
     std::optional<Operation> NextOperation();
-    // Goes on where the operation of that name begins that comes next. False if none does.
-    bool GoTo(const std::string& operation);
+    // Goes on where the operation of that name begins that comes next, with these arguments unless any do.
+    // False, and nothing moves, if none does.
+    bool GoTo(const std::string& operation, const std::optional<Json>& arguments = std::nullopt);
     // The first difference, or what is wrong with the file: "trace.jsonl:41: ...". Empty if there is none.
     const std::string& Problem() const { return problem_; }
     size_t Calls() const { return calls_; }
