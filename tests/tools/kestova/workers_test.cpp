@@ -1,4 +1,4 @@
-// The workers of a survey, and what counts of their answers.
+// The processes in which a survey asks its PCs.
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -7,9 +7,6 @@
 
 #include <array>
 
-#include "tools/kestova/command_line/survey_results.h"
-#include "tools/kestova/json/as_json.h"
-#include "tools/kestova/survey/surveyed_pc.h"
 #include "tools/kestova/survey/workers.h"
 
 namespace {
@@ -57,17 +54,6 @@ TEST(Workers, ProgramKilled_EndsItsWorkers) {
     waitpid(program, nullptr, 0);
     EXPECT_EQ(read(ends[0], &byte, 1), 0);
     close(ends[0]);
-}
-
-TEST(Workers, AnswerAboutAnotherPc_IsAProblemOfThePcThatWasAsked) {
-    const std::string own = AsJson(SurveyedPc{.pc = "a.json"});
-    EXPECT_EQ(LineOf("a.json", {.answer = own, .problem = ""}), own);
-    for (const std::string& answer :
-         {AsJson(SurveyedPc{.pc = "b.json"}), std::string("a.json\n"), std::string()}) {
-        const std::string line = LineOf("a.json", {.answer = answer, .problem = ""});
-        EXPECT_EQ(PcOfLine(line), "a.json");
-        EXPECT_THAT(line, testing::HasSubstr("its worker answered with something else"));
-    }
 }
 
 }  // namespace

@@ -5,9 +5,7 @@
 
 #include "tools/kestova/common/errors.h"
 #include "tools/kestova/common/output_file.h"
-#include "tools/kestova/json/as_json.h"
 #include "tools/kestova/recording/json_line.h"
-#include "tools/kestova/survey/surveyed_pc.h"
 
 namespace {
 
@@ -22,12 +20,6 @@ void KeepApart(const OutputFile& output, const CommandLine& line, const std::vec
 }
 
 }  // namespace
-
-std::string LineOf(const std::string& pc, const WorkerEnd& end) {
-    if (end.problem.empty() && PcOfLine(end.answer) == pc) return end.answer;
-    const std::string problem = end.problem.empty() ? "its worker answered with something else" : end.problem;
-    return AsJson(SurveyedPc{.pc = pc, .error = problem});
-}
 
 uint64_t ReadSurvey(
     const std::string& file,

@@ -13,7 +13,6 @@
 
 #include "tools/kestova/command_line/command_line.h"
 #include "tools/kestova/json/survey_lines.h"
-#include "tools/kestova/survey/workers.h"
 
 // Calls `visit` with each line of a survey's file, its PC and where it begins. Returns the length of the
 // whole lines: a last one that was torn off is left out. Throws WrongUse for a file that cannot be read, or
@@ -36,10 +35,6 @@ class EarlierSurvey {
     std::ifstream stream_;
     std::map<std::string, uint64_t> begins_;
 };
-
-// The line of a PC whose worker ended so. What reads a hostile PC can answer anything: only a line about this
-// PC counts.
-std::string LineOf(const std::string& pc, const WorkerEnd& end);
 
 // Standard output or the output could not be written, so that the survey ends.
 struct Unwritable {};

@@ -38,12 +38,13 @@ struct Worker {
 
 // An answer is a whole line, so that a part of one is noticed.
 [[noreturn]] void Work(const std::function<std::string(size_t)>& work, size_t task,
-                       const Descriptor& answering, bool mayBeEnded) {
+                       const Descriptor& answering, pid_t program, bool mayBeEnded) {
     const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
     dup2(null, STDIN_FILENO);  // nobody is there to be asked
     setpgid(0, 0);             // a terminal's signals are for the program that waits
     ForgetInterruption();
     if (mayBeEnded) prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != program) _exit(Failure);  // it ended before that
     try {
         _exit(machine::WriteAll(answering.Number(), work(task)) ? Done : Failure);
     } catch (...) {
@@ -108,9 +109,10 @@ void Pool::Start() {
         throw Failed(std::string("no worker can be started: ") + strerror(errno));
     Worker worker{.task = started_, .answering = Descriptor(ends[0]), .until = Clock::now() + limits_.time};
     const Descriptor answering(ends[1]);
+    const pid_t program = getpid();
     worker.process = fork();
     if (worker.process < 0) throw Failed(std::string("no worker can be started: ") + strerror(errno));
-    if (worker.process == 0) Work(work_, worker.task, answering, limits_.mayBeEnded);
+    if (worker.process == 0) Work(work_, worker.task, answering, program, limits_.mayBeEnded);
     workers_.push_back(std::move(worker));
     ++started_;
 }
