@@ -24,6 +24,8 @@
  * - undo: something may be changed: what follows says how to see it and to take it back;
  * - go-on: what was asked for is done; what follows says what is left over.
  *
+ * docs/result-codes.md has all results in one table, with the last record that each leaves in the log.
+ *
  * This file is made from the table of operations (./dev bindings). */
 #ifndef KESTOVA_C_H
 #define KESTOVA_C_H

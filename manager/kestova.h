@@ -48,8 +48,8 @@ struct tagDeviceData_t {
 // and never thrown: if memory runs out, an operation returns its result of a failure, or that of the step it
 // had reached. COM must be initialised on the calling thread. One object must not be used from two threads at
 // once. A copy shares the objects that its source owns, and the destructor of each frees them: destroy only
-// one of the two. If memory runs out, its maps of drive letters are empty, until GetWinDriveLetters reads
-// them again.
+// one of the two. docs/result-codes.md has what to do after each failure. If memory runs out, its maps of
+// drive letters are empty, until GetWinDriveLetters reads them again.
 class KESTOVA_API Kestova {
   public:
     Kestova();

@@ -18,6 +18,14 @@
  *
  * Nothing here throws. A call that cannot be made answers what the operation answers when it fails.
  *
+ * What to do after a failure stands behind the result:
+ * - retry: nothing is changed, and the cause may pass: ask again; the same result once more is the answer;
+ * - give-up: nothing is changed, and asking again changes nothing before the PC or the program does;
+ * - undo: something may be changed: what follows says how to see it and to take it back;
+ * - go-on: what was asked for is done; what follows says what is left over.
+ *
+ * docs/result-codes.md has all results in one table, with the last record that each leaves in the log.
+ *
  * This file is made from the table of operations (./dev bindings). */
 #ifndef KESTOVA_C_H
 #define KESTOVA_C_H
@@ -60,8 +68,8 @@ enum { KESTOVA_NO_LETTER = '0' };
  * kestova_close. */
 KESTOVA_C_API kestova *KESTOVA_CALL kestova_open(void);
 
-/* Destroys the object, after the call that runs on it has ended. 0 for a handle that is not open, and from within the
- * handle's own log function; else 1. On Windows not to be called while a DLL is loaded or unloaded. */
+/* Destroys the object, after the call that runs on it has ended. 0 for a handle that is not open, and from within a log
+ * function; else 1. On Windows not to be called while a DLL is loaded or unloaded. */
 KESTOVA_C_API int KESTOVA_CALL kestova_close(kestova *handle);
 
 /* --- what went wrong --- */
@@ -71,7 +79,7 @@ enum kestova_problem_code {
     KESTOVA_PROBLEM_FAILED = 1,    /* the call was made, and its result is a failure */
     KESTOVA_PROBLEM_HANDLE = 2,    /* the handle is null or closed */
     KESTOVA_PROBLEM_ARGUMENT = 3,  /* a pointer is null, or a size is not possible */
-    KESTOVA_PROBLEM_BUSY = 4,      /* a call that nobody waits for is still running, or the handle's own log function called */
+    KESTOVA_PROBLEM_BUSY = 4,      /* a call that nobody waits for is still running, or a log function called */
     KESTOVA_PROBLEM_STOPPED = 5,   /* the caller stopped waiting; the call runs on */
     KESTOVA_PROBLEM_MEMORY = 6,    /* memory ran out */
     KESTOVA_PROBLEM_SYSTEM = 7,    /* the thread could not be started, or COM not be initialised */
@@ -116,8 +124,8 @@ KESTOVA_C_API int KESTOVA_CALL kestova_wait(kestova *handle, unsigned int millis
 /* --- the log --- */
 
 /* Receives a record when it is written: its level (1: an error, 4: a trace) and text. Called on the handle's thread,
- * during an operation: it must not call functions of this header with this handle (they answer with
- * KESTOVA_PROBLEM_BUSY), and must return soon, as other handles' records wait for it. */
+ * during an operation. It must return soon, as other handles' records wait for it, and so it can neither call an
+ * operation nor open or close a handle, whichever: that answers with KESTOVA_PROBLEM_BUSY. */
 typedef void(KESTOVA_CALL *kestova_log_function)(void *context, int level, const kestova_char *text);
 
 /* From the next operation on the function receives the records of this handle; null: nobody does. 0 for a handle that
@@ -164,7 +172,7 @@ enum kestova_type {
 enum kestova_initialize_result {
     /* the service is ready */
     KESTOVA_INITIALIZE_READY = 1,
-    /* the service could not be loaded in 20 attempts; a failure */
+    /* the service could not be loaded in 20 attempts; a failure: retry */
     KESTOVA_INITIALIZE_NOT_LOADED = 0
 };
 
@@ -174,7 +182,7 @@ enum kestova_initialize_result {
 KESTOVA_C_API int KESTOVA_CALL kestova_initialize(kestova *handle, int reserved);
 
 enum kestova_get_first_internal_drive_number_result {
-    /* there is none, or it could not be told; a failure */
+    /* there is none, or it could not be told; a failure: retry */
     KESTOVA_GET_FIRST_INTERNAL_DRIVE_NUMBER_NONE = -1
 };
 
@@ -185,7 +193,8 @@ KESTOVA_C_API int KESTOVA_CALL kestova_get_first_internal_drive_number(kestova *
 enum kestova_get_disk_style_result {
     /* asked; the style tells the rest */
     KESTOVA_GET_DISK_STYLE_ASKED = 1,
-    /* there is no volume layer; a failure */
+    /* there is no volume layer; a failure: give-up, the object was made while memory had run out: make
+     * another one */
     KESTOVA_GET_DISK_STYLE_NO_VOLUME_LAYER = 0
 };
 
@@ -223,7 +232,7 @@ enum kestova_is_efi_boot_system_result {
 KESTOVA_C_API int KESTOVA_CALL kestova_is_efi_boot_system(kestova *handle);
 
 enum kestova_get_drive_letter_result {
-    /* it has none; a failure */
+    /* it has none; a failure: retry */
     KESTOVA_GET_DRIVE_LETTER_NONE = '0'
 };
 
@@ -260,7 +269,7 @@ KESTOVA_C_API int KESTOVA_CALL kestova_is_bios_hibernation_partition(kestova *ha
 enum kestova_set_bios_hibernation_partition_id_result {
     /* done */
     KESTOVA_SET_BIOS_HIBERNATION_PARTITION_ID_DONE = 0,
-    /* failed; a failure */
+    /* failed; a failure: retry */
     KESTOVA_SET_BIOS_HIBERNATION_PARTITION_ID_FAILED = 1
 };
 
@@ -269,7 +278,7 @@ enum kestova_set_bios_hibernation_partition_id_result {
 KESTOVA_C_API int KESTOVA_CALL kestova_set_bios_hibernation_partition_id(kestova *handle, int partition);
 
 enum kestova_get_active_partition_number_result {
-    /* there is none, or it could not be told; a failure */
+    /* there is none, or it could not be told; a failure: retry */
     KESTOVA_GET_ACTIVE_PARTITION_NUMBER_NONE = -1
 };
 
@@ -280,7 +289,8 @@ KESTOVA_C_API int KESTOVA_CALL kestova_get_active_partition_number(kestova *hand
 enum kestova_set_active_result {
     /* done */
     KESTOVA_SET_ACTIVE_DONE = 0,
-    /* failed; a failure */
+    /* failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from before, call
+     * ClearActive, then SetActive with it */
     KESTOVA_SET_ACTIVE_FAILED = 1
 };
 
@@ -292,7 +302,8 @@ KESTOVA_C_API int KESTOVA_CALL kestova_set_active(kestova *handle, int partition
 enum kestova_clear_active_result {
     /* done */
     KESTOVA_CLEAR_ACTIVE_DONE = 0,
-    /* failed; a failure */
+    /* failed; a failure: undo, if GetActivePartitionNumber no longer answers the number from before, call
+     * ClearActive, then SetActive with it */
     KESTOVA_CLEAR_ACTIVE_FAILED = 1
 };
 
@@ -309,7 +320,7 @@ enum kestova_get_factory_prt_drive_letter_result {
 KESTOVA_C_API int KESTOVA_CALL kestova_get_factory_prt_drive_letter(kestova *handle, kestova_char *letter);
 
 enum kestova_get_rcvdisc_result {
-    /* there is none; a failure */
+    /* there is none; a failure: retry */
     KESTOVA_GET_RCVDISC_NONE = '0'
 };
 
@@ -318,7 +329,7 @@ enum kestova_get_rcvdisc_result {
 KESTOVA_C_API kestova_char KESTOVA_CALL kestova_get_rcvdisc(kestova *handle);
 
 enum kestova_get_rcvufd_result {
-    /* there is none; a failure */
+    /* there is none; a failure: retry */
     KESTOVA_GET_RCVUFD_NONE = '0'
 };
 
@@ -361,13 +372,14 @@ KESTOVA_C_API int KESTOVA_CALL kestova_is_cache_partition_for_exp_cache_exist(ke
 enum kestova_active_orvo_boot_partition_result {
     /* done */
     KESTOVA_ACTIVE_ORVO_BOOT_PARTITION_DONE = 0,
-    /* the type could not be read; a failure */
+    /* the type could not be read; a failure: retry */
     KESTOVA_ACTIVE_ORVO_BOOT_PARTITION_TYPE_NOT_READ = 101,
-    /* the partition has no letter all the same; a failure */
+    /* the partition has no letter all the same; a failure: undo, DisableOrvoBootPartition takes a letter that
+     * was given */
     KESTOVA_ACTIVE_ORVO_BOOT_PARTITION_NO_LETTER = 104,
-    /* the letter could not be given; a failure */
+    /* the letter could not be given; a failure: retry */
     KESTOVA_ACTIVE_ORVO_BOOT_PARTITION_LETTER_NOT_GIVEN = 105,
-    /* partition 1 is not the maker's boot partition; a failure */
+    /* partition 1 is not the maker's boot partition; a failure: give-up */
     KESTOVA_ACTIVE_ORVO_BOOT_PARTITION_OTHER_TYPE = 113
 };
 
@@ -378,7 +390,7 @@ KESTOVA_C_API int KESTOVA_CALL kestova_active_orvo_boot_partition(kestova *handl
 enum kestova_disable_orvo_boot_partition_result {
     /* done */
     KESTOVA_DISABLE_ORVO_BOOT_PARTITION_DONE = 0,
-    /* the letter could not be taken; a failure */
+    /* the letter could not be taken; a failure: retry */
     KESTOVA_DISABLE_ORVO_BOOT_PARTITION_LETTER_NOT_TAKEN = 105
 };
 
@@ -388,13 +400,14 @@ KESTOVA_C_API int KESTOVA_CALL kestova_disable_orvo_boot_partition(kestova *hand
 enum kestova_active_gpt_system_partition_result {
     /* done */
     KESTOVA_ACTIVE_GPT_SYSTEM_PARTITION_DONE = 0,
-    /* the type could not be read; a failure */
+    /* the type could not be read; a failure: retry */
     KESTOVA_ACTIVE_GPT_SYSTEM_PARTITION_TYPE_NOT_READ = 101,
-    /* the partition has no letter all the same; a failure */
+    /* the partition has no letter all the same; a failure: undo, DisableGPTSystemPartition takes a letter
+     * that was given */
     KESTOVA_ACTIVE_GPT_SYSTEM_PARTITION_NO_LETTER = 104,
-    /* the letter could not be given; a failure */
+    /* the letter could not be given; a failure: retry */
     KESTOVA_ACTIVE_GPT_SYSTEM_PARTITION_LETTER_NOT_GIVEN = 105,
-    /* partition 3 is not the EFI system partition; a failure */
+    /* partition 3 is not the EFI system partition; a failure: give-up */
     KESTOVA_ACTIVE_GPT_SYSTEM_PARTITION_OTHER_TYPE = 113
 };
 
@@ -405,7 +418,7 @@ KESTOVA_C_API int KESTOVA_CALL kestova_active_gpt_system_partition(kestova *hand
 enum kestova_disable_gpt_system_partition_result {
     /* done */
     KESTOVA_DISABLE_GPT_SYSTEM_PARTITION_DONE = 0,
-    /* the letter could not be taken; a failure */
+    /* the letter could not be taken; a failure: retry */
     KESTOVA_DISABLE_GPT_SYSTEM_PARTITION_LETTER_NOT_TAKEN = 105
 };
 
@@ -457,7 +470,7 @@ enum kestova_is_exist_encrypt_volume_result {
 KESTOVA_C_API int KESTOVA_CALL kestova_is_exist_encrypt_volume(kestova *handle);
 
 enum kestova_get_encrypt_volume_result {
-    /* there are none, or several, or BitLocker cannot be asked; a failure */
+    /* there are none, or several, or BitLocker cannot be asked; a failure: retry */
     KESTOVA_GET_ENCRYPT_VOLUME_NONE = '0',
     /* it has no letter */
     KESTOVA_GET_ENCRYPT_VOLUME_NO_LETTER = 0
@@ -470,7 +483,7 @@ KESTOVA_C_API kestova_char KESTOVA_CALL kestova_get_encrypt_volume(kestova *hand
 enum kestova_get_all_encrypt_volume_result {
     /* BitLocker was asked */
     KESTOVA_GET_ALL_ENCRYPT_VOLUME_ASKED = 1,
-    /* BitLocker cannot be asked; a failure */
+    /* BitLocker cannot be asked; a failure: retry */
     KESTOVA_GET_ALL_ENCRYPT_VOLUME_NOT_ASKED = 0
 };
 
@@ -482,15 +495,16 @@ KESTOVA_C_API int KESTOVA_CALL kestova_get_all_encrypt_volume(kestova *handle, k
 enum kestova_get_bit_locker_system_info_result {
     /* asked; the outputs tell the rest */
     KESTOVA_GET_BIT_LOCKER_SYSTEM_INFO_ASKED = 0,
-    /* there is no internal disk; a failure */
+    /* there is no internal disk; a failure: retry */
     KESTOVA_GET_BIT_LOCKER_SYSTEM_INFO_NO_INTERNAL_DISK = 100,
-    /* the partition style is unknown; a failure */
+    /* the partition style is unknown; a failure: retry */
     KESTOVA_GET_BIT_LOCKER_SYSTEM_INFO_STYLE_UNKNOWN = 106,
-    /* the partition style could not be read; a failure */
+    /* the partition style could not be read; a failure: retry */
     KESTOVA_GET_BIT_LOCKER_SYSTEM_INFO_STYLE_NOT_READ = 111,
-    /* the type of partition 3 could not be read; a failure */
+    /* the type of partition 3 could not be read; a failure: retry */
     KESTOVA_GET_BIT_LOCKER_SYSTEM_INFO_TYPE_NOT_READ = 115,
-    /* there is no volume layer; a failure */
+    /* there is no volume layer; a failure: give-up, the object was made while memory had run out: make
+     * another one */
     KESTOVA_GET_BIT_LOCKER_SYSTEM_INFO_NO_VOLUME_LAYER = 116
 };
 
@@ -503,11 +517,11 @@ KESTOVA_C_API int KESTOVA_CALL kestova_get_bit_locker_system_info(kestova *handl
 enum kestova_get_vista_os_info_result {
     /* found */
     KESTOVA_GET_VISTA_OS_INFO_FOUND = 0,
-    /* its partition has no letter, or the layout is another; a failure */
+    /* its partition has no letter, or the layout is another; a failure: retry */
     KESTOVA_GET_VISTA_OS_INFO_NO_LETTER = 104,
-    /* its partition holds no Windows; a failure */
+    /* its partition holds no Windows; a failure: retry */
     KESTOVA_GET_VISTA_OS_INFO_NO_WINDOWS = 110,
-    /* the partition style is unknown or could not be read; a failure */
+    /* the partition style is unknown or could not be read; a failure: retry */
     KESTOVA_GET_VISTA_OS_INFO_STYLE_UNKNOWN = 111
 };
 
@@ -520,7 +534,8 @@ KESTOVA_C_API int KESTOVA_CALL kestova_get_vista_os_info(kestova *handle, int *d
 enum kestova_get_win_drive_letters_result {
     /* done */
     KESTOVA_GET_WIN_DRIVE_LETTERS_DONE = 1,
-    /* something failed, or there was no room for all records; a failure */
+    /* something failed, or there was no room for all records; a failure: retry, with room for 26 records, one
+     * for each letter */
     KESTOVA_GET_WIN_DRIVE_LETTERS_FAILED = 0
 };
 
@@ -533,15 +548,18 @@ KESTOVA_C_API int KESTOVA_CALL kestova_get_win_drive_letters(kestova *handle, ke
 enum kestova_switch_result {
     /* done, or it was active already */
     KESTOVA_SWITCH_DONE = 0,
-    /* no active partition could be read; a failure */
+    /* no active partition could be read; a failure: retry */
     KESTOVA_SWITCH_NO_ACTIVE_PARTITION = 1,
-    /* the number of the active partition is unknown; a failure */
+    /* the number of the active partition is unknown; a failure: retry */
     KESTOVA_SWITCH_UNKNOWN_ACTIVE_PARTITION = 2,
-    /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure */
+    /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure:
+     * give-up, what a partition must be and hold: docs/recovery-partitions.md */
     KESTOVA_SWITCH_NO_RECOVERY_FILES = 3,
-    /* the record could not be written; a failure */
+    /* the record could not be written; a failure: retry */
     KESTOVA_SWITCH_RECORD_NOT_WRITTEN = 4,
-    /* the flag could not be set; setting the former one again was tried; a failure */
+    /* the flag could not be set; setting the former one again was tried; a failure: undo, if
+     * GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+     * with it */
     KESTOVA_SWITCH_FLAG_NOT_SET = 5
 };
 
@@ -551,15 +569,18 @@ KESTOVA_C_API int KESTOVA_CALL kestova_set_rcvprt_active(kestova *handle);
 enum kestova_switch_back_result {
     /* done, or there was nothing to do */
     KESTOVA_SWITCH_BACK_DONE = 0,
-    /* no active partition could be read; a failure */
+    /* no active partition could be read; a failure: retry */
     KESTOVA_SWITCH_BACK_NO_ACTIVE_PARTITION = 1,
-    /* the number of the active partition is unknown; a failure */
+    /* the number of the active partition is unknown; a failure: retry */
     KESTOVA_SWITCH_BACK_UNKNOWN_ACTIVE_PARTITION = 2,
-    /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure */
+    /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure:
+     * give-up, what a partition must be and hold: docs/recovery-partitions.md */
     KESTOVA_SWITCH_BACK_NO_RECOVERY_FILES = 3,
-    /* the flag could not be set; a failure */
+    /* the flag could not be set; a failure: undo, if GetActivePartitionNumber no longer answers the number
+     * from before, call ClearActive, then SetActive with it */
     KESTOVA_SWITCH_BACK_FLAG_NOT_SET = 4,
-    /* the record could not be deleted; a failure */
+    /* the record could not be deleted; a failure: go-on, the PC starts from the partition that was asked for;
+     * SystemVolume.ini stays, and asking again deletes it */
     KESTOVA_SWITCH_BACK_RECORD_NOT_DELETED = 5
 };
 
@@ -569,17 +590,21 @@ KESTOVA_C_API int KESTOVA_CALL kestova_set_system_active(kestova *handle);
 enum kestova_switch_p_one_result {
     /* done */
     KESTOVA_SWITCH_P_ONE_DONE = 0,
-    /* no active partition could be read; a failure */
+    /* no active partition could be read; a failure: retry */
     KESTOVA_SWITCH_P_ONE_NO_ACTIVE_PARTITION = 1,
-    /* the number of the active partition is unknown; a failure */
+    /* the number of the active partition is unknown; a failure: retry */
     KESTOVA_SWITCH_P_ONE_UNKNOWN_ACTIVE_PARTITION = 2,
-    /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure */
+    /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure:
+     * give-up, what a partition must be and hold: docs/recovery-partitions.md */
     KESTOVA_SWITCH_P_ONE_NO_RECOVERY_FILES = 3,
-    /* the record could not be written; a failure */
+    /* the record could not be written; a failure: retry */
     KESTOVA_SWITCH_P_ONE_RECORD_NOT_WRITTEN = 4,
-    /* the flag could not be set; setting the former one again was tried; a failure */
+    /* the flag could not be set; setting the former one again was tried; a failure: undo, if
+     * GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+     * with it */
     KESTOVA_SWITCH_P_ONE_FLAG_NOT_SET = 5,
-    /* the record could not be dropped; a failure */
+    /* the record could not be dropped; a failure: go-on, the PC starts from the partition that was asked for;
+     * SystemVolume.ini stays, and means what none would */
     KESTOVA_SWITCH_P_ONE_RECORD_NOT_DROPPED = 6
 };
 
@@ -589,11 +614,15 @@ KESTOVA_C_API int KESTOVA_CALL kestova_set_p_one_active(kestova *handle);
 enum kestova_switch_p_two_result {
     /* done */
     KESTOVA_SWITCH_P_TWO_DONE = 0,
-    /* the flag could not be set; setting partition 1 again was tried; a failure */
+    /* the flag could not be set; setting partition 1 again was tried; a failure: undo, if
+     * GetActivePartitionNumber no longer answers the number from before, call ClearActive, then SetActive
+     * with it */
     KESTOVA_SWITCH_P_TWO_FLAG_NOT_SET = 1,
-    /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure */
+    /* the recovery partition cannot be used: no letter, an unexpected type, or no recovery files; a failure:
+     * go-on, the PC starts from partition 2; SystemVolume.ini was not looked for */
     KESTOVA_SWITCH_P_TWO_NO_RECOVERY_FILES = 2,
-    /* the record could not be deleted; a failure */
+    /* the record could not be deleted; a failure: go-on, the PC starts from the partition that was asked for;
+     * SystemVolume.ini stays, and asking again deletes it */
     KESTOVA_SWITCH_P_TWO_RECORD_NOT_DELETED = 3
 };
 
@@ -607,9 +636,10 @@ KESTOVA_C_API int KESTOVA_CALL kestova_set_p_two_active(kestova *handle);
 /* The PC that answers the library in this process. Names and texts are UTF-8. */
 typedef struct kestova_pc kestova_pc;
 
-/* Opens a PC: a machine that comes with the library ("factory-mbr"), or a file that describes one. One at a time in a
- * process, before the first handle is opened. Null if that failed. Without one, kestova_open opens the PC that the
- * variable KESTOVA_PC of the environment names, for the rest of the process. */
+/* Opens a PC: a machine that comes with the library ("factory-mbr"), or a file that describes one; in a library that was
+ * built with KESTOVA_C_IMAGES also a disk image, to which nothing is written. One at a time in a process, before the first
+ * handle is opened. Null if that failed. Without one, kestova_open opens the PC that the variable KESTOVA_PC of the
+ * environment names, for the rest of the process. */
 KESTOVA_C_API kestova_pc *KESTOVA_CALL kestova_open_pc(const char *name_or_file);
 
 /* Closes the PC. 0 if a handle is still open, or if it is not open; else 1. */
