@@ -7,8 +7,8 @@
 using namespace machine;
 
 // On a damaged volume the NTFS library itself loses what a mount or a deletion had allocated when it fails,
-// and nobody outside can release that. That our own inodes are closed is tested by name. The library is told by
-// its file, as names of functions are unknown where there is no symbolizer.
+// and nobody outside can release that. That our own inodes are closed is tested by name. The library is told
+// by its file, as names of functions are unknown where there is no symbolizer.
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libntfs-3g\n";
 }
